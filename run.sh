@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Builds Countersign and opens the given documents in it. Installs what is missing first.
+#
+#   ./run.sh [FILE...]
+#
+# Without a display the application runs on a virtual one and a picture of its window is written.
+set -u
+. "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
+
+"$root/scripts/install-dependencies.sh" run || exit
+configureAndBuild release countersign_desktop
+
+program=$root/build/release/bin/countersign-desktop
+if hasDisplay; then
+    say "running the application"
+    exec "$program" "$@"
+fi
+
+say "there is no display: running the application on a virtual one"
+picture=$root/build/countersign.png
+rm -f "$picture"
+"$root/scripts/with-display.sh" "$root/scripts/take-picture.sh" "$picture" "$program" "$@" ||
+    fail "taking a picture of the running application"
+say "a picture of the window is in $picture"

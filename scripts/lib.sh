@@ -1,0 +1,56 @@
+# Shared by the scripts that people start; sourced, not run. Sets "root" to the repository.
+# shellcheck shell=bash
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+say() {
+    printf 'countersign: %s\n' "$*" >&2
+}
+
+fail() {
+    say "FAILED: $*"
+    exit 1
+}
+
+# step TEXT COMMAND...: says in one line what is being done, keeps the command's talk in a log, and ends with the
+# step's name and that log when it fails.
+step() {
+    local text=$1 log status
+    shift
+    mkdir -p "$root/build" || fail "making the folder $root/build"
+    log=$(mktemp "$root/build/step.XXXXXX") || fail "writing in $root/build"
+    say "$text"
+    "$@" >"$log" 2>&1
+    status=$?
+    if [ "$status" -ne 0 ]; then
+        tail -n 60 "$log" >&2
+        rm -f "$log"
+        say "FAILED (status $status) while: $text"
+        exit "$status"
+    fi
+    rm -f "$log"
+}
+
+# hasDisplay: whether a window can be opened where this runs.
+hasDisplay() {
+    if [ -n "${WAYLAND_DISPLAY:-}" ] && [ -S "${XDG_RUNTIME_DIR:-/nonexistent}/$WAYLAND_DISPLAY" ]; then
+        return 0
+    fi
+    [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1
+}
+
+# configureAndBuild PRESET [TARGET...]: with ccache where it is installed, on all processors.
+configureAndBuild() {
+    local preset=$1
+    shift
+    local targets=() target cacheArguments=()
+    for target in "$@"; do
+        targets+=(--target "$target")
+    done
+    if command -v ccache >/dev/null 2>&1; then
+        cacheArguments=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    fi
+    step "configuring (preset $preset)" env -C "$root" cmake --preset "$preset" "${cacheArguments[@]}"
+    step "building (preset $preset; the first time takes some minutes)" \
+        env -C "$root" cmake --build --preset "$preset" "${targets[@]}"
+}

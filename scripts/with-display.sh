@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# Runs a command on a virtual display of its own, with a window manager, and gives the command's exit status.
+#
+#   scripts/with-display.sh COMMAND [ARGUMENT...]
+#
+# COUNTERSIGN_SCREEN sets the screen (1280x900x24).
+set -u
+
+display=
+xvfb=
+manager=
+child=
+files=$(mktemp -d) || exit 125
+
+cleanUp() {
+    trap '' TERM INT HUP
+    for process in $child $manager $xvfb; do
+        kill "$process" 2>/dev/null
+    done
+    wait 2>/dev/null
+    rm -rf "$files"
+}
+trap cleanUp EXIT
+trap 'exit 143' TERM
+trap 'exit 130' INT
+trap 'exit 129' HUP
+
+mkfifo "$files/number" || exit 125
+Xvfb -displayfd 3 -screen 0 "${COUNTERSIGN_SCREEN:-1280x900x24}" -nolisten tcp 3>"$files/number" 2>"$files/xvfb.log" &
+xvfb=$!
+read -r -t 60 display <"$files/number"
+if [ -z "$display" ]; then
+    echo "with-display: the virtual display did not start:" >&2
+    cat "$files/xvfb.log" >&2
+    exit 125
+fi
+export DISPLAY=":$display"
+# Nothing of the user's own session: no Wayland, no accessibility bus, no saved settings.
+unset WAYLAND_DISPLAY
+export GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none GSETTINGS_BACKEND=memory
+
+openbox --config-file /dev/null --startup "touch '$files/managed'" >"$files/openbox.log" 2>&1 &
+manager=$!
+for _ in $(seq 300); do
+    [ -e "$files/managed" ] && break
+    kill -0 "$manager" 2>/dev/null || break
+    sleep 0.02
+done
+if [ ! -e "$files/managed" ]; then
+    echo "with-display: the window manager did not start:" >&2
+    cat "$files/openbox.log" >&2
+    exit 125
+fi
+
+"$@" &
+child=$!
+wait "$child"
+status=$?
+child=
+exit "$status"
