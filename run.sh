@@ -8,6 +8,7 @@ set -u
 . "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
 
 "$root/scripts/install-dependencies.sh" run || exit
+cmakeArguments=(-DCOUNTERSIGN_BUILD_TESTS=OFF)
 configureAndBuild release countersign_desktop
 
 program=$root/build/release/bin/countersign-desktop

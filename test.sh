@@ -8,6 +8,7 @@ set -u
 
 preset=${COUNTERSIGN_PRESET:-release}
 "$root/scripts/install-dependencies.sh" test || exit
+cmakeArguments=(-DCOUNTERSIGN_BUILD_TESTS=ON)
 configureAndBuild "$preset"
 
 say "running the tests (preset $preset)"

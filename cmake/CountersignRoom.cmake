@@ -35,6 +35,11 @@ function(countersign_room target)
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/countersign>)
     target_compile_features(${target} PUBLIC cxx_std_17)
     add_library(countersign::${target} ALIAS ${target})
+    # The archives share a folder with other people's once they are installed: libcrypto.a, for one, is taken.
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "STATIC_LIBRARY")
+        set_target_properties(${target} PROPERTIES OUTPUT_NAME "countersign-${target}")
+    endif()
 endfunction()
 
 configure_file("${CMAKE_CURRENT_LIST_DIR}/countersignVersion.h.in"

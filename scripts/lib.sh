@@ -39,7 +39,9 @@ hasDisplay() {
     [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1
 }
 
-# configureAndBuild PRESET [TARGET...]: with ccache where it is installed, on all processors.
+# configureAndBuild PRESET [TARGET...]: on all processors, with ccache where it is installed and with the caller's
+# further arguments to cmake, if there are any.
+cmakeArguments=()
 configureAndBuild() {
     local preset=$1
     shift
@@ -50,7 +52,8 @@ configureAndBuild() {
     if command -v ccache >/dev/null 2>&1; then
         cacheArguments=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
     fi
-    step "configuring (preset $preset)" env -C "$root" cmake --preset "$preset" "${cacheArguments[@]}"
+    step "configuring (preset $preset)" env -C "$root" cmake --preset "$preset" "${cacheArguments[@]}" \
+        "${cmakeArguments[@]}"
     step "building (preset $preset; the first time takes some minutes)" \
         env -C "$root" cmake --build --preset "$preset" "${targets[@]}"
 }

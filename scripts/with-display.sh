@@ -25,8 +25,14 @@ trap 'exit 143' TERM
 trap 'exit 130' INT
 trap 'exit 129' HUP
 
+# What is started here ends with this script, however that ends.
+together=()
+if setpriv --pdeathsig TERM true 2>/dev/null; then
+    together=(setpriv --pdeathsig TERM)
+fi
+
 mkfifo "$files/number" || exit 125
-Xvfb -displayfd 3 -screen 0 "${COUNTERSIGN_SCREEN:-1280x900x24}" -nolisten tcp 3>"$files/number" 2>"$files/xvfb.log" &
+"${together[@]}" Xvfb -displayfd 3 -screen 0 "${COUNTERSIGN_SCREEN:-1280x900x24}" -nolisten tcp 3>"$files/number" 2>"$files/xvfb.log" &
 xvfb=$!
 read -r -t 60 display <"$files/number"
 if [ -z "$display" ]; then
@@ -39,7 +45,7 @@ export DISPLAY=":$display"
 unset WAYLAND_DISPLAY
 export GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none GSETTINGS_BACKEND=memory
 
-openbox --config-file /dev/null --startup "touch '$files/managed'" >"$files/openbox.log" 2>&1 &
+"${together[@]}" openbox --config-file /dev/null --startup "touch '$files/managed'" >"$files/openbox.log" 2>&1 &
 manager=$!
 for _ in $(seq 300); do
     [ -e "$files/managed" ] && break
@@ -52,7 +58,7 @@ if [ ! -e "$files/managed" ]; then
     exit 125
 fi
 
-"$@" &
+"${together[@]}" "$@" &
 child=$!
 wait "$child"
 status=$?

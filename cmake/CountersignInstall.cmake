@@ -1,0 +1,89 @@
+# Where everything goes on "cmake --install".
+#
+# Programs and shared libraries lie side by side in lib/.../countersign, so that one folder can be moved as a whole
+# and a program finds its libraries relative to itself; bin/ holds relative links to the programs. The dynamic loader
+# resolves such a link before it looks beside the program.
+include(CMakePackageConfigHelpers)
+
+set(countersignFolder "${CMAKE_INSTALL_LIBDIR}/countersign")
+set(countersignCMakeFolder "${CMAKE_INSTALL_LIBDIR}/cmake/countersign")
+set(countersignHeaders "${CMAKE_INSTALL_INCLUDEDIR}/countersign")
+
+# countersign_install_component(<component> <headers' folder under the root> <target>...)
+# One export set a component, so that a project that asks for one need not have what the others depend on.
+function(countersign_install_component component headers)
+    install(TARGETS ${ARGN} EXPORT countersign-${component}
+        LIBRARY DESTINATION "${countersignFolder}" COMPONENT libraries
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
+    install(EXPORT countersign-${component} NAMESPACE countersign::
+        DESTINATION "${countersignCMakeFolder}" COMPONENT development)
+    if(headers STREQUAL "src")
+        set(destination "${countersignHeaders}")
+    else()
+        set(destination "${countersignHeaders}/${headers}")
+    endif()
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/${headers}/" DESTINATION "${destination}" COMPONENT development
+        FILES_MATCHING PATTERN "*.h")
+endfunction()
+
+# countersign_install_program(<target>): the program beside its libraries, and a link to it in bin/.
+function(countersign_install_program target)
+    get_target_property(name ${target} OUTPUT_NAME)
+    if(NOT name)
+        set(name ${target})
+    endif()
+    install(TARGETS ${target} RUNTIME DESTINATION "${countersignFolder}" COMPONENT programs)
+    file(RELATIVE_PATH link "/${CMAKE_INSTALL_BINDIR}" "/${countersignFolder}/${name}")
+    install(CODE "
+        set(bin \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}\")
+        file(MAKE_DIRECTORY \"\${bin}\")
+        file(CREATE_LINK \"${link}\" \"\${bin}/${name}\" SYMBOLIC)
+        list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/${name}\")
+        message(STATUS \"Installing: \${bin}/${name} -> ${link}\")"
+        COMPONENT programs)
+endfunction()
+
+# The parts that other projects can ask for.
+set(countersignComponents)
+if(TARGET KXOSWrappers)
+    set_target_properties(KXBaseTools KXOSWrappers PROPERTIES INSTALL_RPATH "$ORIGIN")
+    countersign_install_component(platform platform KXBaseTools KXOSWrappers)
+    list(APPEND countersignComponents platform)
+endif()
+foreach(component IN ITEMS bigdigits crypto assertionHandling)
+    if(TARGET ${component})
+        if(component STREQUAL "bigdigits")
+            countersign_install_component(${component} src ${component})
+        else()
+            countersign_install_component(${component} ${component} ${component})
+        endif()
+        list(APPEND countersignComponents ${component})
+    endif()
+endforeach()
+
+foreach(program IN ITEMS countersign_desktop countersign_cli)
+    if(TARGET ${program})
+        set_target_properties(${program} PROPERTIES INSTALL_RPATH "$ORIGIN")
+        countersign_install_program(${program})
+    endif()
+endforeach()
+
+configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/countersignConfig.cmake.in"
+    "${PROJECT_BINARY_DIR}/countersignConfig.cmake"
+    INSTALL_DESTINATION "${countersignCMakeFolder}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/countersignConfigVersion.cmake"
+    COMPATIBILITY SameMinorVersion)
+install(FILES
+    "${PROJECT_BINARY_DIR}/countersignConfig.cmake"
+    "${PROJECT_BINARY_DIR}/countersignConfigVersion.cmake"
+    "${CMAKE_CURRENT_LIST_DIR}/CountersignToolkit.cmake"
+    DESTINATION "${countersignCMakeFolder}" COMPONENT development)
+
+# The same for those who use pkg-config. The description's folders follow the file's own place.
+file(RELATIVE_PATH countersignPrefixFromPkgConfig "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+foreach(component IN LISTS countersignComponents)
+    configure_file("${CMAKE_CURRENT_LIST_DIR}/pkgconfig/countersign-${component}.pc.in"
+        "${PROJECT_BINARY_DIR}/pkgconfig/countersign-${component}.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/pkgconfig/countersign-${component}.pc"
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+endforeach()
