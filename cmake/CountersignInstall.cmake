@@ -68,6 +68,32 @@ foreach(program IN ITEMS countersign_desktop countersign_cli)
     endif()
 endforeach()
 
+# What the desktop needs to know of the application.
+if(TARGET countersign_desktop)
+    set(desktop "${PROJECT_SOURCE_DIR}/desktop")
+    set(id org.countersign.Countersign)
+    install(FILES "${desktop}/${id}.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications" COMPONENT programs)
+    install(FILES "${desktop}/${id}.metainfo.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo" COMPONENT programs)
+    install(FILES "${desktop}/icons/${id}.svg"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps" COMPONENT programs)
+    foreach(size IN ITEMS 16 22 24 32 48 64 128 256)
+        install(FILES "${desktop}/icons/${size}.png" RENAME "${id}.png"
+            DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps" COMPONENT programs)
+    endforeach()
+    configure_file("${PROJECT_SOURCE_DIR}/docs/man/countersign-desktop.1.in"
+        "${PROJECT_BINARY_DIR}/man/countersign-desktop.1" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/man/countersign-desktop.1"
+        DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT programs)
+    # The bus starts the program by its whole path, which is known only when it is installed.
+    install(CODE "
+        set(services \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/dbus-1/services\")
+        file(WRITE \"\$ENV{DESTDIR}\${services}/${id}.service\"
+            \"[D-BUS Service]\\nName=${id}\\nExec=\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/countersign-desktop\\n\")
+        list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${services}/${id}.service\")
+        message(STATUS \"Installing: \$ENV{DESTDIR}\${services}/${id}.service\")"
+        COMPONENT programs)
+endif()
+
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/countersignConfig.cmake.in"
     "${PROJECT_BINARY_DIR}/countersignConfig.cmake"
     INSTALL_DESTINATION "${countersignCMakeFolder}")

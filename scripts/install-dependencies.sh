@@ -11,17 +11,19 @@ set -u
 # The one list of packages, by what they are for.
 run=(
     g++ cmake ninja-build pkg-config ccache
-    libwxgtk3.2-dev libssl-dev libcli11-dev
+    libwxgtk3.2-dev libgtk-3-dev libssl-dev libcli11-dev
     # Without a display: a virtual one, a window manager and a camera.
-    xvfb openbox xdotool x11-utils imagemagick fonts-dejavu-core adwaita-icon-theme
+    xvfb openbox xdotool wmctrl x11-utils imagemagick fonts-dejavu-core adwaita-icon-theme
 )
 test=(
     libgtest-dev libgmock-dev libgmp-dev
     gdb openssl
+    # A session bus to meet on, and the desktop's own validators.
+    dbus libglib2.0-bin desktop-file-utils appstream
 )
 develop=(
     clang clang-format clang-tidy libclang-rt-14-dev gcovr git
-    libbenchmark-dev libtommath-dev valgrind
+    libbenchmark-dev libtommath-dev valgrind librsvg2-bin shellcheck
 )
 
 case "${1:-test}" in

@@ -41,8 +41,10 @@ if [ -z "$display" ]; then
     exit 125
 fi
 export DISPLAY=":$display"
-# Nothing of the user's own session: no Wayland, no accessibility bus, no saved settings.
+# Nothing of the user's own session: no Wayland, no bus (where the application may be running), no accessibility, no
+# saved settings.
 unset WAYLAND_DISPLAY
+export DBUS_SESSION_BUS_ADDRESS=disabled:
 export GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none GSETTINGS_BACKEND=memory
 
 "${together[@]}" openbox --config-file /dev/null --startup "touch '$files/managed'" >"$files/openbox.log" 2>&1 &

@@ -1,0 +1,259 @@
+#include "host/desktop/hoSessionBus.h"
+
+#include <gio/gio.h>
+
+#include <cstdlib>
+#include <utility>
+
+namespace
+{
+const int ANSWER_TIMEOUT_MILLISECONDS = 5000;
+
+const char INTERFACE_NAME[] = "org.freedesktop.Application";
+
+const char INTROSPECTION[] = "<node>"
+                             "<interface name='org.freedesktop.Application'>"
+                             "<method name='Activate'><arg type='a{sv}' name='platform_data' direction='in'/></method>"
+                             "<method name='Open'>"
+                             "<arg type='as' name='uris' direction='in'/>"
+                             "<arg type='a{sv}' name='platform_data' direction='in'/>"
+                             "</method>"
+                             "<method name='ActivateAction'>"
+                             "<arg type='s' name='action_name' direction='in'/>"
+                             "<arg type='av' name='parameter' direction='in'/>"
+                             "<arg type='a{sv}' name='platform_data' direction='in'/>"
+                             "</method>"
+                             "</interface>"
+                             "</node>";
+
+struct Unreference
+{
+    void operator()(gpointer pObject) const { g_object_unref(pObject); }
+};
+struct Free
+{
+    void operator()(gpointer pMemory) const { g_free(pMemory); }
+};
+using Text = std::unique_ptr<char, Free>;
+
+// The bus's address, empty when there is none. GIO by itself would start a bus that nobody asked for.
+std::string addressOfBus()
+{
+    const char* pAddress = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    if (pAddress != nullptr && *pAddress != '\0')
+    {
+        return pAddress;
+    }
+    const Text socket(g_build_filename(g_get_user_runtime_dir(), "bus", nullptr));
+    if (!g_file_test(socket.get(), G_FILE_TEST_EXISTS))
+    {
+        return {};
+    }
+    const Text escaped(g_dbus_address_escape_value(socket.get()));
+    return std::string("unix:path=") + escaped.get();
+}
+
+std::string pathOfUri(const char* pUri)
+{
+    const std::unique_ptr<GFile, Unreference> file(g_file_new_for_uri(pUri));
+    const Text path(g_file_get_path(file.get()));
+    return path ? path.get() : pUri;
+}
+
+std::string uriOfPath(const std::string& path)
+{
+    // Makes a relative path absolute and keeps every byte of it, valid text or not.
+    const std::unique_ptr<GFile, Unreference> file(g_file_new_for_path(path.c_str()));
+    const Text uri(g_file_get_uri(file.get()));
+    return uri.get();
+}
+
+// What the desktop said about the start, so that the window that answers may come to the front.
+GVariant* platformData()
+{
+    GVariantBuilder builder;
+    g_variant_builder_init(&builder, G_VARIANT_TYPE("a{sv}"));
+    const char* pStartup = std::getenv("DESKTOP_STARTUP_ID");
+    if (pStartup != nullptr && g_utf8_validate(pStartup, -1, nullptr) != FALSE)
+    {
+        g_variant_builder_add(&builder, "{sv}", "desktop-startup-id", g_variant_new_string(pStartup));
+    }
+    return g_variant_builder_end(&builder);
+}
+}  // namespace
+
+const char* const hoSessionBus::NAME = "org.countersign.Countersign";
+const char* const hoSessionBus::OBJECT_PATH = "/org/countersign/Countersign";
+
+class hoSessionBus::Connection
+{
+public:
+    Connection() = default;
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    ~Connection()
+    {
+        if (_registration != 0)
+        {
+            g_dbus_connection_unregister_object(_pBus.get(), _registration);
+        }
+        if (_pBus)
+        {
+            // The bus takes the name back with the connection.
+            g_dbus_connection_close_sync(_pBus.get(), nullptr, nullptr);
+        }
+    }
+
+    bool open()
+    {
+        const std::string address = addressOfBus();
+        if (address.empty())
+        {
+            return false;
+        }
+        const int flags =
+            G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION;
+        _pBus.reset(g_dbus_connection_new_for_address_sync(address.c_str(), static_cast<GDBusConnectionFlags>(flags),
+                                                           nullptr, nullptr, nullptr));
+        return _pBus != nullptr;
+    }
+
+    // The object must be there before the name is, since requests may come the moment after.
+    bool serve(OpenFunction onOpen, ActivateFunction onActivate)
+    {
+        _onOpen = std::move(onOpen);
+        _onActivate = std::move(onActivate);
+        GDBusNodeInfo* pNode = g_dbus_node_info_new_for_xml(INTROSPECTION, nullptr);
+        if (pNode == nullptr)
+        {
+            return false;
+        }
+        static const GDBusInterfaceVTable table = {&Connection::onMethodCall, nullptr, nullptr, {nullptr}};
+        _registration = g_dbus_connection_register_object(_pBus.get(), OBJECT_PATH, pNode->interfaces[0], &table, this,
+                                                          nullptr, nullptr);
+        g_dbus_node_info_unref(pNode);
+        return _registration != 0;
+    }
+
+    // True when the name is ours now; "taken" says that somebody else has it.
+    bool claimName(bool& taken)
+    {
+        const guint32 doNotQueue = 4;
+        const guint32 primaryOwner = 1;
+        const guint32 exists = 3;
+        GVariant* pAnswer = g_dbus_connection_call_sync(
+            _pBus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+            g_variant_new("(su)", NAME, doNotQueue), G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE,
+            ANSWER_TIMEOUT_MILLISECONDS, nullptr, nullptr);
+        guint32 answer = 0;
+        if (pAnswer != nullptr)
+        {
+            g_variant_get(pAnswer, "(u)", &answer);
+            g_variant_unref(pAnswer);
+        }
+        taken = answer == exists;
+        return answer == primaryOwner;
+    }
+
+    // False when the owner is gone or does not answer in time; "isSlow" tells the second.
+    bool handOver(const std::vector<std::string>& paths, bool& isSlow)
+    {
+        GVariant* pArguments = nullptr;
+        if (paths.empty())
+        {
+            pArguments = g_variant_new("(@a{sv})", platformData());
+        }
+        else
+        {
+            GVariantBuilder uris;
+            g_variant_builder_init(&uris, G_VARIANT_TYPE("as"));
+            for (const std::string& path : paths)
+            {
+                g_variant_builder_add(&uris, "s", uriOfPath(path).c_str());
+            }
+            pArguments = g_variant_new("(as@a{sv})", &uris, platformData());
+        }
+        GError* pError = nullptr;
+        GVariant* pAnswer = g_dbus_connection_call_sync(
+            _pBus.get(), NAME, OBJECT_PATH, INTERFACE_NAME, paths.empty() ? "Activate" : "Open", pArguments, nullptr,
+            G_DBUS_CALL_FLAGS_NO_AUTO_START, ANSWER_TIMEOUT_MILLISECONDS, nullptr, &pError);
+        if (pAnswer == nullptr)
+        {
+            isSlow = g_error_matches(pError, G_IO_ERROR, G_IO_ERROR_TIMED_OUT) != FALSE;
+            g_error_free(pError);
+            return false;
+        }
+        g_variant_unref(pAnswer);
+        return true;
+    }
+
+private:
+    static void onMethodCall(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* pMethod,
+                             GVariant* pArguments, GDBusMethodInvocation* pInvocation, gpointer pUserData)
+    {
+        Connection* pSelf = static_cast<Connection*>(pUserData);
+        const std::string method = pMethod;
+        std::vector<std::string> paths;
+        if (method == "Open")
+        {
+            GVariantIter* pUris = nullptr;
+            g_variant_get(pArguments, "(asa{sv})", &pUris, nullptr);
+            const gchar* pUri = nullptr;
+            while (g_variant_iter_next(pUris, "&s", &pUri) != FALSE)
+            {
+                paths.push_back(pathOfUri(pUri));
+            }
+            g_variant_iter_free(pUris);
+        }
+        g_dbus_method_invocation_return_value(pInvocation, nullptr);
+
+        // Copies, since the function called may end this connection.
+        if (!paths.empty())
+        {
+            const OpenFunction open = pSelf->_onOpen;
+            open(paths);
+        }
+        else
+        {
+            const ActivateFunction activate = pSelf->_onActivate;
+            activate();
+        }
+    }
+
+    std::unique_ptr<GDBusConnection, Unreference> _pBus;
+    guint _registration = 0;
+    OpenFunction _onOpen;
+    ActivateFunction _onActivate;
+};
+
+hoSessionBus::hoSessionBus() = default;
+hoSessionBus::~hoSessionBus() = default;
+
+hoSessionBus::Outcome hoSessionBus::start(const std::vector<std::string>& paths, OpenFunction onOpen,
+                                          ActivateFunction onActivate)
+{
+    _pConnection = std::make_unique<Connection>();
+    if (!_pConnection->open() || !_pConnection->serve(std::move(onOpen), std::move(onActivate)))
+    {
+        _pConnection.reset();
+        return Outcome::NO_BUS;
+    }
+    // The owner may end between the two questions; then the name is free at the second one.
+    bool isSlow = false;
+    for (int attempt = 0; attempt < 2 && !isSlow; ++attempt)
+    {
+        bool taken = false;
+        if (_pConnection->claimName(taken))
+        {
+            return Outcome::FIRST;
+        }
+        if (taken && _pConnection->handOver(paths, isSlow))
+        {
+            _pConnection.reset();
+            return Outcome::HANDED_OVER;
+        }
+    }
+    _pConnection.reset();
+    return Outcome::NO_BUS;
+}

@@ -1,0 +1,51 @@
+// The application on the session bus: the one running process owns the application's name and takes documents there,
+// from the desktop and from later starts of itself.
+//
+// No toolkit here, GIO alone. Paths are bytes as the file system knows them; a URI's percent signs are undone before a
+// path leaves this class, and anything that is not a local file comes out as the URI itself, for the window to say
+// that it cannot be opened.
+#ifndef HO_SESSION_BUS_H
+#define HO_SESSION_BUS_H
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+class hoSessionBus
+{
+public:
+    enum class Outcome
+    {
+        NO_BUS,      // there is no bus, or the name's owner does not answer: go on alone
+        FIRST,       // the name is ours, requests will come
+        HANDED_OVER  // another process has taken the documents: nothing is left to do here
+    };
+
+    using OpenFunction = std::function<void(const std::vector<std::string>& paths)>;
+    using ActivateFunction = std::function<void()>;
+
+    hoSessionBus();
+    // Gives the name back; no function is called any more.
+    ~hoSessionBus();
+    hoSessionBus(const hoSessionBus&) = delete;
+    hoSessionBus& operator=(const hoSessionBus&) = delete;
+
+    // Claims the name. Where another process has it, that one is asked to open the paths, or to come to the front if
+    // there are none; relative paths are taken from the current folder. Blocks until the bus has answered, some
+    // seconds at the most. Call it once.
+    //
+    // The two functions are called from GLib's main loop of the calling thread, never from inside start(), each
+    // after its caller on the bus has its answer, so that they may take their time (open a dialog, for one).
+    Outcome start(const std::vector<std::string>& paths, OpenFunction onOpen, ActivateFunction onActivate);
+
+    // The name on the bus, which is the desktop id, and the object's path.
+    static const char* const NAME;
+    static const char* const OBJECT_PATH;
+
+private:
+    class Connection;
+    std::unique_ptr<Connection> _pConnection;
+};
+
+#endif

@@ -1,0 +1,251 @@
+// hoSessionBus on a real bus of its own: requests from a stranger (gdbus), from a second start, and no bus at all.
+#include "host/desktop/hoSessionBus.h"
+
+#include <gio/gio.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+using Outcome = hoSessionBus::Outcome;
+
+// What came in on one connection, in order: one entry a request.
+struct Requests
+{
+    std::vector<std::vector<std::string>> opened;
+    int activations = 0;
+
+    hoSessionBus::OpenFunction onOpen()
+    {
+        return [this](const std::vector<std::string>& paths) { opened.push_back(paths); };
+    }
+    hoSessionBus::ActivateFunction onActivate()
+    {
+        return [this] { ++activations; };
+    }
+};
+
+// Turns GLib's main loop until the condition holds; false when it does not within half a minute.
+bool runUntil(const std::function<bool()>& condition)
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!condition())
+    {
+        if (std::chrono::steady_clock::now() > end)
+        {
+            return false;
+        }
+        if (g_main_context_iteration(nullptr, FALSE) == FALSE)
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+    return true;
+}
+
+// Does something that blocks while the requests it makes are answered here.
+void meanwhile(const std::function<void()>& work)
+{
+    bool done = false;
+    std::thread worker(
+        [&]
+        {
+            work();
+            g_main_context_invoke(
+                nullptr,
+                [](gpointer pDone) -> gboolean
+                {
+                    *static_cast<bool*>(pDone) = true;
+                    return G_SOURCE_REMOVE;
+                },
+                &done);
+        });
+    EXPECT_TRUE(runUntil([&] { return done; }));
+    worker.join();
+}
+
+class SessionBusTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        _pBus = g_test_dbus_new(G_TEST_DBUS_NONE);
+        g_test_dbus_up(_pBus);
+    }
+    void TearDown() override
+    {
+        g_test_dbus_stop(_pBus);
+        g_object_unref(_pBus);
+    }
+
+    GTestDBus* _pBus = nullptr;
+};
+
+int gdbusCall(const std::string& methodAndArguments)
+{
+    const std::string command = std::string("gdbus call --session --dest ") + hoSessionBus::NAME + " --object-path " +
+                                hoSessionBus::OBJECT_PATH + " --method org.freedesktop.Application." +
+                                methodAndArguments + " >/dev/null 2>&1";
+    return std::system(command.c_str());  // NOLINT(cert-env33-c): a fixed command of this test
+}
+}  // namespace
+
+TEST_F(SessionBusTest, theFirstOneOwnsTheName)
+{
+    Requests requests;
+    hoSessionBus bus;
+    EXPECT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::FIRST);
+    EXPECT_TRUE(requests.opened.empty());
+    EXPECT_EQ(requests.activations, 0);
+}
+
+TEST_F(SessionBusTest, aStrangersOpenBringsPathsWithTheirPercentSignsUndone)
+{
+    Requests requests;
+    hoSessionBus bus;
+    ASSERT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::FIRST);
+    int status = -1;
+    meanwhile(
+        [&]
+        { status = gdbusCall("Open \"['file:///a%20b', 'file:///100%25', 'file:///%C3%A9%FF', 'x-web://h/p']\" {}"); });
+    EXPECT_EQ(status, 0);
+    ASSERT_TRUE(runUntil([&] { return !requests.opened.empty(); }));
+    ASSERT_EQ(requests.opened.size(), 1U);
+    const std::vector<std::string> expected = {"/a b", "/100%", "/\xC3\xA9\xFF", "x-web://h/p"};
+    EXPECT_EQ(requests.opened[0], expected);
+}
+
+TEST_F(SessionBusTest, activateAndUnknownActionsBringTheWindowForward)
+{
+    Requests requests;
+    hoSessionBus bus;
+    ASSERT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::FIRST);
+    int status = -1;
+    meanwhile([&] { status = gdbusCall("Activate {}"); });
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(runUntil([&] { return requests.activations == 1; }));
+    meanwhile([&] { status = gdbusCall("ActivateAction nothing '[]' {}"); });
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(runUntil([&] { return requests.activations == 2; }));
+    EXPECT_TRUE(requests.opened.empty());
+}
+
+TEST_F(SessionBusTest, aSecondStartHandsItsDocumentsOver)
+{
+    Requests first;
+    hoSessionBus bus;
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+
+    const std::vector<std::string> paths = {"/with blank", "/100%",    "/\xC3\xA9", "/\xFF\xFE",
+                                            "/new\nline",  "relative", "-v"};
+    Requests second;
+    Outcome outcome = Outcome::NO_BUS;
+    meanwhile(
+        [&]
+        {
+            hoSessionBus other;
+            outcome = other.start(paths, second.onOpen(), second.onActivate());
+        });
+    EXPECT_EQ(outcome, Outcome::HANDED_OVER);
+    ASSERT_TRUE(runUntil([&] { return !first.opened.empty(); }));
+    std::vector<std::string> expected = paths;
+    char folder[4096];
+    ASSERT_NE(getcwd(folder, sizeof folder), nullptr);
+    expected[5] = std::string(folder) + "/relative";
+    expected[6] = std::string(folder) + "/-v";
+    EXPECT_EQ(first.opened[0], expected);
+    EXPECT_TRUE(second.opened.empty());
+}
+
+TEST_F(SessionBusTest, aSecondStartWithoutDocumentsActivatesTheFirst)
+{
+    Requests first;
+    hoSessionBus bus;
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+    Outcome outcome = Outcome::NO_BUS;
+    meanwhile(
+        [&]
+        {
+            hoSessionBus other;
+            Requests second;
+            outcome = other.start({}, second.onOpen(), second.onActivate());
+        });
+    EXPECT_EQ(outcome, Outcome::HANDED_OVER);
+    EXPECT_TRUE(runUntil([&] { return first.activations == 1; }));
+}
+
+TEST_F(SessionBusTest, theNameIsFreeAgainAfterTheFirstOneHasEnded)
+{
+    Requests requests;
+    {
+        hoSessionBus bus;
+        ASSERT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::FIRST);
+    }
+    hoSessionBus bus;
+    Outcome outcome = Outcome::NO_BUS;
+    meanwhile([&] { outcome = bus.start({}, requests.onOpen(), requests.onActivate()); });
+    EXPECT_EQ(outcome, Outcome::FIRST);
+}
+
+TEST_F(SessionBusTest, aHundredRequestsAtOnceAllArriveInTheirOrder)
+{
+    Requests first;
+    hoSessionBus bus;
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+    std::vector<std::string> many;
+    for (int i = 0; i < 100; ++i)
+    {
+        many.push_back("/document " + std::to_string(i));
+    }
+    meanwhile(
+        [&]
+        {
+            hoSessionBus other;
+            other.start(many, first.onOpen(), first.onActivate());
+        });
+    meanwhile(
+        [&]
+        {
+            for (const std::string& path : many)
+            {
+                hoSessionBus other;
+                other.start({path}, first.onOpen(), first.onActivate());
+            }
+        });
+    ASSERT_TRUE(runUntil([&] { return first.opened.size() == 101; }));
+    EXPECT_EQ(first.opened[0], many);
+    for (std::size_t i = 0; i < many.size(); ++i)
+    {
+        EXPECT_EQ(first.opened[i + 1], std::vector<std::string>{many[i]});
+    }
+}
+
+TEST_F(SessionBusTest, anOwnerThatDoesNotAnswerIsNotWaitedForForever)
+{
+    // Owns the name and never looks at its messages.
+    Requests first;
+    hoSessionBus bus;
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+    Requests second;
+    hoSessionBus other;
+    EXPECT_EQ(other.start({"/a"}, second.onOpen(), second.onActivate()), Outcome::NO_BUS);
+}
+
+TEST(NoSessionBusTest, withoutABusTheApplicationIsAlone)
+{
+    setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
+    Requests requests;
+    hoSessionBus disabled;
+    EXPECT_EQ(disabled.start({"/a"}, requests.onOpen(), requests.onActivate()), Outcome::NO_BUS);
+    setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
+    hoSessionBus missing;
+    EXPECT_EQ(missing.start({"/a"}, requests.onOpen(), requests.onActivate()), Outcome::NO_BUS);
+    EXPECT_TRUE(requests.opened.empty());
+}
