@@ -8,7 +8,8 @@ set -u
 . "$(dirname "${BASH_SOURCE[0]}")/scripts/lib.sh"
 
 "$root/scripts/install-dependencies.sh" run || exit
-cmakeArguments=(-DCOUNTERSIGN_BUILD_TESTS=OFF)
+# Whoever only runs the application needs no test libraries; whoever has built the tests keeps them.
+[ -e "$root/build/release/CMakeCache.txt" ] || cmakeArguments=(-DCOUNTERSIGN_BUILD_TESTS=OFF)
 configureAndBuild release countersign_desktop
 
 program=$root/build/release/bin/countersign-desktop
