@@ -1,0 +1,1439 @@
+#include "bigdigits.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+namespace
+{
+
+constexpr mpDigit topBit = 0x80000000U;
+constexpr mpDigit allOnes = 0xFFFFFFFFU;
+constexpr mpDigit halfMask = 0xFFFFU;
+constexpr uint32_t bitsPerDigit = 32;
+constexpr uint32_t bitsPerHalf = 16;
+constexpr size_t octetsPerDigit = 4;
+constexpr uint32_t digitsPerLine = 8;
+constexpr uint32_t moduleVersion = 2100;
+
+static_assert(sizeof(mpDigit) == octetsPerDigit, "a digit has 32 bits");
+static_assert(static_cast<mpDigit>(-1) == allOnes, "a digit is unsigned");
+// Lengths become size_t before anything is computed from them. Where size_t has 32 bits, an array of 2 * n digits
+// that exists has an n that can be doubled.
+static_assert(sizeof(size_t) >= sizeof(uint32_t), "a length can be an index");
+
+// The functions of the interface take 32-bit lengths. A product of two such numbers can have more digits than that,
+// so what works on products takes size_t.
+
+void setZero(mpDigit a[], size_t n)
+{
+    for (size_t i = n; i-- > 0;)
+    {
+        a[i] = 0;
+    }
+}
+
+void setEqual(mpDigit a[], const mpDigit b[], size_t n)
+{
+    for (size_t i = 0; i < n; i++)
+    {
+        a[i] = b[i];
+    }
+}
+
+size_t significantDigits(const mpDigit a[], size_t n)
+{
+    while (n > 0 && a[n - 1] == 0)
+    {
+        n--;
+    }
+    return n;
+}
+
+// d must not be 0.
+uint32_t leadingZeroBits(mpDigit d)
+{
+    uint32_t count = 0;
+    for (mpDigit mask = topBit; (d & mask) == 0; mask >>= 1)
+    {
+        count++;
+    }
+    return count;
+}
+
+// 64 bits wide, since 2^32 - 1 digits have more bits than 32 bits can count.
+uint64_t bitLength(const mpDigit a[], size_t n)
+{
+    const size_t size = significantDigits(a, n);
+    return size == 0 ? 0 : uint64_t{bitsPerDigit} * size - leadingZeroBits(a[size - 1]);
+}
+
+uint64_t octetLength(const mpDigit a[], size_t n)
+{
+    return (bitLength(a, n) + 7) / 8;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Memory
+
+// Zeroed memory, never null. At least one element is there, so that what touches digit 0 of an empty number is safe.
+template <class T>
+T* allocate(uint64_t count, const char* message)
+{
+    const uint64_t wanted = count == 0 ? 1 : count;
+    void* pMemory = nullptr;
+    if (wanted <= SIZE_MAX)
+    {
+        pMemory = calloc(static_cast<size_t>(wanted), sizeof(T));
+    }
+    else
+    {
+        errno = ENOMEM;
+    }
+    if (pMemory == nullptr)
+    {
+        mpFail(message);
+    }
+    return static_cast<T*>(pMemory);
+}
+
+mpDigit* allocateDigits(uint64_t count)
+{
+    return allocate<mpDigit>(count, "mpAlloc: Unable to allocate memory.");
+}
+
+// Called through a volatile pointer: the compiler cannot know the callee, so it must not drop the call as a store to
+// memory that is freed next.
+void* (*const volatile wipe)(void*, int, size_t) = memset;
+
+void clearAndFree(mpDigit*& a, size_t n)
+{
+    wipe(a, 0, n * sizeof(mpDigit));
+    mpFree(&a);
+}
+
+void clearAndFree(unsigned char* octets, size_t n)
+{
+    wipe(octets, 0, n);
+    free(octets);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Rows: one digit times a number. All products and quotients spend their time here.
+
+// w[0..n) += u[0..n) * d. Returns the carry digit.
+mpDigit rowMultiplyAdd(mpDigit w[], const mpDigit u[], size_t n, mpDigit d)
+{
+    mpDigit carry = 0;
+    for (size_t i = 0; i < n; i++)
+    {
+        mpDigit t[2];
+        spMultiply(t, u[i], d);
+        // u[i] * d + carry + w[i] <= (B-1)^2 + 2(B-1) < B^2, so the high digit takes both carries.
+        t[0] += carry;
+        t[1] += t[0] < carry ? 1 : 0;
+        t[0] += w[i];
+        t[1] += t[0] < w[i] ? 1 : 0;
+        w[i] = t[0];
+        carry = t[1];
+    }
+    return carry;
+}
+
+// w[0..n) -= v[0..n) * d. Returns the borrow digit.
+mpDigit rowMultiplySubtract(mpDigit w[], const mpDigit v[], size_t n, mpDigit d)
+{
+    mpDigit borrow = 0;
+    for (size_t i = 0; i < n; i++)
+    {
+        mpDigit t[2];
+        spMultiply(t, v[i], d);
+        w[i] -= borrow;
+        borrow = w[i] > allOnes - borrow ? 1 : 0;
+        w[i] -= t[0];
+        borrow += w[i] > allOnes - t[0] ? 1 : 0;
+        // The high digit of a product is at most B-2, and B-1 only without both borrows.
+        borrow += t[1];
+    }
+    return borrow;
+}
+
+mpDigit add(mpDigit w[], const mpDigit u[], const mpDigit v[], size_t n)
+{
+    mpDigit carry = 0;
+    for (size_t i = 0; i < n; i++)
+    {
+        w[i] = u[i] + carry;
+        carry = w[i] < carry ? 1 : 0;
+        w[i] += v[i];
+        carry += w[i] < v[i] ? 1 : 0;
+    }
+    return carry;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Squares: each product of two different digits is formed once, and doubled at the end.
+
+#if defined(__SIZEOF_INT128__)
+
+__extension__ using DoubleWord = unsigned __int128;
+
+uint64_t loadTwo(const mpDigit a[])
+{
+    return a[0] | uint64_t{a[1]} << 32;
+}
+
+void storeTwo(mpDigit a[], uint64_t value)
+{
+    a[0] = static_cast<mpDigit>(value);
+    a[1] = static_cast<mpDigit>(value >> 32);
+}
+
+// Two digits make one word. With an odd n the top word has one digit; its square fits in one word.
+void square(mpDigit w[], const mpDigit x[], size_t n)
+{
+    const size_t words = n / 2 + n % 2;
+    const auto word = [x, n](size_t i) { return 2 * i + 1 < n ? loadTwo(x + 2 * i) : uint64_t{x[2 * i]}; };
+
+    setZero(w, 2 * n);
+    for (size_t i = 0; i + 1 < words; i++)
+    {
+        const uint64_t factor = word(i);
+        uint64_t carry = 0;
+        for (size_t j = i + 1; j < words; j++)
+        {
+            const DoubleWord t = DoubleWord{factor} * word(j) + loadTwo(w + 2 * (i + j)) + carry;
+            storeTwo(w + 2 * (i + j), static_cast<uint64_t>(t));
+            carry = static_cast<uint64_t>(t >> 64);
+        }
+        storeTwo(w + 2 * (i + words), carry);
+    }
+
+    uint64_t carry = 0;
+    uint64_t doubledBit = 0;
+    for (size_t i = 0; i < words; i++)
+    {
+        const DoubleWord diagonal = DoubleWord{word(i)} * word(i);
+        const uint64_t low = loadTwo(w + 4 * i);
+        const DoubleWord t = DoubleWord{low << 1 | doubledBit} + static_cast<uint64_t>(diagonal) + carry;
+        storeTwo(w + 4 * i, static_cast<uint64_t>(t));
+        doubledBit = low >> 63;
+        // The square has 2n digits, so above the last one of an odd n there is nothing left to store.
+        if (4 * i + 2 < 2 * n)
+        {
+            const uint64_t high = loadTwo(w + 4 * i + 2);
+            const DoubleWord s = DoubleWord{high << 1 | doubledBit} + static_cast<uint64_t>(diagonal >> 64) +
+                                 static_cast<uint64_t>(t >> 64);
+            storeTwo(w + 4 * i + 2, static_cast<uint64_t>(s));
+            doubledBit = high >> 63;
+            carry = static_cast<uint64_t>(s >> 64);
+        }
+    }
+}
+
+#else
+
+void square(mpDigit w[], const mpDigit x[], size_t n)
+{
+    setZero(w, 2 * n);
+    for (size_t i = 0; i < n; i++)
+    {
+        w[i + n] = rowMultiplyAdd(w + 2 * i + 1, x + i + 1, n - i - 1, x[i]);
+    }
+
+    mpDigit carry = 0;
+    mpDigit doubledBit = 0;
+    for (size_t i = 0; i < n; i++)
+    {
+        mpDigit diagonal[2];
+        spMultiply(diagonal, x[i], x[i]);
+        for (size_t half = 0; half < 2; half++)
+        {
+            const mpDigit digit = w[2 * i + half];
+            mpDigit sum = (digit << 1 | doubledBit) + carry;
+            carry = sum < carry ? 1 : 0;
+            sum += diagonal[half];
+            carry += sum < diagonal[half] ? 1 : 0;
+            w[2 * i + half] = sum;
+            doubledBit = digit >> 31;
+        }
+    }
+}
+
+#endif
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Shifts by less than a digit
+
+mpDigit shiftLeftBits(mpDigit a[], const mpDigit b[], uint32_t bits, size_t n)
+{
+    if (bits == 0)
+    {
+        setEqual(a, b, n);
+        return 0;
+    }
+    mpDigit carry = 0;
+    for (size_t i = 0; i < n; i++)
+    {
+        const mpDigit t = b[i];
+        a[i] = t << bits | carry;
+        carry = t >> (bitsPerDigit - bits);
+    }
+    return carry;
+}
+
+mpDigit shiftRightBits(mpDigit a[], const mpDigit b[], uint32_t bits, size_t n)
+{
+    if (bits == 0)
+    {
+        setEqual(a, b, n);
+        return 0;
+    }
+    mpDigit carry = 0;
+    for (size_t i = n; i-- > 0;)
+    {
+        const mpDigit t = b[i];
+        a[i] = t >> bits | carry;
+        carry = t << (bitsPerDigit - bits);
+    }
+    return carry;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Division
+
+// (high, low) -= qhat * v, as far as spDivide needs it. A carry out of the sum p is not passed on to the high digit:
+// its upper half alone tells whether the result went negative, and one too many does not reach that.
+void spMultSub(mpDigit& high, mpDigit& low, mpDigit qhat, mpDigit vHigh, mpDigit vLow)
+{
+    const mpDigit upper = qhat * vHigh;
+    const mpDigit p = qhat * vLow + (upper << bitsPerHalf);
+    const mpDigit before = low;
+    low -= p;
+    high -= low > before ? 1 : 0;
+    high -= upper >> bitsPerHalf;
+}
+
+// Takes qhat * v from (high, low); when that was once too often, gives one v back.
+void spTakeAway(mpDigit& qhat, mpDigit& high, mpDigit& low, mpDigit v)
+{
+    spMultSub(high, low, qhat, v >> bitsPerHalf, v & halfMask);
+    const mpDigit negative = (high >> bitsPerHalf) != 0 ? 1 : 0;
+    qhat -= negative;
+    low += negative * v;
+    high = 0;
+}
+
+// One half-digit of a quotient: (remainder, next half-digit) / v. Leaves the new remainder.
+mpDigit spDivideStep(mpDigit& remainder, mpDigit next, mpDigit v)
+{
+    const mpDigit vHigh = v >> bitsPerHalf;
+    const mpDigit vLow = v & halfMask;
+    mpDigit qhat = remainder / vHigh;
+    mpDigit rhat = remainder - qhat * vHigh;
+    if (qhat == halfMask + 1 || qhat * vLow > (rhat << bitsPerHalf | next))
+    {
+        qhat--;
+        rhat += vHigh;
+        if (rhat <= halfMask && qhat * vLow > (rhat << bitsPerHalf | next))
+        {
+            qhat--;
+        }
+    }
+    mpDigit high = remainder >> bitsPerHalf;
+    mpDigit low = remainder << bitsPerHalf | next;
+    spTakeAway(qhat, high, low, v);
+    remainder = low;
+    return qhat;
+}
+
+// Whether qhat * vNext > (rhat, uNext): the estimate, seen with one more digit of the divisor, is too large.
+bool qhatTooBig(mpDigit qhat, mpDigit rhat, mpDigit vNext, mpDigit uNext)
+{
+    mpDigit t[2];
+    spMultiply(t, qhat, vNext);
+    return t[1] > rhat || (t[1] == rhat && t[0] > uNext);
+}
+
+mpDigit shortDivide(mpDigit q[], const mpDigit u[], mpDigit d, size_t n)
+{
+    if (n == 0 || d == 0)
+    {
+        return 0;
+    }
+    const uint32_t shift = leadingZeroBits(d);
+    const mpDigit normalised = d << shift;
+    // Less than d shifted in whole, so no quotient overflows a digit.
+    mpDigit r = shiftLeftBits(q, u, shift, n);
+    for (size_t j = n; j-- > 0;)
+    {
+        const mpDigit t[2] = {q[j], r};
+        spDivide(&q[j], &r, t, normalised);
+    }
+    return r >> shift;
+}
+
+// The estimate of the quotient digit (top, uHigh, uNext, ...) / (vHigh, vNext, ...): exact or one too large.
+mpDigit estimateQuotient(mpDigit top, mpDigit uHigh, mpDigit uNext, mpDigit vHigh, mpDigit vNext)
+{
+    const mpDigit t[2] = {uHigh, top};
+    mpDigit qhat = 0;
+    mpDigit rhat = 0;
+    const mpDigit overflow = spDivide(&qhat, &rhat, t, vHigh);
+    if (overflow != 0)
+    {
+        qhat = allOnes;
+        rhat = uHigh + vHigh;
+        if (rhat < vHigh)
+        {
+            return qhat;
+        }
+    }
+    if (qhat != 0 && qhatTooBig(qhat, rhat, vNext, uNext))
+    {
+        qhat--;
+        rhat += vHigh;
+        if (rhat >= vHigh && qhatTooBig(qhat, rhat, vNext, uNext))
+        {
+            qhat--;
+        }
+    }
+    return qhat;
+}
+
+int32_t divide(mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits, mpDigit v[], size_t vdigits)
+{
+    setZero(q, udigits);
+    setZero(r, udigits);
+
+    const size_t n = significantDigits(v, vdigits);
+    const size_t size = significantDigits(u, udigits);
+    if (n == 0)
+    {
+        return -1;
+    }
+    if (n == 1)
+    {
+        r[0] = shortDivide(q, u, v[0], udigits);
+        return 0;
+    }
+    if (size < n)
+    {
+        setEqual(r, u, udigits);
+        return 0;
+    }
+
+    const size_t m = size - n;
+    if (m == 0)
+    {
+        size_t i = n - 1;
+        while (i > 0 && u[i] == v[i])
+        {
+            i--;
+        }
+        if (u[i] < v[i])
+        {
+            setEqual(r, u, udigits);
+            return 0;
+        }
+        if (u[i] == v[i])
+        {
+            q[0] = 1;
+            return 0;
+        }
+    }
+
+    const uint32_t shift = leadingZeroBits(v[n - 1]);
+    shiftLeftBits(v, v, shift, n);
+    mpDigit top = shiftLeftBits(r, u, shift, n + m);
+
+    for (size_t j = m + 1; j-- > 0;)
+    {
+        mpDigit qhat = estimateQuotient(top, r[j + n - 1], r[j + n - 2], v[n - 1], v[n - 2]);
+        if (qhat != 0)
+        {
+            top -= rowMultiplySubtract(r + j, v, n, qhat);
+            if (top != 0)
+            {
+                qhat--;
+                add(r + j, r + j, v, n);
+            }
+        }
+        // With qhat 0 the digit is 0 and top was 0 already: (top, r[j..j+n)) is less than v.
+        q[j] = qhat;
+        top = r[j + n - 1];
+    }
+
+    setZero(r + n, m);
+    shiftRightBits(r, r, shift, n);
+    shiftRightBits(v, v, shift, n);
+    return 0;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Octets and text
+
+// The most significant octet first.
+size_t digitsFromOctets(mpDigit a[], size_t n, const unsigned char octets[], size_t count)
+{
+    setZero(a, n);
+    size_t i = 0;
+    for (; i < n && count > 0; i++)
+    {
+        for (uint32_t bit = 0; bit < bitsPerDigit && count > 0; bit += 8)
+        {
+            a[i] |= mpDigit{octets[--count]} << bit;
+        }
+    }
+    return i;
+}
+
+void octetsFromDigits(const mpDigit a[], size_t n, unsigned char octets[], size_t count)
+{
+    for (size_t i = 0; i < n && count > 0; i++)
+    {
+        for (uint32_t bit = 0; bit < bitsPerDigit && count > 0; bit += 8)
+        {
+            octets[--count] = static_cast<unsigned char>(a[i] >> bit);
+        }
+    }
+    while (count > 0)
+    {
+        octets[--count] = 0;
+    }
+}
+
+// length * factor, rounded up. The product is rounded to a double before, whatever the processor computes with.
+uint64_t octetsOrDigitsFor(uint64_t length, double factor)
+{
+    const volatile double product = static_cast<double>(length) * factor;
+    const double exact = product;
+    const auto whole = static_cast<uint64_t>(exact);
+    return whole + (exact > static_cast<double>(whole) ? 1 : 0);
+}
+
+// The value of a digit character, or base for any other character.
+uint32_t digitValue(char ch, uint32_t base)
+{
+    uint32_t value = base;
+    if (ch >= '0' && ch <= '9')
+    {
+        value = static_cast<uint32_t>(ch - '0');
+    }
+    else if (ch >= 'a' && ch <= 'f')
+    {
+        value = static_cast<uint32_t>(ch - 'a') + 10;
+    }
+    else if (ch >= 'A' && ch <= 'F')
+    {
+        value = static_cast<uint32_t>(ch - 'A') + 10;
+    }
+    return value < base ? value : base;
+}
+
+uint32_t digitsFromText(mpDigit a[], uint32_t ndigits, const char* s, uint32_t base, double factor, const char* message)
+{
+    setZero(a, ndigits);
+    const size_t length = strlen(s);
+    if (length == 0)
+    {
+        return 0;
+    }
+    const auto size = static_cast<size_t>(octetsOrDigitsFor(length, factor));
+    auto* octets = allocate<unsigned char>(size, message);
+    for (const char* p = s; *p != '\0'; p++)
+    {
+        uint32_t carry = digitValue(*p, base);
+        if (carry == base)
+        {
+            continue;
+        }
+        for (size_t i = size; i-- > 0;)
+        {
+            const uint32_t t = carry + octets[i] * base;
+            octets[i] = static_cast<unsigned char>(t);
+            carry = t >> 8;
+        }
+    }
+    const size_t used = digitsFromOctets(a, ndigits, octets, size);
+    clearAndFree(octets, size);
+    return static_cast<uint32_t>(used);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Modular arithmetic
+
+void modulo(mpDigit r[], const mpDigit u[], size_t udigits, mpDigit v[], size_t vdigits)
+{
+    const size_t rdigits = udigits > vdigits ? udigits : vdigits;
+    mpDigit* quotient = allocateDigits(udigits);
+    mpDigit* remainder = allocateDigits(rdigits);
+
+    divide(quotient, remainder, u, udigits, v, vdigits);
+    setEqual(r, remainder, vdigits);
+
+    clearAndFree(quotient, udigits);
+    clearAndFree(remainder, rdigits);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Primality
+
+// The odd primes below 1000.
+constexpr mpDigit smallPrimes[] = {
+    3,   5,   7,   11,  13,  17,  19,  23,  29,  31,  37,  41,  43,  47,  53,  59,  61,  67,  71,  73,  79,
+    83,  89,  97,  101, 103, 107, 109, 113, 127, 131, 137, 139, 149, 151, 157, 163, 167, 173, 179, 181, 191,
+    193, 197, 199, 211, 223, 227, 229, 233, 239, 241, 251, 257, 263, 269, 271, 277, 281, 283, 293, 307, 311,
+    313, 317, 331, 337, 347, 349, 353, 359, 367, 373, 379, 383, 389, 397, 401, 409, 419, 421, 431, 433, 439,
+    443, 449, 457, 461, 463, 467, 479, 487, 491, 499, 503, 509, 521, 523, 541, 547, 557, 563, 569, 571, 577,
+    587, 593, 599, 601, 607, 613, 617, 619, 631, 641, 643, 647, 653, 659, 661, 673, 677, 683, 691, 701, 709,
+    719, 727, 733, 739, 743, 751, 757, 761, 769, 773, 787, 797, 809, 811, 821, 823, 827, 829, 839, 853, 857,
+    859, 863, 877, 881, 883, 887, 907, 911, 919, 929, 937, 941, 947, 953, 967, 971, 977, 983, 991, 997,
+};
+constexpr mpDigit largestSmallPrime = 997;
+static_assert(smallPrimes[sizeof(smallPrimes) / sizeof(smallPrimes[0]) - 1] == largestSmallPrime, "the table is whole");
+
+bool generatorIsSeeded = false;
+
+void seedGenerator()
+{
+    srand(static_cast<unsigned int>(time(nullptr)));
+}
+
+bool isEven(const mpDigit a[])
+{
+    return (a[0] & 1) == 0;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Setting and copying
+
+void mpSetZero(mpDigit a[], uint32_t ndigits)
+{
+    setZero(a, ndigits);
+}
+
+void mpSetDigit(mpDigit a[], mpDigit d, uint32_t ndigits)
+{
+    for (size_t i = 1; i < ndigits; i++)
+    {
+        a[i] = 0;
+    }
+    a[0] = d;
+}
+
+void mpSetEqual(mpDigit a[], const mpDigit b[], uint32_t ndigits)
+{
+    setEqual(a, b, ndigits);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Sizes and comparisons
+
+uint32_t mpSizeof(const mpDigit a[], uint32_t ndigits)
+{
+    return static_cast<uint32_t>(significantDigits(a, ndigits));
+}
+
+uint32_t mpBitLength(const mpDigit a[], uint32_t ndigits)
+{
+    return a == nullptr ? 0 : static_cast<uint32_t>(bitLength(a, ndigits));
+}
+
+int32_t mpCompare(const mpDigit a[], const mpDigit b[], uint32_t ndigits)
+{
+    for (size_t i = ndigits; i-- > 0;)
+    {
+        if (a[i] != b[i])
+        {
+            return a[i] > b[i] ? 1 : -1;
+        }
+    }
+    return 0;
+}
+
+int32_t mpEqual(const mpDigit a[], const mpDigit b[], uint32_t ndigits)
+{
+    if (ndigits == 0)
+    {
+        return -1;
+    }
+    return mpCompare(a, b, ndigits) == 0 ? 1 : 0;
+}
+
+int32_t mpIsZero(const mpDigit a[], uint32_t ndigits)
+{
+    if (ndigits == 0)
+    {
+        return -1;
+    }
+    for (size_t i = 0; i < ndigits; i++)
+    {
+        if (a[i] != 0)
+        {
+            return 0;
+        }
+    }
+    return 1;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Addition, subtraction, products
+
+mpDigit mpAdd(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
+{
+    return add(w, u, v, ndigits);
+}
+
+mpDigit mpSubtract(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
+{
+    mpDigit borrow = 0;
+    for (size_t i = 0; i < ndigits; i++)
+    {
+        w[i] = u[i] - borrow;
+        borrow = w[i] > allOnes - borrow ? 1 : 0;
+        w[i] -= v[i];
+        borrow += w[i] > allOnes - v[i] ? 1 : 0;
+    }
+    return borrow;
+}
+
+int32_t mpMultiply(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
+{
+    const size_t n = ndigits;
+    setZero(w, 2 * n);
+    for (size_t j = 0; j < n; j++)
+    {
+        if (v[j] != 0)
+        {
+            w[j + n] = rowMultiplyAdd(w + j, u, n, v[j]);
+        }
+    }
+    return 0;
+}
+
+int32_t mpSquare(mpDigit w[], const mpDigit x[], uint32_t ndigits)
+{
+    square(w, x, ndigits);
+    return 0;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Shifts and bits
+
+mpDigit mpShiftLeft(mpDigit a[], const mpDigit b[], uint32_t shift, uint32_t ndigits)
+{
+    const size_t n = ndigits;
+    const size_t whole = shift / bitsPerDigit;
+    const uint32_t bits = shift % bitsPerDigit;
+    if (whole == 0)
+    {
+        return shiftLeftBits(a, b, bits, n);
+    }
+    for (size_t i = n; i-- > 0;)
+    {
+        a[i] = i >= whole ? b[i - whole] : 0;
+    }
+    const mpDigit carry = whole <= n ? b[n - whole] << bits : 0;
+    return carry | shiftLeftBits(a, a, bits, n);
+}
+
+mpDigit mpShiftRight(mpDigit a[], const mpDigit b[], uint32_t shift, uint32_t ndigits)
+{
+    const size_t n = ndigits;
+    const size_t whole = shift / bitsPerDigit;
+    const uint32_t bits = shift % bitsPerDigit;
+    if (whole == 0)
+    {
+        return shiftRightBits(a, b, bits, n);
+    }
+    const size_t kept = n > whole ? n - whole : 0;
+    for (size_t i = 0; i < n; i++)
+    {
+        a[i] = i < kept ? b[i + whole] : 0;
+    }
+    const mpDigit carry = b[whole - 1] >> bits;
+    return carry | shiftRightBits(a, a, bits, n);
+}
+
+void mpModPowerOf2(mpDigit a[], uint32_t ndigits, uint32_t L)
+{
+    const size_t whole = L / bitsPerDigit;
+    for (size_t i = whole + 1; i < ndigits; i++)
+    {
+        a[i] = 0;
+    }
+    if (whole < ndigits)
+    {
+        a[whole] &= ~(allOnes << L % bitsPerDigit);
+    }
+}
+
+void mpXorBits(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
+{
+    for (size_t i = 0; i < ndigits; i++)
+    {
+        w[i] = u[i] ^ v[i];
+    }
+}
+
+void mpOrBits(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
+{
+    for (size_t i = 0; i < ndigits; i++)
+    {
+        w[i] = u[i] | v[i];
+    }
+}
+
+void mpAndBits(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
+{
+    for (size_t i = 0; i < ndigits; i++)
+    {
+        w[i] = u[i] & v[i];
+    }
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// A number and a single digit
+
+mpDigit mpShortAdd(mpDigit w[], const mpDigit u[], mpDigit d, uint32_t ndigits)
+{
+    w[0] = u[0] + d;
+    mpDigit carry = w[0] < d ? 1 : 0;
+    for (size_t i = 1; i < ndigits; i++)
+    {
+        w[i] = u[i] + carry;
+        carry = w[i] < carry ? 1 : 0;
+    }
+    return carry;
+}
+
+mpDigit mpShortSub(mpDigit w[], const mpDigit u[], mpDigit d, uint32_t ndigits)
+{
+    w[0] = u[0] - d;
+    mpDigit borrow = w[0] > allOnes - d ? 1 : 0;
+    for (size_t i = 1; i < ndigits; i++)
+    {
+        w[i] = u[i] - borrow;
+        borrow = w[i] > allOnes - borrow ? 1 : 0;
+    }
+    return borrow;
+}
+
+mpDigit mpShortMult(mpDigit w[], const mpDigit u[], mpDigit d, uint32_t ndigits)
+{
+    if (d == 0)
+    {
+        setZero(w, ndigits);
+        return 0;
+    }
+    mpDigit carry = 0;
+    for (size_t i = 0; i < ndigits; i++)
+    {
+        mpDigit t[2];
+        spMultiply(t, u[i], d);
+        w[i] = t[0] + carry;
+        carry = t[1] + (w[i] < carry ? 1 : 0);
+    }
+    return carry;
+}
+
+int32_t mpShortCmp(const mpDigit a[], mpDigit d, uint32_t ndigits)
+{
+    if (ndigits == 0)
+    {
+        return d == 0 ? 0 : -1;
+    }
+    for (size_t i = 1; i < ndigits; i++)
+    {
+        if (a[i] != 0)
+        {
+            return 1;
+        }
+    }
+    if (a[0] == d)
+    {
+        return 0;
+    }
+    return a[0] > d ? 1 : -1;
+}
+
+int32_t spMultiply(mpDigit p[2], mpDigit x, mpDigit y)
+{
+    const mpDigit xLow = x & halfMask;
+    const mpDigit xHigh = x >> bitsPerHalf;
+    const mpDigit yLow = y & halfMask;
+    const mpDigit yHigh = y >> bitsPerHalf;
+
+    const mpDigit cross = xLow * yHigh;
+    const mpDigit middle = xHigh * yLow + cross;
+    const mpDigit middleOverflow = middle < cross ? 1 : 0;
+    const mpDigit lowest = xLow * yLow;
+    const mpDigit low = lowest + (middle << bitsPerHalf);
+    const mpDigit lowOverflow = low < lowest ? 1 : 0;
+
+    p[0] = low;
+    p[1] = xHigh * yHigh + (middle >> bitsPerHalf) + lowOverflow + (middleOverflow << bitsPerHalf);
+    return 0;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Division
+
+int32_t mpDivide(mpDigit q[], mpDigit r[], const mpDigit u[], uint32_t udigits, mpDigit v[], uint32_t vdigits)
+{
+    return divide(q, r, u, udigits, v, vdigits);
+}
+
+mpDigit mpShortDiv(mpDigit q[], const mpDigit u[], mpDigit d, uint32_t ndigits)
+{
+    return shortDivide(q, u, d, ndigits);
+}
+
+mpDigit mpShortMod(const mpDigit u[], mpDigit d, uint32_t ndigits)
+{
+    mpDigit* quotient = allocateDigits(uint64_t{2} * ndigits);
+    const mpDigit remainder = shortDivide(quotient, u, d, ndigits);
+    clearAndFree(quotient, ndigits);
+    return remainder;
+}
+
+mpDigit spDivide(mpDigit* q, mpDigit* r, const mpDigit u[2], mpDigit v)
+{
+    if ((v & topBit) == 0)
+    {
+        *q = 0;
+        *r = 0;
+        return allOnes;
+    }
+    const mpDigit vHigh = v >> bitsPerHalf;
+    const mpDigit vLow = v & halfMask;
+    const mpDigit uLow = u[0];
+    const mpDigit u3 = u[1] >> bitsPerHalf;
+    const mpDigit u2 = u[1] & halfMask;
+
+    mpDigit overflow = u3 >= vHigh ? 1 : 0;
+    if (overflow == 1 && vLow > ((u3 - vHigh) << bitsPerHalf | u2))
+    {
+        overflow = 0;
+    }
+    mpDigit high = 0;
+    mpDigit remainder = u[1];
+    spTakeAway(overflow, high, remainder, v);
+
+    const mpDigit upper = spDivideStep(remainder, uLow >> bitsPerHalf, v);
+    const mpDigit lower = spDivideStep(remainder, uLow & halfMask, v);
+    *q = upper << bitsPerHalf | (lower & halfMask);
+    *r = remainder;
+    return overflow;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Memory, version
+
+void mpFail(const char* msg)
+{
+    perror(msg);
+    exit(EXIT_FAILURE);
+}
+
+mpDigit* mpAlloc(uint32_t ndigits)
+{
+    return allocateDigits(ndigits);
+}
+
+void mpFree(mpDigit** p)
+{
+    if (p != nullptr)
+    {
+        free(*p);
+        *p = nullptr;
+    }
+}
+
+uint32_t mpVersion()
+{
+    return moduleVersion;
+}
+
+const char* copyright_notice()
+{
+    return "Multiple-precision arithmetic by the authors of Countersign.";
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Conversions
+
+uint32_t mpConvFromOctets(mpDigit a[], uint32_t ndigits, const unsigned char octets[], uint32_t nbytes)
+{
+    return static_cast<uint32_t>(digitsFromOctets(a, ndigits, octets, nbytes));
+}
+
+uint32_t mpConvToOctets(const mpDigit a[], uint32_t ndigits, unsigned char octets[], uint32_t nbytes)
+{
+    octetsFromDigits(a, ndigits, octets, nbytes);
+    return static_cast<uint32_t>(octetLength(a, ndigits));
+}
+
+uint32_t mpConvToDecimal(const mpDigit a[], uint32_t ndigits, char* s, uint32_t smax)
+{
+    return conv_to_base(a, ndigits, s, smax, 10);
+}
+
+uint32_t mpConvToHex(const mpDigit a[], uint32_t ndigits, char* s, uint32_t smax)
+{
+    return conv_to_base(a, ndigits, s, smax, 16);
+}
+
+uint32_t conv_to_base(const mpDigit a[], uint32_t ndigits, char* s, uint32_t smax, uint32_t base)
+{
+    constexpr double decimalDigitsPerOctet = 2.40824;
+    constexpr double hexDigitsPerOctet = 2.0;
+    constexpr const char* table = "0123456789abcdef";
+    constexpr const char* outOfMemory = "conv_to_base: Not enough memory: src/bigdigits";
+    if (base != 10 && base != 16)
+    {
+        return 0;
+    }
+
+    const bool wanted = s != nullptr && smax != 0;
+    if (wanted)
+    {
+        memset(s, '0', smax - 1);
+        s[smax - 1] = '\0';
+    }
+    if (mpIsZero(a, ndigits) == 1)
+    {
+        if (wanted)
+        {
+            s[1] = '\0';
+        }
+        return 1;
+    }
+
+    const size_t octetCount = octetsPerDigit * ndigits;
+    auto* octets = allocate<unsigned char>(octetCount, outOfMemory);
+    octetsFromDigits(a, ndigits, octets, octetCount);
+
+    const double factor = base == 10 ? decimalDigitsPerOctet : hexDigitsPerOctet;
+    const auto digitCount = static_cast<size_t>(octetsOrDigitsFor(octetLength(a, ndigits), factor));
+    auto* digits = allocate<unsigned char>(digitCount, outOfMemory);
+    for (size_t k = 0; k < octetCount; k++)
+    {
+        uint32_t carry = octets[k];
+        for (size_t i = digitCount; i-- > 0;)
+        {
+            const uint32_t t = carry + (uint32_t{digits[i]} << 8);
+            digits[i] = static_cast<unsigned char>(t % base);
+            carry = t / base;
+        }
+    }
+
+    size_t first = 0;
+    while (first < digitCount && digits[first] == 0)
+    {
+        first++;
+    }
+    const size_t length = digitCount - first;
+    if (wanted)
+    {
+        const size_t copied = length < smax ? length : smax - 1;
+        for (size_t i = 0; i < copied; i++)
+        {
+            s[i] = table[digits[first + i]];
+        }
+        s[copied] = '\0';
+    }
+
+    clearAndFree(octets, octetCount);
+    clearAndFree(digits, digitCount);
+    return static_cast<uint32_t>(length);
+}
+
+uint32_t mpConvFromDecimal(mpDigit a[], uint32_t ndigits, const char* s)
+{
+    constexpr double octetsPerDecimalDigit = 0.41524;
+    return digitsFromText(a, ndigits, s, 10, octetsPerDecimalDigit,
+                          "mpConvFromDecimal: Not enough memory: src/bigdigits");
+}
+
+uint32_t mpConvFromHex(mpDigit a[], uint32_t ndigits, const char* s)
+{
+    constexpr double octetsPerHexDigit = 0.5;
+    return digitsFromText(a, ndigits, s, 16, octetsPerHexDigit, "mpConvFromHex: Not enough memory: src/bigdigits");
+}
+
+uint32_t ceilToUnsigned(double x)
+{
+    // Also what is not a number is answered here.
+    if (!(x >= 0))
+    {
+        return 0;
+    }
+    if (x >= static_cast<double>(UINT32_MAX))
+    {
+        return UINT32_MAX;
+    }
+    const auto whole = static_cast<uint32_t>(x);
+    return whole + (x > whole ? 1 : 0);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Printing
+
+void mpPrint(const mpDigit a[], uint32_t ndigits)
+{
+    for (size_t i = ndigits; i-- > 0;)
+    {
+        printf("%08x ", a[i]);
+    }
+}
+
+void mpPrintNL(const mpDigit a[], uint32_t ndigits)
+{
+    for (size_t i = 0; i < ndigits; i++)
+    {
+        if (i != 0 && i % digitsPerLine == 0)
+        {
+            printf("\n");
+        }
+        printf("%08x ", a[ndigits - 1 - i]);
+    }
+    printf("\n");
+}
+
+void mpPrintTrim(const mpDigit a[], uint32_t ndigits)
+{
+    const uint32_t size = mpSizeof(a, ndigits);
+    mpPrint(a, size == 0 ? 1 : size);
+}
+
+void mpPrintTrimNL(const mpDigit a[], uint32_t ndigits)
+{
+    const uint32_t size = mpSizeof(a, ndigits);
+    mpPrintNL(a, size == 0 ? 1 : size);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Modular arithmetic
+
+int32_t mpModulo(mpDigit r[], const mpDigit u[], uint32_t udigits, mpDigit v[], uint32_t vdigits)
+{
+    modulo(r, u, udigits, v, vdigits);
+    return 0;
+}
+
+int32_t mpModMult(mpDigit a[], const mpDigit x[], const mpDigit y[], const mpDigit m[], uint32_t ndigits)
+{
+    const size_t n = ndigits;
+    mpDigit* product = allocateDigits(uint64_t{2} * ndigits);
+    mpDigit* modulus = allocateDigits(n);
+
+    setEqual(modulus, m, n);
+    mpMultiply(product, x, y, ndigits);
+    modulo(a, product, 2 * n, modulus, n);
+
+    clearAndFree(product, 2 * n);
+    clearAndFree(modulus, n);
+    return 0;
+}
+
+int32_t mpModExp(mpDigit y[], const mpDigit x[], const mpDigit e[], const mpDigit m[], uint32_t ndigits)
+{
+    if (ndigits == 0)
+    {
+        return -1;
+    }
+    const size_t n = ndigits;
+    mpDigit* product = allocateDigits(uint64_t{2} * ndigits);
+    mpDigit* remainder = allocateDigits(uint64_t{2} * ndigits);
+    mpDigit* quotient = allocateDigits(uint64_t{2} * ndigits);
+    mpDigit* modulus = allocateDigits(n);
+    mpDigit* value = allocateDigits(n);
+    setEqual(modulus, m, n);
+
+    size_t size = significantDigits(e, n);
+    mpDigit mask = topBit;
+    while (mask > 1 && (e[size - 1] & mask) == 0)
+    {
+        mask >>= 1;
+    }
+    const auto nextBit = [&size, &mask]
+    {
+        if (mask == 1)
+        {
+            size--;
+            mask = topBit;
+        }
+        else
+        {
+            mask >>= 1;
+        }
+    };
+
+    // The first step, for the top bit of e, is a copy.
+    setEqual(value, x, n);
+    for (nextBit(); size != 0; nextBit())
+    {
+        mpSquare(product, value, ndigits);
+        divide(quotient, remainder, product, 2 * n, modulus, n);
+        setEqual(value, remainder, n);
+        if ((e[size - 1] & mask) != 0)
+        {
+            mpMultiply(product, value, x, ndigits);
+            divide(quotient, remainder, product, 2 * n, modulus, n);
+            setEqual(value, remainder, n);
+        }
+    }
+    setEqual(y, value, n);
+
+    clearAndFree(product, 2 * n);
+    clearAndFree(remainder, 2 * n);
+    clearAndFree(quotient, 2 * n);
+    clearAndFree(modulus, n);
+    clearAndFree(value, n);
+    return 0;
+}
+
+int32_t mpModInv(mpDigit inv[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
+{
+    const size_t n = ndigits;
+    mpDigit* ucoef = allocateDigits(n);
+    mpDigit* urem = allocateDigits(n);
+    mpDigit* vcoef = allocateDigits(n);
+    mpDigit* vrem = allocateDigits(n);
+    mpDigit* tcoef = allocateDigits(n);
+    mpDigit* trem = allocateDigits(n);
+    mpDigit* q = allocateDigits(n);
+    mpDigit* w = allocateDigits(uint64_t{2} * ndigits);
+
+    mpSetDigit(ucoef, 1, ndigits);
+    setEqual(urem, u, n);
+    setEqual(vrem, v, n);
+    // The coefficients change their sign with every round, so one flag stands for all signs.
+    bool negative = false;
+    while (mpIsZero(vrem, ndigits) == 0)
+    {
+        negative = !negative;
+        mpDivide(q, trem, urem, ndigits, vrem, ndigits);
+        mpMultiply(w, q, vcoef, ndigits);
+        // No coefficient exceeds v before the last round, and what that one forms for vcoef is not used.
+        mpAdd(tcoef, ucoef, w, ndigits);
+        setEqual(ucoef, vcoef, n);
+        setEqual(vcoef, tcoef, n);
+        setEqual(urem, vrem, n);
+        setEqual(vrem, trem, n);
+    }
+    if (negative)
+    {
+        mpSubtract(inv, v, ucoef, ndigits);
+    }
+    else
+    {
+        setEqual(inv, ucoef, n);
+    }
+    int32_t result = 0;
+    if (mpShortCmp(urem, 1, ndigits) != 0)
+    {
+        setZero(inv, n);
+        result = 1;
+    }
+
+    clearAndFree(ucoef, n);
+    clearAndFree(urem, n);
+    clearAndFree(vcoef, n);
+    clearAndFree(vrem, n);
+    clearAndFree(tcoef, n);
+    clearAndFree(trem, n);
+    clearAndFree(q, n);
+    clearAndFree(w, 2 * n);
+    return result;
+}
+
+int32_t mpGcd(mpDigit g[], const mpDigit x[], const mpDigit y[], uint32_t ndigits)
+{
+    const size_t n = ndigits;
+    mpDigit* xx = allocateDigits(n);
+    mpDigit* yy = allocateDigits(n);
+
+    setEqual(xx, x, n);
+    setEqual(yy, y, n);
+    setEqual(g, yy, n);
+    while (mpIsZero(xx, ndigits) == 0)
+    {
+        setEqual(g, xx, n);
+        mpModulo(xx, yy, ndigits, xx, ndigits);
+        setEqual(yy, g, n);
+    }
+
+    clearAndFree(xx, n);
+    clearAndFree(yy, n);
+    return 0;
+}
+
+int32_t mpSqrt(mpDigit s[], const mpDigit x[], uint32_t ndigits)
+{
+    if (mpShortCmp(x, 1, ndigits) <= 0)
+    {
+        setEqual(s, x, ndigits);
+        return 0;
+    }
+    mpDigit* xMinus1 = mpAlloc(ndigits);
+    mpDigit* q = mpAlloc(ndigits);
+    mpDigit* g = mpAlloc(ndigits);
+    mpDigit* h = mpAlloc(ndigits);
+    mpDigit* t = mpAlloc(ndigits);
+
+    mpShortSub(xMinus1, x, 1, ndigits);
+    mpShortDiv(g, x, 2, ndigits);
+    for (;;)
+    {
+        mpDivide(q, t, xMinus1, ndigits, g, ndigits);
+        mpAdd(t, g, q, ndigits);
+        mpShortDiv(h, t, 2, ndigits);
+        if (mpCompare(q, g, ndigits) >= 0)
+        {
+            break;
+        }
+        mpSetEqual(g, h, ndigits);
+    }
+    mpSetEqual(s, h, ndigits);
+
+    mpFree(&xMinus1);
+    mpFree(&q);
+    mpFree(&g);
+    mpFree(&h);
+    mpFree(&t);
+    return 0;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Random numbers and primality
+
+uint32_t spSimpleRand(uint32_t lower, uint32_t upper)
+{
+    if (!generatorIsSeeded)
+    {
+        seedGenerator();
+        generatorIsSeeded = true;
+    }
+    return spRandBetween(lower, upper);
+}
+
+uint32_t spRandBetween(uint32_t lower, uint32_t upper)
+{
+    if (upper <= lower)
+    {
+        return lower;
+    }
+    const uint32_t range = upper - lower;
+    const uint32_t mask = allOnes >> leadingZeroBits(range);
+    uint32_t value = 0;
+    do
+    {
+        // One call a statement: the order of the calls decides which byte is which.
+        uint32_t word = static_cast<uint32_t>(rand()) & 0xFFU;
+        word |= (static_cast<uint32_t>(rand()) & 0xFFU) << 8;
+        word |= (static_cast<uint32_t>(rand()) & 0xFFU) << 16;
+        word |= (static_cast<uint32_t>(rand()) & 0xFFU) << 24;
+        value = word & mask;
+    } while (value > range);
+    return lower + value;
+}
+
+int32_t mpRabinMiller(const mpDigit w[], uint32_t ndigits, uint32_t t)
+{
+    if (mpShortCmp(w, 1, ndigits) <= 0)
+    {
+        return 0;
+    }
+    mpDigit* m = mpAlloc(ndigits);
+    mpDigit* a = mpAlloc(ndigits);
+    mpDigit* b = mpAlloc(ndigits);
+    mpDigit* z = mpAlloc(ndigits);
+    mpDigit* wMinus1 = mpAlloc(ndigits);
+    mpDigit* j = mpAlloc(ndigits);
+    seedGenerator();
+
+    // w - 1 = 2^a * m with an odd m.
+    mpShortSub(wMinus1, w, 1, ndigits);
+    mpSetEqual(m, wMinus1, ndigits);
+    while (isEven(m))
+    {
+        mpShiftRight(m, m, 1, ndigits);
+        mpShortAdd(a, a, 1, ndigits);
+    }
+    const mpDigit bound = mpSizeof(w, ndigits) == 1 ? w[0] - 2 : allOnes;
+
+    int32_t result = 1;
+    for (uint32_t round = 0; round < t && result == 1; round++)
+    {
+        mpSetZero(b, ndigits);
+        do
+        {
+            b[0] = spRandBetween(2, bound);
+        } while (mpCompare(b, w, ndigits) >= 0);
+
+        mpSetZero(j, ndigits);
+        mpModExp(z, b, m, w, ndigits);
+        while (mpIsZero(j, ndigits) == 0 || mpShortCmp(z, 1, ndigits) != 0)
+        {
+            if (mpCompare(z, wMinus1, ndigits) == 0)
+            {
+                break;
+            }
+            if (mpIsZero(j, ndigits) == 0 && mpShortCmp(z, 1, ndigits) == 0)
+            {
+                result = 0;
+                break;
+            }
+            mpShortAdd(j, j, 1, ndigits);
+            if (mpCompare(j, a, ndigits) >= 0)
+            {
+                result = 0;
+                break;
+            }
+            mpModMult(z, z, z, w, ndigits);
+        }
+    }
+
+    clearAndFree(m, ndigits);
+    clearAndFree(a, ndigits);
+    clearAndFree(b, ndigits);
+    clearAndFree(z, ndigits);
+    clearAndFree(wMinus1, ndigits);
+    clearAndFree(j, ndigits);
+    return result;
+}
+
+int32_t mpIsPrime(const mpDigit w[], uint32_t ndigits, uint32_t t)
+{
+    if (ndigits == 0 || isEven(w))
+    {
+        return 0;
+    }
+    if (mpShortCmp(w, largestSmallPrime, ndigits) <= 0)
+    {
+        for (const mpDigit prime : smallPrimes)
+        {
+            if (w[0] == prime)
+            {
+                return 1;
+            }
+        }
+        return 0;
+    }
+    for (const mpDigit prime : smallPrimes)
+    {
+        if (mpShortMod(w, prime, ndigits) == 0)
+        {
+            return 0;
+        }
+    }
+    return mpRabinMiller(w, ndigits, t);
+}
