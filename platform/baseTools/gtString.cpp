@@ -1,0 +1,148 @@
+#include "platform/baseTools/gtString.h"
+
+#include <climits>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+namespace
+{
+constexpr std::size_t longestText = INT_MAX;
+
+std::size_t lengthOf(const char* pChars)
+{
+    return (pChars == nullptr) ? 0 : std::strlen(pChars);
+}
+
+std::size_t lengthOf(const char* pChars, int length)
+{
+    return ((pChars == nullptr) || (length < 0)) ? 0 : static_cast<std::size_t>(length);
+}
+
+void appendChecked(std::string& text, const char* pChars, std::size_t length)
+{
+    if (length > longestText - text.size())
+    {
+        throw std::length_error("gtString: a text of more than INT_MAX bytes");
+    }
+    if (length > 0)
+    {
+        text.append(pChars, length);
+    }
+}
+}  // namespace
+
+gtString::gtString(const char* pChars)
+{
+    appendChecked(_text, pChars, lengthOf(pChars));
+}
+
+gtString::gtString(const char* pChars, int length)
+{
+    appendChecked(_text, pChars, lengthOf(pChars, length));
+}
+
+gtString::gtString(gtString&& other) noexcept : _text(std::move(other._text))
+{
+    other._text.clear();
+}
+
+gtString& gtString::operator=(const char* pChars)
+{
+    return *this = gtString(pChars);
+}
+
+gtString& gtString::operator=(const gtString& other)
+{
+    // Assigning in place keeps the memory at hand, and finds out about missing memory before it changes anything.
+    _text = other._text;
+    return *this;
+}
+
+gtString& gtString::operator=(gtString&& other) noexcept
+{
+    if (this != &other)
+    {
+        _text = std::move(other._text);
+        other._text.clear();
+    }
+    return *this;
+}
+
+gtString& gtString::append(const gtString& other)
+{
+    appendChecked(_text, other._text.data(), other._text.size());
+    return *this;
+}
+
+gtString& gtString::append(const char* pChars)
+{
+    appendChecked(_text, pChars, lengthOf(pChars));
+    return *this;
+}
+
+gtString& gtString::append(const char* pChars, int length)
+{
+    appendChecked(_text, pChars, lengthOf(pChars, length));
+    return *this;
+}
+
+gtString& gtString::append(char aChar)
+{
+    appendChecked(_text, &aChar, 1);
+    return *this;
+}
+
+gtString& gtString::appendFormattedString(const char* pFormat, ...)
+{
+    if (pFormat == nullptr)
+    {
+        return *this;
+    }
+
+    // Most results fit here; a longer one is written a second time, into memory of the length that the first told.
+    // Neither is the text itself, which the arguments may point into.
+    char shortResult[256];
+    va_list arguments;
+    va_start(arguments, pFormat);
+    const int length = std::vsnprintf(shortResult, sizeof shortResult, pFormat, arguments);
+    va_end(arguments);
+
+    if (length < 0)
+    {
+        return *this;
+    }
+    if (static_cast<std::size_t>(length) < sizeof shortResult)
+    {
+        return append(shortResult, length);
+    }
+    if (static_cast<std::size_t>(length) > longestText - _text.size())
+    {
+        throw std::length_error("gtString: a text of more than INT_MAX bytes");
+    }
+
+    const std::size_t size = static_cast<std::size_t>(length) + 1;
+    const std::unique_ptr<char[]> pLongResult(new char[size]);
+    va_start(arguments, pFormat);
+    const int sameLength = std::vsnprintf(pLongResult.get(), size, pFormat, arguments);
+    va_end(arguments);
+    return (sameLength == length) ? append(pLongResult.get(), length) : *this;
+}
+
+gtString& gtString::makeEmpty() noexcept
+{
+    _text.clear();
+    return *this;
+}
+
+gtString& gtString::reserve(int length)
+{
+    if ((length > 0) && (static_cast<std::size_t>(length) > _text.capacity()))
+    {
+        _text.reserve(static_cast<std::size_t>(length));
+    }
+    return *this;
+}

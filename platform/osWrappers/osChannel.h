@@ -1,0 +1,14 @@
+// How the bytes of a channel are treated.
+#ifndef OS_CHANNEL_H
+#define OS_CHANNEL_H
+
+class osChannel
+{
+public:
+    enum osChannelType : int
+    {
+        OS_BINARY_CHANNEL = 0  // as they are
+    };
+};
+
+#endif

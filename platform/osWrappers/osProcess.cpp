@@ -1,0 +1,379 @@
+#include "platform/osWrappers/osProcess.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#if defined(__APPLE__)
+#include <crt_externs.h>
+#include <pthread.h>
+#else
+#include <sys/syscall.h>
+#endif
+
+namespace
+{
+// The forks between systems.
+
+#if defined(__APPLE__)
+constexpr char desktopsOpener[] = "open";
+#else
+constexpr char desktopsOpener[] = "xdg-open";
+#endif
+
+unsigned int systemThreadId()
+{
+#if defined(__APPLE__)
+    std::uint64_t id = 0;
+    static_cast<void>(::pthread_threadid_np(nullptr, &id));
+    return static_cast<unsigned int>(id);
+#else
+    return static_cast<unsigned int>(::syscall(SYS_gettid));
+#endif
+}
+
+char** processEnvironment()
+{
+#if defined(__APPLE__)
+    return *_NSGetEnviron();
+#else
+    return environ;
+#endif
+}
+
+void closeDescriptorsFrom(int first)
+{
+#if defined(SYS_close_range)
+    if (::syscall(SYS_close_range, static_cast<unsigned int>(first), UINT_MAX, 0U) == 0)
+    {
+        return;
+    }
+#endif
+    const long limit = ::sysconf(_SC_OPEN_MAX);
+    const int end = ((limit < 0) || (limit > 65536)) ? 65536 : static_cast<int>(limit);
+    for (int descriptor = first; descriptor < end; ++descriptor)
+    {
+        static_cast<void>(::close(descriptor));
+    }
+}
+
+void raiseTrap()
+{
+#if defined(__x86_64__) || defined(__i386__)
+    // The instruction itself: the debugger shows the caller at once, not the inside of the system's library.
+    __asm__ volatile("int3");
+#else
+    static_cast<void>(std::raise(SIGTRAP));
+#endif
+}
+
+// What an editor needs to go to a line. In the arguments, %f stands for the file and %l for the line.
+struct Editor
+{
+    const char* pProgram;
+    const char* pLineArgument;  // comes before the file; null if there is none
+    const char* pFileArgument;
+};
+
+constexpr Editor knownEditors[] = {
+    {"code", "--goto", "%f:%l"},  {"codium", "--goto", "%f:%l"}, {"subl", nullptr, "%f:%l"},
+    {"kate", "--line=%l", "%f"},  {"gedit", "+%l", "%f"},        {"gnome-text-editor", "+%l", "%f"},
+    {"geany", "--line=%l", "%f"}, {"kwrite", "--line=%l", "%f"}, {"mousepad", "--line=%l", "%f"},
+    {"pluma", "+%l", "%f"},       {"xed", "+%l", "%f"},          {"gvim", "+%l", "%f"},
+    {"emacs", "+%l", "%f"},
+};
+
+std::string filledIn(std::string_view pattern, const std::string& file, int lineNumber)
+{
+    std::string result;
+    for (std::size_t i = 0; i < pattern.size(); ++i)
+    {
+        if (pattern.substr(i, 2) == "%f")
+        {
+            result += file;
+            ++i;
+        }
+        else if (pattern.substr(i, 2) == "%l")
+        {
+            result += std::to_string(lineNumber);
+            ++i;
+        }
+        else
+        {
+            result += pattern[i];
+        }
+    }
+    return result;
+}
+
+// A program with its arguments, ready for execve.
+struct Command
+{
+    explicit Command(std::vector<std::string> programAndArguments) : strings(std::move(programAndArguments))
+    {
+        for (std::string& string : strings)
+        {
+            pointers.push_back(string.data());
+        }
+        pointers.push_back(nullptr);
+    }
+
+    std::vector<std::string> strings;
+    std::vector<char*> pointers;
+};
+
+// The folders of PATH. A relative one is left out: what the current directory holds is not to be run by accident.
+std::vector<std::string> programFolders()
+{
+    const char* pPath = std::getenv("PATH");
+    std::string_view path = (pPath == nullptr) ? "/usr/local/bin:/usr/bin:/bin" : pPath;
+    std::vector<std::string> folders;
+    while (!path.empty())
+    {
+        const std::string_view folder = path.substr(0, path.find(':'));
+        if (!folder.empty() && (folder.front() == '/'))
+        {
+            folders.emplace_back(folder);
+        }
+        path.remove_prefix(std::min(path.size(), folder.size() + 1));
+    }
+    return folders;
+}
+
+// The full path of an executable file, or the empty text.
+std::string findProgram(const std::vector<std::string>& folders, const char* pProgram)
+{
+    for (const std::string& folder : folders)
+    {
+        std::string candidate = folder + "/" + pProgram;
+        struct stat status;
+        if ((::stat(candidate.c_str(), &status) == 0) && S_ISREG(status.st_mode) &&
+            (::access(candidate.c_str(), X_OK) == 0))
+        {
+            return candidate;
+        }
+    }
+    return std::string();
+}
+
+// A relative path that begins with a sign of an option, or with what reads as an address's scheme, becomes plainly a
+// path.
+std::string plainPath(const osFilePath& filePath)
+{
+    std::string path(filePath.asCharArray(), static_cast<std::size_t>(filePath.length()));
+    const bool isLikeOption = (path.front() == '-') || (path.front() == '+');
+    const bool isLikeAddress = path.find(':') < path.find('/');
+    return (isLikeOption || isLikeAddress) ? "./" + path : path;
+}
+
+// What can open the file, the best first.
+std::vector<Command> openingCommands(const std::string& file, int lineNumber)
+{
+    const std::vector<std::string> folders = programFolders();
+    std::vector<Command> commands;
+    for (const Editor& editor : knownEditors)
+    {
+        std::string program = findProgram(folders, editor.pProgram);
+        if (program.empty())
+        {
+            continue;
+        }
+        std::vector<std::string> strings = {std::move(program)};
+        if (lineNumber > 0)
+        {
+            if (editor.pLineArgument != nullptr)
+            {
+                strings.push_back(filledIn(editor.pLineArgument, file, lineNumber));
+            }
+            strings.push_back(filledIn(editor.pFileArgument, file, lineNumber));
+        }
+        else
+        {
+            strings.push_back(file);
+        }
+        commands.emplace_back(std::move(strings));
+    }
+
+    std::string opener = findProgram(folders, desktopsOpener);
+    if (!opener.empty())
+    {
+        commands.emplace_back(std::vector<std::string>{std::move(opener), file});
+    }
+    return commands;
+}
+
+std::string failureLine(const osFilePath& filePath, int lineNumber, const char* pReason)
+{
+    std::string line = "Cannot open \"";
+    for (int i = 0; i < filePath.length(); ++i)
+    {
+        const unsigned char c = static_cast<unsigned char>(filePath.asCharArray()[i]);
+        line += ((c < ' ') || (c == 127)) ? ' ' : filePath.asCharArray()[i];
+    }
+    return line + "\" at line " + std::to_string(lineNumber) + ": " + pReason + "\n";
+}
+
+void writeWhole(int descriptor, const char* pText, std::size_t length)
+{
+    while (length > 0)
+    {
+        const ssize_t amount = ::write(descriptor, pText, length);
+        if (amount > 0)
+        {
+            pText += amount;
+            length -= static_cast<std::size_t>(amount);
+        }
+        else if ((amount == 0) || (errno != EINTR))
+        {
+            return;
+        }
+    }
+}
+
+void writeToStderr(const std::string& text)
+{
+    writeWhole(STDERR_FILENO, text.data(), text.size());
+}
+
+// What follows runs in child processes of a program that may have many threads: only functions that are safe in signal
+// handlers, and nothing that allocates.
+
+void resetSignals()
+{
+    struct sigaction action;
+    std::memset(&action, 0, sizeof action);
+    action.sa_handler = SIG_DFL;
+    static_cast<void>(sigemptyset(&action.sa_mask));
+    for (int number = 1; number < NSIG; ++number)
+    {
+        static_cast<void>(::sigaction(number, &action, nullptr));
+    }
+    sigset_t none;
+    static_cast<void>(sigemptyset(&none));
+    static_cast<void>(::sigprocmask(SIG_SETMASK, &none, nullptr));
+}
+
+[[noreturn]] void becomeEditor(const std::vector<Command>& commands, const std::string& allFailedLine)
+{
+    static_cast<void>(::setsid());
+
+    // Standard error is kept aside, to tell that no program could be started; the descriptor closes when one is. It
+    // must not land on 0 to 2 if one of these is closed.
+    constexpr int keptStderr = 3;
+    constexpr int firstOther = 4;
+    const bool hasStderr = ::dup2(STDERR_FILENO, keptStderr) == keptStderr;
+    closeDescriptorsFrom(hasStderr ? firstOther : keptStderr);
+    const int null = ::open("/dev/null", O_RDWR);
+    for (int descriptor = STDIN_FILENO; (null >= 0) && (descriptor <= STDERR_FILENO); ++descriptor)
+    {
+        static_cast<void>(::dup2(null, descriptor));
+    }
+    if (null > keptStderr)
+    {
+        static_cast<void>(::close(null));
+    }
+    static_cast<void>(::fcntl(keptStderr, F_SETFD, FD_CLOEXEC));
+    resetSignals();
+
+    for (const Command& command : commands)
+    {
+        static_cast<void>(::execve(command.pointers[0], command.pointers.data(), processEnvironment()));
+    }
+    writeWhole(keptStderr, allFailedLine.data(), allFailedLine.size());
+    ::_exit(127);
+}
+
+// Blocks all signals of the thread while it lives, so that none of the program's handlers runs in a child.
+class AllSignalsBlocked
+{
+public:
+    AllSignalsBlocked()
+    {
+        sigset_t all;
+        static_cast<void>(sigfillset(&all));
+        static_cast<void>(::pthread_sigmask(SIG_SETMASK, &all, &_before));
+    }
+    AllSignalsBlocked(const AllSignalsBlocked&) = delete;
+    AllSignalsBlocked& operator=(const AllSignalsBlocked&) = delete;
+    ~AllSignalsBlocked() { static_cast<void>(::pthread_sigmask(SIG_SETMASK, &_before, nullptr)); }
+
+private:
+    sigset_t _before;
+};
+
+// Starts the first command that can be started, as nobody's child: the process between, whose child it is, ends at once
+// and is collected here. Returns false if there could be no process.
+bool startDetached(const std::vector<Command>& commands, const std::string& allFailedLine)
+{
+    const AllSignalsBlocked allSignalsBlocked;
+    const pid_t between = ::fork();
+    if (between == 0)
+    {
+        const pid_t editor = ::fork();
+        if (editor == 0)
+        {
+            becomeEditor(commands, allFailedLine);
+        }
+        ::_exit((editor < 0) ? 1 : 0);
+    }
+    if (between < 0)
+    {
+        return false;
+    }
+
+    int status = 0;
+    pid_t collected = -1;
+    do
+    {
+        collected = ::waitpid(between, &status, 0);
+    } while ((collected < 0) && (errno == EINTR));
+    // If the program ignores SIGCHLD, or collects every child itself, there is no status to be had.
+    return (collected != between) || (WIFEXITED(status) && (WEXITSTATUS(status) == 0));
+}
+}  // namespace
+
+unsigned int osGetCurrentThreadId()
+{
+    return systemThreadId();
+}
+
+void osOpenFileInSourceCodeEditor(const osFilePath& filePath, int lineNumber)
+{
+    if (filePath.isEmpty() || (std::strlen(filePath.asCharArray()) != static_cast<std::size_t>(filePath.length())))
+    {
+        writeToStderr(failureLine(filePath, lineNumber, "no file can have this name"));
+        return;
+    }
+
+    const std::vector<Command> commands = openingCommands(plainPath(filePath), lineNumber);
+    if (commands.empty())
+    {
+        writeToStderr(failureLine(filePath, lineNumber,
+                                  "no graphical editor that is known here, and no desktop default, is installed"));
+        return;
+    }
+    const std::string allFailedLine = failureLine(filePath, lineNumber, "no editor could be started");
+    if (!startDetached(commands, allFailedLine))
+    {
+        writeToStderr(failureLine(filePath, lineNumber, "the system could not start another process"));
+    }
+}
+
+void osThrowBreakpointException()
+{
+    raiseTrap();
+}

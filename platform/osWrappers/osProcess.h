@@ -1,0 +1,33 @@
+// The process and what stands around it: threads, editors, debuggers.
+#ifndef OS_PROCESS_H
+#define OS_PROCESS_H
+
+#include "platform/osWrappers/osFilePath.h"
+
+// The calling thread's id as the operating system and its debuggers tell it. No two threads that are running at the
+// same time share one. Any thread may call this.
+unsigned int osGetCurrentThreadId();
+
+// Opens the file in a graphical editor, at the line if the number is above 0, and returns at once, without waiting for
+// the editor. The editors that are known to take a line are tried in this order, each one looked for in the folders of
+// PATH: code, codium, subl, kate, gedit, gnome-text-editor, geany, kwrite, mousepad, pluma, xed, gvim, emacs; then
+// xdg-open (on macOS: open), which knows no line. If none can be started, or the path is empty or holds a NUL, one line
+// on standard error says so.
+//
+// The path is handed over as it is, byte by byte and never through a shell; a relative one that an editor could take
+// for an option or an address gets "./" in front. Whether the file exists is left to the editor.
+//
+// The editor runs in a session of its own with the program's environment and current directory, standard input, output
+// and error on /dev/null, every other descriptor closed and all signals at their defaults. It is no child of this
+// process: nothing is left to wait for. The program's own signal handlers are left alone; one for SIGCHLD may be called
+// once, for a child that ends, and is collected, before this returns.
+//
+// Throws std::bad_alloc, with nothing started, without memory. Any thread may call this while none changes PATH.
+void osOpenFileInSourceCodeEditor(const osFilePath& filePath, int lineNumber);
+
+// Raises the trap (SIGTRAP) on the calling thread. A debugger stops there, and execution goes on behind the call when
+// it continues. Without a debugger the program's own handler for the signal runs; without that either, the signal's
+// default action ends the process.
+void osThrowBreakpointException();
+
+#endif
