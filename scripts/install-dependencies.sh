@@ -19,7 +19,7 @@ test=(
     libgtest-dev libgmock-dev libgmp-dev
     gdb openssl
     # A session bus to meet on, and the desktop's own validators.
-    dbus libglib2.0-bin desktop-file-utils appstream
+    dbus libglib2.0-bin desktop-file-utils appstream dpkg-dev
 )
 develop=(
     clang clang-format clang-tidy libclang-rt-14-dev gcovr git
