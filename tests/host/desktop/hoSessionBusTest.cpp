@@ -200,6 +200,7 @@ TEST_F(SessionBusTest, aHundredRequestsAtOnceAllArriveInTheirOrder)
     hoSessionBus bus;
     ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
     std::vector<std::string> many;
+    many.reserve(100);
     for (int i = 0; i < 100; ++i)
     {
         many.push_back("/document " + std::to_string(i));
