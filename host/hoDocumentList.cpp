@@ -1,0 +1,169 @@
+#include "host/hoDocumentList.h"
+
+#include "host/hoBytes.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace
+{
+std::string withoutCase(std::string bytes)
+{
+    for (char& byte : bytes)
+    {
+        if (byte >= 'A' && byte <= 'Z')
+        {
+            byte = static_cast<char>(byte - 'A' + 'a');
+        }
+    }
+    return bytes;
+}
+
+// What a document is ordered by, worked out once a document and not once a comparison.
+struct SortKey
+{
+    std::int64_t _number;
+    std::int64_t _fraction;
+    std::string _text;
+    std::string _name;
+    std::string _path;
+    std::size_t _position;
+};
+
+SortKey keyOf(const hoDocument& document, std::size_t position, hoDocumentList::Column column)
+{
+    SortKey key{0, 0, "", withoutCase(hoToBytes(document.name())), hoToBytes(document._path), position};
+    switch (column)
+    {
+    case hoDocumentList::Column::Name:
+        break;
+    case hoDocumentList::Column::Size:
+        key._number = static_cast<std::int64_t>(document._facts._size);
+        break;
+    case hoDocumentList::Column::Modified:
+        key._number = document._facts._modifiedSeconds;
+        key._fraction = document._facts._modifiedNanoseconds;
+        break;
+    case hoDocumentList::Column::Path:
+        key._text = withoutCase(key._path);
+        break;
+    }
+    return key;
+}
+}  // namespace
+
+gtString hoDocument::name() const
+{
+    const std::string path = hoToBytes(_path);
+    return hoToText(path.substr(path.rfind('/') + 1));
+}
+
+gtString hoDocument::folder() const
+{
+    const std::string path = hoToBytes(_path);
+    const std::size_t lastSeparator = path.rfind('/');
+    return lastSeparator == 0 ? gtString("/") : hoToText(path.substr(0, lastSeparator));
+}
+
+std::size_t hoDocumentList::find(const gtString& path) const
+{
+    const auto found = _positions.find(hoToBytes(hoAbsolutePath(path)));
+    return found == _positions.end() ? nowhere : found->second;
+}
+
+hoDocumentList::Opening hoDocumentList::open(const gtString& path)
+{
+    hoDocument document;
+    const hoFileProblem problem = hoReadFileFacts(path, document._facts);
+    if (problem != hoFileProblem::None)
+    {
+        return {problem, nowhere, false};
+    }
+
+    document._path = hoAbsolutePath(path);
+    const std::string key = hoToBytes(document._path);
+    const auto found = _positions.find(key);
+    if (found != _positions.end())
+    {
+        _documents[found->second]._facts = document._facts;
+        return {hoFileProblem::None, found->second, false};
+    }
+    const std::size_t position = _documents.size();
+    _documents.push_back(document);
+    _positions.emplace(key, position);
+    return {hoFileProblem::None, position, true};
+}
+
+void hoDocumentList::close(const std::vector<std::size_t>& positions)
+{
+    std::vector<bool> isClosed(_documents.size(), false);
+    for (const std::size_t position : positions)
+    {
+        if (position < isClosed.size())
+        {
+            isClosed[position] = true;
+        }
+    }
+    std::vector<hoDocument> kept;
+    for (std::size_t position = 0; position < _documents.size(); ++position)
+    {
+        if (!isClosed[position])
+        {
+            kept.push_back(_documents[position]);
+        }
+    }
+    _documents.swap(kept);
+    index();
+}
+
+void hoDocumentList::closeAll()
+{
+    _documents.clear();
+    _positions.clear();
+}
+
+void hoDocumentList::sort(Column column, bool isAscending)
+{
+    std::vector<SortKey> keys;
+    keys.reserve(_documents.size());
+    for (std::size_t position = 0; position < _documents.size(); ++position)
+    {
+        keys.push_back(keyOf(_documents[position], position, column));
+    }
+    const auto isBefore = [](const SortKey& left, const SortKey& right)
+    {
+        return std::tie(left._number, left._fraction, left._text, left._name, left._path) <
+               std::tie(right._number, right._fraction, right._text, right._name, right._path);
+    };
+    std::sort(keys.begin(), keys.end(),
+              [&](const SortKey& left, const SortKey& right)
+              { return isAscending ? isBefore(left, right) : isBefore(right, left); });
+
+    std::vector<hoDocument> ordered;
+    ordered.reserve(_documents.size());
+    for (const SortKey& key : keys)
+    {
+        ordered.push_back(_documents[key._position]);
+    }
+    _documents.swap(ordered);
+    index();
+}
+
+std::uint64_t hoDocumentList::totalSize() const
+{
+    std::uint64_t total = 0;
+    for (const hoDocument& document : _documents)
+    {
+        total += document._facts._size;
+    }
+    return total;
+}
+
+void hoDocumentList::index()
+{
+    _positions.clear();
+    for (std::size_t position = 0; position < _documents.size(); ++position)
+    {
+        _positions.emplace(hoToBytes(_documents[position]._path), position);
+    }
+}

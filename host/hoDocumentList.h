@@ -1,0 +1,80 @@
+// The opened documents, in the order in which they are shown: what the main window is a view of.
+//
+// Documents are told apart by their absolute path (hoAbsolutePath), compared byte by byte. Positions count from 0; a
+// position stays good until the next operation that is not const. Looking a document up by its path takes the same time
+// for ten documents and for ten thousand. Owned and used by one thread.
+#ifndef COUNTERSIGN_HO_DOCUMENT_LIST_H
+#define COUNTERSIGN_HO_DOCUMENT_LIST_H
+
+#include "host/hoFileFacts.h"
+
+#include <cstddef>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+struct hoDocument
+{
+    gtString _path;  // absolute
+    hoFileFacts _facts;
+
+    // The last component of the path, which is not empty.
+    gtString name() const;
+    // The path without its last component and without the separator before it, except for "/" itself.
+    gtString folder() const;
+};
+
+class hoDocumentList
+{
+public:
+    static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
+
+    struct Opening
+    {
+        hoFileProblem _problem;  // None: the document is in the list
+        std::size_t _position;   // where it is; nowhere if it could not be opened
+        bool _isNew;             // whether this call brought it
+    };
+
+    enum class Column
+    {
+        Name,
+        Size,
+        Modified,
+        Path
+    };
+
+    std::size_t size() const { return _documents.size(); }
+    bool isEmpty() const { return _documents.empty(); }
+
+    // position must be less than size().
+    const hoDocument& operator[](std::size_t position) const { return _documents[position]; }
+
+    // Where the document with that path is, however its folder is spelled; nowhere if it is not in the list.
+    std::size_t find(const gtString& path) const;
+
+    // Appends the document, or finds the one that is there already and takes its present facts. A document that cannot
+    // be opened adds nothing, and one that is there already stays as it is.
+    Opening open(const gtString& path);
+
+    // Takes documents out of the list; the files stay as they are. Positions may come in any order and more than once;
+    // positions that do not exist are passed over.
+    void close(const std::vector<std::size_t>& positions);
+    void closeAll();
+
+    // Orders the documents by one column; those that are equal in it by name and path, so that the result does not
+    // depend on the order before. Names and paths are compared byte by byte, without regard to the case of A to Z at
+    // first. Documents that are opened later come at the end.
+    void sort(Column column, bool isAscending);
+
+    // All sizes together, in bytes.
+    std::uint64_t totalSize() const;
+
+private:
+    void index();
+
+    std::vector<hoDocument> _documents;
+    std::unordered_map<std::string, std::size_t> _positions;  // by path
+};
+
+#endif

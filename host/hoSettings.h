@@ -1,0 +1,41 @@
+// What the application remembers between runs: names with values, in one small text file of the user's.
+//
+// Names hold ASCII letters, digits, '.', '-' and '_'; values are any bytes, escaped in the file (hoToPercentText). One
+// line is one setting, "name=value". Never put a key, a passphrase or a document's contents here. Owned and used by one
+// thread.
+#ifndef COUNTERSIGN_HO_SETTINGS_H
+#define COUNTERSIGN_HO_SETTINGS_H
+
+#include <map>
+#include <string>
+#include <vector>
+
+class hoSettings
+{
+public:
+    // The text of a setting; fallback when there is none.
+    std::string text(const std::string& name, const std::string& fallback = "") const;
+    // The number of a setting; fallback when there is none, when it is no whole decimal number, or when it lies outside
+    // least and most.
+    long number(const std::string& name, long fallback, long least, long most) const;
+    // The values of name.1, name.2 and so on up to the first that is missing.
+    std::vector<std::string> texts(const std::string& name) const;
+
+    void setText(const std::string& name, const std::string& value) { _values[name] = value; }
+    void setNumber(const std::string& name, long value) { _values[name] = std::to_string(value); }
+    // Takes the place of all values of that list, so that a shorter list leaves none behind.
+    void setTexts(const std::string& name, const std::vector<std::string>& values);
+
+    // Replaces all settings by those of the file. A file that is missing, unreadable, larger than a mebibyte or not a
+    // regular file leaves no settings and gives false; lines that make no sense are passed over.
+    bool load(const std::string& path);
+
+    // Writes the file: beside it first, readable by its owner alone, then renamed, so that there is always a whole one.
+    // Missing folders are made. False, and nothing of the old file changed, when that is not possible.
+    bool save(const std::string& path) const;
+
+private:
+    std::map<std::string, std::string> _values;
+};
+
+#endif

@@ -1,0 +1,51 @@
+// A folder of a test's own, which goes away with everything in it.
+#ifndef COUNTERSIGN_TESTS_HOST_TEMPORARY_FOLDER_H
+#define COUNTERSIGN_TESTS_HOST_TEMPORARY_FOLDER_H
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+class TemporaryFolder
+{
+public:
+    TemporaryFolder()
+    {
+        std::string path = (std::filesystem::temp_directory_path() / "countersign.XXXXXX").string();
+        if (mkdtemp(path.data()) == nullptr)
+        {
+            throw std::runtime_error("no temporary folder");
+        }
+        // Comparisons are with absolute paths: the temporary folder itself may lie behind a link.
+        _path = std::filesystem::canonical(path).string();
+    }
+    ~TemporaryFolder()
+    {
+        std::error_code error;
+        std::filesystem::remove_all(_path, error);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::string& path() const { return _path; }
+    std::string path(const std::string& name) const { return _path + "/" + name; }
+
+    std::string write(const std::string& name, const std::string& contents) const
+    {
+        std::ofstream file(path(name), std::ios::binary);
+        file << contents;
+        file.close();
+        if (!file)
+        {
+            throw std::runtime_error("cannot write " + path(name));
+        }
+        return path(name);
+    }
+
+private:
+    std::string _path;
+};
+
+#endif
