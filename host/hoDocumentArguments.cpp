@@ -1,6 +1,9 @@
 #include "host/hoDocumentArguments.h"
 
+#include "host/hoBytes.h"
 #include "host/hoFileFacts.h"
+
+#include <fstream>
 
 namespace
 {
@@ -24,18 +27,41 @@ std::vector<gtString> hoDocumentArguments(const std::vector<gtString>& arguments
     }
 
     std::vector<gtString> documents;
-    bool isSeparatorTaken = false;
     for (std::size_t i = 1; i < arguments.size(); ++i)
     {
-        const gtString& argument = arguments[i];
-        if (!isSeparatorTaken && documents.empty() && argument == gtString("--"))
+        if (!arguments[i].isEmpty())
         {
-            isSeparatorTaken = true;
-        }
-        else if (!argument.isEmpty())
-        {
-            documents.push_back(argument);
+            documents.push_back(arguments[i]);
         }
     }
     return documents;
+}
+
+std::vector<gtString> hoWithLostArguments(const std::vector<gtString>& toolkits, const std::vector<gtString>& process,
+                                          const std::function<bool(const gtString&)>& isLost)
+{
+    std::vector<gtString> all;
+    std::size_t taken = 0;
+    for (const gtString& argument : process)
+    {
+        const bool isToolkits = taken < toolkits.size() && toolkits[taken] == argument;
+        if (isToolkits || isLost(argument))
+        {
+            all.push_back(argument);
+        }
+        taken += isToolkits ? 1 : 0;
+    }
+    return taken == toolkits.size() ? all : toolkits;
+}
+
+std::vector<gtString> hoProcessArguments()
+{
+    std::vector<gtString> arguments;
+    std::ifstream file("/proc/self/cmdline", std::ios::binary);
+    std::string argument;
+    while (std::getline(file, argument, '\0'))
+    {
+        arguments.push_back(hoToText(argument));
+    }
+    return arguments;
 }

@@ -10,19 +10,35 @@ namespace
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::vector<std::string> documents(const std::vector<std::string>& arguments, const std::string& program)
+std::vector<gtString> texts(const std::vector<std::string>& plainTexts)
 {
-    std::vector<gtString> given;
-    for (const std::string& argument : arguments)
+    std::vector<gtString> found;
+    for (const std::string& text : plainTexts)
     {
-        given.emplace_back(argument.c_str());
-    }
-    std::vector<std::string> found;
-    for (const gtString& document : hoDocumentArguments(given, program.c_str()))
-    {
-        found.emplace_back(document.asCharArray());
+        found.emplace_back(text.c_str());
     }
     return found;
+}
+
+std::vector<std::string> plain(const std::vector<gtString>& texts)
+{
+    std::vector<std::string> found;
+    for (const gtString& text : texts)
+    {
+        found.emplace_back(text.asCharArray());
+    }
+    return found;
+}
+
+std::vector<std::string> documents(const std::vector<std::string>& arguments, const std::string& program)
+{
+    return plain(hoDocumentArguments(texts(arguments), program.c_str()));
+}
+
+std::vector<std::string> withLost(const std::vector<std::string>& toolkits, const std::vector<std::string>& process)
+{
+    const auto isLost = [](const gtString& argument) { return argument.asCharArray()[0] == '\xff'; };
+    return plain(hoWithLostArguments(texts(toolkits), texts(process), isLost));
 }
 }  // namespace
 
@@ -30,7 +46,6 @@ TEST(DocumentArguments, FollowTheProgramsName)
 {
     EXPECT_THAT(documents({"program", "b", "", "a"}, "/bin/program"), ElementsAre("b", "a"));
     EXPECT_THAT(documents({"program", "-x", "--help", "--"}, "/bin/program"), ElementsAre("-x", "--help", "--"));
-    EXPECT_THAT(documents({"program", "--", "-x", "--"}, "/bin/program"), ElementsAre("-x", "--"));
     EXPECT_THAT(documents({}, "/bin/program"), IsEmpty());
     EXPECT_THAT(documents({"program"}, "/bin/program"), IsEmpty());
 }
@@ -47,4 +62,42 @@ TEST(DocumentArguments, OneThatStandsAloneMayHaveArrivedBeforeTheWindow)
     EXPECT_THAT(documents({folder.path("short")}, program), IsEmpty());
     EXPECT_THAT(documents({""}, program), IsEmpty());
     EXPECT_THAT(documents({"./program"}, program), IsEmpty());
+}
+
+TEST(DocumentArguments, ThatTheToolkitDroppedComeBackInTheirPlaces)
+{
+    EXPECT_THAT(withLost({"p", "a", "b"}, {"p",
+                                           "\xff"
+                                           "1",
+                                           "a",
+                                           "\xff"
+                                           "2",
+                                           "b",
+                                           "\xff"
+                                           "3"}),
+                ElementsAre("p",
+                            "\xff"
+                            "1",
+                            "a",
+                            "\xff"
+                            "2",
+                            "b",
+                            "\xff"
+                            "3"));
+    EXPECT_THAT(withLost({"p", "a"}, {"p", "--toolkits-option", "\xff", "a"}), ElementsAre("p", "\xff", "a"));
+    EXPECT_THAT(withLost({"p", "a"}, {"p", "a"}), ElementsAre("p", "a"));
+}
+
+TEST(DocumentArguments, ThatAreNotTheProcessesOwnStayAsTheyAre)
+{
+    EXPECT_THAT(withLost({"/document"}, {"p", "\xff"}), ElementsAre("/document"));
+    EXPECT_THAT(withLost({"p", "a"}, {}), ElementsAre("p", "a"));
+    EXPECT_THAT(withLost({"p", "b", "a"}, {"p", "a", "b"}), ElementsAre("p", "b", "a"));
+}
+
+TEST(DocumentArguments, OfTheProcessAreAsItWasStarted)
+{
+    const std::vector<gtString> arguments = hoProcessArguments();
+    ASSERT_FALSE(arguments.empty());
+    EXPECT_NE(std::string(arguments[0].asCharArray()).find("test_hostEngine"), std::string::npos);
 }
