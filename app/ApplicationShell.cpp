@@ -1,0 +1,103 @@
+#include "app/ApplicationShell.h"
+
+#include <new>
+
+#include <wx/build.h>
+#include <wx/event.h>
+
+#include "MainFrame.h"
+
+#include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
+#include "assertionHandling/ahTextConversion.h"
+#include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
+#include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osProcess.h"
+
+wxAppConsole* wxCreateApp();
+
+namespace
+{
+
+const char* const thisFile = "app/ApplicationShell.cpp";
+
+// The lines under which this file's failed assertions are known, wherever in it they stand.
+const int handlerAssertionLine = 51;
+const int argumentsAssertionLine = 109;
+
+wxAppInitializer applicationInitializer(&wxCreateApp);
+
+}  // namespace
+
+wxAppConsole* wxCreateApp()
+{
+    wxAppConsole::CheckBuildOptions(WX_BUILD_OPTIONS_SIGNATURE, "your program");
+    return new ApplicationShell;
+}
+
+ApplicationShell& wxGetApp()
+{
+    return *static_cast<ApplicationShell*>(wxApp::GetInstance());
+}
+
+ApplicationShell::ApplicationShell() : _pMainFrame(nullptr), _pAssertionFailureHandler(nullptr)
+{
+    // The toolkit leaves its own field as it is until its entry function sets it.
+    argc = 0;
+}
+
+ApplicationShell::~ApplicationShell() = default;
+
+bool ApplicationShell::OnInit()
+{
+    const unsigned int mainThreadId = osGetCurrentThreadId();
+    _pAssertionFailureHandler = new (std::nothrow) ahDialogBasedAssertionFailureHandler(mainThreadId);
+    if (_pAssertionFailureHandler != nullptr)
+    {
+        gtRegisterAssertionFailureHandler(_pAssertionFailureHandler);
+    }
+    else
+    {
+        gtTriggerAssertonFailureHandler("OnInit", thisFile, handlerAssertionLine,
+                                        "Assertion failure (_pAssertionFailureHandler != __null)");
+    }
+
+    _pMainFrame = new (std::nothrow) MainFrame;
+    if (_pMainFrame == nullptr)
+    {
+        return false;
+    }
+    _pMainFrame->Show(true);
+    SetTopWindow(_pMainFrame);
+    return true;
+}
+
+int ApplicationShell::OnExit()
+{
+    if (_pAssertionFailureHandler == nullptr)
+    {
+        return 0;
+    }
+    gtUnRegisterAssertionFailureHandler(_pAssertionFailureHandler);
+    delete _pAssertionFailureHandler;
+    _pAssertionFailureHandler = nullptr;
+    return 0;
+}
+
+void ApplicationShell::MacOpenFile(const wxString& fileName)
+{
+    if (_pMainFrame != nullptr)
+    {
+        _pMainFrame->openFilePath(ahPathBytesFromText(fileName), true);
+        return;
+    }
+    if (argc != 0 || argv)
+    {
+        gtTriggerAssertonFailureHandler("MacOpenFile", thisFile, argumentsAssertionLine,
+                                        "Assertion failure ((argc == 0)&&(argv == __null))");
+        return;
+    }
+    const wxWCharBuffer path = fileName.wc_str();
+    const wchar_t* arguments[] = {path.data()};
+    argv.Init(1, arguments);
+    argc = 1;
+}

@@ -1,0 +1,193 @@
+#include "assertionHandling/ahAssertDialog.h"
+
+#include <wx/button.h>
+#include <wx/font.h>
+#include <wx/gdicmn.h>
+#include <wx/icon.h>
+#include <wx/sizer.h>
+#include <wx/textctrl.h>
+
+#include "assertionHandling/ahAssertDialogIcon.h"
+#include "assertionHandling/ahTextConversion.h"
+#include "assertionHandling/ahUrlHighlighting.h"
+#include "platform/baseTools/gtString.h"
+
+namespace
+{
+
+const int borderWidth = 10;
+
+wxFont normalFont()
+{
+    wxFont font(*wxNORMAL_FONT);
+    font.SetEncoding(wxFONTENCODING_DEFAULT);
+    return font;
+}
+
+wxString showableTextFromBytes(const gtString& bytes)
+{
+    return ahShowableText(ahTextFromBytes(bytes));
+}
+
+// Name, separator and extension; the separator also without an extension.
+gtString fileNameText(const osFilePath& filePath)
+{
+    gtString name;
+    gtString extension;
+    filePath.getFileName(name);
+    filePath.getFileExtension(extension);
+    gtString text;
+    text.append(name).append(osFilePath::osExtensionSeparator).append(extension);
+    return text;
+}
+
+}  // namespace
+
+wxBEGIN_EVENT_TABLE(ahAssertDialog, wxDialog) EVT_BUTTON(AH_IGNORE_BUTTON_ID, ahAssertDialog::OnIgnoreButton)
+    EVT_BUTTON(AH_IGNORE_ALL_BUTTON_ID, ahAssertDialog::OnIgnoreAllButton)
+        EVT_BUTTON(AH_OPEN_BUTTON_ID, ahAssertDialog::OnOpenButton)
+            EVT_BUTTON(AH_DEBUG_BUTTON_ID, ahAssertDialog::OnDebugButton)
+                EVT_BUTTON(AH_EXIT_BUTTON_ID, ahAssertDialog::OnExitButton) wxEND_EVENT_TABLE()
+
+                    ahAssertDialog::ahAssertDialog(const osFilePath& filePath, int lineNumber, const wxString& message,
+                                                   wxWindow* parent)
+    : wxDialog(parent, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxDEFAULT_DIALOG_STYLE | wxSTAY_ON_TOP),
+      _filePath(filePath),
+      _lineNumber(lineNumber),
+      _assertionMessage(message),
+      _pIgnoreButton(nullptr),
+      _pIgnoreAllButton(nullptr),
+      _pOpenButton(nullptr),
+      _pDebugButton(nullptr),
+      _pExitButton(nullptr),
+      _pButtonsSizer(nullptr)
+{
+    loadIcon();
+    setDialogTitle();
+
+    wxTextCtrl* pReport = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxSize(400, 250),
+                                         wxTE_MULTILINE | wxTE_READONLY | wxTE_RICH | wxTE_AUTO_URL | wxBORDER_NONE);
+    pReport->SetFont(normalFont());
+    pReport->SetBackgroundColour(GetBackgroundColour());
+    fillAssertionMessageBody(pReport);
+
+    // The report keeps its size however wide the buttons are.
+    wxBoxSizer* pTopSizer = new wxBoxSizer(wxVERTICAL);
+    pTopSizer->Add(pReport, 0, wxLEFT | wxRIGHT | wxTOP, borderWidth);
+
+    _pIgnoreButton = new wxButton(this, AH_IGNORE_BUTTON_ID, wxS("&Ignore"));
+    _pIgnoreAllButton = new wxButton(this, AH_IGNORE_ALL_BUTTON_ID, wxS("Ignore &all"));
+    _pOpenButton = new wxButton(this, AH_OPEN_BUTTON_ID, wxS("&Open"));
+    _pDebugButton = new wxButton(this, AH_DEBUG_BUTTON_ID, wxS("&Debug"));
+    _pExitButton = new wxButton(this, AH_EXIT_BUTTON_ID, wxS("&Exit"));
+    _pIgnoreAllButton->SetDefault();
+    _pIgnoreAllButton->SetFocus();
+
+    _pButtonsSizer = new wxBoxSizer(wxHORIZONTAL);
+    _pButtonsSizer->Add(_pIgnoreButton, 0, wxRIGHT, borderWidth);
+    _pButtonsSizer->Add(_pIgnoreAllButton, 0, wxRIGHT, borderWidth);
+    _pButtonsSizer->Add(_pOpenButton, 0, wxRIGHT, borderWidth);
+    _pButtonsSizer->Add(_pDebugButton, 0, wxRIGHT, borderWidth);
+    _pButtonsSizer->Add(_pExitButton, 0, 0, 0);
+
+    // wxCENTRE is not a sizer's alignment, and is meant: the row lies where the sizer puts it by default.
+    pTopSizer->Add(_pButtonsSizer, 0, wxALL | wxCENTRE, borderWidth);
+
+    SetSizer(pTopSizer);
+    SetAutoLayout(true);
+    pTopSizer->SetSizeHints(this);
+    pTopSizer->Fit(this);
+    CentreOnScreen(wxBOTH);
+}
+
+ahAssertDialog::~ahAssertDialog() = default;
+
+int ahAssertDialog::ShowModal()
+{
+    return wxDialog::ShowModal();
+}
+
+void ahAssertDialog::OnIgnoreButton(wxCommandEvent& /*event*/)
+{
+    EndModal(AH_IGNORE_BUTTON_ID);
+}
+
+void ahAssertDialog::OnIgnoreAllButton(wxCommandEvent& /*event*/)
+{
+    EndModal(AH_IGNORE_ALL_BUTTON_ID);
+}
+
+void ahAssertDialog::OnOpenButton(wxCommandEvent& /*event*/)
+{
+    EndModal(AH_OPEN_BUTTON_ID);
+}
+
+void ahAssertDialog::OnDebugButton(wxCommandEvent& /*event*/)
+{
+    EndModal(AH_DEBUG_BUTTON_ID);
+}
+
+void ahAssertDialog::OnExitButton(wxCommandEvent& /*event*/)
+{
+    EndModal(AH_EXIT_BUTTON_ID);
+}
+
+bool ahAssertDialog::loadIcon()
+{
+    SetIcon(wxIcon(ahAssertDialogIcon));
+    return true;
+}
+
+void ahAssertDialog::setDialogTitle()
+{
+    gtString title;
+    title = "Assert in: ";
+    title.append(fileNameText(_filePath)).append(" - ").append("Line: ").appendFormattedString("%d", _lineNumber);
+    SetTitle(showableTextFromBytes(title));
+}
+
+void ahAssertDialog::fillAssertionMessageBody(wxTextCtrl* pTextCtrl)
+{
+    const wxFont bodyFont = normalFont();
+    const int bodySize = bodyFont.GetPointSize();
+    wxFont largeFont = normalFont();
+    largeFont.SetPointSize(bodySize + 4);
+    wxFont boldFont = normalFont();
+    boldFont.SetWeight(wxFONTWEIGHT_BOLD);
+    wxFont headingFont = normalFont();
+    headingFont.SetPointSize(bodySize + 2);
+
+    const wxTextAttr headingStyle(*wxBLUE, wxNullColour, headingFont);
+    const wxTextAttr labelStyle(*wxBLACK, wxNullColour, boldFont);
+    const wxTextAttr largeStyle(*wxBLACK, wxNullColour, largeFont);
+    const wxTextAttr bodyStyle(*wxBLACK, wxNullColour, bodyFont);
+
+    gtString lineText;
+    lineText.appendFormattedString("%d", _lineNumber);
+
+    pTextCtrl->SetDefaultStyle(headingStyle);
+    pTextCtrl->AppendText(wxS("Debug Assertion Failed!"));
+    pTextCtrl->AppendText(wxS("\n\n"));
+
+    pTextCtrl->SetDefaultStyle(labelStyle);
+    pTextCtrl->AppendText(wxS("File Name: "));
+    pTextCtrl->SetDefaultStyle(largeStyle);
+    pTextCtrl->AppendText(showableTextFromBytes(fileNameText(_filePath)));
+    pTextCtrl->AppendText(wxS(" - "));
+    pTextCtrl->AppendText(ahTextFromBytes(lineText));
+    pTextCtrl->AppendText(wxS("\n\n"));
+
+    pTextCtrl->SetDefaultStyle(labelStyle);
+    pTextCtrl->AppendText(wxS("File Path: "));
+    pTextCtrl->SetDefaultStyle(bodyStyle);
+    pTextCtrl->AppendText(showableTextFromBytes(_filePath.asString()));
+    pTextCtrl->AppendText(wxS("\n"));
+    pTextCtrl->AppendText(wxS("\n"));
+
+    pTextCtrl->SetDefaultStyle(headingStyle);
+    pTextCtrl->AppendText(wxS("Assert Reason: \n\n"));
+    pTextCtrl->SetDefaultStyle(bodyStyle);
+    pTextCtrl->AppendText(ahShowableText(_assertionMessage));
+
+    ahHighlightUrls(pTextCtrl);
+}

@@ -1,0 +1,5 @@
+#include "assertionHandling/ahUrlHighlighting.h"
+
+#include <wx/textctrl.h>
+
+void ahHighlightUrls(wxTextCtrl* /*pTextCtrl*/) {}
