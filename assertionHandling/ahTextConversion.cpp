@@ -7,6 +7,9 @@
 namespace
 {
 
+// Where the reversible conversion puts the bytes that are not UTF-8.
+const wxUint32 privateUseOfBytes = 0x100000;
+
 bool isEncodable(wxUint32 codePoint)
 {
     return codePoint <= 0x10FFFF && (codePoint < 0xD800 || codePoint > 0xDFFF);
@@ -101,13 +104,33 @@ wxString ahShowableText(const wxString& text)
 
 wxString ahPathTextFromBytes(const gtString& path)
 {
-    return wxString(path.asCharArray(), reversibleConversion(), static_cast<std::size_t>(path.length()));
+    const wxMBConvUTF8 conversion = reversibleConversion();
+    const wxString text(path.asCharArray(), conversion, static_cast<std::size_t>(path.length()));
+    if (isAllEncodable(text))
+    {
+        return text;
+    }
+    // The toolkit's decoder lets some code points through that UTF-8 does not have, and windows refuse them.
+    wxString encodable;
+    for (const wxUniChar character : text)
+    {
+        if (isEncodable(character.GetValue()))
+        {
+            encodable += character;
+            continue;
+        }
+        const wxScopedCharBuffer bytes = wxString(character).mb_str(conversion);
+        for (std::size_t i = 0; i < bytes.length(); i++)
+        {
+            encodable += wxUniChar(privateUseOfBytes + static_cast<unsigned char>(bytes.data()[i]));
+        }
+    }
+    return encodable;
 }
 
 gtString ahPathBytesFromText(const wxString& pathText)
 {
-    const wxString encodable = isAllEncodable(pathText) ? pathText : replaceUnencodable(pathText, wxUniChar(0));
-    return toString(encodable.mb_str(reversibleConversion()));
+    return toString(pathText.mb_str(reversibleConversion()));
 }
 
 gtString ahBytesFromArgument(const wxString& argument)

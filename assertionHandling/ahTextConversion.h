@@ -47,7 +47,7 @@ wxString ahShowableText(const wxString& text);
 wxString ahPathTextFromBytes(const gtString& path);
 
 // The bytes of a path that ahPathTextFromBytes, a file dialog or a drop of files gave. Any other text counts as a path
-// in UTF-8; what UTF-8 does not have becomes U+FFFD.
+// in UTF-8, and half a surrogate pair in it becomes the three bytes that it would have there: no text gives no bytes.
 gtString ahPathBytesFromText(const wxString& pathText);
 
 // The bytes of one element of the application object's argument array, which the toolkit's entry made by the locale's

@@ -1,0 +1,310 @@
+#include "tests/support/tsWindowTest.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <wx/app.h>
+#include <wx/dialog.h>
+#include <wx/evtloop.h>
+#include <wx/timer.h>
+#include <wx/toplevel.h>
+
+namespace
+{
+
+const int pollInterval = 10;
+
+class Deadline
+{
+public:
+    Deadline() : _end(std::chrono::steady_clock::now() + std::chrono::milliseconds(tsPatience)) {}
+    bool isOver() const { return std::chrono::steady_clock::now() > _end; }
+
+private:
+    std::chrono::steady_clock::time_point _end;
+};
+
+class Timer : public wxTimer
+{
+public:
+    explicit Timer(std::function<void()> notify) : _notify(std::move(notify)) {}
+    void Notify() override { _notify(); }
+
+private:
+    std::function<void()> _notify;
+};
+
+void endAllLoops()
+{
+    for (wxWindow* pWindow : wxTopLevelWindows)
+    {
+        auto* pDialog = dynamic_cast<wxDialog*>(pWindow);
+        if (pDialog != nullptr && pDialog->IsModal())
+        {
+            pDialog->EndModal(wxID_ABORT);
+        }
+    }
+    wxEventLoopBase* pLoop = wxEventLoopBase::GetActive();
+    if (pLoop != nullptr && pLoop->IsRunning())
+    {
+        pLoop->ScheduleExit(1);
+    }
+}
+
+}  // namespace
+
+bool tsRunUntil(const std::string& what, const std::function<bool()>& condition)
+{
+    const Deadline deadline;
+    bool holds = false;
+    wxGUIEventLoop loop;
+    Timer timer(
+        [&]
+        {
+            holds = condition();
+            if (holds || deadline.isOver())
+            {
+                loop.ScheduleExit();
+            }
+        });
+    timer.Start(pollInterval);
+    loop.Run();
+    timer.Stop();
+    if (!holds)
+    {
+        ADD_FAILURE() << "waited in vain until " << what;
+    }
+    return holds;
+}
+
+void tsRunEvents()
+{
+    wxGUIEventLoop loop;
+    const wxEventLoopActivator activator(&loop);
+    while (loop.Pending())
+    {
+        loop.Dispatch();
+    }
+    while (loop.ProcessIdle())
+    {
+    }
+}
+
+class tsScript::Runner
+{
+public:
+    struct Step
+    {
+        std::string what;
+        std::function<bool()> condition;
+        std::function<void()> action;
+    };
+
+    Runner() : _timer([this] { goOn(); }) {}
+
+    void start()
+    {
+        _deadline = Deadline();
+        _timer.Start(pollInterval);
+    }
+
+    bool isFinished() const { return _next == _steps.size() && !_isActionPending; }
+
+    std::vector<Step> _steps;
+
+private:
+    void goOn()
+    {
+        if (_isActionPending)
+        {
+            return;
+        }
+        if (_next == _steps.size())
+        {
+            _timer.Stop();
+            return;
+        }
+        const Step& step = _steps[_next];
+        if (step.condition && !step.condition())
+        {
+            if (_deadline.isOver())
+            {
+                _timer.Stop();
+                ADD_FAILURE() << "waited in vain until " << step.what;
+                endAllLoops();
+            }
+            return;
+        }
+        _next++;
+        _deadline = Deadline();
+        if (step.action)
+        {
+            // Not from within the timer: it would be silent in a loop that the action runs.
+            _isActionPending = true;
+            wxTheApp->CallAfter(
+                [this, action = step.action]
+                {
+                    _isActionPending = false;
+                    action();
+                });
+        }
+    }
+
+    Timer _timer;
+    Deadline _deadline;
+    std::size_t _next = 0;
+    bool _isActionPending = false;
+};
+
+tsScript::tsScript() : _pRunner(new Runner) {}
+
+tsScript::~tsScript() = default;
+
+tsScript& tsScript::waitUntil(const std::string& what, std::function<bool()> condition)
+{
+    _pRunner->_steps.push_back({what, std::move(condition), nullptr});
+    return *this;
+}
+
+tsScript& tsScript::perform(const std::string& what, std::function<void()> action)
+{
+    _pRunner->_steps.push_back({what, nullptr, std::move(action)});
+    return *this;
+}
+
+void tsScript::start()
+{
+    _pRunner->start();
+}
+
+bool tsScript::isFinished() const
+{
+    return _pRunner->isFinished();
+}
+
+bool tsHasKeyboard(const wxTopLevelWindow& window)
+{
+    // IsActive is not const in the toolkit, and changes nothing.
+    return window.IsShownOnScreen() && const_cast<wxTopLevelWindow&>(window).IsActive();
+}
+
+wxWindow* tsTopModalDialog()
+{
+    wxWindow* pTop = nullptr;
+    for (wxWindow* pWindow : wxTopLevelWindows)
+    {
+        const auto* pDialog = dynamic_cast<wxDialog*>(pWindow);
+        if (pDialog != nullptr && pDialog->IsModal())
+        {
+            pTop = pWindow;
+        }
+    }
+    return pTop;
+}
+
+void tsPressKeys(const std::string& keys)
+{
+    EXPECT_EQ(tsRunProgram({"xdotool", "key", "--clearmodifiers", keys}), 0);
+}
+
+void tsType(const std::string& text)
+{
+    EXPECT_EQ(tsRunProgram({"xdotool", "type", "--clearmodifiers", "--", text}), 0);
+}
+
+void tsClick(const wxWindow& window)
+{
+    const wxRect rect = window.GetScreenRect();
+    tsClickAt(rect.GetPosition() + wxPoint(rect.width / 2, rect.height / 2));
+}
+
+void tsClickAt(const wxPoint& screenPosition)
+{
+    EXPECT_EQ(tsRunProgram({"xdotool", "mousemove", "--sync", std::to_string(screenPosition.x),
+                            std::to_string(screenPosition.y), "click", "1"}),
+              0);
+}
+
+int tsRunProgram(const std::initializer_list<std::string>& arguments, std::string* pOutput)
+{
+    std::vector<std::string> texts(arguments);
+    std::vector<char*> pointers;
+    for (std::string& text : texts)
+    {
+        pointers.push_back(text.data());
+    }
+    pointers.push_back(nullptr);
+
+    int ends[2];
+    if (pipe(ends) != 0)
+    {
+        return -1;
+    }
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+    posix_spawn_file_actions_addclose(&actions, ends[0]);
+    posix_spawn_file_actions_addclose(&actions, ends[1]);
+    pid_t child = -1;
+    const int error = posix_spawnp(&child, pointers[0], &actions, nullptr, pointers.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    close(ends[1]);
+
+    char buffer[4096];
+    ssize_t amount = 0;
+    while (error == 0 && ((amount = read(ends[0], buffer, sizeof(buffer))) > 0 || (amount < 0 && errno == EINTR)))
+    {
+        if (pOutput != nullptr && amount > 0)
+        {
+            pOutput->append(buffer, static_cast<std::size_t>(amount));
+        }
+    }
+    close(ends[0]);
+    int status = 0;
+    if (error != 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
+    {
+        return -1;
+    }
+    return WEXITSTATUS(status);
+}
+
+wxImage tsPictureOfScreen()
+{
+    // A file of this process alone: a pipe would have to be emptied while the camera waits.
+    char name[] = "/tmp/countersign-picture-XXXXXX.png";
+    const int file = mkstemps(name, 4);
+    if (file < 0)
+    {
+        return wxImage();
+    }
+    close(file);
+    wxImage picture;
+    if (tsRunProgram({"import", "-silent", "-window", "root", name}) == 0)
+    {
+        if (wxImage::FindHandler(wxBITMAP_TYPE_PNG) == nullptr)
+        {
+            wxImage::AddHandler(new wxPNGHandler);
+        }
+        picture.LoadFile(wxString::FromUTF8(name), wxBITMAP_TYPE_PNG);
+    }
+    std::remove(name);
+    return picture;
+}
+
+bool tsWritePicture(const wxRect& screenRect, const std::string& fileName)
+{
+    const wxImage picture = tsPictureOfScreen();
+    if (!picture.IsOk())
+    {
+        return false;
+    }
+    const wxRect inside = wxRect(picture.GetSize()).Intersect(screenRect);
+    return picture.GetSubImage(inside).SaveFile(wxString::FromUTF8(fileName), wxBITMAP_TYPE_PNG);
+}

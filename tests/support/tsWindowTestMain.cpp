@@ -1,0 +1,94 @@
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <wx/app.h>
+#include <wx/init.h>
+
+#if defined(__SANITIZE_ADDRESS__)
+// What the toolkit's own libraries keep until the end. Our objects come from operator new, never through these.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions()
+{
+    return "leak:libfontconfig\n"
+           "leak:libpango\n"
+           "leak:libcairo\n"
+           "leak:librsvg\n"
+           "leak:libX11\n"
+           "leak:g_malloc\n"
+           "leak:g_malloc0\n"
+           "leak:g_realloc\n"
+           "leak:g_try_malloc\n"
+           "leak:g_slice_alloc\n";
+}
+#endif
+
+namespace
+{
+
+wxAppConsole* makePlainApplication()
+{
+    return new wxApp;
+}
+
+// Whether the program only tells about itself and needs no display.
+bool isAskedToListTests(int argc, char** argv)
+{
+    for (int i = 1; i < argc; i++)
+    {
+        const std::string argument(argv[i]);
+        if (argument == "--gtest_list_tests" || argument == "--help" || argument == "-h")
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    const char* const isThere = "COUNTERSIGN_WINDOW_TEST_HAS_DISPLAY";
+    if (!isAskedToListTests(argc, argv) && std::getenv(isThere) == nullptr)
+    {
+        setenv(isThere, "1", 1);
+        char script[] = COUNTERSIGN_SCRIPTS "/with-display.sh";
+        char self[4096];
+        const ssize_t length = readlink("/proc/self/exe", self, sizeof(self) - 1);
+        if (length > 0)
+        {
+            self[length] = '\0';
+            std::vector<char*> arguments{script, self};
+            arguments.insert(arguments.end(), argv + 1, argv + argc);
+            arguments.push_back(nullptr);
+            execv(script, arguments.data());
+        }
+        std::perror(script);
+        return 125;
+    }
+
+    testing::InitGoogleTest(&argc, argv);
+    if (testing::GTEST_FLAG(list_tests))
+    {
+        return RUN_ALL_TESTS();
+    }
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+
+    if (wxAppConsole::GetInitializerFunction() == nullptr)
+    {
+        wxAppConsole::SetInitializerFunction(&makePlainApplication);
+    }
+    int amountOfArguments = 1;
+    if (!wxEntryStart(amountOfArguments, argv))
+    {
+        std::fputs("the toolkit did not start\n", stderr);
+        return 125;
+    }
+    const int result = RUN_ALL_TESTS();
+    wxEntryCleanup();
+    return result;
+}
