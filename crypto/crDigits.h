@@ -1,0 +1,53 @@
+// What the classes of this folder share below their own level: digit arrays from the allocator, the fixed-width
+// hexadecimal form of a digit, and the wiping of what was secret. Not meant for code outside this folder, save for
+// crWipe.
+//
+// A digit is 32 bits wide and has eight hexadecimal characters. No function here throws, logs or keeps a pointer, and
+// all may be called from any thread.
+#ifndef COUNTERSIGN_CRYPTO_CRDIGITS_H
+#define COUNTERSIGN_CRYPTO_CRDIGITS_H
+
+#include <cstddef>
+
+class gtString;
+
+// Characters that a digit has as text.
+constexpr int crCharactersPerDigit = 8;
+
+// Overwrites the bytes with zeros in a way that the optimiser cannot drop. A null pointer is left alone.
+void crWipe(void* pBytes, std::size_t amountOfBytes);
+
+// A new array of zeros, to be given back with array delete. Null when the amount is negative or the memory is not
+// there; never an exception. An amount of 0 gives an array in which nothing may be stored.
+unsigned int* crAllocateDigits(int amount);
+
+// Wipes an array of crAllocateDigits and gives it back. Null is welcome; an amount below 0 counts as 0.
+void crReleaseDigits(unsigned int* pDigits, int amount);
+
+// Reads one digit as sscanf reads "%8x" from a text of its own: at most eight characters, less when fewer are
+// available (below 0 counts as none), of either case, with an optional 0x that counts among the eight; the first
+// character that does not belong ends it. 0 when the first character is not a hexadecimal one: blanks and signs are not
+// skipped.
+unsigned int crReadDigit(const char* pCharacters, int amountAvailable);
+
+// Appends the digits in ascending order, the lowest first, each as "%08x". An amount below 1 appends nothing. The
+// characters pass through a buffer on the stack, which is wiped.
+void crAppendDigits(gtString& text, const unsigned int* pDigits, int amount);
+
+// A digit array that lives for one operation: zero at first, wiped and given back at the end. Check digits() for null.
+class crTemporaryDigits
+{
+public:
+    explicit crTemporaryDigits(int amount) : _amount(amount), _pDigits(crAllocateDigits(amount)) {}
+    ~crTemporaryDigits() { crReleaseDigits(_pDigits, _amount); }
+    crTemporaryDigits(const crTemporaryDigits&) = delete;
+    crTemporaryDigits& operator=(const crTemporaryDigits&) = delete;
+
+    unsigned int* digits() { return _pDigits; }
+
+private:
+    int _amount;
+    unsigned int* _pDigits;
+};
+
+#endif

@@ -1,0 +1,155 @@
+#include "crypto/crRSADigitalSigner.h"
+
+#include <memory>
+#include <new>
+
+#include "crypto/crDigits.h"
+#include "crypto/crRSAEncryptionKey.h"
+#include "crypto/crRSAStringEncryptor.h"
+#include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osChannel.h"
+#include "platform/osWrappers/osFile.h"
+#include "platform/osWrappers/osFilePath.h"
+
+namespace
+{
+
+constexpr int bytesPerDigit = 4;
+
+unsigned int digitFromBytes(const unsigned char* pBytes)
+{
+    return static_cast<unsigned int>(pBytes[0]) | (static_cast<unsigned int>(pBytes[1]) << 8) |
+           (static_cast<unsigned int>(pBytes[2]) << 16) | (static_cast<unsigned int>(pBytes[3]) << 24);
+}
+
+}  // namespace
+
+crRSADigitalSigner::crRSADigitalSigner(crRSAEncryptionKey const& key)
+    : _key(key), _pDigestDigits(nullptr), _amountOfDigestDigits(0)
+{
+}
+
+crRSADigitalSigner::~crRSADigitalSigner()
+{
+    deleteMessageDigestDigits();
+}
+
+bool crRSADigitalSigner::createMessageDigestDigits()
+{
+    _amountOfDigestDigits = _key.amountOfProductDigits() / 2 - 1;
+    _pDigestDigits = crAllocateDigits(_amountOfDigestDigits);
+    return _pDigestDigits != nullptr;
+}
+
+void crRSADigitalSigner::deleteMessageDigestDigits()
+{
+    crReleaseDigits(_pDigestDigits, _amountOfDigestDigits);
+    _amountOfDigestDigits = 0;
+    _pDigestDigits = nullptr;
+}
+
+bool crRSADigitalSigner::createFileMessageDigest(osFilePath const& file)
+{
+    osFile openFile;
+    if (!openFile.open(file, osChannel::OS_BINARY_CHANNEL, osFile::OS_OPEN_TO_READ))
+    {
+        return false;
+    }
+    if ((_pDigestDigits == nullptr) && (_amountOfDigestDigits != 0))
+    {
+        return false;
+    }
+    const auto amountOfBytes = static_cast<unsigned long>(amountOfDigestBytes());
+    const std::unique_ptr<char[]> pBuffer(new (std::nothrow) char[amountOfBytes]);
+    if (pBuffer == nullptr)
+    {
+        return false;
+    }
+    unsigned long amountRead = 0;
+    // An empty digest takes nothing in; reading 0 bytes at a time would not end.
+    while ((amountOfBytes > 0) && openFile.readAvailableData(pBuffer.get(), amountOfBytes, amountRead))
+    {
+        addToMessageDigest(pBuffer.get(), amountRead);
+    }
+    openFile.close();
+    crWipe(pBuffer.get(), amountOfBytes);
+    return true;
+}
+
+void crRSADigitalSigner::addToMessageDigest(const char* pBytes, unsigned long amountOfBytes)
+{
+    const auto bytesAtOnce = static_cast<unsigned long>(amountOfDigestBytes());
+    if (bytesAtOnce == 0)
+    {
+        return;
+    }
+    const auto* pNext = reinterpret_cast<const unsigned char*>(pBytes);
+    while (amountOfBytes >= bytesAtOnce)
+    {
+        for (int i = 0; i < _amountOfDigestDigits; i++)
+        {
+            _pDigestDigits[i] ^= digitFromBytes(pNext + static_cast<long>(i) * bytesPerDigit);
+        }
+        pNext += bytesAtOnce;
+        amountOfBytes -= bytesAtOnce;
+    }
+    for (unsigned long i = 0; i < amountOfBytes; i++)
+    {
+        _pDigestDigits[i / bytesPerDigit] ^= static_cast<unsigned int>(pNext[i]) << (8 * (i % bytesPerDigit));
+    }
+}
+
+int crRSADigitalSigner::amountOfDigestBytes() const
+{
+    return (_pDigestDigits == nullptr) ? 0 : _amountOfDigestDigits * bytesPerDigit;
+}
+
+void crRSADigitalSigner::messageDigestToString(gtString& output)
+{
+    output.makeEmpty();
+    if (_pDigestDigits != nullptr)
+    {
+        crAppendDigits(output, _pDigestDigits, _amountOfDigestDigits);
+    }
+}
+
+bool crRSADigitalSigner::getSignature(osFilePath const& file, gtString& signature)
+{
+    bool succeeded = false;
+    try
+    {
+        if (createMessageDigestDigits() && createFileMessageDigest(file))
+        {
+            gtString digestText;
+            messageDigestToString(digestText);
+            succeeded = crRSAStringEncryptor(_key).encrypt(digestText, signature);
+        }
+    }
+    catch (const std::bad_alloc&)
+    {
+        succeeded = false;
+    }
+    deleteMessageDigestDigits();
+    return succeeded;
+}
+
+bool crRSADigitalSigner::testSignature(osFilePath const& file, gtString const& signature)
+{
+    bool isGood = false;
+    try
+    {
+        if (createMessageDigestDigits() && createFileMessageDigest(file))
+        {
+            gtString digestText;
+            messageDigestToString(digestText);
+            gtString decryptedText;
+            isGood = crRSAStringEncryptor(_key).decrypt(signature, decryptedText) && (decryptedText == digestText);
+        }
+    }
+    catch (const std::bad_alloc&)
+    {
+        isGood = false;
+    }
+    deleteMessageDigestDigits();
+    return isGood;
+}

@@ -1,0 +1,66 @@
+// Encrypts a text into hexadecimal characters with an RSA key and decrypts it with the partner key. Whether a call
+// encrypts or signs depends only on whose exponent the key holds.
+//
+// This is textbook RSA: a marker byte and a fixed filler are the only padding, there is no randomness, equal texts give
+// equal cipher texts, and nothing tells a wrong key from a right one. It protects against accidents, not against an
+// adversary (see crRSAEncryptionKey.h).
+//
+// CONVENTIONS, for a key of D digits
+//
+// Block.       D digits or B = 4 * D bytes: the lowest digit comes first, and its lowest byte.
+// Layout.      Byte 0 of a block is 0x01 in front of text, the text's bytes follow, skipping byte 0 of each block, and
+//              0x64 (a d) fills the last block, byte 0 of a block without text included.
+// Cipher text. The text's length as eight lower-case hexadecimal characters, then every digit of the blocks, each
+//              raised to the key's exponent modulo its product: eight characters a digit, the lowest first.
+// ROUND TRIP.  Up to B - 1 bytes (127 with a key of 1024 bits) come back, provided that the text holds no NUL byte and
+//              that the block's number is below the product (always so when the product's top bit is set and the text's
+//              last byte is below 0x80). LONGER TEXTS DO NOT COME BACK: decrypt appends the text as far as it has got
+//              once a block.
+// Limit.       A buffer or an output of more than maximalAmountOfBytes counts as one for which there is no memory.
+// The key.     Is kept by reference and must outlive the encryptor. With one that is not usable (isUsable()), no block
+//              can be computed, which counts as a buffer for which there is no memory.
+// Threads.     The operations only read the key: any number may run at once, also on one encryptor.
+// Memory.      Everything is released before an operation returns; what held plain text is overwritten with zeros.
+//              Running out of memory inside the arithmetic ends the process (mpAlloc). Nothing is thrown from here.
+#ifndef COUNTERSIGN_CRYPTO_CRRSASTRINGENCRYPTOR_H
+#define COUNTERSIGN_CRYPTO_CRRSASTRINGENCRYPTOR_H
+
+class crRSAEncryptionKey;
+class gtString;
+
+class crRSAStringEncryptor
+{
+public:
+    // 64 MiB, for each of the buffers and for the output of decrypt.
+    static constexpr int maximalAmountOfBytes = 64 * 1024 * 1024;
+
+    explicit crRSAStringEncryptor(crRSAEncryptionKey const& key);
+    ~crRSAStringEncryptor() = default;
+
+    // The digits of the buffers for a text of so many bytes, a multiple of D. Computed in single precision, as ever,
+    // and kept so, since cipher texts depend on it; IT IS TOO SMALL from B * B bytes on (16,384 with a key of 1024
+    // bits, 16 with one of 32), where there are more markers than it allows for, and again above 16 million bytes,
+    // where single precision rounds. Below zero for some lengths below zero; 0 when the key has no digits.
+    int amountOfDigitsForHoldingText(int lengthOfText) const;
+
+    // Bytes beyond what amountOfDigitsForHoldingText makes room for are not encrypted, though the length counts them.
+    // The empty text gives eight zeros. output may be text itself.
+    // False when there is no memory for a buffer; the output is untouched then.
+    bool encrypt(gtString const& text, gtString& output) const;
+
+    // The length at the front decides on the layout, but not on more: digits that the cipher text does not carry are
+    // zero, characters behind those asked for are not looked at, and the length passes through an int (ffffffff is -1,
+    // which gives an empty text). Each digit is read as crRSAEncryptionKey reads its groups. After each block, the
+    // buffer from byte 1 up to its first NUL byte is appended to the output.
+    // False only for a cipher text of fewer than eight characters; the output is empty then. TRUE SAYS NOTHING ABOUT
+    // THE TEXT: a damaged cipher text or a wrong key gives whatever the arithmetic gives, and no memory gives an empty
+    // output. output must not be cipherText itself, which would be emptied before it is read.
+    bool decrypt(gtString const& cipherText, gtString& output) const;
+
+private:
+    void transformBlock(unsigned int* pResult, const unsigned int* pBlock) const;
+
+    crRSAEncryptionKey const& _key;
+};
+
+#endif

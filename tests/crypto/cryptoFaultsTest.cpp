@@ -1,0 +1,310 @@
+// Every allocation that goes through operator new fails in turn, and what is given back is looked at for secrets.
+// (Memory of the arithmetic comes from calloc, and running out of it ends the process.)
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <malloc.h>
+#include <new>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "crypto/crBlowfishEncryptionKey.h"
+#include "crypto/crRSADigitalSigner.h"
+#include "crypto/crRSAEncryptionKey.h"
+#include "crypto/crRSAStringEncryptor.h"
+#include "cryptoTestSupport.h"
+
+namespace
+{
+
+// Counts down to the allocation that fails; below zero none does. The secret is looked for in what is given back.
+long allocationsLeft = -1;
+bool hasFailed = false;
+unsigned char secretBytes[64];
+std::size_t secretLength = 0;
+int secretsGivenBack = 0;
+
+void* allocate(std::size_t size)
+{
+    if (allocationsLeft == 0)
+    {
+        hasFailed = true;
+        allocationsLeft = -1;
+        return nullptr;
+    }
+    if (allocationsLeft > 0)
+    {
+        allocationsLeft--;
+    }
+    return std::malloc((size == 0) ? 1 : size);
+}
+
+void giveBack(void* pMemory)
+{
+    if ((pMemory != nullptr) && (secretLength > 0) &&
+        (memmem(pMemory, malloc_usable_size(pMemory), secretBytes, secretLength) != nullptr))
+    {
+        secretsGivenBack++;
+    }
+    std::free(pMemory);
+}
+
+// Calls the operation with the first allocation failing, then the second, until it runs through without a failure.
+// Returns how many times it was made to fail.
+template <class Operation>
+int failEachAllocation(Operation operation)
+{
+    int failures = 0;
+    for (;; failures++)
+    {
+        hasFailed = false;
+        allocationsLeft = failures;
+        operation();
+        allocationsLeft = -1;
+        if (!hasFailed)
+        {
+            return failures;
+        }
+    }
+}
+
+}  // namespace
+
+void* operator new(std::size_t size)
+{
+    void* pMemory = allocate(size);
+    if (pMemory == nullptr)
+    {
+        throw std::bad_alloc();
+    }
+    return pMemory;
+}
+void* operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    return allocate(size);
+}
+void operator delete(void* pMemory) noexcept
+{
+    giveBack(pMemory);
+}
+void operator delete[](void* pMemory) noexcept
+{
+    giveBack(pMemory);
+}
+void operator delete(void* pMemory, std::size_t) noexcept
+{
+    giveBack(pMemory);
+}
+void operator delete[](void* pMemory, std::size_t) noexcept
+{
+    giveBack(pMemory);
+}
+
+namespace
+{
+
+class CryptoFaults : public ::testing::Test
+{
+protected:
+    CryptoFaults() : _pair(keyFromOpenSSL(512))
+    {
+        _pair.loadPublic(_publicKey);
+        _pair.loadPrivate(_privateKey);
+        _longText = toText(std::string(600, 'x'));
+        _file = _folder.write("a file with a name that does not fit into a short string", scrambledBytes(1000, 1));
+        secretsGivenBack = 0;
+    }
+    ~CryptoFaults() override { secretLength = 0; }
+
+    // Looks for these bytes in all memory that is given back from now on.
+    static void watchFor(const void* pBytes, std::size_t length)
+    {
+        secretsGivenBack = 0;
+        std::memcpy(secretBytes, pBytes, length);
+        secretLength = length;
+    }
+
+    const TestKeyPair& _pair;
+    crRSAEncryptionKey _publicKey;
+    crRSAEncryptionKey _privateKey;
+    TemporaryFolder _folder;
+    gtString _longText;
+    osFilePath _file;
+};
+
+}  // namespace
+
+TEST_F(CryptoFaults, KeysAreRefused)
+{
+    const gtString modulus = toText(fixedWidthHex(_pair.modulus.get(), 16));
+    const int failures = failEachAllocation(
+        [&]
+        {
+            crRSAEncryptionKey key;
+            const bool loaded = key.setKeyFromStrings(512, modulus, 512, modulus);
+            EXPECT_EQ(loaded, !hasFailed);
+            EXPECT_EQ(key.isUsable(), !hasFailed);
+            EXPECT_EQ(key.amountOfProductDigits(), 16);
+        });
+    EXPECT_EQ(failures, 2);
+    EXPECT_EQ(failEachAllocation(
+                  [&]
+                  {
+                      crRSAEncryptionKey key;
+                      const bool loaded = key.setKeyFromStringAndFermatPrime(512, modulus, 3);
+                      EXPECT_EQ(loaded, !hasFailed);
+                      EXPECT_EQ(key.isUsable(), !hasFailed);
+                  }),
+              2);
+}
+
+TEST_F(CryptoFaults, EncryptingFailsWithItsOutputAlone)
+{
+    const int failures = failEachAllocation(
+        [&]
+        {
+            gtString output("kept");
+            const bool isEncrypted = crRSAStringEncryptor(_publicKey).encrypt(_longText, output);
+            EXPECT_EQ(isEncrypted, !hasFailed);
+            EXPECT_EQ(output == gtString("kept"), hasFailed);
+        });
+    EXPECT_EQ(failures, 3);
+}
+
+TEST_F(CryptoFaults, DecryptingIsTrueAndEmpty)
+{
+    gtString cipher;
+    ASSERT_TRUE(crRSAStringEncryptor(_publicKey).encrypt(_longText, cipher));
+    const int failures = failEachAllocation(
+        [&]
+        {
+            gtString output("left over");
+            EXPECT_TRUE(crRSAStringEncryptor(_privateKey).decrypt(cipher, output));
+            EXPECT_EQ(output.isEmpty(), hasFailed);
+        });
+    EXPECT_GT(failures, 2);
+}
+
+TEST_F(CryptoFaults, SigningFailsOrSignsRight)
+{
+    gtString expected;
+    ASSERT_TRUE(crRSADigitalSigner(_privateKey).getSignature(_file, expected));
+    const int failures = failEachAllocation(
+        [&]
+        {
+            crRSADigitalSigner signer(_privateKey);
+            gtString signature("kept");
+            if (signer.getSignature(_file, signature))
+            {
+                EXPECT_EQ(signature, expected);
+            }
+            else
+            {
+                EXPECT_TRUE(hasFailed);
+                EXPECT_EQ(signature, gtString("kept"));
+            }
+            EXPECT_EQ(signer.amountOfDigestBytes(), 0);
+        });
+    EXPECT_GT(failures, 4);
+}
+
+TEST_F(CryptoFaults, TestingIsNeverWronglyGood)
+{
+    gtString signature;
+    ASSERT_TRUE(crRSADigitalSigner(_privateKey).getSignature(_file, signature));
+    const osFilePath other = _folder.write("another file with a name that does not fit into a short string", "x");
+    const int failures = failEachAllocation(
+        [&]
+        {
+            crRSADigitalSigner tester(_publicKey);
+            const bool isGood = tester.testSignature(_file, signature);
+            EXPECT_TRUE(isGood || hasFailed);
+        });
+    EXPECT_GT(failures, 4);
+    failEachAllocation(
+        [&]
+        {
+            crRSADigitalSigner tester(_publicKey);
+            EXPECT_FALSE(tester.testSignature(other, signature));
+        });
+}
+
+TEST_F(CryptoFaults, BlowfishKeysAreNull)
+{
+    const unsigned char bytes[16] = {1, 2, 3};
+    EXPECT_EQ(failEachAllocation(
+                  [&]
+                  {
+                      const crBlowfishEncryptionKey key(bytes);
+                      EXPECT_EQ(key.keyRecord() == nullptr, hasFailed);
+                  }),
+              1);
+}
+
+TEST_F(CryptoFaults, KeysLeaveNoDigitsBehind)
+{
+    const gtString modulus = toText(fixedWidthHex(_pair.modulus.get(), 16));
+    const gtString exponent = toText(fixedWidthHex(_pair.privateExponent.get(), 16));
+    const std::string secret(reinterpret_cast<const char*>(_privateKey.numberDigits()), 64);
+    auto* pKey = new crRSAEncryptionKey;
+    ASSERT_TRUE(pKey->setKeyFromStrings(512, modulus, 512, exponent));
+    watchFor(secret.data() + 8, 16);
+    delete pKey;
+    EXPECT_EQ(secretsGivenBack, 0);
+    // The watch works:
+    delete new std::string(secret);
+    EXPECT_EQ(secretsGivenBack, 1);
+}
+
+TEST_F(CryptoFaults, KeysLeaveNoDigitsBehindAfterARefusedLoad)
+{
+    const gtString modulus = toText(fixedWidthHex(_pair.modulus.get(), 16));
+    const gtString exponent = toText(fixedWidthHex(_pair.privateExponent.get(), 16));
+    const std::string secret(reinterpret_cast<const char*>(_privateKey.numberDigits()), 64);
+    auto* pKey = new crRSAEncryptionKey;
+    ASSERT_TRUE(pKey->setKeyFromStrings(512, modulus, 512, exponent));
+    ASSERT_FALSE(pKey->setKeyFromStrings(-1, modulus, 512, exponent));
+    watchFor(secret.data() + 8, 16);
+    delete pKey;
+    EXPECT_EQ(secretsGivenBack, 0);
+}
+
+TEST_F(CryptoFaults, EncryptorsLeaveNoPlainTextBehind)
+{
+    const std::string text = "a text that is a secret between two";
+    gtString cipher;
+    watchFor(text.data() + 4, 12);
+    ASSERT_TRUE(crRSAStringEncryptor(_publicKey).encrypt(text.c_str(), cipher));
+    // The one that the test itself made of the text.
+    EXPECT_EQ(secretsGivenBack, 1);
+    secretsGivenBack = 0;
+    {
+        gtString plain;
+        plain.reserve(500);
+        ASSERT_TRUE(crRSAStringEncryptor(_privateKey).decrypt(cipher, plain));
+        ASSERT_EQ(plain, toText(text));
+        secretsGivenBack = 0;
+        ASSERT_TRUE(crRSAStringEncryptor(_privateKey).decrypt(cipher, plain));
+        EXPECT_EQ(secretsGivenBack, 0);
+    }
+}
+
+TEST_F(CryptoFaults, BlowfishKeysLeaveNoScheduleBehind)
+{
+    const unsigned char bytes[16] = {9, 8, 7};
+    const crBlowfishEncryptionKey same(bytes);
+    auto* pKey = new crBlowfishEncryptionKey(bytes);
+    watchFor(same.keyRecord(), 16);
+    delete pKey;
+    EXPECT_EQ(secretsGivenBack, 0);
+}
