@@ -67,7 +67,12 @@ gtString hoDocument::folder() const
 
 std::size_t hoDocumentList::find(const gtString& path) const
 {
-    const auto found = _positions.find(hoToBytes(hoAbsolutePath(path)));
+    return positionOf(hoAbsolutePath(path));
+}
+
+std::size_t hoDocumentList::positionOf(const gtString& absolutePath) const
+{
+    const auto found = _positions.find(hoToBytes(absolutePath));
     return found == _positions.end() ? nowhere : found->second;
 }
 

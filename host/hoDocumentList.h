@@ -53,6 +53,9 @@ public:
     // Where the document with that path is, however its folder is spelled; nowhere if it is not in the list.
     std::size_t find(const gtString& path) const;
 
+    // The same for the _path of a document, which is absolute already: asks no file system.
+    std::size_t positionOf(const gtString& absolutePath) const;
+
     // Appends the document, or finds the one that is there already and takes its present facts. A document that cannot
     // be opened adds nothing, and one that is there already stays as it is.
     Opening open(const gtString& path);

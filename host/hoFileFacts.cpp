@@ -65,6 +65,13 @@ bool holdsNul(const gtString& path)
 {
     return std::strlen(path.asCharArray()) != static_cast<std::size_t>(path.length());
 }
+
+bool isAddress(const gtString& path)
+{
+    const std::string text = hoToBytes(path);
+    const std::size_t end = text.find("://");
+    return end != std::string::npos && end > 0 && text.find('/') > end;
+}
 }  // namespace
 
 bool hoFileFacts::operator==(const hoFileFacts& other) const
@@ -89,7 +96,8 @@ hoFileProblem hoReadFileFacts(const gtString& path, hoFileFacts& facts)
     struct stat entry;
     if (stat(path.asCharArray(), &entry) != 0)
     {
-        return problemOf(errno);
+        const hoFileProblem problem = problemOf(errno);
+        return problem == hoFileProblem::NotThere && isAddress(path) ? hoFileProblem::NotLocal : problem;
     }
     hoFileProblem problem = problemOfKind(entry);
     if (problem != hoFileProblem::None)

@@ -15,6 +15,7 @@ enum class hoFileProblem
     None,
     NoName,        // the path is empty
     NotThere,      // nothing has that name, or the path holds a NUL, which no file's name can
+    NotLocal,      // there is no such path, and it reads as an address ("scheme://...")
     NotPermitted,  // the file, or a folder on the way to it, may not be read
     IsFolder,      // a folder
     NotRegular,    // a named pipe, a socket, a device

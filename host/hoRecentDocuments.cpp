@@ -17,8 +17,10 @@ void hoRecentDocuments::add(const gtString& path)
     }
 }
 
-void hoRecentDocuments::remove(const gtString& path)
+bool hoRecentDocuments::remove(const gtString& path)
 {
     const gtString removed(path);
+    const std::size_t before = _paths.size();
     _paths.erase(std::remove(_paths.begin(), _paths.end(), removed), _paths.end());
+    return _paths.size() < before;
 }

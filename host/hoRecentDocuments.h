@@ -15,7 +15,8 @@ public:
 
     // The path comes first; the oldest one beyond mostDocuments falls out. An empty path is passed over.
     void add(const gtString& path);
-    void remove(const gtString& path);
+    // Whether it was there.
+    bool remove(const gtString& path);
     void clear() { _paths.clear(); }
 
     const std::vector<gtString>& paths() const { return _paths; }

@@ -127,3 +127,15 @@ bool hoSettings::save(const std::string& path) const
     }
     return isWritten;
 }
+
+std::string hoUserSettingsPath()
+{
+    const std::string below = "/countersign/settings";
+    const char* pFolder = std::getenv("XDG_CONFIG_HOME");
+    if (pFolder != nullptr && pFolder[0] == '/')
+    {
+        return pFolder + below;
+    }
+    const char* pHome = std::getenv("HOME");
+    return pHome != nullptr && pHome[0] == '/' ? pHome + ("/.config" + below) : "";
+}

@@ -38,4 +38,8 @@ private:
     std::map<std::string, std::string> _values;
 };
 
+// The settings' file of the user who runs this: countersign/settings below $XDG_CONFIG_HOME if that is an absolute
+// path, else below .config in the home folder. Empty when there is no home folder.
+std::string hoUserSettingsPath();
+
 #endif

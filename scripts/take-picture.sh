@@ -1,27 +1,88 @@
 #!/usr/bin/env bash
-# Runs a program on the present display until its window stands, writes a picture of the screen around that window,
-# closes the window and waits for the program to end. Ends with 0 when all of it went well.
+# Runs a program on the present display until its window stands and is drawn, writes a picture of the screen, closes
+# the window as a user would and waits for the program to end. Ends with 0 when all of it went well and the program
+# ended with 0.
 #
 #   scripts/take-picture.sh PICTURE.png PROGRAM [ARGUMENT...]
+#
+# COUNTERSIGN_PICTURE_KEYS: keys to press before the picture, as xdotool names them ("alt+f Down").
 set -u
 
 picture=$1
 shift
+patience=60 # seconds for each thing that is waited for
+files=$(mktemp -d) || exit 1
+program=
+
+cleanUp() {
+    if [ -n "$program" ]; then
+        kill "$program" 2>/dev/null
+        wait "$program" 2>/dev/null
+    fi
+    rm -rf "$files"
+}
+trap cleanUp EXIT
+trap 'exit 143' TERM INT HUP
+
+fail() {
+    echo "take-picture: $*" >&2
+    exit 1
+}
+
+# waitUntil TEXT COMMAND...: tries a command until it succeeds; fails when that takes too long or the program has ended.
+waitUntil() {
+    local what=$1 end=$((SECONDS + patience))
+    shift
+    until "$@"; do
+        kill -0 "$program" 2>/dev/null || fail "the program ended before $what"
+        [ "$SECONDS" -lt "$end" ] || fail "waited $patience seconds until $what"
+        sleep 0.1
+    done
+}
+
+# The windows that the window manager has taken over, by process: "id desktop pid ..." a line.
+hasWindow() {
+    window=$(wmctrl -l -p 2>/dev/null | awk -v pid="$program" '$3 == pid { print $1; exit }')
+    [ -n "$window" ]
+}
+
+# A window is drawn when it holds more than a handful of colours, and all is drawn when two pictures in a row are the
+# same: contents come after the frame, documents after the contents.
+stands() {
+    mv -f "$files/now.png" "$files/before.png" 2>/dev/null
+    import -silent -window root "$files/now.png" 2>/dev/null || return 1
+    [ "$(import -silent -window "$window" -format '%k' info: 2>/dev/null || echo 0)" -gt 16 ] || return 1
+    sleep 0.4
+    [ -e "$files/before.png" ] && [ "$(compare -metric AE "$files/before.png" "$files/now.png" null: 2>&1)" = 0 ]
+}
+
+isGone() {
+    ! kill -0 "$program" 2>/dev/null
+}
+
 "$@" &
 program=$!
-trap 'kill "$program" 2>/dev/null' EXIT
-
-# The frame comes first, its contents are drawn when the toolkit is idle.
-window=$(timeout 60 xdotool search --sync --onlyvisible --pid "$program" 2>/dev/null | head -n 1)
-if [ -z "$window" ]; then
-    echo "take-picture: no window appeared" >&2
-    exit 1
+waitUntil "its window appeared" hasWindow
+waitUntil "its window was drawn" stands
+if [ -n "${COUNTERSIGN_PICTURE_KEYS:-}" ]; then
+    for key in $COUNTERSIGN_PICTURE_KEYS; do
+        xdotool key --clearmodifiers "$key" || fail "pressing $key"
+    done
+    waitUntil "its window was drawn again" stands
 fi
-sleep 2
-import -silent -window root "$picture" || exit 1
+cp "$files/now.png" "$picture" || fail "writing $picture"
 
-xdotool windowclose "$window"
+# A polite request, which the program may answer; keys are for menus and dialogs that are still open.
+for _ in ${COUNTERSIGN_PICTURE_KEYS:-}; do
+    xdotool key --clearmodifiers Escape
+done
+wmctrl -i -c "$window" || fail "asking the window to close"
+end=$((SECONDS + patience))
+until isGone; do
+    [ "$SECONDS" -lt "$end" ] || fail "waited $patience seconds until the closed window's program ended"
+    sleep 0.1
+done
 wait "$program"
 status=$?
-trap - EXIT
-exit "$status"
+program=
+[ "$status" -eq 0 ] || fail "the program ended with status $status"

@@ -109,6 +109,9 @@ TEST(FileFacts, NameWhatIsWrongWithAPath)
     EXPECT_EQ(problemOf(file + std::string("\0x", 2)), hoFileProblem::NotThere);
     EXPECT_EQ(problemOf(folder.path(std::string(300, 'n'))), hoFileProblem::NameTooLong);
     EXPECT_EQ(problemOf(std::string(1000000, 'n')), hoFileProblem::NameTooLong);
+    EXPECT_EQ(problemOf("https://example.org/document"), hoFileProblem::NotLocal);
+    EXPECT_EQ(problemOf("/nowhere/https://example.org"), hoFileProblem::NotThere);
+    EXPECT_EQ(problemOf("://"), hoFileProblem::NotThere);
     std::filesystem::create_symlink("circle", folder.path("circle"));
     EXPECT_EQ(problemOf(folder.path("circle")), hoFileProblem::TooManyLinks);
     std::filesystem::create_symlink("nothing", folder.path("dangling"));

@@ -1,0 +1,712 @@
+#include "host/MainFrame.h"
+
+#include "app/ApplicationShell.h"
+#include "assertionHandling/ahTextConversion.h"
+#include "countersignVersion.h"
+#include "host/hoBytes.h"
+#include "host/hoDisplayText.h"
+#include "host/hoDocumentArguments.h"
+#include "host/hoDocumentDropTarget.h"
+#include "host/hoDocumentListCtrl.h"
+#include "host/hoIcons.h"
+#include "host/hoInteractiveAssertionFailureHandler.h"
+#include "host/hoTextDialog.h"
+#include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
+#include "platform/osWrappers/osProcess.h"
+
+#include <wx/aboutdlg.h>
+#include <wx/filedlg.h>
+#include <wx/infobar.h>
+#include <wx/menu.h>
+#include <wx/msgdlg.h>
+#include <wx/panel.h>
+#include <wx/settings.h>
+#include <wx/simplebook.h>
+#include <wx/sizer.h>
+#include <wx/statbmp.h>
+#include <wx/stattext.h>
+#include <wx/statusbr.h>
+#include <wx/stdpaths.h>
+#include <wx/wupdlock.h>
+
+#include <algorithm>
+
+namespace
+{
+enum
+{
+    ID_CLOSE_DOCUMENTS = wxID_HIGHEST + 1,
+    ID_CLOSE_ALL_DOCUMENTS,
+    ID_COPY_PATH,
+    ID_CLEAR_RECENT,
+    ID_ASSERTION_DIALOGS,
+    ID_FAIL_ASSERTION,
+    ID_SHOW_REFUSALS,
+    ID_RECENT_FIRST,
+    ID_RECENT_LAST = ID_RECENT_FIRST + static_cast<int>(hoRecentDocuments::mostDocuments) - 1
+};
+
+enum Page
+{
+    PAGE_EMPTY = 0,
+    PAGE_LIST = 1
+};
+
+enum StatusField
+{
+    STATUS_TALK = 0,
+    STATUS_DOCUMENTS = 1,
+    STATUS_FIELDS = 2
+};
+
+const wxSize defaultSize(900, 520);
+const wxSize leastSize(520, 320);
+const wxSize pictureSize(64, 64);
+const std::size_t mostNameCharacters = 60;
+const std::size_t mostRefusalsListed = 1000;
+
+wxString problemText(hoFileProblem problem)
+{
+    switch (problem)
+    {
+    case hoFileProblem::None:
+        break;
+    case hoFileProblem::NoName:
+        return "the name is empty";
+    case hoFileProblem::NotThere:
+        return "there is no such file";
+    case hoFileProblem::NotLocal:
+        return "only files can be opened, no addresses";
+    case hoFileProblem::NotPermitted:
+        return "you are not permitted to read it";
+    case hoFileProblem::IsFolder:
+        return "it is a folder; open the files in it instead";
+    case hoFileProblem::NotRegular:
+        return "it is a pipe, a socket or a device and not a document";
+    case hoFileProblem::NameTooLong:
+        return "the name is longer than the system allows";
+    case hoFileProblem::TooManyLinks:
+        return "its symbolic links lead in a circle";
+    case hoFileProblem::CannotBeRead:
+        return "the system cannot read it";
+    }
+    return wxString();
+}
+
+wxString quoted(const wxString& text)
+{
+    return wxUniChar(0x201C) + text + wxUniChar(0x201D);
+}
+
+wxString amountText(std::size_t amount, const char* one, const char* many)
+{
+    return hoNumberText(amount) + " " + (amount == 1 ? one : many);
+}
+
+// What a path ends with, for a message; the whole path when that is nothing.
+gtString lastComponent(const gtString& path)
+{
+    const std::string bytes = hoToBytes(path);
+    const std::size_t start = bytes.rfind('/') + 1;
+    return start == bytes.size() ? path : hoToText(bytes.substr(start));
+}
+
+bool isLostArgument(const gtString& argument)
+{
+    return !argument.isEmpty() && wxConvLocal.cMB2WC(argument.asCharArray()).length() == 0;
+}
+
+std::vector<gtString> applicationArguments()
+{
+    std::vector<gtString> arguments;
+    const wxArrayString& texts = wxTheApp->argv.GetArguments();
+    if (texts.size() == 1 && texts[0].StartsWith("/"))
+    {
+        // Perhaps a document that arrived before the window: those are kept as path texts.
+        return {ahPathBytesFromText(texts[0])};
+    }
+    for (const wxString& text : texts)
+    {
+        arguments.push_back(ahBytesFromArgument(text));
+    }
+    return hoWithLostArguments(arguments, hoProcessArguments(), isLostArgument);
+}
+
+// The toolkit's numbers of a window's place, to the settings and back.
+class PlaceWriter : public wxTopLevelWindow::GeometrySerializer
+{
+public:
+    explicit PlaceWriter(hoSettings& settings) : _settings(settings) {}
+
+    bool SaveField(const wxString& name, int value) const override
+    {
+        _settings.setNumber(("window." + name).ToStdString(), value);
+        return true;
+    }
+    bool RestoreField(const wxString&, int*) override { return false; }
+
+private:
+    hoSettings& _settings;
+};
+
+class PlaceReader : public wxTopLevelWindow::GeometrySerializer
+{
+public:
+    explicit PlaceReader(const hoSettings& settings) : _settings(settings) {}
+
+    bool SaveField(const wxString&, int) const override { return false; }
+    bool RestoreField(const wxString& name, int* pValue) override
+    {
+        const long none = -1000000;
+        const long most = 100000;
+        const long value = _settings.number(("window." + name).ToStdString(), none, -most, most);
+        if (value == none)
+        {
+            return false;
+        }
+        *pValue = static_cast<int>(value);
+        return true;
+    }
+
+private:
+    const hoSettings& _settings;
+};
+
+wxPanel* makeEmptyPage(wxWindow* pParent)
+{
+    auto* pPage = new wxPanel(pParent);
+    auto* pPicture = new wxStaticBitmap(pPage, wxID_ANY, hoApplicationPicture().GetBitmap(pPage->FromDIP(pictureSize)));
+    auto* pLine = new wxStaticText(pPage, wxID_ANY, "Drop documents here, or choose File > Open (Ctrl+O).");
+    pLine->SetName("emptyLine");
+    pPage->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
+    pLine->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOXTEXT));
+
+    auto* pTop = new wxBoxSizer(wxVERTICAL);
+    pTop->AddStretchSpacer(2);
+    pTop->Add(pPicture, wxSizerFlags().CentreHorizontal());
+    pTop->Add(pLine, wxSizerFlags().CentreHorizontal().TripleBorder());
+    pTop->AddStretchSpacer(3);
+    pPage->SetSizer(pTop);
+    return pPage;
+}
+}  // namespace
+
+MainFrame::MainFrame()
+    : wxFrame(nullptr, wxID_ANY, "Countersign", wxDefaultPosition, defaultSize),
+      _areChangesPending(false),
+      _isRecentChanged(false),
+      _pRecentMenu(nullptr),
+      _pMessageBar(nullptr),
+      _pPages(nullptr),
+      _pList(nullptr)
+{
+    SetIcons(hoApplicationIcons());
+
+    makeMenus();
+    _pMessageBar = new wxInfoBar(this);
+    _pPages = new wxSimplebook(this);
+    _pPages->AddPage(makeEmptyPage(_pPages), "empty");
+    _pList = new hoDocumentListCtrl(_pPages, _documents);
+    _pPages->AddPage(_pList, "documents");
+    CreateStatusBar(STATUS_FIELDS);
+    const int statusWidths[STATUS_FIELDS] = {-3, -2};
+    SetStatusWidths(STATUS_FIELDS, statusWidths);
+    SetDropTarget(new hoDocumentDropTarget(*this,
+                                           [this](const hoUriList& list)
+                                           {
+                                               std::vector<gtString> paths = list._paths;
+                                               paths.insert(paths.end(), list._refused.begin(), list._refused.end());
+                                               openAskedFor(paths);
+                                           }));
+
+    _pMessageBar->AddButton(ID_SHOW_REFUSALS, "Details...");
+    _pMessageBar->AddButton(wxID_CLOSE, "Dismiss");
+    _settings.load(hoUserSettingsPath());
+    for (std::size_t oldest = _settings.texts("recent").size(); oldest > 0; --oldest)
+    {
+        _recent.add(hoToText(_settings.texts("recent")[oldest - 1]));
+    }
+    fillRecentMenu();
+    showStatus();
+
+    bindEvents();
+
+    auto* pTop = new wxBoxSizer(wxVERTICAL);
+    pTop->Add(_pMessageBar, wxSizerFlags().Expand());
+    pTop->Add(_pPages, wxSizerFlags(1).Expand());
+    SetSizer(pTop);
+    SetMinSize(FromDIP(leastSize));
+    restorePlace();
+    _pPages->SetFocus();
+
+    CallAfter(&MainFrame::openArguments);
+}
+
+MainFrame::~MainFrame()
+{
+    setAssertionDialogs(false);
+}
+
+void MainFrame::openFilePath(const gtString& path, bool isAskedFor)
+{
+    if (isAskedFor)
+    {
+        openAskedFor({path});
+        comeToFront();
+    }
+    else
+    {
+        openQuietly(path);
+    }
+}
+
+void MainFrame::setAssertionDialogs(bool areOn)
+{
+    if (areOn == hasAssertionDialogs())
+    {
+        return;
+    }
+    ahDialogBasedAssertionFailureHandler* pSilentHandler = silentHandler();
+    if (areOn)
+    {
+        _pInteractiveHandler = std::make_shared<hoInteractiveAssertionFailureHandler>(osGetCurrentThreadId());
+        gtRegisterAssertionFailureHandler(_pInteractiveHandler.get());
+        gtUnRegisterAssertionFailureHandler(pSilentHandler);
+    }
+    else
+    {
+        // Null once the application has let its handler go; then there is nothing to put back.
+        gtRegisterAssertionFailureHandler(pSilentHandler);
+        gtUnRegisterAssertionFailureHandler(_pInteractiveHandler.get());
+        _pInteractiveHandler.reset();
+    }
+}
+
+void MainFrame::makeMenus()
+{
+    auto* pFile = new wxMenu;
+    pFile->Append(wxID_OPEN, "&Open...\tCtrl+O", "Open documents, several at once");
+    _pRecentMenu = new wxMenu;
+    pFile->AppendSubMenu(_pRecentMenu, "Open &recent", "Open a document that was open before");
+    pFile->AppendSeparator();
+    pFile->Append(ID_CLOSE_DOCUMENTS, "&Close\tCtrl+W", "Take the selected documents out of the list; the files stay");
+    pFile->Append(ID_CLOSE_ALL_DOCUMENTS, "Close &all\tCtrl+Shift+W",
+                  "Take all documents out of the list; the files stay");
+    pFile->AppendSeparator();
+    pFile->Append(wxID_EXIT, "&Quit\tCtrl+Q", "Close the window and end the application");
+
+    auto* pEdit = new wxMenu;
+    pEdit->Append(ID_COPY_PATH, "&Copy path\tCtrl+C", "Copy the paths of the selected documents, one a line");
+    pEdit->Append(wxID_SELECTALL, "Select &all\tCtrl+A", "Select all documents");
+
+    auto* pDeveloper = new wxMenu;
+    pDeveloper->AppendCheckItem(ID_ASSERTION_DIALOGS, "&Assertion dialogs",
+                                "Show a dialog for each failed assertion instead of staying silent");
+    pDeveloper->Append(ID_FAIL_ASSERTION, "&Fail an assertion", "Fail one assertion, to see what happens then");
+
+    auto* pHelp = new wxMenu;
+    pHelp->Append(wxID_ABOUT, "&About Countersign", "What this application is, and what it is not");
+
+    auto* pBar = new wxMenuBar;
+    pBar->Append(pFile, "&File");
+    pBar->Append(pEdit, "&Edit");
+    pBar->Append(pDeveloper, "&Developer");
+    pBar->Append(pHelp, "&Help");
+    SetMenuBar(pBar);
+}
+
+void MainFrame::bindEvents()
+{
+    Bind(wxEVT_MENU, &MainFrame::OnOpen, this, wxID_OPEN);
+    Bind(wxEVT_MENU, &MainFrame::OnRecent, this, ID_RECENT_FIRST, ID_RECENT_LAST);
+    Bind(wxEVT_MENU, &MainFrame::OnClearRecent, this, ID_CLEAR_RECENT);
+    Bind(wxEVT_MENU, &MainFrame::OnCloseDocuments, this, ID_CLOSE_DOCUMENTS);
+    Bind(wxEVT_MENU, &MainFrame::OnCloseAllDocuments, this, ID_CLOSE_ALL_DOCUMENTS);
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { Close(); }, wxID_EXIT);
+    Bind(wxEVT_MENU, &MainFrame::OnCopyPath, this, ID_COPY_PATH);
+    Bind(wxEVT_MENU, &MainFrame::OnSelectAll, this, wxID_SELECTALL);
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent& event) { setAssertionDialogs(event.IsChecked()); }, ID_ASSERTION_DIALOGS);
+    Bind(wxEVT_MENU, &MainFrame::OnFailAssertion, this, ID_FAIL_ASSERTION);
+    Bind(wxEVT_MENU, &MainFrame::OnAbout, this, wxID_ABOUT);
+
+    const auto whenSelected = [this](wxUpdateUIEvent& event) { event.Enable(_pList->GetSelectedItemCount() > 0); };
+    const auto whenAny = [this](wxUpdateUIEvent& event) { event.Enable(!_documents.isEmpty()); };
+    Bind(wxEVT_UPDATE_UI, whenSelected, ID_CLOSE_DOCUMENTS);
+    Bind(wxEVT_UPDATE_UI, whenSelected, ID_COPY_PATH);
+    Bind(wxEVT_UPDATE_UI, whenAny, ID_CLOSE_ALL_DOCUMENTS);
+    Bind(wxEVT_UPDATE_UI, whenAny, wxID_SELECTALL);
+    Bind(
+        wxEVT_UPDATE_UI, [this](wxUpdateUIEvent& event) { event.Check(hasAssertionDialogs()); }, ID_ASSERTION_DIALOGS);
+
+    Bind(wxEVT_CLOSE_WINDOW, &MainFrame::OnClose, this);
+    _pMessageBar->Bind(wxEVT_BUTTON, &MainFrame::OnShowRefusals, this, ID_SHOW_REFUSALS);
+    _pMessageBar->Bind(
+        wxEVT_BUTTON,
+        [this](wxCommandEvent&)
+        {
+            _refusals.clear();
+            showRefusals();
+        },
+        wxID_CLOSE);
+    _pList->Bind(wxEVT_LIST_COL_CLICK, &MainFrame::OnColumnClick, this);
+    _pList->Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent&) { showChangesSoon(); });
+    _pList->Bind(wxEVT_LIST_ITEM_DESELECTED, [this](wxListEvent&) { showChangesSoon(); });
+    _pList->Bind(wxEVT_LIST_KEY_DOWN,
+                 [this](wxListEvent& event)
+                 {
+                     if (event.GetKeyCode() == WXK_DELETE || event.GetKeyCode() == WXK_NUMPAD_DELETE)
+                     {
+                         QueueEvent(new wxCommandEvent(wxEVT_MENU, ID_CLOSE_DOCUMENTS));
+                     }
+                     event.Skip();
+                 });
+    _pList->Bind(wxEVT_CONTEXT_MENU, &MainFrame::OnContextMenu, this);
+}
+
+void MainFrame::OnOpen(wxCommandEvent&)
+{
+    wxFileDialog dialog(this, "Open documents", ahPathTextFromBytes(hoToText(_settings.text("folder"))), wxString(),
+                        wxFileSelectorDefaultWildcardStr, wxFD_OPEN | wxFD_MULTIPLE);
+    if (dialog.ShowModal() != wxID_OK)
+    {
+        return;
+    }
+    wxArrayString pathTexts;
+    dialog.GetPaths(pathTexts);
+    std::vector<gtString> paths;
+    for (const wxString& pathText : pathTexts)
+    {
+        paths.push_back(ahPathBytesFromText(pathText));
+    }
+    _refusals.clear();
+    openAskedFor(paths);
+}
+
+void MainFrame::OnRecent(wxCommandEvent& event)
+{
+    const std::size_t number = static_cast<std::size_t>(event.GetId() - ID_RECENT_FIRST);
+    if (number < _recent.paths().size())
+    {
+        _refusals.clear();
+        const gtString path = _recent.paths()[number];
+        openAskedFor({path});
+    }
+}
+
+void MainFrame::OnClearRecent(wxCommandEvent&)
+{
+    _recent.clear();
+    _isRecentChanged = true;
+    showChangesSoon();
+}
+
+void MainFrame::OnCloseDocuments(wxCommandEvent&)
+{
+    const std::vector<std::size_t> rows = _pList->selected();
+    if (rows.empty())
+    {
+        return;
+    }
+    _documents.close(rows);
+    _pList->showChanges();
+    // What follows takes the place of what went, so that a key pressed again closes the next.
+    _pList->select(_documents.isEmpty() ? std::vector<std::size_t>()
+                                        : std::vector<std::size_t>{std::min(rows.front(), _documents.size() - 1)});
+    showChangesSoon();
+}
+
+void MainFrame::OnCloseAllDocuments(wxCommandEvent&)
+{
+    _documents.closeAll();
+    _pList->showChanges();
+    showChangesSoon();
+}
+
+void MainFrame::OnCopyPath(wxCommandEvent&)
+{
+    wxString paths;
+    const std::vector<std::size_t> rows = _pList->selected();
+    for (const std::size_t row : rows)
+    {
+        paths += (paths.empty() ? "" : "\n") + ahTextFromBytes(_documents[row]._path);
+    }
+    if (!rows.empty() && hoCopyText(paths))
+    {
+        SetStatusText(amountText(rows.size(), "path copied", "paths copied"), STATUS_TALK);
+    }
+}
+
+void MainFrame::OnSelectAll(wxCommandEvent&)
+{
+    _pList->SetFocus();
+    _pList->selectAll();
+}
+
+void MainFrame::OnFailAssertion(wxCommandEvent&)
+{
+    if (!hasAssertionDialogs())
+    {
+        SetStatusText("An assertion failed, and its handler stayed silent", STATUS_TALK);
+    }
+    gtTriggerAssertonFailureHandler("OnFailAssertion", __FILE__, __LINE__,
+                                    "Assertion failure (this one was asked for in the Developer menu)");
+}
+
+void MainFrame::OnAbout(wxCommandEvent&)
+{
+    wxAboutDialogInfo info;
+    info.SetName("Countersign");
+    info.SetVersion(COUNTERSIGN_VERSION);
+    info.SetDescription("Opens documents, signs and tests them, encrypts short texts,\n"
+                        "and helps developers with failed assertions.");
+    wxAboutBox(info, this);
+}
+
+void MainFrame::OnShowRefusals(wxCommandEvent&)
+{
+    wxString text;
+    const std::size_t listed = std::min(_refusals.size(), mostRefusalsListed);
+    for (std::size_t i = 0; i < listed; ++i)
+    {
+        text += hoDisplayText(_refusals[i].first) + "\n    " + problemText(_refusals[i].second) + "\n";
+    }
+    if (listed < _refusals.size())
+    {
+        text += "and " + hoNumberText(_refusals.size() - listed) + " more\n";
+    }
+    const wxString heading =
+        amountText(_refusals.size(), "document could not be opened:", "documents could not be opened:");
+    hoTextDialog(this, "Documents that could not be opened", heading, text).ShowModal();
+    _refusals.clear();
+    _pMessageBar->Dismiss();
+}
+
+void MainFrame::OnColumnClick(wxListEvent& event)
+{
+    const int column = event.GetColumn();
+    if (column < 0)
+    {
+        return;
+    }
+    std::vector<gtString> selectedPaths;
+    for (const std::size_t row : _pList->selected())
+    {
+        selectedPaths.push_back(_documents[row]._path);
+    }
+    const bool isAscending = _pList->GetUpdatedAscendingSortIndicator(column);
+    _documents.sort(hoDocumentListCtrl::columnAt(column), isAscending);
+    _pList->ShowSortIndicator(column, isAscending);
+    _pList->showChanges();
+
+    std::vector<std::size_t> rows;
+    for (const gtString& path : selectedPaths)
+    {
+        rows.push_back(_documents.positionOf(path));
+    }
+    std::sort(rows.begin(), rows.end());
+    _pList->select(rows);
+}
+
+void MainFrame::OnContextMenu(wxContextMenuEvent&)
+{
+    wxMenu menu;
+    menu.Append(ID_COPY_PATH, "&Copy path");
+    menu.Append(ID_CLOSE_DOCUMENTS, "C&lose");
+    _pList->PopupMenu(&menu);
+}
+
+void MainFrame::OnClose(wxCloseEvent& event)
+{
+    remember();
+    event.Skip();
+}
+
+void MainFrame::openArguments()
+{
+    if (wxTheApp == nullptr)
+    {
+        return;
+    }
+    const gtString program = ahPathBytesFromText(wxStandardPaths::Get().GetExecutablePath());
+    const std::vector<gtString> documents = hoDocumentArguments(applicationArguments(), program);
+    if (!documents.empty())
+    {
+        openAskedFor(documents);
+    }
+}
+
+void MainFrame::openAskedFor(const std::vector<gtString>& paths)
+{
+    std::vector<std::size_t> rows;
+    {
+        const wxWindowUpdateLocker noPainting(_pList);
+        for (const gtString& path : paths)
+        {
+            const std::size_t row = openQuietly(path);
+            if (row != hoDocumentList::nowhere)
+            {
+                rows.push_back(row);
+            }
+        }
+    }
+    if (!rows.empty())
+    {
+        _pPages->ChangeSelection(PAGE_LIST);
+        _pList->select(rows);
+        _pList->SetFocus();
+    }
+}
+
+std::size_t MainFrame::openQuietly(const gtString& path)
+{
+    const hoDocumentList::Opening opening = _documents.open(path);
+    if (opening._problem != hoFileProblem::None)
+    {
+        _refusals.emplace_back(path, opening._problem);
+        _isRecentChanged = _recent.remove(path) || _isRecentChanged;
+    }
+    else
+    {
+        const hoDocument& document = _documents[opening._position];
+        _recent.add(document._path);
+        _isRecentChanged = true;
+        _settings.setText("folder", hoToBytes(document.folder()));
+        if (opening._isNew)
+        {
+            // The order in which the rows were is not the order of a column any more.
+            _pList->RemoveSortIndicator();
+        }
+        _pList->showChanges();
+    }
+    showChangesSoon();
+    return opening._position;
+}
+
+void MainFrame::comeToFront()
+{
+    if (IsIconized())
+    {
+        Iconize(false);
+    }
+    Show();
+    Raise();
+}
+
+void MainFrame::showChangesSoon()
+{
+    if (!_areChangesPending)
+    {
+        _areChangesPending = true;
+        CallAfter(&MainFrame::showChangesNow);
+    }
+}
+
+void MainFrame::showChangesNow()
+{
+    _areChangesPending = false;
+    const int page = _documents.isEmpty() ? PAGE_EMPTY : PAGE_LIST;
+    if (_pPages->GetSelection() != page)
+    {
+        _pPages->ChangeSelection(static_cast<std::size_t>(page));
+    }
+    showStatus();
+    showRefusals();
+    if (_isRecentChanged)
+    {
+        _isRecentChanged = false;
+        fillRecentMenu();
+        remember();
+    }
+}
+
+void MainFrame::showRefusals()
+{
+    if (_refusals.empty())
+    {
+        if (_pMessageBar->IsShown())
+        {
+            _pMessageBar->Dismiss();
+        }
+        return;
+    }
+    const Refusal& first = _refusals.front();
+    const wxString message =
+        _refusals.size() == 1 ? "Cannot open " + quoted(hoDisplayText(lastComponent(first.first), mostNameCharacters)) +
+                                    ": " + problemText(first.second) + "."
+                              : hoNumberText(_refusals.size()) + " documents could not be opened.";
+    _pMessageBar->ShowMessage(message, wxICON_ERROR);
+}
+
+void MainFrame::showStatus()
+{
+    wxString text = "No documents";
+    if (!_documents.isEmpty())
+    {
+        const std::size_t selected = static_cast<std::size_t>(_pList->GetSelectedItemCount());
+        text = amountText(_documents.size(), "document", "documents") + ", " + hoSizeText(_documents.totalSize());
+        if (selected > 0)
+        {
+            text += ", " + hoNumberText(selected) + " selected";
+        }
+    }
+    SetStatusText(text, STATUS_DOCUMENTS);
+}
+
+void MainFrame::fillRecentMenu()
+{
+    while (_pRecentMenu->GetMenuItemCount() > 0)
+    {
+        _pRecentMenu->Destroy(_pRecentMenu->FindItemByPosition(0));
+    }
+    if (_recent.paths().empty())
+    {
+        _pRecentMenu->Append(ID_CLEAR_RECENT, "None yet")->Enable(false);
+        return;
+    }
+    int number = 0;
+    for (const gtString& path : _recent.paths())
+    {
+        const wxString label = hoDisplayText(path, 2 * mostNameCharacters);
+        const wxString mnemonic = number < 9 ? wxString::Format("&%d  ", number + 1) : wxString("1&0  ");
+        _pRecentMenu->Append(ID_RECENT_FIRST + number, mnemonic + wxControl::EscapeMnemonics(label));
+        ++number;
+    }
+    _pRecentMenu->AppendSeparator();
+    _pRecentMenu->Append(ID_CLEAR_RECENT, "&Clear this list", "Forget which documents were open before");
+}
+
+void MainFrame::restorePlace()
+{
+    PlaceReader reader(_settings);
+    if (!RestoreToGeometry(reader))
+    {
+        SetSize(FromDIP(defaultSize));
+    }
+}
+
+void MainFrame::remember()
+{
+    std::vector<std::string> paths;
+    for (const gtString& path : _recent.paths())
+    {
+        paths.push_back(hoToBytes(path));
+    }
+    _settings.setTexts("recent", paths);
+    if (IsShown() && !IsIconized())
+    {
+        SaveGeometry(PlaceWriter(_settings));
+    }
+    const std::string file = hoUserSettingsPath();
+    if (!file.empty() && !_settings.save(file))
+    {
+        SetStatusText("What to remember could not be written to " + hoDisplayText(file.c_str()), STATUS_TALK);
+    }
+}
+
+ahDialogBasedAssertionFailureHandler* MainFrame::silentHandler()
+{
+    const auto* pShell = dynamic_cast<ApplicationShell*>(wxTheApp);
+    return pShell == nullptr ? nullptr : pShell->assertionFailureHandler();
+}

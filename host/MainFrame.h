@@ -1,0 +1,102 @@
+// The application's main window: a menu bar, the list of opened documents, a status bar.
+//
+// The window is a view of a hoDocumentList and words what that finds. Documents come from the menu, by drag and drop,
+// from the application's arguments (read once the window stands) and through openFilePath. A document that cannot be
+// opened adds no row; the window says so in a bar above the list, which waits for the user and never blocks. One that
+// is open already is selected where it is.
+//
+// What the window remembers between runs (its place, the recent documents, the last folder) is in hoUserSettingsPath().
+// Memory: belongs to the toolkit, like every top-level window. Threads: main thread only.
+#ifndef COUNTERSIGN_MAIN_FRAME_H
+#define COUNTERSIGN_MAIN_FRAME_H
+
+#include "host/hoDocumentList.h"
+#include "host/hoRecentDocuments.h"
+#include "host/hoSettings.h"
+
+#include <wx/frame.h>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+class ahDialogBasedAssertionFailureHandler;
+class hoDocumentListCtrl;
+class hoInteractiveAssertionFailureHandler;
+class wxInfoBar;
+class wxListEvent;
+class wxSimplebook;
+
+class MainFrame : public wxFrame
+{
+public:
+    MainFrame();
+    ~MainFrame() override;
+
+    MainFrame(const MainFrame&) = delete;
+    MainFrame& operator=(const MainFrame&) = delete;
+
+    // Opens the document; path is bytes, relative ones start at the current folder. isAskedFor: somebody waits for this
+    // document, so it is selected and the window comes to the front; otherwise what is selected and what is in front
+    // stay as they are.
+    void openFilePath(const gtString& path, bool isAskedFor);
+
+    const hoDocumentList& documents() const { return _documents; }
+
+    // Whether failed assertions come up as dialogs, and the switch for it.
+    bool hasAssertionDialogs() const { return _pInteractiveHandler != nullptr; }
+    void setAssertionDialogs(bool areOn);
+
+private:
+    using Refusal = std::pair<gtString, hoFileProblem>;
+
+    void makeMenus();
+    void bindEvents();
+
+    void OnOpen(wxCommandEvent& event);
+    void OnRecent(wxCommandEvent& event);
+    void OnClearRecent(wxCommandEvent& event);
+    void OnCloseDocuments(wxCommandEvent& event);
+    void OnCloseAllDocuments(wxCommandEvent& event);
+    void OnCopyPath(wxCommandEvent& event);
+    void OnSelectAll(wxCommandEvent& event);
+    void OnFailAssertion(wxCommandEvent& event);
+    void OnAbout(wxCommandEvent& event);
+    void OnShowRefusals(wxCommandEvent& event);
+    void OnColumnClick(wxListEvent& event);
+    void OnContextMenu(wxContextMenuEvent& event);
+    void OnClose(wxCloseEvent& event);
+
+    void openArguments();
+    void openAskedFor(const std::vector<gtString>& paths);
+    // Opens one document and gives its position, or hoDocumentList::nowhere.
+    std::size_t openQuietly(const gtString& path);
+    void comeToFront();
+
+    // Changes of the documents are shown at once; the words about them and what is remembered of them once the present
+    // event is dealt with, however many documents it brought.
+    void showChangesSoon();
+    void showChangesNow();
+    void showRefusals();
+    void showStatus();
+    void fillRecentMenu();
+    void restorePlace();
+    void remember();
+
+    static ahDialogBasedAssertionFailureHandler* silentHandler();
+
+    hoDocumentList _documents;
+    hoRecentDocuments _recent;
+    hoSettings _settings;
+    std::vector<Refusal> _refusals;  // that the bar tells about
+    bool _areChangesPending;
+    bool _isRecentChanged;
+    std::shared_ptr<hoInteractiveAssertionFailureHandler> _pInteractiveHandler;
+
+    wxMenu* _pRecentMenu;
+    wxInfoBar* _pMessageBar;
+    wxSimplebook* _pPages;
+    hoDocumentListCtrl* _pList;
+};
+
+#endif

@@ -1,0 +1,111 @@
+#include "host/hoDisplayText.h"
+
+#include "assertionHandling/ahTextConversion.h"
+
+#include <ctime>
+
+namespace
+{
+// Characters that cannot be seen and change how their neighbours are seen.
+bool isInvisible(wxUint32 character)
+{
+    return (character >= 0x80 && character <= 0x9F) || character == 0xAD || character == 0x61C ||
+           (character >= 0x200B && character <= 0x200F) || (character >= 0x202A && character <= 0x202E) ||
+           (character >= 0x2060 && character <= 0x206F) || character == 0xFEFF ||
+           (character >= 0xFFF0 && character <= 0xFFFB) || (character >= 0xE0000 && character <= 0xE007F);
+}
+
+wxUniChar harmless(wxUniChar character)
+{
+    const wxUint32 value = character.GetValue();
+    const wxUint32 firstPicture = 0x2400;
+    if (value < 0x20)
+    {
+        return wxUniChar(firstPicture + value);
+    }
+    if (value == 0x7F)
+    {
+        return wxUniChar(0x2421);
+    }
+    if (value == 0x2028 || value == 0x2029)
+    {
+        return wxUniChar(0x2424);
+    }
+    return isInvisible(value) ? wxUniChar(0xFFFD) : character;
+}
+
+wxString withoutMiddle(const wxString& text, std::size_t mostCharacters)
+{
+    if (text.length() <= mostCharacters)
+    {
+        return text;
+    }
+    const std::size_t atEnd = (mostCharacters - 1) / 3;
+    return text.Left(mostCharacters - 1 - atEnd) + wxUniChar(0x2026) + text.Right(atEnd);
+}
+}  // namespace
+
+wxString hoDisplayText(const gtString& bytes, std::size_t mostCharacters)
+{
+    return hoHarmlessText(ahTextFromBytes(bytes), mostCharacters);
+}
+
+wxString hoHarmlessText(const wxString& text, std::size_t mostCharacters)
+{
+    wxString line;
+    for (const wxUniChar character : withoutMiddle(ahShowableText(text), mostCharacters))
+    {
+        line += harmless(character);
+    }
+    return line;
+}
+
+wxString hoNumberText(std::uint64_t number)
+{
+    wxString digits;
+    digits << static_cast<wxULongLong_t>(number);
+    for (std::size_t end = digits.length(); end > 3; end -= 3)
+    {
+        digits.insert(end - 3, ",");
+    }
+    return digits;
+}
+
+wxString hoExactSizeText(std::uint64_t bytes)
+{
+    return hoNumberText(bytes) + (bytes == 1 ? " byte" : " bytes");
+}
+
+wxString hoSizeText(std::uint64_t bytes)
+{
+    const std::uint64_t step = 1000;
+    if (bytes < step)
+    {
+        return hoExactSizeText(bytes);
+    }
+    const char* const units[] = {"kB", "MB", "GB", "TB", "PB", "EB"};
+    const char* const* pUnit = units;
+    std::uint64_t unit = step;
+    // Half of the last figure is added by rounding: 999,500 bytes are 1.00 MB and not 1000 kB.
+    while (unit < step * step * step * step * step * step && bytes >= unit * step - unit / 2)
+    {
+        unit *= step;
+        ++pUnit;
+    }
+    const double value = static_cast<double>(bytes) / static_cast<double>(unit);
+    const int decimals = value < 9.995 ? 2 : value < 99.95 ? 1 : 0;
+    return wxString::FromCDouble(value, decimals) + " " + *pUnit;
+}
+
+wxString hoTimeText(std::int64_t seconds, bool isExact)
+{
+    const std::time_t time = static_cast<std::time_t>(seconds);
+    struct tm parts;
+    char text[64];
+    if (localtime_r(&time, &parts) == nullptr ||
+        std::strftime(text, sizeof text, isExact ? "%Y-%m-%d %H:%M:%S" : "%Y-%m-%d %H:%M", &parts) == 0)
+    {
+        return "?";
+    }
+    return wxString::FromAscii(text);
+}

@@ -1,0 +1,175 @@
+#include "host/hoDocumentListCtrl.h"
+
+#include "host/hoDisplayText.h"
+
+#include <wx/headerctrl.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+struct ColumnFace
+{
+    hoDocumentList::Column _column;
+    const char* _title;
+    wxListColumnFormat _format;
+    const char* _widestText;  // the column is as wide as this at first
+};
+
+const ColumnFace columns[] = {
+    {hoDocumentList::Column::Name, "Name", wxLIST_FORMAT_LEFT, "A name of usual length.document"},
+    {hoDocumentList::Column::Size, "Size", wxLIST_FORMAT_RIGHT, "999 bytes"},
+    {hoDocumentList::Column::Modified, "Modified", wxLIST_FORMAT_LEFT, "2026-11-30 20:00"},
+    {hoDocumentList::Column::Path, "Path", wxLIST_FORMAT_LEFT, "/home/somebody"},
+};
+const int lastColumn = static_cast<int>(std::size(columns)) - 1;
+const int columnPadding = 24;
+}  // namespace
+
+hoDocumentListCtrl::hoDocumentListCtrl(wxWindow* pParent, const hoDocumentList& documents)
+    : wxListCtrl(pParent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_VIRTUAL | wxBORDER_NONE),
+      _documents(documents),
+      _pRows(this),
+      _tooltipRow(wxNOT_FOUND)
+{
+    SetName("documents");
+    for (int column = 0; column <= lastColumn; ++column)
+    {
+        AppendColumn(columns[column]._title, columns[column]._format,
+                     GetTextExtent(columns[column]._widestText).GetWidth() + FromDIP(columnPadding));
+    }
+    for (wxWindow* pChild : GetChildren())
+    {
+        if (wxDynamicCast(pChild, wxHeaderCtrl) == nullptr && pChild->GetName() != "wxlistctrlcolumntitles")
+        {
+            _pRows = pChild;
+        }
+    }
+    EnableAlternateRowColours();
+
+    _pRows->Bind(wxEVT_SIZE, &hoDocumentListCtrl::OnSize, this);
+    Bind(wxEVT_LIST_COL_END_DRAG,
+         [this](wxListEvent& event)
+         {
+             CallAfter(&hoDocumentListCtrl::widenLastColumn);
+             event.Skip();
+         });
+    _pRows->Bind(wxEVT_MOTION, &hoDocumentListCtrl::OnMotion, this);
+}
+
+void hoDocumentListCtrl::showChanges()
+{
+    SetItemCount(static_cast<long>(_documents.size()));
+    _tooltipRow = wxNOT_FOUND;
+    _pRows->UnsetToolTip();
+    Refresh();
+}
+
+std::vector<std::size_t> hoDocumentListCtrl::selected() const
+{
+    std::vector<std::size_t> rows;
+    long row = GetNextItem(wxNOT_FOUND, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED);
+    while (row != wxNOT_FOUND)
+    {
+        rows.push_back(static_cast<std::size_t>(row));
+        row = GetNextItem(row, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED);
+    }
+    return rows;
+}
+
+void hoDocumentListCtrl::select(const std::vector<std::size_t>& rows)
+{
+    SetItemState(wxNOT_FOUND, 0, wxLIST_STATE_SELECTED);
+    bool isFirst = true;
+    for (const std::size_t row : rows)
+    {
+        if (row >= _documents.size())
+        {
+            continue;
+        }
+        const long item = static_cast<long>(row);
+        SetItemState(item, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
+        if (isFirst)
+        {
+            SetItemState(item, wxLIST_STATE_FOCUSED, wxLIST_STATE_FOCUSED);
+            EnsureVisible(item);
+        }
+        isFirst = false;
+    }
+}
+
+void hoDocumentListCtrl::selectAll()
+{
+    SetItemState(wxNOT_FOUND, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
+}
+
+hoDocumentList::Column hoDocumentListCtrl::columnAt(int column)
+{
+    return columns[column]._column;
+}
+
+wxString hoDocumentListCtrl::tooltipOf(std::size_t row) const
+{
+    const hoDocument& document = _documents[row];
+    return hoDisplayText(document._path) + "\n" + hoExactSizeText(document._facts._size) + ", modified " +
+           hoTimeText(document._facts._modifiedSeconds, true);
+}
+
+wxString hoDocumentListCtrl::OnGetItemText(long row, long column) const
+{
+    const std::size_t position = static_cast<std::size_t>(row);
+    if (position >= _documents.size())
+    {
+        return wxString();
+    }
+    const hoDocument& document = _documents[position];
+    switch (columns[column]._column)
+    {
+    case hoDocumentList::Column::Name:
+        return hoDisplayText(document.name());
+    case hoDocumentList::Column::Size:
+        return hoSizeText(document._facts._size);
+    case hoDocumentList::Column::Modified:
+        return hoTimeText(document._facts._modifiedSeconds);
+    case hoDocumentList::Column::Path:
+        return hoDisplayText(document._path);
+    }
+    return wxString();
+}
+
+void hoDocumentListCtrl::OnSize(wxSizeEvent& event)
+{
+    widenLastColumn();
+    event.Skip();
+}
+
+void hoDocumentListCtrl::OnMotion(wxMouseEvent& event)
+{
+    event.Skip();
+    int where = 0;
+    const long row = event.Dragging() ? wxNOT_FOUND : HitTest(event.GetPosition(), where);
+    if (row == _tooltipRow)
+    {
+        return;
+    }
+    _tooltipRow = row;
+    if (row >= 0 && static_cast<std::size_t>(row) < _documents.size())
+    {
+        _pRows->SetToolTip(tooltipOf(static_cast<std::size_t>(row)));
+    }
+    else
+    {
+        _pRows->UnsetToolTip();
+    }
+}
+
+void hoDocumentListCtrl::widenLastColumn()
+{
+    int width = _pRows->GetClientSize().GetWidth();
+    for (int column = 0; column < lastColumn; ++column)
+    {
+        width -= GetColumnWidth(column);
+    }
+    SetColumnWidth(lastColumn, std::max(width, FromDIP(200)));
+}

@@ -1,0 +1,46 @@
+#include "host/hoIcons.h"
+
+#include "hoIconData.h"
+
+#include <wx/bitmap.h>
+#include <wx/icon.h>
+#include <wx/image.h>
+#include <wx/vector.h>
+
+namespace
+{
+wxVector<wxBitmap> pictures()
+{
+    if (wxImage::FindHandler(wxBITMAP_TYPE_PNG) == nullptr)
+    {
+        wxImage::AddHandler(new wxPNGHandler);
+    }
+    wxVector<wxBitmap> found;
+    for (const hoIconFile& file : hoIconFiles)
+    {
+        const wxBitmap bitmap = wxBitmap::NewFromPNGData(file._pBytes, file._length);
+        if (bitmap.IsOk())
+        {
+            found.push_back(bitmap);
+        }
+    }
+    return found;
+}
+}  // namespace
+
+wxIconBundle hoApplicationIcons()
+{
+    wxIconBundle icons;
+    for (const wxBitmap& bitmap : pictures())
+    {
+        wxIcon icon;
+        icon.CopyFromBitmap(bitmap);
+        icons.AddIcon(icon);
+    }
+    return icons;
+}
+
+wxBitmapBundle hoApplicationPicture()
+{
+    return wxBitmapBundle::FromBitmaps(pictures());
+}

@@ -1,0 +1,17 @@
+// A dialog that shows a longer text to read and to copy.
+#ifndef COUNTERSIGN_HO_TEXT_DIALOG_H
+#define COUNTERSIGN_HO_TEXT_DIALOG_H
+
+#include <wx/dialog.h>
+
+class hoTextDialog : public wxDialog
+{
+public:
+    // heading: one line above the text. The text must be harmless already (hoDisplayText) and may have many lines.
+    hoTextDialog(wxWindow* pParent, const wxString& title, const wxString& heading, const wxString& text);
+};
+
+// Puts a text on the clipboard, where it stays when the application ends. False when the clipboard is not to be had.
+bool hoCopyText(const wxString& text);
+
+#endif
