@@ -41,6 +41,13 @@ void crWipe(void* pBytes, std::size_t amountOfBytes)
     __asm__ __volatile__("" : : "r"(pBytes) : "memory");
 }
 
+void crWipe(gtString& text)
+{
+    // The text is not constant; it only hands out its characters as if it were.
+    crWipe(const_cast<char*>(text.asCharArray()), static_cast<std::size_t>(text.length()));
+    text.makeEmpty();
+}
+
 unsigned int* crAllocateDigits(int amount)
 {
     // A negative amount makes g++ throw, whatever std::nothrow says.

@@ -17,6 +17,10 @@ constexpr int crCharactersPerDigit = 8;
 // Overwrites the bytes with zeros in a way that the optimiser cannot drop. A null pointer is left alone.
 void crWipe(void* pBytes, std::size_t amountOfBytes);
 
+// Overwrites the characters of a text, and makes it empty. Memory that the text has given up before (by growing) is out
+// of reach: reserve what is needed before a secret goes in.
+void crWipe(gtString& text);
+
 // A new array of zeros, to be given back with array delete. Null when the amount is negative or the memory is not
 // there; never an exception. An amount of 0 gives an array in which nothing may be stored.
 unsigned int* crAllocateDigits(int amount);

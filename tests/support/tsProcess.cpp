@@ -77,7 +77,7 @@ int newTerminal()
     {
         _exit(126);
     }
-    signal(SIGPIPE, SIG_DFL);
+    static_cast<void>(signal(SIGPIPE, SIG_DFL));
     std::vector<char*> arguments;
     arguments.reserve(command._arguments.size() + 1);
     for (const std::string& argument : command._arguments)

@@ -1,0 +1,91 @@
+// RSA keys from PEM files: private or public, PKCS#1 or PKCS#8, encrypted or not, as "openssl genrsa", "openssl rsa
+// -pubout" and "openssl rsa -RSAPublicKey_out" write them.
+//
+// What is found is told as facts; the wording is up to the command line and the window. Nothing here throws, prints,
+// waits (a named pipe is refused) or touches a file other than by reading it. What held a private number or a
+// passphrase is overwritten with zeros before it is given back. One call is for one thread; calls are independent.
+#ifndef COUNTERSIGN_HO_KEY_FILE_H
+#define COUNTERSIGN_HO_KEY_FILE_H
+
+#include <memory>
+
+#include "crypto/crRSAEncryptionKey.h"
+#include "platform/baseTools/gtString.h"
+
+enum class hoKeyFileProblem
+{
+    None,
+    CannotBeRead,      // the system refused; its error number is told
+    IsFolder,          // a folder
+    NotRegular,        // a named pipe, a device, a socket
+    TooLarge,          // more than hoLargestKeyFile bytes: no key
+    NoKey,             // no PEM key in it
+    OpenSshFormat,     // a key in the format that ssh-keygen writes by default
+    NotRsa,            // a key of another kind
+    PassphraseNeeded,  // it is encrypted, and no passphrase was given
+    WrongPassphrase,   // it is encrypted, and does not come out with the passphrase that was given
+    Damaged,           // its numbers cannot be read, or the private half does not fit the public one
+    SizeNotSupported,  // RSA, but with a modulus whose size is no multiple of 32 bits or above hoLargestKeyBits
+    NoMemory
+};
+
+constexpr long hoLargestKeyFile = 1024 * 1024;
+constexpr int hoLargestKeyBits = 16384;
+
+struct hoKeyFileFacts
+{
+    hoKeyFileProblem _problem = hoKeyFileProblem::None;
+    int _systemError = 0;          // of CannotBeRead
+    int _bits = 0;                 // the modulus, as soon as it is known, also when its size is not supported
+    bool _isPrivate = false;       // the file has both halves
+    bool _isEncrypted = false;     // a passphrase was asked for
+    bool _isOpenToOthers = false;  // others than the owner may read or change the file
+};
+
+// Where passphrases come from.
+class hoIPassphraseSource
+{
+public:
+    virtual ~hoIPassphraseSource();
+
+    // Puts a passphrase of at most size bytes into the buffer, without a terminator, and returns its length; -1 when
+    // there is none. The buffer is overwritten afterwards. Called at most once a file.
+    virtual int getPassphrase(char* pBuffer, int size) = 0;
+};
+
+// One key file's keys. The object may be used by any number of threads once it is loaded.
+class hoKey
+{
+public:
+    int bits() const { return _bits; }
+    bool hasPrivateKey() const { return _pPrivateKey != nullptr; }
+
+    // The modulus with the public exponent. Every file has it, also one with a private key.
+    const crRSAEncryptionKey& publicKey() const { return *_pPublicKey; }
+
+    // The modulus with the private exponent; only if hasPrivateKey().
+    const crRSAEncryptionKey& privateKey() const { return *_pPrivateKey; }
+
+    // What the file was made for: the private key if it has one, else the public one.
+    const crRSAEncryptionKey& ownKey() const { return hasPrivateKey() ? *_pPrivateKey : *_pPublicKey; }
+
+private:
+    friend class hoKeyFileReader;
+
+    int _bits = 0;
+    std::unique_ptr<crRSAEncryptionKey> _pPublicKey;
+    std::unique_ptr<crRSAEncryptionKey> _pPrivateKey;
+};
+
+// Loads the first key of the file. The key is there when the problem is None, and null otherwise. Without a source,
+// encrypted files need a passphrase that nobody gives.
+std::unique_ptr<const hoKey> hoLoadKeyFile(const gtString& path, hoIPassphraseSource* pSource, hoKeyFileFacts& facts);
+
+// The same from bytes that the caller has read (and overwrites).
+std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, hoIPassphraseSource* pSource,
+                                       hoKeyFileFacts& facts);
+
+// A number of the key as text, eight characters a digit, the highest digit first.
+gtString hoFixedWidthText(const unsigned int* pDigits, int amountOfDigits);
+
+#endif

@@ -1,0 +1,38 @@
+// Encrypts and decrypts short texts with the string encryptor, and refuses what would not come back.
+//
+// Facts come back; the wording is up to the window and the command line. Nothing here throws or prints; safe from any
+// thread, any number with the same key.
+#ifndef COUNTERSIGN_HO_TEXT_ENCRYPTION_H
+#define COUNTERSIGN_HO_TEXT_ENCRYPTION_H
+
+#include "platform/baseTools/gtString.h"
+
+class crRSAEncryptionKey;
+
+enum class hoTextProblem
+{
+    None,
+    TooLong,         // longer than hoLongestText
+    HoldsNul,        // a NUL byte would end it
+    TooLargeForKey,  // as a number, the block is not below the modulus: a text of the greatest length with a high byte last
+    NotACipherText,  // another character than hexadecimal ones, or less than a length
+    OtherSize,       // not as long as a cipher text of one block of this key
+    DoesNotComeOut,  // another key's, or damaged
+    NoMemory
+};
+
+// The most bytes that come back with this key: all of a block but the marker.
+int hoLongestText(const crRSAEncryptionKey& key);
+
+// The characters of a cipher text with this key, if the text is not empty.
+int hoLengthOfCipherText(const crRSAEncryptionKey& key);
+
+// cipherText is written only when the problem is None.
+hoTextProblem hoEncryptText(const crRSAEncryptionKey& key, const gtString& text, gtString& cipherText);
+
+// text is written only when the problem is None. Blanks and line ends around the cipher text, as copying leaves them,
+// do no harm. A wrong key is found out by what fills the block behind the text, so hardly ever missed; only a text of
+// the greatest length leaves nothing to look at but its length.
+hoTextProblem hoDecryptText(const crRSAEncryptionKey& key, const gtString& cipherText, gtString& text);
+
+#endif
