@@ -10,50 +10,123 @@ namespace
 // Where the reversible conversion puts the bytes that are not UTF-8.
 const wxUint32 privateUseOfBytes = 0x100000;
 
+const wxUint32 replacementCharacter = 0xFFFD;
+const wxUint32 pictureOfNul = 0x2400;
+
+// The length of the well-formed UTF-8 sequence that pBytes[0..length) begins with (Unicode 15.0, table 3-7), 0 if it
+// begins with none. The toolkit's own decoder lets overlong sequences, surrogates and code points beyond the last pass.
+std::size_t sequenceLength(const unsigned char* pBytes, std::size_t length)
+{
+    const unsigned char lead = pBytes[0];
+    std::size_t sequence = 0;
+    unsigned char low = 0x80;
+    unsigned char high = 0xBF;
+    if (lead < 0x80)
+    {
+        sequence = 1;
+    }
+    else if (lead >= 0xC2 && lead <= 0xDF)
+    {
+        sequence = 2;
+    }
+    else if (lead >= 0xE0 && lead <= 0xEF)
+    {
+        sequence = 3;
+        low = lead == 0xE0 ? 0xA0 : low;
+        high = lead == 0xED ? 0x9F : high;
+    }
+    else if (lead >= 0xF0 && lead <= 0xF4)
+    {
+        sequence = 4;
+        low = lead == 0xF0 ? 0x90 : low;
+        high = lead == 0xF4 ? 0x8F : high;
+    }
+    if (sequence > length)
+    {
+        return 0;
+    }
+    for (std::size_t i = 1; i < sequence; i++)
+    {
+        if (pBytes[i] < low || pBytes[i] > high)
+        {
+            return 0;
+        }
+        low = 0x80;
+        high = 0xBF;
+    }
+    return sequence;
+}
+
+bool isUtf8(const char* pBytes, std::size_t length)
+{
+    const auto* pUnsigned = reinterpret_cast<const unsigned char*>(pBytes);
+    for (std::size_t i = 0; i < length;)
+    {
+        const std::size_t sequence = sequenceLength(pUnsigned + i, length - i);
+        if (sequence == 0)
+        {
+            return false;
+        }
+        i += sequence;
+    }
+    return true;
+}
+
+// The code point of a well-formed sequence.
+wxUint32 codePointOf(const unsigned char* pBytes, std::size_t sequence)
+{
+    if (sequence == 1)
+    {
+        return pBytes[0];
+    }
+    wxUint32 codePoint = pBytes[0] & (0x7Fu >> sequence);
+    for (std::size_t i = 1; i < sequence; i++)
+    {
+        codePoint = (codePoint << 6) | (pBytes[i] & 0x3Fu);
+    }
+    return codePoint;
+}
+
+void appendByte(gtString& bytes, wxUint32 byte)
+{
+    bytes.append(static_cast<char>(static_cast<unsigned char>(byte)));
+}
+
+void appendUtf8(gtString& bytes, wxUint32 codePoint)
+{
+    if (codePoint < 0x80)
+    {
+        appendByte(bytes, codePoint);
+        return;
+    }
+    const int more = codePoint < 0x800 ? 1 : codePoint < 0x10000 ? 2 : 3;
+    appendByte(bytes, ((0xFF00u >> (more + 1)) & 0xFFu) | (codePoint >> (6 * more)));
+    for (int shift = 6 * (more - 1); shift >= 0; shift -= 6)
+    {
+        appendByte(bytes, 0x80u | ((codePoint >> shift) & 0x3Fu));
+    }
+}
+
+bool standsForByte(wxUint32 codePoint)
+{
+    return codePoint >= privateUseOfBytes && codePoint <= privateUseOfBytes + 0xFF;
+}
+
 bool isEncodable(wxUint32 codePoint)
 {
     return codePoint <= 0x10FFFF && (codePoint < 0xD800 || codePoint > 0xDFFF);
 }
 
-bool isAllEncodable(const wxString& text)
+bool isShowable(const wxString& text)
 {
     for (const wxUniChar character : text)
     {
-        if (!isEncodable(character.GetValue()))
+        if (character.GetValue() == 0 || !isEncodable(character.GetValue()))
         {
             return false;
         }
     }
     return true;
-}
-
-wxString replaceUnencodable(const wxString& text, wxUniChar forNul)
-{
-    wxString result;
-    result.reserve(text.length());
-    for (const wxUniChar character : text)
-    {
-        const wxUint32 codePoint = character.GetValue();
-        if (codePoint == 0)
-        {
-            result += forNul;
-        }
-        else
-        {
-            result += isEncodable(codePoint) ? character : wxUniChar(0xFFFD);
-        }
-    }
-    return result;
-}
-
-gtString toString(const wxScopedCharBuffer& bytes)
-{
-    return gtString(bytes.data(), static_cast<int>(bytes.length()));
-}
-
-wxMBConvUTF8 reversibleConversion()
-{
-    return wxMBConvUTF8(wxMBConvUTF8::MAP_INVALID_UTF8_TO_PUA);
 }
 
 }  // namespace
@@ -64,18 +137,12 @@ wxString ahTextFromBytes(const char* pBytes, std::size_t length)
     {
         return wxString();
     }
-    wxString text = wxString::FromUTF8(pBytes, length);
-    // Half a surrogate pair passes the toolkit's decoder, and is not UTF-8.
-    if (!text.empty() && isAllEncodable(text))
+    if (isUtf8(pBytes, length))
     {
-        return text;
+        return wxString::FromUTF8Unchecked(pBytes, length);
     }
-    text = wxString(pBytes, wxConvWhateverWorks, length);
-    if (!text.empty() && isAllEncodable(text))
-    {
-        return text;
-    }
-    return wxString::From8BitData(pBytes, length);
+    const wxString text(pBytes, wxConvWhateverWorks, length);
+    return text.empty() ? wxString::From8BitData(pBytes, length) : text;
 }
 
 wxString ahTextFromBytes(const char* pText)
@@ -90,55 +157,85 @@ wxString ahTextFromBytes(const gtString& bytes)
 
 gtString ahBytesFromText(const wxString& text)
 {
-    return toString((isAllEncodable(text) ? text : replaceUnencodable(text, wxUniChar(0))).utf8_str());
+    gtString bytes;
+    for (const wxUniChar character : text)
+    {
+        const wxUint32 codePoint = character.GetValue();
+        appendUtf8(bytes, isEncodable(codePoint) ? codePoint : replacementCharacter);
+    }
+    return bytes;
 }
 
 wxString ahShowableText(const wxString& text)
 {
-    if (isAllEncodable(text) && text.find(wxUniChar(0)) == wxString::npos)
+    if (isShowable(text))
     {
         return text;
     }
-    return replaceUnencodable(text, wxUniChar(0x2400));
+    wxString showable;
+    showable.reserve(text.length());
+    for (const wxUniChar character : text)
+    {
+        const wxUint32 codePoint = character.GetValue();
+        if (codePoint == 0)
+        {
+            showable += wxUniChar(pictureOfNul);
+        }
+        else
+        {
+            showable += isEncodable(codePoint) ? character : wxUniChar(replacementCharacter);
+        }
+    }
+    return showable;
 }
 
 wxString ahPathTextFromBytes(const gtString& path)
 {
-    const wxMBConvUTF8 conversion = reversibleConversion();
-    const wxString text(path.asCharArray(), conversion, static_cast<std::size_t>(path.length()));
-    if (isAllEncodable(text))
+    const auto* pBytes = reinterpret_cast<const unsigned char*>(path.asCharArray());
+    const std::size_t length = static_cast<std::size_t>(path.length());
+    wxString text;
+    for (std::size_t i = 0; i < length;)
     {
-        return text;
-    }
-    // The toolkit's decoder lets some code points through that UTF-8 does not have, and windows refuse them.
-    wxString encodable;
-    for (const wxUniChar character : text)
-    {
-        if (isEncodable(character.GetValue()))
+        const std::size_t sequence = sequenceLength(pBytes + i, length - i);
+        const wxUint32 codePoint = sequence == 0 ? 0 : codePointOf(pBytes + i, sequence);
+        if (sequence == 0 || standsForByte(codePoint))
         {
-            encodable += character;
-            continue;
+            text += wxUniChar(privateUseOfBytes + pBytes[i]);
+            i++;
         }
-        const wxScopedCharBuffer bytes = wxString(character).mb_str(conversion);
-        for (std::size_t i = 0; i < bytes.length(); i++)
+        else
         {
-            encodable += wxUniChar(privateUseOfBytes + static_cast<unsigned char>(bytes.data()[i]));
+            text += wxUniChar(codePoint);
+            i += sequence;
         }
     }
-    return encodable;
+    return text;
 }
 
 gtString ahPathBytesFromText(const wxString& pathText)
 {
-    return toString(pathText.mb_str(reversibleConversion()));
+    gtString path;
+    for (const wxUniChar character : pathText)
+    {
+        const wxUint32 codePoint = character.GetValue();
+        if (standsForByte(codePoint))
+        {
+            appendByte(path, codePoint - privateUseOfBytes);
+        }
+        else
+        {
+            appendUtf8(path, codePoint);
+        }
+    }
+    return path;
 }
 
 gtString ahBytesFromArgument(const wxString& argument)
 {
     const wxScopedCharBuffer bytes = argument.mb_str(wxConvLocal);
-    if (bytes.length() > 0)
+    if (bytes.length() == 0)
     {
-        return toString(bytes);
+        return ahBytesFromText(argument);
     }
-    return ahBytesFromText(argument);
+    return gtString(bytes.data(), static_cast<int>(bytes.length()));
 }
