@@ -37,7 +37,8 @@ class ahAssertDialog : public wxDialog
 public:
     // Builds the whole window, report included, centred on the screen; it is not shown yet.
     // filePath: the source file as the failed assertion names it, any bytes. lineNumber: any number.
-    // message: the reason, of any length, possibly empty. parent: the owner window, null for none.
+    // message: the reason, of any length, possibly empty; a single word of more than some 50,000 characters takes the
+    // toolkit seconds to lay out. parent: the owner window, null for none.
     ahAssertDialog(const osFilePath& filePath, int lineNumber, const wxString& message, wxWindow* parent);
 
     ahAssertDialog(const ahAssertDialog&) = delete;
