@@ -17,7 +17,7 @@ run=(
 )
 test=(
     libgtest-dev libgmock-dev libgmp-dev
-    gdb openssl wmctrl
+    gdb openssl
     # A session bus to meet on, and the desktop's own validators.
     dbus libglib2.0-bin desktop-file-utils appstream dpkg-dev
 )

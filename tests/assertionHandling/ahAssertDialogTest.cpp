@@ -336,7 +336,9 @@ TEST(Dialog, HasTheKeyboardOnIgnoreAll)
     EXPECT_EQ(pFocus, dialog._pIgnoreAllButton);
 }
 
-class DialogKey : public testing::TestWithParam<std::pair<const char*, int>>
+using Key = std::pair<std::string, int>;
+
+class DialogKey : public testing::TestWithParam<Key>
 {
 };
 
@@ -347,11 +349,11 @@ TEST_P(DialogKey, EndsTheDialog)
 }
 
 INSTANTIATE_TEST_SUITE_P(Keys, DialogKey,
-                         testing::Values(std::pair("Return", 8002), std::pair("alt+i", 8001), std::pair("alt+a", 8002),
-                                         std::pair("alt+o", 8003), std::pair("alt+d", 8004), std::pair("alt+e", 8005)),
+                         testing::Values(Key("Return", 8002), Key("alt+i", 8001), Key("alt+a", 8002),
+                                         Key("alt+o", 8003), Key("alt+d", 8004), Key("alt+e", 8005)),
                          [](const auto& key)
                          {
-                             std::string name(key.param.first);
+                             std::string name = key.param.first;
                              name.erase(std::remove(name.begin(), name.end(), '+'), name.end());
                              return name;
                          });
