@@ -1221,7 +1221,8 @@ int32_t mpModInv(mpDigit inv[], const mpDigit u[], const mpDigit v[], uint32_t n
     {
         negative = !negative;
         mpDivide(q, trem, urem, ndigits, vrem, ndigits);
-        mpMultiply(w, q, vcoef, ndigits);
+        // Quotients are short, and zero digits of the second factor cost nothing.
+        mpMultiply(w, vcoef, q, ndigits);
         // No coefficient exceeds v before the last round, and what that one forms for vcoef is not used.
         mpAdd(tcoef, ucoef, w, ndigits);
         setEqual(ucoef, vcoef, n);
