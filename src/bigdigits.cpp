@@ -278,9 +278,9 @@ mpDigit shiftLeftBits(mpDigit a[], const mpDigit b[], uint32_t bits, size_t n)
     mpDigit carry = 0;
     for (size_t i = 0; i < n; i++)
     {
-        const mpDigit t = b[i];
-        a[i] = t << bits | carry;
-        carry = t >> (bitsPerDigit - bits);
+        const mpDigit digit = b[i];
+        a[i] = digit << bits | carry;
+        carry = digit >> (bitsPerDigit - bits);
     }
     return carry;
 }
@@ -295,9 +295,9 @@ mpDigit shiftRightBits(mpDigit a[], const mpDigit b[], uint32_t bits, size_t n)
     mpDigit carry = 0;
     for (size_t i = n; i-- > 0;)
     {
-        const mpDigit t = b[i];
-        a[i] = t >> bits | carry;
-        carry = t << (bitsPerDigit - bits);
+        const mpDigit digit = b[i];
+        a[i] = digit >> bits | carry;
+        carry = digit << (bitsPerDigit - bits);
     }
     return carry;
 }

@@ -37,9 +37,8 @@ public:
         }
     }
 
-    // NOLINTNEXTLINE(google-explicit-constructor): passed like the array it stands for
+    // Passed like the array it stands for.
     operator mpDigit*() { return _all.data() + guard; }
-    // NOLINTNEXTLINE(google-explicit-constructor)
     operator const mpDigit*() const { return _all.data() + guard; }
     uint32_t size() const { return static_cast<uint32_t>(_all.size() - 2 * guard); }
     Natural value() const { return Natural(_all.data() + guard, size()); }

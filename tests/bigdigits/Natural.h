@@ -15,7 +15,6 @@ class Natural
 {
 public:
     Natural() { mpz_init(_value); }
-    // NOLINTNEXTLINE(google-explicit-constructor): numbers mix
     Natural(unsigned long value) { mpz_init_set_ui(_value, value); }
     Natural(const mpDigit digits[], size_t n)
     {
@@ -34,7 +33,10 @@ public:
 
     Natural& operator=(const Natural& other)
     {
-        mpz_set(_value, other._value);
+        if (this != &other)
+        {
+            mpz_set(_value, other._value);
+        }
         return *this;
     }
     Natural& operator=(Natural&& other) noexcept

@@ -93,7 +93,6 @@ public:
 private:
     static uint64_t chooseSeed()
     {
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): read before any thread starts
         const char* given = std::getenv("COUNTERSIGN_TEST_SEED");
         return given != nullptr ? std::strtoull(given, nullptr, 10) : std::random_device{}();
     }
@@ -113,7 +112,6 @@ inline uint32_t casesToRun(uint32_t all)
 #else
     uint32_t percent = 100;
 #endif
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): read before any thread starts
     if (const char* given = std::getenv("COUNTERSIGN_TEST_PERCENT"))
     {
         percent = static_cast<uint32_t>(std::strtoul(given, nullptr, 10));

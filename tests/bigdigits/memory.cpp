@@ -4,7 +4,7 @@
 
 #include <sys/resource.h>
 
-#include <cstdio>
+#include <fstream>
 
 namespace
 {
@@ -241,14 +241,9 @@ const char* const fromHexText = "^mpConvFromHex: Not enough memory: src/bigdigit
 // No more memory than the process has already, and some to spare for small things.
 void limitMemory()
 {
-    FILE* pStatus = fopen("/proc/self/statm", "r");
-    unsigned long pages = 0;
-    if (pStatus == nullptr || fscanf(pStatus, "%lu", &pages) != 1)
-    {
-        abort();
-    }
-    fclose(pStatus);
-    const rlim_t limit = (rlim_t{pages} << 12) + (rlim_t{64} << 20);
+    rlim_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlim_t limit = (pages << 12) + (rlim_t{64} << 20);
     const rlimit both{limit, limit};
     if (setrlimit(RLIMIT_AS, &both) != 0)
     {
@@ -286,7 +281,7 @@ TEST(OutOfMemoryDeathTest, EndsTheProcessInTheConverters)
         },
         failed, toBaseText);
     mpFree(&a);
-    const std::string text(400000000, ' ');
+    const std::string text(size_t{400} << 20, ' ');
     Digits b(1);
     EXPECT_EXIT(
         {

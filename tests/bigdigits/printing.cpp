@@ -10,7 +10,6 @@ std::string printed(void (*print)(const mpDigit[], uint32_t), const Digits& a, u
 {
     testing::internal::CaptureStdout();
     print(a, ndigits);
-    fflush(stdout);
     return testing::internal::GetCapturedStdout();
 }
 

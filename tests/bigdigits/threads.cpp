@@ -72,6 +72,7 @@ TEST(Threads, ComputeAtOnceWithSharedOperands)
 
     std::array<std::string, threadCount> results;
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (std::string& result : results)
     {
         threads.emplace_back(

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <ctime>
 
+// The names are the linker's. NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C"
 {
     void* __real_calloc(size_t count, size_t size);
@@ -18,6 +19,7 @@ extern "C"
     void __wrap_srand(unsigned int seed);
     time_t __wrap_time(time_t* pTime);
 }
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 
 namespace
 {
