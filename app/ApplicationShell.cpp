@@ -66,6 +66,18 @@ bool ApplicationShell::OnInit()
     {
         return false;
     }
+    // The toolkit deletes the window when the user closes it, and a document may still come after that. The event also
+    // rises from the windows inside, and the application object may be gone before the window is.
+    _pMainFrame->Bind(wxEVT_DESTROY,
+                      [](wxWindowDestroyEvent& event)
+                      {
+                          auto* pApplication = dynamic_cast<ApplicationShell*>(wxApp::GetInstance());
+                          if (pApplication != nullptr && event.GetEventObject() == pApplication->_pMainFrame)
+                          {
+                              pApplication->_pMainFrame = nullptr;
+                          }
+                          event.Skip();
+                      });
     _pMainFrame->Show(true);
     SetTopWindow(_pMainFrame);
     return true;

@@ -1,0 +1,200 @@
+// What the application object does without the toolkit running.
+#include "app/ApplicationShell.h"
+
+#include <cstring>
+#include <memory>
+#include <string>
+#include <type_traits>
+
+#include <gtest/gtest.h>
+
+#include "AssertionRecorder.h"
+#include "MainFrame.h"
+
+#include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
+#include "assertionHandling/ahTextConversion.h"
+#include "platform/osWrappers/osProcess.h"
+#include "tests/support/tsAllocations.h"
+
+wxAppConsole* wxCreateApp();
+
+namespace
+{
+
+class OpenShell : public ApplicationShell
+{
+public:
+    using ApplicationShell::_pAssertionFailureHandler;
+    using ApplicationShell::_pMainFrame;
+};
+
+template <class Operation>
+std::ptrdiff_t slotOf(Operation operation)
+{
+    // A member pointer to a virtual operation holds 1 + its offset in the table (Itanium C++ ABI 2.3).
+    std::ptrdiff_t slot = 0;
+    std::memcpy(&slot, &operation, sizeof(slot));
+    return slot;
+}
+
+const char* const argumentsReport =
+    "MacOpenFile app/ApplicationShell.cpp 109 Assertion failure ((argc == 0)&&(argv == __null))";
+const char* const handlerReport =
+    "OnInit app/ApplicationShell.cpp 51 Assertion failure (_pAssertionFailureHandler != __null)";
+
+}  // namespace
+
+TEST(Shell, HasItsOperationsAndFieldsInTheirOrder)
+{
+    static_assert(std::is_base_of<wxApp, ApplicationShell>::value, "");
+    static_assert(std::has_virtual_destructor<ApplicationShell>::value, "");
+    static_assert(sizeof(OpenShell) == sizeof(wxApp) + 2 * sizeof(void*), "two fields and no other");
+    EXPECT_EQ(slotOf(&ApplicationShell::OnInit), slotOf(&wxApp::OnInit));
+    EXPECT_EQ(slotOf(&ApplicationShell::OnExit), slotOf(&wxApp::OnExit));
+    EXPECT_LT(slotOf(&ApplicationShell::OnInit), slotOf(&ApplicationShell::OnExit));
+
+    const OpenShell shell;
+    EXPECT_LT(static_cast<const void*>(&shell._pMainFrame), static_cast<const void*>(&shell._pAssertionFailureHandler));
+}
+
+TEST(Shell, IsEmptyAfterConstruction)
+{
+    const OpenShell shell;
+    EXPECT_EQ(shell._pMainFrame, nullptr);
+    EXPECT_EQ(shell._pAssertionFailureHandler, nullptr);
+    EXPECT_EQ(shell.argc, 0);
+    EXPECT_TRUE(shell.argv.IsEmpty());
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+}
+
+TEST(Shell, IsMadeByTheRegisteredFactory)
+{
+    EXPECT_EQ(wxApp::GetInitializerFunction(), &wxCreateApp);
+    const std::unique_ptr<wxAppConsole> pApplication(wxCreateApp());
+    auto* pShell = dynamic_cast<ApplicationShell*>(pApplication.get());
+    ASSERT_NE(pShell, nullptr);
+    EXPECT_EQ(wxApp::GetInstance(), pShell);
+    EXPECT_EQ(&wxGetApp(), pShell);
+}
+
+TEST(Shell, KeepsTheFirstDocumentInItsArguments)
+{
+    AssertionRecorder recorder;
+    OpenShell shell;
+    const wxString path = ahPathTextFromBytes(gtString("/tmp/caf\xC3\xA9 \xFF.txt"));
+    shell.MacOpenFile(path);
+    EXPECT_EQ(shell.argc, 1);
+    ASSERT_EQ(shell.argv.GetArguments().size(), 1U);
+    EXPECT_EQ(shell.argv[0], path);
+    EXPECT_EQ(ahPathBytesFromText(shell.argv[0]), gtString("/tmp/caf\xC3\xA9 \xFF.txt"));
+    EXPECT_TRUE(recorder.reports.empty());
+
+    shell.MacOpenFile("/tmp/second.txt");
+    EXPECT_EQ(shell.argc, 1);
+    ASSERT_EQ(shell.argv.GetArguments().size(), 1U);
+    EXPECT_EQ(shell.argv[0], path);
+    EXPECT_EQ(recorder.reports, std::vector<std::string>{argumentsReport});
+    EXPECT_EQ(shell._pMainFrame, nullptr);
+}
+
+TEST(Shell, KeepsADocumentOfAnyName)
+{
+    for (const wxString& name : {wxString(), wxString("-"), wxString('x', 100000), wxString(L"\U0001F600")})
+    {
+        OpenShell shell;
+        shell.MacOpenFile(name);
+        EXPECT_EQ(shell.argc, 1);
+        ASSERT_EQ(shell.argv.GetArguments().size(), 1U);
+        EXPECT_EQ(shell.argv[0], name);
+    }
+}
+
+TEST(Shell, DropsADocumentWhenThereAreArguments)
+{
+    {
+        AssertionRecorder recorder;
+        OpenShell shell;
+        shell.argc = 3;
+        shell.MacOpenFile("/tmp/a.txt");
+        EXPECT_EQ(shell.argc, 3);
+        EXPECT_TRUE(shell.argv.IsEmpty());
+        EXPECT_EQ(recorder.reports, std::vector<std::string>{argumentsReport});
+    }
+    {
+        AssertionRecorder recorder;
+        OpenShell shell;
+        const wchar_t* arguments[] = {L"program"};
+        shell.argv.Init(1, arguments);
+        shell.MacOpenFile("/tmp/a.txt");
+        EXPECT_EQ(shell.argc, 0);
+        EXPECT_EQ(shell.argv.GetArguments().size(), 1U);
+        EXPECT_EQ(shell.argv[0], "program");
+        EXPECT_EQ(recorder.reports, std::vector<std::string>{argumentsReport});
+    }
+}
+
+TEST(Shell, ExitsWithZeroWithoutEverHavingStarted)
+{
+    OpenShell shell;
+    EXPECT_EQ(shell.OnExit(), 0);
+    EXPECT_EQ(shell.OnExit(), 0);
+}
+
+TEST(Shell, DoesNotStartWithoutMemoryForTheMainWindow)
+{
+    AssertionRecorder recorder;
+    OpenShell shell;
+    MainFrame::hasNoMemory = true;
+    EXPECT_FALSE(shell.OnInit());
+    MainFrame::hasNoMemory = false;
+    EXPECT_EQ(shell._pMainFrame, nullptr);
+    ASSERT_NE(shell._pAssertionFailureHandler, nullptr);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 2);
+    EXPECT_TRUE(recorder.reports.empty());
+
+    EXPECT_EQ(shell.OnExit(), 0);
+    EXPECT_EQ(shell._pAssertionFailureHandler, nullptr);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
+}
+
+TEST(Shell, GoesOnWithoutMemoryForTheHandler)
+{
+    AssertionRecorder recorder;
+    recorder.reports.reserve(10);
+    OpenShell shell;
+    MainFrame::hasNoMemory = true;
+    tsFailAllocationAfter(0);
+    EXPECT_FALSE(shell.OnInit());
+    EXPECT_TRUE(tsHasAllocationFailed());
+    MainFrame::hasNoMemory = false;
+    EXPECT_EQ(shell._pAssertionFailureHandler, nullptr);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
+    EXPECT_EQ(recorder.reports, std::vector<std::string>{handlerReport});
+    EXPECT_EQ(shell.OnExit(), 0);
+}
+
+TEST(Shell, LeavesTheHandlerAloneWhenItIsDestroyed)
+{
+    ahDialogBasedAssertionFailureHandler handler(osGetCurrentThreadId());
+    {
+        OpenShell shell;
+        shell._pAssertionFailureHandler = &handler;
+    }
+    EXPECT_FALSE(handler.isInIgnoredSourceLocations(osFilePath(), 0));
+}
+
+TEST(Shell, GivesTheHandlerTheMainThreadsId)
+{
+    class OpenHandler : public ahDialogBasedAssertionFailureHandler
+    {
+    public:
+        using ahDialogBasedAssertionFailureHandler::_mainThreadId;
+    };
+    OpenShell shell;
+    MainFrame::hasNoMemory = true;
+    EXPECT_FALSE(shell.OnInit());
+    MainFrame::hasNoMemory = false;
+    const auto id = &OpenHandler::_mainThreadId;
+    EXPECT_EQ(shell._pAssertionFailureHandler->*id, osGetCurrentThreadId());
+    EXPECT_EQ(shell.OnExit(), 0);
+}
