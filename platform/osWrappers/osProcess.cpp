@@ -81,7 +81,8 @@ void raiseTrap()
 #endif
 }
 
-// What an editor needs to go to a line. In the arguments, %f stands for the file and %l for the line.
+// What an editor needs to go to a line; one that cannot do it is reached through the desktop's default if at all. In
+// the arguments, %f stands for the file and %l for the line.
 struct Editor
 {
     const char* pProgram;
@@ -90,11 +91,10 @@ struct Editor
 };
 
 constexpr Editor knownEditors[] = {
-    {"code", "--goto", "%f:%l"},  {"codium", "--goto", "%f:%l"}, {"subl", nullptr, "%f:%l"},
-    {"kate", "--line=%l", "%f"},  {"gedit", "+%l", "%f"},        {"gnome-text-editor", "+%l", "%f"},
-    {"geany", "--line=%l", "%f"}, {"kwrite", "--line=%l", "%f"}, {"mousepad", "--line=%l", "%f"},
-    {"pluma", "+%l", "%f"},       {"xed", "+%l", "%f"},          {"gvim", "+%l", "%f"},
-    {"emacs", "+%l", "%f"},
+    {"code", "--goto", "%f:%l"},   {"codium", "--goto", "%f:%l"},   {"subl", nullptr, "%f:%l"},
+    {"kate", "--line=%l", "%f"},   {"gedit", "+%l", "%f"},          {"geany", "--line=%l", "%f"},
+    {"kwrite", "--line=%l", "%f"}, {"mousepad", "--line=%l", "%f"}, {"pluma", "+%l", "%f"},
+    {"xed", "+%l", "%f"},          {"gvim", "+%l", "%f"},           {"emacs", "+%l", "%f"},
 };
 
 std::string filledIn(std::string_view pattern, const std::string& file, int lineNumber)
@@ -131,6 +131,11 @@ struct Command
         }
         pointers.push_back(nullptr);
     }
+    Command(const Command&) = delete;
+    Command& operator=(const Command&) = delete;
+    Command(Command&&) noexcept = default;  // the strings stay where they are
+    Command& operator=(Command&&) noexcept = default;
+    ~Command() = default;
 
     std::vector<std::string> strings;
     std::vector<char*> pointers;
@@ -154,6 +159,20 @@ std::vector<std::string> programFolders()
     return folders;
 }
 
+// Some distributions install editors that need a terminal under the same name as the graphical ones, as a link to a
+// program that says so.
+bool isWithoutWindow(const std::string& program)
+{
+    char target[PATH_MAX];
+    if (::realpath(program.c_str(), target) == nullptr)
+    {
+        return false;
+    }
+    constexpr std::string_view mark = "-nox";
+    const std::string_view name(target);
+    return (name.size() >= mark.size()) && (name.substr(name.size() - mark.size()) == mark);
+}
+
 // The full path of an executable file, or the empty text.
 std::string findProgram(const std::vector<std::string>& folders, const char* pProgram)
 {
@@ -162,7 +181,7 @@ std::string findProgram(const std::vector<std::string>& folders, const char* pPr
         std::string candidate = folder + "/" + pProgram;
         struct stat status;
         if ((::stat(candidate.c_str(), &status) == 0) && S_ISREG(status.st_mode) &&
-            (::access(candidate.c_str(), X_OK) == 0))
+            (::access(candidate.c_str(), X_OK) == 0) && !isWithoutWindow(candidate))
         {
             return candidate;
         }

@@ -1,0 +1,849 @@
+#include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
+
+#include <atomic>
+#include <cerrno>
+#include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "tests/support/failingAllocation.h"
+
+namespace
+{
+using testing::ElementsAre;
+using testing::ExitedWithCode;
+
+// Does what the test says.
+class Handler : public gtIAssertionFailureHandler
+{
+public:
+    explicit Handler(std::function<void(Handler&)> action = nullptr) : _action(std::move(action)) {}
+    Handler(const Handler&) = delete;
+    Handler& operator=(const Handler&) = delete;
+
+    void onAssertionFailure(const char* functionName, const char* fileName, int lineNumber,
+                            const char* message) override
+    {
+        lastFunctionName = functionName;
+        lastFileName = fileName;
+        lastLineNumber = lineNumber;
+        lastMessage = message;
+        ++calls;
+        if (_action)
+        {
+            _action(*this);
+        }
+    }
+
+    ~Handler() override { gtUnRegisterAssertionFailureHandler(this); }
+
+    std::atomic<int> calls = 0;
+    std::atomic<const char*> lastFunctionName = nullptr;
+    std::atomic<const char*> lastFileName = nullptr;
+    std::atomic<int> lastLineNumber = 0;
+    std::atomic<const char*> lastMessage = nullptr;
+
+private:
+    std::function<void(Handler&)> _action;
+};
+
+// Set once, from any thread; waited for by any number.
+class Event
+{
+public:
+    void set()
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _isSet = true;
+        _changed.notify_all();
+    }
+
+    void wait()
+    {
+        std::unique_lock<std::mutex> lock(_mutex);
+        while (!_isSet)
+        {
+            _changed.wait(lock);
+        }
+    }
+
+    bool isSet()
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        return _isSet;
+    }
+
+private:
+    std::mutex _mutex;
+    std::condition_variable _changed;
+    bool _isSet = false;
+};
+
+void failAnAssertion()
+{
+    gtTriggerAssertonFailureHandler("function", "file.cpp", 12, "Assertion failure (x)");
+}
+
+const char* const theLine = "file.cpp:12: function: Assertion failure (x)\n";
+
+std::string stderrOf(const std::function<void()>& action)
+{
+    testing::internal::CaptureStderr();
+    action();
+    return testing::internal::GetCapturedStderr();
+}
+
+TEST(Registry, hasNoHandlersAtFirst)
+{
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+}
+
+TEST(Registry, writesOneLineWithoutAHandler)
+{
+    EXPECT_EQ(stderrOf(failAnAssertion), theLine);
+    EXPECT_EQ(stderrOf(
+                  []()
+                  {
+                      gtTriggerAssertonFailureHandler("f", "a b.cpp", -3, "m");
+                      gtTriggerAssertonFailureHandler("", "", 2147483647, "");
+                      gtTriggerAssertonFailureHandler("", "", -2147483647 - 1, "");
+                  }),
+              "a b.cpp:-3: f: m\n:2147483647: : \n:-2147483648: : \n");
+}
+
+TEST(Registry, lineIsOneLineWhateverTheTexts)
+{
+    EXPECT_EQ(stderrOf([]() { gtTriggerAssertonFailureHandler(nullptr, nullptr, 0, nullptr); }),
+              "(null):0: (null): (null)\n");
+    EXPECT_EQ(
+        stderrOf([]() { gtTriggerAssertonFailureHandler("a\nb", "c\r\nd", 1, "e\tf\x7fg\x1b[1m %s \xc3\xa4\xff"); }),
+        "c  d:1: a b: e f g [1m %s \xc3\xa4\xff\n");
+}
+
+TEST(Registry, lineHasAnyLength)
+{
+    for (const std::size_t length : {std::size_t(900), std::size_t(1000), std::size_t(1013), std::size_t(1014),
+                                     std::size_t(1015), std::size_t(1024), std::size_t(2048), std::size_t(100000)})
+    {
+        const std::string message(length, 'm');
+        EXPECT_EQ(stderrOf([&]() { gtTriggerAssertonFailureHandler("f", "c", 1, message.c_str()); }),
+                  "c:1: f: " + message + "\n");
+    }
+}
+
+TEST(Registry, lineNeedsNoMemory)
+{
+    testing::internal::CaptureStderr();
+    {
+        const FailingAllocation failing(0);
+        failAnAssertion();
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), theLine);
+}
+
+TEST(Registry, handsTheArgumentsOverAndWritesNothing)
+{
+    Handler handler;
+    gtRegisterAssertionFailureHandler(&handler);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
+    const char function[] = "function";
+    const char file[] = "file";
+    const char message[] = "message";
+    EXPECT_EQ(stderrOf([&]() { gtTriggerAssertonFailureHandler(function, file, 77, message); }), "");
+    EXPECT_EQ(handler.calls, 1);
+    EXPECT_EQ(handler.lastFunctionName, function);
+    EXPECT_EQ(handler.lastFileName, file);
+    EXPECT_EQ(handler.lastLineNumber, 77);
+    EXPECT_EQ(handler.lastMessage, message);
+
+    gtTriggerAssertonFailureHandler(nullptr, nullptr, -1, nullptr);
+    EXPECT_EQ(handler.calls, 2);
+    EXPECT_EQ(handler.lastFunctionName, nullptr);
+    EXPECT_EQ(handler.lastFileName, nullptr);
+    EXPECT_EQ(handler.lastLineNumber, -1);
+    EXPECT_EQ(handler.lastMessage, nullptr);
+
+    gtUnRegisterAssertionFailureHandler(&handler);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+    EXPECT_EQ(stderrOf(failAnAssertion), theLine);
+    EXPECT_EQ(handler.calls, 2);
+}
+
+TEST(Registry, callsHandlersInTheOrderOfRegistration)
+{
+    std::vector<int> order;
+    Handler first([&](Handler&) { order.push_back(1); });
+    Handler second([&](Handler&) { order.push_back(2); });
+    Handler third([&](Handler&) { order.push_back(3); });
+    gtRegisterAssertionFailureHandler(&second);
+    gtRegisterAssertionFailureHandler(&first);
+    gtRegisterAssertionFailureHandler(&third);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 3);
+    failAnAssertion();
+    EXPECT_THAT(order, ElementsAre(2, 1, 3));
+
+    order.clear();
+    gtUnRegisterAssertionFailureHandler(&second);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 2);
+    gtRegisterAssertionFailureHandler(&second);
+    failAnAssertion();
+    EXPECT_THAT(order, ElementsAre(1, 3, 2));
+}
+
+TEST(Registry, nullTwiceAndStrangersDoNothing)
+{
+    Handler handler;
+    Handler stranger;
+    gtRegisterAssertionFailureHandler(nullptr);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+    gtUnRegisterAssertionFailureHandler(nullptr);
+    gtUnRegisterAssertionFailureHandler(&handler);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+
+    gtRegisterAssertionFailureHandler(&handler);
+    gtRegisterAssertionFailureHandler(&handler);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
+    gtUnRegisterAssertionFailureHandler(&stranger);
+    gtUnRegisterAssertionFailureHandler(nullptr);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
+    failAnAssertion();
+    EXPECT_EQ(handler.calls, 1);
+    EXPECT_EQ(stranger.calls, 0);
+
+    gtUnRegisterAssertionFailureHandler(&handler);
+    gtUnRegisterAssertionFailureHandler(&handler);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+}
+
+TEST(Registry, registersNothingWithoutMemory)
+{
+    std::vector<std::unique_ptr<Handler>> handlers;
+    bool hasFailed = false;
+    while (!hasFailed)
+    {
+        handlers.push_back(std::make_unique<Handler>());
+        Handler* const pHandler = handlers.back().get();
+        const int before = gtAmountOfRegisteredAssertionFailureHandlers();
+        try
+        {
+            const FailingAllocation failing(0);
+            gtRegisterAssertionFailureHandler(pHandler);
+        }
+        catch (const std::bad_alloc&)
+        {
+            hasFailed = true;
+            EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), before);
+            gtRegisterAssertionFailureHandler(pHandler);
+        }
+        EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), before + 1);
+    }
+    failAnAssertion();
+    for (const auto& pHandler : handlers)
+    {
+        EXPECT_EQ(pHandler->calls, 1);
+    }
+}
+
+TEST(Registry, passingAFailureOnNeedsNoMemory)
+{
+    Handler handler;
+    gtRegisterAssertionFailureHandler(&handler);
+    {
+        const FailingAllocation failing(0);
+        failAnAssertion();
+        gtUnRegisterAssertionFailureHandler(&handler);
+    }
+    EXPECT_EQ(handler.calls, 1);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+}
+
+TEST(Registry, keepsErrno)
+{
+    std::vector<int> seen;
+    const auto action = [&](Handler&)
+    {
+        seen.push_back(errno);
+        errno = ERANGE;
+    };
+    Handler first(action);
+    Handler second(action);
+    gtRegisterAssertionFailureHandler(&first);
+    gtRegisterAssertionFailureHandler(&second);
+    errno = ENOSPC;
+    failAnAssertion();
+    EXPECT_EQ(errno, ENOSPC);
+    EXPECT_THAT(seen, ElementsAre(ENOSPC, ENOSPC));
+
+    gtUnRegisterAssertionFailureHandler(&first);
+    gtUnRegisterAssertionFailureHandler(&second);
+    int afterwards = 0;
+    EXPECT_EQ(stderrOf(
+                  [&]()
+                  {
+                      errno = ENOSPC;
+                      failAnAssertion();
+                      afterwards = errno;
+                  }),
+              theLine);
+    EXPECT_EQ(afterwards, ENOSPC);
+}
+
+TEST(Registry, handlerMayUnregisterItself)
+{
+    Handler after;
+    Handler handler([](Handler& self) { gtUnRegisterAssertionFailureHandler(&self); });
+    gtRegisterAssertionFailureHandler(&handler);
+    gtRegisterAssertionFailureHandler(&after);
+    failAnAssertion();
+    failAnAssertion();
+    EXPECT_EQ(handler.calls, 1);
+    EXPECT_EQ(after.calls, 2);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
+}
+
+class SelfDestroyer : public gtIAssertionFailureHandler
+{
+public:
+    void onAssertionFailure(const char*, const char*, int, const char*) override
+    {
+        gtUnRegisterAssertionFailureHandler(this);
+        delete this;
+    }
+};
+
+TEST(Registry, handlerMayDestroyItself)
+{
+    gtRegisterAssertionFailureHandler(new SelfDestroyer);
+    failAnAssertion();
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+}
+
+TEST(Registry, handlerUnregisteredByAnEarlierOneIsNotCalled)
+{
+    Handler later;
+    Handler earlier([&](Handler&) { gtUnRegisterAssertionFailureHandler(&later); });
+    gtRegisterAssertionFailureHandler(&earlier);
+    gtRegisterAssertionFailureHandler(&later);
+    failAnAssertion();
+    EXPECT_EQ(earlier.calls, 1);
+    EXPECT_EQ(later.calls, 0);
+}
+
+TEST(Registry, handlerRegisteredMeanwhileHearsOfTheNextFailure)
+{
+    Handler late;
+    Handler handler([&](Handler&) { gtRegisterAssertionFailureHandler(&late); });
+    gtRegisterAssertionFailureHandler(&handler);
+    failAnAssertion();
+    EXPECT_EQ(late.calls, 0);
+    failAnAssertion();
+    EXPECT_EQ(handler.calls, 2);
+    EXPECT_EQ(late.calls, 1);
+}
+
+TEST(Registry, handlerThatRegistersItselfAnewIsNotCalledForEver)
+{
+    Handler handler(
+        [](Handler& self)
+        {
+            gtUnRegisterAssertionFailureHandler(&self);
+            gtRegisterAssertionFailureHandler(&self);
+        });
+    gtRegisterAssertionFailureHandler(&handler);
+    failAnAssertion();
+    EXPECT_EQ(handler.calls, 1);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
+}
+
+TEST(Registry, handlerMayFailAnAssertion)
+{
+    Handler handler(
+        [](Handler& self)
+        {
+            if (self.calls < 3)
+            {
+                failAnAssertion();
+            }
+        });
+    gtRegisterAssertionFailureHandler(&handler);
+    EXPECT_EQ(stderrOf(failAnAssertion), "");
+    EXPECT_EQ(handler.calls, 3);
+}
+
+TEST(Registry, handlerThatAlwaysFailsComesToAnEnd)
+{
+    Handler handler([](Handler&) { failAnAssertion(); });
+    gtRegisterAssertionFailureHandler(&handler);
+    EXPECT_EQ(stderrOf(failAnAssertion), theLine);
+    EXPECT_EQ(handler.calls, gtDeepestNestedAssertionFailure);
+    EXPECT_EQ(stderrOf(failAnAssertion), theLine);
+    EXPECT_EQ(handler.calls, 2 * gtDeepestNestedAssertionFailure);
+}
+
+TEST(Registry, nestingIsCountedByThread)
+{
+    // Every nested failure happens on a thread of its own, so none is too deep.
+    constexpr int depth = 2 * gtDeepestNestedAssertionFailure;
+    Handler handler(
+        [](Handler& self)
+        {
+            if (self.calls < depth)
+            {
+                std::thread(failAnAssertion).join();
+            }
+        });
+    gtRegisterAssertionFailureHandler(&handler);
+    EXPECT_EQ(stderrOf(failAnAssertion), "");
+    EXPECT_EQ(handler.calls, depth);
+}
+
+TEST(Registry, exceptionOfAHandlerEndsThere)
+{
+    Handler thrower([](Handler&) { throw std::runtime_error("thrown by a handler"); });
+    Handler after;
+    gtRegisterAssertionFailureHandler(&thrower);
+    gtRegisterAssertionFailureHandler(&after);
+    EXPECT_EQ(stderrOf(failAnAssertion), theLine);
+    EXPECT_EQ(thrower.calls, 1);
+    EXPECT_EQ(after.calls, 1);
+
+    // Its call is over: unregistering it elsewhere waits for nothing.
+    std::thread([&]() { gtUnRegisterAssertionFailureHandler(&thrower); }).join();
+    EXPECT_EQ(stderrOf(failAnAssertion), "");
+    EXPECT_EQ(after.calls, 2);
+}
+
+TEST(Registry, unregisteringWaitsForCallsOnOtherThreads)
+{
+    for (int round = 0; round < 200; ++round)
+    {
+        Event isEntered;
+        Event isReleased;
+        std::atomic<bool> isOver = false;
+        Handler handler(
+            [&](Handler&)
+            {
+                isEntered.set();
+                isReleased.wait();
+                isOver = true;
+            });
+        gtRegisterAssertionFailureHandler(&handler);
+        std::thread failing(failAnAssertion);
+        isEntered.wait();
+        bool wasOver = false;
+        std::thread unregistering(
+            [&]()
+            {
+                gtUnRegisterAssertionFailureHandler(&handler);
+                wasOver = isOver;
+            });
+        while (gtAmountOfRegisteredAssertionFailureHandlers() > 0)
+        {
+            std::this_thread::yield();
+        }
+        std::this_thread::yield();
+        EXPECT_FALSE(isOver);
+        isReleased.set();
+        failing.join();
+        unregistering.join();
+        ASSERT_TRUE(wasOver);
+    }
+}
+
+TEST(Registry, secondUnregisteringWaitsAsWell)
+{
+    for (int round = 0; round < 100; ++round)
+    {
+        Event isEntered;
+        Event isReleased;
+        std::atomic<bool> isOver = false;
+        Handler handler(
+            [&](Handler& self)
+            {
+                gtUnRegisterAssertionFailureHandler(&self);
+                isEntered.set();
+                isReleased.wait();
+                isOver = true;
+            });
+        gtRegisterAssertionFailureHandler(&handler);
+        std::thread failing(failAnAssertion);
+        isEntered.wait();
+        EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+        std::thread releasing([&]() { isReleased.set(); });
+        gtUnRegisterAssertionFailureHandler(&handler);
+        EXPECT_TRUE(isOver);
+        failing.join();
+        releasing.join();
+    }
+}
+
+TEST(Registry, unregisteringDoesNotWaitForCallsOfOtherHandlers)
+{
+    Event isEntered;
+    Event isReleased;
+    Handler busy(
+        [&](Handler&)
+        {
+            isEntered.set();
+            isReleased.wait();
+        });
+    Handler idle;
+    gtRegisterAssertionFailureHandler(&busy);
+    gtRegisterAssertionFailureHandler(&idle);
+    std::thread failing(failAnAssertion);
+    isEntered.wait();
+    gtUnRegisterAssertionFailureHandler(&idle);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
+    isReleased.set();
+    failing.join();
+    EXPECT_EQ(idle.calls, 0);
+}
+
+TEST(Registry, unregisteringDoesNotWaitForCallsOfALaterRegistration)
+{
+    Event isFirstEntered;
+    Event isFirstReleased;
+    Event isSecondEntered;
+    Event isSecondReleased;
+    Handler handler(
+        [&](Handler& self)
+        {
+            const bool isFirst = self.calls == 1;
+            (isFirst ? isFirstEntered : isSecondEntered).set();
+            (isFirst ? isFirstReleased : isSecondReleased).wait();
+        });
+    gtRegisterAssertionFailureHandler(&handler);
+    std::thread first(failAnAssertion);
+    isFirstEntered.wait();
+    std::thread unregistering([&]() { gtUnRegisterAssertionFailureHandler(&handler); });
+    while (gtAmountOfRegisteredAssertionFailureHandlers() > 0)
+    {
+        std::this_thread::yield();
+    }
+    gtRegisterAssertionFailureHandler(&handler);
+    std::thread second(failAnAssertion);
+    isSecondEntered.wait();
+    isFirstReleased.set();
+    first.join();
+    unregistering.join();  // although the second call goes on
+    EXPECT_FALSE(isSecondReleased.isSet());
+    isSecondReleased.set();
+    second.join();
+}
+
+TEST(Registry, twoThreadsInOneHandlerMayBothUnregisterIt)
+{
+    for (int round = 0; round < 200; ++round)
+    {
+        std::atomic<int> inside = 0;
+        Handler handler(
+            [&](Handler& self)
+            {
+                ++inside;
+                while (inside < 2)
+                {
+                    std::this_thread::yield();
+                }
+                gtUnRegisterAssertionFailureHandler(&self);
+            });
+        gtRegisterAssertionFailureHandler(&handler);
+        std::thread first(failAnAssertion);
+        std::thread second(failAnAssertion);
+        first.join();
+        second.join();
+        EXPECT_EQ(handler.calls, 2);
+        EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+    }
+}
+
+TEST(Registry, twoHandlersMayUnregisterEachOther)
+{
+    for (int round = 0; round < 200; ++round)
+    {
+        std::atomic<int> inside = 0;
+        Handler* pSecond = nullptr;
+        Handler* pFirst = nullptr;
+        std::thread::id firstThread;
+        Event areReady;
+        const auto meetAndUnregister = [&](Handler& other)
+        {
+            ++inside;
+            while (inside < 2)
+            {
+                std::this_thread::yield();
+            }
+            gtUnRegisterAssertionFailureHandler(&other);
+        };
+        // Each thread is held by one of the two.
+        Handler first(
+            [&](Handler&)
+            {
+                if (std::this_thread::get_id() == firstThread)
+                {
+                    meetAndUnregister(*pSecond);
+                }
+            });
+        Handler second(
+            [&](Handler&)
+            {
+                if (std::this_thread::get_id() != firstThread)
+                {
+                    meetAndUnregister(*pFirst);
+                }
+            });
+        pFirst = &first;
+        pSecond = &second;
+        gtRegisterAssertionFailureHandler(&first);
+        gtRegisterAssertionFailureHandler(&second);
+        const auto waitAndFail = [&]()
+        {
+            areReady.wait();
+            failAnAssertion();
+        };
+        std::thread one(waitAndFail);
+        std::thread two(waitAndFail);
+        firstThread = one.get_id();
+        areReady.set();
+        one.join();
+        two.join();
+        EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+    }
+}
+
+TEST(Registry, fromOutsideAHandlerAWaitingThreadIsWaitedForAsWell)
+{
+    // One thread is held in the inner handler; a second is in the outer handler and waits there for the first.
+    for (int round = 0; round < 50; ++round)
+    {
+        Event isInnerEntered;
+        Event isInnerReleased;
+        Event isOuterEntered;
+        std::atomic<bool> isOuterOver = false;
+        Handler inner(
+            [&](Handler&)
+            {
+                isInnerEntered.set();
+                isInnerReleased.wait();
+            });
+        gtRegisterAssertionFailureHandler(&inner);
+        std::thread innerThread(failAnAssertion);
+        isInnerEntered.wait();
+
+        Handler outer(
+            [&](Handler&)
+            {
+                isOuterEntered.set();
+                gtUnRegisterAssertionFailureHandler(&inner);
+                isOuterOver = true;
+            });
+        gtRegisterAssertionFailureHandler(&outer);
+        // With the inner handler out of the registry the second thread reaches the outer one without being held before.
+        std::thread removing([&]() { gtUnRegisterAssertionFailureHandler(&inner); });
+        while (gtAmountOfRegisteredAssertionFailureHandlers() > 1)
+        {
+            std::this_thread::yield();
+        }
+        std::thread outerThread(failAnAssertion);
+        isOuterEntered.wait();
+
+        bool wasOver = false;
+        std::thread unregistering(
+            [&]()
+            {
+                gtUnRegisterAssertionFailureHandler(&outer);
+                wasOver = isOuterOver;
+            });
+        while (gtAmountOfRegisteredAssertionFailureHandlers() > 0)
+        {
+            std::this_thread::yield();
+        }
+        isInnerReleased.set();
+        innerThread.join();
+        removing.join();
+        outerThread.join();
+        unregistering.join();
+        EXPECT_TRUE(wasOver);
+    }
+}
+
+TEST(Registry, anyThreadMayDoAnythingAtAnyTime)
+{
+    std::atomic<bool> mustEnd = false;
+    Handler permanent;
+    gtRegisterAssertionFailureHandler(&permanent);
+    std::vector<std::thread> failing;
+    std::atomic<int> failures = 0;
+    for (int i = 0; i < 3; ++i)
+    {
+        failing.emplace_back(
+            [&]()
+            {
+                while (!mustEnd)
+                {
+                    failAnAssertion();
+                    ++failures;
+                }
+            });
+    }
+    std::vector<std::thread> registering;
+    for (int i = 0; i < 2; ++i)
+    {
+        registering.emplace_back(
+            []()
+            {
+                for (int round = 0; round < 1000; ++round)
+                {
+                    // The flag is gone with the handler: a call that comes too late writes into freed memory.
+                    auto pFlag = std::make_unique<std::atomic<int>>(0);
+                    auto pHandler = std::make_unique<Handler>([&](Handler&) { ++*pFlag; });
+                    gtRegisterAssertionFailureHandler(pHandler.get());
+                    if (round % 4 == 0)
+                    {
+                        failAnAssertion();
+                        EXPECT_GE(*pFlag, 1);
+                    }
+                    gtUnRegisterAssertionFailureHandler(pHandler.get());
+                    const int last = *pFlag;
+                    std::this_thread::yield();
+                    EXPECT_EQ(*pFlag, last);
+                    pFlag.reset();
+                    pHandler.reset();
+                }
+            });
+    }
+    for (std::thread& thread : registering)
+    {
+        thread.join();
+    }
+    mustEnd = true;
+    for (std::thread& thread : failing)
+    {
+        thread.join();
+    }
+    EXPECT_GE(permanent.calls, failures);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
+}
+
+TEST(Registry, linesOfSeveralThreadsStayApart)
+{
+    const std::string message(3000, 'm');
+    const std::string text = stderrOf(
+        [&]()
+        {
+            std::vector<std::thread> threads;
+            for (int i = 0; i < 4; ++i)
+            {
+                threads.emplace_back(
+                    [&]()
+                    {
+                        for (int round = 0; round < 50; ++round)
+                        {
+                            gtTriggerAssertonFailureHandler("f", "c", 1, message.c_str());
+                        }
+                    });
+            }
+            for (std::thread& thread : threads)
+            {
+                thread.join();
+            }
+        });
+    std::string expected;
+    for (int i = 0; i < 200; ++i)
+    {
+        expected += "c:1: f: " + message + "\n";
+    }
+    EXPECT_TRUE(text == expected);
+}
+
+// Made before the registry is first used, and so destroyed after anything that the registry might have at exit.
+class LastToGo
+{
+public:
+    LastToGo() = default;
+    LastToGo(const LastToGo&) = delete;
+    LastToGo& operator=(const LastToGo&) = delete;
+    ~LastToGo()
+    {
+        if (pHandler != nullptr)
+        {
+            failAnAssertion();
+            gtUnRegisterAssertionFailureHandler(pHandler);
+            failAnAssertion();
+            gtRegisterAssertionFailureHandler(pHandler);
+            std::fprintf(stderr, "%d calls, %d registered", static_cast<int>(pHandler->calls),
+                         gtAmountOfRegisteredAssertionFailureHandlers());
+        }
+    }
+
+    Handler* pHandler = nullptr;
+};
+
+LastToGo lastToGo;
+
+// Uses the registry before main.
+struct FirstToCome
+{
+    FirstToCome()
+    {
+        Handler handler;
+        gtRegisterAssertionFailureHandler(&handler);
+        amount = gtAmountOfRegisteredAssertionFailureHandlers();
+        failAnAssertion();
+        calls = handler.calls;
+    }
+
+    int amount = 0;
+    int calls = 0;
+};
+
+const FirstToCome firstToCome;
+
+TEST(Registry, worksBeforeMain)
+{
+    EXPECT_EQ(firstToCome.amount, 1);
+    EXPECT_EQ(firstToCome.calls, 1);
+}
+
+TEST(RegistryDeathTest, worksWhileStaticObjectsAreDestroyed)
+{
+    EXPECT_EXIT(
+        {
+            // Never deleted: who would do it?
+            static Handler* const pHandler = new Handler;
+            gtRegisterAssertionFailureHandler(pHandler);
+            lastToGo.pHandler = pHandler;
+            std::exit(5);
+        },
+        ExitedWithCode(5), "^file.cpp:12: function: Assertion failure \\(x\\)\n1 calls, 1 registered");
+}
+
+TEST(RegistryDeathTest, handlerMayEndTheProcess)
+{
+    EXPECT_EXIT(
+        {
+            static Handler* const pHandler = new Handler([](Handler&) { std::exit(6); });
+            gtRegisterAssertionFailureHandler(pHandler);
+            static const struct AtExit
+            {
+                ~AtExit()
+                {
+                    gtUnRegisterAssertionFailureHandler(pHandler);
+                    failAnAssertion();
+                }
+            } atExit;
+            failAnAssertion();
+        },
+        ExitedWithCode(6), "^file.cpp:12: function: Assertion failure \\(x\\)\n$");
+}
+}  // namespace

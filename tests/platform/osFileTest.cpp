@@ -1,0 +1,743 @@
+#include "platform/osWrappers/osFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <string>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <thread>
+#include <type_traits>
+#include <unistd.h>
+#include <vector>
+
+#include "tests/support/failingAllocation.h"
+
+namespace
+{
+// Watches and disturbs the system calls of the thread that made it, as long as it lives. Each queue tells what the next
+// calls do: 0 the real thing, a negative number fails with that error, a positive one shortens a read to so many bytes.
+class SystemCalls
+{
+public:
+    SystemCalls() { pCurrent = this; }
+    SystemCalls(const SystemCalls&) = delete;
+    SystemCalls& operator=(const SystemCalls&) = delete;
+    ~SystemCalls() { pCurrent = nullptr; }
+
+    static thread_local SystemCalls* pCurrent;
+
+    std::deque<long> opens;
+    std::deque<long> reads;
+    std::deque<long> fstats;
+    std::deque<long> fcntls;
+    std::vector<std::size_t> readSizes;
+    std::vector<int> opened;
+    std::vector<int> closed;
+};
+
+thread_local SystemCalls* SystemCalls::pCurrent = nullptr;
+
+long next(std::deque<long> SystemCalls::*pQueue)
+{
+    if ((SystemCalls::pCurrent == nullptr) || (SystemCalls::pCurrent->*pQueue).empty())
+    {
+        return 0;
+    }
+    const long answer = (SystemCalls::pCurrent->*pQueue).front();
+    (SystemCalls::pCurrent->*pQueue).pop_front();
+    return answer;
+}
+
+bool fails(long answer)
+{
+    if (answer < 0)
+    {
+        errno = static_cast<int>(-answer);
+        return true;
+    }
+    return false;
+}
+}  // namespace
+
+extern "C" int open(const char* pPath, int flags, ...)
+{
+    va_list arguments;
+    va_start(arguments, flags);
+    const unsigned int mode = va_arg(arguments, unsigned int);
+    va_end(arguments);
+    if (fails(next(&SystemCalls::opens)))
+    {
+        return -1;
+    }
+    const int descriptor = static_cast<int>(::syscall(SYS_openat, AT_FDCWD, pPath, flags, mode));
+    if ((SystemCalls::pCurrent != nullptr) && (descriptor >= 0))
+    {
+        SystemCalls::pCurrent->opened.push_back(descriptor);
+    }
+    return descriptor;
+}
+
+extern "C" ssize_t read(int descriptor, void* pBuffer, std::size_t size)
+{
+    const long answer = next(&SystemCalls::reads);
+    if (SystemCalls::pCurrent != nullptr)
+    {
+        SystemCalls::pCurrent->readSizes.push_back(size);
+    }
+    if (fails(answer))
+    {
+        return -1;
+    }
+    const std::size_t limit = (answer > 0) ? static_cast<std::size_t>(answer) : size;
+    return ::syscall(SYS_read, descriptor, pBuffer, std::min(size, limit));
+}
+
+extern "C" int fstat(int descriptor, struct stat* pStatus) noexcept
+{
+    return fails(next(&SystemCalls::fstats)) ? -1 : ::fstatat(descriptor, "", pStatus, AT_EMPTY_PATH);
+}
+
+extern "C" int fcntl(int descriptor, int command, ...)
+{
+    va_list arguments;
+    va_start(arguments, command);
+    const long argument = va_arg(arguments, long);
+    va_end(arguments);
+    return fails(next(&SystemCalls::fcntls)) ? -1
+                                             : static_cast<int>(::syscall(SYS_fcntl, descriptor, command, argument));
+}
+
+extern "C" int close(int descriptor)
+{
+    if (SystemCalls::pCurrent != nullptr)
+    {
+        SystemCalls::pCurrent->closed.push_back(descriptor);
+    }
+    return static_cast<int>(::syscall(SYS_close, descriptor));
+}
+
+namespace
+{
+using testing::AllOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::SizeIs;
+
+static_assert(!std::is_copy_constructible<osFile>::value, "");
+static_assert(std::is_nothrow_default_constructible<osFile>::value, "");
+
+constexpr std::size_t bufferCapacity = 262144;
+
+class osFileTest : public testing::Test
+{
+protected:
+    osFileTest()
+    {
+        std::string pattern = testing::TempDir() + "osFileXXXXXX";
+        if (::mkdtemp(pattern.data()) == nullptr)
+        {
+            std::abort();
+        }
+        _folder = pattern;
+    }
+    ~osFileTest() override { std::filesystem::remove_all(_folder); }
+
+    std::string nameOf(const std::string& name) const { return _folder + "/" + name; }
+
+    osFilePath write(const std::string& name, const std::string& content) const
+    {
+        std::ofstream(nameOf(name), std::ios::binary) << content;
+        return pathOf(nameOf(name));
+    }
+
+    static osFilePath pathOf(const std::string& name)
+    {
+        return osFilePath(gtString(name.data(), static_cast<int>(name.size())));
+    }
+
+    static bool open(osFile& file, const osFilePath& path)
+    {
+        return file.open(path, osChannel::OS_BINARY_CHANNEL, osFile::OS_OPEN_TO_READ);
+    }
+
+    // Content of which no two runs of one length are likely to be the same.
+    static std::string contentOf(std::size_t size)
+    {
+        std::mt19937 random(static_cast<unsigned int>(size));
+        std::string content(size, '\0');
+        for (char& c : content)
+        {
+            c = static_cast<char>(random());
+        }
+        return content;
+    }
+
+    // Reads on to the end in steps; every step but the last must be full.
+    static std::string readInSteps(osFile& file, std::size_t step)
+    {
+        std::string content;
+        std::vector<char> buffer(step);
+        unsigned long amount = 0;
+        bool wasShort = false;
+        while (file.readAvailableData(buffer.data(), step, amount))
+        {
+            EXPECT_FALSE(wasShort) << "a short step is followed by another";
+            EXPECT_GT(amount, 0U);
+            EXPECT_LE(amount, step);
+            wasShort = amount < step;
+            content.append(buffer.data(), amount);
+        }
+        EXPECT_EQ(amount, 0U);
+        return content;
+    }
+
+private:
+    std::string _folder;
+};
+
+TEST_F(osFileTest, enumeratorsAreZero)
+{
+    EXPECT_EQ(static_cast<int>(osChannel::OS_BINARY_CHANNEL), 0);
+    EXPECT_EQ(static_cast<int>(osFile::OS_OPEN_TO_READ), 0);
+}
+
+TEST_F(osFileTest, readsEverySizeInEveryStep)
+{
+    for (const std::size_t size : {std::size_t(0), std::size_t(1), std::size_t(59), std::size_t(60), std::size_t(61),
+                                   std::size_t(120), bufferCapacity - 1, bufferCapacity, bufferCapacity + 1,
+                                   2 * bufferCapacity, 2 * bufferCapacity + 17, std::size_t(1000003)})
+    {
+        const std::string content = contentOf(size);
+        const osFilePath path = write("file", content);
+        for (const std::size_t step : {std::size_t(1), std::size_t(7), std::size_t(60), std::size_t(4096),
+                                       bufferCapacity - 1, bufferCapacity, bufferCapacity + 1, std::size_t(3000000)})
+        {
+            if ((step == 1) && (size > 2 * bufferCapacity))
+            {
+                continue;
+            }
+            osFile file;
+            ASSERT_TRUE(open(file, path));
+            EXPECT_TRUE(readInSteps(file, step) == content) << size << " bytes in steps of " << step;
+            EXPECT_FALSE(file.hasReadError());
+            EXPECT_EQ(file.errorNumber(), 0);
+        }
+    }
+}
+
+TEST_F(osFileTest, readsInMixedSteps)
+{
+    const std::string content = contentOf(3000000);
+    const osFilePath path = write("file", content);
+    for (unsigned int seed = 1; seed <= 20; ++seed)
+    {
+        std::mt19937 random(seed);
+        osFile file;
+        ASSERT_TRUE(open(file, path));
+        std::string result;
+        std::vector<char> buffer(700000);
+        for (unsigned long amount = 0;;)
+        {
+            const unsigned long step = 1 + random() % ((random() % 3 == 0) ? 700000U : 2000U);
+            if (!file.readAvailableData(buffer.data(), step, amount))
+            {
+                break;
+            }
+            ASSERT_EQ(amount, std::min<std::size_t>(step, content.size() - result.size())) << "seed " << seed;
+            result.append(buffer.data(), amount);
+        }
+        EXPECT_TRUE(result == content) << "seed " << seed;
+    }
+}
+
+TEST_F(osFileTest, smallReadsAreFewSystemCalls)
+{
+    const osFilePath path = write("file", contentOf(4 * bufferCapacity));
+    osFile file;
+    ASSERT_TRUE(open(file, path));
+    const SystemCalls calls;
+    EXPECT_EQ(readInSteps(file, 60).size(), 4 * bufferCapacity);
+    EXPECT_THAT(calls.readSizes, AllOf(SizeIs(5), Each(bufferCapacity)));
+}
+
+TEST_F(osFileTest, largeReadsGoStraightToTheCaller)
+{
+    const std::string content = contentOf(3 * bufferCapacity);
+    const osFilePath path = write("file", content);
+    std::vector<char> buffer(content.size());
+    unsigned long amount = 0;
+    {
+        osFile file;
+        ASSERT_TRUE(open(file, path));
+        const SystemCalls calls;
+        const unsigned long long allocations = amountOfAllocations();
+        ASSERT_TRUE(file.readAvailableData(buffer.data(), content.size(), amount));
+        EXPECT_LE(amountOfAllocations() - allocations, 1U);  // the test's own list of sizes
+        EXPECT_THAT(calls.readSizes, ElementsAre(content.size()));
+        EXPECT_EQ(amount, content.size());
+        EXPECT_EQ(std::string(buffer.data(), amount), content);
+    }
+    {
+        // What is buffered comes first.
+        osFile file;
+        ASSERT_TRUE(open(file, path));
+        const SystemCalls calls;
+        ASSERT_TRUE(file.readAvailableData(buffer.data(), 10, amount));
+        ASSERT_TRUE(file.readAvailableData(buffer.data() + 10, content.size() - 10, amount));
+        EXPECT_THAT(calls.readSizes, ElementsAre(bufferCapacity, 2 * bufferCapacity));
+        EXPECT_EQ(amount, content.size() - 10);
+        EXPECT_EQ(std::string(buffer.data(), content.size()), content);
+    }
+}
+
+TEST_F(osFileTest, shortReadsAreNoEnd)
+{
+    const std::string content = contentOf(bufferCapacity + 500);
+    const osFilePath path = write("file", content);
+    for (const std::size_t step : {std::size_t(60), content.size(), std::size_t(1000000)})
+    {
+        osFile file;
+        ASSERT_TRUE(open(file, path));
+        SystemCalls calls;
+        calls.reads = {1, 59, 61, 1, 4000, 100, 0, 3, -EINTR, 2};
+        EXPECT_TRUE(readInSteps(file, step) == content);
+        EXPECT_FALSE(file.hasReadError());
+    }
+}
+
+TEST_F(osFileTest, interruptedCallsAreTakenUpAgain)
+{
+    const std::string content = contentOf(1000);
+    const osFilePath path = write("file", content);
+    SystemCalls calls;
+    calls.opens = {-EINTR, -EINTR, -EINTR};
+    calls.reads = {-EINTR, 10, -EINTR, -EINTR};
+    osFile file;
+    ASSERT_TRUE(open(file, path));
+    EXPECT_TRUE(readInSteps(file, 60) == content);
+    EXPECT_FALSE(file.hasReadError());
+    EXPECT_EQ(file.errorNumber(), 0);
+}
+
+TEST_F(osFileTest, errorIsNoEnd)
+{
+    const std::string content = contentOf(1000);
+    const osFilePath path = write("file", content);
+    std::vector<char> buffer(bufferCapacity);
+    for (const unsigned long step : {100UL, static_cast<unsigned long>(bufferCapacity)})
+    {
+        unsigned long amount = 99;
+        osFile file;
+        ASSERT_TRUE(open(file, path));
+        SystemCalls calls;
+        calls.reads = {-EIO};
+        EXPECT_FALSE(file.readAvailableData(buffer.data(), step, amount));
+        EXPECT_EQ(amount, 0U);
+        EXPECT_TRUE(file.hasReadError());
+        EXPECT_EQ(file.errorNumber(), EIO);
+
+        // It stays so, although the system would go on.
+        EXPECT_FALSE(file.readAvailableData(buffer.data(), step, amount));
+        EXPECT_TRUE(file.hasReadError());
+        EXPECT_EQ(file.errorNumber(), EIO);
+        EXPECT_THAT(calls.readSizes, SizeIs(1));
+
+        file.close();
+        EXPECT_TRUE(file.hasReadError());
+        EXPECT_EQ(file.errorNumber(), EIO);
+        ASSERT_TRUE(open(file, path));
+        EXPECT_FALSE(file.hasReadError());
+        EXPECT_EQ(file.errorNumber(), 0);
+        EXPECT_TRUE(readInSteps(file, 60) == content);
+    }
+}
+
+TEST_F(osFileTest, bytesFromBeforeAnErrorAreDelivered)
+{
+    const std::string content = contentOf(1000);
+    const osFilePath path = write("file", content);
+    std::vector<char> buffer(bufferCapacity);
+    for (const unsigned long step : {500UL, static_cast<unsigned long>(bufferCapacity)})
+    {
+        unsigned long amount = 0;
+        osFile file;
+        ASSERT_TRUE(open(file, path));
+        SystemCalls calls;
+        calls.reads = {300, -EIO};
+        EXPECT_TRUE(file.readAvailableData(buffer.data(), step, amount));
+        EXPECT_EQ(std::string(buffer.data(), amount), content.substr(0, 300));
+        EXPECT_TRUE(file.hasReadError());
+        EXPECT_FALSE(file.readAvailableData(buffer.data(), step, amount));
+        EXPECT_EQ(amount, 0U);
+        EXPECT_EQ(file.errorNumber(), EIO);
+    }
+}
+
+TEST_F(osFileTest, endStaysTheEndWhenTheFileGrows)
+{
+    const osFilePath path = write("file", "first");
+    osFile file;
+    ASSERT_TRUE(open(file, path));
+    EXPECT_EQ(readInSteps(file, 60), "first");
+    std::ofstream(nameOf("file"), std::ios::app) << "second";
+    char buffer[60];
+    unsigned long amount = 99;
+    EXPECT_FALSE(file.readAvailableData(buffer, sizeof buffer, amount));
+    EXPECT_EQ(amount, 0U);
+    EXPECT_FALSE(file.hasReadError());
+    file.close();
+    ASSERT_TRUE(open(file, path));
+    EXPECT_EQ(readInSteps(file, 60), "firstsecond");
+}
+
+TEST_F(osFileTest, fileThatShrinksEndsThere)
+{
+    const std::string content = contentOf(3 * bufferCapacity);
+    const osFilePath path = write("file", content);
+    osFile file;
+    ASSERT_TRUE(open(file, path));
+    char buffer[60];
+    unsigned long amount = 0;
+    ASSERT_TRUE(file.readAvailableData(buffer, sizeof buffer, amount));
+    ASSERT_EQ(::truncate(nameOf("file").c_str(), 100), 0);
+    EXPECT_EQ(readInSteps(file, 60), content.substr(60, bufferCapacity - 60));
+    EXPECT_FALSE(file.hasReadError());
+}
+
+TEST_F(osFileTest, readsWithoutMemoryForABuffer)
+{
+    const std::string content = contentOf(1000);
+    const osFilePath path = write("file", content);
+    osFile file;
+    ASSERT_TRUE(open(file, path));
+    std::string result;
+    char buffer[60];
+    unsigned long amount = 0;
+    bool mustGoOn = true;
+    while (mustGoOn)
+    {
+        {
+            const FailingAllocation failing(0);
+            mustGoOn = file.readAvailableData(buffer, sizeof buffer, amount);
+        }
+        EXPECT_TRUE(!mustGoOn || (amount == 60) || (result.size() == 960));
+        result.append(buffer, amount);
+    }
+    EXPECT_EQ(result, content);
+    EXPECT_FALSE(file.hasReadError());
+}
+
+TEST_F(osFileTest, hugeReadsAreCutIntoSystemCalls)
+{
+    const std::string content = contentOf(1000);
+    const osFilePath path = write("file", content);
+    osFile file;
+    ASSERT_TRUE(open(file, path));
+    const std::size_t size = std::size_t(3) << 30;
+    void* const pMemory =
+        ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(pMemory, MAP_FAILED);
+    {
+        const SystemCalls calls;
+        unsigned long amount = 0;
+        EXPECT_TRUE(file.readAvailableData(static_cast<char*>(pMemory), size, amount));
+        EXPECT_EQ(amount, content.size());
+        EXPECT_EQ(std::memcmp(pMemory, content.data(), content.size()), 0);
+        EXPECT_THAT(calls.readSizes, ElementsAre(std::size_t(1) << 30, std::size_t(1) << 30));
+    }
+    ::munmap(pMemory, size);
+}
+
+TEST_F(osFileTest, nothingIsReadIntoNothing)
+{
+    const osFilePath path = write("file", "content");
+    osFile file;
+    char buffer[60];
+    unsigned long amount = 99;
+    EXPECT_FALSE(file.readAvailableData(buffer, sizeof buffer, amount));  // nothing is open
+    EXPECT_EQ(amount, 0U);
+    EXPECT_FALSE(file.hasReadError());
+
+    ASSERT_TRUE(open(file, path));
+    amount = 99;
+    EXPECT_FALSE(file.readAvailableData(buffer, 0, amount));
+    EXPECT_EQ(amount, 0U);
+    amount = 99;
+    EXPECT_FALSE(file.readAvailableData(nullptr, 60, amount));
+    EXPECT_EQ(amount, 0U);
+    EXPECT_FALSE(file.hasReadError());
+    EXPECT_EQ(readInSteps(file, 60), "content");
+
+    file.close();
+    amount = 99;
+    EXPECT_FALSE(file.readAvailableData(buffer, sizeof buffer, amount));
+    EXPECT_EQ(amount, 0U);
+    EXPECT_FALSE(file.hasReadError());
+    file.close();
+}
+
+TEST_F(osFileTest, closingForgetsWhatIsBuffered)
+{
+    const osFilePath first = write("first", "first content");
+    const osFilePath second = write("second", "2nd");
+    osFile file;
+    char buffer[4];
+    unsigned long amount = 0;
+    ASSERT_TRUE(open(file, first));
+    ASSERT_TRUE(file.readAvailableData(buffer, sizeof buffer, amount));
+    file.close();
+    EXPECT_FALSE(file.readAvailableData(buffer, sizeof buffer, amount));
+    ASSERT_TRUE(open(file, second));
+    EXPECT_EQ(readInSteps(file, 60), "2nd");
+    file.close();
+    ASSERT_TRUE(open(file, first));
+    EXPECT_EQ(readInSteps(file, 60), "first content");
+}
+
+TEST_F(osFileTest, secondOpenIsRefusedAndDisturbsNothing)
+{
+    const osFilePath first = write("first", "first content");
+    const osFilePath second = write("second", "second content");
+    osFile file;
+    EXPECT_FALSE(file.isOpen());
+    ASSERT_TRUE(open(file, first));
+    EXPECT_TRUE(file.isOpen());
+    char buffer[6];
+    unsigned long amount = 0;
+    ASSERT_TRUE(file.readAvailableData(buffer, sizeof buffer, amount));
+    EXPECT_FALSE(open(file, second));
+    EXPECT_EQ(file.errorNumber(), EBUSY);
+    EXPECT_FALSE(file.hasReadError());
+    EXPECT_FALSE(open(file, first));
+    EXPECT_TRUE(file.isOpen());
+    EXPECT_EQ(readInSteps(file, 60), "content");
+    EXPECT_FALSE(open(file, second));
+    file.close();
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_TRUE(open(file, second));
+    EXPECT_EQ(file.errorNumber(), 0);
+    EXPECT_EQ(readInSteps(file, 60), "second content");
+}
+
+TEST_F(osFileTest, opensRegularFilesOnly)
+{
+    write("file", "content");
+    ASSERT_EQ(::mkfifo(nameOf("pipe").c_str(), 0600), 0);
+    ASSERT_EQ(::symlink("file", nameOf("link").c_str()), 0);
+    ASSERT_EQ(::symlink("nowhere", nameOf("dangling").c_str()), 0);
+    ASSERT_EQ(::symlink(".", nameOf("folderLink").c_str()), 0);
+    const struct
+    {
+        std::string name;
+        int errorNumber;
+    } refused[] = {
+        {nameOf("missing"), ENOENT},
+        {nameOf("missing/file"), ENOENT},
+        {nameOf("file/"), ENOTDIR},
+        {nameOf("file/x"), ENOTDIR},
+        {nameOf(""), EISDIR},
+        {nameOf("folderLink"), EISDIR},
+        {nameOf("dangling"), ENOENT},
+        {nameOf("pipe"), ENOTSUP},
+        {"/dev/null", ENOTSUP},
+        {"/dev/zero", ENOTSUP},
+        {"", ENOENT},
+        {nameOf(std::string(300, 'n')), ENAMETOOLONG},
+        {nameOf(std::string("file\0", 5)), EINVAL},
+        {nameOf(std::string("file\0x", 6)), EINVAL},
+    };
+    SystemCalls calls;
+    for (const auto& one : refused)
+    {
+        osFile file;
+        EXPECT_FALSE(open(file, pathOf(one.name))) << one.name;
+        EXPECT_EQ(file.errorNumber(), one.errorNumber) << one.name;
+        EXPECT_FALSE(file.isOpen());
+        EXPECT_FALSE(file.hasReadError());
+        char buffer[10];
+        unsigned long amount = 99;
+        EXPECT_FALSE(file.readAvailableData(buffer, sizeof buffer, amount));
+        EXPECT_EQ(amount, 0U);
+        // The same object can open another one.
+        EXPECT_TRUE(open(file, pathOf(nameOf("link"))));
+        EXPECT_EQ(file.errorNumber(), 0);
+        EXPECT_EQ(readInSteps(file, 60), "content");
+    }
+    EXPECT_EQ(calls.opened.size(), calls.closed.size());
+}
+
+TEST_F(osFileTest, unknownChannelsAndModesAreRefused)
+{
+    const osFilePath path = write("file", "content");
+    osFile file;
+    EXPECT_FALSE(file.open(path, static_cast<osChannel::osChannelType>(1), osFile::OS_OPEN_TO_READ));
+    EXPECT_EQ(file.errorNumber(), EINVAL);
+    EXPECT_FALSE(file.open(path, osChannel::OS_BINARY_CHANNEL, static_cast<osFile::osOpenMode>(1)));
+    EXPECT_EQ(file.errorNumber(), EINVAL);
+    EXPECT_FALSE(file.isOpen());
+}
+
+TEST_F(osFileTest, systemsRefusalsAreTold)
+{
+    const osFilePath path = write("file", "content");
+    osFile file;
+    SystemCalls calls;
+    calls.opens = {-EMFILE};
+    EXPECT_FALSE(open(file, path));
+    EXPECT_EQ(file.errorNumber(), EMFILE);
+
+    calls.fstats = {-EIO};
+    EXPECT_FALSE(open(file, path));
+    EXPECT_EQ(file.errorNumber(), EIO);
+    EXPECT_FALSE(file.isOpen());
+
+    calls.fcntls = {-EPERM};
+    EXPECT_FALSE(open(file, path));
+    EXPECT_EQ(file.errorNumber(), EPERM);
+    calls.fcntls = {0, -EPERM};
+    EXPECT_FALSE(open(file, path));
+    EXPECT_EQ(file.errorNumber(), EPERM);
+    EXPECT_EQ(calls.opened, calls.closed);
+
+    EXPECT_TRUE(open(file, path));
+    EXPECT_EQ(readInSteps(file, 60), "content");
+}
+
+using osFileDeathTest = osFileTest;
+
+TEST_F(osFileDeathTest, unreadableFileIsRefused)
+{
+    const osFilePath path = write("file", "content");
+    ASSERT_EQ(::chmod(nameOf("").c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(nameOf("file").c_str(), 0), 0);
+    EXPECT_EXIT(
+        {
+            // Root may read everything.
+            if ((::geteuid() == 0) && (::setuid(65534) != 0))
+            {
+                std::_Exit(1);
+            }
+            osFile file;
+            std::_Exit((!open(file, path) && (file.errorNumber() == EACCES)) ? 7 : 2);
+        },
+        testing::ExitedWithCode(7), "");
+}
+
+TEST_F(osFileTest, closesItself)
+{
+    const osFilePath path = write("file", "content");
+    SystemCalls calls;
+    {
+        osFile file;
+        ASSERT_TRUE(open(file, path));
+    }
+    ASSERT_THAT(calls.opened, SizeIs(1));
+    EXPECT_EQ(calls.closed, calls.opened);
+    {
+        osFile file;
+        ASSERT_TRUE(open(file, path));
+        file.close();
+        file.close();
+    }
+    EXPECT_EQ(calls.closed, calls.opened);
+}
+
+TEST_F(osFileTest, descriptorIsNotInheritedAndBlocks)
+{
+    const osFilePath path = write("file", "content");
+    const SystemCalls calls;
+    osFile file;
+    ASSERT_TRUE(open(file, path));
+    ASSERT_THAT(calls.opened, SizeIs(1));
+    EXPECT_EQ(::fcntl(calls.opened[0], F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(::fcntl(calls.opened[0], F_GETFL) & (O_ACCMODE | O_NONBLOCK), O_RDONLY);
+}
+
+TEST_F(osFileTest, tellsTheSize)
+{
+    const osFilePath path = write("file", "content");
+    osFile file;
+    unsigned long long size = 99;
+    EXPECT_FALSE(file.fileSize(size));
+    EXPECT_EQ(size, 99U);
+    ASSERT_TRUE(open(file, path));
+    EXPECT_TRUE(file.fileSize(size));
+    EXPECT_EQ(size, 7U);
+    std::ofstream(nameOf("file"), std::ios::app) << "!";
+    EXPECT_TRUE(file.fileSize(size));
+    EXPECT_EQ(size, 8U);
+    EXPECT_EQ(::truncate(nameOf("file").c_str(), off_t(5) << 30), 0);
+    EXPECT_TRUE(file.fileSize(size));
+    EXPECT_EQ(size, 5ULL << 30);
+    {
+        SystemCalls calls;
+        calls.fstats = {-EIO};
+        size = 99;
+        EXPECT_FALSE(file.fileSize(size));
+        EXPECT_EQ(size, 99U);
+    }
+    file.close();
+    EXPECT_FALSE(file.fileSize(size));
+}
+
+TEST_F(osFileTest, readsFilesThatDoNotTellTheirSize)
+{
+    osFile file;
+    if (!open(file, pathOf("/proc/version")))
+    {
+        GTEST_SKIP() << "there is no /proc/version here";
+    }
+    std::string expected;
+    std::getline(std::ifstream("/proc/version"), expected);
+    EXPECT_EQ(readInSteps(file, 7), expected + "\n");
+}
+
+TEST_F(osFileTest, openingReadingAndClosingDoNotThrow)
+{
+    const osFilePath path = write("file", "content");
+    const FailingAllocation failing(0);
+    osFile file;
+    char buffer[10];
+    unsigned long amount = 0;
+    const bool isOpened = open(file, path);
+    const bool isRead = file.readAvailableData(buffer, sizeof buffer, amount);
+    file.close();
+    EXPECT_TRUE(isOpened);
+    EXPECT_TRUE(isRead);
+    EXPECT_EQ(amount, 7U);
+}
+
+TEST_F(osFileTest, severalThreadsReadOneFileEachForItself)
+{
+    const std::string content = contentOf(600000);
+    const osFilePath path = write("file", content);
+    std::vector<std::thread> threads;
+    std::vector<int> good(4, 0);
+    for (std::size_t i = 0; i < good.size(); ++i)
+    {
+        threads.emplace_back(
+            [&, i]()
+            {
+                osFile file;
+                good[i] = (open(file, path) && (readInSteps(file, 60 + i) == content)) ? 1 : 0;
+            });
+    }
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+    EXPECT_THAT(good, Each(1));
+}
+}  // namespace

@@ -1,0 +1,685 @@
+#include "platform/osWrappers/osProcess.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <new>
+#include <ostream>
+#include <set>
+#include <sstream>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include "tests/support/failingAllocation.h"
+
+namespace
+{
+// How often this thread may still fork, if not below 0. A child has a copy of its own.
+thread_local int amountOfForksLeft = -1;
+}  // namespace
+
+extern "C" pid_t fork() noexcept
+{
+    if (amountOfForksLeft == 0)
+    {
+        errno = EAGAIN;
+        return -1;
+    }
+    amountOfForksLeft -= (amountOfForksLeft > 0) ? 1 : 0;
+    pid_t (*realFork)() = nullptr;
+    void* const pSymbol = ::dlsym(RTLD_NEXT, "fork");
+    std::memcpy(&realFork, &pSymbol, sizeof realFork);
+    return realFork();
+}
+
+namespace
+{
+using testing::AnyOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+using Strings = std::vector<std::string>;
+
+osFilePath pathOf(const std::string& text)
+{
+    return osFilePath(gtString(text.data(), static_cast<int>(text.size())));
+}
+
+TEST(osGetCurrentThreadId, isTheSystems)
+{
+    EXPECT_EQ(osGetCurrentThreadId(), static_cast<unsigned int>(::getpid()));
+    EXPECT_EQ(osGetCurrentThreadId(), osGetCurrentThreadId());
+    std::thread(
+        []()
+        {
+            const std::string task = std::filesystem::read_symlink("/proc/thread-self").filename();
+            EXPECT_EQ(std::to_string(osGetCurrentThreadId()), task);
+        })
+        .join();
+}
+
+TEST(osGetCurrentThreadId, isDifferentOnEveryThread)
+{
+    constexpr std::size_t amount = 8;
+    std::array<unsigned int, amount> ids = {};
+    std::atomic<std::size_t> arrived = 0;
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < amount; ++i)
+    {
+        threads.emplace_back(
+            [&, i]()
+            {
+                ids[i] = osGetCurrentThreadId();
+                ++arrived;
+                while (arrived < amount)  // all are alive together
+                {
+                    std::this_thread::yield();
+                }
+            });
+    }
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+    std::set<unsigned int> all(ids.begin(), ids.end());
+    all.insert(osGetCurrentThreadId());
+    EXPECT_EQ(all.size(), amount + 1);
+}
+
+// A folder with programs of ours, which is all that PATH holds. Each program reports to a pipe that is called like it
+// with ".report".
+class osOpenFileInSourceCodeEditorTest : public testing::Test
+{
+protected:
+    osOpenFileInSourceCodeEditorTest()
+    {
+        std::string pattern = testing::TempDir() + "editorsXXXXXX";
+        if (::mkdtemp(pattern.data()) == nullptr)
+        {
+            std::abort();
+        }
+        _folder = pattern;
+        const char* const pPath = std::getenv("PATH");
+        _pathBefore = (pPath == nullptr) ? "" : pPath;
+        ::setenv("PATH", _folder.c_str(), 1);
+    }
+
+    ~osOpenFileInSourceCodeEditorTest() override
+    {
+        ::setenv("PATH", _pathBefore.c_str(), 1);
+        std::filesystem::remove_all(_folder);
+    }
+
+    std::string nameOf(const std::string& name) const { return _folder + "/" + name; }
+
+    void makeProgram(const std::string& name, const std::string& text, unsigned int mode = 0755) const
+    {
+        std::ofstream(nameOf(name)) << text;
+        ::chmod(nameOf(name).c_str(), mode);
+    }
+
+    // An editor that reports its arguments.
+    void makeEditor(const std::string& name) const { makeReporter(name, "printf '%s\\0' \"$@\""); }
+
+    // An editor that reports what the shell command writes.
+    void makeReporter(const std::string& name, const std::string& command) const
+    {
+        std::filesystem::create_directories(std::filesystem::path(nameOf(name)).parent_path());
+        if (::mkfifo((nameOf(name) + ".report").c_str(), 0600) != 0)
+        {
+            std::abort();
+        }
+        makeProgram(name, "#!/bin/sh\n{ " + command + "\n} >\"$0.report\" 2>&1\n");
+    }
+
+    // Waits for the editor's report, to its end.
+    std::string reportOf(const std::string& name) const
+    {
+        const std::ifstream report(nameOf(name) + ".report", std::ios::binary);
+        std::ostringstream text;
+        text << report.rdbuf();
+        return text.str();
+    }
+
+    Strings argumentsOf(const std::string& name) const
+    {
+        std::istringstream report(reportOf(name));
+        Strings arguments;
+        for (std::string argument; std::getline(report, argument, '\0');)
+        {
+            arguments.push_back(argument);
+        }
+        return arguments;
+    }
+
+    static void open(const std::string& file, int lineNumber)
+    {
+        osOpenFileInSourceCodeEditor(pathOf(file), lineNumber);
+    }
+
+    static std::string stderrOfOpening(const std::string& file, int lineNumber)
+    {
+        testing::internal::CaptureStderr();
+        open(file, lineNumber);
+        return testing::internal::GetCapturedStderr();
+    }
+
+private:
+    std::string _folder;
+    std::string _pathBefore;
+};
+
+struct Case
+{
+    const char* pEditor;
+    Strings atLine12;
+};
+
+// The name of the test's instance.
+std::ostream& operator<<(std::ostream& stream, const Case& one)
+{
+    return stream << one.pEditor;
+}
+
+class osEveryEditorTest : public osOpenFileInSourceCodeEditorTest, public testing::WithParamInterface<Case>
+{
+};
+
+TEST_P(osEveryEditorTest, goesToTheLine)
+{
+    const Case& one = GetParam();
+    makeEditor(one.pEditor);
+    open("/src/a b.cpp", 12);
+    EXPECT_EQ(argumentsOf(one.pEditor), one.atLine12);
+}
+
+TEST_P(osEveryEditorTest, opensWithoutALine)
+{
+    const Case& one = GetParam();
+    makeEditor(one.pEditor);
+    for (const int lineNumber : {0, -1, -2147483647 - 1})
+    {
+        open("/src/a b.cpp", lineNumber);
+        EXPECT_THAT(argumentsOf(one.pEditor), ElementsAre("/src/a b.cpp"));
+    }
+    if (one.atLine12.front() != "/src/a b.cpp")
+    {
+        open("/src/a b.cpp", 1);
+        EXPECT_NE(argumentsOf(one.pEditor).front(), "/src/a b.cpp");
+    }
+}
+
+const Case cases[] = {
+    {"code", {"--goto", "/src/a b.cpp:12"}},
+    {"codium", {"--goto", "/src/a b.cpp:12"}},
+    {"subl", {"/src/a b.cpp:12"}},
+    {"kate", {"--line=12", "/src/a b.cpp"}},
+    {"gedit", {"+12", "/src/a b.cpp"}},
+    {"geany", {"--line=12", "/src/a b.cpp"}},
+    {"kwrite", {"--line=12", "/src/a b.cpp"}},
+    {"mousepad", {"--line=12", "/src/a b.cpp"}},
+    {"pluma", {"+12", "/src/a b.cpp"}},
+    {"xed", {"+12", "/src/a b.cpp"}},
+    {"gvim", {"+12", "/src/a b.cpp"}},
+    {"emacs", {"+12", "/src/a b.cpp"}},
+    {"xdg-open", {"/src/a b.cpp"}},
+};
+
+INSTANTIATE_TEST_SUITE_P(all, osEveryEditorTest, testing::ValuesIn(cases),
+                         [](const testing::TestParamInfo<Case>& instance)
+                         {
+                             std::string name = instance.param.pEditor;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+TEST_F(osOpenFileInSourceCodeEditorTest, takesTheFirstEditorThatIsThere)
+{
+    // From the last to the first: each new one is preferred to those that are there.
+    for (auto one = std::rbegin(cases); one != std::rend(cases); ++one)
+    {
+        makeEditor(one->pEditor);
+        open("/src/a b.cpp", 12);
+        EXPECT_EQ(argumentsOf(one->pEditor), one->atLine12) << one->pEditor;
+    }
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, takesTheFirstFolderOfPath)
+{
+    makeEditor("one/gedit");
+    makeEditor("two/gedit");
+    makeEditor("two/kate");
+    ::setenv("PATH", (nameOf("missing") + ":" + nameOf("two") + ":" + nameOf("one")).c_str(), 1);
+    open("/f", 3);
+    EXPECT_THAT(argumentsOf("two/kate"), ElementsAre("--line=3", "/f"));
+    std::filesystem::remove(nameOf("two/kate"));
+    open("/f", 3);
+    EXPECT_THAT(argumentsOf("two/gedit"), ElementsAre("+3", "/f"));
+    std::filesystem::remove(nameOf("two/gedit"));
+    open("/f", 3);
+    EXPECT_THAT(argumentsOf("one/gedit"), ElementsAre("+3", "/f"));
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, handsTheNameOverAsItIs)
+{
+    makeEditor("gedit");
+    for (const char* pName : {"/a b/c\td\ne.cpp", "/quote'\"`$HOME`$(false)\\;&|<>*?[]{}~#!", "/\xff\xfe\x80.cpp",
+                              "plain.cpp", "./-rf", "src/a:b", "~", "/+x", "%f%l%s.cpp", " ", "a\n"})
+    {
+        open(pName, 5);
+        EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+5", pName));
+    }
+    const std::string longName = "/" + std::string(100000, 'n');
+    open(longName, 2147483647);
+    EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+2147483647", longName));
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, namesLikeOptionsAndAddressesBecomePlainPaths)
+{
+    makeEditor("gedit");
+    for (const char* pName : {"-rf", "--help", "-", "+12", "-a/b", "mailto:me", "http://x", "a:b/c"})
+    {
+        open(pName, 5);
+        EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+5", std::string("./") + pName));
+    }
+    std::filesystem::remove(nameOf("gedit"));
+    makeEditor("subl");
+    open("-x", 5);
+    EXPECT_THAT(argumentsOf("subl"), ElementsAre("./-x:5"));
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, percentSignsOfTheNameAreNoPlaceholders)
+{
+    makeEditor("code");
+    open("/%f%l%", 5);
+    EXPECT_THAT(argumentsOf("code"), ElementsAre("--goto", "/%f%l%:5"));
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, namesThatNoFileHasAreOneLine)
+{
+    makeEditor("gedit");
+    EXPECT_EQ(stderrOfOpening("", 5), "Cannot open \"\" at line 5: no file can have this name\n");
+    EXPECT_EQ(stderrOfOpening(std::string("a\0b", 3), 5),
+              "Cannot open \"a b\" at line 5: no file can have this name\n");
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, withoutAnyProgramItIsOneLine)
+{
+    const std::string line = "\" at line 5: no graphical editor that is known here, and no desktop default, is "
+                             "installed\n";
+    EXPECT_EQ(stderrOfOpening("/src/a.cpp", 5), "Cannot open \"/src/a.cpp" + line);
+    EXPECT_EQ(stderrOfOpening("/a\nb\x7f%s\xff", 5), "Cannot open \"/a b %s\xff" + line);
+
+    // Neither is run: a folder, what may not be executed, what only the current directory holds, an editor for
+    // terminals.
+    std::filesystem::create_directory(nameOf("kate"));
+    makeProgram("gedit", "#!/bin/sh\n", 0644);
+    makeProgram("emacs-nox", "#!/bin/sh\n");
+    ASSERT_EQ(::symlink("emacs-nox", nameOf("emacs").c_str()), 0);
+    ASSERT_EQ(::symlink("nowhere", nameOf("code").c_str()), 0);
+    EXPECT_EQ(stderrOfOpening("/src/a.cpp", 5), "Cannot open \"/src/a.cpp" + line);
+
+    makeProgram("xed", "#!/bin/sh\n");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(nameOf(""));
+    for (const char* pPath : {"", ":", ".", "::.:", "missing"})
+    {
+        ::setenv("PATH", pPath, 1);
+        EXPECT_EQ(stderrOfOpening("/src/a.cpp", 5), "Cannot open \"/src/a.cpp" + line) << pPath;
+    }
+    std::filesystem::current_path(before);
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, linkToAGraphicalEditorIsFollowed)
+{
+    makeEditor("emacs-gtk");
+    ASSERT_EQ(::symlink("emacs-gtk", nameOf("emacs").c_str()), 0);
+    ASSERT_EQ(::symlink("emacs-gtk.report", nameOf("emacs.report").c_str()), 0);
+    open("/f", 3);
+    EXPECT_THAT(argumentsOf("emacs"), ElementsAre("+3", "/f"));
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, programThatCannotBeStartedIsPassedOver)
+{
+    // Without a line that names its interpreter a script is a matter for shells, and none is asked.
+    makeProgram("code", "exit 0\n");
+    makeProgram("subl", "#!/nowhere/interpreter\n");
+    makeEditor("gedit");
+    open("/f", 3);
+    EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+3", "/f"));
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, ifNoneCanBeStartedItIsOneLine)
+{
+    makeProgram("code", "exit 0\n");
+    makeProgram("xdg-open", "");
+    // The line comes from another process, in its own time: read standard error to its end.
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    const int before = ::dup(STDERR_FILENO);
+    ASSERT_EQ(::dup2(ends[1], STDERR_FILENO), STDERR_FILENO);
+    open("/f", 3);
+    ::dup2(before, STDERR_FILENO);
+    ::close(before);
+    ::close(ends[1]);
+    std::string text;
+    char buffer[100];
+    for (ssize_t amount = 0; (amount = ::read(ends[0], buffer, sizeof buffer)) > 0;)
+    {
+        text.append(buffer, static_cast<std::size_t>(amount));
+    }
+    ::close(ends[0]);
+    EXPECT_EQ(text, "Cannot open \"/f\" at line 3: no editor could be started\n");
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, doesNotWaitAndLeavesNoChild)
+{
+    makeEditor("gedit");
+    open("/f", 3);
+    // The editor is stuck in its report, which nobody has read yet: this is before its end.
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+    EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+3", "/f"));
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
+std::atomic<int> amountOfSigchld = 0;
+
+void countSigchld(int)
+{
+    ++amountOfSigchld;
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, leavesTheProgramsSignalsAndChildrenAlone)
+{
+    makeEditor("gedit");
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = countSigchld;
+    ASSERT_EQ(::sigaction(SIGCHLD, &action, &before), 0);
+    sigset_t maskBefore;
+    sigset_t mask;
+    sigemptyset(&mask);
+    sigaddset(&mask, SIGUSR1);
+    ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &mask, &maskBefore), 0);
+
+    // A child of the program's own, which has ended and waits for being collected.
+    const pid_t child = ::fork();
+    if (child == 0)
+    {
+        ::_exit(42);
+    }
+    siginfo_t info;
+    while ((::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) != 0) && (errno == EINTR))
+    {
+    }
+
+    open("/f", 3);
+
+    sigset_t maskAfter;
+    ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &maskBefore, &maskAfter), 0);
+    for (int number = 1; number < NSIG; ++number)
+    {
+        EXPECT_EQ(sigismember(&maskAfter, number), (number == SIGUSR1) ? 1 : 0) << number;
+    }
+    struct sigaction after = {};
+    ASSERT_EQ(::sigaction(SIGCHLD, &before, &after), 0);
+    EXPECT_EQ(after.sa_handler, countSigchld);
+    EXPECT_LE(amountOfSigchld, 2);
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 42);
+    argumentsOf("gedit");
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, worksWhereChildrenAreNotCollected)
+{
+    makeEditor("gedit");
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = SIG_IGN;
+    ASSERT_EQ(::sigaction(SIGCHLD, &action, &before), 0);
+    EXPECT_EQ(stderrOfOpening("/f", 3), "");
+    EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+3", "/f"));
+    ASSERT_EQ(::sigaction(SIGCHLD, &before, nullptr), 0);
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, editorStartsInACleanState)
+{
+    // $$ is the editor. Its report is on 1 and 2; 0 must be /dev/null and nothing else may be open. What the shell has
+    // open itself is above 9, but for the folder while it lists it.
+    const std::string script = R"(
+echo
+for d in /proc/$$/fd/*; do
+    f=${d##*/}
+    [ -e $d ] && [ $f -le 9 ] && echo fd $f
+done
+[ /proc/$$/fd/0 -ef /dev/null ] && echo null
+read -r stat </proc/$$/stat
+echo "stat $stat"
+while read -r line; do
+    case $line in Sig[BI]*) echo "$line" ;; esac
+done </proc/$$/status
+echo "marker $COUNTERSIGN_TEST_MARKER"
+pwd
+)";
+    makeReporter("gedit", script);
+    const int inheritable = ::open("/dev/null", O_RDONLY);
+    ASSERT_LE(inheritable, 9);
+    const int high = ::fcntl(inheritable, F_DUPFD, 200);
+    ASSERT_GE(high, 200);
+    ::setenv("COUNTERSIGN_TEST_MARKER", "value", 1);
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = SIG_IGN;
+    ASSERT_EQ(::sigaction(SIGPIPE, &action, &before), 0);
+    sigset_t mask;
+    sigset_t maskBefore;
+    sigfillset(&mask);
+    ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &mask, &maskBefore), 0);
+    open("/f", 3);
+    ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr), 0);
+    ASSERT_EQ(::sigaction(SIGPIPE, &before, nullptr), 0);
+    ::unsetenv("COUNTERSIGN_TEST_MARKER");
+    ::close(inheritable);
+    ::close(high);
+
+    const std::string report = reportOf("gedit");
+    std::istringstream lines(report);
+    Strings descriptors;
+    std::string statLine;
+    for (std::string line; std::getline(lines, line);)
+    {
+        if (line.rfind("fd ", 0) == 0)
+        {
+            descriptors.push_back(line.substr(3));
+        }
+        if (line.rfind("stat ", 0) == 0)
+        {
+            statLine = line.substr(5);
+        }
+    }
+    EXPECT_THAT(descriptors, Each(AnyOf("0", "1", "2"))) << report;
+    EXPECT_THAT(descriptors, testing::SizeIs(3)) << report;
+    EXPECT_THAT(report, HasSubstr("\nnull\n"));
+    EXPECT_THAT(report, HasSubstr("\nSigBlk:\t0000000000000000\n"));
+    EXPECT_THAT(report, HasSubstr("\nSigIgn:\t0000000000000000\n"));
+    EXPECT_THAT(report, HasSubstr("\nmarker value\n"));
+    EXPECT_THAT(report, HasSubstr("\n" + std::filesystem::current_path().string() + "\n"));
+
+    // pid (name) state parent group session
+    std::istringstream stat(statLine.substr(statLine.rfind(')') + 1));
+    std::string state;
+    long parent = 0;
+    long group = 0;
+    long session = 0;
+    stat >> state >> parent >> group >> session;
+    EXPECT_NE(parent, ::getpid());
+    EXPECT_EQ(std::to_string(session), statLine.substr(0, statLine.find(' '))) << "it leads a session of its own";
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, worksWithStandardDescriptorsClosed)
+{
+    makeEditor("gedit");
+    EXPECT_EXIT(
+        {
+            ::close(STDIN_FILENO);
+            ::close(STDOUT_FILENO);
+            ::close(STDERR_FILENO);
+            open("/f", 3);
+            std::_Exit(3);
+        },
+        testing::ExitedWithCode(3), "");
+    EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+3", "/f"));
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, withoutAnotherProcessItIsOneLine)
+{
+    makeEditor("gedit");
+    for (const int amount : {0, 1})  // before the first one fails, and before that one's own fails
+    {
+        amountOfForksLeft = amount;
+        const std::string text = stderrOfOpening("/f", 3);
+        amountOfForksLeft = -1;
+        EXPECT_EQ(text, "Cannot open \"/f\" at line 3: the system could not start another process\n");
+        EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+    }
+    open("/g", 3);
+    EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+3", "/g"));
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, startsNothingWithoutMemory)
+{
+    makeEditor("gedit");
+    const osFilePath path = pathOf("/a/path/that/is/long/enough/to/need/memory/of/its/own.cpp");
+    int failures = 0;
+    for (bool hasSucceeded = false; !hasSucceeded; ++failures)
+    {
+        try
+        {
+            const FailingAllocation failing(failures);
+            osOpenFileInSourceCodeEditor(path, 3);
+            hasSucceeded = true;
+        }
+        catch (const std::bad_alloc&)
+        {
+            EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+        }
+    }
+    EXPECT_GT(failures, 5);
+    // Were two editors running, both would report.
+    EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+3", path.asCharArray()));
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, severalThreadsOpenFiles)
+{
+    makeReporter("kate", "printf .");
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+    {
+        threads.emplace_back(
+            []()
+            {
+                for (int round = 0; round < 5; ++round)
+                {
+                    open("/f", 3);
+                }
+            });
+    }
+    // A pipe that this end keeps open for writing as well does not end between two editors.
+    const int pipe = ::open((nameOf("kate") + ".report").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_GE(pipe, 0);
+    std::string report;
+    char buffer[100];
+    while (report.size() < 20)
+    {
+        const ssize_t amount = ::read(pipe, buffer, sizeof buffer);
+        ASSERT_GT(amount, 0);
+        report.append(buffer, static_cast<std::size_t>(amount));
+    }
+    ::close(pipe);
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+    EXPECT_EQ(report, std::string(20, '.'));
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+}
+
+// Runs a shell command line of the test's own and gives what it writes.
+std::string outputOf(const std::string& command, int& status)
+{
+    std::string output;
+    FILE* const pPipe = ::popen(command.c_str(), "r");
+    if (pPipe == nullptr)
+    {
+        status = -1;
+        return output;
+    }
+    char buffer[4096];
+    for (std::size_t amount = 0; (amount = std::fread(buffer, 1, sizeof buffer, pPipe)) > 0;)
+    {
+        output.append(buffer, amount);
+    }
+    status = ::pclose(pPipe);
+    return output;
+}
+
+TEST(osThrowBreakpointException, stopsADebuggerAndResumes)
+{
+    int status = 0;
+    const std::string output =
+        outputOf("LC_ALL=C ASAN_OPTIONS=detect_leaks=0 gdb -nx -batch -ex run -ex backtrace -ex 'echo stopped here\\n' "
+                 "-ex continue '" BREAKPOINT_PROBE "' 2>&1",
+                 status);
+    if ((output.find("Operation not permitted") != std::string::npos) && (output.find("SIGTRAP") == std::string::npos))
+    {
+        GTEST_SKIP() << "tracing is not permitted here: " << output;
+    }
+    // In this order.
+    std::size_t position = 0;
+    for (const char* pExpected : {"before the trap", "received signal SIGTRAP", "osThrowBreakpointException", "main",
+                                  "stopped here", "after the trap, 0 counted", "exited with code 011"})
+    {
+        position = output.find(pExpected, position);
+        ASSERT_NE(position, std::string::npos) << pExpected << " is missing in its place in:\n" << output;
+    }
+}
+
+TEST(osThrowBreakpointException, callsTheProgramsHandlerWithoutADebugger)
+{
+    int status = 0;
+    EXPECT_EQ(outputOf("'" BREAKPOINT_PROBE "' handler", status), "before the trap\nafter the trap, 1 counted\n");
+    EXPECT_EQ(WEXITSTATUS(status), 9);
+}
+
+TEST(osThrowBreakpointException, endsTheProcessWithoutDebuggerAndHandler)
+{
+    EXPECT_EXIT(
+        {
+            std::signal(SIGTRAP, SIG_DFL);
+            osThrowBreakpointException();
+        },
+        testing::KilledBySignal(SIGTRAP), "");
+}
+}  // namespace
