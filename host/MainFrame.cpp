@@ -132,6 +132,17 @@ std::vector<gtString> applicationArguments()
     return hoWithLostArguments(arguments, hoProcessArguments(), isLostArgument);
 }
 
+// The documents among the application's arguments, those that arrived before the window included.
+std::vector<gtString> argumentDocuments()
+{
+    if (wxTheApp == nullptr)
+    {
+        return {};
+    }
+    const gtString program = ahPathBytesFromText(wxStandardPaths::Get().GetExecutablePath());
+    return hoDocumentArguments(applicationArguments(), program);
+}
+
 // The toolkit's numbers of a window's place, to the settings and back.
 class PlaceWriter : public wxTopLevelWindow::GeometrySerializer
 {
@@ -193,6 +204,7 @@ wxPanel* makeEmptyPage(wxWindow* pParent)
 
 MainFrame::MainFrame()
     : wxFrame(nullptr, wxID_ANY, "Countersign", wxDefaultPosition, defaultSize),
+      _isHandedOver(false),
       _areChangesPending(false),
       _isRecentChanged(false),
       _pRecentMenu(nullptr),
@@ -200,6 +212,12 @@ MainFrame::MainFrame()
       _pPages(nullptr),
       _pList(nullptr)
 {
+    _isHandedOver = handOverArguments();
+    if (_isHandedOver)
+    {
+        CallAfter([this] { Destroy(); });
+        return;
+    }
     SetIcons(hoApplicationIcons());
 
     makeMenus();
@@ -523,14 +541,33 @@ void MainFrame::OnClose(wxCloseEvent& event)
     event.Skip();
 }
 
+bool MainFrame::Show(bool isShown)
+{
+    return !_isHandedOver && wxFrame::Show(isShown);
+}
+
+// True when the application is running already and has taken the documents. The functions handed over here are called
+// from the event loop, when the shell knows its window.
+bool MainFrame::handOverArguments()
+{
+    std::vector<std::string> paths;
+    for (const gtString& path : argumentDocuments())
+    {
+        paths.push_back(hoToBytes(path));
+    }
+    const auto onOpen = [](const std::vector<std::string>& requested)
+    {
+        for (const std::string& path : requested)
+        {
+            wxGetApp().MacOpenFile(ahPathTextFromBytes(hoToText(path)));
+        }
+    };
+    return _sessionBus.start(paths, onOpen, [this] { comeToFront(); }) == hoSessionBus::Outcome::HANDED_OVER;
+}
+
 void MainFrame::openArguments()
 {
-    if (wxTheApp == nullptr)
-    {
-        return;
-    }
-    const gtString program = ahPathBytesFromText(wxStandardPaths::Get().GetExecutablePath());
-    const std::vector<gtString> documents = hoDocumentArguments(applicationArguments(), program);
+    const std::vector<gtString> documents = argumentDocuments();
     if (!documents.empty())
     {
         openAskedFor(documents);

@@ -5,11 +5,16 @@
 // opened adds no row; the window says so in a bar above the list, which waits for the user and never blocks. One that
 // is open already is selected where it is.
 //
+// There is one window a session: where the application is running already, a second start hands its arguments to that one
+// over the session bus, and its own window is never shown and goes away by itself. Documents that come over the bus go
+// through the application's MacOpenFile.
+//
 // What the window remembers between runs (its place, the recent documents, the last folder) is in hoUserSettingsPath().
 // Memory: belongs to the toolkit, like every top-level window. Threads: main thread only.
 #ifndef COUNTERSIGN_MAIN_FRAME_H
 #define COUNTERSIGN_MAIN_FRAME_H
 
+#include "host/desktop/hoSessionBus.h"
 #include "host/hoDocumentList.h"
 #include "host/hoRecentDocuments.h"
 #include "host/hoSettings.h"
@@ -35,6 +40,9 @@ public:
 
     MainFrame(const MainFrame&) = delete;
     MainFrame& operator=(const MainFrame&) = delete;
+
+    // As the toolkit's, but never shows the window of a second start.
+    bool Show(bool isShown = true) override;
 
     // Opens the document; path is bytes, relative ones start at the current folder. isAskedFor: somebody waits for this
     // document, so it is selected and the window comes to the front; otherwise what is selected and what is in front
@@ -67,6 +75,7 @@ private:
     void OnContextMenu(wxContextMenuEvent& event);
     void OnClose(wxCloseEvent& event);
 
+    bool handOverArguments();
     void openArguments();
     void openAskedFor(const std::vector<gtString>& paths);
     // Opens one document and gives its position, or hoDocumentList::nowhere.
@@ -85,6 +94,8 @@ private:
 
     static ahDialogBasedAssertionFailureHandler* silentHandler();
 
+    hoSessionBus _sessionBus;
+    bool _isHandedOver;  // to the window of an earlier start; this one is empty then
     hoDocumentList _documents;
     hoRecentDocuments _recent;
     hoSettings _settings;

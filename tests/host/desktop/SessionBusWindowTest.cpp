@@ -1,0 +1,204 @@
+// The main window on a real session bus: requests of the desktop (gdbus) and second starts of the program end as
+// documents of the one window.
+#include "app/ApplicationShell.h"
+#include "host/MainFrame.h"
+#include "host/desktop/hoSessionBus.h"
+#include "tests/support/tsWindowTest.h"
+
+#include <gio/gio.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+class SessionBusWindowTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        char folder[] = "/tmp/countersign-bus-XXXXXX";
+        ASSERT_NE(mkdtemp(folder), nullptr);
+        _folder = folder;
+        setenv("HOME", folder, 1);
+        setenv("XDG_CONFIG_HOME", (_folder + "/config").c_str(), 1);
+        _pBus = g_test_dbus_new(G_TEST_DBUS_NONE);
+        // It takes the display away, which the second starts need.
+        const std::string display = std::getenv("DISPLAY");
+        g_test_dbus_up(_pBus);
+        setenv("DISPLAY", display.c_str(), 1);
+    }
+
+    void TearDown() override
+    {
+        if (_pFrame != nullptr)
+        {
+            _pFrame->Close();
+            tsRunEvents();
+        }
+        wxGetApp().OnExit();
+        g_test_dbus_stop(_pBus);
+        g_object_unref(_pBus);
+        EXPECT_EQ(tsRunProgram({"rm", "-rf", _folder}), 0);
+    }
+
+    // Starts the application as its entry does. The test program's own arguments are none of its documents.
+    void start()
+    {
+        wxTheApp->argc = 0;
+        char* none[] = {nullptr};
+        wxTheApp->argv.Init(0, none);
+        ASSERT_TRUE(wxGetApp().OnInit());
+        _pFrame = dynamic_cast<MainFrame*>(wxTheApp->GetTopWindow());
+        ASSERT_NE(_pFrame, nullptr);
+    }
+
+    std::string makeDocument(const std::string& name)
+    {
+        const std::string path = _folder + "/" + name;
+        std::ofstream(path) << "contents\n";
+        return path;
+    }
+
+    std::vector<std::string> openDocuments() const
+    {
+        std::vector<std::string> paths;
+        for (std::size_t i = 0; i < _pFrame->documents().size(); ++i)
+        {
+            const gtString& path = _pFrame->documents()[i]._path;
+            paths.emplace_back(path.asCharArray(), static_cast<std::size_t>(path.length()));
+        }
+        return paths;
+    }
+
+    // Runs another program while the window goes on working; its exit status.
+    static int runMeanwhile(const std::vector<std::string>& arguments)
+    {
+        std::vector<char*> pointers;
+        for (const std::string& argument : arguments)
+        {
+            pointers.push_back(const_cast<char*>(argument.c_str()));
+        }
+        pointers.push_back(nullptr);
+        std::atomic<int> status{-1};
+        std::atomic<bool> isDone{false};
+        std::thread other(
+            [&]
+            {
+                gint waitStatus = -1;
+                const int flags = G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL;
+                if (g_spawn_sync(nullptr, pointers.data(), nullptr, static_cast<GSpawnFlags>(flags), nullptr, nullptr,
+                                 nullptr, nullptr, &waitStatus, nullptr) != FALSE)
+                {
+                    status = g_spawn_check_wait_status(waitStatus, nullptr) != FALSE ? 0 : 1;
+                }
+                isDone = true;
+            });
+        tsRunUntil(arguments[0] + " has ended", [&] { return isDone.load(); });
+        other.join();
+        return status;
+    }
+
+    static int callOpen(const std::vector<std::string>& paths)
+    {
+        std::string uris = "[";
+        for (const std::string& path : paths)
+        {
+            char* pUri = g_filename_to_uri(path.c_str(), nullptr, nullptr);
+            uris += (uris.size() > 1 ? ", '" : "'") + std::string(pUri) + "'";
+            g_free(pUri);
+        }
+        return runMeanwhile({"gdbus", "call", "--session", "--dest", hoSessionBus::NAME, "--object-path",
+                             hoSessionBus::OBJECT_PATH, "--method", "org.freedesktop.Application.Open", uris + "]",
+                             "{}"});
+    }
+
+    std::string _folder;
+    GTestDBus* _pBus = nullptr;
+    MainFrame* _pFrame = nullptr;
+};
+
+const std::vector<std::string> difficultNames = {"with blank",        "100%",     "%20",
+                                                 "\xC3\xA9t\xC3\xA9", "\xFF\xFE", "new\nline"};
+}  // namespace
+
+TEST_F(SessionBusWindowTest, requestsOfTheDesktopOpenDocumentsOfAnyName)
+{
+    start();
+    std::vector<std::string> paths;
+    for (const std::string& name : difficultNames)
+    {
+        paths.push_back(makeDocument(name));
+    }
+    EXPECT_EQ(callOpen(paths), 0);
+    tsRunUntil("the documents are open", [&] { return _pFrame->documents().size() == paths.size(); });
+    EXPECT_EQ(openDocuments(), paths);
+}
+
+TEST_F(SessionBusWindowTest, aSecondStartHandsItsDocumentsToTheFirstAndEndsWell)
+{
+    start();
+    std::vector<std::string> command = {COUNTERSIGN_DESKTOP};
+    std::vector<std::string> paths;
+    for (const std::string& name : difficultNames)
+    {
+        paths.push_back(makeDocument(name));
+    }
+    paths.push_back(makeDocument("-v"));
+    command.insert(command.end(), paths.begin(), paths.end());
+    EXPECT_EQ(runMeanwhile(command), 0);
+    tsRunUntil("the documents are open", [&] { return _pFrame->documents().size() == paths.size(); });
+    EXPECT_EQ(openDocuments(), paths);
+}
+
+TEST_F(SessionBusWindowTest, aSecondStartWithoutDocumentsBringsTheWindowBack)
+{
+    start();
+    _pFrame->Iconize();
+    tsRunUntil("the window is put away", [&] { return _pFrame->IsIconized(); });
+    EXPECT_EQ(runMeanwhile({COUNTERSIGN_DESKTOP}), 0);
+    tsRunUntil("the window is back", [&] { return !_pFrame->IsIconized() && _pFrame->IsShownOnScreen(); });
+}
+
+TEST_F(SessionBusWindowTest, aHundredDocumentsAtOnce)
+{
+    start();
+    std::vector<std::string> paths;
+    paths.reserve(100);
+    for (int i = 0; i < 100; ++i)
+    {
+        paths.push_back(makeDocument("document " + std::to_string(i)));
+    }
+    EXPECT_EQ(callOpen(paths), 0);
+    tsRunUntil("all of them are open", [&] { return _pFrame->documents().size() == paths.size(); });
+    EXPECT_EQ(openDocuments(), paths);
+}
+
+TEST_F(SessionBusWindowTest, whatCannotBeOpenedDoesNotKeepTheOthersOut)
+{
+    start();
+    const std::string there = makeDocument("there");
+    EXPECT_EQ(callOpen({_folder + "/not there", _folder, there}), 0);
+    tsRunUntil("the document is open", [&] { return _pFrame->documents().size() == 1; });
+    EXPECT_EQ(openDocuments(), std::vector<std::string>{there});
+}
+
+TEST_F(SessionBusWindowTest, aDocumentThatArrivesWhileTheWindowIsMadeIsOpened)
+{
+    // The stranger asks as soon as the name is there, which is while the window's constructor runs.
+    const std::string path = makeDocument("early");
+    const std::string command = "gdbus wait --session --timeout 30 " + std::string(hoSessionBus::NAME) +
+                                " && gdbus call --session --dest " + hoSessionBus::NAME + " --object-path " +
+                                hoSessionBus::OBJECT_PATH + " --method org.freedesktop.Application.Open \"['file://" +
+                                path + "']\" {}";
+    std::thread stranger([&] { EXPECT_EQ(std::system(("exec >/dev/null; " + command).c_str()), 0); });
+    start();
+    tsRunUntil("the document is open", [&] { return _pFrame->documents().size() == 1; });
+    stranger.join();
+    EXPECT_EQ(openDocuments(), std::vector<std::string>{path});
+}
