@@ -157,27 +157,34 @@ hoSignatureFileFacts hoReadSignatureFile(const gtString& path, gtString& signatu
     }
 }
 
+hoSignatureFileFacts hoCheckSignaturePath(const gtString& path, bool mayOverwrite)
+{
+    if (std::strlen(path.asCharArray()) != static_cast<std::size_t>(path.length()))
+    {
+        return cannotBeWritten(EINVAL);
+    }
+    struct stat status = {};
+    if (::stat(path.asCharArray(), &status) != 0)
+    {
+        return hoSignatureFileFacts();
+    }
+    if (!S_ISREG(status.st_mode))
+    {
+        return problemFacts(hoSignatureFileProblem::NotRegular, 0);
+    }
+    return problemFacts(mayOverwrite ? hoSignatureFileProblem::None : hoSignatureFileProblem::Exists, 0);
+}
+
 hoSignatureFileFacts hoWriteSignatureFile(const gtString& path, const gtString& signature, bool mayOverwrite)
 {
     try
     {
-        if (std::strlen(path.asCharArray()) != static_cast<std::size_t>(path.length()))
+        const hoSignatureFileFacts check = hoCheckSignaturePath(path, mayOverwrite);
+        if (check._problem != hoSignatureFileProblem::None)
         {
-            return cannotBeWritten(EINVAL);
+            return check;
         }
         const std::string wanted = mayOverwrite ? followLinks(hoToBytes(path)) : hoToBytes(path);
-        struct stat status = {};
-        if (::stat(wanted.c_str(), &status) == 0)
-        {
-            if (!S_ISREG(status.st_mode))
-            {
-                return problemFacts(hoSignatureFileProblem::NotRegular, 0);
-            }
-            if (!mayOverwrite)
-            {
-                return problemFacts(hoSignatureFileProblem::Exists, 0);
-            }
-        }
         const std::string folder = folderOf(wanted);
         std::string newPath;
         const int descriptor = createBeside(folder, newPath);

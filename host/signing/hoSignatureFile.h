@@ -31,6 +31,10 @@ gtString hoSignaturePath(const gtString& path);
 // The signature's text, without blanks and line ends behind it. What it says is not looked at.
 hoSignatureFileFacts hoReadSignatureFile(const gtString& path, gtString& signature);
 
+// Whether hoWriteSignatureFile would refuse the name because of what is there; nothing is written. Saves reading a file
+// whose signature could not be put down.
+hoSignatureFileFacts hoCheckSignaturePath(const gtString& path, bool mayOverwrite);
+
 // Writes a line with the signature into a new file beside the wanted one, brings it to the disk and only then gives it
 // its name: there is never half a signature under that name, and what was there before stays until the new one is whole.
 // Whatever fails, the new file is removed again. A symbolic link to a file is followed.

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <initializer_list>
 #include <poll.h>
 #include <signal.h>
 #include <stdexcept>
@@ -77,7 +78,11 @@ int newTerminal()
     {
         _exit(126);
     }
-    static_cast<void>(signal(SIGPIPE, SIG_DFL));
+    // What a test's surroundings ignore (a job in the background ignores interrupts) must not change what it finds.
+    for (const int number : {SIGPIPE, SIGINT, SIGTERM, SIGHUP})
+    {
+        static_cast<void>(signal(number, SIG_DFL));
+    }
     std::vector<char*> arguments;
     arguments.reserve(command._arguments.size() + 1);
     for (const std::string& argument : command._arguments)

@@ -1,0 +1,261 @@
+#include "cli/clArguments.h"
+
+#include <algorithm>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/clPrintableName.h"
+#include "countersignVersion.h"
+
+namespace
+{
+
+// The parser takes an argument that stands in brackets for a list. With a mark behind them they are what they are.
+constexpr char mark = '\x1f';
+
+std::string marked(const std::string& argument)
+{
+    const bool isBracketed = (argument.size() > 1) && (argument.front() == '[') && (argument.back() == ']');
+    const bool hasMark = !argument.empty() && (argument.back() == mark);
+    return (isBracketed || hasMark) ? argument + mark : argument;
+}
+
+std::string unmarked(const std::string& argument)
+{
+    return (!argument.empty() && (argument.back() == mark)) ? argument.substr(0, argument.size() - 1) : argument;
+}
+
+const char* const mainFooter = R"(Examples:
+  countersign sign --key private.pem report.pdf        writes report.pdf.sig
+  countersign test --key public.pem report.pdf         tells whether report.pdf is still the same
+  countersign encrypt --key public.pem "at noon"       prints the cipher text
+  countersign sign --help                              tells the options of a command
+
+Make a pair of keys:
+  openssl genrsa -out private.pem 2048
+  openssl rsa -in private.pem -pubout -out public.pem
+
+Put -- in front of names that begin with a dash. Exit status: 0 good, 1 checked and not good, 2 not checked or
+wrong use. This protects against accidents, not against an adversary: it is textbook RSA over an exclusive-or digest.)";
+
+const char* const signFooter = R"(Examples:
+  countersign sign --key private.pem *.iso
+  countersign sign --key private.pem --output - report.pdf > signatures/report.sig
+  countersign sign --key private.pem -- -odd-name
+
+A signature that is there already is kept unless --force is given.)";
+
+const char* const testFooter = R"(Examples:
+  countersign test --key public.pem *.iso
+  countersign test --key public.pem --signature signatures/report.sig report.pdf
+
+Prints one line a file: good, BAD or not tested. Exit status: 0 when all are good, 1 when one is bad, 2 when one
+could not be tested.)";
+
+const char* const encryptFooter = R"(Examples:
+  countersign encrypt --key public.pem "at noon"
+  countersign encrypt --key public.pem < note.txt > note.cipher
+
+Takes the key's own exponent: a text encrypted with public.pem is decrypted with private.pem, and the other way round.
+The text is taken byte by byte, a line end included, and has to fit one block: 127 bytes with a key of 1024 bits.)";
+
+const char* const decryptFooter = R"(Examples:
+  countersign decrypt --key private.pem < note.cipher
+  countersign encrypt --key public.pem "at noon" | countersign decrypt --key private.pem
+
+The text is printed byte by byte; a line end is added on a terminal only. Exit status 1: another key's, or damaged.)";
+
+const char* const keyFooter = R"(Examples:
+  countersign key --key public.pem
+  countersign key --key private.pem --private
+
+Prints size, modulus and exponent, eight hexadecimal characters a digit of 32 bits, the highest digit first. Of a
+private key the public exponent is printed, unless --private asks for the one that nobody else must see.)";
+
+const char* const digestFooter = R"(Examples:
+  countersign digest --key public.pem report.pdf
+
+The digest depends on the key's size only. With more than one file each line ends with two blanks and the name.)";
+
+// CLI11 needs addresses that stay.
+class Parser
+{
+public:
+    Parser();
+    clArguments parse(const std::vector<std::string>& arguments);
+
+private:
+    CLI::App* addCommand(clCommand command, const std::string& name, const std::string& description,
+                         const std::string& footer, const std::string& keyDescription);
+    void addFiles(CLI::App* pCommand, const std::string& description);
+    void addText(CLI::App* pCommand, const std::string& description);
+    void checkWhatParserCannot(clArguments& result) const;
+    std::string wrongUse(const std::string& what) const;
+
+    CLI::App _app{"Signs and tests files, and encrypts short texts, with RSA keys from PEM files.", "countersign"};
+    std::vector<std::pair<clCommand, CLI::App*>> _commands;
+    clArguments _result;
+    CLI::Option* _pOutput = nullptr;
+    CLI::Option* _pSignature = nullptr;
+    std::vector<CLI::Option*> _texts;
+};
+
+Parser::Parser()
+{
+    _app.require_subcommand(1);
+    _app.set_help_flag("-h,--help", "Print this help and end");
+    _app.set_version_flag("-V,--version", "countersign " COUNTERSIGN_VERSION, "Print the version and end");
+    _app.footer(mainFooter);
+
+    CLI::App* pSign = addCommand(clCommand::Sign, "sign", "Sign files: write FILE.sig beside each FILE", signFooter,
+                                 "The private key, a PEM file");
+    _pOutput =
+        pSign->add_option("-o,--output", _result._outputPath,
+                          "Where the signature of a single FILE goes instead; - for standard output, also of many");
+    _pOutput->type_name("PATH");
+    pSign->add_flag("-f,--force", _result._isForced, "Overwrite signatures that are there already");
+    addFiles(pSign, "The files to sign");
+
+    CLI::App* pTest = addCommand(clCommand::Test, "test", "Test files against FILE.sig beside each FILE", testFooter,
+                                 "The public key, a PEM file (of a private key the public half is taken)");
+    _pSignature = pTest->add_option("-s,--signature", _result._signaturePath,
+                                    "Where the signature of a single FILE is instead; - for standard input");
+    _pSignature->type_name("PATH");
+    addFiles(pTest, "The files to test");
+
+    addText(addCommand(clCommand::Encrypt, "encrypt", "Encrypt a short text", encryptFooter,
+                       "The key, a PEM file, private or public"),
+            "The text; standard input without it");
+    addText(addCommand(clCommand::Decrypt, "decrypt", "Decrypt a text", decryptFooter,
+                       "The partner of the key that encrypted, a PEM file, private or public"),
+            "The cipher text; standard input without it");
+
+    CLI::App* pKey = addCommand(clCommand::Key, "key", "Print a key's size, modulus and exponent", keyFooter,
+                                "The key, a PEM file, private or public");
+    pKey->add_flag("-p,--private", _result._isPrivateWanted, "Print the private exponent");
+
+    addFiles(addCommand(clCommand::Digest, "digest", "Print the digest text of files", digestFooter,
+                        "A key of the size that shall sign, a PEM file, private or public"),
+             "The files to read");
+}
+
+CLI::App* Parser::addCommand(clCommand command, const std::string& name, const std::string& description,
+                             const std::string& footer, const std::string& keyDescription)
+{
+    CLI::App* pCommand = _app.add_subcommand(name, description);
+    pCommand->set_help_flag("-h,--help", "Print this help and end");
+    pCommand->footer(footer);
+    pCommand->add_option("-k,--key", _result._keyPath, keyDescription)->type_name("PEM")->required();
+    _commands.emplace_back(command, pCommand);
+    return pCommand;
+}
+
+void Parser::addFiles(CLI::App* pCommand, const std::string& description)
+{
+    pCommand->add_option("FILE", _result._files, description)->type_name("")->required();
+}
+
+void Parser::addText(CLI::App* pCommand, const std::string& description)
+{
+    _texts.push_back(pCommand->add_option("TEXT", _result._plainText, description)->type_name(""));
+}
+
+clArguments Parser::parse(const std::vector<std::string>& arguments)
+{
+    // The parser takes the last argument first.
+    std::vector<std::string> backwards;
+    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
+    {
+        backwards.push_back(marked(*argument));
+    }
+    try
+    {
+        _app.parse(std::move(backwards));
+    }
+    catch (const CLI::CallForHelp&)
+    {
+        clArguments result;
+        result._command = clCommand::ShowText;
+        result._text = _app.help();
+        return result;
+    }
+    catch (const CLI::CallForVersion& version)
+    {
+        clArguments result;
+        result._command = clCommand::ShowText;
+        result._text = std::string(version.what()) + "\n";
+        return result;
+    }
+    catch (const CLI::Error& error)
+    {
+        clArguments result;
+        const bool isUnknown = _app.get_subcommands().empty() && !arguments.empty();
+        result._text = wrongUse(isUnknown ? "there is no command or option " + clPrintableName(arguments.front())
+                                          : clPrintableName(error.what()));
+        return result;
+    }
+
+    clArguments result = _result;
+    for (const auto& [command, pCommand] : _commands)
+    {
+        if (pCommand->parsed())
+        {
+            result._command = command;
+        }
+    }
+    for (std::string& file : result._files)
+    {
+        file = unmarked(file);
+    }
+    result._keyPath = unmarked(result._keyPath);
+    result._outputPath = unmarked(result._outputPath);
+    result._signaturePath = unmarked(result._signaturePath);
+    result._plainText = unmarked(result._plainText);
+    result._hasOutput = _pOutput->count() > 0;
+    result._hasSignature = _pSignature->count() > 0;
+    result._hasPlainText =
+        std::any_of(_texts.begin(), _texts.end(), [](const CLI::Option* pText) { return pText->count() > 0; });
+    checkWhatParserCannot(result);
+    return result;
+}
+
+void Parser::checkWhatParserCannot(clArguments& result) const
+{
+    if (result._files.size() < 2)
+    {
+        return;
+    }
+    if (result._hasOutput && (result._outputPath != "-"))
+    {
+        result._text = wrongUse("--output names one signature, but there are " + std::to_string(result._files.size()) +
+                                " files; sign them one by one, or leave --output out");
+        result._command = clCommand::WrongUse;
+    }
+    else if (result._hasSignature)
+    {
+        result._text =
+            wrongUse("--signature names one signature, but there are " + std::to_string(result._files.size()) +
+                     " files; test them one by one, or leave --signature out");
+        result._command = clCommand::WrongUse;
+    }
+}
+
+std::string Parser::wrongUse(const std::string& what) const
+{
+    std::string name = "countersign";
+    for (const auto& [command, pCommand] : _commands)
+    {
+        if (pCommand->parsed())
+        {
+            name += " " + pCommand->get_name();
+        }
+    }
+    return "countersign: " + what + "\nSee " + name + " --help\n";
+}
+
+}  // namespace
+
+clArguments clParseArguments(const std::vector<std::string>& arguments)
+{
+    return Parser().parse(arguments);
+}

@@ -1,0 +1,337 @@
+#include "cli/clCommands.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <memory>
+#include <unistd.h>
+
+#include "cli/clInterrupt.h"
+#include "cli/clMessages.h"
+#include "cli/clPrintableName.h"
+#include "cli/clProgressLine.h"
+#include "cli/clStandardStreams.h"
+#include "cli/clTerminal.h"
+#include "crypto/crDigits.h"
+#include "host/hoBytes.h"
+
+namespace
+{
+
+const char* const standardStream = "-";
+
+// A text from standard input is not read beyond this; nothing near it can be encrypted.
+constexpr std::size_t longestInput = 1024 * 1024;
+
+std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
+{
+    const std::string name = clPrintableName(arguments._keyPath);
+    clTerminalPassphrase passphrase(name);
+    hoKeyFileFacts facts;
+    std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(hoToText(arguments._keyPath), &passphrase, facts);
+    if (pKey == nullptr)
+    {
+        clComplain(clKeyMessage(name, facts, passphrase.isWithoutTerminal()));
+    }
+    else if (pKey->hasPrivateKey() && facts._isOpenToOthers)
+    {
+        clComplain(clOpenKeyWarning(name));
+    }
+    return pKey;
+}
+
+// How long the program has been running, for the progress.
+std::chrono::milliseconds now()
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+void writeProgress(const std::string& text)
+{
+    if (::write(STDERR_FILENO, text.data(), text.size()) < 0)
+    {
+        // A terminal that is gone needs no progress.
+        return;
+    }
+}
+
+clProgressLine progressFor(const std::string& name)
+{
+    const int columns = clColumnsOfStandardError();
+    return clProgressLine(name, columns, now, (columns > 0) ? writeProgress : clProgressLine::Writer(),
+                          clIsInterrupted);
+}
+
+// Works on one file after the other, and returns the gravest of the statuses.
+template <class Work>
+int performOnFiles(const clArguments& arguments, Work work)
+{
+    const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
+    if (pKey == nullptr)
+    {
+        return clStatusNotChecked;
+    }
+    int status = clStatusGood;
+    for (const std::string& file : arguments._files)
+    {
+        status = std::max(status, work(file, *pKey));
+        if (clIsInterrupted())
+        {
+            break;
+        }
+    }
+    return status;
+}
+
+int signFile(const clArguments& arguments, const std::string& file, const hoKey& key)
+{
+    const std::string name = clPrintableName(file);
+    const bool isForOutput = arguments._hasOutput && (arguments._outputPath == standardStream);
+    const gtString path = arguments._hasOutput ? hoToText(arguments._outputPath) : hoSignaturePath(hoToText(file));
+    const std::string signatureName = clPrintableName(hoToBytes(path));
+    hoSignatureFileFacts fileFacts;
+    if (!isForOutput)
+    {
+        fileFacts = hoCheckSignaturePath(path, arguments._isForced);
+        if (fileFacts._problem != hoSignatureFileProblem::None)
+        {
+            clComplain(clSignatureFileMessage(signatureName, fileFacts));
+            return clStatusNotChecked;
+        }
+    }
+    gtString signature;
+    hoSigningFacts facts;
+    {
+        clProgressLine progress = progressFor(name);
+        facts = hoSignFile(hoToText(file), key, &progress, signature);
+    }
+    if (facts._problem != hoSigningProblem::None)
+    {
+        clComplain(clSigningMessage(name, clPrintableName(arguments._keyPath), key.bits(), facts));
+        return clStatusNotChecked;
+    }
+    if (isForOutput)
+    {
+        clWriteOutput(hoToBytes(signature) + "\n");
+        return clStatusGood;
+    }
+    fileFacts = hoWriteSignatureFile(path, signature, arguments._isForced);
+    if (fileFacts._problem != hoSignatureFileProblem::None)
+    {
+        clComplain(clSignatureFileMessage(signatureName, fileFacts));
+        return clStatusNotChecked;
+    }
+    clWriteOutput(name + ": signed, " + signatureName + "\n");
+    return clStatusGood;
+}
+
+// Whether the signature could be had.
+bool readSignature(const clArguments& arguments, const std::string& file, gtString& signature)
+{
+    if (arguments._hasSignature && (arguments._signaturePath == standardStream))
+    {
+        std::string input;
+        const int error = clReadInput(input, static_cast<std::size_t>(hoLargestSignatureFile));
+        if (error != 0)
+        {
+            clComplain("standard input: the signature cannot be read: " + clSystemErrorText(error));
+            return false;
+        }
+        signature = hoToText(input);
+        return true;
+    }
+    const gtString path =
+        arguments._hasSignature ? hoToText(arguments._signaturePath) : hoSignaturePath(hoToText(file));
+    const hoSignatureFileFacts facts = hoReadSignatureFile(path, signature);
+    if (facts._problem != hoSignatureFileProblem::None)
+    {
+        clComplain(clSignatureFileMessage(clPrintableName(hoToBytes(path)), facts));
+        return false;
+    }
+    return true;
+}
+
+int testFile(const clArguments& arguments, const std::string& file, const hoKey& key)
+{
+    const std::string name = clPrintableName(file);
+    bool isGood = false;
+    hoSigningFacts facts;
+    // A file that is not there is told about before its signature is missed.
+    hoFileFacts ignored;
+    facts._fileProblem = hoReadFileFacts(hoToText(file), ignored);
+    if (facts._fileProblem != hoFileProblem::None)
+    {
+        facts._systemError = errno;
+        facts._problem = hoSigningProblem::FileCannotBeRead;
+    }
+    else
+    {
+        gtString signature;
+        if (!readSignature(arguments, file, signature))
+        {
+            clWriteOutput(name + ": not tested\n");
+            return clStatusNotChecked;
+        }
+        clProgressLine progress = progressFor(name);
+        facts = hoTestFile(hoToText(file), key, signature, &progress, isGood);
+    }
+    if (facts._problem != hoSigningProblem::None)
+    {
+        clComplain(clSigningMessage(name, clPrintableName(arguments._keyPath), key.bits(), facts));
+        clWriteOutput(name + ": not tested\n");
+        return clStatusNotChecked;
+    }
+    clWriteOutput(name + (isGood ? ": good\n" : ": BAD\n"));
+    return isGood ? clStatusGood : clStatusNotGood;
+}
+
+int digestFile(const clArguments& arguments, const std::string& file, const hoKey& key)
+{
+    const std::string name = clPrintableName(file);
+    gtString digestText;
+    hoSigningFacts facts;
+    {
+        clProgressLine progress = progressFor(name);
+        facts = hoDigestOfFile(hoToText(file), key, &progress, digestText);
+    }
+    if (facts._problem != hoSigningProblem::None)
+    {
+        clComplain(clSigningMessage(name, clPrintableName(arguments._keyPath), key.bits(), facts));
+        return clStatusNotChecked;
+    }
+    clWriteOutput(hoToBytes(digestText) + ((arguments._files.size() > 1) ? "  " + name : "") + "\n");
+    return clStatusGood;
+}
+
+// The text from the arguments or from standard input.
+bool readText(const clArguments& arguments, gtString& text)
+{
+    if (arguments._hasPlainText)
+    {
+        text = hoToText(arguments._plainText);
+        return true;
+    }
+    std::string input;
+    const int error = clReadInput(input, longestInput);
+    if (error != 0)
+    {
+        clComplain("standard input: cannot be read: " + clSystemErrorText(error));
+        return false;
+    }
+    text = hoToText(input);
+    crWipe(input.data(), input.size());
+    return true;
+}
+
+int encrypt(const clArguments& arguments)
+{
+    const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
+    gtString text;
+    if ((pKey == nullptr) || !readText(arguments, text))
+    {
+        return clStatusNotChecked;
+    }
+    gtString cipherText;
+    const hoTextProblem problem = hoEncryptText(pKey->ownKey(), text, cipherText);
+    const int lengthOfText = text.length();
+    crWipe(text);
+    if (problem != hoTextProblem::None)
+    {
+        clComplain(clEncryptionMessage(problem, lengthOfText, hoLongestText(pKey->ownKey()), pKey->bits()));
+        return clStatusNotChecked;
+    }
+    clWriteOutput(hoToBytes(cipherText) + "\n");
+    return clStatusGood;
+}
+
+int decrypt(const clArguments& arguments)
+{
+    const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
+    gtString cipherText;
+    if ((pKey == nullptr) || !readText(arguments, cipherText))
+    {
+        return clStatusNotChecked;
+    }
+    gtString text;
+    const hoTextProblem problem = hoDecryptText(pKey->ownKey(), cipherText, text);
+    if (problem != hoTextProblem::None)
+    {
+        clComplain(clDecryptionMessage(problem, cipherText.length(), hoLengthOfCipherText(pKey->ownKey()),
+                                       clPrintableName(arguments._keyPath), pKey->bits()));
+        return (problem == hoTextProblem::DoesNotComeOut) ? clStatusNotGood : clStatusNotChecked;
+    }
+    clWriteOutput(hoToBytes(text));
+    if (clIsOutputATerminal())
+    {
+        clWriteOutput("\n");
+    }
+    crWipe(text);
+    return clStatusGood;
+}
+
+int printKey(const clArguments& arguments)
+{
+    const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
+    if (pKey == nullptr)
+    {
+        return clStatusNotChecked;
+    }
+    if (arguments._isPrivateWanted && !pKey->hasPrivateKey())
+    {
+        clComplain(clPrintableName(arguments._keyPath) +
+                   ": is a public key and has no private exponent; leave --private out");
+        return clStatusNotChecked;
+    }
+    const crRSAEncryptionKey& key = arguments._isPrivateWanted ? pKey->privateKey() : pKey->publicKey();
+    clWriteOutput("size " + std::to_string(pKey->bits()) + "\n");
+    clWriteOutput("modulus " + hoToBytes(hoFixedWidthText(key.productDigits(), key.amountOfProductDigits())) + "\n");
+    gtString exponent = hoFixedWidthText(key.numberDigits(), key.amountOfNumberDigits());
+    clWriteOutput("exponent " + hoToBytes(exponent) + "\n");
+    crWipe(exponent);
+    return clStatusGood;
+}
+
+int perform(const clArguments& arguments)
+{
+    const auto on = [&arguments](int (*work)(const clArguments&, const std::string&, const hoKey&))
+    {
+        return performOnFiles(arguments, [&arguments, work](const std::string& file, const hoKey& key)
+                              { return work(arguments, file, key); });
+    };
+    switch (arguments._command)
+    {
+    case clCommand::ShowText:
+        clWriteOutput(arguments._text);
+        return clStatusGood;
+    case clCommand::Sign:
+        return on(signFile);
+    case clCommand::Test:
+        return on(testFile);
+    case clCommand::Digest:
+        return on(digestFile);
+    case clCommand::Encrypt:
+        return encrypt(arguments);
+    case clCommand::Decrypt:
+        return decrypt(arguments);
+    case clCommand::Key:
+        return printKey(arguments);
+    case clCommand::WrongUse:
+        break;
+    }
+    writeProgress(arguments._text);
+    return clStatusNotChecked;
+}
+
+}  // namespace
+
+int clPerform(const clArguments& arguments)
+{
+    const int status = perform(arguments);
+    const int error = clFlushOutput();
+    if (error != 0)
+    {
+        clComplain("standard output: cannot be written: " + clSystemErrorText(error));
+        return clStatusNotChecked;
+    }
+    return status;
+}

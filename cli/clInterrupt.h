@@ -1,0 +1,13 @@
+// Signals that ask the program to end (interrupt, terminate, hang-up) are kept until the work at hand is tidied up.
+#ifndef COUNTERSIGN_CL_INTERRUPT_H
+#define COUNTERSIGN_CL_INTERRUPT_H
+
+// From now on such a signal is only noted. Calls of the system that wait come back early.
+void clCatchInterrupts();
+
+bool clIsInterrupted();
+
+// Ends the program by the signal that was noted, as if it had never been caught; does nothing if there was none.
+void clEndIfInterrupted();
+
+#endif

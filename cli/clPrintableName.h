@@ -1,0 +1,11 @@
+// Names as they can be shown: one line each, with nothing in them that a terminal obeys.
+#ifndef COUNTERSIGN_CL_PRINTABLE_NAME_H
+#define COUNTERSIGN_CL_PRINTABLE_NAME_H
+
+#include <string>
+
+// The name with control characters, backslashes and bytes that are no UTF-8 written as in C: \n, \t, \\, \x1b. Different
+// names stay different.
+std::string clPrintableName(const std::string& name);
+
+#endif

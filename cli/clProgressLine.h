@@ -1,0 +1,43 @@
+// One line on a terminal that tells how far the reading of a file has got. It shows up after a second, is written anew
+// at most ten times a second, and is gone when the work is done.
+#ifndef COUNTERSIGN_CL_PROGRESS_LINE_H
+#define COUNTERSIGN_CL_PROGRESS_LINE_H
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+#include "host/signing/hoFileSigning.h"
+
+class clProgressLine : public hoIProgress
+{
+public:
+    using Clock = std::function<std::chrono::milliseconds()>;
+    using Writer = std::function<void(const std::string&)>;
+
+    // name is shown as it is and cut where the line would get too long. Without a writer nothing is shown. isCancelled is
+    // asked each time.
+    clProgressLine(std::string name, int columns, Clock clock, Writer writer, std::function<bool()> isCancelled);
+    ~clProgressLine() override;
+    clProgressLine(const clProgressLine&) = delete;
+    clProgressLine& operator=(const clProgressLine&) = delete;
+
+    bool onProgress(unsigned long long bytesDone, unsigned long long bytesInAll) override;
+
+    // Takes the line away.
+    void clear();
+
+private:
+    std::string _name;
+    int _columns;
+    Clock _clock;
+    Writer _writer;
+    std::function<bool()> _isCancelled;
+    std::chrono::milliseconds _next;
+    bool _isShown = false;
+};
+
+// 999 bytes, 1.0 KB, 23 MB: three digits at most, thousands of bytes.
+std::string clAmountOfBytes(unsigned long long bytes);
+
+#endif

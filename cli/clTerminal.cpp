@@ -1,0 +1,96 @@
+#include "cli/clTerminal.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include "cli/clInterrupt.h"
+
+namespace
+{
+
+void print(int terminal, const std::string& text)
+{
+    if (::write(terminal, text.data(), text.size()) < 0)
+    {
+        // Somebody who cannot be asked does not answer, either; reading will tell.
+        return;
+    }
+}
+
+// A line without its end: its length, or -1 when it does not fit, there is none, or the program shall end.
+int readLine(int terminal, char* pBuffer, int size)
+{
+    int length = 0;
+    bool fits = true;
+    for (;;)
+    {
+        char character = 0;
+        const ssize_t amount = ::read(terminal, &character, 1);
+        if ((amount < 0) && (errno == EINTR) && !clIsInterrupted())
+        {
+            continue;
+        }
+        if (amount <= 0)
+        {
+            return -1;
+        }
+        if ((character == '\n') || (character == '\r'))
+        {
+            return fits ? length : -1;
+        }
+        fits = length < size;
+        if (fits)
+        {
+            pBuffer[length++] = character;
+        }
+    }
+}
+
+}  // namespace
+
+int clTerminalPassphrase::getPassphrase(char* pBuffer, int size)
+{
+    const int terminal = ::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY);
+    struct termios settings = {};
+    if ((terminal < 0) || (::tcgetattr(terminal, &settings) != 0))
+    {
+        _isWithoutTerminal = true;
+        if (terminal >= 0)
+        {
+            ::close(terminal);
+        }
+        return -1;
+    }
+    struct termios silent = settings;
+    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    silent.c_lflag |= static_cast<tcflag_t>(ECHONL);
+    ::tcsetattr(terminal, TCSAFLUSH, &silent);
+    print(terminal, "Passphrase for " + _name + ": ");
+    const int length = readLine(terminal, pBuffer, size);
+    ::tcsetattr(terminal, TCSAFLUSH, &settings);
+    if (length < 0)
+    {
+        print(terminal, "\n");
+    }
+    ::close(terminal);
+    return length;
+}
+
+int clColumnsOfStandardError()
+{
+    constexpr int usualColumns = 80;
+    if (::isatty(STDERR_FILENO) == 0)
+    {
+        return 0;
+    }
+    struct winsize size = {};
+    return ((::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0) && (size.ws_col > 0)) ? size.ws_col : usualColumns;
+}
+
+bool clIsOutputATerminal()
+{
+    return ::isatty(STDOUT_FILENO) != 0;
+}

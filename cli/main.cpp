@@ -1,0 +1,26 @@
+// The program countersign. Everything it does is in the library beside it.
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "cli/clArguments.h"
+#include "cli/clCommands.h"
+#include "cli/clInterrupt.h"
+#include "cli/clStandardStreams.h"
+
+int main(int argc, char** argv)
+{
+    try
+    {
+        clCatchInterrupts();
+        const int status =
+            clPerform(clParseArguments(std::vector<std::string>(argv + ((argc > 0) ? 1 : 0), argv + argc)));
+        clEndIfInterrupted();
+        return status;
+    }
+    catch (const std::exception& problem)
+    {
+        clComplain(problem.what());
+        return clStatusNotChecked;
+    }
+}

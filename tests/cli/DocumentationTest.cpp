@@ -1,0 +1,222 @@
+// Help, manual page and completion tell of the same options, and the README's example does what it shows.
+#include <algorithm>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <regex.h>
+
+#include "cliTestSupport.h"
+#include "tests/support/tsProcess.h"
+
+namespace
+{
+
+using Options = std::set<std::string>;
+
+const std::vector<std::string> commands = {"sign", "test", "encrypt", "decrypt", "key", "digest"};
+
+std::string sourceFile(const std::string& path)
+{
+    return readFile(std::string(COUNTERSIGN_SOURCE) + "/" + path);
+}
+
+// What the first group of the pattern (of POSIX, extended) matches, each time.
+Options matches(const std::string& text, const std::string& pattern)
+{
+    regex_t expression;
+    EXPECT_EQ(regcomp(&expression, pattern.c_str(), REG_EXTENDED), 0) << pattern;
+    Options result;
+    regmatch_t groups[2];
+    const char* pNext = text.c_str();
+    while (regexec(&expression, pNext, 2, groups, 0) == 0)
+    {
+        result.insert(std::string(pNext + groups[1].rm_so, pNext + groups[1].rm_eo));
+        pNext += groups[1].rm_eo;
+    }
+    regfree(&expression);
+    return result;
+}
+
+std::string help(const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> all = {COUNTERSIGN_PROGRAM};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    all.push_back("--help");
+    return tsRun(all)._output;
+}
+
+// The lines that describe options begin with them.
+Options optionsOfHelp(const std::vector<std::string>& arguments)
+{
+    const std::string text = help(arguments);
+    Options result = matches(text, "\n  -[a-zA-Z],(--[a-z]+)");
+    result.merge(matches(text, "\n  (-[a-zA-Z]),--[a-z]+"));
+    return result;
+}
+
+std::string manual()
+{
+    std::string text = sourceFile("docs/man/countersign.1.in");
+    for (std::size_t dash = text.find("\\-"); dash != std::string::npos; dash = text.find("\\-", dash))
+    {
+        text.erase(dash, 1);
+    }
+    return text;
+}
+
+// What bash would offer behind these words.
+Options completions(const std::vector<std::string>& words, const std::string& folder = "/")
+{
+    std::string script = "set -u; . \"$0/cli/completion/countersign\"; COMP_WORDS=(countersign";
+    for (const std::string& word : words)
+    {
+        script += " '" + word + "'";
+    }
+    script += "); COMP_CWORD=" + std::to_string(words.size()) +
+              "; COMPREPLY=(); _countersign; printf '%s\\n' \"${COMPREPLY[@]}\"";
+    tsCommand bash;
+    bash._arguments = {"bash", "-c", script, COUNTERSIGN_SOURCE};
+    bash._folder = folder;
+    const tsOutcome outcome = tsRun(bash);
+    EXPECT_EQ(outcome._exitStatus, 0);
+    EXPECT_EQ(outcome._errors, "");
+    Options result;
+    std::istringstream lines(outcome._output);
+    for (std::string line; std::getline(lines, line);)
+    {
+        if (!line.empty())
+        {
+            result.insert(line);
+        }
+    }
+    return result;
+}
+
+std::string trimmedLine(const std::string& line)
+{
+    const std::size_t begin = line.find_first_not_of(' ');
+    return (begin == std::string::npos) ? "" : line.substr(begin);
+}
+
+}  // namespace
+
+TEST(Documentation, HelpNamesEveryCommandWithExamples)
+{
+    const std::string text = help({});
+    EXPECT_EQ(matches(text, "\n  ([a-z]+) {4,}"), Options(commands.begin(), commands.end()));
+    EXPECT_NE(text.find("Examples:"), std::string::npos);
+    for (const std::string& command : commands)
+    {
+        EXPECT_NE(help({command}).find("Examples:\n  countersign " + command), std::string::npos) << command;
+    }
+}
+
+TEST(Documentation, ManualTellsTheSameOptions)
+{
+    const std::string text = manual();
+    Options inHelp = optionsOfHelp({});
+    // An option's line names the command that it belongs to, unless it belongs to all.
+    for (const std::string& command : commands)
+    {
+        const Options options = optionsOfHelp({command});
+        EXPECT_FALSE(options.empty());
+        for (const std::string& option : options)
+        {
+            const bool isEverywhere =
+                (option == "-k") || (option == "--key") || (option == "-h") || (option == "--help");
+            const std::string where = isEverywhere ? "" : "\n\\.RB \\( " + command + " \\)";
+            EXPECT_FALSE(matches(text, "(\n\\.BR [^\n]*" + option + "([ \"][^\n]*)?" + where + ")").empty())
+                << command << " " << option;
+        }
+        inHelp.insert(options.begin(), options.end());
+        EXPECT_NE(text.find(".B countersign " + command + "\n"), std::string::npos);
+    }
+    Options inManual = matches(text, "\n\\.BR -[a-zA-Z] \", \" (--[a-z]+)");
+    inManual.merge(matches(text, "\n\\.BR (-[a-zA-Z]) "));
+    EXPECT_EQ(inManual, inHelp);
+}
+
+TEST(Documentation, ManualIsWellFormed)
+{
+    const tsOutcome outcome = tsRun({"man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z",
+                                     std::string(COUNTERSIGN_SOURCE) + "/docs/man/countersign.1.in"});
+    if (outcome._exitStatus == 127)
+    {
+        GTEST_SKIP() << "there is no man here";
+    }
+    EXPECT_EQ(outcome._exitStatus, 0);
+    EXPECT_EQ(outcome._errors, "");
+}
+
+TEST(Documentation, CompletionOffersTheSameOptions)
+{
+    Options first = optionsOfHelp({});
+    first.insert(commands.begin(), commands.end());
+    EXPECT_EQ(completions({""}), first);
+    for (const std::string& command : commands)
+    {
+        EXPECT_EQ(completions({command, "-"}), optionsOfHelp({command})) << command;
+    }
+    EXPECT_EQ(completions({"s"}), Options{"sign"});
+    EXPECT_EQ(completions({"sign", "--fo"}), Options{"--force"});
+}
+
+TEST(Documentation, CompletionOffersFiles)
+{
+    const TemporaryFolder folder;
+    folder.write("key.pem", "");
+    folder.write("a file.txt", "");
+    folder.write("a file.txt.sig", "");
+    folder.write("-dash", "");
+    EXPECT_EQ(completions({"sign", "--key", ""}, folder.path()), Options{"key.pem"});
+    EXPECT_EQ(completions({"test", "-s", ""}, folder.path()), Options{"a file.txt.sig"});
+    EXPECT_EQ(completions({"sign", "-k", "key.pem", "a"}, folder.path()), (Options{"a file.txt", "a file.txt.sig"}));
+    EXPECT_EQ(completions({"sign", "-k", "key.pem", "--", "-"}, folder.path()), Options{"-dash"});
+    EXPECT_EQ(completions({"encrypt", "-k", "key.pem", "a"}, folder.path()), Options{});
+    EXPECT_EQ(completions({"sign", "-o", "a"}, folder.path()), (Options{"a file.txt", "a file.txt.sig"}));
+}
+
+TEST(Documentation, ExampleInTheReadmeDoesWhatItShows)
+{
+    const std::string readme = sourceFile("README.md");
+    const std::size_t heading = readme.find("\n## A worked example\n");
+    ASSERT_NE(heading, std::string::npos);
+    const std::string fence = "```console\n";
+    const std::size_t begin = readme.find(fence, heading);
+    ASSERT_NE(begin, std::string::npos);
+    const std::size_t end = readme.find("```", begin + fence.size());
+    ASSERT_NE(end, std::string::npos);
+    const std::string block = readme.substr(begin + fence.size(), end - begin - fence.size());
+
+    // Every command is followed by what it printed; the commands run in one shell, which prints a line before each.
+    std::string script = "exec 2>&1\n";
+    std::istringstream lines(block);
+    int amountOfCommands = 0;
+    for (std::string line; std::getline(lines, line);)
+    {
+        line = trimmedLine(line);
+        if (line.substr(0, 2) == "$ ")
+        {
+            const std::string command = line.substr(2);
+            // What the command before returned is kept for it.
+            script += "status=$?; cat <<'THE_COMMAND'\n" + line + "\nTHE_COMMAND\n(exit $status)\n" + command + "\n";
+            amountOfCommands++;
+        }
+    }
+    ASSERT_GT(amountOfCommands, 5);
+
+    const TemporaryFolder folder;
+    tsCommand bash;
+    bash._arguments = {"bash", "-c", script};
+    bash._folder = folder.path();
+    bash._prepare = []
+    {
+        const std::string program = COUNTERSIGN_PROGRAM;
+        const std::string path = program.substr(0, program.rfind('/')) + ":" + getenv("PATH");
+        setenv("PATH", path.c_str(), 1);
+    };
+    EXPECT_EQ(tsRun(bash)._output, block);
+}

@@ -1,0 +1,231 @@
+#include "host/signing/hoFileSigning.h"
+
+#include <cerrno>
+#include <fstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "cliTestSupport.h"
+#include "crypto/crRSADigitalSigner.h"
+#include "platform/osWrappers/osFilePath.h"
+
+namespace
+{
+
+class FileSigning : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        makeKeys(_folder, 1024);
+        _pPrivate = load("private.pem");
+        _pPublic = load("public.pem");
+        ASSERT_NE(_pPrivate, nullptr);
+        ASSERT_NE(_pPublic, nullptr);
+    }
+
+    std::unique_ptr<const hoKey> load(const std::string& name)
+    {
+        hoKeyFileFacts facts;
+        return hoLoadKeyFile(gtString((_folder / name).c_str()), nullptr, facts);
+    }
+
+    gtString path(const std::string& name) const { return gtString((_folder / name).c_str()); }
+
+    TemporaryFolder _folder;
+    std::unique_ptr<const hoKey> _pPrivate;
+    std::unique_ptr<const hoKey> _pPublic;
+};
+
+class Progress : public hoIProgress
+{
+public:
+    bool onProgress(unsigned long long bytesDone, unsigned long long bytesInAll) override
+    {
+        calls++;
+        EXPECT_GT(bytesDone, done);
+        done = bytesDone;
+        inAll = bytesInAll;
+        if (atFirstCall)
+        {
+            atFirstCall();
+            atFirstCall = nullptr;
+        }
+        return calls < callsUntilCancelled;
+    }
+
+    int calls = 0;
+    int callsUntilCancelled = 1000000;
+    unsigned long long done = 0;
+    unsigned long long inAll = 0;
+    std::function<void()> atFirstCall;
+};
+
+constexpr std::size_t threeMegabytes = 3 * 1024 * 1024 + 17;
+
+std::string bytes(std::size_t amount)
+{
+    std::string result(amount, '\0');
+    unsigned int state = 1;
+    for (char& byte : result)
+    {
+        state = state * 1664525U + 1013904223U;
+        byte = static_cast<char>(state >> 24);
+    }
+    return result;
+}
+
+}  // namespace
+
+TEST_F(FileSigning, SignsLikeTheSigner)
+{
+    for (const std::size_t size : {std::size_t(0), std::size_t(1), std::size_t(59), std::size_t(60), std::size_t(61),
+                                   std::size_t(262144), std::size_t(1048576), std::size_t(1048620), threeMegabytes})
+    {
+        _folder.write("file", bytes(size));
+        gtString expected;
+        ASSERT_TRUE(crRSADigitalSigner(_pPrivate->privateKey()).getSignature(osFilePath(path("file")), expected));
+        gtString signature;
+        const hoSigningFacts facts = hoSignFile(path("file"), *_pPrivate, nullptr, signature);
+        EXPECT_EQ(facts._problem, hoSigningProblem::None);
+        EXPECT_EQ(facts._file._size, size);
+        EXPECT_EQ(signature, expected);
+        bool isGood = false;
+        EXPECT_EQ(hoTestFile(path("file"), *_pPublic, signature, nullptr, isGood)._problem, hoSigningProblem::None);
+        EXPECT_TRUE(isGood);
+        // A private key file has the public half, too.
+        EXPECT_EQ(hoTestFile(path("file"), *_pPrivate, signature, nullptr, isGood)._problem, hoSigningProblem::None);
+        EXPECT_TRUE(isGood);
+        _folder.write("file", bytes(size) + "x");
+        EXPECT_EQ(hoTestFile(path("file"), *_pPublic, signature, nullptr, isGood)._problem, hoSigningProblem::None);
+        EXPECT_FALSE(isGood);
+    }
+}
+
+TEST_F(FileSigning, TellsMalformedSignaturesFromProblems)
+{
+    _folder.write("file", "contents");
+    for (const char* pSignature : {"", "no signature", "00000078", "ffffffff00000000"})
+    {
+        bool isGood = true;
+        EXPECT_EQ(hoTestFile(path("file"), *_pPublic, pSignature, nullptr, isGood)._problem, hoSigningProblem::None);
+        EXPECT_FALSE(isGood);
+    }
+}
+
+TEST_F(FileSigning, TakesAPrivateKeyToSign)
+{
+    _folder.write("file", "contents");
+    gtString signature("kept");
+    EXPECT_EQ(hoSignFile(path("file"), *_pPublic, nullptr, signature)._problem, hoSigningProblem::NoPrivateKey);
+    EXPECT_EQ(signature, gtString("kept"));
+}
+
+TEST_F(FileSigning, TellsWhyAFileCannotBeRead)
+{
+    ASSERT_EQ(mkdir((_folder / "folder").c_str(), 0700), 0);
+    ASSERT_EQ(mkfifo((_folder / "pipe").c_str(), 0600), 0);
+    const std::pair<const char*, hoFileProblem> cases[] = {
+        {"missing", hoFileProblem::NotThere}, {"folder", hoFileProblem::IsFolder}, {"pipe", hoFileProblem::NotRegular}};
+    for (const auto& [pName, problem] : cases)
+    {
+        gtString text("kept");
+        bool isGood = true;
+        for (const hoSigningFacts& facts : {hoSignFile(path(pName), *_pPrivate, nullptr, text),
+                                            hoTestFile(path(pName), *_pPublic, "", nullptr, isGood),
+                                            hoDigestOfFile(path(pName), *_pPublic, nullptr, text)})
+        {
+            EXPECT_EQ(facts._problem, hoSigningProblem::FileCannotBeRead);
+            EXPECT_EQ(facts._fileProblem, problem);
+        }
+        EXPECT_EQ(text, gtString("kept"));
+        EXPECT_FALSE(isGood);
+    }
+}
+
+// The system opens this file and refuses to read from its start.
+TEST_F(FileSigning, TakesNoReadErrorForTheEndOfTheFile)
+{
+    gtString text("kept");
+    bool isGood = true;
+    for (const hoSigningFacts& facts : {hoSignFile("/proc/self/mem", *_pPrivate, nullptr, text),
+                                        hoTestFile("/proc/self/mem", *_pPublic, "", nullptr, isGood),
+                                        hoDigestOfFile("/proc/self/mem", *_pPublic, nullptr, text)})
+    {
+        EXPECT_EQ(facts._problem, hoSigningProblem::FileCannotBeRead);
+        EXPECT_EQ(facts._systemError, EIO);
+    }
+    EXPECT_EQ(text, gtString("kept"));
+    EXPECT_FALSE(isGood);
+}
+
+TEST_F(FileSigning, ReportsItsProgress)
+{
+    _folder.write("file", bytes(threeMegabytes));
+    Progress progress;
+    gtString signature;
+    EXPECT_EQ(hoSignFile(path("file"), *_pPrivate, &progress, signature)._problem, hoSigningProblem::None);
+    EXPECT_EQ(progress.done, threeMegabytes);
+    EXPECT_EQ(progress.inAll, threeMegabytes);
+    EXPECT_EQ(progress.calls, 3);
+}
+
+TEST_F(FileSigning, CanBeCancelled)
+{
+    _folder.write("file", bytes(threeMegabytes));
+    Progress progress;
+    progress.callsUntilCancelled = 2;
+    gtString signature("kept");
+    EXPECT_EQ(hoSignFile(path("file"), *_pPrivate, &progress, signature)._problem, hoSigningProblem::Cancelled);
+    EXPECT_EQ(progress.calls, 2);
+    EXPECT_EQ(signature, gtString("kept"));
+}
+
+TEST_F(FileSigning, NoticesThatTheFileChanges)
+{
+    const std::string file = _folder / "file";
+    const std::function<void()> changes[] = {
+        [&] { ASSERT_EQ(truncate(file.c_str(), 1000), 0); },
+        [&] { std::ofstream(file, std::ios::app) << "more"; },
+        [&]
+        {
+            std::fstream open(file, std::ios::in | std::ios::out | std::ios::binary);
+            open.seekp(5);
+            open << "other bytes";
+        },
+        [&]
+        {
+            _folder.write("new", bytes(threeMegabytes));
+            ASSERT_EQ(rename((_folder / "new").c_str(), file.c_str()), 0);
+        },
+        [&] { ASSERT_EQ(unlink(file.c_str()), 0); },
+    };
+    for (const std::function<void()>& change : changes)
+    {
+        _folder.write("file", bytes(threeMegabytes));
+        gtString signature;
+        ASSERT_EQ(hoSignFile(path("file"), *_pPrivate, nullptr, signature)._problem, hoSigningProblem::None);
+        Progress progress;
+        progress.atFirstCall = change;
+        bool isGood = true;
+        EXPECT_EQ(hoTestFile(path("file"), *_pPublic, signature, &progress, isGood)._problem,
+                  hoSigningProblem::FileChanged);
+        EXPECT_FALSE(isGood);
+        EXPECT_GT(progress.calls, 0);
+    }
+}
+
+TEST_F(FileSigning, GivesTheDigestsText)
+{
+    _folder.write("file", "contents of a file");
+    crRSADigitalSigner signer(_pPublic->publicKey());
+    ASSERT_TRUE(signer.createMessageDigestDigits());
+    ASSERT_TRUE(signer.createFileMessageDigest(osFilePath(path("file"))));
+    gtString expected;
+    signer.messageDigestToString(expected);
+    gtString text;
+    EXPECT_EQ(hoDigestOfFile(path("file"), *_pPublic, nullptr, text)._problem, hoSigningProblem::None);
+    EXPECT_EQ(text, expected);
+}

@@ -1,0 +1,548 @@
+// The program from outside: what it prints where, how it ends, and what it leaves on the disk.
+#include <algorithm>
+#include <csignal>
+#include <fcntl.h>
+#include <sched.h>
+#include <string>
+#include <sys/mount.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "cliTestSupport.h"
+#include "tests/support/tsProcess.h"
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+namespace
+{
+
+class Program : public ::testing::Test
+{
+protected:
+    void SetUp() override { makeKeys(_folder, 1024); }
+
+    tsCommand command(const std::vector<std::string>& arguments) const
+    {
+        tsCommand result;
+        result._arguments = {COUNTERSIGN_PROGRAM};
+        result._arguments.insert(result._arguments.end(), arguments.begin(), arguments.end());
+        result._folder = _folder.path();
+        return result;
+    }
+
+    tsOutcome run(const std::vector<std::string>& arguments, const std::string& input = "") const
+    {
+        tsCommand toRun = command(arguments);
+        toRun._input = input;
+        return tsRun(toRun);
+    }
+
+    // Runs it with good result and nothing to say.
+    std::string outputOf(const std::vector<std::string>& arguments, const std::string& input = "") const
+    {
+        const tsOutcome outcome = run(arguments, input);
+        EXPECT_EQ(outcome._exitStatus, 0) << outcome._errors;
+        EXPECT_EQ(outcome._errors, "");
+        return outcome._output;
+    }
+
+    // It says that it failed, in words that hold these, and prints nothing else.
+    static void expectFailure(const tsOutcome& outcome, const std::vector<std::string>& words, int status = 2)
+    {
+        EXPECT_EQ(outcome._exitStatus, status);
+        EXPECT_THAT(outcome._errors, StartsWith("countersign: "));
+        EXPECT_THAT(outcome._errors, EndsWith("\n"));
+        for (const std::string& word : words)
+        {
+            EXPECT_THAT(outcome._errors, HasSubstr(word));
+        }
+    }
+
+    TemporaryFolder _folder;
+};
+
+// Names of which some are hard to take.
+const std::vector<std::string> names = {"plain",    "with blanks", "two\nlines", "tab\t",     "-dash", "--key",
+                                        "[a,b]",    "[]",          "*",          "quote's\"", "$HOME", "back\\slash",
+                                        "\xff\xfe", "\xC3\xA4",    "%s%n",       "~",         "a;b",   ".hidden"};
+
+}  // namespace
+
+TEST_F(Program, SignsAndTests)
+{
+    _folder.write("report", "contents");
+    EXPECT_EQ(outputOf({"sign", "--key", "private.pem", "report"}), "report: signed, report.sig\n");
+    EXPECT_EQ(_folder.read("report.sig").size(), 265U);
+    EXPECT_EQ(_folder.read("report.sig").substr(0, 8), "00000078");
+    EXPECT_EQ(outputOf({"test", "--key", "public.pem", "report"}), "report: good\n");
+    EXPECT_EQ(outputOf({"test", "--key", "private.pem", "report"}), "report: good\n");
+    EXPECT_EQ(_folder.names(), (std::vector<std::string>{"private.pem", "public.pem", "report", "report.sig"}));
+
+    _folder.write("report", "Contents");
+    const tsOutcome bad = run({"test", "--key", "public.pem", "report"});
+    EXPECT_EQ(bad._exitStatus, 1);
+    EXPECT_EQ(bad._output, "report: BAD\n");
+    EXPECT_EQ(bad._errors, "");
+}
+
+TEST_F(Program, TestsManyAndTellsTheWorst)
+{
+    for (const char* pName : {"a", "b", "c"})
+    {
+        _folder.write(pName, pName);
+    }
+    EXPECT_EQ(outputOf({"sign", "-k", "private.pem", "a", "b", "c"}),
+              "a: signed, a.sig\nb: signed, b.sig\nc: signed, c.sig\n");
+    EXPECT_EQ(outputOf({"test", "-k", "public.pem", "a", "b", "c"}), "a: good\nb: good\nc: good\n");
+    _folder.write("b", "changed");
+    tsOutcome outcome = run({"test", "-k", "public.pem", "a", "b", "c"});
+    EXPECT_EQ(outcome._exitStatus, 1);
+    EXPECT_EQ(outcome._output, "a: good\nb: BAD\nc: good\n");
+    ASSERT_EQ(unlink((_folder / "a.sig").c_str()), 0);
+    outcome = run({"test", "-k", "public.pem", "a", "b", "c"});
+    EXPECT_EQ(outcome._output, "a: not tested\nb: BAD\nc: good\n");
+    expectFailure(outcome, {"a.sig: there is no such signature"});
+}
+
+TEST_F(Program, TakesEveryName)
+{
+    std::vector<std::string> sign = {"sign", "--key", "private.pem", "--"};
+    std::vector<std::string> test = {"test", "--key", "public.pem", "--"};
+    std::string digests;
+    for (const std::string& name : names)
+    {
+        _folder.write(name, "contents of " + name);
+        sign.push_back(name);
+        test.push_back(name);
+    }
+    outputOf(sign);
+    const std::string output = outputOf(test);
+    EXPECT_EQ(static_cast<std::size_t>(std::count(output.begin(), output.end(), '\n')), names.size());
+    EXPECT_THAT(output, HasSubstr("two\\nlines: good\n"));
+    EXPECT_THAT(output, HasSubstr("\\xff\\xfe: good\n"));
+    for (const std::string& name : names)
+    {
+        EXPECT_TRUE(_folder.has(name + ".sig")) << name;
+    }
+    _folder.write("two\nlines", "changed");
+    EXPECT_EQ(run({"test", "-k", "public.pem", "two\nlines"})._output, "two\\nlines: BAD\n");
+    expectFailure(run({"sign", "-k", "private.pem", "no\nsuch"}), {"no\\nsuch: there is no such file"});
+    // Without the two dashes such a name is an option, and the message tells where to look.
+    expectFailure(run({"sign", "-k", "private.pem", "-dash"}), {"--help"});
+}
+
+TEST_F(Program, KeepsSignaturesUnlessForced)
+{
+    _folder.write("report", "contents");
+    _folder.write("report.sig", "old");
+    const tsOutcome refused = run({"sign", "-k", "private.pem", "report"});
+    expectFailure(refused, {"report.sig: is there already", "--force"});
+    EXPECT_EQ(refused._output, "");
+    EXPECT_EQ(_folder.read("report.sig"), "old");
+    outputOf({"sign", "-k", "private.pem", "--force", "report"});
+    EXPECT_EQ(outputOf({"test", "-k", "public.pem", "report"}), "report: good\n");
+}
+
+TEST_F(Program, PutsSignaturesElsewhere)
+{
+    _folder.write("report", "contents");
+    _folder.write("other", "contents");
+    EXPECT_EQ(outputOf({"sign", "-k", "private.pem", "-o", "else where", "report"}), "report: signed, else where\n");
+    EXPECT_FALSE(_folder.has("report.sig"));
+    EXPECT_EQ(outputOf({"test", "-k", "public.pem", "-s", "else where", "report"}), "report: good\n");
+    const std::string signature = _folder.read("else where");
+    EXPECT_EQ(outputOf({"sign", "-k", "private.pem", "-o", "-", "report"}), signature);
+    EXPECT_EQ(outputOf({"sign", "-k", "private.pem", "-o", "-", "report", "other"}), signature + signature);
+    EXPECT_EQ(outputOf({"test", "-k", "public.pem", "-s", "-", "report"}, signature), "report: good\n");
+    EXPECT_FALSE(_folder.has("-"));
+    expectFailure(run({"sign", "-k", "private.pem", "-o", "one", "report", "other"}), {"--output"});
+    expectFailure(run({"test", "-k", "public.pem", "-s", "one", "report", "other"}), {"--signature"});
+}
+
+TEST_F(Program, TellsMalformedSignaturesBad)
+{
+    _folder.write("report", "contents");
+    for (const char* pSignature : {"", "\n", "x", "00000078", "ffffffff", "7735940000000000"})
+    {
+        _folder.write("report.sig", pSignature);
+        const tsOutcome outcome = run({"test", "-k", "public.pem", "report"});
+        EXPECT_EQ(outcome._exitStatus, 1);
+        EXPECT_EQ(outcome._output, "report: BAD\n");
+    }
+    _folder.write("report.sig", std::string(2000000, '0'));
+    expectFailure(run({"test", "-k", "public.pem", "report"}), {"too large"});
+}
+
+TEST_F(Program, TellsWhatIsNoFile)
+{
+    ASSERT_EQ(mkdir((_folder / "folder").c_str(), 0700), 0);
+    ASSERT_EQ(mkfifo((_folder / "pipe").c_str(), 0600), 0);
+    _folder.write("folder.sig", "x");
+    _folder.write("pipe.sig", "x");
+    for (const char* pCommand : {"sign", "test", "digest"})
+    {
+        expectFailure(run({pCommand, "-f", "-k", "private.pem", "missing"}), {});
+        expectFailure(run({pCommand, "-k", "private.pem", "missing"}), {"missing: there is no such file"});
+        expectFailure(run({pCommand, "-k", "private.pem", ""}), {"the name is empty"});
+    }
+    for (const char* pCommand : {"test", "digest"})
+    {
+        expectFailure(run({pCommand, "-k", "public.pem", "folder"}), {"folder: is a directory"});
+        expectFailure(run({pCommand, "-k", "public.pem", "pipe"}), {"pipe: is a pipe"});
+    }
+    expectFailure(run({"sign", "-f", "-k", "private.pem", "folder"}), {"folder: is a directory"});
+    EXPECT_EQ(_folder.read("folder.sig"), "x");
+    // What is wrong with one file does not keep it from the others.
+    _folder.write("good", "contents");
+    const tsOutcome outcome = run({"sign", "-k", "private.pem", "missing", "good"});
+    EXPECT_EQ(outcome._exitStatus, 2);
+    EXPECT_EQ(outcome._output, "good: signed, good.sig\n");
+    EXPECT_EQ(run({"test", "-k", "public.pem", "missing", "good"})._output, "missing: not tested\ngood: good\n");
+}
+
+TEST_F(Program, TellsReadErrors)
+{
+    for (const char* pCommand : {"sign", "digest"})
+    {
+        const tsOutcome outcome = run({pCommand, "-k", "private.pem", "/proc/self/mem"});
+        EXPECT_EQ(outcome._exitStatus, 2);
+        EXPECT_EQ(outcome._output, "");
+    }
+    _folder.write("a.sig", "x");
+    expectFailure(run({"test", "-k", "public.pem", "-s", "a.sig", "/proc/self/mem"}),
+                  {"/proc/self/mem: cannot be read: Input/output error"});
+    _folder.write("a", "x");
+    expectFailure(run({"test", "-k", "public.pem", "-s", "/proc/self/mem", "a"}),
+                  {"/proc/self/mem: the signature cannot be read: Input/output error"});
+    tsCommand fromFolder = command({"encrypt", "-k", "public.pem"});
+    fromFolder._inputPath = _folder.path();
+    expectFailure(tsRun(fromFolder), {"standard input", "Is a directory"});
+}
+
+TEST_F(Program, TellsWhatIsNoKey)
+{
+    _folder.write("report", "contents");
+    _folder.write("no.pem", "nothing");
+    ASSERT_EQ(mkdir((_folder / "folder").c_str(), 0700), 0);
+    runOpenSSL(_folder, {"ecparam", "-name", "prime256v1", "-genkey", "-noout", "-out", "ec.pem"});
+    runOpenSSL(_folder, {"genrsa", "-out", "odd.pem", "1000"});
+    const std::pair<std::string, std::string> cases[] = {
+        {"missing.pem", "No such file"}, {"folder", "is a directory"}, {"no.pem", "no PEM key"},
+        {"ec.pem", "not an RSA key"},    {"odd.pem", "1000 bits"},     {"two\nlines", "two\\nlines"}};
+    for (const auto& [name, words] : cases)
+    {
+        for (const char* pCommand : {"sign", "test", "digest", "encrypt", "decrypt"})
+        {
+            const tsOutcome outcome = run({pCommand, "-k", name, "report"});
+            expectFailure(outcome, {words});
+            EXPECT_EQ(outcome._output, "");
+        }
+        expectFailure(run({"key", "-k", name}), {words});
+    }
+    expectFailure(run({"sign", "-k", "public.pem", "report"}), {"public.pem: is a public key", "private"});
+    expectFailure(run({"key", "-p", "-k", "public.pem"}), {"public.pem: is a public key"});
+    EXPECT_FALSE(_folder.has("report.sig"));
+}
+
+TEST_F(Program, TellsWrongKeysBad)
+{
+    _folder.write("report", "contents");
+    outputOf({"sign", "-k", "private.pem", "report"});
+    runOpenSSL(_folder, {"genrsa", "-out", "other.pem", "1024"});
+    runOpenSSL(_folder, {"genrsa", "-out", "large.pem", "2048"});
+    for (const char* pKey : {"other.pem", "large.pem"})
+    {
+        const tsOutcome outcome = run({"test", "-k", pKey, "report"});
+        EXPECT_EQ(outcome._exitStatus, 1);
+        EXPECT_EQ(outcome._output, "report: BAD\n");
+    }
+}
+
+TEST_F(Program, WarnsOfKeysThatOthersMayRead)
+{
+    _folder.write("report", "contents");
+    ASSERT_EQ(chmod((_folder / "private.pem").c_str(), 0644), 0);
+    const tsOutcome outcome = run({"sign", "-k", "private.pem", "report"});
+    EXPECT_EQ(outcome._exitStatus, 0);
+    EXPECT_THAT(outcome._errors, HasSubstr("warning: private.pem: others"));
+    EXPECT_THAT(outcome._errors, HasSubstr("chmod 600"));
+    ASSERT_EQ(chmod((_folder / "public.pem").c_str(), 0644), 0);
+    EXPECT_EQ(outputOf({"test", "-k", "public.pem", "report"}), "report: good\n");
+}
+
+TEST_F(Program, EncryptsAndDecrypts)
+{
+    const std::string cipher = outputOf({"encrypt", "-k", "public.pem", "at noon"});
+    EXPECT_EQ(cipher.size(), 265U);
+    EXPECT_EQ(cipher.substr(0, 8), "00000007");
+    EXPECT_EQ(outputOf({"decrypt", "-k", "private.pem"}, cipher), "at noon");
+    EXPECT_EQ(outputOf({"decrypt", "-k", "private.pem", cipher}), "at noon");
+    EXPECT_EQ(outputOf({"encrypt", "-k", "public.pem"}, "at noon"), cipher);
+    EXPECT_NE(outputOf({"encrypt", "-k", "public.pem"}, "at noon\n"), cipher);
+    // The other way round.
+    EXPECT_EQ(outputOf({"decrypt", "-k", "public.pem", outputOf({"encrypt", "-k", "private.pem", "x"})}), "x");
+    for (const std::string& text : {std::string(), std::string("\n"), std::string(" a\nb\t"), std::string("\xff\xfe"),
+                                    std::string(127, 'x'), std::string("-dash"), std::string("[a]")})
+    {
+        const std::string textsCipher = outputOf({"encrypt", "-k", "public.pem", "--", text});
+        EXPECT_EQ(outputOf({"encrypt", "-k", "public.pem"}, text), textsCipher);
+        EXPECT_EQ(outputOf({"decrypt", "-k", "private.pem"}, textsCipher), text);
+    }
+}
+
+TEST_F(Program, RefusesTextsThatWouldNotComeBack)
+{
+    const tsOutcome outcome = run({"encrypt", "-k", "public.pem", std::string(128, 'x')});
+    expectFailure(outcome, {"128 bytes", "1024 bits", "127 at most"});
+    EXPECT_EQ(outcome._output, "");
+    expectFailure(run({"encrypt", "-k", "public.pem"}, std::string(2000000, 'x')), {"or more", "127 at most"});
+    expectFailure(run({"encrypt", "-k", "public.pem"}, std::string("a\0b", 3)), {"NUL"});
+    expectFailure(run({"encrypt", "-k", "public.pem", std::string(126, 'x') + "\xff"}), {"one byte shorter"});
+}
+
+TEST_F(Program, TellsWhatIsNoCipherText)
+{
+    const std::string cipher = outputOf({"encrypt", "-k", "public.pem", "at noon"});
+    expectFailure(run({"decrypt", "-k", "private.pem", "hello"}), {"not a cipher text"});
+    expectFailure(run({"decrypt", "-k", "private.pem"}), {"not a cipher text"});
+    expectFailure(run({"decrypt", "-k", "private.pem", cipher.substr(0, 100)}), {"100 characters", "264"});
+    runOpenSSL(_folder, {"genrsa", "-out", "other.pem", "1024"});
+    const tsOutcome outcome = run({"decrypt", "-k", "other.pem", cipher});
+    expectFailure(outcome, {"other.pem: does not decrypt"}, 1);
+    EXPECT_EQ(outcome._output, "");
+}
+
+TEST_F(Program, PrintsKeys)
+{
+    const std::string publicKey = outputOf({"key", "-k", "public.pem"});
+    EXPECT_THAT(publicKey, StartsWith("size 1024\nmodulus "));
+    EXPECT_THAT(publicKey, EndsWith("\nexponent 00010001\n"));
+    EXPECT_EQ(publicKey.size(), 10U + 8 + 256 + 1 + 9 + 8 + 1);
+    EXPECT_EQ(outputOf({"key", "-k", "private.pem"}), publicKey);
+    const std::string privateKey = outputOf({"key", "-k", "private.pem", "--private"});
+    EXPECT_EQ(privateKey.substr(0, 275), publicKey.substr(0, 275));
+    EXPECT_GT(privateKey.size(), 400U);
+    // What openssl prints, in its own form.
+    tsCommand openssl;
+    openssl._arguments = {"openssl", "rsa", "-in", "private.pem", "-noout", "-modulus"};
+    openssl._folder = _folder.path();
+    std::string modulus = "modulus " + tsRun(openssl)._output.substr(8);
+    for (char& character : modulus)
+    {
+        character = static_cast<char>(tolower(character));
+    }
+    EXPECT_THAT(publicKey, HasSubstr(modulus));
+}
+
+TEST_F(Program, PrintsDigests)
+{
+    _folder.write("empty", "");
+    _folder.write("abcd", "abcd");
+    EXPECT_EQ(outputOf({"digest", "-k", "public.pem", "empty"}), std::string(120, '0') + "\n");
+    EXPECT_EQ(outputOf({"digest", "-k", "public.pem", "abcd"}), "64636261" + std::string(112, '0') + "\n");
+    EXPECT_EQ(outputOf({"digest", "-k", "private.pem", "empty", "abcd"}),
+              std::string(120, '0') + "  empty\n64636261" + std::string(112, '0') + "  abcd\n");
+}
+
+TEST_F(Program, AsksForPassphrasesOnTheTerminal)
+{
+    _folder.write("report", "contents");
+    runOpenSSL(_folder, {"rsa", "-in", "private.pem", "-aes256", "-passout", "pass:open sesame", "-out", "locked.pem"});
+    for (const auto& [typed, status] :
+         {std::pair<std::string, int>{"open sesame\n", 0}, {"open barley\n", 2}, {"\n", 2}, {"\x04", 2}})
+    {
+        tsCommand sign = command({"sign", "-f", "-k", "locked.pem", "report"});
+        sign._hasTerminal = true;
+        bool isTyped = false;
+        sign._type = [&, text = typed](const std::string& printed, pid_t)
+        {
+            if (isTyped || (printed.find("Passphrase for locked.pem: ") == std::string::npos))
+            {
+                return std::string();
+            }
+            isTyped = true;
+            return text;
+        };
+        const tsOutcome outcome = tsRun(sign);
+        EXPECT_EQ(outcome._exitStatus, status) << typed << outcome._printed;
+        EXPECT_TRUE(isTyped);
+        EXPECT_THAT(outcome._printed, ::testing::Not(HasSubstr("sesame"))) << "it must not be shown";
+        EXPECT_EQ(outcome._output, (status == 0) ? "report: signed, report.sig\n" : "");
+    }
+    EXPECT_EQ(outputOf({"test", "-k", "public.pem", "report"}), "report: good\n");
+
+    tsCommand withoutTerminal = command({"sign", "-f", "-k", "locked.pem", "report"});
+    withoutTerminal._prepare = [] { setsid(); };
+    withoutTerminal._input = "open sesame\n";
+    expectFailure(tsRun(withoutTerminal), {"locked.pem: is encrypted", "no terminal"});
+}
+
+TEST_F(Program, EndsCleanlyAtThePassphraseQuestion)
+{
+    runOpenSSL(_folder, {"rsa", "-in", "private.pem", "-aes256", "-passout", "pass:x", "-out", "locked.pem"});
+    tsCommand sign = command({"key", "-k", "locked.pem"});
+    sign._hasTerminal = true;
+    sign._type = [](const std::string& printed, pid_t)
+    {
+        return std::string((printed.find("Passphrase for locked.pem: ") != std::string::npos) &&
+                                   (printed.find('^') == std::string::npos)
+                               ? "\x03"
+                               : "");
+    };
+    const tsOutcome outcome = tsRun(sign);
+    EXPECT_EQ(outcome._signal, SIGINT);
+    EXPECT_EQ(outcome._output, "");
+}
+
+// A file of 64 GiB without contents: it takes long enough to see the progress on every machine, and is interrupted then.
+TEST_F(Program, ShowsItsProgressOnATerminalAndCanBeInterrupted)
+{
+    _folder.write("huge", "");
+    ASSERT_EQ(truncate((_folder / "huge").c_str(), 64LL * 1024 * 1024 * 1024), 0);
+    tsCommand sign = command({"sign", "-k", "private.pem", "huge"});
+    sign._hasTerminal = true;
+    bool isSent = false;
+    sign._type = [&](const std::string& printed, pid_t process)
+    {
+        if (!isSent && (printed.find(" % of 68 GB  huge") != std::string::npos))
+        {
+            isSent = true;
+            kill(process, SIGTERM);
+        }
+        return std::string();
+    };
+    const tsOutcome outcome = tsRun(sign);
+    EXPECT_TRUE(isSent) << outcome._printed;
+    EXPECT_EQ(outcome._signal, SIGTERM);
+    EXPECT_THAT(outcome._printed, HasSubstr("huge: interrupted"));
+    EXPECT_EQ(outcome._output, "");
+    EXPECT_EQ(_folder.names(), (std::vector<std::string>{"huge", "private.pem", "public.pem"}));
+}
+
+TEST_F(Program, TellsThatTheDiskIsFull)
+{
+    _folder.write("report", "contents");
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"sign", "-o", "-", "-k", "private.pem", "report"},
+          {"digest", "-k", "private.pem", "report"},
+          {"key", "-k", "private.pem"},
+          {"encrypt", "-k", "public.pem", "x"},
+          {"--help"},
+          {"sign", "--help"},
+          {"--version"}})
+    {
+        tsCommand toFull = command(arguments);
+        toFull._outputPath = "/dev/full";
+        expectFailure(tsRun(toFull), {"standard output", "No space left on device"});
+    }
+    // Nothing of a file can be written, whatever the disk has.
+    tsCommand limited = command({"sign", "-k", "private.pem", "report"});
+    limited._prepare = []
+    {
+        const struct rlimit none = {0, 0};
+        signal(SIGXFSZ, SIG_IGN);
+        setrlimit(RLIMIT_FSIZE, &none);
+    };
+    const tsOutcome outcome = tsRun(limited);
+    expectFailure(outcome, {"report.sig: the signature cannot be written", "--output"});
+    EXPECT_EQ(outcome._output, "");
+    EXPECT_EQ(_folder.names(), (std::vector<std::string>{"private.pem", "public.pem", "report"}));
+}
+
+// A disk of its own, with no room for another byte; only root can make one, and not everywhere.
+TEST_F(Program, LeavesNoHalfSignatureOnAFullDisk)
+{
+    ASSERT_EQ(mkdir((_folder / "disk").c_str(), 0700), 0);
+    _folder.write("report", "contents");
+    tsCommand onFullDisk;
+    onFullDisk._folder = _folder.path();
+    onFullDisk._prepare = []
+    {
+        if ((unshare(CLONE_NEWNS) != 0) || (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) ||
+            (mount("tmpfs", "disk", "tmpfs", 0, "size=8k") != 0))
+        {
+            _exit(99);
+        }
+    };
+    onFullDisk._arguments = {"sh", "-c",
+                             "echo old > disk/report.sig; cat /dev/zero > disk/filler 2>/dev/null; "
+                             "\"$0\" sign -f -k private.pem -o disk/report.sig report; echo $?; "
+                             "\"$0\" sign -k private.pem -o disk/new.sig report; echo $?; "
+                             "cat disk/report.sig; ls -A disk",
+                             COUNTERSIGN_PROGRAM};
+    const tsOutcome outcome = tsRun(onFullDisk);
+    if (outcome._exitStatus == 99)
+    {
+        GTEST_SKIP() << "no disk can be made here";
+    }
+    EXPECT_EQ(outcome._output, "2\n2\nold\nfiller\nreport.sig\n");
+    EXPECT_THAT(outcome._errors, HasSubstr("No space left on device"));
+}
+
+TEST_F(Program, TellsThatItMayNot)
+{
+    ASSERT_EQ(mkdir((_folder / "folder").c_str(), 0700), 0);
+    _folder.write("folder/report", "contents");
+    _folder.write("secret", "contents");
+    ASSERT_EQ(chmod((_folder / "folder").c_str(), 0500), 0);
+    ASSERT_EQ(chmod((_folder / "secret").c_str(), 0), 0);
+    const auto runWithoutRights = [this](const std::vector<std::string>& arguments)
+    {
+        tsCommand toRun = command(arguments);
+        toRun._prepare = loseRootsRights;
+        return tsRun(toRun);
+    };
+    expectFailure(runWithoutRights({"sign", "-k", "private.pem", "folder/report"}),
+                  {"folder/report.sig: the signature cannot be written: Permission denied", "--output"});
+    EXPECT_FALSE(_folder.has("folder/report.sig"));
+    EXPECT_EQ(runWithoutRights({"sign", "-k", "private.pem", "-o", "-", "folder/report"})._exitStatus, 0);
+    for (const char* pCommand : {"sign", "test", "digest"})
+    {
+        expectFailure(runWithoutRights({pCommand, "-k", "private.pem", "secret"}), {"secret: you may not read it"});
+    }
+    ASSERT_EQ(chmod((_folder / "public.pem").c_str(), 0), 0);
+    expectFailure(runWithoutRights({"key", "-k", "public.pem"}), {"public.pem: the key cannot be read: Permission"});
+    _folder.write("a", "contents");
+    _folder.write("a.sig", "x");
+    ASSERT_EQ(chmod((_folder / "a.sig").c_str(), 0), 0);
+    expectFailure(runWithoutRights({"test", "-k", "private.pem", "a"}),
+                  {"a.sig: the signature cannot be read: Permission"});
+}
+
+TEST_F(Program, TellsWrongUse)
+{
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
+                                                      {"bogus"},
+                                                      {"sign"},
+                                                      {"sign", "report"},
+                                                      {"sign", "-k", "private.pem"},
+                                                      {"test", "--bogus"},
+                                                      {"key"},
+                                                      {"--bogus"}})
+    {
+        const tsOutcome outcome = run(arguments);
+        expectFailure(outcome, {"--help"});
+        EXPECT_EQ(outcome._output, "");
+    }
+}
+
+TEST_F(Program, TellsItsVersionAndHelp)
+{
+    EXPECT_THAT(outputOf({"--version"}), ::testing::MatchesRegex("countersign [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+    EXPECT_THAT(outputOf({"--help"}), HasSubstr("Examples:"));
+    EXPECT_THAT(outputOf({"--help"}), HasSubstr("accidents, not against an adversary"));
+}
+
+TEST_F(Program, SaysNothingOfItsProgressElsewhere)
+{
+    _folder.write("large", "");
+    ASSERT_EQ(truncate((_folder / "large").c_str(), 256 * 1024 * 1024), 0);
+    EXPECT_EQ(outputOf({"sign", "-k", "private.pem", "large"}), "large: signed, large.sig\n");
+}
