@@ -59,11 +59,12 @@ public:
     // a destructor that looks at the vector, or adds to it, does no harm; what it adds stays.
     void deleteElementsAndClear() noexcept
     {
+        static_assert(std::is_destructible<typename std::remove_pointer<T>::type>::value,
+                      "gtPtrVector deletes its elements: their class must be complete");
         std::vector<T> elements;
         elements.swap(_elements);
         for (T pElement : elements)
         {
-            static_assert(sizeof(*pElement) > 0, "gtPtrVector deletes its elements: their class must be complete");
             delete pElement;
         }
     }

@@ -55,13 +55,6 @@ gtString& gtString::operator=(const char* pChars)
     return *this = gtString(pChars);
 }
 
-gtString& gtString::operator=(const gtString& other)
-{
-    // Assigning in place keeps the memory at hand, and finds out about missing memory before it changes anything.
-    _text = other._text;
-    return *this;
-}
-
 gtString& gtString::operator=(gtString&& other) noexcept
 {
     if (this != &other)
@@ -126,9 +119,10 @@ gtString& gtString::appendFormattedString(const char* pFormat, ...)
 
     const std::size_t size = static_cast<std::size_t>(length) + 1;
     const std::unique_ptr<char[]> pLongResult(new char[size]);
-    va_start(arguments, pFormat);
-    const int sameLength = std::vsnprintf(pLongResult.get(), size, pFormat, arguments);
-    va_end(arguments);
+    va_list sameArguments;
+    va_start(sameArguments, pFormat);
+    const int sameLength = std::vsnprintf(pLongResult.get(), size, pFormat, sameArguments);
+    va_end(sameArguments);
     return (sameLength == length) ? append(pLongResult.get(), length) : *this;
 }
 

@@ -33,7 +33,7 @@ public:
     ~gtString() = default;
 
     gtString& operator=(const char* pChars);
-    gtString& operator=(const gtString& other);
+    gtString& operator=(const gtString& other) = default;
 
     // Takes the other's characters; the other is empty afterwards (a text moved to itself stays what it is).
     gtString& operator=(gtString&& other) noexcept;

@@ -19,11 +19,11 @@ int main(int argumentCount, char** arguments)
 {
     if ((argumentCount > 1) && (std::strcmp(arguments[1], "handler") == 0))
     {
-        std::signal(SIGTRAP, countTrap);
+        static_cast<void>(std::signal(SIGTRAP, countTrap));
     }
     std::puts("before the trap");
-    std::fflush(stdout);
+    static_cast<void>(std::fflush(stdout));
     osThrowBreakpointException();
-    std::printf("after the trap, %d counted\n", static_cast<int>(amountOfTraps));
+    static_cast<void>(std::printf("after the trap, %d counted\n", static_cast<int>(amountOfTraps)));
     return 9;
 }

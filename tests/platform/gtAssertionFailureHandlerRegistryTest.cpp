@@ -684,6 +684,7 @@ TEST(Registry, anyThreadMayDoAnythingAtAnyTime)
     gtRegisterAssertionFailureHandler(&permanent);
     std::vector<std::thread> failing;
     std::atomic<int> failures = 0;
+    failing.reserve(3);
     for (int i = 0; i < 3; ++i)
     {
         failing.emplace_back(
@@ -697,6 +698,7 @@ TEST(Registry, anyThreadMayDoAnythingAtAnyTime)
             });
     }
     std::vector<std::thread> registering;
+    registering.reserve(2);
     for (int i = 0; i < 2; ++i)
     {
         registering.emplace_back(
@@ -742,6 +744,7 @@ TEST(Registry, linesOfSeveralThreadsStayApart)
         [&]()
         {
             std::vector<std::thread> threads;
+            threads.reserve(4);
             for (int i = 0; i < 4; ++i)
             {
                 threads.emplace_back(
@@ -781,8 +784,8 @@ public:
             gtUnRegisterAssertionFailureHandler(pHandler);
             failAnAssertion();
             gtRegisterAssertionFailureHandler(pHandler);
-            std::fprintf(stderr, "%d calls, %d registered", static_cast<int>(pHandler->calls),
-                         gtAmountOfRegisteredAssertionFailureHandlers());
+            static_cast<void>(std::fprintf(stderr, "%d calls, %d registered", static_cast<int>(pHandler->calls),
+                                           gtAmountOfRegisteredAssertionFailureHandlers()));
         }
     }
 

@@ -130,7 +130,7 @@ TEST(gtPtrVector, movesHandTheElementsOver)
     gtPtrVector<Base*> first;
     first.push_back(new Base(deleted, 1));
     gtPtrVector<Base*> second(std::move(first));
-    EXPECT_EQ(first.size(), 0);  // NOLINT(bugprone-use-after-move): it is documented
+    EXPECT_EQ(first.size(), 0);  // NOLINT(bugprone-use-after-move,clang-analyzer-cplusplus.Move): it is documented
     ASSERT_EQ(second.size(), 1);
     EXPECT_TRUE(deleted.empty());
 
@@ -138,7 +138,7 @@ TEST(gtPtrVector, movesHandTheElementsOver)
     third.push_back(new Base(deleted, 2));
     third = std::move(second);
     EXPECT_EQ(deleted, Numbers{2});
-    EXPECT_EQ(second.size(), 0);  // NOLINT(bugprone-use-after-move): it is documented
+    EXPECT_EQ(second.size(), 0);  // NOLINT(bugprone-use-after-move,clang-analyzer-cplusplus.Move): it is documented
     ASSERT_EQ(third.size(), 1);
     EXPECT_EQ(third[0]->number(), 1);
 
@@ -192,7 +192,7 @@ public:
         _vector.deleteElementsAndClear();
         if (_isAdding)
         {
-            _vector.push_back(new Meddler(_vector, _sizes, false));
+            _vector.push_back(new (std::nothrow) Meddler(_vector, _sizes, false));
         }
     }
 

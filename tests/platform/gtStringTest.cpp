@@ -134,12 +134,14 @@ TEST(gtString, movesLeaveTheOtherEmpty)
         gtString source(expected.c_str());
         gtString constructed(std::move(source));
         EXPECT_EQ(contents(constructed), expected);
-        EXPECT_TRUE(source.isEmpty());  // NOLINT(bugprone-use-after-move): it is documented
+        EXPECT_TRUE(
+            source.isEmpty());  // NOLINT(bugprone-use-after-move,clang-analyzer-cplusplus.Move): it is documented
 
         gtString assigned("before, and long enough to have memory of its own");
         assigned = std::move(constructed);
         EXPECT_EQ(contents(assigned), expected);
-        EXPECT_TRUE(constructed.isEmpty());  // NOLINT(bugprone-use-after-move): it is documented
+        EXPECT_TRUE(
+            constructed.isEmpty());  // NOLINT(bugprone-use-after-move,clang-analyzer-cplusplus.Move): it is documented
 
         gtString& same = assigned;
         assigned = std::move(same);

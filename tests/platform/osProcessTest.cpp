@@ -54,8 +54,6 @@ using testing::AnyOf;
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 using Strings = std::vector<std::string>;
 
@@ -413,6 +411,7 @@ void countSigchld(int)
 TEST_F(osOpenFileInSourceCodeEditorTest, leavesTheProgramsSignalsAndChildrenAlone)
 {
     makeEditor("gedit");
+    amountOfSigchld = 0;
     struct sigaction action = {};
     struct sigaction before = {};
     action.sa_handler = countSigchld;
@@ -595,6 +594,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, severalThreadsOpenFiles)
 {
     makeReporter("kate", "printf .");
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i)
     {
         threads.emplace_back(
@@ -630,7 +630,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, severalThreadsOpenFiles)
 std::string outputOf(const std::string& command, int& status)
 {
     std::string output;
-    FILE* const pPipe = ::popen(command.c_str(), "r");
+    FILE* const pPipe = ::popen(command.c_str(), "r");  // NOLINT(cert-env33-c): the command is the test's own
     if (pPipe == nullptr)
     {
         status = -1;
@@ -677,7 +677,7 @@ TEST(osThrowBreakpointException, endsTheProcessWithoutDebuggerAndHandler)
 {
     EXPECT_EXIT(
         {
-            std::signal(SIGTRAP, SIG_DFL);
+            static_cast<void>(std::signal(SIGTRAP, SIG_DFL));
             osThrowBreakpointException();
         },
         testing::KilledBySignal(SIGTRAP), "");

@@ -167,10 +167,10 @@ TEST(osTime, agreesWithTheSystemOverTheYears)
         std::tm parts = {};
         char expected[64];
         ASSERT_NE(::localtime_r(&seconds, &parts), nullptr);
-        std::strftime(expected, sizeof expected, "%Y-%m-%d %H:%M:%S", &parts);
+        ASSERT_EQ(std::strftime(expected, sizeof expected, "%Y-%m-%d %H:%M:%S", &parts), 19U);
         ASSERT_EQ(textOf(seconds, osTime::DATE_AND_TIME, osTime::LOCAL), expected);
         ASSERT_NE(::gmtime_r(&seconds, &parts), nullptr);
-        std::strftime(expected, sizeof expected, "%Y-%m-%d_%H-%M-%S", &parts);
+        ASSERT_EQ(std::strftime(expected, sizeof expected, "%Y-%m-%d_%H-%M-%S", &parts), 19U);
         ASSERT_EQ(textOf(seconds, osTime::FOR_FILE_NAME, osTime::UTC), expected);
     }
 }
@@ -179,6 +179,7 @@ TEST(osTime, severalThreadsDoNotMixTheirMoments)
 {
     std::vector<std::thread> threads;
     std::atomic<int> wrong = 0;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i)
     {
         threads.emplace_back(
