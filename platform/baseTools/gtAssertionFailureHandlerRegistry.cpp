@@ -193,7 +193,7 @@ void gtUnRegisterAssertionFailureHandler(gtIAssertionFailureHandler* pHandler)
         for (const RunningCall* pCall = reg.pRunningCalls; pCall != nullptr; pCall = pCall->pNext)
         {
             if ((pCall->pHandler == pHandler) && (pCall->registrationNumber <= lastNumber) &&
-                (pCall->thread != thisThread) && !(isWithinHandler && pCall->isThreadWaiting))
+                !(isWithinHandler && pCall->isThreadWaiting))
             {
                 return true;
             }
@@ -201,16 +201,14 @@ void gtUnRegisterAssertionFailureHandler(gtIAssertionFailureHandler* pHandler)
         return false;
     };
 
-    if (mustWait())
+    // This thread's own calls are among those whose thread waits. Of several threads that wait for each other's calls
+    // the last to come finds the others waiting and goes on, and the end of its call wakes them.
+    markCallsOnThread(reg, thisThread, true);
+    while (mustWait())
     {
-        markCallsOnThread(reg, thisThread, true);
-        reg.runningCallsChanged.notify_all();
-        while (mustWait())
-        {
-            reg.runningCallsChanged.wait(lock);
-        }
-        markCallsOnThread(reg, thisThread, false);
+        reg.runningCallsChanged.wait(lock);
     }
+    markCallsOnThread(reg, thisThread, false);
 }
 
 void gtTriggerAssertonFailureHandler(const char* functionName, const char* fileName, int lineNumber,

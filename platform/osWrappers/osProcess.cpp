@@ -354,14 +354,14 @@ bool startDetached(const std::vector<Command>& commands, const std::string& allF
         return false;
     }
 
+    // It stays 0 if the program ignores SIGCHLD, or collects every child itself.
     int status = 0;
     pid_t collected = -1;
     do
     {
         collected = ::waitpid(between, &status, 0);
     } while ((collected < 0) && (errno == EINTR));
-    // If the program ignores SIGCHLD, or collects every child itself, there is no status to be had.
-    return (collected != between) || (WIFEXITED(status) && (WEXITSTATUS(status) == 0));
+    return WIFEXITED(status) && (WEXITSTATUS(status) == 0);
 }
 }  // namespace
 

@@ -677,6 +677,67 @@ TEST(Registry, fromOutsideAHandlerAWaitingThreadIsWaitedForAsWell)
     }
 }
 
+TEST(Registry, threadThatHasWaitedIsWaitedForAgain)
+{
+    for (int round = 0; round < 50; ++round)
+    {
+        Event isInnerEntered;
+        Event isInnerReleased;
+        Event isOuterEntered;
+        Event hasOuterWaited;
+        Event isOuterReleased;
+        std::atomic<bool> isOuterOver = false;
+        std::atomic<bool> wasOuterOver = false;
+        Handler inner(
+            [&](Handler& self)
+            {
+                gtUnRegisterAssertionFailureHandler(&self);
+                isInnerEntered.set();
+                isInnerReleased.wait();
+            });
+        gtRegisterAssertionFailureHandler(&inner);
+        std::thread innerThread(failAnAssertion);
+        isInnerEntered.wait();
+
+        Handler outer(
+            [&](Handler& self)
+            {
+                gtUnRegisterAssertionFailureHandler(&self);
+                isOuterEntered.set();
+                gtUnRegisterAssertionFailureHandler(&inner);
+                hasOuterWaited.set();
+                isOuterReleased.wait();
+                isOuterOver = true;
+            });
+        gtRegisterAssertionFailureHandler(&outer);
+        std::thread outerThread(failAnAssertion);
+        isOuterEntered.wait();
+        isInnerReleased.set();
+        hasOuterWaited.wait();
+
+        // From within a third handler the outer one, which waits for nothing any more, is waited for.
+        Handler third(
+            [&](Handler& self)
+            {
+                gtUnRegisterAssertionFailureHandler(&self);
+                gtUnRegisterAssertionFailureHandler(&outer);
+                wasOuterOver = isOuterOver.load();
+            });
+        gtRegisterAssertionFailureHandler(&third);
+        std::thread thirdThread(failAnAssertion);
+        while (gtAmountOfRegisteredAssertionFailureHandlers() > 0)
+        {
+            std::this_thread::yield();
+        }
+        std::this_thread::yield();
+        isOuterReleased.set();
+        innerThread.join();
+        outerThread.join();
+        thirdThread.join();
+        EXPECT_TRUE(wasOuterOver);
+    }
+}
+
 TEST(Registry, anyThreadMayDoAnythingAtAnyTime)
 {
     std::atomic<bool> mustEnd = false;

@@ -290,6 +290,15 @@ TEST_F(osFileTest, largeReadsGoStraightToTheCaller)
         EXPECT_EQ(std::string(buffer.data(), amount), content);
     }
     {
+        // So does one of just the buffer's size.
+        osFile file;
+        ASSERT_TRUE(open(file, path));
+        const unsigned long long allocations = amountOfAllocations();
+        ASSERT_TRUE(file.readAvailableData(buffer.data(), bufferCapacity, amount));
+        EXPECT_EQ(amountOfAllocations(), allocations);
+        EXPECT_EQ(amount, bufferCapacity);
+    }
+    {
         // What is buffered comes first.
         osFile file;
         ASSERT_TRUE(open(file, path));

@@ -32,6 +32,9 @@ namespace
 {
 // How often this thread may still fork, if not below 0. A child has a copy of its own.
 thread_local int amountOfForksLeft = -1;
+
+// Which signals were blocked when this thread forked last.
+thread_local sigset_t maskAtFork;
 }  // namespace
 
 extern "C" pid_t fork() noexcept
@@ -41,6 +44,7 @@ extern "C" pid_t fork() noexcept
         errno = EAGAIN;
         return -1;
     }
+    static_cast<void>(::pthread_sigmask(SIG_SETMASK, nullptr, &maskAtFork));
     amountOfForksLeft -= (amountOfForksLeft > 0) ? 1 : 0;
     pid_t (*realFork)() = nullptr;
     void* const pSymbol = ::dlsym(RTLD_NEXT, "fork");
@@ -434,6 +438,10 @@ TEST_F(osOpenFileInSourceCodeEditorTest, leavesTheProgramsSignalsAndChildrenAlon
     }
 
     open("/f", 3);
+
+    // None of the program's handlers may run in the new process.
+    EXPECT_EQ(sigismember(&maskAtFork, SIGTERM), 1);
+    EXPECT_EQ(sigismember(&maskAtFork, SIGCHLD), 1);
 
     sigset_t maskAfter;
     ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &maskBefore, &maskAfter), 0);
