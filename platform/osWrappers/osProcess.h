@@ -10,9 +10,9 @@ unsigned int osGetCurrentThreadId();
 
 // Opens the file in a graphical editor, at the line if the number is above 0, and returns at once, without waiting for
 // the editor. The editors that are known to take a line are tried in this order, each one looked for in the folders of
-// PATH: code, codium, subl, kate, gedit, geany, kwrite, mousepad, pluma, xed, gvim, emacs; then
-// xdg-open (on macOS: open), which knows no line. If none can be started, or the path is empty or holds a NUL, one line
-// on standard error says so.
+// PATH: code, codium, subl, kate, gedit, geany, kwrite, mousepad, pluma, xed, gvim, emacs; then xdg-open (on macOS:
+// open), which knows no line. If none can be started, or the path is empty or holds a NUL, one line on standard error
+// says so.
 //
 // The path is handed over as it is, byte by byte and never through a shell; a relative one that an editor could take
 // for an option or an address gets "./" in front. Whether the file exists is left to the editor.
