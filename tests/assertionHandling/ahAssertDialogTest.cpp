@@ -702,9 +702,22 @@ namespace
 class DialogOfHandler : public testing::Test
 {
 protected:
-    static OpenDialog* current() { return static_cast<OpenDialog*>(tsTopModalDialog()); }
+    static ahAssertDialog& current()
+    {
+        auto* pDialog = dynamic_cast<ahAssertDialog*>(tsTopModalDialog());
+        if (pDialog == nullptr)
+        {
+            throw std::logic_error("there is no dialog");
+        }
+        return *pDialog;
+    }
 
-    static bool isThere() { return current() != nullptr && tsHasKeyboard(*current()); }
+    static wxString reportText()
+    {
+        return wxDynamicCast(current().GetChildren().GetFirst()->GetData(), wxTextCtrl)->GetValue();
+    }
+
+    static bool isThere() { return tsTopModalDialog() != nullptr && tsHasKeyboard(current()); }
 
     int display(const char* pFile, int line, const char* pMessage, std::function<void()> action)
     {
@@ -730,9 +743,9 @@ TEST_F(DialogOfHandler, ShowsWhatFailed)
     EXPECT_EQ(display("/src/a.cpp", 3, "caf\xE9 != \xC3",
                       [&]
                       {
-                          EXPECT_EQ(current()->GetParent(), nullptr);
-                          title = current()->GetTitle();
-                          text = wxDynamicCast(current()->GetChildren().GetFirst()->GetData(), wxTextCtrl)->GetValue();
+                          EXPECT_EQ(current().GetParent(), nullptr);
+                          title = current().GetTitle();
+                          text = reportText();
                           tsPressKeys("alt+o");
                       }),
               8003);
@@ -747,7 +760,7 @@ TEST_F(DialogOfHandler, TakesANullReasonForAnEmptyOne)
     EXPECT_EQ(display("/src/a.cpp", 3, nullptr,
                       [&]
                       {
-                          text = wxDynamicCast(current()->GetChildren().GetFirst()->GetData(), wxTextCtrl)->GetValue();
+                          text = reportText();
                           tsPressKeys("alt+i");
                       }),
               8001);
@@ -803,7 +816,7 @@ TEST(DialogOfHandlerDeathTest, ExitEndsTheProcessWithStatusZero)
                 .waitUntil("the dialog has the keyboard",
                            []
                            {
-                               auto* pDialog = static_cast<wxDialog*>(tsTopModalDialog());
+                               auto* pDialog = dynamic_cast<ahAssertDialog*>(tsTopModalDialog());
                                return pDialog != nullptr && tsHasKeyboard(*pDialog);
                            })
                 .perform("press Alt+E", [] { tsPressKeys("alt+e"); })
