@@ -13,8 +13,6 @@
 #include "platform/baseTools/gtString.h"
 #include "platform/osWrappers/osProcess.h"
 
-wxAppConsole* wxCreateApp();
-
 namespace
 {
 

@@ -16,8 +16,6 @@
 #include "platform/osWrappers/osProcess.h"
 #include "tests/support/tsAllocations.h"
 
-wxAppConsole* wxCreateApp();
-
 namespace
 {
 

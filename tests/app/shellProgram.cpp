@@ -30,7 +30,7 @@ void tell(MainFrame& frame)
     {
         std::printf("argument %s\n", ahBytesFromArgument(arguments[i]).asCharArray());
     }
-    std::fflush(stdout);
+    static_cast<void>(std::fflush(stdout));
     if (arguments.size() > 1 && arguments[1] == "exitDecision")
     {
         wxGetApp().CallAfter(
@@ -59,7 +59,7 @@ public:
         if (pCommandLine != nullptr)
         {
             const std::size_t length = std::fread(text, 1, sizeof(text) - 1, pCommandLine);
-            std::fclose(pCommandLine);
+            static_cast<void>(std::fclose(pCommandLine));
             const std::string commandLine(text, length);
             MainFrame::hasNoMemory = commandLine.find(std::string("\0withoutWindow", 14)) != std::string::npos;
         }

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <new>
@@ -121,7 +122,8 @@ TEST(Handler, HasItsOperationsAndFieldsInTheirOrder)
     using Handler = ahDialogBasedAssertionFailureHandler;
     static_assert(std::is_base_of<Interface, Handler>::value, "");
     static_assert(std::has_virtual_destructor<Interface>::value, "");
-    static_assert(!std::is_copy_constructible<Handler>::value && !std::is_copy_assignable<Handler>::value, "");
+    static_assert(!std::is_copy_constructible<Handler>::value, "");
+    static_assert(!std::is_copy_assignable<Handler>::value, "");
     static_assert(!std::is_polymorphic<ahSourceCodeLocation>::value, "a plain record");
 
     // A member pointer to a virtual operation holds 1 + its offset in the table (Itanium C++ ABI 2.3).
@@ -291,6 +293,29 @@ TEST(Handler, ReportTakesBytesAsTheyAreAndNoFormats)
               " - Assertion failure: " + longText + " f p line 1\r\n" + describedBy(EINTR));
 }
 
+TEST(Handler, ReportDescribesTheCallersErrnoAndLeavesIt)
+{
+    // Reading a time zone that is not there changes errno on the way.
+    const char* const pOldZone = std::getenv("TZ");
+    const std::string oldZone(pOldZone == nullptr ? "" : pOldZone);
+    setenv("TZ", ":/no/such/zone", 1);
+    EXPECT_EQ(reportOf(EPERM, "f", "p", 1, "m"), " - Assertion failure: m f p line 1\r\n" + describedBy(EPERM));
+    pOldZone == nullptr ? unsetenv("TZ") : setenv("TZ", oldZone.c_str(), 1);
+
+    // So does writing to a full device.
+    const int oldStderr = dup(STDERR_FILENO);
+    const int full = open("/dev/full", O_WRONLY);
+    ASSERT_GE(full, 0);
+    ASSERT_GE(dup2(full, STDERR_FILENO), 0);
+    errno = EPERM;
+    OpenHandler(1).outputAssertionMessageToStderr("f", "p", 1, std::string(100000, 'm').c_str());
+    const int errnoAfterwards = errno;
+    dup2(oldStderr, STDERR_FILENO);
+    close(full);
+    close(oldStderr);
+    EXPECT_EQ(errnoAfterwards, EPERM);
+}
+
 TEST(Handler, ReportLeavesNullTextsOut)
 {
     EXPECT_EQ(reportOf(EPERM, nullptr, nullptr, 7, nullptr),
@@ -312,10 +337,13 @@ TEST(Handler, OpenStartsTheEditorAtTheLine)
     namespace fs = std::filesystem;
     char folder[] = "/tmp/countersign-editor-XXXXXX";
     ASSERT_NE(mkdtemp(folder), nullptr);
-    const fs::path editor = fs::path(folder) / "kate";
+    // The one that is looked for first.
+    const fs::path editor = fs::path(folder) / "code";
     std::ofstream(editor) << "#!/bin/sh\nprintf '%s\\n' \"$@\" > \"$0.part\" && mv \"$0.part\" \"$0.called\"\n";
     fs::permissions(editor, fs::perms::owner_all);
-    const std::string oldPath = std::getenv("PATH");
+    const char* const pOldPath = std::getenv("PATH");
+    ASSERT_NE(pOldPath, nullptr);
+    const std::string oldPath(pOldPath == nullptr ? "" : pOldPath);
     setenv("PATH", (std::string(folder) + ":/bin:/usr/bin").c_str(), 1);
 
     OpenHandler handler(1);
@@ -357,11 +385,11 @@ TEST(HandlerDeathTest, ExitEndsTheProcessWithStatusZeroThroughTheExitHandlers)
 {
     EXPECT_EXIT(
         {
-            std::atexit([] { std::fputs("exit handlers run", stderr); });
+            static_cast<void>(std::atexit([] { static_cast<void>(std::fputs("exit handlers run", stderr)); }));
             auto* pHandler = new OpenHandler(1);
             gtRegisterAssertionFailureHandler(pHandler);
             pHandler->handleUsersDecision(8005, path("/p.cpp"), 1);
-            std::fputs("not reached", stderr);
+            static_cast<void>(std::fputs("not reached", stderr));
             std::_Exit(3);
         },
         testing::ExitedWithCode(0), "^exit handlers run$");

@@ -97,7 +97,7 @@ class TextConversion : public testing::TestWithParam<const char*>
 {
 protected:
     TextConversion() { _hasLocale = std::setlocale(LC_ALL, GetParam()) != nullptr; }
-    ~TextConversion() override { std::setlocale(LC_ALL, "C"); }
+    ~TextConversion() override { static_cast<void>(std::setlocale(LC_ALL, "C")); }
     void SetUp() override { ASSERT_TRUE(_hasLocale) << GetParam(); }
 
     bool _hasLocale;

@@ -67,7 +67,7 @@ int main(int argc, char** argv)
 {
     if (argc != 2 && argc != 5)
     {
-        std::fputs("usage: picture_assertion_dialog PICTURE.png [FILE LINE REASON]\n", stderr);
+        static_cast<void>(std::fputs("usage: picture_assertion_dialog PICTURE.png [FILE LINE REASON]\n", stderr));
         return 2;
     }
     wxAppConsole::SetInitializerFunction(&makeApplication);

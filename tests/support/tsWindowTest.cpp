@@ -236,6 +236,7 @@ int tsRunProgram(const std::initializer_list<std::string>& arguments, std::strin
 {
     std::vector<std::string> texts(arguments);
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string& text : texts)
     {
         pointers.push_back(text.data());
@@ -294,7 +295,7 @@ wxImage tsPictureOfScreen()
         }
         picture.LoadFile(wxString::FromUTF8(name), wxBITMAP_TYPE_PNG);
     }
-    std::remove(name);
+    static_cast<void>(std::remove(name));
     return picture;
 }
 

@@ -82,7 +82,7 @@ int main(int argc, char** argv)
     int amountOfArguments = 1;
     if (!wxEntryStart(amountOfArguments, argv))
     {
-        std::fputs("the toolkit did not start\n", stderr);
+        static_cast<void>(std::fputs("the toolkit did not start\n", stderr));
         return 125;
     }
     const int result = RUN_ALL_TESTS();
