@@ -1,6 +1,7 @@
 #include "tests/support/tsAllocations.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
 #include <new>
 
@@ -23,6 +24,8 @@ void* allocate(std::size_t size) noexcept
     {
         live++;
     }
+    // Nobody may rely on it that a call which succeeds leaves errno alone.
+    errno = ENOMEM;
     return pMemory;
 }
 

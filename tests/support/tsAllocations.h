@@ -1,5 +1,5 @@
 // Counts what operator new gives out, and makes it fail on demand. Link allocationCounter: it replaces the global
-// operators of the whole test program. One thread at a time.
+// operators of the whole test program. One thread at a time. Every allocation changes errno.
 #ifndef TS_ALLOCATIONS_H
 #define TS_ALLOCATIONS_H
 
