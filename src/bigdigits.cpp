@@ -122,7 +122,8 @@ void clearAndFree(unsigned char* octets, size_t n)
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Rows: one digit times a number. All products and quotients spend their time here.
+// Rows: one digit times a number. This is how short products and quotients are formed, and what the columns below are
+// tested against.
 
 // w[0..n) += u[0..n) * d. Returns the carry digit.
 mpDigit rowMultiplyAdd(mpDigit w[], const mpDigit u[], size_t n, mpDigit d)
@@ -161,6 +162,18 @@ mpDigit rowMultiplySubtract(mpDigit w[], const mpDigit v[], size_t n, mpDigit d)
     return borrow;
 }
 
+int32_t compare(const mpDigit a[], const mpDigit b[], size_t n)
+{
+    for (size_t i = n; i-- > 0;)
+    {
+        if (a[i] != b[i])
+        {
+            return a[i] > b[i] ? 1 : -1;
+        }
+    }
+    return 0;
+}
+
 mpDigit add(mpDigit w[], const mpDigit u[], const mpDigit v[], size_t n)
 {
     mpDigit carry = 0;
@@ -174,8 +187,48 @@ mpDigit add(mpDigit w[], const mpDigit u[], const mpDigit v[], size_t n)
     return carry;
 }
 
+// w[0..un+vn) = u * v.
+void multiplyByRows(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+{
+    setZero(w, un + vn);
+    for (size_t j = 0; j < vn; j++)
+    {
+        if (v[j] != 0)
+        {
+            w[j + un] = rowMultiplyAdd(w + j, u, un, v[j]);
+        }
+    }
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Squares: each product of two different digits is formed once, and doubled at the end.
+
+[[maybe_unused]] void squareByRows(mpDigit w[], const mpDigit x[], size_t n)
+{
+    setZero(w, 2 * n);
+    for (size_t i = 0; i < n; i++)
+    {
+        w[i + n] = rowMultiplyAdd(w + 2 * i + 1, x + i + 1, n - i - 1, x[i]);
+    }
+
+    mpDigit carry = 0;
+    mpDigit doubledBit = 0;
+    for (size_t i = 0; i < n; i++)
+    {
+        mpDigit diagonal[2];
+        spMultiply(diagonal, x[i], x[i]);
+        for (size_t half = 0; half < 2; half++)
+        {
+            const mpDigit digit = w[2 * i + half];
+            mpDigit sum = (digit << 1 | doubledBit) + carry;
+            carry = sum < carry ? 1 : 0;
+            sum += diagonal[half];
+            carry += sum < diagonal[half] ? 1 : 0;
+            w[2 * i + half] = sum;
+            doubledBit = digit >> 31;
+        }
+    }
+}
 
 #if defined(__SIZEOF_INT128__)
 
@@ -238,29 +291,7 @@ void square(mpDigit w[], const mpDigit x[], size_t n)
 
 void square(mpDigit w[], const mpDigit x[], size_t n)
 {
-    setZero(w, 2 * n);
-    for (size_t i = 0; i < n; i++)
-    {
-        w[i + n] = rowMultiplyAdd(w + 2 * i + 1, x + i + 1, n - i - 1, x[i]);
-    }
-
-    mpDigit carry = 0;
-    mpDigit doubledBit = 0;
-    for (size_t i = 0; i < n; i++)
-    {
-        mpDigit diagonal[2];
-        spMultiply(diagonal, x[i], x[i]);
-        for (size_t half = 0; half < 2; half++)
-        {
-            const mpDigit digit = w[2 * i + half];
-            mpDigit sum = (digit << 1 | doubledBit) + carry;
-            carry = sum < carry ? 1 : 0;
-            sum += diagonal[half];
-            carry += sum < diagonal[half] ? 1 : 0;
-            w[2 * i + half] = sum;
-            doubledBit = digit >> 31;
-        }
-    }
+    squareByRows(w, x, n);
 }
 
 #endif
@@ -404,6 +435,424 @@ mpDigit estimateQuotient(mpDigit top, mpDigit uHigh, mpDigit uNext, mpDigit vHig
     return qhat;
 }
 
+// Quotient digits m to 0 of (top, r[0..n+m)) / v. v is normalised; n > 1. Leaves the remainder in r[0..n).
+void divideByRows(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
+{
+    for (size_t j = m + 1; j-- > 0;)
+    {
+        mpDigit qhat = estimateQuotient(top, r[j + n - 1], r[j + n - 2], v[n - 1], v[n - 2]);
+        if (qhat != 0)
+        {
+            top -= rowMultiplySubtract(r + j, v, n, qhat);
+            if (top != 0)
+            {
+                qhat--;
+                add(r + j, r + j, v, n);
+            }
+        }
+        // With qhat 0 the digit is 0 and top was 0 already: (top, r[j..j+n)) is less than v.
+        q[j] = qhat;
+        top = r[j + n - 1];
+    }
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Columns: all products of digits that count the same power of the base, summed up for sixteen powers at once.
+//
+// Where a row has to carry from digit to digit, columns have nothing to carry until they are summed up, and the sums
+// of neighbouring columns are independent of each other: that suits vector units. The products are still formed from
+// 16-bit halves. The halves of the products are summed in 32-bit lanes.
+
+#if defined(__GNUC__) && defined(__SIZEOF_INT128__) && !defined(MP_WITHOUT_COLUMNS)
+
+// Only what is inlined into the functions for one processor is compiled for that processor.
+#define MP_INLINE inline __attribute__((always_inline))
+
+constexpr size_t columnCount = 16;
+constexpr size_t shortestForColumns = columnCount;
+// A lane takes three halves from each row.
+constexpr size_t rowsPerLane = 16384;
+static_assert(rowsPerLane * 3 * halfMask <= allOnes, "the sums fit in a lane");
+
+using Vector16 = mpDigit __attribute__((vector_size(16)));
+using Vector32 = mpDigit __attribute__((vector_size(32)));
+using Vector64 = mpDigit __attribute__((vector_size(64)));
+
+// The sum of a column is low + high * 2^32.
+struct Columns
+{
+    uint64_t low[columnCount];
+    uint64_t high[columnCount];
+};
+
+// The same sums, in the lanes of vectors and by half-digits: weights 1, 2^16, 2^32 and 2^48.
+template <class Vector>
+struct Lanes
+{
+    static constexpr size_t parts = columnCount * sizeof(mpDigit) / sizeof(Vector);
+    Vector lowest[parts];
+    Vector lower[parts];
+    Vector upper[parts];
+    Vector highest[parts];
+};
+
+// Sixteen digits of a number from any index on, with zeros below the number and above it.
+struct Slices
+{
+    Slices(const mpDigit a[], size_t n) : digits(a), size(n)
+    {
+        for (size_t i = 0; i < columnCount; i++)
+        {
+            lowEnd[i] = 0;
+            lowEnd[columnCount + i] = a[i];
+            highEnd[i] = a[n - columnCount + i];
+            highEnd[columnCount + i] = 0;
+        }
+    }
+
+    MP_INLINE const mpDigit* from(ptrdiff_t index) const
+    {
+        const auto width = static_cast<ptrdiff_t>(columnCount);
+        const auto last = static_cast<ptrdiff_t>(size) - width;
+        if (index < 0)
+        {
+            return lowEnd + (width + index);
+        }
+        return index > last ? highEnd + (index - last) : digits + index;
+    }
+
+    const mpDigit* digits;
+    size_t size;
+    mpDigit lowEnd[2 * columnCount];
+    mpDigit highEnd[2 * columnCount];
+};
+
+// lanes += a[0..16) * d.
+template <class Vector>
+MP_INLINE void addProducts(Lanes<Vector>& lanes, const mpDigit a[], mpDigit d)
+{
+    const mpDigit dLow = d & halfMask;
+    const mpDigit dHigh = d >> bitsPerHalf;
+    for (size_t i = 0; i < Lanes<Vector>::parts; i++)
+    {
+        Vector digits;
+        memcpy(&digits, a + i * (sizeof(Vector) / sizeof(mpDigit)), sizeof(Vector));
+        const Vector low = digits & halfMask;
+        const Vector high = digits >> bitsPerHalf;
+        const Vector lowLow = low * dLow;
+        const Vector lowHigh = low * dHigh;
+        const Vector highLow = high * dLow;
+        const Vector highHigh = high * dHigh;
+        lanes.lowest[i] += lowLow & halfMask;
+        lanes.lower[i] += (lowLow >> bitsPerHalf) + (lowHigh & halfMask) + (highLow & halfMask);
+        lanes.upper[i] += (lowHigh >> bitsPerHalf) + (highLow >> bitsPerHalf) + (highHigh & halfMask);
+        lanes.highest[i] += highHigh >> bitsPerHalf;
+    }
+}
+
+// sums += lanes.
+template <class Vector>
+MP_INLINE void addLanes(Columns& sums, const Lanes<Vector>& lanes)
+{
+    mpDigit lowest[columnCount];
+    mpDigit lower[columnCount];
+    mpDigit upper[columnCount];
+    mpDigit highest[columnCount];
+    memcpy(lowest, lanes.lowest, sizeof(lowest));
+    memcpy(lower, lanes.lower, sizeof(lower));
+    memcpy(upper, lanes.upper, sizeof(upper));
+    memcpy(highest, lanes.highest, sizeof(highest));
+    for (size_t i = 0; i < columnCount; i++)
+    {
+        sums.low[i] += uint64_t{lowest[i]} + ((lower[i] & halfMask) << bitsPerHalf);
+        sums.high[i] += uint64_t{upper[i]} + (lower[i] >> bitsPerHalf) + (uint64_t{highest[i]} << bitsPerHalf);
+    }
+}
+
+// Columns first to first + 15 of u * v, taking only v[begin..end).
+template <class Vector>
+MP_INLINE Columns sumColumns(const Slices& u, const mpDigit v[], size_t begin, size_t end, size_t first)
+{
+    Columns sums = {};
+    for (size_t j = begin; j < end;)
+    {
+        Lanes<Vector> lanes = {};
+        for (const size_t stop = end - j < rowsPerLane ? end : j + rowsPerLane; j < stop; j++)
+        {
+            if (v[j] != 0)
+            {
+                addProducts(lanes, u.from(static_cast<ptrdiff_t>(first) - static_cast<ptrdiff_t>(j)), v[j]);
+            }
+        }
+        addLanes(sums, lanes);
+    }
+    return sums;
+}
+
+// Adds column i to what is carried from the column below it, and takes the digit.
+MP_INLINE mpDigit takeDigit(uint64_t& carry, const Columns& sums, size_t i)
+{
+    const uint64_t t = (carry & allOnes) + sums.low[i];
+    carry = (carry >> bitsPerDigit) + (t >> bitsPerDigit) + sums.high[i];
+    return static_cast<mpDigit>(t);
+}
+
+// Rows v[begin..end) that have digits of u, un long, in any of the columns first to first + 15.
+MP_INLINE size_t firstRow(size_t first, size_t un)
+{
+    return first < un ? 0 : first - un + 1;
+}
+
+MP_INLINE size_t endOfRows(size_t first, size_t vn)
+{
+    return first + columnCount < vn ? first + columnCount : vn;
+}
+
+template <class Vector>
+MP_INLINE void multiplyByColumnsWith(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+{
+    const Slices slices(u, un);
+    uint64_t carry = 0;
+    for (size_t first = 0; first < un + vn; first += columnCount)
+    {
+        const Columns sums = sumColumns<Vector>(slices, v, firstRow(first, un), endOfRows(first, vn), first);
+        for (size_t i = 0; i < columnCount && first + i < un + vn; i++)
+        {
+            w[first + i] = takeDigit(carry, sums, i);
+        }
+    }
+}
+
+// x * y, like spMultiply.
+MP_INLINE uint64_t product(mpDigit x, mpDigit y)
+{
+    const mpDigit xLow = x & halfMask;
+    const mpDigit xHigh = x >> bitsPerHalf;
+    const mpDigit yLow = y & halfMask;
+    const mpDigit yHigh = y >> bitsPerHalf;
+    const mpDigit lowest = xLow * yLow;
+    const mpDigit lower = xHigh * yLow + (lowest >> bitsPerHalf);
+    const mpDigit upper = xLow * yHigh + (lower & halfMask);
+    const mpDigit high = xHigh * yHigh + (lower >> bitsPerHalf) + (upper >> bitsPerHalf);
+    return uint64_t{high} << bitsPerDigit | static_cast<mpDigit>(upper << bitsPerHalf | (lowest & halfMask));
+}
+
+// (B^3 - 1) / divisor - B, for a divisor of two digits with the top bit set.
+mpDigit reciprocal(uint64_t divisor)
+{
+    const auto high = static_cast<mpDigit>(divisor >> bitsPerDigit);
+    const auto low = static_cast<mpDigit>(divisor);
+    const mpDigit largest[2] = {allOnes, ~high};
+    mpDigit result = 0;
+    mpDigit remainder = 0;
+    // Of the high digit alone; too large by a few.
+    spDivide(&result, &remainder, largest, high);
+    DoubleWord multiple = (DoubleWord{divisor} << bitsPerDigit) + (DoubleWord{product(result, high)} << bitsPerDigit) +
+                          product(result, low);
+    while (multiple >> (3 * bitsPerDigit) != 0)
+    {
+        result--;
+        multiple -= divisor;
+    }
+    return result;
+}
+
+// (uHigh, u) / divisor, for (uHigh, high digit of u) < divisor. Leaves the remainder in u. This is the digit that
+// estimateQuotient finds, without a division (Moeller and Granlund, Improved division by invariant integers, 2011,
+// algorithm 4).
+MP_INLINE mpDigit divideThreeByTwo(mpDigit uHigh, uint64_t& u, uint64_t divisor, mpDigit inverse)
+{
+    const auto vHigh = static_cast<mpDigit>(divisor >> bitsPerDigit);
+    const auto vLow = static_cast<mpDigit>(divisor);
+    const uint64_t estimate = product(inverse, uHigh) + (uint64_t{uHigh} << bitsPerDigit | u >> bitsPerDigit);
+    auto q = static_cast<mpDigit>(estimate >> bitsPerDigit);
+    uint64_t r = u - (uint64_t{static_cast<mpDigit>(q * vHigh)} << bitsPerDigit) - product(q, vLow) - divisor;
+    q++;
+    if (static_cast<mpDigit>(r >> bitsPerDigit) >= static_cast<mpDigit>(estimate))
+    {
+        q--;
+        r += divisor;
+    }
+    const bool once = r >= divisor;
+    q += once ? 1 : 0;
+    u = r - (once ? divisor : 0);
+    return q;
+}
+
+// Does what divideByRows does, but takes each row at once only off the digits that the next estimate looks at. The
+// other digits get what is due when they come into reach, column by column, without the carry out of the columns
+// below, of which two rows make one at most. Hence an estimate can be wrong, with a probability of some n / 2^31; so
+// can, as in divideByRows, one that two digits of v do not settle. Both show: the top digits go negative, or what is
+// left at the end is not a remainder. Then the result is false, and q and r hold rubbish.
+template <class Vector>
+MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
+{
+    const Slices slices(v, n);
+    const uint64_t divisor = loadTwo(v + n - 2);
+    const mpDigit inverse = reciprocal(divisor);
+
+    // The three digits that the estimate looks at, from column j + n down to column j + n - 2.
+    mpDigit uHigh = top;
+    uint64_t uLow = loadTwo(r + m + n - 2);
+    // What rows above j take off column j + n - 2, as far as column j + n - 1 did not take it.
+    uint64_t lowDue = 0;
+    Columns dueFromBefore = {};
+    Lanes<Vector> dueSince = {};
+    size_t firstDue = m + n - 3;
+    for (size_t j = m;; j--)
+    {
+        const mpDigit qhat = divideThreeByTwo(uHigh, uLow, divisor, inverse);
+        q[j] = qhat;
+        if (j == 0)
+        {
+            break;
+        }
+
+        const size_t column = j + n - 4;
+        if (column < firstDue)
+        {
+            firstDue = column < columnCount ? 0 : column - columnCount + 1;
+            dueFromBefore = sumColumns<Vector>(slices, q, j + 1, m < column ? m + 1 : column + 1, firstDue);
+            dueSince = {};
+        }
+        Columns due = dueFromBefore;
+        addLanes(due, dueSince);
+        const size_t i = column - firstDue;
+        addProducts(dueSince, slices.from(static_cast<ptrdiff_t>(firstDue) - static_cast<ptrdiff_t>(j)), qhat);
+
+        const uint64_t next = product(qhat, v[n - 4]);
+        const DoubleWord u = (DoubleWord{uLow} << bitsPerDigit) + r[j + n - 3] - product(qhat, v[n - 3]) -
+                             (lowDue + due.high[i] + (next >> bitsPerDigit));
+        if (u >> (3 * bitsPerDigit) != 0)
+        {
+            return false;
+        }
+        uHigh = static_cast<mpDigit>(u >> (2 * bitsPerDigit));
+        uLow = static_cast<uint64_t>(u);
+        lowDue = due.low[i] + static_cast<mpDigit>(next);
+    }
+
+    // r -= q * v, of which the n + 1 low digits are enough: what is left is less than B^(n+1) / 2 either way.
+    uint64_t carry = 0;
+    mpDigit borrow = 0;
+    for (size_t first = 0; first <= n; first += columnCount)
+    {
+        const Columns sums = sumColumns<Vector>(slices, q, firstRow(first, n), endOfRows(first, m + 1), first);
+        for (size_t i = 0; i < columnCount && first + i <= n; i++)
+        {
+            mpDigit& digit = first + i < n + m ? r[first + i] : top;
+            const uint64_t difference = uint64_t{digit} - takeDigit(carry, sums, i) - borrow;
+            borrow = static_cast<mpDigit>(difference >> bitsPerDigit) & 1;
+            digit = static_cast<mpDigit>(difference);
+        }
+    }
+    return (m == 0 ? top : r[n]) == 0 && compare(r, v, n) < 0;
+}
+
+#if defined(__x86_64__)
+
+#define MP_FOR_512_BITS __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2")))
+#define MP_FOR_256_BITS __attribute__((target("avx2,bmi2")))
+
+MP_FOR_512_BITS void multiplyBy512Bits(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+{
+    multiplyByColumnsWith<Vector64>(w, u, un, v, vn);
+}
+
+MP_FOR_512_BITS bool divideBy512Bits(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
+{
+    return divideByColumnsWith<Vector64>(q, r, top, v, n, m);
+}
+
+MP_FOR_256_BITS void multiplyBy256Bits(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+{
+    multiplyByColumnsWith<Vector32>(w, u, un, v, vn);
+}
+
+MP_FOR_256_BITS bool divideBy256Bits(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
+{
+    return divideByColumnsWith<Vector32>(q, r, top, v, n, m);
+}
+
+bool has512Bits()
+{
+    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+           __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("bmi2");
+}
+
+bool has256Bits()
+{
+    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2");
+}
+
+#endif
+
+void multiplyBy128Bits(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+{
+    multiplyByColumnsWith<Vector16>(w, u, un, v, vn);
+}
+
+bool divideBy128Bits(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
+{
+    return divideByColumnsWith<Vector16>(q, r, top, v, n, m);
+}
+
+// As multiplyByRows, for un >= shortestForColumns.
+void multiplyByColumns(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+{
+    auto* multiplyBy = multiplyBy128Bits;
+#if defined(__x86_64__)
+    multiplyBy = has512Bits() ? multiplyBy512Bits : has256Bits() ? multiplyBy256Bits : multiplyBy128Bits;
+#endif
+    multiplyBy(w, u, un, v, vn);
+}
+
+// As divideByRows, for n >= shortestForColumns; but the result may be false, with rubbish in q and r.
+bool divideByColumns(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
+{
+    auto* divideBy = divideBy128Bits;
+#if defined(__x86_64__)
+    divideBy = has512Bits() ? divideBy512Bits : has256Bits() ? divideBy256Bits : divideBy128Bits;
+#endif
+    return divideBy(q, r, top, v, n, m);
+}
+
+#else
+
+constexpr size_t shortestForColumns = SIZE_MAX;
+
+void multiplyByColumns(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+{
+    multiplyByRows(w, u, un, v, vn);
+}
+
+bool divideByColumns(mpDigit[], mpDigit[], mpDigit, const mpDigit[], size_t, size_t)
+{
+    return false;
+}
+
+#endif
+
+// w[0..2n) = u * v.
+void multiply(mpDigit w[], const mpDigit u[], const mpDigit v[], size_t n)
+{
+    const size_t un = significantDigits(u, n);
+    const size_t vn = significantDigits(v, n);
+    if (un >= shortestForColumns)
+    {
+        multiplyByColumns(w, u, un, v, vn);
+    }
+    else if (vn >= shortestForColumns)
+    {
+        multiplyByColumns(w, v, vn, u, un);
+    }
+    else
+    {
+        multiplyByRows(w, u, un, v, vn);
+    }
+    setZero(w + un + vn, 2 * n - un - vn);
+}
+
 int32_t divide(mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits, mpDigit v[], size_t vdigits)
 {
     setZero(q, udigits);
@@ -429,17 +878,13 @@ int32_t divide(mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits, mpDi
     const size_t m = size - n;
     if (m == 0)
     {
-        size_t i = n - 1;
-        while (i > 0 && u[i] == v[i])
-        {
-            i--;
-        }
-        if (u[i] < v[i])
+        const int32_t order = compare(u, v, n);
+        if (order < 0)
         {
             setEqual(r, u, udigits);
             return 0;
         }
-        if (u[i] == v[i])
+        if (order == 0)
         {
             q[0] = 1;
             return 0;
@@ -449,24 +894,11 @@ int32_t divide(mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits, mpDi
     const uint32_t shift = leadingZeroBits(v[n - 1]);
     shiftLeftBits(v, v, shift, n);
     mpDigit top = shiftLeftBits(r, u, shift, n + m);
-
-    for (size_t j = m + 1; j-- > 0;)
+    if (n < shortestForColumns || !divideByColumns(q, r, top, v, n, m))
     {
-        mpDigit qhat = estimateQuotient(top, r[j + n - 1], r[j + n - 2], v[n - 1], v[n - 2]);
-        if (qhat != 0)
-        {
-            top -= rowMultiplySubtract(r + j, v, n, qhat);
-            if (top != 0)
-            {
-                qhat--;
-                add(r + j, r + j, v, n);
-            }
-        }
-        // With qhat 0 the digit is 0 and top was 0 already: (top, r[j..j+n)) is less than v.
-        q[j] = qhat;
-        top = r[j + n - 1];
+        top = shiftLeftBits(r, u, shift, n + m);
+        divideByRows(q, r, top, v, n, m);
     }
-
     setZero(r + n, m);
     shiftRightBits(r, r, shift, n);
     shiftRightBits(v, v, shift, n);
@@ -647,14 +1079,7 @@ uint32_t mpBitLength(const mpDigit a[], uint32_t ndigits)
 
 int32_t mpCompare(const mpDigit a[], const mpDigit b[], uint32_t ndigits)
 {
-    for (size_t i = ndigits; i-- > 0;)
-    {
-        if (a[i] != b[i])
-        {
-            return a[i] > b[i] ? 1 : -1;
-        }
-    }
-    return 0;
+    return compare(a, b, ndigits);
 }
 
 int32_t mpEqual(const mpDigit a[], const mpDigit b[], uint32_t ndigits)
@@ -705,15 +1130,7 @@ mpDigit mpSubtract(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t n
 
 int32_t mpMultiply(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
 {
-    const size_t n = ndigits;
-    setZero(w, 2 * n);
-    for (size_t j = 0; j < n; j++)
-    {
-        if (v[j] != 0)
-        {
-            w[j + n] = rowMultiplyAdd(w + j, u, n, v[j]);
-        }
-    }
+    multiply(w, u, v, ndigits);
     return 0;
 }
 

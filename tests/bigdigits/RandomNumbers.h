@@ -88,6 +88,16 @@ public:
         return result;
     }
 
+    std::vector<mpDigit> uniformNumber(size_t n)
+    {
+        std::vector<mpDigit> result;
+        for (size_t i = 0; i < n; i++)
+        {
+            result.push_back(uniform());
+        }
+        return result;
+    }
+
     mpDigit uniform() { return static_cast<mpDigit>(_engine()); }
 
 private:
