@@ -278,6 +278,21 @@ void MainFrame::openFilePath(const gtString& path, bool isAskedFor)
     }
 }
 
+wxString MainFrame::refusalMessage() const
+{
+    if (_refusals.empty())
+    {
+        return wxString();
+    }
+    if (_refusals.size() > 1)
+    {
+        return hoNumberText(_refusals.size()) + " documents could not be opened.";
+    }
+    const auto& [path, problem] = _refusals.front();
+    return "Cannot open " + quoted(hoDisplayText(lastComponent(path), mostNameCharacters)) + ": " +
+           problemText(problem) + ".";
+}
+
 void MainFrame::setAssertionDialogs(bool areOn)
 {
     if (areOn == hasAssertionDialogs())
@@ -660,20 +675,15 @@ void MainFrame::showChangesNow()
 
 void MainFrame::showRefusals()
 {
-    if (_refusals.empty())
+    const wxString message = refusalMessage();
+    if (!message.empty())
     {
-        if (_pMessageBar->IsShown())
-        {
-            _pMessageBar->Dismiss();
-        }
-        return;
+        _pMessageBar->ShowMessage(message, wxICON_ERROR);
     }
-    const Refusal& first = _refusals.front();
-    const wxString message =
-        _refusals.size() == 1 ? "Cannot open " + quoted(hoDisplayText(lastComponent(first.first), mostNameCharacters)) +
-                                    ": " + problemText(first.second) + "."
-                              : hoNumberText(_refusals.size()) + " documents could not be opened.";
-    _pMessageBar->ShowMessage(message, wxICON_ERROR);
+    else if (_pMessageBar->IsShown())
+    {
+        _pMessageBar->Dismiss();
+    }
 }
 
 void MainFrame::showStatus()

@@ -51,6 +51,9 @@ public:
 
     const hoDocumentList& documents() const { return _documents; }
 
+    // What the bar above the list says of documents that could not be opened; empty when there is nothing to say.
+    wxString refusalMessage() const;
+
     // Whether failed assertions come up as dialogs, and the switch for it.
     bool hasAssertionDialogs() const { return _pInteractiveHandler != nullptr; }
     void setAssertionDialogs(bool areOn);

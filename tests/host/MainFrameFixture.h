@@ -1,0 +1,110 @@
+// Starts the application with its real main window and ends it again, in a settings folder of the test's own.
+#ifndef COUNTERSIGN_TESTS_HOST_MAIN_FRAME_FIXTURE_H
+#define COUNTERSIGN_TESTS_HOST_MAIN_FRAME_FIXTURE_H
+
+#include "TemporaryFolder.h"
+
+#include "app/ApplicationShell.h"
+#include "host/MainFrame.h"
+#include "tests/support/tsWindowTest.h"
+
+#include <gtest/gtest.h>
+#include <wx/listctrl.h>
+#include <wx/statusbr.h>
+
+#include <string>
+#include <vector>
+
+class MainFrameFixture : public testing::Test
+{
+protected:
+    void SetUp() override { setenv("XDG_CONFIG_HOME", _folder.path("config").c_str(), 1); }
+
+    void TearDown() override
+    {
+        if (_pFrame != nullptr)
+        {
+            closeWindow();
+        }
+        wxGetApp().OnExit();
+    }
+
+    // arguments: the application's, the program's name included.
+    void start(const std::vector<std::string>& arguments = {"countersign-desktop"})
+    {
+        std::vector<std::wstring> texts;
+        std::vector<wchar_t*> pointers;
+        for (const std::string& argument : arguments)
+        {
+            texts.push_back(wxString::FromUTF8(argument).ToStdWstring());
+        }
+        for (std::wstring& text : texts)
+        {
+            pointers.push_back(text.data());
+        }
+        wxGetApp().argc = static_cast<int>(texts.size());
+        wxGetApp().argv.Init(wxGetApp().argc, pointers.data());
+        ASSERT_TRUE(wxGetApp().OnInit());
+        _pFrame = dynamic_cast<MainFrame*>(wxGetApp().GetTopWindow());
+        ASSERT_NE(_pFrame, nullptr);
+        ASSERT_TRUE(tsRunUntil("the main window has the keyboard", [this] { return tsHasKeyboard(*_pFrame); }));
+        settle();
+    }
+
+    // Everything that is to be done now has been done, what was put off by CallAfter too.
+    void settle()
+    {
+        bool isDone = false;
+        wxEvtHandler& queue = _pFrame != nullptr ? static_cast<wxEvtHandler&>(*_pFrame) : wxGetApp();
+        queue.CallAfter([&] { isDone = true; });
+        tsRunUntil("events are handled", [&] { return isDone; });
+        tsRunEvents();
+    }
+
+    void closeWindow()
+    {
+        bool isGone = false;
+        _pFrame->Bind(wxEVT_DESTROY,
+                      [&](wxWindowDestroyEvent& event)
+                      {
+                          isGone = isGone || event.GetWindow() == _pFrame;
+                          event.Skip();
+                      });
+        _pFrame->Close();
+        tsRunUntil("the main window is gone", [&] { return isGone; });
+        _pFrame = nullptr;
+    }
+
+    wxListCtrl& list() const { return *dynamic_cast<wxListCtrl*>(wxWindow::FindWindowByName("documents", _pFrame)); }
+    std::vector<std::string> rows(int column = 0) const
+    {
+        std::vector<std::string> texts;
+        for (int row = 0; row < list().GetItemCount(); ++row)
+        {
+            texts.push_back(list().GetItemText(row, column).utf8_string());
+        }
+        return texts;
+    }
+    std::vector<std::string> selectedRows() const
+    {
+        std::vector<std::string> texts;
+        long row = -1;
+        while ((row = list().GetNextItem(row, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED)) >= 0)
+        {
+            texts.push_back(list().GetItemText(row).utf8_string());
+        }
+        return texts;
+    }
+    std::string status(int field) const { return _pFrame->GetStatusBar()->GetStatusText(field).utf8_string(); }
+
+    void openAskedFor(const std::string& path)
+    {
+        _pFrame->openFilePath(gtString(path.data(), static_cast<int>(path.size())), true);
+        settle();
+    }
+
+    const TemporaryFolder _folder;
+    MainFrame* _pFrame = nullptr;
+};
+
+#endif

@@ -1,0 +1,429 @@
+#include "MainFrameFixture.h"
+
+#include "host/hoDocumentDropTarget.h"
+
+#include <gmock/gmock.h>
+#include <wx/clipbrd.h>
+#include <wx/dialog.h>
+#include <wx/infobar.h>
+#include <wx/menu.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+
+#include <sys/stat.h>
+
+namespace
+{
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+wxString clipboardText()
+{
+    const wxClipboardLocker clipboard;
+    wxTextDataObject text;
+    return wxTheClipboard->GetData(text) ? text.GetText() : wxString();
+}
+
+class MainWindow : public MainFrameFixture
+{
+protected:
+    bool isEmptyLineShown() const { return wxWindow::FindWindowByName("emptyLine", _pFrame)->IsShownOnScreen(); }
+    bool isBarShown() const
+    {
+        for (const wxWindow* pChild : _pFrame->GetChildren())
+        {
+            if (dynamic_cast<const wxInfoBar*>(pChild) != nullptr)
+            {
+                return pChild->IsShown();
+            }
+        }
+        return false;
+    }
+    void startWithDocuments()
+    {
+        start({"countersign-desktop", _folder.write("b.txt", "22"), _folder.write("a.txt", "1"),
+               _folder.write("c.txt", "333")});
+    }
+    void choose(const std::string& menuKey, const std::string& itemKey)
+    {
+        tsPressKeys("alt+" + menuKey);
+        settle();
+        tsPressKeys(itemKey);
+        settle();
+    }
+};
+}  // namespace
+
+TEST_F(MainWindow, SaysWhatToDoWhenItIsEmpty)
+{
+    start();
+    EXPECT_EQ(_pFrame->GetTitle(), "Countersign");
+    EXPECT_TRUE(isEmptyLineShown());
+    EXPECT_FALSE(list().IsShownOnScreen());
+    EXPECT_FALSE(isBarShown());
+    EXPECT_EQ(status(1), "No documents");
+    EXPECT_GE(_pFrame->GetMinSize().GetWidth(), 400);
+    EXPECT_GE(_pFrame->GetMinSize().GetHeight(), 200);
+    EXPECT_TRUE(_pFrame->GetIcons().GetIconCount() > 0);
+}
+
+TEST_F(MainWindow, OpensTheArguments)
+{
+    startWithDocuments();
+    EXPECT_FALSE(isEmptyLineShown());
+    EXPECT_THAT(rows(0), ElementsAre("b.txt", "a.txt", "c.txt"));
+    EXPECT_THAT(rows(1), ElementsAre("2 bytes", "1 byte", "3 bytes"));
+    EXPECT_THAT(rows(2)[0], testing::MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}"));
+    EXPECT_THAT(rows(3)[2], _folder.path("c.txt"));
+    EXPECT_THAT(selectedRows(), ElementsAre("b.txt", "a.txt", "c.txt"));
+    EXPECT_EQ(status(1), "3 documents, 6 bytes, 3 selected");
+}
+
+TEST_F(MainWindow, OpensTheDocumentThatArrivedBeforeIt)
+{
+    start({_folder.write("early\xc3\xa9.txt", "x")});
+    EXPECT_THAT(rows(), ElementsAre("early\xc3\xa9.txt"));
+}
+
+TEST_F(MainWindow, HasAllColumnsInViewAtFirst)
+{
+    startWithDocuments();
+    int width = 0;
+    for (int column = 0; column < list().GetColumnCount(); ++column)
+    {
+        width += list().GetColumnWidth(column);
+    }
+    EXPECT_LE(width, list().GetClientSize().GetWidth());
+    for (int column = 0; column < list().GetColumnCount(); ++column)
+    {
+        for (const std::string& text : rows(column))
+        {
+            EXPECT_LT(list().GetTextExtent(wxString::FromUTF8(text)).GetWidth() + 8, list().GetColumnWidth(column))
+                << text;
+        }
+    }
+}
+
+TEST_F(MainWindow, OpensADocumentThatIsAskedForAndComesToTheFront)
+{
+    startWithDocuments();
+    auto* pOther = new wxFrame(nullptr, wxID_ANY, "other");
+    pOther->Show();
+    pOther->Raise();
+    ASSERT_TRUE(tsRunUntil("another window has the keyboard", [&] { return tsHasKeyboard(*pOther); }));
+
+    const std::string path = _folder.write("new.txt", "x");
+    _pFrame->openFilePath(path.c_str(), false);
+    settle();
+    EXPECT_THAT(rows(), ElementsAre("b.txt", "a.txt", "c.txt", "new.txt"));
+    EXPECT_THAT(selectedRows(), ElementsAre("b.txt", "a.txt", "c.txt"));
+    EXPECT_TRUE(tsHasKeyboard(*pOther));
+
+    openAskedFor(path);
+    EXPECT_EQ(rows().size(), 4U);
+    EXPECT_THAT(selectedRows(), ElementsAre("new.txt"));
+    tsRunUntil("the main window has the keyboard", [this] { return tsHasKeyboard(*_pFrame); });
+    pOther->Destroy();
+}
+
+TEST_F(MainWindow, ComesBackFromBeingIconized)
+{
+    start();
+    _pFrame->Iconize();
+    ASSERT_TRUE(tsRunUntil("the main window is an icon", [this] { return _pFrame->IsIconized(); }));
+    wxGetApp().MacOpenFile(wxString::FromUTF8(_folder.write("new.txt", "x")));
+    tsRunUntil("the main window is back", [this] { return !_pFrame->IsIconized() && tsHasKeyboard(*_pFrame); });
+    EXPECT_THAT(selectedRows(), ElementsAre("new.txt"));
+}
+
+TEST_F(MainWindow, SelectsTheRowOfADocumentThatIsOpen)
+{
+    startWithDocuments();
+    openAskedFor(_folder.path("./a.txt"));
+    EXPECT_THAT(rows(), ElementsAre("b.txt", "a.txt", "c.txt"));
+    EXPECT_THAT(selectedRows(), ElementsAre("a.txt"));
+}
+
+TEST_F(MainWindow, SaysWhyADocumentCannotBeOpened)
+{
+    start();
+    openAskedFor(_folder.path("missing.txt"));
+    EXPECT_THAT(rows(), IsEmpty());
+    EXPECT_TRUE(isBarShown());
+    EXPECT_EQ(_pFrame->refusalMessage().utf8_string(),
+              "Cannot open \xe2\x80\x9cmissing.txt\xe2\x80\x9d: there is no such file.");
+
+    ASSERT_EQ(mkfifo(_folder.path("pipe").c_str(), 0600), 0);
+    openAskedFor(_folder.path("pipe"));
+    openAskedFor(_folder.path());
+    openAskedFor("");
+    EXPECT_THAT(rows(), IsEmpty());
+    EXPECT_EQ(_pFrame->refusalMessage(), "4 documents could not be opened.");
+    EXPECT_TRUE(isEmptyLineShown());
+
+    // The details, by the bar's button; and with them the bar has done its work.
+    tsScript script;
+    wxString details;
+    script.waitUntil("the details are shown", [] { return tsTopModalDialog() != nullptr; })
+        .waitUntil("the details have the keyboard",
+                   [] { return tsHasKeyboard(*dynamic_cast<wxTopLevelWindow*>(tsTopModalDialog())); })
+        .perform("read and close them",
+                 [&]
+                 {
+                     for (wxWindow* pChild : tsTopModalDialog()->GetChildren())
+                     {
+                         if (const auto* pText = dynamic_cast<wxTextCtrl*>(pChild))
+                         {
+                             details = pText->GetValue();
+                         }
+                     }
+                     tsPressKeys("Escape");
+                 })
+        .start();
+    for (const wxWindow* pChild : _pFrame->GetChildren())
+    {
+        if (dynamic_cast<const wxInfoBar*>(pChild) != nullptr)
+        {
+            const wxRect bar = pChild->GetScreenRect();
+            tsClickAt(wxPoint(bar.GetRight() - 170, bar.GetTop() + bar.GetHeight() / 2));
+        }
+    }
+    tsRunUntil("the bar is gone", [this] { return !isBarShown(); });
+    EXPECT_TRUE(script.isFinished());
+    EXPECT_THAT(details.utf8_string(), HasSubstr(_folder.path("missing.txt") + "\n    there is no such file"));
+    EXPECT_THAT(details.utf8_string(), HasSubstr(_folder.path("pipe") + "\n    it is a pipe"));
+    EXPECT_THAT(details.utf8_string(), HasSubstr(_folder.path() + "\n    it is a folder"));
+    EXPECT_EQ(_pFrame->refusalMessage(), "");
+}
+
+TEST_F(MainWindow, SurvivesHostileNames)
+{
+    start();
+    for (const char* name : {"two\nlines\r.txt", "\x01\x1b[31mred", "not \xff UTF-8", "\xe2\x80\xaegpj.exe", "%s%n&a"})
+    {
+        _folder.write(name, "x");
+        openAskedFor(_folder.path(name));
+    }
+    EXPECT_THAT(rows(), ElementsAre("two\xe2\x90\x8alines\xe2\x90\x8d.txt", "\xe2\x90\x81\xe2\x90\x9b[31mred",
+                                    "not \xc3\xbf UTF-8", "\xef\xbf\xbdgpj.exe", "%s%n&a"));
+    openAskedFor(std::string(1000000, '\n'));
+    EXPECT_LT(_pFrame->refusalMessage().length(), 200U);
+    EXPECT_EQ(_pFrame->refusalMessage().find('\n'), wxString::npos);
+    const wxMenuItem* pRecent = nullptr;
+    const int id = _pFrame->GetMenuBar()->FindMenuItem("File", "Open recent");
+    pRecent = _pFrame->GetMenuBar()->FindItem(id);
+    ASSERT_NE(pRecent, nullptr);
+    EXPECT_THAT(pRecent->GetSubMenu()->FindItemByPosition(0)->GetItemLabel().utf8_string(), HasSubstr("%s%n&&a"));
+    EXPECT_THAT(pRecent->GetSubMenu()->FindItemByPosition(4)->GetItemLabelText().utf8_string(),
+                HasSubstr("two\xe2\x90\x8alines"));
+}
+
+TEST_F(MainWindow, OpensWhatIsDropped)
+{
+    start();
+    auto* pTarget = dynamic_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget());
+    ASSERT_NE(pTarget, nullptr);
+    _folder.write("a b.txt", "x");
+    _folder.write("\xff.txt", "x");
+    pTarget->drop("file://" + _folder.path("a%20b.txt") + "\r\nfile://" + _folder.path("%ff.txt") +
+                  "\r\nhttp://example.org/c\r\n");
+    settle();
+    EXPECT_THAT(rows(), ElementsAre("a b.txt", "\xc3\xbf.txt"));
+    EXPECT_EQ(selectedRows().size(), 2U);
+    EXPECT_EQ(_pFrame->refusalMessage().utf8_string(), "Cannot open \xe2\x80\x9c"
+                                                       "c\xe2\x80\x9d: only files can be opened, no addresses.");
+}
+
+TEST_F(MainWindow, TakesAMousesDrop)
+{
+    start();
+    const std::string path = _folder.write("dragged.txt", "x");
+    auto* pSource = new wxFrame(nullptr, wxID_ANY, "source", wxPoint(0, 600), wxSize(200, 150));
+    auto* pPanel = new wxPanel(pSource);
+    wxDragResult result = wxDragError;
+    bool isOver = false;
+    pPanel->Bind(wxEVT_LEFT_DOWN,
+                 [&](wxMouseEvent&)
+                 {
+                     pPanel->CallAfter(
+                         [&]
+                         {
+                             wxFileDataObject data;
+                             data.AddFile(wxString::FromUTF8(path));
+                             wxDropSource source(data, pPanel);
+                             result = source.DoDragDrop(wxDrag_CopyOnly);
+                             isOver = true;
+                         });
+                 });
+    pSource->Show();
+    ASSERT_TRUE(tsRunUntil("the source has the keyboard", [&] { return tsHasKeyboard(*pSource); }));
+
+    const wxRect from = pPanel->GetScreenRect();
+    const wxRect to = _pFrame->GetScreenRect();
+    const auto move = [](int x, int y) {
+        return tsRunProgram({"xdotool", "mousemove", std::to_string(x), std::to_string(y)});
+    };
+    move(from.GetLeft() + 60, from.GetTop() + 60);
+    tsRunProgram({"xdotool", "mousedown", "1"});
+    // The drag's loop runs from now on: the mouse is moved from within it.
+    tsScript script;
+    int step = 0;
+    const int steps = 20;
+    script
+        .waitUntil("the mouse is over the main window",
+                   [&]
+                   {
+                       ++step;
+                       const int x = from.GetLeft() + 60 + (to.GetLeft() + 300 - from.GetLeft() - 60) * std::min(step, steps) / steps;
+                       const int y = from.GetTop() + 60 + (to.GetTop() + 200 - from.GetTop() - 60) * std::min(step, steps) / steps;
+                       move(x + step % 5, y);
+                       return step >= 200;
+                   })
+        .perform("let go",
+                 [] {
+                     tsRunProgram({"xdotool", "mouseup", "1"});
+                 })
+        .start();
+    tsRunUntil("the drag is over", [&] { return isOver; });
+    tsRunUntil("the document is open", [this] { return list().GetItemCount() == 1; });
+    EXPECT_THAT(rows(), ElementsAre("dragged.txt"));
+    EXPECT_EQ(result, wxDragCopy);
+    pSource->Destroy();
+}
+
+TEST_F(MainWindow, OpensWhatTheFileDialogGives)
+{
+    start();
+    const std::string path = _folder.write("chosen.txt", "x");
+    tsScript script;
+    script
+        .waitUntil("the file dialog has the keyboard",
+                      []
+                      {
+                          // The toolkit does not count this one among its windows.
+                          std::string title;
+                          tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &title);
+                          return title == "Open documents\n";
+                      })
+        .perform("type the path", [&] { tsType(path); })
+        .perform("press Return", [] { tsPressKeys("Return"); })
+        .start();
+    tsPressKeys("ctrl+o");
+    tsRunUntil("the document is open", [this] { return list().GetItemCount() == 1; });
+    EXPECT_THAT(selectedRows(), ElementsAre("chosen.txt"));
+}
+
+TEST_F(MainWindow, RemembersRecentDocuments)
+{
+    startWithDocuments();
+    closeWindow();
+    wxGetApp().OnExit();
+
+    start();
+    EXPECT_THAT(rows(), IsEmpty());
+    choose("f", "r");
+    tsPressKeys("2");
+    tsRunUntil("the document is open", [this] { return list().GetItemCount() == 1; });
+    EXPECT_THAT(rows(), ElementsAre("a.txt"));
+}
+
+TEST_F(MainWindow, RemembersItsSize)
+{
+    start();
+    _pFrame->SetSize(700, 444);
+    tsRunUntil("the window has its size", [this] { return _pFrame->GetSize() == wxSize(700, 444); });
+    settle();
+    closeWindow();
+    wxGetApp().OnExit();
+    start();
+    tsRunUntil("the window has its size again", [this] { return _pFrame->GetSize() == wxSize(700, 444); });
+}
+
+TEST_F(MainWindow, StartsWithoutReadableSettings)
+{
+    std::filesystem::create_directories(_folder.path("config/countersign/settings/not-a-file"));
+    start();
+    openAskedFor(_folder.write("a.txt", "x"));
+    EXPECT_THAT(rows(), ElementsAre("a.txt"));
+    EXPECT_THAT(status(0), HasSubstr("could not be written"));
+}
+
+TEST_F(MainWindow, ClosesDocumentsByKey)
+{
+    startWithDocuments();
+    openAskedFor(_folder.path("a.txt"));
+    tsPressKeys("Delete");
+    tsRunUntil("a row is gone", [this] { return list().GetItemCount() == 2; });
+    EXPECT_THAT(rows(), ElementsAre("b.txt", "c.txt"));
+    EXPECT_THAT(selectedRows(), ElementsAre("c.txt"));
+    tsPressKeys("ctrl+w");
+    tsRunUntil("another row is gone", [this] { return list().GetItemCount() == 1; });
+    EXPECT_THAT(selectedRows(), ElementsAre("b.txt"));
+    tsPressKeys("ctrl+shift+w");
+    tsRunUntil("the window is empty", [this] { return isEmptyLineShown(); });
+    EXPECT_EQ(list().GetItemCount(), 0);
+    EXPECT_EQ(status(1), "No documents");
+    EXPECT_TRUE(std::filesystem::exists(_folder.path("a.txt")));
+}
+
+TEST_F(MainWindow, CopiesPaths)
+{
+    startWithDocuments();
+    openAskedFor(_folder.path("a.txt"));
+    tsPressKeys("ctrl+a");
+    tsRunUntil("all is selected", [this] { return selectedRows().size() == 3; });
+    tsPressKeys("ctrl+c");
+    tsRunUntil("something is copied", [this] { return status(0) == "3 paths copied"; });
+    EXPECT_EQ(clipboardText().utf8_string(),
+              _folder.path("b.txt") + "\n" + _folder.path("a.txt") + "\n" + _folder.path("c.txt"));
+}
+
+TEST_F(MainWindow, SortsByAClickOnAHeader)
+{
+    startWithDocuments();
+    openAskedFor(_folder.path("c.txt"));
+    const wxRect listRect = list().GetScreenRect();
+    const wxPoint nameHeader = listRect.GetTopLeft() + wxPoint(30, 10);
+    tsClickAt(nameHeader);
+    tsRunUntil("the rows are sorted", [this] { return rows().front() == "a.txt"; });
+    EXPECT_THAT(rows(), ElementsAre("a.txt", "b.txt", "c.txt"));
+    EXPECT_THAT(selectedRows(), ElementsAre("c.txt"));
+    // Elsewhere: the mouse tool waits for a movement.
+    tsClickAt(nameHeader + wxPoint(15, 2));
+    tsRunUntil("the rows are sorted the other way", [this] { return rows().front() == "c.txt"; });
+    EXPECT_THAT(rows(), ElementsAre("c.txt", "b.txt", "a.txt"));
+    EXPECT_THAT(selectedRows(), ElementsAre("c.txt"));
+}
+
+TEST_F(MainWindow, HoldsTenThousandDocuments)
+{
+    std::vector<std::string> arguments = {"countersign-desktop"};
+    const int amount = 10000;
+    for (int i = 0; i < amount; ++i)
+    {
+        arguments.push_back(_folder.write(std::to_string(i) + ".txt", "x"));
+    }
+    start(arguments);
+    EXPECT_EQ(list().GetItemCount(), amount);
+    EXPECT_EQ(status(1), "10,000 documents, 10.0 kB, 10,000 selected");
+    openAskedFor(_folder.path("7777.txt"));
+    EXPECT_THAT(selectedRows(), ElementsAre("7777.txt"));
+    EXPECT_TRUE(list().IsVisible(7777));
+}
+
+TEST_F(MainWindow, EndsByItsMenu)
+{
+    start();
+    bool isGone = false;
+    _pFrame->Bind(wxEVT_CLOSE_WINDOW,
+                  [&](wxCloseEvent& event)
+                  {
+                      isGone = true;
+                      event.Skip();
+                  });
+    tsPressKeys("ctrl+q");
+    tsRunUntil("the window is closed", [&] { return isGone; });
+    _pFrame = nullptr;
+    settle();
+}
