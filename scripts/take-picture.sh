@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs a program on the present display until its window stands and is drawn, writes a picture of the screen, closes
-# the window as a user would and waits for the program to end. Ends with 0 when all of it went well and the program
+# Runs a program on the present display until its window stands and is drawn, writes a picture of it and of the menus and
+# dialogs it has opened, closes the window as a user would and waits for the program to end. Ends with 0 when all of it went well and the program
 # ended with 0.
 #
 #   scripts/take-picture.sh PICTURE.png PROGRAM [ARGUMENT...]
@@ -70,7 +70,8 @@ if [ -n "${COUNTERSIGN_PICTURE_KEYS:-}" ]; then
     done
     waitUntil "its window was drawn again" stands
 fi
-cp "$files/now.png" "$picture" || fail "writing $picture"
+# The bare screen around the windows is one colour.
+convert "$files/now.png" -trim +repage "$picture" || fail "writing $picture"
 
 # A polite request, which the program may answer; keys are for menus and dialogs that are still open.
 for _ in ${COUNTERSIGN_PICTURE_KEYS:-}; do

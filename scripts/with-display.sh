@@ -47,7 +47,9 @@ unset WAYLAND_DISPLAY
 export DBUS_SESSION_BUS_ADDRESS=disabled:
 export GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none GSETTINGS_BACKEND=memory
 
-"${together[@]}" openbox --config-file /dev/null --startup "touch '$files/managed'" >"$files/openbox.log" 2>&1 &
+# Nothing of the user's own either: an empty configuration, as a file that holds none is reported in a window.
+echo '<?xml version="1.0"?><openbox_config xmlns="http://openbox.org/3.4/rc"/>' >"$files/openbox.xml"
+"${together[@]}" openbox --config-file "$files/openbox.xml" --startup "touch '$files/managed'" >"$files/openbox.log" 2>&1 &
 manager=$!
 for _ in $(seq 300); do
     [ -e "$files/managed" ] && break

@@ -235,63 +235,6 @@ TEST_F(MainWindow, OpensWhatIsDropped)
                                                        "c\xe2\x80\x9d: only files can be opened, no addresses.");
 }
 
-TEST_F(MainWindow, TakesAMousesDrop)
-{
-    start();
-    const std::string path = _folder.write("dragged.txt", "x");
-    auto* pSource = new wxFrame(nullptr, wxID_ANY, "source", wxPoint(0, 600), wxSize(200, 150));
-    auto* pPanel = new wxPanel(pSource);
-    wxDragResult result = wxDragError;
-    bool isOver = false;
-    pPanel->Bind(wxEVT_LEFT_DOWN,
-                 [&](wxMouseEvent&)
-                 {
-                     pPanel->CallAfter(
-                         [&]
-                         {
-                             wxFileDataObject data;
-                             data.AddFile(wxString::FromUTF8(path));
-                             wxDropSource source(data, pPanel);
-                             result = source.DoDragDrop(wxDrag_CopyOnly);
-                             isOver = true;
-                         });
-                 });
-    pSource->Show();
-    ASSERT_TRUE(tsRunUntil("the source has the keyboard", [&] { return tsHasKeyboard(*pSource); }));
-
-    const wxRect from = pPanel->GetScreenRect();
-    const wxRect to = _pFrame->GetScreenRect();
-    const auto move = [](int x, int y) {
-        return tsRunProgram({"xdotool", "mousemove", std::to_string(x), std::to_string(y)});
-    };
-    move(from.GetLeft() + 60, from.GetTop() + 60);
-    tsRunProgram({"xdotool", "mousedown", "1"});
-    // The drag's loop runs from now on: the mouse is moved from within it.
-    tsScript script;
-    int step = 0;
-    const int steps = 20;
-    script
-        .waitUntil("the mouse is over the main window",
-                   [&]
-                   {
-                       ++step;
-                       const int x = from.GetLeft() + 60 + (to.GetLeft() + 300 - from.GetLeft() - 60) * std::min(step, steps) / steps;
-                       const int y = from.GetTop() + 60 + (to.GetTop() + 200 - from.GetTop() - 60) * std::min(step, steps) / steps;
-                       move(x + step % 5, y);
-                       return step >= 200;
-                   })
-        .perform("let go",
-                 [] {
-                     tsRunProgram({"xdotool", "mouseup", "1"});
-                 })
-        .start();
-    tsRunUntil("the drag is over", [&] { return isOver; });
-    tsRunUntil("the document is open", [this] { return list().GetItemCount() == 1; });
-    EXPECT_THAT(rows(), ElementsAre("dragged.txt"));
-    EXPECT_EQ(result, wxDragCopy);
-    pSource->Destroy();
-}
-
 TEST_F(MainWindow, OpensWhatTheFileDialogGives)
 {
     start();
@@ -299,13 +242,13 @@ TEST_F(MainWindow, OpensWhatTheFileDialogGives)
     tsScript script;
     script
         .waitUntil("the file dialog has the keyboard",
-                      []
-                      {
-                          // The toolkit does not count this one among its windows.
-                          std::string title;
-                          tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &title);
-                          return title == "Open documents\n";
-                      })
+                   []
+                   {
+                       // The toolkit does not count this one among its windows.
+                       std::string title;
+                       tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &title);
+                       return title == "Open documents\n";
+                   })
         .perform("type the path", [&] { tsType(path); })
         .perform("press Return", [] { tsPressKeys("Return"); })
         .start();
