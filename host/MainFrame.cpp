@@ -534,6 +534,7 @@ void MainFrame::OnColumnClick(wxListEvent& event)
     _pList->showChanges();
 
     std::vector<std::size_t> rows;
+    rows.reserve(selectedPaths.size());
     for (const gtString& path : selectedPaths)
     {
         rows.push_back(_documents.positionOf(path));

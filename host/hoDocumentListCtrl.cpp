@@ -11,17 +11,17 @@ namespace
 {
 struct ColumnFace
 {
-    hoDocumentList::Column _column;
     const char* _title;
-    wxListColumnFormat _format;
     const char* _widestText;  // the column is as wide as this at first
+    hoDocumentList::Column _column;
+    wxListColumnFormat _format;
 };
 
 const ColumnFace columns[] = {
-    {hoDocumentList::Column::Name, "Name", wxLIST_FORMAT_LEFT, "A name of usual length.document"},
-    {hoDocumentList::Column::Size, "Size", wxLIST_FORMAT_RIGHT, "999 bytes"},
-    {hoDocumentList::Column::Modified, "Modified", wxLIST_FORMAT_LEFT, "2026-11-30 20:00"},
-    {hoDocumentList::Column::Path, "Path", wxLIST_FORMAT_LEFT, "/home/somebody"},
+    {"Name", "A name of usual length.document", hoDocumentList::Column::Name, wxLIST_FORMAT_LEFT},
+    {"Size", "999 bytes", hoDocumentList::Column::Size, wxLIST_FORMAT_RIGHT},
+    {"Modified", "2026-11-30 20:00", hoDocumentList::Column::Modified, wxLIST_FORMAT_LEFT},
+    {"Path", "/home/somebody", hoDocumentList::Column::Path, wxLIST_FORMAT_LEFT},
 };
 const int lastColumn = static_cast<int>(std::size(columns)) - 1;
 const int columnPadding = 24;

@@ -1,26 +1,25 @@
 #include "host/hoRecentDocuments.h"
 
 #include <algorithm>
+#include <utility>
 
-void hoRecentDocuments::add(const gtString& path)
+void hoRecentDocuments::add(gtString path)
 {
     if (path.isEmpty())
     {
         return;
     }
-    const gtString kept(path);
-    remove(kept);
-    _paths.insert(_paths.begin(), kept);
+    remove(path);
+    _paths.insert(_paths.begin(), std::move(path));
     if (_paths.size() > mostDocuments)
     {
         _paths.resize(mostDocuments);
     }
 }
 
-bool hoRecentDocuments::remove(const gtString& path)
+bool hoRecentDocuments::remove(gtString path)
 {
-    const gtString removed(path);
     const std::size_t before = _paths.size();
-    _paths.erase(std::remove(_paths.begin(), _paths.end(), removed), _paths.end());
+    _paths.erase(std::remove(_paths.begin(), _paths.end(), path), _paths.end());
     return _paths.size() < before;
 }

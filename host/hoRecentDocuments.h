@@ -14,9 +14,10 @@ public:
     static constexpr std::size_t mostDocuments = 10;
 
     // The path comes first; the oldest one beyond mostDocuments falls out. An empty path is passed over.
-    void add(const gtString& path);
+    // (By value: a path that is in the list may be given.)
+    void add(gtString path);
     // Whether it was there.
-    bool remove(const gtString& path);
+    bool remove(gtString path);
     void clear() { _paths.clear(); }
 
     const std::vector<gtString>& paths() const { return _paths; }
