@@ -21,7 +21,7 @@ expectSideBySide() {
     done
     for program in countersign countersign-desktop; do
         [ -x "$folder/$program" ] || complain "$program does not lie in $folder"
-        readelf -d "$folder/$program" | grep -qE 'R(UN)?PATH.*\[\$ORIGIN(:.*)?\]' ||
+        readelf -d "$folder/$program" | grep -qE 'R(UN)?PATH.*\[\$ORIGIN\]$' ||
             complain "the run path of $program: $(readelf -d "$folder/$program" | grep -E 'PATH')"
         for library in libKXBaseTools.so libKXOSWrappers.so; do
             [ "$(ldd "$folder/$program" | sed -n "s/^[[:space:]]*$library => \(.*\) (0x.*/\1/p")" = "$folder/$library" ] ||
@@ -49,7 +49,7 @@ case $case in
             *"$version"*) ;;
             *) complain "the installed program says '$said', not version $version" ;;
         esac
-        grep -rlF "$source" "$here/another place/lib/cmake" "$here/another place/lib/pkgconfig" &&
+        ! grep -rlF "$source" "$here/another place/lib/cmake" "$here/another place/lib/pkgconfig" ||
             complain "the installed package points back into the sources"
         ;;
 

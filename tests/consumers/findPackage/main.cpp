@@ -6,6 +6,7 @@
 #include "crypto/crRSAEncryptionKey.h"
 #include "crypto/crRSAStringEncryptor.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
+#include "platform/baseTools/gtString.h"
 #include "platform/osWrappers/osProcess.h"
 
 int main()

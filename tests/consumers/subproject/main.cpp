@@ -3,6 +3,9 @@
 #include <cstdio>
 
 #include "crypto/crRSADigitalSigner.h"
+#include "crypto/crRSAEncryptionKey.h"
+#include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osFilePath.h"
 
 int main(int argc, char** argv)
 {
