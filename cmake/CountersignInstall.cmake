@@ -84,6 +84,8 @@ if(TARGET countersign_desktop)
         "${PROJECT_BINARY_DIR}/man/countersign-desktop.1" @ONLY)
     install(FILES "${PROJECT_BINARY_DIR}/man/countersign-desktop.1"
         DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT programs)
+    install(FILES "${PROJECT_SOURCE_DIR}/docs/manual.html" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT programs)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/images" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT programs)
     # The bus starts the program by its whole path, which is known only when it is installed.
     install(CODE "
         set(services \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/dbus-1/services\")
