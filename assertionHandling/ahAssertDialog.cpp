@@ -43,14 +43,15 @@ gtString fileNameText(const osFilePath& filePath)
 
 }  // namespace
 
-wxBEGIN_EVENT_TABLE(ahAssertDialog, wxDialog) EVT_BUTTON(AH_IGNORE_BUTTON_ID, ahAssertDialog::OnIgnoreButton)
+wxBEGIN_EVENT_TABLE(ahAssertDialog, wxDialog)
+    EVT_BUTTON(AH_IGNORE_BUTTON_ID, ahAssertDialog::OnIgnoreButton)
     EVT_BUTTON(AH_IGNORE_ALL_BUTTON_ID, ahAssertDialog::OnIgnoreAllButton)
-        EVT_BUTTON(AH_OPEN_BUTTON_ID, ahAssertDialog::OnOpenButton)
-            EVT_BUTTON(AH_DEBUG_BUTTON_ID, ahAssertDialog::OnDebugButton)
-                EVT_BUTTON(AH_EXIT_BUTTON_ID, ahAssertDialog::OnExitButton) wxEND_EVENT_TABLE()
+    EVT_BUTTON(AH_OPEN_BUTTON_ID, ahAssertDialog::OnOpenButton)
+    EVT_BUTTON(AH_DEBUG_BUTTON_ID, ahAssertDialog::OnDebugButton)
+    EVT_BUTTON(AH_EXIT_BUTTON_ID, ahAssertDialog::OnExitButton)
+wxEND_EVENT_TABLE()
 
-                    ahAssertDialog::ahAssertDialog(const osFilePath& filePath, int lineNumber, const wxString& message,
-                                                   wxWindow* parent)
+ahAssertDialog::ahAssertDialog(const osFilePath& filePath, int lineNumber, const wxString& message, wxWindow* parent)
     : wxDialog(parent, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxDEFAULT_DIALOG_STYLE | wxSTAY_ON_TOP),
       _filePath(filePath),
       _lineNumber(lineNumber),
