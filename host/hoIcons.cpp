@@ -9,6 +9,8 @@
 
 namespace
 {
+const int leastPictureWidth = 64;
+
 wxVector<wxBitmap> pictures()
 {
     if (wxImage::FindHandler(wxBITMAP_TYPE_PNG) == nullptr)
@@ -42,5 +44,14 @@ wxIconBundle hoApplicationIcons()
 
 wxBitmapBundle hoApplicationPicture()
 {
-    return wxBitmapBundle::FromBitmaps(pictures());
+    // A bundle's size is that of its smallest bitmap; larger ones only take its place on finer screens.
+    wxVector<wxBitmap> large;
+    for (const wxBitmap& bitmap : pictures())
+    {
+        if (bitmap.GetWidth() >= leastPictureWidth)
+        {
+            large.push_back(bitmap);
+        }
+    }
+    return wxBitmapBundle::FromBitmaps(large);
 }
