@@ -1,5 +1,5 @@
-// The modal window in which a developer decides what to do about one failed assertion: a report of the failure above a
-// row of five buttons. It takes no action itself, it only tells which button was pressed.
+// A modal window for one failed assertion: above five buttons it reports what failed, and the developer's choice among
+// the buttons is what ShowModal returns. It carries nothing out itself.
 //
 //     ahAssertDialog dialog(filePath, lineNumber, message, nullptr);
 //     const int decision = dialog.ShowModal();
