@@ -257,7 +257,8 @@ int decrypt(const clArguments& arguments)
     if (problem != hoTextProblem::None)
     {
         clComplain(clDecryptionMessage(problem, cipherText.length(), hoLengthOfCipherText(pKey->ownKey()),
-                                       clPrintableName(arguments._keyPath), pKey->bits()));
+                                       hoLongestText(pKey->ownKey()), clPrintableName(arguments._keyPath),
+                                       pKey->bits()));
         return (problem == hoTextProblem::DoesNotComeOut) ? clStatusNotGood : clStatusNotChecked;
     }
     clWriteOutput(hoToBytes(text));

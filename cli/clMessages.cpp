@@ -165,7 +165,7 @@ std::string clEncryptionMessage(hoTextProblem problem, int lengthOfText, int lon
     }
 }
 
-std::string clDecryptionMessage(hoTextProblem problem, int lengthOfCipherText, int wantedLength,
+std::string clDecryptionMessage(hoTextProblem problem, int lengthOfCipherText, int wantedLength, int longestText,
                                 const std::string& keyName, int keyBits)
 {
     switch (problem)
@@ -174,7 +174,8 @@ std::string clDecryptionMessage(hoTextProblem problem, int lengthOfCipherText, i
         return "this is not a cipher text: it takes hexadecimal characters and nothing else";
     case hoTextProblem::OtherSize:
         return "the cipher text has " + std::to_string(lengthOfCipherText) + " characters, and one for a key of " +
-               bitsText(keyBits) + " has " + std::to_string(wantedLength) + " and begins with its length";
+               bitsText(keyBits) + " has " + std::to_string(wantedLength) +
+               " and begins with the length of its text, " + bytesText(longestText) + " at most";
     case hoTextProblem::DoesNotComeOut:
         return keyName + ": does not decrypt this text: it takes the partner of the key that encrypted it, or the text "
                          "is damaged";

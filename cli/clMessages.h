@@ -18,7 +18,7 @@ std::string clSigningMessage(const std::string& name, const std::string& keyName
                              const hoSigningFacts& facts);
 std::string clSignatureFileMessage(const std::string& name, const hoSignatureFileFacts& facts);
 std::string clEncryptionMessage(hoTextProblem problem, int lengthOfText, int longestText, int keyBits);
-std::string clDecryptionMessage(hoTextProblem problem, int lengthOfCipherText, int wantedLength,
+std::string clDecryptionMessage(hoTextProblem problem, int lengthOfCipherText, int wantedLength, int longestText,
                                 const std::string& keyName, int keyBits);
 
 #endif

@@ -312,7 +312,10 @@ TEST_F(Program, TellsWhatIsNoCipherText)
     const std::string cipher = outputOf({"encrypt", "-k", "public.pem", "at noon"});
     expectFailure(run({"decrypt", "-k", "private.pem", "hello"}), {"not a cipher text"});
     expectFailure(run({"decrypt", "-k", "private.pem"}), {"not a cipher text"});
-    expectFailure(run({"decrypt", "-k", "private.pem", cipher.substr(0, 100)}), {"100 characters", "264"});
+    expectFailure(run({"decrypt", "-k", "private.pem", cipher.substr(0, 100)}),
+                  {"100 characters", "264", "127 bytes at most"});
+    const std::string twoBlocks = "00000080" + cipher.substr(8, 256) + cipher.substr(8, 256);
+    expectFailure(run({"decrypt", "-k", "private.pem", twoBlocks}), {"520 characters", "127 bytes at most"});
     runOpenSSL(_folder, {"genrsa", "-out", "other.pem", "1024"});
     const tsOutcome outcome = run({"decrypt", "-k", "other.pem", cipher});
     expectFailure(outcome, {"other.pem: does not decrypt"}, 1);
