@@ -25,6 +25,7 @@ void clCatchInterrupts()
         {
             action = {};
             action.sa_handler = clNoteSignal;
+            action.sa_flags = static_cast<int>(SA_RESETHAND);
             sigemptyset(&action.sa_mask);
             sigaction(number, &action, nullptr);
         }

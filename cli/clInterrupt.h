@@ -2,7 +2,8 @@
 #ifndef COUNTERSIGN_CL_INTERRUPT_H
 #define COUNTERSIGN_CL_INTERRUPT_H
 
-// From now on such a signal is only noted. Calls of the system that wait come back early.
+// From now on the first such signal is only noted, and calls of the system that wait come back early. A second one ends
+// the program at once: what is at hand may take long (a passphrase that is stretched a million times).
 void clCatchInterrupts();
 
 bool clIsInterrupted();
