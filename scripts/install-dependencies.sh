@@ -20,9 +20,11 @@ test=(
     gdb openssl
     # A session bus to meet on, and the desktop's own validators.
     dbus libglib2.0-bin desktop-file-utils appstream dpkg-dev
+    # The fuzzers' compiler.
+    clang libclang-rt-14-dev
 )
 develop=(
-    clang clang-format clang-tidy libclang-rt-14-dev gcovr git
+    clang-format clang-tidy gcovr git
     libbenchmark-dev libtommath-dev valgrind librsvg2-bin shellcheck
 )
 

@@ -1,0 +1,52 @@
+// Any arguments: a command with what it needs, or a text. And any name made printable.
+#include <string>
+#include <vector>
+
+#include "cli/clArguments.h"
+#include "cli/clPrintableName.h"
+#include "fuzzInput.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
+{
+    FuzzInput input(pBytes, size);
+    std::vector<std::string> arguments;
+    while (!input.isEmpty() && (arguments.size() < 40))
+    {
+        arguments.push_back(input.upTo('\0'));
+    }
+    const clArguments result = clParseArguments(arguments);
+    switch (result._command)
+    {
+    case clCommand::WrongUse:
+    case clCommand::ShowText:
+        FUZZ_CHECK(!result._text.empty() && (result._text.back() == '\n'));
+        break;
+    case clCommand::Sign:
+    case clCommand::Test:
+    case clCommand::Digest:
+        FUZZ_CHECK(!result._files.empty());
+        break;
+    case clCommand::Encrypt:
+    case clCommand::Decrypt:
+    case clCommand::Key:
+        FUZZ_CHECK(result._files.empty());
+        break;
+    }
+
+    // What stands behind the dashes arrives as it is.
+    std::vector<std::string> files = arguments;
+    if (!files.empty())
+    {
+        files.insert(files.begin(), {"digest", "--key", "k", "--"});
+        const clArguments digest = clParseArguments(files);
+        FUZZ_CHECK((digest._command == clCommand::Digest) && (digest._files == arguments));
+    }
+    for (const std::string& argument : arguments)
+    {
+        for (const char character : clPrintableName(argument))
+        {
+            FUZZ_CHECK((static_cast<unsigned char>(character) >= 0x20) && (character != 0x7F));
+        }
+    }
+    return 0;
+}

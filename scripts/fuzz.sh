@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# Builds the fuzzers and lets them look for trouble.
+#
+#   scripts/fuzz.sh [TARGET] [SECONDS]     for example: scripts/fuzz.sh keyFile 600
+#
+# TARGET is a fuzzer of the folder fuzz/ without its extension, or all (the default). Each first takes its seeds and what
+# earlier runs have kept (build/fuzz/corpus/TARGET), then looks for SECONDS (default 60; 0: the seeds only). What it
+# finds is put into build/fuzz/findings, and the status is not 0; the program build/fuzz/bin/fuzz_TARGET takes such a
+# file as its argument.
+set -u
+. "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+target=${1:-all}
+seconds=${2:-60}
+case $seconds in
+    '' | *[!0-9]*) fail "'$seconds' is no number of seconds; scripts/fuzz.sh [TARGET] [SECONDS]" ;;
+esac
+
+cd "$root" || fail "entering $root"
+names=()
+for source in fuzz/*.cpp; do
+    name=$(basename "$source" .cpp)
+    if [ "$target" = all ] || [ "$target" = "$name" ]; then
+        names+=("$name")
+    fi
+done
+[ "${#names[@]}" -gt 0 ] || fail "there is no fuzzer '$target'; see the folder fuzz/"
+
+"$root/scripts/install-dependencies.sh" test || exit
+configureAndBuild fuzz fuzzers
+
+findings=build/fuzz/findings
+mkdir -p "$findings" || fail "making the folder $findings"
+status=0
+for name in "${names[@]}"; do
+    corpus=build/fuzz/corpus/$name
+    log=build/fuzz/$name.log
+    mkdir -p "$corpus" || fail "making the folder $corpus"
+    arguments=(-artifact_prefix="$findings/$name-" -timeout=25 -rss_limit_mb=2560 -print_final_stats=1 -verbosity=0)
+    # A dictionary has no effect on the seeds.
+    [ -f "fuzz/dictionaries/$name.dict" ] && arguments+=(-dict="fuzz/dictionaries/$name.dict")
+    if [ "$seconds" -eq 0 ]; then
+        arguments+=(-runs=0)
+    else
+        arguments+=(-max_total_time="$seconds")
+    fi
+    if "build/fuzz/bin/fuzz_$name" "${arguments[@]}" "$corpus" "fuzz/seeds/$name" >"$log" 2>&1; then
+        say "$name: nothing found, $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") executions"
+    else
+        status=1
+        tail -n 60 "$log" >&2
+        say "$name: FOUND SOMETHING; see $log and $findings"
+    fi
+done
+exit "$status"
