@@ -1,22 +1,45 @@
 #include "cli/clInterrupt.h"
 
+#include <cerrno>
 #include <csignal>
+#include <fcntl.h>
 #include <initializer_list>
+#include <poll.h>
+#include <unistd.h>
 
 namespace
 {
 
 volatile std::sig_atomic_t caughtSignal = 0;
 
+// The handler writes a byte here, so that a signal that comes just before the waiting begins still ends it.
+int wakePipe[2] = {-1, -1};
+
 extern "C" void clNoteSignal(int number)
 {
+    const int error = errno;
     caughtSignal = number;
+    if (::write(wakePipe[1], "", 1) < 0)
+    {
+        // Full: it wakes all the same.
+    }
+    errno = error;
 }
 
 }  // namespace
 
 void clCatchInterrupts()
 {
+    if (::pipe(wakePipe) != 0)
+    {
+        // Signals then end the program as if nobody cared.
+        return;
+    }
+    for (const int end : wakePipe)
+    {
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
+        ::fcntl(end, F_SETFL, O_NONBLOCK);
+    }
     for (const int number : {SIGINT, SIGTERM, SIGHUP})
     {
         struct sigaction action = {};
@@ -35,6 +58,15 @@ void clCatchInterrupts()
 bool clIsInterrupted()
 {
     return caughtSignal != 0;
+}
+
+bool clWaitForInput(int descriptor)
+{
+    struct pollfd waiting[2] = {{descriptor, POLLIN, 0}, {wakePipe[0], POLLIN, 0}};
+    while (!clIsInterrupted() && (::poll(waiting, 2, -1) < 0) && (errno == EINTR))
+    {
+    }
+    return !clIsInterrupted();
 }
 
 void clEndIfInterrupted()

@@ -8,6 +8,10 @@ void clCatchInterrupts();
 
 bool clIsInterrupted();
 
+// Waits until the descriptor has something to read, its end included. False when a signal has been noted, however close
+// before.
+bool clWaitForInput(int descriptor);
+
 // Ends the program by the signal that was noted, as if it had never been caught; does nothing if there was none.
 void clEndIfInterrupted();
 

@@ -66,6 +66,10 @@ int clReadInput(std::string& bytes, std::size_t limit)
     char buffer[4096];
     while (bytes.size() < limit)
     {
+        if (!clWaitForInput(STDIN_FILENO))
+        {
+            return EINTR;
+        }
         const ssize_t amount = ::read(STDIN_FILENO, buffer, std::min(sizeof(buffer), limit - bytes.size()));
         if (amount > 0)
         {

@@ -27,9 +27,13 @@ int readLine(int terminal, char* pBuffer, int size)
     bool fits = true;
     for (;;)
     {
+        if (!clWaitForInput(terminal))
+        {
+            return -1;
+        }
         char character = 0;
         const ssize_t amount = ::read(terminal, &character, 1);
-        if ((amount < 0) && (errno == EINTR) && !clIsInterrupted())
+        if ((amount < 0) && (errno == EINTR))
         {
             continue;
         }
