@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# Builds the module with other compilers and options, and compares what all of it computes with the plain way of
+# building it. A way that is not installed here is left out and named.
+#
+#   otherBuilds.sh REPOSITORY COMPILER
+set -u
+
+repository=$1
+compiler=$2
+folder=$(mktemp -d) || exit 1
+trap 'rm -rf "$folder"' EXIT
+sources=("$repository/tests/bigdigits/digest.cpp" "$repository/src/bigdigits.cpp")
+
+# build NAME COMMAND...: sets "result" to what the program prints.
+build() {
+    local name=$1
+    shift
+    if ! echo 'int main() { return 0; }' | "$@" -x c++ - -o "$folder/try" 2>/dev/null; then
+        echo "left out, not installed here: $name"
+        return 1
+    fi
+    "$@" -std=c++17 -I"$repository/src" "${sources[@]}" -o "$folder/program" || { echo "FAILED to build: $name"; exit 1; }
+    result=$("$folder/program") || { echo "FAILED to run: $name"; exit 1; }
+    echo "$result $name"
+}
+
+build "rows only, optimised" "$compiler" -O2 -DMP_WITHOUT_COLUMNS || exit 1
+expected=$result
+
+failures=0
+compare() {
+    build "$@" || return 0
+    [ "$result" = "$expected" ] || { echo "FAILED: differs: $1"; failures=$((failures + 1)); }
+}
+compare "optimised" "$compiler" -O3
+compare "not optimised" "$compiler" -O0
+compare "for this processor" "$compiler" -O3 -march=native
+compare "signed overflow trapped, unsigned char" "$compiler" -O1 -ftrapv -funsigned-char
+compare "32 bits" "$compiler" -O2 -m32
+compare "32 bits, x87 arithmetic" "$compiler" -O2 -m32 -march=i686 -mfpmath=387
+compare "32 bits, not optimised" "$compiler" -O0 -m32
+compare "clang" clang++ -O3
+compare "clang, not optimised" clang++ -O0
+compare "clang, for this processor" clang++ -O2 -march=native
+compare "clang, 32 bits" clang++ -O2 -m32
+exit "$((failures > 0))"
