@@ -47,5 +47,5 @@ step "building (build/coverage)" cmake --build "$build" "${targets[@]}"
 find "$build" -name '*.gcda' -delete
 step "running the tests" ctest --test-dir "$build" --output-on-failure --no-tests=error -j 2 -L "$labels"
 
-gcovr --root "$root" --object-directory "$build" "${filters[@]}" --exclude-throw-branches \
+gcovr --root "$root" --object-directory "$build" "${filters[@]}" --exclude-throw-branches --exclude-unreachable-branches \
     --html-details "$build/coverage.html" --txt - "$build" || fail "reading what was counted"

@@ -25,6 +25,8 @@ test=(
 )
 develop=(
     clang-format clang-tidy gcovr git
+    # For 32-bit builds of the multiple-precision module.
+    g++-multilib
     libbenchmark-dev libtommath-dev valgrind librsvg2-bin shellcheck
 )
 

@@ -232,60 +232,102 @@ void multiplyByRows(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[]
 
 #if defined(__SIZEOF_INT128__)
 
+// Only what is inlined into the functions for one processor is compiled for that processor.
+#define MP_INLINE inline __attribute__((always_inline))
+
 __extension__ using DoubleWord = unsigned __int128;
 
-uint64_t loadTwo(const mpDigit a[])
+MP_INLINE uint64_t loadTwo(const mpDigit a[])
 {
     return a[0] | uint64_t{a[1]} << 32;
 }
 
-void storeTwo(mpDigit a[], uint64_t value)
+MP_INLINE void storeTwo(mpDigit a[], uint64_t value)
 {
     a[0] = static_cast<mpDigit>(value);
     a[1] = static_cast<mpDigit>(value >> 32);
 }
 
-// Two digits make one word. With an odd n the top word has one digit; its square fits in one word.
-void square(mpDigit w[], const mpDigit x[], size_t n)
+// Two digits make one word; with an odd n the top word has one digit.
+MP_INLINE void squareByWords(mpDigit w[], const mpDigit x[], size_t n)
 {
-    const size_t words = n / 2 + n % 2;
-    const auto word = [x, n](size_t i) { return 2 * i + 1 < n ? loadTwo(x + 2 * i) : uint64_t{x[2 * i]}; };
+    const size_t whole = n / 2;
+    const bool isOdd = n % 2 != 0;
+    const uint64_t last = isOdd ? x[n - 1] : 0;
+    const auto word = [x](size_t i) { return loadTwo(x + 2 * i); };
+    const auto addProduct = [w](size_t i, uint64_t factor, uint64_t other, uint64_t carry)
+    {
+        const DoubleWord t = DoubleWord{factor} * other + loadTwo(w + 2 * i) + carry;
+        storeTwo(w + 2 * i, static_cast<uint64_t>(t));
+        return static_cast<uint64_t>(t >> 64);
+    };
 
     setZero(w, 2 * n);
-    for (size_t i = 0; i + 1 < words; i++)
+    for (size_t i = 0; i < whole; i++)
     {
         const uint64_t factor = word(i);
         uint64_t carry = 0;
-        for (size_t j = i + 1; j < words; j++)
+        for (size_t j = i + 1; j < whole; j++)
         {
-            const DoubleWord t = DoubleWord{factor} * word(j) + loadTwo(w + 2 * (i + j)) + carry;
-            storeTwo(w + 2 * (i + j), static_cast<uint64_t>(t));
-            carry = static_cast<uint64_t>(t >> 64);
+            carry = addProduct(i + j, factor, word(j), carry);
         }
-        storeTwo(w + 2 * (i + words), carry);
+        if (isOdd)
+        {
+            carry = addProduct(i + whole, factor, last, carry);
+        }
+        storeTwo(w + 2 * (i + whole + (isOdd ? 1 : 0)), carry);
     }
 
     uint64_t carry = 0;
     uint64_t doubledBit = 0;
-    for (size_t i = 0; i < words; i++)
+    const auto doubleAndAdd = [w, &carry, &doubledBit](size_t i, uint64_t square)
     {
-        const DoubleWord diagonal = DoubleWord{word(i)} * word(i);
-        const uint64_t low = loadTwo(w + 4 * i);
-        const DoubleWord t = DoubleWord{low << 1 | doubledBit} + static_cast<uint64_t>(diagonal) + carry;
-        storeTwo(w + 4 * i, static_cast<uint64_t>(t));
-        doubledBit = low >> 63;
-        // The square has 2n digits, so above the last one of an odd n there is nothing left to store.
-        if (4 * i + 2 < 2 * n)
-        {
-            const uint64_t high = loadTwo(w + 4 * i + 2);
-            const DoubleWord s = DoubleWord{high << 1 | doubledBit} + static_cast<uint64_t>(diagonal >> 64) +
-                                 static_cast<uint64_t>(t >> 64);
-            storeTwo(w + 4 * i + 2, static_cast<uint64_t>(s));
-            doubledBit = high >> 63;
-            carry = static_cast<uint64_t>(s >> 64);
-        }
+        const uint64_t value = loadTwo(w + 2 * i);
+        const DoubleWord t = DoubleWord{value << 1 | doubledBit} + square + carry;
+        storeTwo(w + 2 * i, static_cast<uint64_t>(t));
+        doubledBit = value >> 63;
+        carry = static_cast<uint64_t>(t >> 64);
+    };
+    for (size_t i = 0; i < whole; i++)
+    {
+        const DoubleWord square = DoubleWord{word(i)} * word(i);
+        doubleAndAdd(2 * i, static_cast<uint64_t>(square));
+        doubleAndAdd(2 * i + 1, static_cast<uint64_t>(square >> 64));
+    }
+    if (isOdd)
+    {
+        doubleAndAdd(2 * whole, last * last);
     }
 }
+
+#if defined(__x86_64__)
+
+// Its multiplication leaves the flags alone.
+__attribute__((target("bmi2"))) void squareWithBmi2(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareByWords(w, x, n);
+}
+
+void square(mpDigit w[], const mpDigit x[], size_t n)
+{
+    if (__builtin_cpu_supports("bmi2"))
+    {
+        squareWithBmi2(w, x, n);
+    }
+    else
+    {
+        squareByWords(w, x, n);
+    }
+}
+
+#else
+
+void square(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareByWords(w, x, n);
+}
+
+#endif
 
 #else
 
@@ -465,9 +507,6 @@ void divideByRows(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size
 
 #if defined(__GNUC__) && defined(__SIZEOF_INT128__) && !defined(MP_WITHOUT_COLUMNS)
 
-// Only what is inlined into the functions for one processor is compiled for that processor.
-#define MP_INLINE inline __attribute__((always_inline))
-
 constexpr size_t columnCount = 16;
 constexpr size_t shortestForColumns = columnCount;
 // A lane takes three halves from each row.
@@ -550,23 +589,20 @@ MP_INLINE void addProducts(Lanes<Vector>& lanes, const mpDigit a[], mpDigit d)
     }
 }
 
-// sums += lanes.
+// sums += lanes, in column i.
 template <class Vector>
-MP_INLINE void addLanes(Columns& sums, const Lanes<Vector>& lanes)
+MP_INLINE void addLane(Columns& sums, const Lanes<Vector>& lanes, size_t i)
 {
-    mpDigit lowest[columnCount];
-    mpDigit lower[columnCount];
-    mpDigit upper[columnCount];
-    mpDigit highest[columnCount];
-    memcpy(lowest, lanes.lowest, sizeof(lowest));
-    memcpy(lower, lanes.lower, sizeof(lower));
-    memcpy(upper, lanes.upper, sizeof(upper));
-    memcpy(highest, lanes.highest, sizeof(highest));
-    for (size_t i = 0; i < columnCount; i++)
-    {
-        sums.low[i] += uint64_t{lowest[i]} + ((lower[i] & halfMask) << bitsPerHalf);
-        sums.high[i] += uint64_t{upper[i]} + (lower[i] >> bitsPerHalf) + (uint64_t{highest[i]} << bitsPerHalf);
-    }
+    mpDigit lowest = 0;
+    mpDigit lower = 0;
+    mpDigit upper = 0;
+    mpDigit highest = 0;
+    memcpy(&lowest, reinterpret_cast<const char*>(lanes.lowest) + i * sizeof(mpDigit), sizeof(mpDigit));
+    memcpy(&lower, reinterpret_cast<const char*>(lanes.lower) + i * sizeof(mpDigit), sizeof(mpDigit));
+    memcpy(&upper, reinterpret_cast<const char*>(lanes.upper) + i * sizeof(mpDigit), sizeof(mpDigit));
+    memcpy(&highest, reinterpret_cast<const char*>(lanes.highest) + i * sizeof(mpDigit), sizeof(mpDigit));
+    sums.low[i] += uint64_t{lowest} + ((lower & halfMask) << bitsPerHalf);
+    sums.high[i] += uint64_t{upper} + (lower >> bitsPerHalf) + (uint64_t{highest} << bitsPerHalf);
 }
 
 // Columns first to first + 15 of u * v, taking only v[begin..end).
@@ -584,7 +620,10 @@ MP_INLINE Columns sumColumns(const Slices& u, const mpDigit v[], size_t begin, s
                 addProducts(lanes, u.from(static_cast<ptrdiff_t>(first) - static_cast<ptrdiff_t>(j)), v[j]);
             }
         }
-        addLanes(sums, lanes);
+        for (size_t i = 0; i < columnCount; i++)
+        {
+            addLane(sums, lanes, i);
+        }
     }
     return sums;
 }
@@ -696,7 +735,7 @@ MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const 
     uint64_t uLow = loadTwo(r + m + n - 2);
     // What rows above j take off column j + n - 2, as far as column j + n - 1 did not take it.
     uint64_t lowDue = 0;
-    Columns dueFromBefore = {};
+    Columns due = {};
     Lanes<Vector> dueSince = {};
     size_t firstDue = m + n - 3;
     for (size_t j = m;; j--)
@@ -712,12 +751,11 @@ MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const 
         if (column < firstDue)
         {
             firstDue = column < columnCount ? 0 : column - columnCount + 1;
-            dueFromBefore = sumColumns<Vector>(slices, q, j + 1, m < column ? m + 1 : column + 1, firstDue);
+            due = sumColumns<Vector>(slices, q, j + 1, m < column ? m + 1 : column + 1, firstDue);
             dueSince = {};
         }
-        Columns due = dueFromBefore;
-        addLanes(due, dueSince);
         const size_t i = column - firstDue;
+        addLane(due, dueSince, i);
         addProducts(dueSince, slices.from(static_cast<ptrdiff_t>(firstDue) - static_cast<ptrdiff_t>(j)), qhat);
 
         const uint64_t next = product(qhat, v[n - 4]);
@@ -732,21 +770,21 @@ MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const 
         lowDue = due.low[i] + static_cast<mpDigit>(next);
     }
 
-    // r -= q * v, of which the n + 1 low digits are enough: what is left is less than B^(n+1) / 2 either way.
+    // r -= q * v, in the n digits of a remainder.
     uint64_t carry = 0;
     mpDigit borrow = 0;
-    for (size_t first = 0; first <= n; first += columnCount)
+    for (size_t first = 0; first < n; first += columnCount)
     {
-        const Columns sums = sumColumns<Vector>(slices, q, firstRow(first, n), endOfRows(first, m + 1), first);
-        for (size_t i = 0; i < columnCount && first + i <= n; i++)
+        const Columns sums = sumColumns<Vector>(slices, q, 0, endOfRows(first, m + 1), first);
+        for (size_t i = 0; i < columnCount && first + i < n; i++)
         {
-            mpDigit& digit = first + i < n + m ? r[first + i] : top;
-            const uint64_t difference = uint64_t{digit} - takeDigit(carry, sums, i) - borrow;
+            const uint64_t difference = uint64_t{r[first + i]} - takeDigit(carry, sums, i) - borrow;
             borrow = static_cast<mpDigit>(difference >> bitsPerDigit) & 1;
-            digit = static_cast<mpDigit>(difference);
+            r[first + i] = static_cast<mpDigit>(difference);
         }
     }
-    return (m == 0 ? top : r[n]) == 0 && compare(r, v, n) < 0;
+    // What is due to the top digits by now takes 2 off the highest at most, so that one shows a negative remainder.
+    return r[n - 1] <= (uLow >> bitsPerDigit) + 1 && compare(r, v, n) < 0;
 }
 
 #if defined(__x86_64__)
