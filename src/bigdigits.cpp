@@ -507,6 +507,8 @@ void divideByRows(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size
 
 #if defined(__GNUC__) && defined(__SIZEOF_INT128__) && !defined(MP_WITHOUT_COLUMNS)
 
+#define MP_HAS_COLUMNS 1
+
 constexpr size_t columnCount = 16;
 constexpr size_t shortestForColumns = columnCount;
 // A lane takes three halves from each row.
@@ -856,6 +858,8 @@ bool divideByColumns(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], s
 }
 
 #else
+
+#define MP_HAS_COLUMNS 0
 
 constexpr size_t shortestForColumns = SIZE_MAX;
 

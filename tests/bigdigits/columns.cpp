@@ -67,7 +67,7 @@ bool divideByRowsAlways(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[]
 
 const Form forms[] = {
     {"Rows", true, multiplyByRows, divideByRowsAlways, 2},
-#if defined(MP_INLINE)
+#if MP_HAS_COLUMNS
     {"Columns128Bits", true, multiplyBy128Bits, divideBy128Bits, shortestForColumns},
 #if defined(__x86_64__)
     {"Columns256Bits", has256Bits(), multiplyBy256Bits, divideBy256Bits, shortestForColumns},
@@ -240,7 +240,7 @@ TEST(Rows, AgreeWithGmpAtEveryLengthAndAlignment)
 
 TEST(Estimate, ThreeDigitsByTwoAgreesWithItsPlainForm)
 {
-#if defined(MP_INLINE)
+#if MP_HAS_COLUMNS
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
     for (uint32_t i = casesToRun(500000); i > 0 && !HasFailure(); i--)
