@@ -27,12 +27,15 @@ int anyBits(FuzzInput& input)
 
 unsigned int expectedDigit(const std::string& text, std::size_t group)
 {
-    const std::string characters(text.substr(group * 8, 8).c_str());
+    // Up to a NUL byte.
+    const std::string whole = text.substr(group * 8, 8);
+    const std::string characters = whole.substr(0, whole.find('\0'));
     unsigned int digit = 0;
     if (characters.empty() || (std::isxdigit(static_cast<unsigned char>(characters[0])) == 0))
     {
         return 0;
     }
+    // How sscanf converts is what the key is compared with. NOLINTNEXTLINE(cert-err34-c)
     FUZZ_CHECK(std::sscanf(characters.c_str(), "%8x", &digit) == 1);
     return digit;
 }

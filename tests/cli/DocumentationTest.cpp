@@ -127,9 +127,14 @@ TEST(Documentation, ManualTellsTheSameOptions)
         {
             const bool isEverywhere =
                 (option == "-k") || (option == "--key") || (option == "-h") || (option == "--help");
-            const std::string where = isEverywhere ? "" : "\n\\.RB \\( " + command + " \\)";
-            EXPECT_FALSE(matches(text, "(\n\\.BR [^\n]*" + option + "([ \"][^\n]*)?" + where + ")").empty())
-                << command << " " << option;
+            std::ostringstream pattern;
+            pattern << "(\n\\.BR [^\n]*" << option << "([ \"][^\n]*)?";
+            if (!isEverywhere)
+            {
+                pattern << "\n\\.RB \\( " << command << " \\)";
+            }
+            pattern << ")";
+            EXPECT_FALSE(matches(text, pattern.str()).empty()) << command << " " << option;
         }
         inHelp.insert(options.begin(), options.end());
         EXPECT_NE(text.find(".B countersign " + command + "\n"), std::string::npos);
@@ -200,9 +205,9 @@ TEST(Documentation, ExampleInTheReadmeDoesWhatItShows)
         line = trimmedLine(line);
         if (line.substr(0, 2) == "$ ")
         {
-            const std::string command = line.substr(2);
             // What the command before returned is kept for it.
-            script += "status=$?; cat <<'THE_COMMAND'\n" + line + "\nTHE_COMMAND\n(exit $status)\n" + command + "\n";
+            script.append("status=$?; cat <<'THE_COMMAND'\n").append(line).append("\nTHE_COMMAND\n(exit $status)\n");
+            script.append(line, 2).append("\n");
             amountOfCommands++;
         }
     }

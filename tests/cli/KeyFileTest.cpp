@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <sstream>
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
@@ -171,7 +172,9 @@ TEST_F(KeyFile, ThatIsNoneIsRefused)
         const std::string kind = pKind;
         for (const char* pBody : {"", "AAAA\n", "MIIB\n", "!!!!\n"})
         {
-            _folder.write("damaged.pem", "-----BEGIN " + kind + "-----\n" + pBody + "-----END " + kind + "-----\n");
+            std::ostringstream pem;
+            pem << "-----BEGIN " << kind << "-----\n" << pBody << "-----END " << kind << "-----\n";
+            _folder.write("damaged.pem", pem.str());
             EXPECT_EQ(problemOf("damaged.pem"), hoKeyFileProblem::Damaged) << kind << pBody;
         }
         _folder.write("damaged.pem", "-----BEGIN " + kind + "-----");

@@ -450,7 +450,7 @@ TEST_F(Program, TellsThatTheDiskIsFull)
     limited._prepare = []
     {
         const struct rlimit none = {0, 0};
-        signal(SIGXFSZ, SIG_IGN);
+        static_cast<void>(signal(SIGXFSZ, SIG_IGN));
         setrlimit(RLIMIT_FSIZE, &none);
     };
     const tsOutcome outcome = tsRun(limited);
