@@ -115,10 +115,10 @@ void clearAndFree(mpDigit*& a, size_t n)
     mpFree(&a);
 }
 
-void clearAndFree(unsigned char* octets, size_t n)
+void clearAndFree(unsigned char* characters, size_t n)
 {
-    wipe(octets, 0, n);
-    free(octets);
+    wipe(characters, 0, n);
+    free(characters);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -1008,6 +1008,95 @@ uint32_t digitValue(char ch, uint32_t base)
     return value < base ? value : base;
 }
 
+// As many decimal digits as a digit array's digit can hold are dealt with at once.
+constexpr uint32_t decimalGroup = 9;
+constexpr uint32_t decimalScale = 1000000000U;
+constexpr uint32_t hexDigitsPerDigit = 8;
+
+// digits[0..count) = a, the highest first; they are zero before, and there are enough. a is zero afterwards.
+void writeDecimal(unsigned char digits[], size_t count, mpDigit a[], size_t n)
+{
+    for (size_t size = significantDigits(a, n); size > 0; size = significantDigits(a, size))
+    {
+        uint64_t remainder = 0;
+        for (size_t i = size; i-- > 0;)
+        {
+            remainder = remainder << bitsPerDigit | a[i];
+            a[i] = static_cast<mpDigit>(remainder / decimalScale);
+            remainder %= decimalScale;
+        }
+        auto group = static_cast<uint32_t>(remainder);
+        for (uint32_t i = 0; i < decimalGroup && count > 0; i++)
+        {
+            digits[--count] = static_cast<unsigned char>(group % 10);
+            group /= 10;
+        }
+    }
+}
+
+void writeHex(unsigned char digits[], size_t count, const mpDigit a[], size_t n)
+{
+    for (size_t i = 0; i < n; i++)
+    {
+        for (uint32_t bit = 0; bit < bitsPerDigit && count > 0; bit += 4)
+        {
+            digits[--count] = static_cast<unsigned char>(a[i] >> bit & 0xFU);
+        }
+    }
+}
+
+// a[0..n), which is zero before, becomes the number in s, modulo 2^(32n).
+void readDecimal(mpDigit a[], size_t n, const char* s)
+{
+    size_t used = 0;
+    uint32_t scale = 1;
+    uint32_t group = 0;
+    const auto takeGroup = [&]
+    {
+        uint64_t carry = group;
+        for (size_t i = 0; i < used; i++)
+        {
+            carry += uint64_t{a[i]} * scale;
+            a[i] = static_cast<mpDigit>(carry);
+            carry >>= bitsPerDigit;
+        }
+        if (carry != 0 && used < n)
+        {
+            a[used++] = static_cast<mpDigit>(carry);
+        }
+        scale = 1;
+        group = 0;
+    };
+    for (; *s != '\0'; s++)
+    {
+        const uint32_t digit = digitValue(*s, 10);
+        if (digit < 10)
+        {
+            group = group * 10 + digit;
+            scale *= 10;
+        }
+        if (scale == decimalScale)
+        {
+            takeGroup();
+        }
+    }
+    takeGroup();
+}
+
+void readHex(mpDigit a[], size_t n, const char* s, size_t length)
+{
+    size_t count = 0;
+    while (length > 0 && count / hexDigitsPerDigit < n)
+    {
+        const uint32_t digit = digitValue(s[--length], 16);
+        if (digit < 16)
+        {
+            a[count / hexDigitsPerDigit] |= digit << 4 * (count % hexDigitsPerDigit);
+            count++;
+        }
+    }
+}
+
 uint32_t digitsFromText(mpDigit a[], uint32_t ndigits, const char* s, uint32_t base, double factor, const char* message)
 {
     setZero(a, ndigits);
@@ -1017,24 +1106,27 @@ uint32_t digitsFromText(mpDigit a[], uint32_t ndigits, const char* s, uint32_t b
         return 0;
     }
     const auto size = static_cast<size_t>(octetsOrDigitsFor(length, factor));
-    auto* octets = allocate<unsigned char>(size, message);
-    for (const char* p = s; *p != '\0'; p++)
+    const size_t n = size / octetsPerDigit + (size % octetsPerDigit != 0 ? 1 : 0);
+    auto* value = allocate<mpDigit>(n, message);
+
+    if (base == 10)
     {
-        uint32_t carry = digitValue(*p, base);
-        if (carry == base)
-        {
-            continue;
-        }
-        for (size_t i = size; i-- > 0;)
-        {
-            const uint32_t t = carry + octets[i] * base;
-            octets[i] = static_cast<unsigned char>(t);
-            carry = t >> 8;
-        }
+        readDecimal(value, n, s);
     }
-    const size_t used = digitsFromOctets(a, ndigits, octets, size);
-    clearAndFree(octets, size);
-    return static_cast<uint32_t>(used);
+    else
+    {
+        readHex(value, n, s, length);
+    }
+
+    // What is above the octets set aside is lost, wherever in a digit they end.
+    if (size % octetsPerDigit != 0)
+    {
+        value[n - 1] &= ~(allOnes << 8 * (size % octetsPerDigit));
+    }
+    const size_t written = n < ndigits ? n : ndigits;
+    setEqual(a, value, written);
+    clearAndFree(value, n);
+    return static_cast<uint32_t>(written);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -1475,22 +1567,19 @@ uint32_t conv_to_base(const mpDigit a[], uint32_t ndigits, char* s, uint32_t sma
         return 1;
     }
 
-    const size_t octetCount = octetsPerDigit * ndigits;
-    auto* octets = allocate<unsigned char>(octetCount, outOfMemory);
-    octetsFromDigits(a, ndigits, octets, octetCount);
+    auto* value = allocate<mpDigit>(ndigits, outOfMemory);
+    setEqual(value, a, ndigits);
 
     const double factor = base == 10 ? decimalDigitsPerOctet : hexDigitsPerOctet;
     const auto digitCount = static_cast<size_t>(octetsOrDigitsFor(octetLength(a, ndigits), factor));
     auto* digits = allocate<unsigned char>(digitCount, outOfMemory);
-    for (size_t k = 0; k < octetCount; k++)
+    if (base == 10)
     {
-        uint32_t carry = octets[k];
-        for (size_t i = digitCount; i-- > 0;)
-        {
-            const uint32_t t = carry + (uint32_t{digits[i]} << 8);
-            digits[i] = static_cast<unsigned char>(t % base);
-            carry = t / base;
-        }
+        writeDecimal(digits, digitCount, value, ndigits);
+    }
+    else
+    {
+        writeHex(digits, digitCount, value, ndigits);
     }
 
     size_t first = 0;
@@ -1509,7 +1598,7 @@ uint32_t conv_to_base(const mpDigit a[], uint32_t ndigits, char* s, uint32_t sma
         s[copied] = '\0';
     }
 
-    clearAndFree(octets, octetCount);
+    clearAndFree(value, ndigits);
     clearAndFree(digits, digitCount);
     return static_cast<uint32_t>(length);
 }

@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# Measures the rooms beside their peers and writes the figures into docs/performance.md, medians of repeated runs.
+#
+#   scripts/benchmark.sh [ROOM...]          for example: scripts/benchmark.sh bigdigits
+#
+# A room is a folder of benchmarks/; without one, all are taken, and only then is the page written. Nothing else should
+# run meanwhile. COUNTERSIGN_BENCHMARK_REPETITIONS sets how often each figure is taken (5).
+set -u
+. "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+"$root/scripts/install-dependencies.sh" develop || exit
+build=$root/build/benchmark
+rooms=("$@")
+[ "${#rooms[@]}" -gt 0 ] || rooms=(bigdigits crypto)
+targets=()
+for room in "${rooms[@]}"; do
+    [ -d "$root/benchmarks/$room" ] || fail "there is no room '$room' with benchmarks in benchmarks/$room"
+    targets+=(--target "benchmark_$room")
+done
+
+cache=()
+if command -v ccache >/dev/null 2>&1; then
+    cache=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+fi
+step "configuring (build/benchmark)" cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    "-DCMAKE_CXX_FLAGS_RELEASE=-O3 -DNDEBUG" -DCOUNTERSIGN_BUILD_BENCHMARKS=ON -DCOUNTERSIGN_BUILD_TESTS=OFF \
+    -DCOUNTERSIGN_BUILD_DESKTOP=OFF -DCOUNTERSIGN_BUILD_CLI=OFF -DCOUNTERSIGN_WITH_TOOLKIT=OFF "${cache[@]}"
+step "building (build/benchmark)" cmake --build "$build" "${targets[@]}"
+
+files=()
+for room in "${rooms[@]}"; do
+    say "measuring $room (some minutes)"
+    "$build/bin/benchmark_$room" --benchmark_repetitions="${COUNTERSIGN_BENCHMARK_REPETITIONS:-5}" \
+        --benchmark_min_time=0.05 --benchmark_report_aggregates_only=true --benchmark_format=console \
+        --benchmark_out_format=json --benchmark_out="$build/$room.json" >"$build/$room.log" ||
+        fail "measuring $room; see $build/$room.log"
+    files+=("$build/$room.json")
+done
+page=
+[ "$#" -gt 0 ] || page=$root/docs/performance.md
+python3 "$root/benchmarks/figures.py" "$(c++ --version | head -n 1)" "$page" "${files[@]}" ||
+    fail "reading what was measured"
