@@ -118,6 +118,35 @@ TEST_F(Signer, FoldsLargeFiles)
     }
 }
 
+// Around the sizes from which runs are folded side by side, with runs of many lengths.
+TEST_F(Signer, FoldsManyRunsSideBySide)
+{
+    const std::string contents = scrambledBytes(300000, 7);
+    for (const int bits : {128, 160, 192, 256, 512, 1024})
+    {
+        crRSAEncryptionKey key;
+        keyOfPrimes(bits).loadPublic(key);
+        crRSADigitalSigner signer(key);
+        ASSERT_TRUE(signer.createMessageDigestDigits());
+        for (const std::size_t size : {std::size_t(8159), std::size_t(8160), std::size_t(8161), std::size_t(8192),
+                                       std::size_t(16321), std::size_t(20000), std::size_t(245760), contents.size()})
+        {
+            signer.deleteMessageDigestDigits();
+            ASSERT_TRUE(signer.createMessageDigestDigits());
+            signer.addToMessageDigest(contents.data(), size);
+            gtString text;
+            signer.messageDigestToString(text);
+            ASSERT_EQ(toBytes(text), expectedDigestText(contents.substr(0, size), bits / 32)) << bits << ", " << size;
+
+            signer.deleteMessageDigestDigits();
+            ASSERT_TRUE(signer.createMessageDigestDigits());
+            ASSERT_TRUE(signer.createFileMessageDigest(_folder.write("file", contents.substr(0, size))));
+            signer.messageDigestToString(text);
+            ASSERT_EQ(toBytes(text), expectedDigestText(contents.substr(0, size), bits / 32)) << bits << ", " << size;
+        }
+    }
+}
+
 TEST_F(Signer, FoldsWithKeysOfManySizes)
 {
     const std::string contents = scrambledBytes(1000, 11);
