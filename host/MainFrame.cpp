@@ -10,6 +10,8 @@
 #include "host/hoDocumentListCtrl.h"
 #include "host/hoIcons.h"
 #include "host/hoInteractiveAssertionFailureHandler.h"
+#include "host/hoKeyLoading.h"
+#include "host/hoProgressDialog.h"
 #include "host/hoTextDialog.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "platform/osWrappers/osProcess.h"
@@ -39,9 +41,16 @@ enum
     ID_CLOSE_ALL_DOCUMENTS,
     ID_COPY_PATH,
     ID_CLEAR_RECENT,
+    ID_LOAD_PRIVATE_KEY,
+    ID_LOAD_PUBLIC_KEY,
+    ID_FORGET_KEYS,
+    ID_SIGN,
+    ID_SIGN_ALL,
+    ID_TEST,
+    ID_TEST_ALL,
     ID_ASSERTION_DIALOGS,
     ID_FAIL_ASSERTION,
-    ID_SHOW_REFUSALS,
+    ID_SHOW_DETAILS,
     ID_RECENT_FIRST,
     ID_RECENT_LAST = ID_RECENT_FIRST + static_cast<int>(hoRecentDocuments::mostDocuments) - 1
 };
@@ -55,60 +64,22 @@ enum Page
 enum StatusField
 {
     STATUS_TALK = 0,
-    STATUS_DOCUMENTS = 1,
-    STATUS_FIELDS = 2
+    STATUS_KEYS = 1,
+    STATUS_DOCUMENTS = 2,
+    STATUS_FIELDS = 3
 };
 
 const wxSize defaultSize(900, 520);
 const wxSize leastSize(520, 320);
 const wxSize pictureSize(64, 64);
 const std::size_t mostNameCharacters = 60;
+const int progressInterval = 50;    // milliseconds between two looks at a work
+const long patienceWithWork = 500;  // milliseconds until a progress dialog appears
 const std::size_t mostRefusalsListed = 1000;
-
-wxString problemText(hoFileProblem problem)
-{
-    switch (problem)
-    {
-    case hoFileProblem::None:
-        break;
-    case hoFileProblem::NoName:
-        return "the name is empty";
-    case hoFileProblem::NotThere:
-        return "there is no such file";
-    case hoFileProblem::NotLocal:
-        return "only files can be opened, no addresses";
-    case hoFileProblem::NotPermitted:
-        return "you are not permitted to read it";
-    case hoFileProblem::IsFolder:
-        return "it is a folder; open the files in it instead";
-    case hoFileProblem::NotRegular:
-        return "it is a pipe, a socket or a device and not a document";
-    case hoFileProblem::NameTooLong:
-        return "the name is longer than the system allows";
-    case hoFileProblem::TooManyLinks:
-        return "its symbolic links lead in a circle";
-    case hoFileProblem::CannotBeRead:
-        return "the system cannot read it";
-    }
-    return wxString();
-}
 
 wxString quoted(const wxString& text)
 {
     return wxUniChar(0x201C) + text + wxUniChar(0x201D);
-}
-
-wxString amountText(std::size_t amount, const char* one, const char* many)
-{
-    return hoNumberText(amount) + " " + (amount == 1 ? one : many);
-}
-
-// What a path ends with, for a message; the whole path when that is nothing.
-gtString lastComponent(const gtString& path)
-{
-    const std::string bytes = hoToBytes(path);
-    const std::size_t start = bytes.rfind('/') + 1;
-    return start == bytes.size() ? path : hoToText(bytes.substr(start));
 }
 
 bool isLostArgument(const gtString& argument)
@@ -207,6 +178,7 @@ MainFrame::MainFrame()
       _isHandedOver(false),
       _areChangesPending(false),
       _isRecentChanged(false),
+      _pProgressDialog(nullptr),
       _pRecentMenu(nullptr),
       _pMessageBar(nullptr),
       _pPages(nullptr),
@@ -227,17 +199,11 @@ MainFrame::MainFrame()
     _pList = new hoDocumentListCtrl(_pPages, _documents);
     _pPages->AddPage(_pList, "documents");
     CreateStatusBar(STATUS_FIELDS);
-    const int statusWidths[STATUS_FIELDS] = {-3, -2};
+    const int statusWidths[STATUS_FIELDS] = {-4, -5, -4};
     SetStatusWidths(STATUS_FIELDS, statusWidths);
-    SetDropTarget(new hoDocumentDropTarget(*this,
-                                           [this](const hoUriList& list)
-                                           {
-                                               std::vector<gtString> paths = list._paths;
-                                               paths.insert(paths.end(), list._refused.begin(), list._refused.end());
-                                               openAskedFor(paths);
-                                           }));
+    SetDropTarget(new hoDocumentDropTarget(*this, [this](const hoUriList& list) { openDropped(list); }));
 
-    _pMessageBar->AddButton(ID_SHOW_REFUSALS, "Details...");
+    _pMessageBar->AddButton(ID_SHOW_DETAILS, "Details...");
     _pMessageBar->AddButton(wxID_CLOSE, "Dismiss");
     _settings.load(hoUserSettingsPath());
     for (std::size_t oldest = _settings.texts("recent").size(); oldest > 0; --oldest)
@@ -289,8 +255,8 @@ wxString MainFrame::refusalMessage() const
         return hoNumberText(_refusals.size()) + " documents could not be opened.";
     }
     const auto& [path, problem] = _refusals.front();
-    return "Cannot open " + quoted(hoDisplayText(lastComponent(path), mostNameCharacters)) + ": " +
-           problemText(problem) + ".";
+    return "Cannot open " + quoted(hoDisplayText(hoLastComponent(path), mostNameCharacters)) + ": " +
+           hoFileProblemText(problem) + ".";
 }
 
 void MainFrame::setAssertionDialogs(bool areOn)
@@ -332,6 +298,20 @@ void MainFrame::makeMenus()
     pEdit->Append(ID_COPY_PATH, "&Copy path\tCtrl+C", "Copy the paths of the selected documents, one a line");
     pEdit->Append(wxID_SELECTALL, "Select &all\tCtrl+A", "Select all documents");
 
+    auto* pKey = new wxMenu;
+    pKey->Append(ID_LOAD_PRIVATE_KEY, "Load p&rivate key...\tCtrl+K", "Load the key that signs, from a PEM file");
+    pKey->Append(ID_LOAD_PUBLIC_KEY, "Load p&ublic key...\tCtrl+Shift+K",
+                 "Load the key that tests somebody's signatures, from a PEM file");
+    pKey->AppendSeparator();
+    pKey->Append(ID_FORGET_KEYS, "&Forget keys", "Take the loaded keys out of memory; their files stay");
+
+    auto* pSignature = new wxMenu;
+    pSignature->Append(ID_SIGN, "&Sign\tCtrl+S", "Sign the selected documents, or all if none is selected");
+    pSignature->Append(ID_TEST, "&Test\tCtrl+T", "Test the signatures of the selected documents, or all");
+    pSignature->AppendSeparator();
+    pSignature->Append(ID_SIGN_ALL, "Sign &all\tCtrl+Shift+S", "Sign all documents");
+    pSignature->Append(ID_TEST_ALL, "Test a&ll\tCtrl+Shift+T", "Test the signatures of all documents");
+
     auto* pDeveloper = new wxMenu;
     pDeveloper->AppendCheckItem(ID_ASSERTION_DIALOGS, "&Assertion dialogs",
                                 "Show a dialog for each failed assertion instead of staying silent");
@@ -343,6 +323,8 @@ void MainFrame::makeMenus()
     auto* pBar = new wxMenuBar;
     pBar->Append(pFile, "&File");
     pBar->Append(pEdit, "&Edit");
+    pBar->Append(pKey, "&Key");
+    pBar->Append(pSignature, "&Signature");
     pBar->Append(pDeveloper, "&Developer");
     pBar->Append(pHelp, "&Help");
     SetMenuBar(pBar);
@@ -364,8 +346,34 @@ void MainFrame::bindEvents()
     Bind(wxEVT_MENU, &MainFrame::OnFailAssertion, this, ID_FAIL_ASSERTION);
     Bind(wxEVT_MENU, &MainFrame::OnAbout, this, wxID_ABOUT);
 
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { chooseKey(true); }, ID_LOAD_PRIVATE_KEY);
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { chooseKey(false); }, ID_LOAD_PUBLIC_KEY);
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { setKeys(hoKeyRing()); }, ID_FORGET_KEYS);
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { startWork(hoDocumentWork::Kind::Sign, _pList->selected()); }, ID_SIGN);
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { startWork(hoDocumentWork::Kind::Test, _pList->selected()); }, ID_TEST);
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { startWork(hoDocumentWork::Kind::Sign, {}); }, ID_SIGN_ALL);
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { startWork(hoDocumentWork::Kind::Test, {}); }, ID_TEST_ALL);
+    _workTimer.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { followWork(); });
+
     const auto whenSelected = [this](wxUpdateUIEvent& event) { event.Enable(_pList->GetSelectedItemCount() > 0); };
     const auto whenAny = [this](wxUpdateUIEvent& event) { event.Enable(!_documents.isEmpty()); };
+    const auto whenSignable = [this](wxUpdateUIEvent& event)
+    { event.Enable(!_documents.isEmpty() && _keys.canSign() && _pWork == nullptr); };
+    const auto whenTestable = [this](wxUpdateUIEvent& event)
+    { event.Enable(!_documents.isEmpty() && _keys.canTest() && _pWork == nullptr); };
+    Bind(wxEVT_UPDATE_UI, whenSignable, ID_SIGN);
+    Bind(wxEVT_UPDATE_UI, whenSignable, ID_SIGN_ALL);
+    Bind(wxEVT_UPDATE_UI, whenTestable, ID_TEST);
+    Bind(wxEVT_UPDATE_UI, whenTestable, ID_TEST_ALL);
+    Bind(
+        wxEVT_UPDATE_UI, [this](wxUpdateUIEvent& event) { event.Enable(_keys.canTest()); }, ID_FORGET_KEYS);
     Bind(wxEVT_UPDATE_UI, whenSelected, ID_CLOSE_DOCUMENTS);
     Bind(wxEVT_UPDATE_UI, whenSelected, ID_COPY_PATH);
     Bind(wxEVT_UPDATE_UI, whenAny, ID_CLOSE_ALL_DOCUMENTS);
@@ -374,13 +382,13 @@ void MainFrame::bindEvents()
         wxEVT_UPDATE_UI, [this](wxUpdateUIEvent& event) { event.Check(hasAssertionDialogs()); }, ID_ASSERTION_DIALOGS);
 
     Bind(wxEVT_CLOSE_WINDOW, &MainFrame::OnClose, this);
-    _pMessageBar->Bind(wxEVT_BUTTON, &MainFrame::OnShowRefusals, this, ID_SHOW_REFUSALS);
+    _pMessageBar->Bind(wxEVT_BUTTON, &MainFrame::OnShowDetails, this, ID_SHOW_DETAILS);
     _pMessageBar->Bind(
         wxEVT_BUTTON,
         [this](wxCommandEvent&)
         {
-            _refusals.clear();
-            showRefusals();
+            clearMessage();
+            showMessage();
         },
         wxID_CLOSE);
     _pList->Bind(wxEVT_LIST_COL_CLICK, &MainFrame::OnColumnClick, this);
@@ -413,7 +421,7 @@ void MainFrame::OnOpen(wxCommandEvent&)
     {
         paths.push_back(ahPathBytesFromText(pathText));
     }
-    _refusals.clear();
+    clearMessage();
     openAskedFor(paths);
 }
 
@@ -422,7 +430,7 @@ void MainFrame::OnRecent(wxCommandEvent& event)
     const std::size_t number = static_cast<std::size_t>(event.GetId() - ID_RECENT_FIRST);
     if (number < _recent.paths().size())
     {
-        _refusals.clear();
+        clearMessage();
         const gtString path = _recent.paths()[number];
         openAskedFor({path});
     }
@@ -467,7 +475,7 @@ void MainFrame::OnCopyPath(wxCommandEvent&)
     }
     if (!rows.empty() && hoCopyText(paths))
     {
-        SetStatusText(amountText(rows.size(), "path copied", "paths copied"), STATUS_TALK);
+        SetStatusText(hoAmountText(rows.size(), "path copied", "paths copied"), STATUS_TALK);
     }
 }
 
@@ -497,23 +505,30 @@ void MainFrame::OnAbout(wxCommandEvent&)
     wxAboutBox(info, this);
 }
 
-void MainFrame::OnShowRefusals(wxCommandEvent&)
+void MainFrame::OnShowDetails(wxCommandEvent&)
 {
-    wxString text;
-    const std::size_t listed = std::min(_refusals.size(), mostRefusalsListed);
-    for (std::size_t i = 0; i < listed; ++i)
+    if (_refusals.empty())
     {
-        text += hoDisplayText(_refusals[i].first) + "\n    " + problemText(_refusals[i].second) + "\n";
+        hoTextDialog(this, "Details", _message._line, _message._details).ShowModal();
     }
-    if (listed < _refusals.size())
+    else
     {
-        text += "and " + hoNumberText(_refusals.size() - listed) + " more\n";
+        wxString text;
+        const std::size_t listed = std::min(_refusals.size(), mostRefusalsListed);
+        for (std::size_t i = 0; i < listed; ++i)
+        {
+            text += hoDisplayText(_refusals[i].first) + "\n    " + hoFileProblemText(_refusals[i].second) + "\n";
+        }
+        if (listed < _refusals.size())
+        {
+            text += "and " + hoNumberText(_refusals.size() - listed) + " more\n";
+        }
+        const wxString heading =
+            hoAmountText(_refusals.size(), "document could not be opened:", "documents could not be opened:");
+        hoTextDialog(this, "Documents that could not be opened", heading, text).ShowModal();
     }
-    const wxString heading =
-        amountText(_refusals.size(), "document could not be opened:", "documents could not be opened:");
-    hoTextDialog(this, "Documents that could not be opened", heading, text).ShowModal();
-    _refusals.clear();
-    _pMessageBar->Dismiss();
+    clearMessage();
+    showMessage();
 }
 
 void MainFrame::OnColumnClick(wxListEvent& event)
@@ -546,6 +561,9 @@ void MainFrame::OnColumnClick(wxListEvent& event)
 void MainFrame::OnContextMenu(wxContextMenuEvent&)
 {
     wxMenu menu;
+    menu.Append(ID_SIGN, "&Sign");
+    menu.Append(ID_TEST, "&Test");
+    menu.AppendSeparator();
     menu.Append(ID_COPY_PATH, "&Copy path");
     menu.Append(ID_CLOSE_DOCUMENTS, "C&lose");
     _pList->PopupMenu(&menu);
@@ -553,6 +571,14 @@ void MainFrame::OnContextMenu(wxContextMenuEvent&)
 
 void MainFrame::OnClose(wxCloseEvent& event)
 {
+    // The work ends here, and not among the remains of the window.
+    _workTimer.Stop();
+    if (_pProgressDialog != nullptr)
+    {
+        _pProgressDialog->Destroy();
+        _pProgressDialog = nullptr;
+    }
+    _pWork.reset();
     remember();
     event.Skip();
 }
@@ -612,6 +638,179 @@ void MainFrame::openAskedFor(const std::vector<gtString>& paths)
     }
 }
 
+// A PEM file that is dropped is a key, everything else a document.
+void MainFrame::openDropped(const hoUriList& list)
+{
+    clearMessage();
+    std::vector<gtString> documents;
+    std::vector<gtString> keys;
+    for (const gtString& path : list._paths)
+    {
+        const std::string bytes = hoToBytes(path);
+        const bool isKey = bytes.size() > 4 && bytes.compare(bytes.size() - 4, 4, ".pem") == 0;
+        (isKey ? keys : documents).push_back(path);
+    }
+    documents.insert(documents.end(), list._refused.begin(), list._refused.end());
+    openAskedFor(documents);
+    for (const gtString& path : keys)
+    {
+        loadKey(path, KeyWish::Any);
+    }
+}
+
+void MainFrame::chooseKey(bool isPrivate)
+{
+    wxFileDialog dialog(this, isPrivate ? "Load a private key" : "Load a public key",
+                        ahPathTextFromBytes(hoToText(_settings.text("keyFolder"))), wxString(),
+                        "PEM files (*.pem)|*.pem;*.PEM|All files|*", wxFD_OPEN | wxFD_FILE_MUST_EXIST);
+    if (dialog.ShowModal() == wxID_OK)
+    {
+        loadKey(ahPathBytesFromText(dialog.GetPath()), isPrivate ? KeyWish::Private : KeyWish::Public);
+    }
+}
+
+void MainFrame::loadKey(const gtString& path, KeyWish wish)
+{
+    hoKeyFileFacts facts;
+    const hoLoadedKey loaded = hoLoadKeyAsking(this, path, facts);
+    if (loaded._pKey == nullptr)
+    {
+        if (facts._problem != hoKeyFileProblem::PassphraseNeeded)
+        {
+            wxMessageDialog(this, hoKeyProblemText(path, facts), "Countersign", wxOK | wxICON_ERROR).ShowModal();
+        }
+        return;
+    }
+    if (wish == KeyWish::Private && !loaded._pKey->hasPrivateKey())
+    {
+        const wxString name = quoted(hoDisplayText(hoLastComponent(path), mostNameCharacters));
+        wxMessageDialog(this, name + " holds a public key, which cannot sign. Load it as a public key to test with it.",
+                        "Countersign", wxOK | wxICON_ERROR)
+            .ShowModal();
+        return;
+    }
+    const std::string bytes = hoToBytes(path);
+    _settings.setText("keyFolder", bytes.substr(0, bytes.rfind('/') + 1));
+    hoKeyRing keys = _keys;
+    const bool isPrivate = wish == KeyWish::Private || (wish == KeyWish::Any && loaded._pKey->hasPrivateKey());
+    (isPrivate ? keys._private : keys._public) = loaded;
+    setKeys(keys);
+    if (isPrivate && loaded._isOpenToOthers)
+    {
+        SetStatusText("Others may read or change this private key's file", STATUS_TALK);
+    }
+}
+
+void MainFrame::setKeys(const hoKeyRing& keys)
+{
+    _keys = keys;
+    // What another key has found means nothing under this one.
+    _documents.forgetStates();
+    _pList->setCanTest(_keys.canTest());
+    _pList->showChanges();
+    showChangesSoon();
+}
+
+void MainFrame::startWork(hoDocumentWork::Kind kind, const std::vector<std::size_t>& rows)
+{
+    const bool isSigning = kind == hoDocumentWork::Kind::Sign;
+    if (_pWork != nullptr || (isSigning ? !_keys.canSign() : !_keys.canTest()))
+    {
+        return;
+    }
+    std::vector<hoDocument> documents;
+    std::size_t alreadySigned = 0;
+    const std::size_t amount = rows.empty() ? _documents.size() : rows.size();
+    documents.reserve(amount);
+    for (std::size_t i = 0; i < amount; ++i)
+    {
+        const std::size_t position = rows.empty() ? i : rows[i];
+        _documents.refresh(position);
+        documents.push_back(_documents[position]);
+        const hoSignatureFileFacts signature = hoCheckSignaturePath(hoSignaturePath(documents.back()._path), false);
+        alreadySigned += signature._problem == hoSignatureFileProblem::Exists ? 1 : 0;
+    }
+
+    bool mayOverwrite = false;
+    if (isSigning && alreadySigned > 0)
+    {
+        wxMessageDialog question(
+            this,
+            hoAmountText(alreadySigned, "document has a signature already.", "documents have signatures already."),
+            "Countersign", wxYES_NO | wxCANCEL | wxICON_QUESTION);
+        question.SetExtendedMessage("Signing again replaces what is in the .sig file beside the document.");
+        question.SetYesNoCancelLabels("&Replace", "&Keep", "&Cancel");
+        const int answer = question.ShowModal();
+        if (answer == wxID_CANCEL)
+        {
+            return;
+        }
+        mayOverwrite = answer == wxID_YES;
+    }
+
+    clearMessage();
+    showMessage();
+    _outcomes.clear();
+    _pWork = std::make_unique<hoDocumentWork>(
+        kind, documents, hoDocumentWork::Keys{_keys._private._pKey, _keys._public._pKey}, mayOverwrite);
+    _workKeys = _keys;
+    _workTime.Start();
+    _workTimer.Start(progressInterval);
+}
+
+void MainFrame::followWork()
+{
+    if (_pWork == nullptr)
+    {
+        return;
+    }
+    // Asked first: what is found until then is in the outcomes.
+    const bool isFinished = _pWork->isFinished();
+    const std::vector<hoWorkOutcome> outcomes = _pWork->takeOutcomes();
+    const bool areKeysTheSame =
+        _workKeys._private._pKey == _keys._private._pKey && _workKeys._public._pKey == _keys._public._pKey;
+    for (const hoWorkOutcome& outcome : outcomes)
+    {
+        if (areKeysTheSame)
+        {
+            _documents.setStamp(outcome._path, outcome._stamp);
+        }
+        _outcomes.push_back(outcome);
+    }
+    if (!outcomes.empty())
+    {
+        _pList->showChanges();
+    }
+    if (isFinished)
+    {
+        endWork();
+    }
+    else if (_pProgressDialog != nullptr)
+    {
+        _pProgressDialog->showProgress();
+    }
+    else if (_workTime.Time() >= patienceWithWork)
+    {
+        _pProgressDialog = new hoProgressDialog(this, *_pWork);
+        _pProgressDialog->Show();
+    }
+}
+
+void MainFrame::endWork()
+{
+    _workTimer.Stop();
+    if (_pProgressDialog != nullptr)
+    {
+        _pProgressDialog->Destroy();
+        _pProgressDialog = nullptr;
+    }
+    _message = hoSummaryOf(_pWork->kind(), _outcomes, _pWork->isCancelled());
+    _pWork.reset();
+    _workKeys = hoKeyRing();
+    _outcomes.clear();
+    showChangesSoon();
+}
+
 std::size_t MainFrame::openQuietly(const gtString& path)
 {
     const hoDocumentList::Opening opening = _documents.open(path);
@@ -665,7 +864,7 @@ void MainFrame::showChangesNow()
         _pPages->ChangeSelection(static_cast<std::size_t>(page));
     }
     showStatus();
-    showRefusals();
+    showMessage();
     if (_isRecentChanged)
     {
         _isRecentChanged = false;
@@ -674,17 +873,27 @@ void MainFrame::showChangesNow()
     }
 }
 
-void MainFrame::showRefusals()
+void MainFrame::showMessage()
 {
-    const wxString message = refusalMessage();
-    if (!message.empty())
+    const wxString refusals = refusalMessage();
+    if (!refusals.empty())
     {
-        _pMessageBar->ShowMessage(message, wxICON_ERROR);
+        _pMessageBar->ShowMessage(refusals, wxICON_ERROR);
+    }
+    else if (!_message._line.empty())
+    {
+        _pMessageBar->ShowMessage(_message._line, _message._isAllWell ? wxICON_INFORMATION : wxICON_WARNING);
     }
     else if (_pMessageBar->IsShown())
     {
         _pMessageBar->Dismiss();
     }
+}
+
+void MainFrame::clearMessage()
+{
+    _refusals.clear();
+    _message = hoWorkSummary();
 }
 
 void MainFrame::showStatus()
@@ -693,13 +902,19 @@ void MainFrame::showStatus()
     if (!_documents.isEmpty())
     {
         const std::size_t selected = static_cast<std::size_t>(_pList->GetSelectedItemCount());
-        text = amountText(_documents.size(), "document", "documents") + ", " + hoSizeText(_documents.totalSize());
+        text = hoAmountText(_documents.size(), "document", "documents") + ", " + hoSizeText(_documents.totalSize());
         if (selected > 0)
         {
             text += ", " + hoNumberText(selected) + " selected";
         }
     }
     SetStatusText(text, STATUS_DOCUMENTS);
+
+    const wxString privateKey = hoKeyText(_keys._private, true);
+    const wxString publicKey = hoKeyText(_keys._public, false);
+    const bool areBoth = !privateKey.empty() && !publicKey.empty();
+    const wxString keys = privateKey + (areBoth ? "; " : "") + publicKey;
+    SetStatusText(keys.empty() ? wxString("No key") : keys, STATUS_KEYS);
 }
 
 void MainFrame::fillRecentMenu()

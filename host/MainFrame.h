@@ -16,10 +16,15 @@
 
 #include "host/desktop/hoSessionBus.h"
 #include "host/hoDocumentList.h"
+#include "host/hoKeyRing.h"
 #include "host/hoRecentDocuments.h"
 #include "host/hoSettings.h"
+#include "host/hoSigningWords.h"
+#include "host/hoUriList.h"
 
 #include <wx/frame.h>
+#include <wx/stopwatch.h>
+#include <wx/timer.h>
 
 #include <memory>
 #include <utility>
@@ -28,6 +33,7 @@
 class ahDialogBasedAssertionFailureHandler;
 class hoDocumentListCtrl;
 class hoInteractiveAssertionFailureHandler;
+class hoProgressDialog;
 class wxInfoBar;
 class wxListEvent;
 class wxSimplebook;
@@ -54,11 +60,27 @@ public:
     // What the bar above the list says of documents that could not be opened; empty when there is nothing to say.
     wxString refusalMessage() const;
 
+    // What the bar says of the last signing or testing; an empty line when there is nothing to say.
+    const hoWorkSummary& workMessage() const { return _message; }
+
+    // The keys that are loaded, and the switch for them: what was found with other ones is not shown any more.
+    const hoKeyRing& keys() const { return _keys; }
+    void setKeys(const hoKeyRing& keys);
+
+    // Whether documents are being signed or tested.
+    bool isAtWork() const { return _pWork != nullptr; }
+
     // Whether failed assertions come up as dialogs, and the switch for it.
     bool hasAssertionDialogs() const { return _pInteractiveHandler != nullptr; }
     void setAssertionDialogs(bool areOn);
 
 private:
+    enum class KeyWish
+    {
+        Any,
+        Private,
+        Public
+    };
     using Refusal = std::pair<gtString, hoFileProblem>;
 
     void makeMenus();
@@ -73,7 +95,7 @@ private:
     void OnSelectAll(wxCommandEvent& event);
     void OnFailAssertion(wxCommandEvent& event);
     void OnAbout(wxCommandEvent& event);
-    void OnShowRefusals(wxCommandEvent& event);
+    void OnShowDetails(wxCommandEvent& event);
     void OnColumnClick(wxListEvent& event);
     void OnContextMenu(wxContextMenuEvent& event);
     void OnClose(wxCloseEvent& event);
@@ -83,13 +105,22 @@ private:
     void openAskedFor(const std::vector<gtString>& paths);
     // Opens one document and gives its position, or hoDocumentList::nowhere.
     std::size_t openQuietly(const gtString& path);
+    void openDropped(const hoUriList& list);
     void comeToFront();
+
+    void chooseKey(bool isPrivate);
+    void loadKey(const gtString& path, KeyWish wish);
+    // Signs or tests these documents, or all if there are no rows.
+    void startWork(hoDocumentWork::Kind kind, const std::vector<std::size_t>& rows);
+    void followWork();
+    void endWork();
 
     // Changes of the documents are shown at once; the words about them and what is remembered of them once the present
     // event is dealt with, however many documents it brought.
     void showChangesSoon();
     void showChangesNow();
-    void showRefusals();
+    void showMessage();
+    void clearMessage();
     void showStatus();
     void fillRecentMenu();
     void restorePlace();
@@ -103,10 +134,18 @@ private:
     hoRecentDocuments _recent;
     hoSettings _settings;
     std::vector<Refusal> _refusals;  // that the bar tells about
+    hoWorkSummary _message;
+    hoKeyRing _keys;
+    std::unique_ptr<hoDocumentWork> _pWork;  // null when nothing is being signed or tested
+    hoKeyRing _workKeys;                     // that it began with
+    std::vector<hoWorkOutcome> _outcomes;    // so far
+    wxTimer _workTimer;
+    wxStopWatch _workTime;
     bool _areChangesPending;
     bool _isRecentChanged;
     std::shared_ptr<hoInteractiveAssertionFailureHandler> _pInteractiveHandler;
 
+    hoProgressDialog* _pProgressDialog;
     wxMenu* _pRecentMenu;
     wxInfoBar* _pMessageBar;
     wxSimplebook* _pPages;

@@ -1,6 +1,7 @@
 #include "host/hoDocumentList.h"
 
 #include "host/hoBytes.h"
+#include "host/signing/hoSignatureFile.h"
 
 #include <algorithm>
 #include <tuple>
@@ -30,12 +31,36 @@ struct SortKey
     std::size_t _position;
 };
 
+// That came of comparing bytes.
+bool isFinding(hoDocumentState state)
+{
+    return state == hoDocumentState::SignedByMe || state == hoDocumentState::Good || state == hoDocumentState::Bad;
+}
+
+// The facts of a document's signature; none of a file that is not there.
+hoFileFacts signatureFacts(const hoDocument& document)
+{
+    hoFileFacts facts;
+    hoReadFileFacts(hoSignaturePath(document._path), facts);
+    return facts;
+}
+
+hoDocumentState stateWithoutFinding(const hoDocument& document)
+{
+    hoFileFacts facts;
+    const hoFileProblem problem = hoReadFileFacts(hoSignaturePath(document._path), facts);
+    return problem == hoFileProblem::NotThere ? hoDocumentState::NotSigned : hoDocumentState::NotTested;
+}
+
 SortKey keyOf(const hoDocument& document, std::size_t position, hoDocumentList::Column column)
 {
     SortKey key{0, 0, "", withoutCase(hoToBytes(document.name())), hoToBytes(document._path), position};
     switch (column)
     {
     case hoDocumentList::Column::Name:
+        break;
+    case hoDocumentList::Column::State:
+        key._number = static_cast<std::int64_t>(document._stamp._state);
         break;
     case hoDocumentList::Column::Size:
         key._number = static_cast<std::int64_t>(document._facts._size);
@@ -90,13 +115,56 @@ hoDocumentList::Opening hoDocumentList::open(const gtString& path)
     const auto found = _positions.find(key);
     if (found != _positions.end())
     {
-        _documents[found->second]._facts = document._facts;
+        refresh(found->second);
         return {hoFileProblem::None, found->second, false};
     }
+    document._stamp._state = stateWithoutFinding(document);
     const std::size_t position = _documents.size();
     _documents.push_back(document);
     _positions.emplace(key, position);
     return {hoFileProblem::None, position, true};
+}
+
+bool hoDocumentList::refresh(std::size_t position)
+{
+    hoDocument& document = _documents[position];
+    const hoFileFacts factsBefore = document._facts;
+    const hoDocumentState before = document._stamp._state;
+    if (hoReadFileFacts(document._path, document._facts) != hoFileProblem::None)
+    {
+        document._stamp._state = hoDocumentState::CannotBeRead;
+    }
+    else if (!isFinding(before) && before != hoDocumentState::Changed)
+    {
+        document._stamp._state = stateWithoutFinding(document);
+    }
+    else if (document._facts != document._stamp._file || signatureFacts(document) != document._stamp._signature)
+    {
+        document._stamp._state = hoDocumentState::Changed;
+    }
+    return document._facts != factsBefore || document._stamp._state != before;
+}
+
+void hoDocumentList::setStamp(const gtString& absolutePath, const hoDocumentStamp& stamp)
+{
+    const std::size_t position = positionOf(absolutePath);
+    if (position != nowhere)
+    {
+        _documents[position]._stamp = stamp;
+        refresh(position);
+    }
+}
+
+void hoDocumentList::forgetStates()
+{
+    for (hoDocument& document : _documents)
+    {
+        if (document._stamp._state != hoDocumentState::CannotBeRead)
+        {
+            document._stamp = hoDocumentStamp();
+            document._stamp._state = stateWithoutFinding(document);
+        }
+    }
 }
 
 void hoDocumentList::close(const std::vector<std::size_t>& positions)

@@ -13,10 +13,30 @@
 #include <unordered_map>
 #include <vector>
 
+enum class hoDocumentState
+{
+    NotSigned,    // there is no signature beside it
+    NotTested,    // there is one, and nobody has looked at it
+    SignedByMe,   // it is good under the loaded private key's partner
+    Good,         // it is good under the loaded public key
+    Bad,          // it is not
+    Changed,      // the document or its signature has changed since one of the three above was found
+    CannotBeRead  // the document is gone, or cannot be read
+};
+
+// A state, and the files that it was found with.
+struct hoDocumentStamp
+{
+    hoDocumentState _state = hoDocumentState::NotSigned;
+    hoFileFacts _file;
+    hoFileFacts _signature;
+};
+
 struct hoDocument
 {
-    gtString _path;  // absolute
-    hoFileFacts _facts;
+    gtString _path;      // absolute
+    hoFileFacts _facts;  // the file's at the last look
+    hoDocumentStamp _stamp;
 
     // The last component of the path, which is not empty.
     gtString name() const;
@@ -39,6 +59,7 @@ public:
     enum class Column
     {
         Name,
+        State,
         Size,
         Modified,
         Path
@@ -59,6 +80,18 @@ public:
     // Appends the document, or finds the one that is there already and takes its present facts. A document that cannot
     // be opened adds nothing, and one that is there already stays as it is.
     Opening open(const gtString& path);
+
+    // Looks at the document's file and at its signature again. A state that was found with other ones becomes Changed,
+    // or CannotBeRead when the file is gone; a file that is back is NotTested or NotSigned. Whether anything is other
+    // than before.
+    bool refresh(std::size_t position);
+
+    // Puts down what was found of a document, after a look at its files: if they are not the ones that it was found
+    // with any more, the state is Changed at once. Nothing happens when the document is not in the list any more.
+    void setStamp(const gtString& absolutePath, const hoDocumentStamp& stamp);
+
+    // What was found with a key that is not used any more is NotTested.
+    void forgetStates();
 
     // Takes documents out of the list; the files stay as they are. Positions may come in any order and more than once;
     // positions that do not exist are passed over.

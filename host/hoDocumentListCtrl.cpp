@@ -1,6 +1,8 @@
 #include "host/hoDocumentListCtrl.h"
 
 #include "host/hoDisplayText.h"
+#include "host/hoSigningWords.h"
+#include "host/hoStateIcons.h"
 
 #include <wx/headerctrl.h>
 
@@ -19,25 +21,30 @@ struct ColumnFace
 
 const ColumnFace columns[] = {
     {"Name", "A name of usual length.document", hoDocumentList::Column::Name, wxLIST_FORMAT_LEFT},
+    {"State", "Cannot be read", hoDocumentList::Column::State, wxLIST_FORMAT_LEFT},
     {"Size", "999 bytes", hoDocumentList::Column::Size, wxLIST_FORMAT_RIGHT},
     {"Modified", "2026-11-30 20:00", hoDocumentList::Column::Modified, wxLIST_FORMAT_LEFT},
     {"Path", "/home/somebody", hoDocumentList::Column::Path, wxLIST_FORMAT_LEFT},
 };
 const int lastColumn = static_cast<int>(std::size(columns)) - 1;
-const int columnPadding = 24;
+const int columnPadding = 20;
+const int stateIconWidth = 18;
 }  // namespace
 
 hoDocumentListCtrl::hoDocumentListCtrl(wxWindow* pParent, const hoDocumentList& documents)
     : wxListCtrl(pParent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_VIRTUAL | wxBORDER_NONE),
       _documents(documents),
       _pRows(this),
-      _tooltipRow(wxNOT_FOUND)
+      _tooltipRow(wxNOT_FOUND),
+      _canTest(false)
 {
     SetName("documents");
+    SetSmallImages(hoStateIcons());
     for (int column = 0; column <= lastColumn; ++column)
     {
+        const int picture = columns[column]._column == hoDocumentList::Column::State ? FromDIP(stateIconWidth) : 0;
         AppendColumn(columns[column]._title, columns[column]._format,
-                     GetTextExtent(columns[column]._widestText).GetWidth() + FromDIP(columnPadding));
+                     GetTextExtent(columns[column]._widestText).GetWidth() + picture + FromDIP(columnPadding));
     }
     for (wxWindow* pChild : GetChildren())
     {
@@ -56,6 +63,12 @@ hoDocumentListCtrl::hoDocumentListCtrl(wxWindow* pParent, const hoDocumentList& 
              event.Skip();
          });
     _pRows->Bind(wxEVT_MOTION, &hoDocumentListCtrl::OnMotion, this);
+}
+
+void hoDocumentListCtrl::setCanTest(bool canTest)
+{
+    _canTest = canTest;
+    Refresh();
 }
 
 void hoDocumentListCtrl::showChanges()
@@ -112,8 +125,8 @@ hoDocumentList::Column hoDocumentListCtrl::columnAt(int column)
 wxString hoDocumentListCtrl::tooltipOf(std::size_t row) const
 {
     const hoDocument& document = _documents[row];
-    return hoDisplayText(document._path) + "\n" + hoExactSizeText(document._facts._size) + ", modified " +
-           hoTimeText(document._facts._modifiedSeconds, true);
+    return hoDisplayText(document._path) + "\n" + hoStateText(document._stamp._state, _canTest) + ", " +
+           hoExactSizeText(document._facts._size) + ", modified " + hoTimeText(document._facts._modifiedSeconds, true);
 }
 
 wxString hoDocumentListCtrl::OnGetItemText(long row, long column) const
@@ -128,6 +141,8 @@ wxString hoDocumentListCtrl::OnGetItemText(long row, long column) const
     {
     case hoDocumentList::Column::Name:
         return hoDisplayText(document.name());
+    case hoDocumentList::Column::State:
+        return hoStateText(document._stamp._state, _canTest);
     case hoDocumentList::Column::Size:
         return hoSizeText(document._facts._size);
     case hoDocumentList::Column::Modified:
@@ -136,6 +151,13 @@ wxString hoDocumentListCtrl::OnGetItemText(long row, long column) const
         return hoDisplayText(document._path);
     }
     return wxString();
+}
+
+int hoDocumentListCtrl::OnGetItemColumnImage(long row, long column) const
+{
+    const std::size_t position = static_cast<std::size_t>(row);
+    const bool isState = columns[column]._column == hoDocumentList::Column::State && position < _documents.size();
+    return isState ? static_cast<int>(_documents[position]._stamp._state) : -1;
 }
 
 void hoDocumentListCtrl::OnSize(wxSizeEvent& event)

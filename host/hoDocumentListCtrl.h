@@ -18,6 +18,9 @@ public:
     // Takes the list's present size and contents; rows that are still there stay selected by their number.
     void showChanges();
 
+    // Whether there is a key that could tell a signature from another one; states are worded accordingly.
+    void setCanTest(bool canTest);
+
     std::vector<std::size_t> selected() const;
 
     // Selects these rows and no others, makes the first of them the current one and scrolls to it.
@@ -34,6 +37,7 @@ public:
 
 private:
     wxString OnGetItemText(long row, long column) const override;
+    int OnGetItemColumnImage(long row, long column) const override;
 
     void OnSize(wxSizeEvent& event);
     void OnMotion(wxMouseEvent& event);
@@ -42,6 +46,7 @@ private:
     const hoDocumentList& _documents;
     wxWindow* _pRows;  // the child that shows the rows and gets the mouse
     long _tooltipRow;
+    bool _canTest;
 };
 
 #endif

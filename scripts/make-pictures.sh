@@ -35,4 +35,12 @@ mainWindow() {
         "$images/$name.png" "$programs/countersign-desktop" "$@"
 }
 mainWindow main-window-empty
-COUNTERSIGN_PICTURE_KEYS=Down mainWindow main-window "$documents"/*
+
+# A signed document, one that was tampered with, one that was not signed, under a key of its own.
+openssl genrsa -out "$files/alice.pem" 2048 2>/dev/null || fail "making a key"
+chmod 600 "$files/alice.pem"
+keys="ctrl+k type:$files/alice.pem Return"
+COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+s" mainWindow main-window "$documents"/[clm]*
+printf x >>"$documents/minutes.txt"
+COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t Down" mainWindow main-window \
+    "$documents"/*.pdf "$documents"/*.odt "$documents"/*.txt "$documents"/*.flac

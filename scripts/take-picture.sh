@@ -5,7 +5,8 @@
 #
 #   scripts/take-picture.sh PICTURE.png PROGRAM [ARGUMENT...]
 #
-# COUNTERSIGN_PICTURE_KEYS: keys to press before the picture, as xdotool names them ("alt+f Down").
+# COUNTERSIGN_PICTURE_KEYS: keys to press before the picture, as xdotool names them, and texts to type without blanks
+# ("ctrl+o type:/etc/hosts Return alt+f").
 set -u
 
 picture=$1
@@ -51,9 +52,10 @@ hasWindow() {
 stands() {
     mv -f "$files/now.png" "$files/before.png" 2>/dev/null
     import -silent -window root "$files/now.png" 2>/dev/null || return 1
-    [ "$(import -silent -window "$window" -format '%k' info: 2>/dev/null || echo 0)" -gt 16 ] || return 1
+    [ "$(identify -format '%k' "$files/now.png")" -gt 16 ] || return 1
     sleep 0.4
-    [ -e "$files/before.png" ] && [ "$(compare -metric AE "$files/before.png" "$files/now.png" null: 2>&1)" = 0 ]
+    # But for a text cursor that blinks.
+    [ -e "$files/before.png" ] && [ "$(compare -metric AE "$files/before.png" "$files/now.png" null: 2>&1)" -lt 100 ]
 }
 
 isGone() {
@@ -64,12 +66,13 @@ isGone() {
 program=$!
 waitUntil "its window appeared" hasWindow
 waitUntil "its window was drawn" stands
-if [ -n "${COUNTERSIGN_PICTURE_KEYS:-}" ]; then
-    for key in $COUNTERSIGN_PICTURE_KEYS; do
-        xdotool key --clearmodifiers "$key" || fail "pressing $key"
-    done
+for key in ${COUNTERSIGN_PICTURE_KEYS:-}; do
+    case $key in
+        type:*) xdotool type --clearmodifiers -- "${key#type:}" || fail "typing ${key#type:}" ;;
+        *) xdotool key --clearmodifiers "$key" || fail "pressing $key" ;;
+    esac
     waitUntil "its window was drawn again" stands
-fi
+done
 # The bare screen around the windows is one colour.
 convert "$files/now.png" -trim +repage "$picture" || fail "writing $picture"
 

@@ -44,11 +44,21 @@ protected:
         }
         wxGetApp().argc = static_cast<int>(texts.size());
         wxGetApp().argv.Init(wxGetApp().argc, pointers.data());
+        _mainWindowId.clear();
         ASSERT_TRUE(wxGetApp().OnInit());
         _pFrame = dynamic_cast<MainFrame*>(wxGetApp().GetTopWindow());
         ASSERT_NE(_pFrame, nullptr);
         ASSERT_TRUE(tsRunUntil("the main window has the keyboard", [this] { return tsHasKeyboard(*_pFrame); }));
         settle();
+        tsRunProgram({"xdotool", "getactivewindow"}, &_mainWindowId);
+    }
+
+    // Whether a window other than the main one has the keyboard, also one that the toolkit does not count among its
+    // own: the desktop's file and message dialogs.
+    bool isAnotherWindowActive() const
+    {
+        std::string id;
+        return tsRunProgram({"xdotool", "getactivewindow"}, &id) == 0 && !id.empty() && id != _mainWindowId;
     }
 
     // Everything that is to be done now has been done, what was put off by CallAfter too.
@@ -105,6 +115,7 @@ protected:
 
     const TemporaryFolder _folder;
     MainFrame* _pFrame = nullptr;
+    std::string _mainWindowId;
 };
 
 #endif

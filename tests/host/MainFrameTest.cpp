@@ -62,7 +62,7 @@ TEST_F(MainWindow, SaysWhatToDoWhenItIsEmpty)
     EXPECT_TRUE(isEmptyLineShown());
     EXPECT_FALSE(list().IsShownOnScreen());
     EXPECT_FALSE(isBarShown());
-    EXPECT_EQ(status(1), "No documents");
+    EXPECT_EQ(status(2), "No documents");
     EXPECT_GE(_pFrame->GetMinSize().GetWidth(), 400);
     EXPECT_GE(_pFrame->GetMinSize().GetHeight(), 200);
     EXPECT_TRUE(_pFrame->GetIcons().GetIconCount() > 0);
@@ -73,11 +73,11 @@ TEST_F(MainWindow, OpensTheArguments)
     startWithDocuments();
     EXPECT_FALSE(isEmptyLineShown());
     EXPECT_THAT(rows(0), ElementsAre("b.txt", "a.txt", "c.txt"));
-    EXPECT_THAT(rows(1), ElementsAre("2 bytes", "1 byte", "3 bytes"));
-    EXPECT_THAT(rows(2)[0], testing::MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}"));
-    EXPECT_THAT(rows(3)[2], _folder.path("c.txt"));
+    EXPECT_THAT(rows(2), ElementsAre("2 bytes", "1 byte", "3 bytes"));
+    EXPECT_THAT(rows(3)[0], testing::MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}"));
+    EXPECT_THAT(rows(4)[2], _folder.path("c.txt"));
     EXPECT_THAT(selectedRows(), ElementsAre("b.txt", "a.txt", "c.txt"));
-    EXPECT_EQ(status(1), "3 documents, 6 bytes, 3 selected");
+    EXPECT_EQ(status(2), "3 documents, 6 bytes, 3 selected");
 }
 
 TEST_F(MainWindow, OpensTheDocumentThatArrivedBeforeIt)
@@ -280,7 +280,13 @@ TEST_F(MainWindow, RemembersItsSize)
     closeWindow();
     wxGetApp().OnExit();
     start();
-    tsRunUntil("the window has its size again", [this] { return _pFrame->GetSize() == wxSize(700, 444); });
+    // Give or take the frame, of which the toolkit learns from the window manager only later.
+    tsRunUntil("the window has its size again",
+               [this]
+               {
+                   const wxSize size = _pFrame->GetSize();
+                   return std::abs(size.x - 700) <= 10 && std::abs(size.y - 444) <= 50;
+               });
 }
 
 TEST_F(MainWindow, StartsWithoutReadableSettings)
@@ -306,7 +312,7 @@ TEST_F(MainWindow, ClosesDocumentsByKey)
     tsPressKeys("ctrl+shift+w");
     tsRunUntil("the window is empty", [this] { return isEmptyLineShown(); });
     EXPECT_EQ(list().GetItemCount(), 0);
-    EXPECT_EQ(status(1), "No documents");
+    EXPECT_EQ(status(2), "No documents");
     EXPECT_TRUE(std::filesystem::exists(_folder.path("a.txt")));
 }
 
@@ -349,7 +355,7 @@ TEST_F(MainWindow, HoldsTenThousandDocuments)
     }
     start(arguments);
     EXPECT_EQ(list().GetItemCount(), amount);
-    EXPECT_EQ(status(1), "10,000 documents, 10.0 kB, 10,000 selected");
+    EXPECT_EQ(status(2), "10,000 documents, 10.0 kB, 10,000 selected");
     openAskedFor(_folder.path("7777.txt"));
     EXPECT_THAT(selectedRows(), ElementsAre("7777.txt"));
     EXPECT_TRUE(list().IsVisible(7777));

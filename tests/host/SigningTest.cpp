@@ -1,0 +1,237 @@
+// Keys, signing and testing in the real window, by keys and mouse.
+#include "MainFrameFixture.h"
+#include "NewKey.h"
+
+#include "host/hoDocumentDropTarget.h"
+#include "host/hoProgressDialog.h"
+#include "host/hoStateIcons.h"
+
+#include <gmock/gmock.h>
+#include <wx/msgdlg.h>
+#include <wx/textctrl.h>
+
+#include <set>
+
+namespace
+{
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class Signing : public MainFrameFixture
+{
+protected:
+    void drop(const std::string& path)
+    {
+        static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())->drop("file://" + path + "\r\n");
+        settle();
+    }
+    void startWithKey()
+    {
+        start({"countersign-desktop", _folder.write("a.txt", "first"), _folder.write("b.txt", "second"),
+               _folder.write("c.txt", "third")});
+        drop(_folder.write("mine.pem", newKeyText(1024)));
+    }
+    void pressAndWait(const std::string& keys)
+    {
+        tsPressKeys(keys);
+        tsRunUntil("the work is done", [this] { return !_pFrame->isAtWork() && !message().empty(); });
+    }
+    std::string message() const { return _pFrame->workMessage()._line.utf8_string(); }
+};
+}  // namespace
+
+TEST_F(Signing, NeedsAKey)
+{
+    start({"countersign-desktop", _folder.write("a.txt", "x"), _folder.write("b.txt", "x")});
+    _folder.write("b.txt.sig", "00");
+    openAskedFor(_folder.path("b.txt"));
+    EXPECT_THAT(rows(1), ElementsAre("Not signed", "No key to tell"));
+    EXPECT_EQ(status(1), "No key");
+    tsPressKeys("ctrl+s");
+    settle();
+    EXPECT_FALSE(_pFrame->isAtWork());
+    EXPECT_FALSE(std::filesystem::exists(_folder.path("a.txt.sig")));
+}
+
+TEST_F(Signing, SignsAndTestsByKeys)
+{
+    startWithKey();
+    EXPECT_THAT(status(1), testing::MatchesRegex("1024-bit private key [0-9a-f]{8}, mine.pem"));
+    pressAndWait("ctrl+s");
+    EXPECT_THAT(rows(1), ElementsAre("Signed by me", "Signed by me", "Signed by me"));
+    EXPECT_EQ(message(), "3 documents: 3 signed.");
+
+    // Another document, a tampered one, and one alone.
+    _folder.write("b.txt", "sedond");
+    _folder.write("d.txt", "x");
+    openAskedFor(_folder.path("d.txt"));
+    pressAndWait("ctrl+shift+t");
+    EXPECT_THAT(rows(1), ElementsAre("Signed by me", "Bad", "Signed by me", "Not signed"));
+    EXPECT_EQ(message(), "4 documents: 2 good, 1 bad, 1 not signed.");
+    EXPECT_FALSE(_pFrame->workMessage()._isAllWell);
+    EXPECT_THAT(_pFrame->workMessage()._details.utf8_string(), HasSubstr(_folder.path("b.txt") + "\n    BAD"));
+
+    openAskedFor(_folder.path("a.txt"));
+    pressAndWait("ctrl+t");
+    EXPECT_EQ(message(), "1 document: 1 good.");
+}
+
+TEST_F(Signing, TellsStatesByShapesToo)
+{
+    const wxVector<wxBitmapBundle> icons = hoStateIcons();
+    ASSERT_EQ(icons.size(), 7U);
+    // What is left of a picture without its colours: where it is opaque, and how bright.
+    std::set<std::string> shapes;
+    for (const wxBitmapBundle& icon : icons)
+    {
+        const wxImage image = icon.GetBitmap(wxSize(16, 16)).ConvertToImage();
+        ASSERT_TRUE(image.HasAlpha());
+        std::string shape;
+        for (int i = 0; i < 16 * 16; ++i)
+        {
+            const int alpha = image.GetAlpha(i % 16, i / 16);
+            shape += alpha < 128 ? ' ' : image.GetRed(i % 16, i / 16) > 230 ? '#' : '+';
+        }
+        EXPECT_NE(shape, std::string(16 * 16, ' '));
+        shapes.insert(shape);
+    }
+    EXPECT_EQ(shapes.size(), icons.size());
+}
+
+TEST_F(Signing, AsksBeforeItReplacesSignatures)
+{
+    startWithKey();
+    _folder.write("a.txt.sig", "precious");
+    openAskedFor(_folder.path("b.txt"));
+    for (const std::string& answer : std::vector<std::string>{"Escape", "alt+k", "alt+r"})
+    {
+        tsScript script;
+        script.waitUntil("the question is there", [this] { return isAnotherWindowActive(); })
+            .perform("answer", [&] { tsPressKeys(answer); })
+            .start();
+        tsPressKeys("ctrl+shift+s");
+        tsRunUntil("the question is answered",
+                   [&] { return script.isFinished() && !isAnotherWindowActive() && !_pFrame->isAtWork(); });
+        settle();
+        const bool isReplaced = answer == "alt+r";
+        EXPECT_EQ(std::filesystem::file_size(_folder.path("a.txt.sig")) == 8, !isReplaced) << answer;
+        EXPECT_EQ(std::filesystem::exists(_folder.path("b.txt.sig")), answer != "Escape");
+        std::filesystem::remove(_folder.path("b.txt.sig"));
+    }
+    EXPECT_EQ(message(), "3 documents: 3 signed.");
+}
+
+TEST_F(Signing, APublicKeyTests)
+{
+    startWithKey();
+    pressAndWait("ctrl+shift+s");
+    const std::string mine = newKeyText(512, true);
+    drop(_folder.write("theirs.pem", mine));
+    EXPECT_THAT(status(1), HasSubstr("1024-bit private key"));
+    EXPECT_THAT(status(1), HasSubstr("512-bit public key"));
+    // What was found under other keys is not shown under these.
+    EXPECT_THAT(rows(1), ElementsAre("Not tested", "Not tested", "Not tested"));
+    tsPressKeys("alt+k");
+    settle();
+    tsPressKeys("f");
+    tsRunUntil("the keys are gone", [this] { return !_pFrame->keys().canTest(); });
+    drop(_folder.path("theirs.pem"));
+    pressAndWait("ctrl+shift+t");
+    EXPECT_THAT(rows(1), ElementsAre("Bad", "Bad", "Bad"));
+}
+
+TEST_F(Signing, ChangedDocumentsAreSeenWhenTheyAreOpenedAgain)
+{
+    startWithKey();
+    pressAndWait("ctrl+shift+s");
+    _folder.write("a.txt", "other");
+    openAskedFor(_folder.path("a.txt"));
+    EXPECT_THAT(rows(1)[0], "Changed since");
+}
+
+TEST_F(Signing, AsksForThePassphraseUntilItFits)
+{
+    start();
+    _folder.write("locked.pem", newKeyText(512, false, "open sesame"));
+    tsScript script;
+    const auto isAsking = [](const char* question)
+    {
+        const auto* pDialog = dynamic_cast<wxTopLevelWindow*>(tsTopModalDialog());
+        if (pDialog == nullptr || !tsHasKeyboard(*pDialog))
+        {
+            return false;
+        }
+        for (const wxWindow* pChild : pDialog->GetChildren())
+        {
+            if (pChild->GetLabel().Contains(question))
+            {
+                return true;
+            }
+        }
+        return false;
+    };
+    script.waitUntil("the passphrase is asked for", [&] { return isAsking("Passphrase of locked.pem"); })
+        .perform("give a wrong one", [] { tsType("wrong"); })
+        .perform("press Return", [] { tsPressKeys("Return"); })
+        .waitUntil("it is asked for again", [&] { return isAsking("another passphrase"); })
+        .perform("give the right one", [] { tsType("open sesame"); })
+        .perform("press Return", [] { tsPressKeys("Return"); })
+        .start();
+    drop(_folder.path("locked.pem"));
+    tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
+    EXPECT_TRUE(script.isFinished());
+    settle();
+    EXPECT_THAT(status(1), HasSubstr("512-bit private key"));
+}
+
+TEST_F(Signing, SaysWhyAKeyIsNotLoaded)
+{
+    start();
+    tsScript script;
+    script.waitUntil("the message is there", [this] { return isAnotherWindowActive(); })
+        .perform("close it", [] { tsPressKeys("Escape"); })
+        .start();
+    drop(_folder.write("no.pem", "nothing"));
+    tsRunUntil("the message is gone", [&] { return script.isFinished() && !isAnotherWindowActive(); });
+    EXPECT_FALSE(_pFrame->keys().canTest());
+
+    hoKeyFileFacts facts;
+    facts._problem = hoKeyFileProblem::NoKey;
+    EXPECT_EQ(hoKeyProblemText("/x/no\n.pem", facts).utf8_string(),
+              "There is no PEM key in \xe2\x80\x9cno\xe2\x90\x8a.pem\xe2\x80\x9d.");
+}
+
+TEST_F(Signing, ShowsProgressOfLongWorkAndCanBeCancelled)
+{
+    startWithKey();
+    _folder.write("huge", "");
+    std::filesystem::resize_file(_folder.path("huge"), 64ULL << 30);
+    openAskedFor(_folder.path("huge"));
+    tsPressKeys("ctrl+s");
+    const hoProgressDialog* pProgress = nullptr;
+    tsRunUntil("the progress is shown",
+               [&]
+               {
+                   for (const wxWindow* pWindow : _pFrame->GetChildren())
+                   {
+                       pProgress = pProgress == nullptr ? dynamic_cast<const hoProgressDialog*>(pWindow) : pProgress;
+                   }
+                   return pProgress != nullptr && tsHasKeyboard(*pProgress);
+               });
+    tsPressKeys("Escape");
+    tsRunUntil("the work has ended", [this] { return !_pFrame->isAtWork(); });
+    EXPECT_EQ(message(), "Cancelled after 0 documents.");
+    EXPECT_FALSE(std::filesystem::exists(_folder.path("huge.sig")));
+}
+
+TEST_F(Signing, SurvivesTheWindowsEnd)
+{
+    startWithKey();
+    _folder.write("huge", "");
+    std::filesystem::resize_file(_folder.path("huge"), 64ULL << 30);
+    openAskedFor(_folder.path("huge"));
+    tsPressKeys("ctrl+s");
+    tsRunUntil("the work has begun", [this] { return _pFrame->isAtWork(); });
+    closeWindow();
+    EXPECT_FALSE(std::filesystem::exists(_folder.path("huge.sig")));
+}
