@@ -219,6 +219,9 @@ MainFrame::MainFrame()
     pTop->Add(_pMessageBar, wxSizerFlags().Expand());
     pTop->Add(_pPages, wxSizerFlags(1).Expand());
     SetSizer(pTop);
+    // The rows scroll: the window may be narrower than all columns together.
+    _pList->SetMinSize(wxSize(1, 1));
+    _pPages->SetMinSize(wxSize(1, 1));
     SetMinSize(FromDIP(leastSize));
     restorePlace();
     _pPages->SetFocus();

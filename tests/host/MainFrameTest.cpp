@@ -280,6 +280,7 @@ TEST_F(MainWindow, RemembersItsSize)
     closeWindow();
     wxGetApp().OnExit();
     start();
+    SCOPED_TRACE(testing::Message() << "its size is " << _pFrame->GetSize().x << " by " << _pFrame->GetSize().y);
     // Give or take the frame, of which the toolkit learns from the window manager only later.
     tsRunUntil("the window has its size again",
                [this]
