@@ -38,13 +38,9 @@ void layOutText(unsigned char* pBuffer, int amountOfBytes, int bytesPerBlock, co
     std::memset(pBuffer + j, filler, static_cast<std::size_t>(amountOfBytes - j));
 }
 
-// Whether there was room.
-bool appendWithinLimit(gtString& output, const char* pText, int lengthOfText)
+// Whether there was memory for it.
+bool hasAppended(gtString& output, const char* pText, int lengthOfText)
 {
-    if (lengthOfText > crRSAStringEncryptor::maximalAmountOfBytes - output.length())
-    {
-        return false;
-    }
     try
     {
         output.append(pText, lengthOfText);
@@ -123,6 +119,13 @@ bool crRSAStringEncryptor::encrypt(gtString const& text, gtString& output) const
 
 bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output) const
 {
+    bool isShortOfMemory = false;
+    return decrypt(cipherText, output, isShortOfMemory);
+}
+
+bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output, bool& isShortOfMemory) const
+{
+    isShortOfMemory = false;
     output.makeEmpty();
     if (cipherText.length() < crCharactersPerDigit)
     {
@@ -145,6 +148,7 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output)
     crTemporaryDigits cipher(amountOfDigits);
     if ((plain.digits() == nullptr) || (cipher.digits() == nullptr))
     {
+        isShortOfMemory = true;
         return true;
     }
     for (int i = 0; i < amountOfDigits; i++)
@@ -169,8 +173,10 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output)
         {
             pPlainText[1 + lengthOfText] = '\0';
         }
-        const std::size_t length = std::strlen(pPlainText + 1);
-        if (!appendWithinLimit(output, pPlainText + 1, static_cast<int>(length)))
+        const auto length = static_cast<int>(std::strlen(pPlainText + 1));
+        const bool isWithinLimit = length <= maximalAmountOfBytes - output.length();
+        isShortOfMemory = isWithinLimit && !hasAppended(output, pPlainText + 1, length);
+        if (!isWithinLimit || isShortOfMemory)
         {
             output.makeEmpty();
             return true;

@@ -57,6 +57,10 @@ public:
     // output. output must not be cipherText itself, which would be emptied before it is read.
     bool decrypt(gtString const& cipherText, gtString& output) const;
 
+    // The same for those who must know: isShortOfMemory tells whether the output is empty for want of memory, and so says
+    // nothing about the cipher text. (The limit and a key that is not usable do not count here.)
+    bool decrypt(gtString const& cipherText, gtString& output, bool& isShortOfMemory) const;
+
 private:
     void transformBlock(unsigned int* pResult, const unsigned int* pBlock) const;
 

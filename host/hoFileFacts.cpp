@@ -106,7 +106,11 @@ hoFileProblem hoReadFileFacts(const gtString& path, hoFileFacts& facts)
     }
 
     // The name may have passed to a pipe in between: opening must not wait for its other end.
-    const int file = open(path.asCharArray(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    int file = -1;
+    do
+    {
+        file = open(path.asCharArray(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    } while ((file < 0) && (errno == EINTR));
     if (file < 0)
     {
         return problemOf(errno);

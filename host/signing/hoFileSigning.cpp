@@ -106,10 +106,17 @@ hoSigningFacts digestOfFile(const gtString& path, const hoKey& key, hoIProgress*
     return facts;
 }
 
+// A signature that could not be decrypted for want of memory must not pass for a bad one.
 bool isSignatureOf(const gtString& digestText, const hoKey& key, const gtString& signature)
 {
     gtString decrypted;
-    return crRSAStringEncryptor(key.publicKey()).decrypt(signature, decrypted) && (decrypted == digestText);
+    bool isShortOfMemory = false;
+    const bool hasLength = crRSAStringEncryptor(key.publicKey()).decrypt(signature, decrypted, isShortOfMemory);
+    if (isShortOfMemory)
+    {
+        throw std::bad_alloc();
+    }
+    return hasLength && (decrypted == digestText);
 }
 
 }  // namespace

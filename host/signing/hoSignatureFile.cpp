@@ -185,14 +185,16 @@ hoSignatureFileFacts hoWriteSignatureFile(const gtString& path, const gtString& 
             return check;
         }
         const std::string wanted = mayOverwrite ? followLinks(hoToBytes(path)) : hoToBytes(path);
+        // Whatever takes memory comes before there is a file to clean up.
         const std::string folder = folderOf(wanted);
+        const std::string bytes = hoToBytes(signature) + "\n";
         std::string newPath;
         const int descriptor = createBeside(folder, newPath);
         if (descriptor < 0)
         {
             return cannotBeWritten(errno);
         }
-        int error = writeWhole(descriptor, hoToBytes(signature) + "\n");
+        int error = writeWhole(descriptor, bytes);
         if ((::close(descriptor) != 0) && (error == 0) && (errno != EINTR))
         {
             error = errno;

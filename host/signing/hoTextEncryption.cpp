@@ -112,7 +112,8 @@ hoTextProblem hoDecryptText(const crRSAEncryptionKey& key, const gtString& ciphe
         wholeCipher.append(cipher.c_str() + crCharactersPerDigit);
         gtString plain;
         plain.reserve(hoLongestText(key));
-        if (!crRSAStringEncryptor(key).decrypt(wholeCipher, plain))
+        bool isShortOfMemory = false;
+        if (!crRSAStringEncryptor(key).decrypt(wholeCipher, plain, isShortOfMemory) || isShortOfMemory)
         {
             return hoTextProblem::NoMemory;
         }

@@ -446,6 +446,24 @@ TEST(Decryptor, GivesNothingWhereTheOutputWouldPassTheLimit)
               "dddddddd");
 }
 
+TEST(Decryptor, IsNotShortOfMemoryAtItsLimits)
+{
+    crRSAEncryptionKey key;
+    loadIdentity(key, 32);
+    const crRSAEncryptionKey unusable;
+    for (const char* pText :
+         {"", "7735940012345678", "ffffffff", "02000000646464016464646464646464", "0000000364646401"})
+    {
+        gtString output;
+        bool isShortOfMemory = true;
+        crRSAStringEncryptor(key).decrypt(pText, output, isShortOfMemory);
+        EXPECT_FALSE(isShortOfMemory) << pText;
+        isShortOfMemory = true;
+        crRSAStringEncryptor(unusable).decrypt(pText, output, isShortOfMemory);
+        EXPECT_FALSE(isShortOfMemory) << pText;
+    }
+}
+
 TEST(Decryptor, ReadsNothingBehindTheCipherText)
 {
     const LoadedPair keys(keyFromOpenSSL(512));

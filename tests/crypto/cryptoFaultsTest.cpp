@@ -189,8 +189,10 @@ TEST_F(CryptoFaults, DecryptingIsTrueAndEmpty)
         [&]
         {
             gtString output("left over");
-            EXPECT_TRUE(crRSAStringEncryptor(_privateKey).decrypt(cipher, output));
+            bool isShortOfMemory = false;
+            EXPECT_TRUE(crRSAStringEncryptor(_privateKey).decrypt(cipher, output, isShortOfMemory));
             EXPECT_EQ(output.isEmpty(), hasFailed);
+            EXPECT_EQ(isShortOfMemory, hasFailed);
         });
     EXPECT_GT(failures, 2);
 }

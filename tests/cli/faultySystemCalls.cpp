@@ -1,0 +1,244 @@
+// Stands between the program and the system, in a program for tests only. The environment says what goes wrong:
+//
+//   COUNTERSIGN_FAULT=<call>:<number>:<error>   the call of that name and number (from 1) fails with this error number;
+//                                               error 0 makes read and write do one byte only, and new fails anyway
+//   COUNTERSIGN_FAULT_MARK=<path>               is created when it has gone wrong
+//
+// Calls: open, read, write, fsync, close, link, rename, fstat, stat, realpath; new for the allocations from the first
+// opened file on, parse for those from the start of main on (to be exact from its first pipe: nobody catches what static
+// objects throw).
+#include <cerrno>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <new>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace
+{
+
+// Whether this is the call that goes wrong.
+bool isFaulty(const char* pCall, int& error)
+{
+    static thread_local bool isBusy = false;
+    static int calls = 0;
+    const char* pFault = isBusy ? nullptr : std::getenv("COUNTERSIGN_FAULT");
+    const std::size_t length = std::strlen(pCall);
+    if ((pFault == nullptr) || (std::strncmp(pFault, pCall, length) != 0) || (pFault[length] != ':'))
+    {
+        return false;
+    }
+    char* pEnd = nullptr;
+    const long number = std::strtol(pFault + length + 1, &pEnd, 10);
+    error = static_cast<int>(std::strtol(pEnd + 1, nullptr, 10));
+    if (++calls != number)
+    {
+        return false;
+    }
+    isBusy = true;
+    const char* pMark = std::getenv("COUNTERSIGN_FAULT_MARK");
+    if (pMark != nullptr)
+    {
+        const long descriptor = syscall(SYS_openat, AT_FDCWD, pMark, O_WRONLY | O_CREAT, 0600);
+        syscall(SYS_close, descriptor);
+    }
+    isBusy = false;
+    return true;
+}
+
+template <class Function>
+Function next(const char* pName)
+{
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, pName));
+}
+
+bool hasMainBegun = false;
+bool hasOpened = false;
+
+// For calls that answer with -1.
+bool hasFailed(const char* pCall)
+{
+    hasOpened = true;
+    int error = 0;
+    if (!isFaulty(pCall, error))
+    {
+        return false;
+    }
+    errno = error;
+    return true;
+}
+
+using OpenFunction = int (*)(const char*, int, ...);
+using StatFunction = int (*)(const char*, struct stat*);
+using FstatFunction = int (*)(int, struct stat*);
+
+void* allocate(std::size_t size)
+{
+    int error = 0;
+    return ((hasOpened && isFaulty("new", error)) || (hasMainBegun && isFaulty("parse", error)))
+               ? nullptr
+               : std::malloc((size == 0) ? 1 : size);
+}
+
+}  // namespace
+
+extern "C"
+{
+    // The system's headers give some of these attributes that matter to callers only.
+    int open(const char* pPath, int flags, ...)
+    {
+        va_list arguments;
+        va_start(arguments, flags);
+        const mode_t mode = ((flags & O_CREAT) != 0) ? va_arg(arguments, mode_t) : 0;
+        va_end(arguments);
+        return hasFailed("open") ? -1 : next<OpenFunction>("open")(pPath, flags, mode);
+    }
+
+    int open64(const char* pPath, int flags, ...)
+    {
+        va_list arguments;
+        va_start(arguments, flags);
+        const mode_t mode = ((flags & O_CREAT) != 0) ? va_arg(arguments, mode_t) : 0;
+        va_end(arguments);
+        return hasFailed("open") ? -1 : next<OpenFunction>("open64")(pPath, flags, mode);
+    }
+
+    ssize_t read(int descriptor, void* pBuffer, std::size_t size)
+    {
+        const auto realRead = next<ssize_t (*)(int, void*, std::size_t)>("read");
+        int error = 0;
+        if (isFaulty("read", error))
+        {
+            if (error == 0)
+            {
+                return realRead(descriptor, pBuffer, (size > 1) ? 1 : size);
+            }
+            errno = error;
+            return -1;
+        }
+        return realRead(descriptor, pBuffer, size);
+    }
+
+    ssize_t __read_chk(int descriptor, void* pBuffer, std::size_t size, std::size_t /*room*/)
+    {
+        return read(descriptor, pBuffer, size);
+    }
+
+    ssize_t write(int descriptor, const void* pBytes, std::size_t size)
+    {
+        const auto realWrite = next<ssize_t (*)(int, const void*, std::size_t)>("write");
+        int error = 0;
+        if (isFaulty("write", error))
+        {
+            if (error == 0)
+            {
+                return realWrite(descriptor, pBytes, (size > 1) ? 1 : size);
+            }
+            errno = error;
+            return -1;
+        }
+        return realWrite(descriptor, pBytes, size);
+    }
+
+    int pipe(int ends[2]) noexcept
+    {
+        hasMainBegun = true;
+        return next<int (*)(int*)>("pipe")(ends);
+    }
+
+    int fsync(int descriptor)
+    {
+        return hasFailed("fsync") ? -1 : next<int (*)(int)>("fsync")(descriptor);
+    }
+
+    // What fails to close is closed all the same, as on Linux.
+    int close(int descriptor)
+    {
+        int error = 0;
+        const bool isToFail = isFaulty("close", error);
+        const int result = next<int (*)(int)>("close")(descriptor);
+        if (isToFail)
+        {
+            errno = error;
+            return -1;
+        }
+        return result;
+    }
+
+    int link(const char* pOldPath, const char* pNewPath) noexcept
+    {
+        return hasFailed("link") ? -1 : next<int (*)(const char*, const char*)>("link")(pOldPath, pNewPath);
+    }
+
+    int rename(const char* pOldPath, const char* pNewPath) noexcept
+    {
+        return hasFailed("rename") ? -1 : next<int (*)(const char*, const char*)>("rename")(pOldPath, pNewPath);
+    }
+
+    int fstat(int descriptor, struct stat* pStatus) noexcept
+    {
+        return hasFailed("fstat") ? -1 : next<FstatFunction>("fstat")(descriptor, pStatus);
+    }
+
+    int fstat64(int descriptor, struct stat64* pStatus) noexcept
+    {
+        return hasFailed("fstat") ? -1 : next<int (*)(int, struct stat64*)>("fstat64")(descriptor, pStatus);
+    }
+
+    int stat(const char* pPath, struct stat* pStatus) noexcept
+    {
+        return hasFailed("stat") ? -1 : next<StatFunction>("stat")(pPath, pStatus);
+    }
+
+    int stat64(const char* pPath, struct stat64* pStatus) noexcept
+    {
+        return hasFailed("stat") ? -1 : next<int (*)(const char*, struct stat64*)>("stat64")(pPath, pStatus);
+    }
+
+    char* realpath(const char* pPath, char* pResolved) noexcept
+    {
+        return hasFailed("realpath") ? nullptr : next<char* (*)(const char*, char*)>("realpath")(pPath, pResolved);
+    }
+}
+
+void* operator new(std::size_t size)
+{
+    void* pMemory = allocate(size);
+    if (pMemory == nullptr)
+    {
+        throw std::bad_alloc();
+    }
+    return pMemory;
+}
+void* operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    return allocate(size);
+}
+void operator delete(void* pMemory) noexcept
+{
+    std::free(pMemory);
+}
+void operator delete[](void* pMemory) noexcept
+{
+    std::free(pMemory);
+}
+void operator delete(void* pMemory, std::size_t) noexcept
+{
+    std::free(pMemory);
+}
+void operator delete[](void* pMemory, std::size_t) noexcept
+{
+    std::free(pMemory);
+}
