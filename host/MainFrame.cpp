@@ -176,6 +176,7 @@ wxPanel* makeEmptyPage(wxWindow* pParent)
 MainFrame::MainFrame()
     : wxFrame(nullptr, wxID_ANY, "Countersign", wxDefaultPosition, defaultSize),
       _isHandedOver(false),
+      _watcher([this] { refreshDocuments(); }),
       _areChangesPending(false),
       _isRecentChanged(false),
       _pProgressDialog(nullptr),
@@ -364,6 +365,17 @@ void MainFrame::bindEvents()
     Bind(
         wxEVT_MENU, [this](wxCommandEvent&) { startWork(hoDocumentWork::Kind::Test, {}); }, ID_TEST_ALL);
     _workTimer.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { followWork(); });
+
+    // Where no watch reaches, as on another machine's file system.
+    Bind(wxEVT_ACTIVATE,
+         [this](wxActivateEvent& event)
+         {
+             if (event.GetActive())
+             {
+                 CallAfter(&MainFrame::refreshDocuments);
+             }
+             event.Skip();
+         });
 
     const auto whenSelected = [this](wxUpdateUIEvent& event) { event.Enable(_pList->GetSelectedItemCount() > 0); };
     const auto whenAny = [this](wxUpdateUIEvent& event) { event.Enable(!_documents.isEmpty()); };
@@ -641,6 +653,31 @@ void MainFrame::openAskedFor(const std::vector<gtString>& paths)
     }
 }
 
+void MainFrame::refreshDocuments()
+{
+    bool isChanged = false;
+    for (std::size_t position = 0; position < _documents.size(); ++position)
+    {
+        isChanged = _documents.refresh(position) || isChanged;
+    }
+    if (isChanged)
+    {
+        _pList->showChanges();
+        showChangesSoon();
+    }
+    watchFolders();
+}
+
+void MainFrame::watchFolders()
+{
+    std::set<std::string> folders;
+    for (std::size_t position = 0; position < _documents.size(); ++position)
+    {
+        folders.insert(hoToBytes(_documents[position].folder()));
+    }
+    _watcher.watch(folders);
+}
+
 // A PEM file that is dropped is a key, everything else a document.
 void MainFrame::openDropped(const hoUriList& list)
 {
@@ -868,6 +905,7 @@ void MainFrame::showChangesNow()
     }
     showStatus();
     showMessage();
+    watchFolders();
     if (_isRecentChanged)
     {
         _isRecentChanged = false;

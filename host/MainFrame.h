@@ -16,6 +16,7 @@
 
 #include "host/desktop/hoSessionBus.h"
 #include "host/hoDocumentList.h"
+#include "host/hoFolderWatcher.h"
 #include "host/hoKeyRing.h"
 #include "host/hoRecentDocuments.h"
 #include "host/hoSettings.h"
@@ -105,6 +106,9 @@ private:
     void openAskedFor(const std::vector<gtString>& paths);
     // Opens one document and gives its position, or hoDocumentList::nowhere.
     std::size_t openQuietly(const gtString& path);
+    // Looks at all documents again, and watches the folders that they are in.
+    void refreshDocuments();
+    void watchFolders();
     void openDropped(const hoUriList& list);
     void comeToFront();
 
@@ -141,6 +145,7 @@ private:
     std::vector<hoWorkOutcome> _outcomes;    // so far
     wxTimer _workTimer;
     wxStopWatch _workTime;
+    hoFolderWatcher _watcher;
     bool _areChangesPending;
     bool _isRecentChanged;
     std::shared_ptr<hoInteractiveAssertionFailureHandler> _pInteractiveHandler;

@@ -140,13 +140,39 @@ TEST_F(Signing, APublicKeyTests)
     EXPECT_THAT(rows(1), ElementsAre("Bad", "Bad", "Bad"));
 }
 
-TEST_F(Signing, ChangedDocumentsAreSeenWhenTheyAreOpenedAgain)
+TEST_F(Signing, SeesDocumentsChangeAndGoAndComeBack)
 {
     startWithKey();
     pressAndWait("ctrl+shift+s");
     _folder.write("a.txt", "other");
-    openAskedFor(_folder.path("a.txt"));
-    EXPECT_THAT(rows(1)[0], "Changed since");
+    tsRunUntil("a change is seen", [this] { return rows(1)[0] == "Changed since" && rows(2)[0] == "5 bytes"; });
+    std::filesystem::remove(_folder.path("b.txt"));
+    tsRunUntil("a removal is seen", [this] { return rows(1)[1] == "Cannot be read"; });
+    _folder.write("b.txt", "second");
+    tsRunUntil("a return is seen", [this] { return rows(1)[1] == "Not tested"; });
+    _folder.write("c.txt.sig", "00");
+    tsRunUntil("another signature is seen", [this] { return rows(1)[2] == "Changed since"; });
+    std::filesystem::remove(_folder.path("b.txt.sig"));
+    tsRunUntil("the loss of a signature is seen", [this] { return rows(1)[1] == "Not signed"; });
+    EXPECT_THAT(rows(1), ElementsAre("Changed since", "Not signed", "Changed since"));
+}
+
+TEST_F(Signing, SeesAFolderGoAndComeBack)
+{
+    start();
+    std::filesystem::create_directory(_folder.path("folder"));
+    openAskedFor(_folder.write("folder/\xff.txt", "x"));
+    settle();
+    std::filesystem::rename(_folder.path("folder"), _folder.path("elsewhere"));
+    // Nothing in the folder itself tells of this; the next event or the window's activation does.
+    wxActivateEvent activation(wxEVT_ACTIVATE, true);
+    _pFrame->ProcessWindowEvent(activation);
+    tsRunUntil("the loss is seen", [this] { return rows(1)[0] == "Cannot be read"; });
+    std::filesystem::rename(_folder.path("elsewhere"), _folder.path("folder"));
+    _pFrame->ProcessWindowEvent(activation);
+    tsRunUntil("the return is seen", [this] { return rows(1)[0] == "Not signed"; });
+    _folder.write("folder/\xff.txt", "longer");
+    tsRunUntil("it is watched again", [this] { return rows(2)[0] == "6 bytes"; });
 }
 
 TEST_F(Signing, AsksForThePassphraseUntilItFits)

@@ -1,0 +1,34 @@
+// Tells that something in some folders may have changed.
+//
+// What has changed is for the caller to see: file systems tell too much, too little or in another order, and looking at
+// the files again is cheap. Changes that follow each other closely are told once. Folders that cannot be watched (no
+// such folder, no more watches, another machine's) are passed over and tried again by the next watch(). Main thread.
+#ifndef COUNTERSIGN_HO_FOLDER_WATCHER_H
+#define COUNTERSIGN_HO_FOLDER_WATCHER_H
+
+#include <wx/fswatcher.h>
+#include <wx/timer.h>
+
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+
+class hoFolderWatcher
+{
+public:
+    explicit hoFolderWatcher(std::function<void()> onChange);
+    hoFolderWatcher(const hoFolderWatcher&) = delete;
+    hoFolderWatcher& operator=(const hoFolderWatcher&) = delete;
+
+    // Watches these folders (absolute paths) and no others. An event loop must be running.
+    void watch(const std::set<std::string>& folders);
+
+private:
+    std::function<void()> _onChange;
+    std::unique_ptr<wxFileSystemWatcher> _pWatcher;  // from the first folder on
+    std::set<std::string> _folders;                  // that are watched
+    wxTimer _timer;
+};
+
+#endif
