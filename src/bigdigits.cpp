@@ -121,6 +121,27 @@ void clearAndFree(unsigned char* characters, size_t n)
     free(characters);
 }
 
+// Only what is inlined into the functions for one processor is compiled for that processor.
+#if defined(__GNUC__)
+#define MP_INLINE inline __attribute__((always_inline))
+#else
+#define MP_INLINE inline
+#endif
+
+// x * y from the four products of their halves.
+MP_INLINE uint64_t product(mpDigit x, mpDigit y)
+{
+    const mpDigit xLow = x & halfMask;
+    const mpDigit xHigh = x >> bitsPerHalf;
+    const mpDigit yLow = y & halfMask;
+    const mpDigit yHigh = y >> bitsPerHalf;
+    const mpDigit lowest = xLow * yLow;
+    const mpDigit lower = xHigh * yLow + (lowest >> bitsPerHalf);
+    const mpDigit upper = xLow * yHigh + (lower & halfMask);
+    const mpDigit high = xHigh * yHigh + (lower >> bitsPerHalf) + (upper >> bitsPerHalf);
+    return uint64_t{high} << bitsPerDigit | static_cast<mpDigit>(upper << bitsPerHalf | (lowest & halfMask));
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Rows: one digit times a number. This is how short products and quotients are formed, and what the columns below are
 // tested against.
@@ -131,15 +152,10 @@ mpDigit rowMultiplyAdd(mpDigit w[], const mpDigit u[], size_t n, mpDigit d)
     mpDigit carry = 0;
     for (size_t i = 0; i < n; i++)
     {
-        mpDigit t[2];
-        spMultiply(t, u[i], d);
-        // u[i] * d + carry + w[i] <= (B-1)^2 + 2(B-1) < B^2, so the high digit takes both carries.
-        t[0] += carry;
-        t[1] += t[0] < carry ? 1 : 0;
-        t[0] += w[i];
-        t[1] += t[0] < w[i] ? 1 : 0;
-        w[i] = t[0];
-        carry = t[1];
+        // At most (B-1)^2 + 2(B-1), which is B^2 - 1.
+        const uint64_t t = product(u[i], d) + carry + w[i];
+        w[i] = static_cast<mpDigit>(t);
+        carry = static_cast<mpDigit>(t >> bitsPerDigit);
     }
     return carry;
 }
@@ -150,14 +166,10 @@ mpDigit rowMultiplySubtract(mpDigit w[], const mpDigit v[], size_t n, mpDigit d)
     mpDigit borrow = 0;
     for (size_t i = 0; i < n; i++)
     {
-        mpDigit t[2];
-        spMultiply(t, v[i], d);
-        w[i] -= borrow;
-        borrow = w[i] > allOnes - borrow ? 1 : 0;
-        w[i] -= t[0];
-        borrow += w[i] > allOnes - t[0] ? 1 : 0;
-        // The high digit of a product is at most B-2, and B-1 only without both borrows.
-        borrow += t[1];
+        const uint64_t t = product(v[i], d) + borrow;
+        const auto low = static_cast<mpDigit>(t);
+        borrow = static_cast<mpDigit>(t >> bitsPerDigit) + (w[i] < low ? 1 : 0);
+        w[i] -= low;
     }
     return borrow;
 }
@@ -215,8 +227,8 @@ void multiplyByRows(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[]
     mpDigit doubledBit = 0;
     for (size_t i = 0; i < n; i++)
     {
-        mpDigit diagonal[2];
-        spMultiply(diagonal, x[i], x[i]);
+        const uint64_t t = product(x[i], x[i]);
+        const mpDigit diagonal[2] = {static_cast<mpDigit>(t), static_cast<mpDigit>(t >> bitsPerDigit)};
         for (size_t half = 0; half < 2; half++)
         {
             const mpDigit digit = w[2 * i + half];
@@ -231,9 +243,6 @@ void multiplyByRows(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[]
 }
 
 #if defined(__SIZEOF_INT128__)
-
-// Only what is inlined into the functions for one processor is compiled for that processor.
-#define MP_INLINE inline __attribute__((always_inline))
 
 __extension__ using DoubleWord = unsigned __int128;
 
@@ -423,12 +432,34 @@ mpDigit spDivideStep(mpDigit& remainder, mpDigit next, mpDigit v)
     return qhat;
 }
 
+// q = the low digit of (uHigh, uLow) / v, r = the remainder. Returns the digit above q. The top bit of v is set.
+mpDigit divideTwoByOne(mpDigit& q, mpDigit& r, mpDigit uHigh, mpDigit uLow, mpDigit v)
+{
+    const mpDigit vHigh = v >> bitsPerHalf;
+    const mpDigit vLow = v & halfMask;
+    const mpDigit u3 = uHigh >> bitsPerHalf;
+    const mpDigit u2 = uHigh & halfMask;
+
+    mpDigit overflow = u3 >= vHigh ? 1 : 0;
+    if (overflow == 1 && vLow > ((u3 - vHigh) << bitsPerHalf | u2))
+    {
+        overflow = 0;
+    }
+    mpDigit high = 0;
+    mpDigit remainder = uHigh;
+    spTakeAway(overflow, high, remainder, v);
+
+    const mpDigit upper = spDivideStep(remainder, uLow >> bitsPerHalf, v);
+    const mpDigit lower = spDivideStep(remainder, uLow & halfMask, v);
+    q = upper << bitsPerHalf | (lower & halfMask);
+    r = remainder;
+    return overflow;
+}
+
 // Whether qhat * vNext > (rhat, uNext): the estimate, seen with one more digit of the divisor, is too large.
 bool qhatTooBig(mpDigit qhat, mpDigit rhat, mpDigit vNext, mpDigit uNext)
 {
-    mpDigit t[2];
-    spMultiply(t, qhat, vNext);
-    return t[1] > rhat || (t[1] == rhat && t[0] > uNext);
+    return product(qhat, vNext) > (uint64_t{rhat} << bitsPerDigit | uNext);
 }
 
 mpDigit shortDivide(mpDigit q[], const mpDigit u[], mpDigit d, size_t n)
@@ -443,8 +474,7 @@ mpDigit shortDivide(mpDigit q[], const mpDigit u[], mpDigit d, size_t n)
     mpDigit r = shiftLeftBits(q, u, shift, n);
     for (size_t j = n; j-- > 0;)
     {
-        const mpDigit t[2] = {q[j], r};
-        spDivide(&q[j], &r, t, normalised);
+        divideTwoByOne(q[j], r, r, q[j], normalised);
     }
     return r >> shift;
 }
@@ -452,10 +482,9 @@ mpDigit shortDivide(mpDigit q[], const mpDigit u[], mpDigit d, size_t n)
 // The estimate of the quotient digit (top, uHigh, uNext, ...) / (vHigh, vNext, ...): exact or one too large.
 mpDigit estimateQuotient(mpDigit top, mpDigit uHigh, mpDigit uNext, mpDigit vHigh, mpDigit vNext)
 {
-    const mpDigit t[2] = {uHigh, top};
     mpDigit qhat = 0;
     mpDigit rhat = 0;
-    const mpDigit overflow = spDivide(&qhat, &rhat, t, vHigh);
+    const mpDigit overflow = divideTwoByOne(qhat, rhat, top, uHigh, vHigh);
     if (overflow != 0)
     {
         qhat = allOnes;
@@ -664,30 +693,15 @@ MP_INLINE void multiplyByColumnsWith(mpDigit w[], const mpDigit u[], size_t un, 
     }
 }
 
-// x * y, like spMultiply.
-MP_INLINE uint64_t product(mpDigit x, mpDigit y)
-{
-    const mpDigit xLow = x & halfMask;
-    const mpDigit xHigh = x >> bitsPerHalf;
-    const mpDigit yLow = y & halfMask;
-    const mpDigit yHigh = y >> bitsPerHalf;
-    const mpDigit lowest = xLow * yLow;
-    const mpDigit lower = xHigh * yLow + (lowest >> bitsPerHalf);
-    const mpDigit upper = xLow * yHigh + (lower & halfMask);
-    const mpDigit high = xHigh * yHigh + (lower >> bitsPerHalf) + (upper >> bitsPerHalf);
-    return uint64_t{high} << bitsPerDigit | static_cast<mpDigit>(upper << bitsPerHalf | (lowest & halfMask));
-}
-
 // (B^3 - 1) / divisor - B, for a divisor of two digits with the top bit set.
 mpDigit reciprocal(uint64_t divisor)
 {
     const auto high = static_cast<mpDigit>(divisor >> bitsPerDigit);
     const auto low = static_cast<mpDigit>(divisor);
-    const mpDigit largest[2] = {allOnes, ~high};
     mpDigit result = 0;
     mpDigit remainder = 0;
     // Of the high digit alone; too large by a few.
-    spDivide(&result, &remainder, largest, high);
+    divideTwoByOne(result, remainder, ~high, allOnes, high);
     DoubleWord multiple = (DoubleWord{divisor} << bitsPerDigit) + (DoubleWord{product(result, high)} << bitsPerDigit) +
                           product(result, low);
     while (multiple >> (3 * bitsPerDigit) != 0)
@@ -895,6 +909,9 @@ void multiply(mpDigit w[], const mpDigit u[], const mpDigit v[], size_t n)
     setZero(w + un + vn, 2 * n - un - vn);
 }
 
+// Columns take some preparation, which the two or three rows of a step of Euclid's algorithm are not worth.
+constexpr size_t fewestDigitsForColumns = 4;
+
 int32_t divide(mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits, mpDigit v[], size_t vdigits)
 {
     setZero(q, udigits);
@@ -936,7 +953,7 @@ int32_t divide(mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits, mpDi
     const uint32_t shift = leadingZeroBits(v[n - 1]);
     shiftLeftBits(v, v, shift, n);
     mpDigit top = shiftLeftBits(r, u, shift, n + m);
-    if (n < shortestForColumns || !divideByColumns(q, r, top, v, n, m))
+    if (n < shortestForColumns || m < fewestDigitsForColumns || !divideByColumns(q, r, top, v, n, m))
     {
         top = shiftLeftBits(r, u, shift, n + m);
         divideByRows(q, r, top, v, n, m);
@@ -1270,6 +1287,10 @@ int32_t mpMultiply(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t n
 
 int32_t mpSquare(mpDigit w[], const mpDigit x[], uint32_t ndigits)
 {
+    if (ndigits == 1)
+    {
+        return spMultiply(w, x[0], x[0]);
+    }
     square(w, x, ndigits);
     return 0;
 }
@@ -1386,10 +1407,9 @@ mpDigit mpShortMult(mpDigit w[], const mpDigit u[], mpDigit d, uint32_t ndigits)
     mpDigit carry = 0;
     for (size_t i = 0; i < ndigits; i++)
     {
-        mpDigit t[2];
-        spMultiply(t, u[i], d);
-        w[i] = t[0] + carry;
-        carry = t[1] + (w[i] < carry ? 1 : 0);
+        const uint64_t t = product(u[i], d) + carry;
+        w[i] = static_cast<mpDigit>(t);
+        carry = static_cast<mpDigit>(t >> bitsPerDigit);
     }
     return carry;
 }
@@ -1416,20 +1436,9 @@ int32_t mpShortCmp(const mpDigit a[], mpDigit d, uint32_t ndigits)
 
 int32_t spMultiply(mpDigit p[2], mpDigit x, mpDigit y)
 {
-    const mpDigit xLow = x & halfMask;
-    const mpDigit xHigh = x >> bitsPerHalf;
-    const mpDigit yLow = y & halfMask;
-    const mpDigit yHigh = y >> bitsPerHalf;
-
-    const mpDigit cross = xLow * yHigh;
-    const mpDigit middle = xHigh * yLow + cross;
-    const mpDigit middleOverflow = middle < cross ? 1 : 0;
-    const mpDigit lowest = xLow * yLow;
-    const mpDigit low = lowest + (middle << bitsPerHalf);
-    const mpDigit lowOverflow = low < lowest ? 1 : 0;
-
-    p[0] = low;
-    p[1] = xHigh * yHigh + (middle >> bitsPerHalf) + lowOverflow + (middleOverflow << bitsPerHalf);
+    const uint64_t t = product(x, y);
+    p[0] = static_cast<mpDigit>(t);
+    p[1] = static_cast<mpDigit>(t >> bitsPerDigit);
     return 0;
 }
 
@@ -1462,26 +1471,7 @@ mpDigit spDivide(mpDigit* q, mpDigit* r, const mpDigit u[2], mpDigit v)
         *r = 0;
         return allOnes;
     }
-    const mpDigit vHigh = v >> bitsPerHalf;
-    const mpDigit vLow = v & halfMask;
-    const mpDigit uLow = u[0];
-    const mpDigit u3 = u[1] >> bitsPerHalf;
-    const mpDigit u2 = u[1] & halfMask;
-
-    mpDigit overflow = u3 >= vHigh ? 1 : 0;
-    if (overflow == 1 && vLow > ((u3 - vHigh) << bitsPerHalf | u2))
-    {
-        overflow = 0;
-    }
-    mpDigit high = 0;
-    mpDigit remainder = u[1];
-    spTakeAway(overflow, high, remainder, v);
-
-    const mpDigit upper = spDivideStep(remainder, uLow >> bitsPerHalf, v);
-    const mpDigit lower = spDivideStep(remainder, uLow & halfMask, v);
-    *q = upper << bitsPerHalf | (lower & halfMask);
-    *r = remainder;
-    return overflow;
+    return divideTwoByOne(*q, *r, u[1], u[0], v);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
