@@ -722,15 +722,12 @@ MP_INLINE mpDigit divideThreeByTwo(mpDigit uHigh, uint64_t& u, uint64_t divisor,
     const uint64_t estimate = product(inverse, uHigh) + (uint64_t{uHigh} << bitsPerDigit | u >> bitsPerDigit);
     auto q = static_cast<mpDigit>(estimate >> bitsPerDigit);
     uint64_t r = u - (uint64_t{static_cast<mpDigit>(q * vHigh)} << bitsPerDigit) - product(q, vLow) - divisor;
-    q++;
-    if (static_cast<mpDigit>(r >> bitsPerDigit) >= static_cast<mpDigit>(estimate))
-    {
-        q--;
-        r += divisor;
-    }
-    const bool once = r >= divisor;
-    q += once ? 1 : 0;
-    u = r - (once ? divisor : 0);
+    // Either is the case for about every other digit, in no order that a processor could guess: no branches.
+    const uint64_t tooLarge = static_cast<mpDigit>(r >> bitsPerDigit) >= static_cast<mpDigit>(estimate) ? 1 : 0;
+    r += divisor & (0 - tooLarge);
+    const uint64_t tooSmall = r >= divisor ? 1 : 0;
+    u = r - (divisor & (0 - tooSmall));
+    q += static_cast<mpDigit>(1 - tooLarge + tooSmall);
     return q;
 }
 
