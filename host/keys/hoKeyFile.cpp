@@ -1,6 +1,10 @@
 #include "host/keys/hoKeyFile.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <new>
@@ -12,6 +16,7 @@
 #include <openssl/bio.h>
 #include <openssl/bn.h>
 #include <openssl/core_names.h>
+#include <openssl/crypto.h>
 #include <openssl/decoder.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
@@ -23,6 +28,64 @@ namespace
 {
 
 constexpr int bitsPerDigit = 32;
+
+// libcrypto frees what it has decoded without overwriting it, so its memory comes from here: with its size in front, and
+// overwritten whenever it is given back.
+constexpr std::size_t sizeOfHeader = alignof(std::max_align_t);
+static_assert(sizeOfHeader >= sizeof(std::size_t), "the header holds a size");
+
+extern "C" void* hoAllocateForLibcrypto(std::size_t size, const char* /*pFile*/, int /*line*/)
+{
+    auto* pBlock = (size > SIZE_MAX - sizeOfHeader) ? nullptr : static_cast<char*>(std::malloc(size + sizeOfHeader));
+    if (pBlock == nullptr)
+    {
+        return nullptr;
+    }
+    std::memcpy(pBlock, &size, sizeof(size));
+    return pBlock + sizeOfHeader;
+}
+
+extern "C" void hoFreeForLibcrypto(void* pMemory, const char* /*pFile*/, int /*line*/)
+{
+    if (pMemory != nullptr)
+    {
+        char* pBlock = static_cast<char*>(pMemory) - sizeOfHeader;
+        std::size_t size = 0;
+        std::memcpy(&size, pBlock, sizeof(size));
+        crWipe(pMemory, size);
+        std::free(pBlock);
+    }
+}
+
+extern "C" void* hoReallocateForLibcrypto(void* pMemory, std::size_t size, const char* pFile, int line)
+{
+    if (pMemory == nullptr)
+    {
+        return hoAllocateForLibcrypto(size, pFile, line);
+    }
+    if (size == 0)
+    {
+        hoFreeForLibcrypto(pMemory, pFile, line);
+        return nullptr;
+    }
+    void* pNewMemory = hoAllocateForLibcrypto(size, pFile, line);
+    if (pNewMemory != nullptr)
+    {
+        std::size_t oldSize = 0;
+        std::memcpy(&oldSize, static_cast<char*>(pMemory) - sizeOfHeader, sizeof(oldSize));
+        std::memcpy(pNewMemory, pMemory, std::min(size, oldSize));
+        hoFreeForLibcrypto(pMemory, pFile, line);
+    }
+    return pNewMemory;
+}
+
+// Only before libcrypto has allocated anything: whoever has used it in this process before leaves it as it is.
+void wipeWhatLibcryptoFrees()
+{
+    static const int isDone =
+        CRYPTO_set_mem_functions(hoAllocateForLibcrypto, hoReallocateForLibcrypto, hoFreeForLibcrypto);
+    static_cast<void>(isDone);
+}
 
 template <class T, void (*release)(T*)>
 struct Releaser
@@ -327,6 +390,7 @@ std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, ho
         return nullptr;
     }
 
+    wipeWhatLibcryptoFrees();
     PassphraseQuestion question;
     question._pSource = pSource;
     ERR_set_mark();

@@ -387,6 +387,25 @@ TEST_F(Program, AsksForPassphrasesOnTheTerminal)
     expectFailure(tsRun(withoutTerminal), {"locked.pem: is encrypted", "no terminal"});
 }
 
+TEST_F(Program, WritesNoCoreFile)
+{
+    runOpenSSL(_folder, {"rsa", "-in", "private.pem", "-aes256", "-passout", "pass:x", "-out", "locked.pem"});
+    tsCommand key = command({"key", "-k", "locked.pem"});
+    key._hasTerminal = true;
+    std::string limits;
+    key._type = [&](const std::string& printed, pid_t process)
+    {
+        if (!limits.empty() || (printed.find("Passphrase for locked.pem: ") == std::string::npos))
+        {
+            return std::string();
+        }
+        limits = readFile("/proc/" + std::to_string(process) + "/limits");
+        return std::string("x\n");
+    };
+    EXPECT_EQ(tsRun(key)._exitStatus, 0);
+    EXPECT_THAT(limits, ::testing::ContainsRegex("Max core file size +0 +0 "));
+}
+
 TEST_F(Program, EndsCleanlyAtThePassphraseQuestion)
 {
     runOpenSSL(_folder, {"rsa", "-in", "private.pem", "-aes256", "-passout", "pass:x", "-out", "locked.pem"});
