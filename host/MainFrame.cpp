@@ -11,6 +11,7 @@
 #include "host/hoIcons.h"
 #include "host/hoInteractiveAssertionFailureHandler.h"
 #include "host/hoKeyLoading.h"
+#include "host/hoNewKeyDialog.h"
 #include "host/hoProgressDialog.h"
 #include "host/hoTextDialog.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
@@ -32,6 +33,7 @@
 #include <wx/wupdlock.h>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace
 {
@@ -43,6 +45,7 @@ enum
     ID_CLEAR_RECENT,
     ID_LOAD_PRIVATE_KEY,
     ID_LOAD_PUBLIC_KEY,
+    ID_NEW_KEY_PAIR,
     ID_FORGET_KEYS,
     ID_SIGN,
     ID_SIGN_ALL,
@@ -307,6 +310,7 @@ void MainFrame::makeMenus()
     pKey->Append(ID_LOAD_PUBLIC_KEY, "Load p&ublic key...\tCtrl+Shift+K",
                  "Load the key that tests somebody's signatures, from a PEM file");
     pKey->AppendSeparator();
+    pKey->Append(ID_NEW_KEY_PAIR, "&New key pair...", "Make a private key and its public partner");
     pKey->Append(ID_FORGET_KEYS, "&Forget keys", "Take the loaded keys out of memory; their files stay");
 
     auto* pSignature = new wxMenu;
@@ -354,6 +358,7 @@ void MainFrame::bindEvents()
         wxEVT_MENU, [this](wxCommandEvent&) { chooseKey(true); }, ID_LOAD_PRIVATE_KEY);
     Bind(
         wxEVT_MENU, [this](wxCommandEvent&) { chooseKey(false); }, ID_LOAD_PUBLIC_KEY);
+    Bind(wxEVT_MENU, &MainFrame::OnNewKeyPair, this, ID_NEW_KEY_PAIR);
     Bind(
         wxEVT_MENU, [this](wxCommandEvent&) { setKeys(hoKeyRing()); }, ID_FORGET_KEYS);
     Bind(
@@ -706,6 +711,18 @@ void MainFrame::chooseKey(bool isPrivate)
     if (dialog.ShowModal() == wxID_OK)
     {
         loadKey(ahPathBytesFromText(dialog.GetPath()), isPrivate ? KeyWish::Private : KeyWish::Public);
+    }
+}
+
+void MainFrame::OnNewKeyPair(wxCommandEvent&)
+{
+    std::error_code error;
+    const std::string folder = std::filesystem::current_path(error).string() + "/";
+    hoNewKeyDialog dialog(this, hoToText(_settings.text("keyFolder", folder)));
+    if (dialog.ShowModal() == wxID_OK)
+    {
+        SetStatusText("New key pair: " + hoDisplayText(dialog.privateKeyPath()), STATUS_TALK);
+        loadKey(dialog.privateKeyPath(), KeyWish::Private);
     }
 }
 

@@ -94,6 +94,7 @@ private:
     void OnCloseAllDocuments(wxCommandEvent& event);
     void OnCopyPath(wxCommandEvent& event);
     void OnSelectAll(wxCommandEvent& event);
+    void OnNewKeyPair(wxCommandEvent& event);
     void OnFailAssertion(wxCommandEvent& event);
     void OnAbout(wxCommandEvent& event);
     void OnShowDetails(wxCommandEvent& event);

@@ -42,7 +42,8 @@ void disc(wxGraphicsContext& context, const wxColour& colour)
 void ring(wxGraphicsContext& context)
 {
     context.SetPen(wxPen(grey, 1));
-    context.SetBrush(*wxTRANSPARENT_BRUSH);
+    // Filled, to be seen on the colour of a selected row too.
+    context.SetBrush(*wxWHITE_BRUSH);
     context.DrawEllipse(2.5, 2.5, 11, 11);
 }
 
@@ -93,7 +94,7 @@ void drawState(wxGraphicsContext& context, hoDocumentState state)
         break;
     case hoDocumentState::CannotBeRead:
         context.SetPen(wxPen(grey, 2));
-        context.SetBrush(*wxTRANSPARENT_BRUSH);
+        context.SetBrush(*wxWHITE_BRUSH);
         context.DrawEllipse(2, 2, 12, 12);
         line(context, grey, {{4, 12}, {12, 4}});
         break;

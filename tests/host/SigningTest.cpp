@@ -261,3 +261,55 @@ TEST_F(Signing, SurvivesTheWindowsEnd)
     closeWindow();
     EXPECT_FALSE(std::filesystem::exists(_folder.path("huge.sig")));
 }
+
+TEST_F(Signing, MakesANewKeyPairAndLoadsIt)
+{
+    start();
+    tsPressKeys("alt+k");
+    settle();
+    tsScript script;
+    const auto input = [](const char* name)
+    { return dynamic_cast<wxTextCtrl*>(wxWindow::FindWindowByName(name, tsTopModalDialog())); };
+    const auto isAsking = [](const char* title)
+    {
+        const auto* pDialog = dynamic_cast<wxTopLevelWindow*>(tsTopModalDialog());
+        return pDialog != nullptr && pDialog->GetTitle() == title && tsHasKeyboard(*pDialog);
+    };
+    script.waitUntil("the dialog has the keyboard", [&] { return isAsking("New key pair"); })
+        .perform("name the file", [&] { input("file")->ChangeValue(wxString::FromUTF8(_folder.path("new.pem"))); })
+        .perform("type a passphrase", [] { tsType("sesame"); })
+        .perform("forget the second one", [] { tsPressKeys("Return"); })
+        .waitUntil("the difference is told",
+                   [&] { return wxWindow::FindWindowByName("said")->GetLabel() == "The two passphrases differ."; })
+        .perform("type it again", [] { tsType("sesame"); })
+        .perform("create", [] { tsPressKeys("Return"); })
+        .waitUntil("the passphrase is asked for", [&] { return isAsking("Passphrase"); })
+        .perform("give it", [] { tsType("sesame"); })
+        .perform("press Return", [] { tsPressKeys("Return"); })
+        .start();
+    tsPressKeys("n");
+    tsRunUntil("the new key is loaded", [this] { return _pFrame->keys().canSign(); });
+    EXPECT_TRUE(script.isFinished());
+    settle();
+    EXPECT_THAT(status(1), testing::MatchesRegex("2048-bit private key [0-9a-f]{8}, new.pem"));
+    EXPECT_TRUE(std::filesystem::exists(_folder.path("new.pub.pem")));
+}
+
+#ifdef COUNTERSIGN_CLI
+TEST_F(Signing, WritesWhatTheCommandLineReadsAndReadsWhatItWrites)
+{
+    startWithKey();
+    const std::string key = _folder.path("mine.pem");
+    ASSERT_EQ(tsRunProgram({COUNTERSIGN_CLI, "sign", "--key", key, _folder.path("a.txt")}), 0);
+    tsRunUntil("the signature is seen", [this] { return rows(1)[0] == "Not tested"; });
+    pressAndWait("ctrl+shift+t");
+    EXPECT_THAT(rows(1), ElementsAre("Signed by me", "Not signed", "Not signed"));
+
+    openAskedFor(_folder.path("b.txt"));
+    tsPressKeys("ctrl+s");
+    tsRunUntil("it is signed", [this] { return rows(1)[1] == "Signed by me"; });
+    EXPECT_EQ(tsRunProgram({COUNTERSIGN_CLI, "test", "--key", key, _folder.path("b.txt")}), 0);
+    _folder.write("b.txt", "sedond");
+    EXPECT_EQ(tsRunProgram({COUNTERSIGN_CLI, "test", "--key", key, _folder.path("b.txt")}), 1);
+}
+#endif
