@@ -79,13 +79,10 @@ extern "C" void* hoReallocateForLibcrypto(void* pMemory, std::size_t size, const
     return pNewMemory;
 }
 
-// Only before libcrypto has allocated anything: whoever has used it in this process before leaves it as it is.
-void wipeWhatLibcryptoFrees()
-{
-    static const int isDone =
-        CRYPTO_set_mem_functions(hoAllocateForLibcrypto, hoReallocateForLibcrypto, hoFreeForLibcrypto);
-    static_cast<void>(isDone);
-}
+// libcrypto takes this before it has allocated anything only, and nothing guards it against another thread that begins to
+// use it at that moment: so it is done before main, while there is one thread.
+const int isLibcryptoOverwriting =
+    CRYPTO_set_mem_functions(hoAllocateForLibcrypto, hoReallocateForLibcrypto, hoFreeForLibcrypto);
 
 template <class T, void (*release)(T*)>
 struct Releaser
@@ -390,7 +387,6 @@ std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, ho
         return nullptr;
     }
 
-    wipeWhatLibcryptoFrees();
     PassphraseQuestion question;
     question._pSource = pSource;
     ERR_set_mark();

@@ -3,8 +3,8 @@
 //
 // What is found is told as facts; the wording is up to the command line and the window. Nothing here throws, prints,
 // waits (a named pipe is refused) or touches a file other than by reading it. What held a private number or a
-// passphrase is overwritten with zeros before it is given back; for that, the first call gives libcrypto an allocator
-// that overwrites, which it accepts only if nobody in the process has used it before. Calls may run on any threads.
+// passphrase is overwritten with zeros before it is given back; for that, libcrypto gets an allocator that overwrites,
+// before main, in every program that loads keys from here. Calls may run on any threads.
 #ifndef COUNTERSIGN_HO_KEY_FILE_H
 #define COUNTERSIGN_HO_KEY_FILE_H
 
