@@ -14,6 +14,7 @@
 #include "host/hoNewKeyDialog.h"
 #include "host/hoProgressDialog.h"
 #include "host/hoTextDialog.h"
+#include "host/hoTextsDialog.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "platform/osWrappers/osProcess.h"
 
@@ -46,6 +47,7 @@ enum
     ID_LOAD_PRIVATE_KEY,
     ID_LOAD_PUBLIC_KEY,
     ID_NEW_KEY_PAIR,
+    ID_TEXTS,
     ID_FORGET_KEYS,
     ID_SIGN,
     ID_SIGN_ALL,
@@ -311,6 +313,8 @@ void MainFrame::makeMenus()
                  "Load the key that tests somebody's signatures, from a PEM file");
     pKey->AppendSeparator();
     pKey->Append(ID_NEW_KEY_PAIR, "&New key pair...", "Make a private key and its public partner");
+    pKey->Append(ID_TEXTS, "&Texts...\tCtrl+E", "Encrypt and decrypt short texts with the loaded keys");
+    pKey->AppendSeparator();
     pKey->Append(ID_FORGET_KEYS, "&Forget keys", "Take the loaded keys out of memory; their files stay");
 
     auto* pSignature = new wxMenu;
@@ -359,6 +363,8 @@ void MainFrame::bindEvents()
     Bind(
         wxEVT_MENU, [this](wxCommandEvent&) { chooseKey(false); }, ID_LOAD_PUBLIC_KEY);
     Bind(wxEVT_MENU, &MainFrame::OnNewKeyPair, this, ID_NEW_KEY_PAIR);
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { hoTextsDialog(this, _keys).ShowModal(); }, ID_TEXTS);
     Bind(
         wxEVT_MENU, [this](wxCommandEvent&) { setKeys(hoKeyRing()); }, ID_FORGET_KEYS);
     Bind(

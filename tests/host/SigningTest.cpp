@@ -313,3 +313,69 @@ TEST_F(Signing, WritesWhatTheCommandLineReadsAndReadsWhatItWrites)
     EXPECT_EQ(tsRunProgram({COUNTERSIGN_CLI, "test", "--key", key, _folder.path("b.txt")}), 1);
 }
 #endif
+
+TEST_F(Signing, EncryptsAndDecryptsShortTexts)
+{
+    startWithKey();
+    tsScript script;
+    const auto input = [](const char* name)
+    { return dynamic_cast<wxTextCtrl*>(wxWindow::FindWindowByName(name, tsTopModalDialog())); };
+    const auto label = [](const char* name)
+    { return wxWindow::FindWindowByName(name, tsTopModalDialog())->GetLabel().utf8_string(); };
+    const std::string euro = "\xe2\x82\xac";
+    std::vector<std::string> counts;
+    script
+        .waitUntil("the dialog has the keyboard",
+                   []
+                   {
+                       const auto* pDialog = dynamic_cast<wxTopLevelWindow*>(tsTopModalDialog());
+                       return pDialog != nullptr && tsHasKeyboard(*pDialog);
+                   })
+        .perform("give a text that is too long",
+                 [&]
+                 {
+                     counts.push_back(label("count"));
+                     input("plain")->SetValue(wxString('x', 128));
+                     counts.push_back(label("count"));
+                     tsPressKeys("alt+e");
+                 })
+        .perform("see that it was not encrypted",
+                 [&]
+                 {
+                     EXPECT_TRUE(input("cipher")->IsEmpty());
+                     input("plain")->SetValue(wxString::FromUTF8("at noon " + euro));
+                     counts.push_back(label("count"));
+                     tsRunEvents();
+                 })
+        .perform("encrypt", [] { tsPressKeys("alt+e"); })
+        .waitUntil("it is encrypted", [&] { return !input("cipher")->IsEmpty(); })
+        .perform("forget the text",
+                 [&]
+                 {
+                     EXPECT_EQ(input("cipher")->GetValue().length(), 8U + 256U);
+                     input("plain")->Clear();
+                     tsPressKeys("alt+d");
+                 })
+        .waitUntil("it is decrypted", [&] { return label("said") == "Decrypted."; })
+        .perform("damage the cipher text",
+                 [&]
+                 {
+                     EXPECT_EQ(input("plain")->GetValue().utf8_string(), "at noon " + euro);
+                     wxString cipher = input("cipher")->GetValue();
+                     cipher[100] = cipher[100] == '0' ? '1' : '0';
+                     input("cipher")->SetValue(cipher);
+                     tsPressKeys("alt+d");
+                 })
+        .waitUntil("the damage is told", [&] { return label("said").find("damaged") != std::string::npos; })
+        .perform("close the dialog",
+                 [&]
+                 {
+                     EXPECT_THAT(input("plain")->GetValue().utf8_string(), testing::MatchesRegex("[0-9a-f ]*"));
+                     tsPressKeys("Escape");
+                 })
+        .start();
+    tsPressKeys("ctrl+e");
+    tsRunUntil("the dialog was used", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+    EXPECT_THAT(counts, ElementsAre("0 of 127 bytes", "128 of 127 bytes: too long for this key, it would not come back",
+                                    "11 of 127 bytes"));
+}
