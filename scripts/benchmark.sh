@@ -4,7 +4,7 @@
 #   scripts/benchmark.sh [ROOM...]          for example: scripts/benchmark.sh bigdigits
 #
 # A room is a folder of benchmarks/; without one, all are taken, and only then is the page written. Nothing else should
-# run meanwhile. COUNTERSIGN_BENCHMARK_REPETITIONS sets how often each figure is taken (5).
+# run meanwhile. COUNTERSIGN_BENCHMARK_REPETITIONS sets how often each figure is taken (3).
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
@@ -30,8 +30,8 @@ step "building (build/benchmark)" cmake --build "$build" "${targets[@]}"
 files=()
 for room in "${rooms[@]}"; do
     say "measuring $room (some minutes)"
-    "$build/bin/benchmark_$room" --benchmark_repetitions="${COUNTERSIGN_BENCHMARK_REPETITIONS:-5}" \
-        --benchmark_min_time=0.05 --benchmark_report_aggregates_only=true --benchmark_format=console \
+    "$build/bin/benchmark_$room" --benchmark_repetitions="${COUNTERSIGN_BENCHMARK_REPETITIONS:-3}" \
+        --benchmark_min_time=0.03 --benchmark_report_aggregates_only=true --benchmark_format=console \
         --benchmark_out_format=json --benchmark_out="$build/$room.json" >"$build/$room.log" ||
         fail "measuring $room; see $build/$room.log"
     files+=("$build/$room.json")

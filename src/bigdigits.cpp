@@ -128,18 +128,18 @@ void clearAndFree(unsigned char* characters, size_t n)
 #define MP_INLINE inline
 #endif
 
-// x * y from the four products of their halves.
+// x * y from the four products of their halves, none of which exceeds a digit.
 MP_INLINE uint64_t product(mpDigit x, mpDigit y)
 {
     const mpDigit xLow = x & halfMask;
     const mpDigit xHigh = x >> bitsPerHalf;
     const mpDigit yLow = y & halfMask;
     const mpDigit yHigh = y >> bitsPerHalf;
-    const mpDigit lowest = xLow * yLow;
-    const mpDigit lower = xHigh * yLow + (lowest >> bitsPerHalf);
-    const mpDigit upper = xLow * yHigh + (lower & halfMask);
-    const mpDigit high = xHigh * yHigh + (lower >> bitsPerHalf) + (upper >> bitsPerHalf);
-    return uint64_t{high} << bitsPerDigit | static_cast<mpDigit>(upper << bitsPerHalf | (lowest & halfMask));
+    const mpDigit low = xLow * yLow;
+    const mpDigit high = xHigh * yHigh;
+    const mpDigit cross = xLow * yHigh;
+    const mpDigit otherCross = xHigh * yLow;
+    return (uint64_t{high} << bitsPerDigit | low) + ((uint64_t{cross} + otherCross) << bitsPerHalf);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -636,25 +636,51 @@ MP_INLINE void addLane(Columns& sums, const Lanes<Vector>& lanes, size_t i)
     sums.high[i] += uint64_t{upper} + (lower >> bitsPerHalf) + (uint64_t{highest} << bitsPerHalf);
 }
 
-// Columns first to first + 15 of u * v, taking only v[begin..end).
+// lanes += v[j] * a[j - begin digits down], for v[begin..end).
+template <class Vector>
+MP_INLINE void addRows(Lanes<Vector>& lanes, const mpDigit* a, const mpDigit v[], size_t begin, size_t end)
+{
+    for (size_t j = begin; j < end; j++)
+    {
+        if (v[j] != 0)
+        {
+            addProducts(lanes, a - (j - begin), v[j]);
+        }
+    }
+}
+
+// Columns first to first + 15 of u * v, taking only v[begin..end), each of which must have digits in these columns.
 template <class Vector>
 MP_INLINE Columns sumColumns(const Slices& u, const mpDigit v[], size_t begin, size_t end, size_t first)
 {
+    // Rows below the first of these reach above the end of u, rows from the second on below its beginning.
+    const size_t last = u.size - columnCount;
+    const size_t whole = first > last ? first - last : 0;
+    const size_t low = first + 1;
     Columns sums = {};
     for (size_t j = begin; j < end;)
     {
+        const size_t stop = end - j < rowsPerLane ? end : j + rowsPerLane;
+        const size_t endOfHigh = j < whole ? (whole < stop ? whole : stop) : j;
+        const size_t endOfWhole = endOfHigh < low ? (low < stop ? low : stop) : endOfHigh;
         Lanes<Vector> lanes = {};
-        for (const size_t stop = end - j < rowsPerLane ? end : j + rowsPerLane; j < stop; j++)
+        if (j < endOfHigh)
         {
-            if (v[j] != 0)
-            {
-                addProducts(lanes, u.from(static_cast<ptrdiff_t>(first) - static_cast<ptrdiff_t>(j)), v[j]);
-            }
+            addRows(lanes, u.highEnd + (first - last - j), v, j, endOfHigh);
+        }
+        if (endOfHigh < endOfWhole)
+        {
+            addRows(lanes, u.digits + (first - endOfHigh), v, endOfHigh, endOfWhole);
+        }
+        if (endOfWhole < stop)
+        {
+            addRows(lanes, u.lowEnd + (columnCount + first - endOfWhole), v, endOfWhole, stop);
         }
         for (size_t i = 0; i < columnCount; i++)
         {
             addLane(sums, lanes, i);
         }
+        j = stop;
     }
     return sums;
 }
@@ -712,23 +738,39 @@ mpDigit reciprocal(uint64_t divisor)
     return result;
 }
 
+// A quotient digit as it is first found, and what is to be added to it, as masks: one for each that is set. What
+// depends on the guess need not wait for the masks. No sum exceeds a digit, since the quotient does not.
+struct Quotient
+{
+    mpDigit guess;
+    uint64_t oneMore;
+    uint64_t anotherMore;
+
+    MP_INLINE mpDigit digit() const
+    {
+        return guess - static_cast<mpDigit>(oneMore) - static_cast<mpDigit>(anotherMore);
+    }
+    // digit() * v.
+    MP_INLINE uint64_t times(mpDigit v) const { return product(guess, v) + (v & oneMore) + (v & anotherMore); }
+};
+
 // (uHigh, u) / divisor, for (uHigh, high digit of u) < divisor. Leaves the remainder in u. This is the digit that
 // estimateQuotient finds, without a division (Moeller and Granlund, Improved division by invariant integers, 2011,
 // algorithm 4).
-MP_INLINE mpDigit divideThreeByTwo(mpDigit uHigh, uint64_t& u, uint64_t divisor, mpDigit inverse)
+MP_INLINE Quotient divideThreeByTwo(mpDigit uHigh, uint64_t& u, uint64_t divisor, mpDigit inverse)
 {
     const auto vHigh = static_cast<mpDigit>(divisor >> bitsPerDigit);
     const auto vLow = static_cast<mpDigit>(divisor);
     const uint64_t estimate = product(inverse, uHigh) + (uint64_t{uHigh} << bitsPerDigit | u >> bitsPerDigit);
-    auto q = static_cast<mpDigit>(estimate >> bitsPerDigit);
-    uint64_t r = u - (uint64_t{static_cast<mpDigit>(q * vHigh)} << bitsPerDigit) - product(q, vLow) - divisor;
-    // Either is the case for about every other digit, in no order that a processor could guess: no branches.
-    const uint64_t tooLarge = static_cast<mpDigit>(r >> bitsPerDigit) >= static_cast<mpDigit>(estimate) ? 1 : 0;
-    r += divisor & (0 - tooLarge);
-    const uint64_t tooSmall = r >= divisor ? 1 : 0;
-    u = r - (divisor & (0 - tooSmall));
-    q += static_cast<mpDigit>(1 - tooLarge + tooSmall);
-    return q;
+    const auto q = static_cast<mpDigit>(estimate >> bitsPerDigit);
+    const uint64_t r = u - (uint64_t{static_cast<mpDigit>(q * vHigh)} << bitsPerDigit) - product(q, vLow) - divisor;
+    // Either way for many digits, in no order that a processor could guess: no branches.
+    const bool isOneMore = static_cast<mpDigit>(r >> bitsPerDigit) < static_cast<mpDigit>(estimate);
+    const uint64_t oneMore = 0 - static_cast<uint64_t>(isOneMore);
+    const uint64_t corrected = r + (divisor & ~oneMore);
+    const uint64_t anotherMore = 0 - static_cast<uint64_t>(corrected >= divisor);
+    u = corrected - (divisor & anotherMore);
+    return {q, oneMore, anotherMore};
 }
 
 // Does what divideByRows does, but takes each row at once only off the digits that the next estimate looks at. The
@@ -753,7 +795,8 @@ MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const 
     size_t firstDue = m + n - 3;
     for (size_t j = m;; j--)
     {
-        const mpDigit qhat = divideThreeByTwo(uHigh, uLow, divisor, inverse);
+        const Quotient quotient = divideThreeByTwo(uHigh, uLow, divisor, inverse);
+        const mpDigit qhat = quotient.digit();
         q[j] = qhat;
         if (j == 0)
         {
@@ -771,8 +814,8 @@ MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const 
         addLane(due, dueSince, i);
         addProducts(dueSince, slices.from(static_cast<ptrdiff_t>(firstDue) - static_cast<ptrdiff_t>(j)), qhat);
 
-        const uint64_t next = product(qhat, v[n - 4]);
-        const DoubleWord u = (DoubleWord{uLow} << bitsPerDigit) + r[j + n - 3] - product(qhat, v[n - 3]) -
+        const uint64_t next = quotient.times(v[n - 4]);
+        const DoubleWord u = (DoubleWord{uLow} << bitsPerDigit) + r[j + n - 3] - quotient.times(v[n - 3]) -
                              (lowDue + due.high[i] + (next >> bitsPerDigit));
         if (u >> (3 * bitsPerDigit) != 0)
         {

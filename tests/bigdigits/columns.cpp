@@ -254,10 +254,12 @@ TEST(Estimate, ThreeDigitsByTwoAgreesWithItsPlainForm)
         const auto next = static_cast<mpDigit>(high);
         const mpDigit last = random.digit();
         uint64_t u = uint64_t{next} << 32 | last;
-        const mpDigit q = divideThreeByTwo(top, u, divisor, reciprocal(divisor));
+        const Quotient quotient = divideThreeByTwo(top, u, divisor, reciprocal(divisor));
+        const mpDigit q = quotient.digit();
         ASSERT_EQ(q, estimateQuotient(top, next, last, vHigh, vLow)) << high << " " << last << " / " << divisor;
         ASSERT_EQ(Natural(q) * Natural(divisor) + Natural(u), (Natural(high) << 32) + Natural(last));
         ASSERT_LT(u, divisor);
+        ASSERT_EQ(quotient.times(last), uint64_t{q} * last);
     }
 #endif
 }
