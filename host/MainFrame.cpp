@@ -3,6 +3,8 @@
 #include "app/ApplicationShell.h"
 #include "assertionHandling/ahTextConversion.h"
 #include "countersignVersion.h"
+#include "host/hoAssertionReport.h"
+#include "host/hoAssertionReportWindow.h"
 #include "host/hoBytes.h"
 #include "host/hoDisplayText.h"
 #include "host/hoDocumentArguments.h"
@@ -55,6 +57,7 @@ enum
     ID_TEST_ALL,
     ID_ASSERTION_DIALOGS,
     ID_FAIL_ASSERTION,
+    ID_ASSERTION_REPORT,
     ID_SHOW_DETAILS,
     ID_RECENT_FIRST,
     ID_RECENT_LAST = ID_RECENT_FIRST + static_cast<int>(hoRecentDocuments::mostDocuments) - 1
@@ -184,7 +187,9 @@ MainFrame::MainFrame()
       _watcher([this] { refreshDocuments(); }),
       _areChangesPending(false),
       _isRecentChanged(false),
+      _pAssertionReport(std::make_shared<hoAssertionReport>()),
       _pProgressDialog(nullptr),
+      _pReportWindow(nullptr),
       _pRecentMenu(nullptr),
       _pMessageBar(nullptr),
       _pPages(nullptr),
@@ -277,7 +282,8 @@ void MainFrame::setAssertionDialogs(bool areOn)
     ahDialogBasedAssertionFailureHandler* pSilentHandler = silentHandler();
     if (areOn)
     {
-        _pInteractiveHandler = std::make_shared<hoInteractiveAssertionFailureHandler>(osGetCurrentThreadId());
+        _pInteractiveHandler =
+            std::make_shared<hoInteractiveAssertionFailureHandler>(osGetCurrentThreadId(), _pAssertionReport);
         gtRegisterAssertionFailureHandler(_pInteractiveHandler.get());
         gtUnRegisterAssertionFailureHandler(pSilentHandler);
     }
@@ -328,6 +334,9 @@ void MainFrame::makeMenus()
     pDeveloper->AppendCheckItem(ID_ASSERTION_DIALOGS, "&Assertion dialogs",
                                 "Show a dialog for each failed assertion instead of staying silent");
     pDeveloper->Append(ID_FAIL_ASSERTION, "&Fail an assertion", "Fail one assertion, to see what happens then");
+    pDeveloper->AppendSeparator();
+    pDeveloper->Append(ID_ASSERTION_REPORT, "Assertion &report...",
+                       "Show where assertions have failed while there were dialogs for them");
 
     auto* pHelp = new wxMenu;
     pHelp->Append(wxID_ABOUT, "&About Countersign", "What this application is, and what it is not");
@@ -356,6 +365,7 @@ void MainFrame::bindEvents()
     Bind(
         wxEVT_MENU, [this](wxCommandEvent& event) { setAssertionDialogs(event.IsChecked()); }, ID_ASSERTION_DIALOGS);
     Bind(wxEVT_MENU, &MainFrame::OnFailAssertion, this, ID_FAIL_ASSERTION);
+    Bind(wxEVT_MENU, &MainFrame::OnAssertionReport, this, ID_ASSERTION_REPORT);
     Bind(wxEVT_MENU, &MainFrame::OnAbout, this, wxID_ABOUT);
 
     Bind(
@@ -519,6 +529,16 @@ void MainFrame::OnFailAssertion(wxCommandEvent&)
     }
     gtTriggerAssertonFailureHandler("OnFailAssertion", __FILE__, __LINE__,
                                     "Assertion failure (this one was asked for in the Developer menu)");
+}
+
+void MainFrame::OnAssertionReport(wxCommandEvent&)
+{
+    if (_pReportWindow == nullptr)
+    {
+        _pReportWindow = new hoAssertionReportWindow(this, _pAssertionReport);
+    }
+    _pReportWindow->Show();
+    _pReportWindow->Raise();
 }
 
 void MainFrame::OnAbout(wxCommandEvent&)

@@ -32,6 +32,8 @@
 #include <vector>
 
 class ahDialogBasedAssertionFailureHandler;
+class hoAssertionReport;
+class hoAssertionReportWindow;
 class hoDocumentListCtrl;
 class hoInteractiveAssertionFailureHandler;
 class hoProgressDialog;
@@ -96,6 +98,7 @@ private:
     void OnSelectAll(wxCommandEvent& event);
     void OnNewKeyPair(wxCommandEvent& event);
     void OnFailAssertion(wxCommandEvent& event);
+    void OnAssertionReport(wxCommandEvent& event);
     void OnAbout(wxCommandEvent& event);
     void OnShowDetails(wxCommandEvent& event);
     void OnColumnClick(wxListEvent& event);
@@ -149,9 +152,11 @@ private:
     hoFolderWatcher _watcher;
     bool _areChangesPending;
     bool _isRecentChanged;
+    const std::shared_ptr<hoAssertionReport> _pAssertionReport;  // of this run
     std::shared_ptr<hoInteractiveAssertionFailureHandler> _pInteractiveHandler;
 
     hoProgressDialog* _pProgressDialog;
+    hoAssertionReportWindow* _pReportWindow;  // null until it is asked for
     wxMenu* _pRecentMenu;
     wxInfoBar* _pMessageBar;
     wxSimplebook* _pPages;

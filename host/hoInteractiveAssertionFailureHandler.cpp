@@ -1,10 +1,14 @@
 #include "host/hoInteractiveAssertionFailureHandler.h"
 
+#include "assertionHandling/ahAssertDialog.h"
+#include "host/hoAssertionReport.h"
 #include "platform/osWrappers/osProcess.h"
+#include "platform/osWrappers/osTime.h"
 
 #include <wx/app.h>
 
 #include <cerrno>
+#include <utility>
 
 namespace
 {
@@ -19,10 +23,30 @@ public:
 private:
     std::atomic<bool>& _isUp;
 };
+
+hoAssertionDecision decisionOf(int usersDecision)
+{
+    switch (usersDecision)
+    {
+    case AH_IGNORE_BUTTON_ID:
+        return hoAssertionDecision::Ignore;
+    case AH_IGNORE_ALL_BUTTON_ID:
+        return hoAssertionDecision::IgnoreAll;
+    case AH_OPEN_BUTTON_ID:
+        return hoAssertionDecision::Open;
+    case AH_DEBUG_BUTTON_ID:
+        return hoAssertionDecision::Debug;
+    case AH_EXIT_BUTTON_ID:
+        return hoAssertionDecision::Exit;
+    default:
+        return hoAssertionDecision::Closed;
+    }
+}
 }  // namespace
 
-hoInteractiveAssertionFailureHandler::hoInteractiveAssertionFailureHandler(unsigned int mainThreadId)
-    : ahDialogBasedAssertionFailureHandler(mainThreadId), _isDeciding(false)
+hoInteractiveAssertionFailureHandler::hoInteractiveAssertionFailureHandler(unsigned int mainThreadId,
+                                                                           std::shared_ptr<hoAssertionReport> pReport)
+    : ahDialogBasedAssertionFailureHandler(mainThreadId), _pReport(std::move(pReport)), _isDeciding(false)
 {
 }
 
@@ -31,6 +55,8 @@ void hoInteractiveAssertionFailureHandler::onAssertionFailure(const char* functi
 {
     const int error = errno;
     outputAssertionMessageToStderr(functionName, fileName, lineNumber, message);
+    _pReport->record(functionName, fileName, lineNumber, message, osGetCurrentThreadId(),
+                     osTime().setFromCurrentTime().secondsSince1970());
     if (_isDeciding || wxTheApp == nullptr)
     {
         errno = error;
@@ -66,5 +92,13 @@ void hoInteractiveAssertionFailureHandler::decide(const char* functionName, cons
     const auto pSelf = weak_from_this().lock();
     const Flag deciding(_isDeciding);
     const osFilePath filePath((gtString(fileName)));
-    handleUsersDecision(displayAssertionDialog(functionName, filePath, lineNumber, message), filePath, lineNumber);
+    if (isInIgnoredSourceLocations(filePath, lineNumber))
+    {
+        // The report keeps that it was decided once and for all.
+        return;
+    }
+    const int decision = displayAssertionDialog(functionName, filePath, lineNumber, message);
+    // First, because some decisions do not come back.
+    _pReport->decide(fileName, lineNumber, decisionOf(decision));
+    handleUsersDecision(decision, filePath, lineNumber);
 }

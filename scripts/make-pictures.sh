@@ -44,3 +44,6 @@ COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+s" mainWindow main-window "$documents
 printf x >>"$documents/minutes.txt"
 COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t Down" mainWindow main-window \
     "$documents"/*.pdf "$documents"/*.odt "$documents"/*.txt "$documents"/*.flac
+
+# The assertion report, with a failure that was ignored twice.
+COUNTERSIGN_PICTURE_KEYS="alt+d a alt+d f Return alt+d f alt+d r" mainWindow assertion-report

@@ -2,6 +2,7 @@
 #include "MainFrameFixture.h"
 
 #include "assertionHandling/ahAssertDialog.h"
+#include "host/hoAssertionReport.h"
 #include "host/hoInteractiveAssertionFailureHandler.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 
@@ -253,7 +254,7 @@ TEST_F(AssertionDialogs, SurviveTheWindowsEndWhileOneIsUp)
 TEST_F(AssertionDialogs, KeepErrno)
 {
     start();
-    hoInteractiveAssertionFailureHandler handler(0);
+    hoInteractiveAssertionFailureHandler handler(0, std::make_shared<hoAssertionReport>());
     errno = EXDEV;
     handler.onAssertionFailure(nullptr, nullptr, 3, nullptr);
     EXPECT_EQ(errno, EXDEV);

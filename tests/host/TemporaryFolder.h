@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
@@ -42,6 +43,13 @@ public:
             throw std::runtime_error("cannot write " + path(name));
         }
         return path(name);
+    }
+
+    std::string read(const std::string& name) const
+    {
+        std::ostringstream bytes;
+        bytes << std::ifstream(path(name), std::ios::binary).rdbuf();
+        return bytes.str();
     }
 
 private:
