@@ -59,7 +59,7 @@ def main():
             peers += [who for who in times if who != "ours" and who not in peers]
         hasPeak = any(peak for times in sizes.values() for _, peak in times.values())
         lines += [f"### {operation}", ""]
-        lines += ["| size | ours | " + "".join(f"{who} | " for who in peers) + ("peak memory |" if hasPeak else "")]
+        lines += ["| size | ours | " + "".join(f"{who} | " for who in peers).rstrip() + (" peak memory |" if hasPeak else "")]
         lines += ["|---" * (len(peers) + 2 + hasPeak) + "|"]
         for size, times in sizes.items():
             ours, peak = times["ours"]
