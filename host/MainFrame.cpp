@@ -2,7 +2,6 @@
 
 #include "app/ApplicationShell.h"
 #include "assertionHandling/ahTextConversion.h"
-#include "countersignVersion.h"
 #include "host/hoAssertionReport.h"
 #include "host/hoAssertionReportWindow.h"
 #include "host/hoBytes.h"
@@ -10,6 +9,7 @@
 #include "host/hoDocumentArguments.h"
 #include "host/hoDocumentDropTarget.h"
 #include "host/hoDocumentListCtrl.h"
+#include "host/hoHelp.h"
 #include "host/hoIcons.h"
 #include "host/hoInteractiveAssertionFailureHandler.h"
 #include "host/hoKeyLoading.h"
@@ -20,7 +20,6 @@
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "platform/osWrappers/osProcess.h"
 
-#include <wx/aboutdlg.h>
 #include <wx/filedlg.h>
 #include <wx/infobar.h>
 #include <wx/menu.h>
@@ -111,6 +110,11 @@ std::vector<gtString> applicationArguments()
     return hoWithLostArguments(arguments, hoProcessArguments(), isLostArgument);
 }
 
+std::string programPath()
+{
+    return hoToBytes(ahPathBytesFromText(wxStandardPaths::Get().GetExecutablePath()));
+}
+
 // The documents among the application's arguments, those that arrived before the window included.
 std::vector<gtString> argumentDocuments()
 {
@@ -118,8 +122,7 @@ std::vector<gtString> argumentDocuments()
     {
         return {};
     }
-    const gtString program = ahPathBytesFromText(wxStandardPaths::Get().GetExecutablePath());
-    return hoDocumentArguments(applicationArguments(), program);
+    return hoDocumentArguments(applicationArguments(), hoToText(programPath()));
 }
 
 // The toolkit's numbers of a window's place, to the settings and back.
@@ -339,6 +342,7 @@ void MainFrame::makeMenus()
                        "Show where assertions have failed while there were dialogs for them");
 
     auto* pHelp = new wxMenu;
+    pHelp->Append(wxID_HELP, "&Manual\tF1", "Open the manual in the desktop's program for it");
     pHelp->Append(wxID_ABOUT, "&About Countersign", "What this application is, and what it is not");
 
     auto* pBar = new wxMenuBar;
@@ -366,7 +370,10 @@ void MainFrame::bindEvents()
         wxEVT_MENU, [this](wxCommandEvent& event) { setAssertionDialogs(event.IsChecked()); }, ID_ASSERTION_DIALOGS);
     Bind(wxEVT_MENU, &MainFrame::OnFailAssertion, this, ID_FAIL_ASSERTION);
     Bind(wxEVT_MENU, &MainFrame::OnAssertionReport, this, ID_ASSERTION_REPORT);
-    Bind(wxEVT_MENU, &MainFrame::OnAbout, this, wxID_ABOUT);
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { hoShowManual(this, programPath()); }, wxID_HELP);
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent&) { hoShowAbout(this); }, wxID_ABOUT);
 
     Bind(
         wxEVT_MENU, [this](wxCommandEvent&) { chooseKey(true); }, ID_LOAD_PRIVATE_KEY);
@@ -539,16 +546,6 @@ void MainFrame::OnAssertionReport(wxCommandEvent&)
     }
     _pReportWindow->Show();
     _pReportWindow->Raise();
-}
-
-void MainFrame::OnAbout(wxCommandEvent&)
-{
-    wxAboutDialogInfo info;
-    info.SetName("Countersign");
-    info.SetVersion(COUNTERSIGN_VERSION);
-    info.SetDescription("Opens documents, signs and tests them, encrypts short texts,\n"
-                        "and helps developers with failed assertions.");
-    wxAboutBox(info, this);
 }
 
 void MainFrame::OnShowDetails(wxCommandEvent&)

@@ -99,7 +99,6 @@ private:
     void OnNewKeyPair(wxCommandEvent& event);
     void OnFailAssertion(wxCommandEvent& event);
     void OnAssertionReport(wxCommandEvent& event);
-    void OnAbout(wxCommandEvent& event);
     void OnShowDetails(wxCommandEvent& event);
     void OnColumnClick(wxListEvent& event);
     void OnContextMenu(wxContextMenuEvent& event);

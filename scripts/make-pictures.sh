@@ -47,3 +47,5 @@ COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t Down" mainWindow main-window \
 
 # The assertion report, with a failure that was ignored twice.
 COUNTERSIGN_PICTURE_KEYS="alt+d a alt+d f Return alt+d f alt+d r" mainWindow assertion-report
+
+COUNTERSIGN_PICTURE_KEYS="alt+h a" mainWindow about

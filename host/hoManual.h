@@ -1,0 +1,12 @@
+// Where the manual is. Safe from any thread; only std::bad_alloc comes out.
+#ifndef COUNTERSIGN_HO_MANUAL_H
+#define COUNTERSIGN_HO_MANUAL_H
+
+#include <string>
+
+// The manual that belongs to the program with this absolute path, links resolved: share/doc/countersign/manual.html
+// below a folder that the program is in, however deep (installed), or docs/manual.html of the sources that it was built
+// in. The nearest one; empty when there is none.
+std::string hoManualPath(const std::string& program);
+
+#endif
