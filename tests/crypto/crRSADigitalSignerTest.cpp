@@ -207,6 +207,16 @@ TEST_F(Signer, FoldsBytesLikeAFile)
     EXPECT_TRUE(text.isEmpty());
 }
 
+TEST_F(Signer, FoldsNothingWithoutADigest)
+{
+    crRSADigitalSigner signer(_publicKey);
+    EXPECT_TRUE(signer.createFileMessageDigest(_folder.write("file", "contents")));
+    EXPECT_FALSE(signer.createFileMessageDigest(osFilePath("/nowhere")));
+    gtString text("left over");
+    signer.messageDigestToString(text);
+    EXPECT_TRUE(text.isEmpty());
+}
+
 TEST_F(Signer, IsBlindToSwappedRuns)
 {
     const std::string first = scrambledBytes(60, 1);
