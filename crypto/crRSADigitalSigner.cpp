@@ -43,6 +43,7 @@ unsigned long amountToReadAtOnce(unsigned long bytesAtOnce)
     const unsigned long wholePages = std::lcm(bytesAtOnce, pageBytes);
     if (wholePages <= largestPieceBytes)
     {
+        // Neither is 0. NOLINTNEXTLINE(clang-analyzer-core.DivideZero)
         return largestPieceBytes / wholePages * wholePages;
     }
     return bytesAtOnce < largestPieceBytes ? largestPieceBytes / bytesAtOnce * bytesAtOnce : bytesAtOnce;

@@ -414,6 +414,7 @@ mpDigit spDivideStep(mpDigit& remainder, mpDigit next, mpDigit v)
 {
     const mpDigit vHigh = v >> bitsPerHalf;
     const mpDigit vLow = v & halfMask;
+    // The top bit of v is set. NOLINTNEXTLINE(clang-analyzer-core.DivideZero)
     mpDigit qhat = remainder / vHigh;
     mpDigit rhat = remainder - qhat * vHigh;
     if (qhat == halfMask + 1 || qhat * vLow > (rhat << bitsPerHalf | next))

@@ -107,14 +107,14 @@ void addTexts(const KeyTexts& texts)
         const auto text = std::make_shared<gtString>(std::string(static_cast<size_t>(length), 'x').c_str());
         const auto cipher = std::make_shared<gtString>();
         check(crRSAStringEncryptor(keys->publicKey).encrypt(*text, *cipher));
-        const std::string size = "/" + std::to_string(length) + " characters/ours";
-        addOperation("encrypt" + key + size,
+        const std::string rest = key + "/" + std::to_string(length) + " characters/ours";
+        addOperation("encrypt" + rest,
                      [keys, text]
                      {
                          gtString output;
                          check(crRSAStringEncryptor(keys->publicKey).encrypt(*text, output));
                      });
-        addOperation("decrypt" + key + size,
+        addOperation("decrypt" + rest,
                      [keys, text, cipher]
                      {
                          gtString output;
@@ -135,6 +135,7 @@ struct Usage
 Usage run(const std::vector<std::string>& command)
 {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& one : command)
     {
         arguments.push_back(const_cast<char*>(one.c_str()));
@@ -178,8 +179,7 @@ void addFiles(const std::string& self, const std::string& folder, const KeyTexts
     const std::string keyFile = folder + "/key";
     FILE* pKey = fopen(keyFile.c_str(), "w");
     check(pKey != nullptr);
-    fprintf(pKey, "%s\n%s\n", texts.product.c_str(), texts.publicNumber.c_str());
-    fclose(pKey);
+    check(fprintf(pKey, "%s\n%s\n", texts.product.c_str(), texts.publicNumber.c_str()) > 0 && fclose(pKey) == 0);
 
     const std::pair<const char*, long> sizes[] = {
         {"empty", 0}, {"1 MB", 1L << 20}, {"64 MB", 64L << 20}, {"1 GB", 1L << 30}};
@@ -214,7 +214,7 @@ int signFile(const char* file, const char* keyFile)
     char number[300];
     FILE* pKey = fopen(keyFile, "r");
     check(pKey != nullptr && fscanf(pKey, "%299s %299s", product, number) == 2);
-    fclose(pKey);
+    check(fclose(pKey) == 0);
     crRSAEncryptionKey key;
     check(key.setKeyFromStrings(1024, gtString(product), 1024, gtString(number)));
     gtString signature;
