@@ -1023,6 +1023,12 @@ void MainFrame::fillRecentMenu()
 
 void MainFrame::restorePlace()
 {
+    std::vector<int> widths;
+    for (std::size_t column = 1; column <= _pList->columnWidths().size(); ++column)
+    {
+        widths.push_back(static_cast<int>(_settings.number("column." + std::to_string(column), 0, 0, 10000)));
+    }
+    _pList->setColumnWidths(widths);
     PlaceReader reader(_settings);
     if (!RestoreToGeometry(reader))
     {
@@ -1038,6 +1044,11 @@ void MainFrame::remember()
         paths.push_back(hoToBytes(path));
     }
     _settings.setTexts("recent", paths);
+    int column = 0;
+    for (const int width : _pList->columnWidths())
+    {
+        _settings.setNumber("column." + std::to_string(++column), width);
+    }
     if (IsShown() && !IsIconized())
     {
         SaveGeometry(PlaceWriter(_settings));

@@ -29,6 +29,8 @@ const ColumnFace columns[] = {
 const int lastColumn = static_cast<int>(std::size(columns)) - 1;
 const int columnPadding = 20;
 const int stateIconWidth = 18;
+const int leastColumnWidth = 20;
+const int mostColumnWidth = 4000;
 }  // namespace
 
 hoDocumentListCtrl::hoDocumentListCtrl(wxWindow* pParent, const hoDocumentList& documents)
@@ -115,6 +117,29 @@ void hoDocumentListCtrl::select(const std::vector<std::size_t>& rows)
 void hoDocumentListCtrl::selectAll()
 {
     SetItemState(wxNOT_FOUND, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
+}
+
+std::vector<int> hoDocumentListCtrl::columnWidths() const
+{
+    std::vector<int> widths;
+    for (int column = 0; column < lastColumn; ++column)
+    {
+        widths.push_back(GetColumnWidth(column));
+    }
+    return widths;
+}
+
+void hoDocumentListCtrl::setColumnWidths(const std::vector<int>& widths)
+{
+    for (int column = 0; column < std::min(lastColumn, static_cast<int>(widths.size())); ++column)
+    {
+        const int width = widths[static_cast<std::size_t>(column)];
+        if (width >= leastColumnWidth && width <= mostColumnWidth)
+        {
+            SetColumnWidth(column, width);
+        }
+    }
+    widenLastColumn();
 }
 
 hoDocumentList::Column hoDocumentListCtrl::columnAt(int column)

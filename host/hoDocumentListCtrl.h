@@ -29,6 +29,10 @@ public:
 
     void selectAll();
 
+    // The widths of the columns but the last, which takes what is left; widths that make no sense are passed over.
+    std::vector<int> columnWidths() const;
+    void setColumnWidths(const std::vector<int>& widths);
+
     // The column that a header belongs to.
     static hoDocumentList::Column columnAt(int column);
 

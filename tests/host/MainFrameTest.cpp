@@ -290,6 +290,26 @@ TEST_F(MainWindow, RemembersItsSize)
                });
 }
 
+TEST_F(MainWindow, RemembersItsColumns)
+{
+    start();
+    list().SetColumnWidth(0, 123);
+    closeWindow();
+    wxGetApp().OnExit();
+    start();
+    EXPECT_EQ(list().GetColumnWidth(0), 123);
+}
+
+TEST_F(MainWindow, StartsWithSettingsThatMakeNoSense)
+{
+    std::filesystem::create_directories(_folder.path("config/countersign"));
+    _folder.write("config/countersign/settings",
+                  "column.1=-5\ncolumn.2=x\nwindow.w=99999999999\nwindow.h=-1\nrecent.1=%00\nrecent.2=\n");
+    start();
+    EXPECT_GT(list().GetColumnWidth(0), 20);
+    EXPECT_GE(_pFrame->GetSize().GetWidth(), 400);
+}
+
 TEST_F(MainWindow, StartsWithoutReadableSettings)
 {
     std::filesystem::create_directories(_folder.path("config/countersign/settings/not-a-file"));
