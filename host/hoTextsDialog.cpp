@@ -1,38 +1,16 @@
 #include "host/hoTextsDialog.h"
 
 #include "assertionHandling/ahTextConversion.h"
-#include "crypto/crRSAStringEncryptor.h"
+#include "crypto/crDigits.h"
 #include "host/hoDisplayText.h"
+#include "host/hoShortTexts.h"
+#include "host/hoSigningWords.h"
 #include "host/hoTextDialog.h"
-#include "host/signing/hoTextEncryption.h"
 
 #include <wx/button.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
-
-namespace
-{
-const int mostBytesShown = 4096;
-
-// "68 69 0a": what there is when it is no text.
-wxString bytesText(const gtString& bytes)
-{
-    gtString text;
-    for (int i = 0; i < bytes.length() && i < mostBytesShown; ++i)
-    {
-        text.appendFormattedString(i == 0 ? "%02x" : " %02x",
-                                   static_cast<unsigned int>(static_cast<unsigned char>(bytes[i])));
-    }
-    return wxString::FromAscii(text.asCharArray());
-}
-
-bool isValidText(const gtString& bytes)
-{
-    return bytes.isEmpty() ||
-           !wxString::FromUTF8(bytes.asCharArray(), static_cast<std::size_t>(bytes.length())).empty();
-}
-}  // namespace
 
 hoTextsDialog::hoTextsDialog(wxWindow* pParent, const hoKeyRing& keys)
     : wxDialog(pParent, wxID_ANY, "Texts", wxDefaultPosition, wxDefaultSize, wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
@@ -53,6 +31,16 @@ hoTextsDialog::hoTextsDialog(wxWindow* pParent, const hoKeyRing& keys)
                               wxTE_MULTILINE | wxTE_CHARWRAP);
     auto* pCopyCipher = new wxButton(this, wxID_ANY, "Copy &cipher text");
     _pSaid = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE);
+    wxString keysText = hoKeyText(_keys._public, false);
+    keysText = keysText.empty() ? "Encrypts with the partner of the " + hoKeyText(_keys._private, true)
+                                : "Encrypts with the " + keysText;
+    keysText += _keys.canSign() ? ".\nDecrypts with the " + hoKeyText(_keys._private, true) + "."
+                                : wxString(".\nLoad a private key to decrypt.");
+    if (!_keys.canTest())
+    {
+        keysText = "Load a key to encrypt or decrypt.";
+    }
+    auto* pKeys = new wxStaticText(this, wxID_ANY, keysText);
     auto* pClose = new wxButton(this, wxID_CLOSE);
 
     _pPlain->SetName("plain");
@@ -99,6 +87,7 @@ hoTextsDialog::hoTextsDialog(wxWindow* pParent, const hoKeyRing& keys)
     pTop->Add(pCipherLabel, row);
     pTop->Add(_pCipher, wxSizerFlags(1).Expand().DoubleBorder(wxLEFT | wxRIGHT));
     pTop->Add(_pSaid, row);
+    pTop->Add(pKeys, row);
     pTop->Add(pButtons, wxSizerFlags().Expand().DoubleBorder());
     SetSizerAndFit(pTop);
     CentreOnParent();
@@ -123,8 +112,11 @@ void hoTextsDialog::encrypt()
     {
         return;
     }
+    gtString text = ahBytesFromText(_pPlain->GetValue());
     gtString cipherText;
-    switch (hoEncryptText(*encryptingKey(), ahBytesFromText(_pPlain->GetValue()), cipherText))
+    const hoTextProblem problem = hoEncryptText(*encryptingKey(), text, cipherText);
+    crWipe(text);
+    switch (problem)
     {
     case hoTextProblem::None:
         _pCipher->ChangeValue(wxString::FromAscii(cipherText.asCharArray()));
@@ -151,20 +143,18 @@ void hoTextsDialog::decrypt()
     {
         return;
     }
-    const gtString cipherText = ahBytesFromText(_pCipher->GetValue().Trim().Trim(false));
-    gtString text;
-    switch (hoDecryptText(*decryptingKey(), cipherText, text))
+    hoReadableText found = hoDecryptForReading(*decryptingKey(), ahBytesFromText(_pCipher->GetValue()));
+    switch (found._problem)
     {
     case hoTextProblem::None:
-        if (isValidText(text))
+        if (found._isText)
         {
-            _pPlain->ChangeValue(ahShowableText(ahTextFromBytes(text)));
+            _pPlain->ChangeValue(ahTextFromBytes(found._bytes));
             say("Decrypted.");
         }
         else
         {
-            _pPlain->ChangeValue(bytesText(text));
-            say("What came out is no valid text; above are its bytes.");
+            sayWithBytes("What came out is no valid text (UTF-8).", found._bytes);
         }
         break;
     case hoTextProblem::NotACipherText:
@@ -174,14 +164,13 @@ void hoTextsDialog::decrypt()
         say("This is not as long as a cipher text of this key.");
         break;
     case hoTextProblem::DoesNotComeOut:
-        crRSAStringEncryptor(*decryptingKey()).decrypt(cipherText, text);
-        _pPlain->ChangeValue(bytesText(text));
-        say("Another key's cipher text, or a damaged one; above are the bytes that come out.");
+        sayWithBytes("Another key's cipher text, or a damaged one.", found._bytes);
         break;
     default:
         say("There is not enough memory.");
         break;
     }
+    crWipe(found._bytes);
     showCount();
 }
 
@@ -194,7 +183,6 @@ void hoTextsDialog::showCount()
 {
     if (encryptingKey() == nullptr)
     {
-        _pCount->SetLabelText("Load a key to encrypt or decrypt.");
         return;
     }
     const int length = ahBytesFromText(_pPlain->GetValue()).length();
@@ -203,7 +191,7 @@ void hoTextsDialog::showCount()
         hoNumberText(static_cast<std::uint64_t>(length)) + " of " + hoExactSizeText(static_cast<std::uint64_t>(most));
     if (length > most)
     {
-        count += ": too long for this key, it would not come back";
+        count += ": too long for this key, it would not come back and cannot be encrypted";
     }
     _pCount->SetLabelText(count);
 }
@@ -211,4 +199,12 @@ void hoTextsDialog::showCount()
 void hoTextsDialog::say(const wxString& text)
 {
     _pSaid->SetLabelText(text);
+}
+
+// In a window of their own: what was typed above stays.
+void hoTextsDialog::sayWithBytes(const wxString& text, const gtString& bytes)
+{
+    say(text);
+    hoTextDialog(this, "No text", text + " These bytes come out:", wxString::FromAscii(hoHexDump(bytes).c_str()))
+        .ShowModal();
 }

@@ -1,4 +1,5 @@
 // Encrypts and decrypts short texts with the loaded keys: the plain text above, the cipher text below.
+// Nothing that is typed or decrypted here is kept anywhere.
 #ifndef COUNTERSIGN_HO_TEXTS_DIALOG_H
 #define COUNTERSIGN_HO_TEXTS_DIALOG_H
 
@@ -23,6 +24,7 @@ private:
     void copy(const wxTextCtrl* pText, const wxString& what);
     void showCount();
     void say(const wxString& text);
+    void sayWithBytes(const wxString& text, const gtString& bytes);
 
     const hoKeyRing _keys;
     wxTextCtrl* _pPlain;

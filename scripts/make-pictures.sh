@@ -49,3 +49,4 @@ COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t Down" mainWindow main-window \
 COUNTERSIGN_PICTURE_KEYS="alt+d a alt+d f Return alt+d f alt+d r" mainWindow assertion-report
 
 COUNTERSIGN_PICTURE_KEYS="alt+h a" mainWindow about
+COUNTERSIGN_PICTURE_KEYS="$keys ctrl+e type:Meet-me-at-noon. alt+e Tab" mainWindow texts

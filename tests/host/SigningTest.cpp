@@ -5,6 +5,7 @@
 #include "host/hoDocumentDropTarget.h"
 #include "host/hoProgressDialog.h"
 #include "host/hoStateIcons.h"
+#include "host/hoTextDialog.h"
 
 #include <gmock/gmock.h>
 #include <wx/msgdlg.h>
@@ -366,16 +367,26 @@ TEST_F(Signing, EncryptsAndDecryptsShortTexts)
                      input("cipher")->SetValue(cipher);
                      tsPressKeys("alt+d");
                  })
+        .waitUntil("the bytes are shown",
+                   []
+                   {
+                       const auto* pDialog = dynamic_cast<hoTextDialog*>(tsTopModalDialog());
+                       return pDialog != nullptr && tsHasKeyboard(*pDialog);
+                   })
+        .perform("leave them", [] { tsPressKeys("Escape"); })
+        .waitUntil("the bytes are gone", [] { return dynamic_cast<hoTextDialog*>(tsTopModalDialog()) == nullptr; })
         .waitUntil("the damage is told", [&] { return label("said").find("damaged") != std::string::npos; })
         .perform("close the dialog",
                  [&]
                  {
-                     EXPECT_THAT(input("plain")->GetValue().utf8_string(), testing::MatchesRegex("[0-9a-f ]*"));
+                     EXPECT_EQ(input("plain")->GetValue().utf8_string(), "at noon " + euro);
                      tsPressKeys("Escape");
                  })
         .start();
     tsPressKeys("ctrl+e");
     tsRunUntil("the dialog was used", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
-    EXPECT_THAT(counts, ElementsAre("0 of 127 bytes", "128 of 127 bytes: too long for this key, it would not come back",
+    EXPECT_THAT(counts, ElementsAre("0 of 127 bytes",
+                                    "128 of 127 bytes: too long for this key, it would not come back and cannot be "
+                                    "encrypted",
                                     "11 of 127 bytes"));
 }
