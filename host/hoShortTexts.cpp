@@ -89,7 +89,7 @@ std::string hoHexDump(const gtString& bytes)
     for (std::size_t begin = 0; begin < all.size(); begin += bytesInALine)
     {
         char number[24];
-        std::snprintf(number, sizeof number, "%08zx ", begin);
+        static_cast<void>(std::snprintf(number, sizeof number, "%08zx ", begin));
         dump += number;
         std::string right;
         for (std::size_t i = 0; i < bytesInALine; ++i)
@@ -98,7 +98,7 @@ std::string hoHexDump(const gtString& bytes)
             if (begin + i < all.size())
             {
                 const auto byte = static_cast<unsigned char>(all[begin + i]);
-                std::snprintf(number, sizeof number, "%02x", static_cast<unsigned int>(byte));
+                static_cast<void>(std::snprintf(number, sizeof number, "%02x", static_cast<unsigned int>(byte)));
                 dump += number;
                 right += byte >= 0x20U && byte < 0x7FU ? static_cast<char>(byte) : '.';
             }
