@@ -19,7 +19,9 @@ test=(
     libgtest-dev libgmock-dev libgmp-dev
     gdb openssl
     # A session bus to meet on, and the desktop's own validators.
-    dbus libglib2.0-bin desktop-file-utils appstream dpkg-dev
+    dbus libglib2.0-bin desktop-file-utils appstream
+    # What makes the package, and what reads the manual pages.
+    dpkg-dev file man-db
     # The fuzzers' compiler.
     clang libclang-rt-14-dev
 )

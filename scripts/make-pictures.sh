@@ -16,7 +16,7 @@ step "taking docs/images/assertion-dialog.png" \
     "$root/scripts/with-display.sh" "$programs/picture_assertion_dialog" "$images/assertion-dialog.png"
 
 # The main window, with settings and documents of its own.
-files=$(mktemp -d) || fail "making a temporary folder"
+files=$(mktemp -d /tmp/countersign.XXXXXX) || fail "making a temporary folder"
 trap 'rm -rf "$files"' EXIT
 export XDG_CONFIG_HOME=$files/config
 documents=$files/Documents
@@ -49,4 +49,11 @@ COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t Down" mainWindow main-window \
 COUNTERSIGN_PICTURE_KEYS="alt+d a alt+d f Return alt+d f alt+d r" mainWindow assertion-report
 
 COUNTERSIGN_PICTURE_KEYS="alt+h a" mainWindow about
-COUNTERSIGN_PICTURE_KEYS="$keys ctrl+e type:Meet-me-at-noon. alt+e Tab" mainWindow texts
+COUNTERSIGN_PICTURE_KEYS="$keys ctrl+e type:Meet-me-at-noon. alt+e" mainWindow texts
+
+COUNTERSIGN_PICTURE_KEYS="alt+k n" mainWindow new-key-pair
+
+openssl rsa -aes128 -passout pass:secret -in "$files/alice.pem" -out "$files/locked.pem" 2>/dev/null ||
+    fail "encrypting a key"
+chmod 600 "$files/locked.pem"
+COUNTERSIGN_PICTURE_KEYS="ctrl+k type:$files/locked.pem Return" mainWindow passphrase

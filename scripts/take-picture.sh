@@ -71,6 +71,8 @@ for key in ${COUNTERSIGN_PICTURE_KEYS:-}; do
         type:*) xdotool type --clearmodifiers -- "${key#type:}" || fail "typing ${key#type:}" ;;
         *) xdotool key --clearmodifiers "$key" || fail "pressing $key" ;;
     esac
+    # Pictures from before the key tell nothing.
+    rm -f "$files/now.png" "$files/before.png"
     waitUntil "its window was drawn again" stands
 done
 # The bare screen around the windows is one colour.
