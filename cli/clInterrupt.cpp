@@ -18,6 +18,12 @@ int wakePipe[2] = {-1, -1};
 extern "C" void clNoteSignal(int number)
 {
     const int error = errno;
+    if (caughtSignal != 0)
+    {
+        // The second: it takes effect as soon as this handler returns.
+        static_cast<void>(std::signal(number, SIG_DFL));
+        static_cast<void>(std::raise(number));
+    }
     caughtSignal = number;
     if (::write(wakePipe[1], "", 1) < 0)
     {
@@ -48,7 +54,6 @@ void clCatchInterrupts()
         {
             action = {};
             action.sa_handler = clNoteSignal;
-            action.sa_flags = static_cast<int>(SA_RESETHAND);
             sigemptyset(&action.sa_mask);
             sigaction(number, &action, nullptr);
         }
