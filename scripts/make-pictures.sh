@@ -44,6 +44,13 @@ COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+s" mainWindow main-window "$documents
 printf x >>"$documents/minutes.txt"
 COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t Down" mainWindow main-window \
     "$documents"/*.pdf "$documents"/*.odt "$documents"/*.txt "$documents"/*.flac
+COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t shift+Tab shift+Tab space" mainWindow details \
+    "$documents"/*.pdf "$documents"/*.odt "$documents"/*.txt "$documents"/*.flac
+
+# A file that takes a while, of holes alone.
+truncate -s 40G "$documents/backup.img" || fail "making a large file"
+COUNTERSIGN_PICTURE_KEYS="$keys dialog:ctrl+shift+s" mainWindow progress "$documents/backup.img"
+rm "$documents/backup.img"
 
 # The assertion report, with a failure that was ignored twice.
 COUNTERSIGN_PICTURE_KEYS="alt+d a alt+d f Return alt+d f alt+d r" mainWindow assertion-report

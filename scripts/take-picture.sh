@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Runs a program on the present display until its window stands and is drawn, writes a picture of it and of the menus and
-# dialogs it has opened, closes the window as a user would and waits for the program to end. Ends with 0 when all of it went well and the program
-# ended with 0.
+# dialogs it has opened, closes the window as a user would and waits for the program to end. Ends with 0 when all of it
+# went well and the program ended with 0.
 #
 #   scripts/take-picture.sh PICTURE.png PROGRAM [ARGUMENT...]
 #
 # COUNTERSIGN_PICTURE_KEYS: keys to press before the picture, as xdotool names them, and texts to type without blanks
-# ("ctrl+o type:/etc/hosts Return alt+f").
+# ("ctrl+o type:/etc/hosts Return alt+f"). The last may be "dialog:KEY": a key that brings up a dialog which never comes
+# to rest, such as one that shows progress.
 set -u
 
 picture=$1
@@ -47,6 +48,10 @@ hasWindow() {
     [ -n "$window" ]
 }
 
+hasDialog() {
+    [ "$(wmctrl -l -p 2>/dev/null | awk -v pid="$program" '$3 == pid' | wc -l)" -gt 1 ]
+}
+
 # A window is drawn when it holds more than a handful of colours, and all is drawn when two pictures in a row are the
 # same: contents come after the frame, documents after the contents.
 stands() {
@@ -68,6 +73,13 @@ waitUntil "its window appeared" hasWindow
 waitUntil "its window was drawn" stands
 for key in ${COUNTERSIGN_PICTURE_KEYS:-}; do
     case $key in
+        dialog:*)
+            xdotool key --clearmodifiers "${key#dialog:}" || fail "pressing ${key#dialog:}"
+            waitUntil "a dialog appeared" hasDialog
+            sleep 1
+            import -silent -window root "$files/now.png" || fail "taking the picture"
+            continue
+            ;;
         type:*) xdotool type --clearmodifiers -- "${key#type:}" || fail "typing ${key#type:}" ;;
         *) xdotool key --clearmodifiers "$key" || fail "pressing $key" ;;
     esac
