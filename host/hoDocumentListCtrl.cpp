@@ -122,6 +122,7 @@ void hoDocumentListCtrl::selectAll()
 std::vector<int> hoDocumentListCtrl::columnWidths() const
 {
     std::vector<int> widths;
+    widths.reserve(static_cast<std::size_t>(lastColumn));
     for (int column = 0; column < lastColumn; ++column)
     {
         widths.push_back(GetColumnWidth(column));

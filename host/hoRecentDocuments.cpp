@@ -17,9 +17,14 @@ void hoRecentDocuments::add(gtString path)
     }
 }
 
-bool hoRecentDocuments::remove(gtString path)
+bool hoRecentDocuments::remove(const gtString& path)
 {
-    const std::size_t before = _paths.size();
-    _paths.erase(std::remove(_paths.begin(), _paths.end(), path), _paths.end());
-    return _paths.size() < before;
+    // A path is in the list once at the most; after it has been found it is not looked at again, so it may be the list's.
+    const auto found = std::find(_paths.begin(), _paths.end(), path);
+    if (found == _paths.end())
+    {
+        return false;
+    }
+    _paths.erase(found);
+    return true;
 }

@@ -17,7 +17,7 @@ public:
     // (By value: a path that is in the list may be given.)
     void add(gtString path);
     // Whether it was there.
-    bool remove(gtString path);
+    bool remove(const gtString& path);
     void clear() { _paths.clear(); }
 
     const std::vector<gtString>& paths() const { return _paths; }
