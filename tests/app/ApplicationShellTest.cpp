@@ -14,7 +14,7 @@
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
 #include "assertionHandling/ahTextConversion.h"
 #include "platform/osWrappers/osProcess.h"
-#include "tests/support/tsAllocations.h"
+#include "tests/support/failingAllocation.h"
 
 namespace
 {
@@ -161,9 +161,9 @@ TEST(Shell, GoesOnWithoutMemoryForTheHandler)
     recorder.reports.reserve(10);
     OpenShell shell;
     MainFrame::hasNoMemory = true;
-    tsFailAllocationAfter(0);
+    const OneFailingAllocation failure(0);
     EXPECT_FALSE(shell.OnInit());
-    EXPECT_TRUE(tsHasAllocationFailed());
+    EXPECT_TRUE(failure.hasFailed());
     MainFrame::hasNoMemory = false;
     EXPECT_EQ(shell._pAssertionFailureHandler, nullptr);
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);

@@ -10,7 +10,7 @@
 #include "MainFrame.h"
 
 #include "assertionHandling/ahTextConversion.h"
-#include "tests/support/tsAllocations.h"
+#include "tests/support/failingAllocation.h"
 #include "tests/support/tsWindowTest.h"
 
 namespace
@@ -128,9 +128,9 @@ TEST_F(ShellWindow, StartsWithoutMemoryForTheHandler)
 {
     AssertionRecorder recorder;
     recorder.reports.reserve(10);
-    tsFailAllocationAfter(0);
+    const OneFailingAllocation failure(0);
     EXPECT_TRUE(wxGetApp().OnInit());
-    EXPECT_TRUE(tsHasAllocationFailed());
+    EXPECT_TRUE(failure.hasFailed());
     EXPECT_EQ(recorder.reports,
               std::vector<std::string>{
                   "OnInit app/ApplicationShell.cpp 51 Assertion failure (_pAssertionFailureHandler != __null)"});

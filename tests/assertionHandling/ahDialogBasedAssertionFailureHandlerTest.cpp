@@ -24,7 +24,7 @@
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "platform/osWrappers/osProcess.h"
 #include "platform/osWrappers/osTime.h"
-#include "tests/support/tsAllocations.h"
+#include "tests/support/failingAllocation.h"
 
 namespace
 {
@@ -88,12 +88,12 @@ TEST(Handler, IsSilentWhateverItIsTold)
     ahDialogBasedAssertionFailureHandler handler(osGetCurrentThreadId());
     testing::internal::CaptureStderr();
     testing::internal::CaptureStdout();
-    const long live = tsLiveAllocations();
+    const long live = amountOfLiveAllocations();
     handler.onAssertionFailure(nullptr, nullptr, 0, nullptr);
     handler.onAssertionFailure("f", nullptr, -1, "m");
     handler.onAssertionFailure("", "", INT_MIN, "");
     handler.onAssertionFailure("function", "file.cpp", 7, "Assertion failure (x)");
-    EXPECT_EQ(tsLiveAllocations(), live);
+    EXPECT_EQ(amountOfLiveAllocations(), live);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(amountOfWindows(), 0);
@@ -210,7 +210,7 @@ TEST(Handler, SkipsNullEntries)
 
 TEST(Handler, FreesItsLocations)
 {
-    const long live = tsLiveAllocations();
+    const long live = amountOfLiveAllocations();
     {
         const std::string longPath(1000, 'p');
         gtIAssertionFailureHandler* pHandler = new OpenHandler(1);
@@ -221,7 +221,7 @@ TEST(Handler, FreesItsLocations)
         static_cast<OpenHandler*>(pHandler)->_ignoredSourceLocations.push_back(nullptr);
         delete pHandler;
     }
-    EXPECT_EQ(tsLiveAllocations(), live);
+    EXPECT_EQ(amountOfLiveAllocations(), live);
 }
 
 TEST(Handler, NoDecisionChangesNothing)
@@ -249,25 +249,24 @@ TEST(Handler, WithoutMemoryALocationIsNotAddedAndNothingIsLost)
         ASSERT_LT(i, 20);
         OpenHandler handler(1);
         handler.handleUsersDecision(8002, path("/first.cpp"), 1);
-        const long live = tsLiveAllocations();
+        const long live = amountOfLiveAllocations();
         bool throws = false;
-        tsFailAllocationAfter(i);
         try
         {
+            const OneFailingAllocation failure(i);
             handler.handleUsersDecision(8002, location, 5);
         }
         catch (const std::bad_alloc&)
         {
             throws = true;
         }
-        tsFailAllocationAfter(-1);
         isDone = handler._ignoredSourceLocations.size() == 2;
         if (!isDone)
         {
             EXPECT_EQ(handler._ignoredSourceLocations.size(), 1);
             EXPECT_FALSE(handler.isInIgnoredSourceLocations(location, 5));
             EXPECT_TRUE(handler.isInIgnoredSourceLocations(path("/first.cpp"), 1));
-            EXPECT_EQ(tsLiveAllocations(), live);
+            EXPECT_EQ(amountOfLiveAllocations(), live);
             hasThrown = hasThrown || throws;
             hasBeenSilent = hasBeenSilent || !throws;
         }

@@ -13,10 +13,11 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <new>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+
+#include "tests/support/failingAllocation.h"
 
 namespace
 {
@@ -76,13 +77,13 @@ using OpenFunction = int (*)(const char*, int, ...);
 using StatFunction = int (*)(const char*, struct stat*);
 using FstatFunction = int (*)(int, struct stat*);
 
-void* allocate(std::size_t size)
+bool mayAllocate()
 {
     int error = 0;
-    return ((hasOpened && isFaulty("new", error)) || (hasMainBegun && isFaulty("parse", error)))
-               ? nullptr
-               : std::malloc((size == 0) ? 1 : size);
+    return !(hasOpened && isFaulty("new", error)) && !(hasMainBegun && isFaulty("parse", error));
 }
+
+const bool isAsked = (askBeforeAllocating(mayAllocate), true);
 
 }  // namespace
 
@@ -203,42 +204,4 @@ extern "C"
     {
         return hasFailed("realpath") ? nullptr : next<char* (*)(const char*, char*)>("realpath")(pPath, pResolved);
     }
-}
-
-void* operator new(std::size_t size)
-{
-    void* pMemory = allocate(size);
-    if (pMemory == nullptr)
-    {
-        throw std::bad_alloc();
-    }
-    return pMemory;
-}
-void* operator new[](std::size_t size)
-{
-    return operator new(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return allocate(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
-{
-    return allocate(size);
-}
-void operator delete(void* pMemory) noexcept
-{
-    std::free(pMemory);
-}
-void operator delete[](void* pMemory) noexcept
-{
-    std::free(pMemory);
-}
-void operator delete(void* pMemory, std::size_t) noexcept
-{
-    std::free(pMemory);
-}
-void operator delete[](void* pMemory, std::size_t) noexcept
-{
-    std::free(pMemory);
 }

@@ -15,103 +15,40 @@
 #include "crypto/crRSAEncryptionKey.h"
 #include "crypto/crRSAStringEncryptor.h"
 #include "cryptoTestSupport.h"
+#include "tests/support/failingAllocation.h"
 
 namespace
 {
 
-// Counts down to the allocation that fails; below zero none does. The secret is looked for in what is given back.
-long allocationsLeft = -1;
-bool hasFailed = false;
+// What is looked for in all memory that is given back.
 unsigned char secretBytes[64];
 std::size_t secretLength = 0;
 int secretsGivenBack = 0;
 
-void* allocate(std::size_t size)
+void look(const void* pMemory, std::size_t size)
 {
-    if (allocationsLeft == 0)
-    {
-        hasFailed = true;
-        allocationsLeft = -1;
-        return nullptr;
-    }
-    if (allocationsLeft > 0)
-    {
-        allocationsLeft--;
-    }
-    return std::malloc((size == 0) ? 1 : size);
-}
-
-void giveBack(void* pMemory)
-{
-    if ((pMemory != nullptr) && (secretLength > 0) &&
-        (memmem(pMemory, malloc_usable_size(pMemory), secretBytes, secretLength) != nullptr))
+    if ((secretLength > 0) && (memmem(pMemory, size, secretBytes, secretLength) != nullptr))
     {
         secretsGivenBack++;
     }
-    std::free(pMemory);
 }
 
-// Calls the operation with the first allocation failing, then the second, until it runs through without a failure.
-// Returns how many times it was made to fail.
+// Calls the operation, which is told of the failure, with the first allocation failing, then the second, until it runs
+// through without a failure. Returns how many times it was made to fail.
 template <class Operation>
 int failEachAllocation(Operation operation)
 {
     int failures = 0;
     for (;; failures++)
     {
-        hasFailed = false;
-        allocationsLeft = failures;
-        operation();
-        allocationsLeft = -1;
-        if (!hasFailed)
+        const OneFailingAllocation failure(failures);
+        operation(failure);
+        if (!failure.hasFailed())
         {
             return failures;
         }
     }
 }
-
-}  // namespace
-
-void* operator new(std::size_t size)
-{
-    void* pMemory = allocate(size);
-    if (pMemory == nullptr)
-    {
-        throw std::bad_alloc();
-    }
-    return pMemory;
-}
-void* operator new[](std::size_t size)
-{
-    return operator new(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return allocate(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
-{
-    return allocate(size);
-}
-void operator delete(void* pMemory) noexcept
-{
-    giveBack(pMemory);
-}
-void operator delete[](void* pMemory) noexcept
-{
-    giveBack(pMemory);
-}
-void operator delete(void* pMemory, std::size_t) noexcept
-{
-    giveBack(pMemory);
-}
-void operator delete[](void* pMemory, std::size_t) noexcept
-{
-    giveBack(pMemory);
-}
-
-namespace
-{
 
 class CryptoFaults : public ::testing::Test
 {
@@ -123,8 +60,13 @@ protected:
         _longText = toText(std::string(600, 'x'));
         _file = _folder.write("a file with a name that does not fit into a short string", scrambledBytes(1000, 1));
         secretsGivenBack = 0;
+        watchWhatIsGivenBack(look);
     }
-    ~CryptoFaults() override { secretLength = 0; }
+    ~CryptoFaults() override
+    {
+        watchWhatIsGivenBack(nullptr);
+        secretLength = 0;
+    }
 
     // Looks for these bytes in all memory that is given back from now on.
     static void watchFor(const void* pBytes, std::size_t length)
@@ -148,22 +90,22 @@ TEST_F(CryptoFaults, KeysAreRefused)
 {
     const gtString modulus = toText(fixedWidthHex(_pair.modulus.get(), 16));
     const int failures = failEachAllocation(
-        [&]
+        [&](const OneFailingAllocation& failure)
         {
             crRSAEncryptionKey key;
             const bool loaded = key.setKeyFromStrings(512, modulus, 512, modulus);
-            EXPECT_EQ(loaded, !hasFailed);
-            EXPECT_EQ(key.isUsable(), !hasFailed);
+            EXPECT_EQ(loaded, !failure.hasFailed());
+            EXPECT_EQ(key.isUsable(), !failure.hasFailed());
             EXPECT_EQ(key.amountOfProductDigits(), 16);
         });
     EXPECT_EQ(failures, 2);
     EXPECT_EQ(failEachAllocation(
-                  [&]
+                  [&](const OneFailingAllocation& failure)
                   {
                       crRSAEncryptionKey key;
                       const bool loaded = key.setKeyFromStringAndFermatPrime(512, modulus, 3);
-                      EXPECT_EQ(loaded, !hasFailed);
-                      EXPECT_EQ(key.isUsable(), !hasFailed);
+                      EXPECT_EQ(loaded, !failure.hasFailed());
+                      EXPECT_EQ(key.isUsable(), !failure.hasFailed());
                   }),
               2);
 }
@@ -171,12 +113,12 @@ TEST_F(CryptoFaults, KeysAreRefused)
 TEST_F(CryptoFaults, EncryptingFailsWithItsOutputAlone)
 {
     const int failures = failEachAllocation(
-        [&]
+        [&](const OneFailingAllocation& failure)
         {
             gtString output("kept");
             const bool isEncrypted = crRSAStringEncryptor(_publicKey).encrypt(_longText, output);
-            EXPECT_EQ(isEncrypted, !hasFailed);
-            EXPECT_EQ(output == gtString("kept"), hasFailed);
+            EXPECT_EQ(isEncrypted, !failure.hasFailed());
+            EXPECT_EQ(output == gtString("kept"), failure.hasFailed());
         });
     EXPECT_EQ(failures, 3);
 }
@@ -186,13 +128,13 @@ TEST_F(CryptoFaults, DecryptingIsTrueAndEmpty)
     gtString cipher;
     ASSERT_TRUE(crRSAStringEncryptor(_publicKey).encrypt(_longText, cipher));
     const int failures = failEachAllocation(
-        [&]
+        [&](const OneFailingAllocation& failure)
         {
             gtString output("left over");
             bool isShortOfMemory = false;
             EXPECT_TRUE(crRSAStringEncryptor(_privateKey).decrypt(cipher, output, isShortOfMemory));
-            EXPECT_EQ(output.isEmpty(), hasFailed);
-            EXPECT_EQ(isShortOfMemory, hasFailed);
+            EXPECT_EQ(output.isEmpty(), failure.hasFailed());
+            EXPECT_EQ(isShortOfMemory, failure.hasFailed());
         });
     EXPECT_GT(failures, 2);
 }
@@ -202,7 +144,7 @@ TEST_F(CryptoFaults, SigningFailsOrSignsRight)
     gtString expected;
     ASSERT_TRUE(crRSADigitalSigner(_privateKey).getSignature(_file, expected));
     const int failures = failEachAllocation(
-        [&]
+        [&](const OneFailingAllocation& failure)
         {
             crRSADigitalSigner signer(_privateKey);
             gtString signature("kept");
@@ -212,7 +154,7 @@ TEST_F(CryptoFaults, SigningFailsOrSignsRight)
             }
             else
             {
-                EXPECT_TRUE(hasFailed);
+                EXPECT_TRUE(failure.hasFailed());
                 EXPECT_EQ(signature, gtString("kept"));
             }
             EXPECT_EQ(signer.amountOfDigestBytes(), 0);
@@ -226,15 +168,15 @@ TEST_F(CryptoFaults, TestingIsNeverWronglyGood)
     ASSERT_TRUE(crRSADigitalSigner(_privateKey).getSignature(_file, signature));
     const osFilePath other = _folder.write("another file with a name that does not fit into a short string", "x");
     const int failures = failEachAllocation(
-        [&]
+        [&](const OneFailingAllocation& failure)
         {
             crRSADigitalSigner tester(_publicKey);
             const bool isGood = tester.testSignature(_file, signature);
-            EXPECT_TRUE(isGood || hasFailed);
+            EXPECT_TRUE(isGood || failure.hasFailed());
         });
     EXPECT_GT(failures, 4);
     failEachAllocation(
-        [&]
+        [&](const OneFailingAllocation&)
         {
             crRSADigitalSigner tester(_publicKey);
             EXPECT_FALSE(tester.testSignature(other, signature));
@@ -245,10 +187,10 @@ TEST_F(CryptoFaults, BlowfishKeysAreNull)
 {
     const unsigned char bytes[16] = {1, 2, 3};
     EXPECT_EQ(failEachAllocation(
-                  [&]
+                  [&](const OneFailingAllocation& failure)
                   {
                       const crBlowfishEncryptionKey key(bytes);
-                      EXPECT_EQ(key.keyRecord() == nullptr, hasFailed);
+                      EXPECT_EQ(key.keyRecord() == nullptr, failure.hasFailed());
                   }),
               1);
 }

@@ -273,7 +273,9 @@ TEST(Registry, keepsErrno)
     std::vector<int> seen;
     const auto action = [&](Handler&)
     {
-        seen.push_back(errno);
+        // Not by reference: growing the list changes it.
+        const int found = errno;
+        seen.push_back(found);
         errno = ERANGE;
     };
     Handler first(action);

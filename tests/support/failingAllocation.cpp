@@ -1,28 +1,56 @@
 #include "tests/support/failingAllocation.h"
 
+#include <atomic>
+#include <cerrno>
 #include <cstdlib>
+#include <malloc.h>
 #include <new>
 
 namespace
 {
+
 constexpr int never = -1;
+
 thread_local int amountLeft = never;
-thread_local bool isFailed = false;
+thread_local bool hasThreadFailed = false;
 thread_local unsigned long long amount = 0;
 
-void* allocate(std::size_t size) noexcept
+std::atomic<long> amountLeftOfAll{never};
+std::atomic<bool> hasOneFailed{false};
+std::atomic<long> amountAlive{0};
+std::atomic<bool (*)()> pQuestion{nullptr};
+std::atomic<void (*)(const void*, std::size_t)> pOnlooker{nullptr};
+
+bool isToFail() noexcept
 {
-    ++amount;
     if (amountLeft == 0)
     {
-        isFailed = true;
-        return nullptr;
+        hasThreadFailed = true;
+        return true;
     }
     if (amountLeft > 0)
     {
         --amountLeft;
     }
-    return std::malloc((size == 0) ? 1 : size);
+    if (amountLeftOfAll >= 0 && amountLeftOfAll-- == 0)
+    {
+        hasOneFailed = true;
+        return true;
+    }
+    const auto pMayAllocate = pQuestion.load();
+    return pMayAllocate != nullptr && !pMayAllocate();
+}
+
+void* allocate(std::size_t size) noexcept
+{
+    ++amount;
+    void* const pMemory = isToFail() ? nullptr : std::malloc((size == 0) ? 1 : size);
+    if (pMemory != nullptr)
+    {
+        ++amountAlive;
+    }
+    errno = ENOMEM;
+    return pMemory;
 }
 
 void* allocateOrThrow(std::size_t size)
@@ -34,11 +62,27 @@ void* allocateOrThrow(std::size_t size)
     }
     return pMemory;
 }
+
+void giveBack(void* pMemory) noexcept
+{
+    if (pMemory == nullptr)
+    {
+        return;
+    }
+    const auto pWatcher = pOnlooker.load();
+    if (pWatcher != nullptr)
+    {
+        pWatcher(pMemory, malloc_usable_size(pMemory));
+    }
+    --amountAlive;
+    std::free(pMemory);
+}
+
 }  // namespace
 
 FailingAllocation::FailingAllocation(int amountBefore) noexcept
 {
-    isFailed = false;
+    hasThreadFailed = false;
     amountLeft = amountBefore;
 }
 
@@ -49,12 +93,43 @@ FailingAllocation::~FailingAllocation()
 
 bool FailingAllocation::hasFailed() const noexcept
 {
-    return isFailed;
+    return hasThreadFailed;
+}
+
+OneFailingAllocation::OneFailingAllocation(long amountBefore) noexcept
+{
+    hasOneFailed = false;
+    amountLeftOfAll = amountBefore;
+}
+
+OneFailingAllocation::~OneFailingAllocation()
+{
+    amountLeftOfAll = never;
+}
+
+bool OneFailingAllocation::hasFailed() const noexcept
+{
+    return hasOneFailed;
 }
 
 unsigned long long amountOfAllocations() noexcept
 {
     return amount;
+}
+
+long amountOfLiveAllocations() noexcept
+{
+    return amountAlive;
+}
+
+void askBeforeAllocating(bool (*pMayAllocate)()) noexcept
+{
+    pQuestion = pMayAllocate;
+}
+
+void watchWhatIsGivenBack(void (*pWatcher)(const void* pMemory, std::size_t size)) noexcept
+{
+    pOnlooker = pWatcher;
 }
 
 void* operator new(std::size_t size)
@@ -79,30 +154,30 @@ void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
 
 void operator delete(void* pMemory) noexcept
 {
-    std::free(pMemory);
+    giveBack(pMemory);
 }
 
 void operator delete[](void* pMemory) noexcept
 {
-    std::free(pMemory);
+    giveBack(pMemory);
 }
 
 void operator delete(void* pMemory, std::size_t) noexcept
 {
-    std::free(pMemory);
+    giveBack(pMemory);
 }
 
 void operator delete[](void* pMemory, std::size_t) noexcept
 {
-    std::free(pMemory);
+    giveBack(pMemory);
 }
 
 void operator delete(void* pMemory, const std::nothrow_t&) noexcept
 {
-    std::free(pMemory);
+    giveBack(pMemory);
 }
 
 void operator delete[](void* pMemory, const std::nothrow_t&) noexcept
 {
-    std::free(pMemory);
+    giveBack(pMemory);
 }
