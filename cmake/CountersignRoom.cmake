@@ -1,4 +1,5 @@
-# What every room's target has in common: the language, the warnings, the include roots, the sanitizers.
+# What every room's target has in common: the language, the warnings, the include roots, the hardening, the sanitizers.
+include(CountersignHardening)
 
 # countersign_target(<target>): for every target of ours, library, program or test.
 function(countersign_target target)
@@ -15,6 +16,7 @@ function(countersign_target target)
         -Werror
         # clang finds fault with what is meant: style words of different enumerations, a count that a lambda takes down.
         $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-enum-enum-conversion -Wno-for-loop-analysis>)
+    countersign_harden(${target})
     if(COUNTERSIGN_SANITIZE)
         target_compile_options(${target} PRIVATE
             -fsanitize=${COUNTERSIGN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -20,6 +20,11 @@ case $way in
         cmake --install "$build" --prefix "$here/installed" >"$here/install.log"
         # What a project sees may not depend on where it was installed first.
         mv "$here/installed" "$here/moved"
+        # How ours is compiled is no other project's affair.
+        if grep -rnE -- '-fstack-|-fcf-|FORTIFY|-Wl,-z' "$here/moved"/lib*/cmake "$here/moved"/lib*/pkgconfig; then
+            echo "the hardening reaches the projects that link" >&2
+            exit 1
+        fi
         ;;
 esac
 
