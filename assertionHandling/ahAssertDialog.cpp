@@ -6,9 +6,11 @@
 #include <wx/icon.h>
 #include <wx/sizer.h>
 #include <wx/textctrl.h>
+#include <wx/wupdlock.h>
 
 #include "assertionHandling/ahAssertDialogIcon.h"
 #include "assertionHandling/ahTextConversion.h"
+#include "assertionHandling/ahTextLayout.h"
 #include "assertionHandling/ahUrlHighlighting.h"
 #include "platform/baseTools/gtString.h"
 
@@ -166,29 +168,38 @@ void ahAssertDialog::fillAssertionMessageBody(wxTextCtrl* pTextCtrl)
     gtString lineText;
     lineText.appendFormattedString("%d", _lineNumber);
 
-    pTextCtrl->SetDefaultStyle(headingStyle);
-    pTextCtrl->AppendText(wxS("Debug Assertion Failed!"));
-    pTextCtrl->AppendText(wxS("\n\n"));
+    {
+        const std::size_t length = _assertionMessage.length() + static_cast<std::size_t>(_filePath.length());
+        const ahUrlDetectionPause noSlowDetection(pTextCtrl, length);
+        // Otherwise every piece lays out all that is there already.
+        const wxWindowUpdateLocker noPainting(pTextCtrl);
 
-    pTextCtrl->SetDefaultStyle(labelStyle);
-    pTextCtrl->AppendText(wxS("File Name: "));
-    pTextCtrl->SetDefaultStyle(largeStyle);
-    pTextCtrl->AppendText(showableTextFromBytes(fileNameText(_filePath)));
-    pTextCtrl->AppendText(wxS(" - "));
-    pTextCtrl->AppendText(ahTextFromBytes(lineText));
-    pTextCtrl->AppendText(wxS("\n\n"));
+        pTextCtrl->SetDefaultStyle(headingStyle);
+        pTextCtrl->AppendText(wxS("Debug Assertion Failed!"));
+        pTextCtrl->AppendText(wxS("\n\n"));
 
-    pTextCtrl->SetDefaultStyle(labelStyle);
-    pTextCtrl->AppendText(wxS("File Path: "));
-    pTextCtrl->SetDefaultStyle(bodyStyle);
-    pTextCtrl->AppendText(showableTextFromBytes(_filePath.asString()));
-    pTextCtrl->AppendText(wxS("\n"));
-    pTextCtrl->AppendText(wxS("\n"));
+        pTextCtrl->SetDefaultStyle(labelStyle);
+        pTextCtrl->AppendText(wxS("File Name: "));
+        pTextCtrl->SetDefaultStyle(largeStyle);
+        pTextCtrl->AppendText(showableTextFromBytes(fileNameText(_filePath)));
+        pTextCtrl->AppendText(wxS(" - "));
+        pTextCtrl->AppendText(ahTextFromBytes(lineText));
+        pTextCtrl->AppendText(wxS("\n\n"));
 
-    pTextCtrl->SetDefaultStyle(headingStyle);
-    pTextCtrl->AppendText(wxS("Assert Reason: \n\n"));
-    pTextCtrl->SetDefaultStyle(bodyStyle);
-    pTextCtrl->AppendText(ahShowableText(_assertionMessage));
+        pTextCtrl->SetDefaultStyle(labelStyle);
+        pTextCtrl->AppendText(wxS("File Path: "));
+        pTextCtrl->SetDefaultStyle(bodyStyle);
+        pTextCtrl->AppendText(showableTextFromBytes(_filePath.asString()));
+        pTextCtrl->AppendText(wxS("\n"));
+        pTextCtrl->AppendText(wxS("\n"));
 
+        pTextCtrl->SetDefaultStyle(headingStyle);
+        pTextCtrl->AppendText(wxS("Assert Reason: \n\n"));
+        pTextCtrl->SetDefaultStyle(bodyStyle);
+        pTextCtrl->AppendText(ahShowableText(_assertionMessage));
+    }
+
+    // In pieces a long line is also quicker to highlight in.
+    ahEaseLayout(pTextCtrl);
     ahHighlightUrls(pTextCtrl);
 }

@@ -37,8 +37,9 @@ class ahAssertDialog : public wxDialog
 public:
     // Builds the whole window, report included, centred on the screen; it is not shown yet.
     // filePath: the source file as the failed assertion names it, any bytes. lineNumber: any number.
-    // message: the reason, of any length, possibly empty; a single word of more than some 50,000 characters takes the
-    // toolkit seconds to lay out. parent: the owner window, null for none.
+    // message: the reason, of any length, possibly empty; a megabyte without a line break takes the toolkit seconds to
+    // lay out, more if its directions change or if it has nothing but characters that no font has. parent: the owner
+    // window, null for none.
     ahAssertDialog(const osFilePath& filePath, int lineNumber, const wxString& message, wxWindow* parent);
 
     ahAssertDialog(const ahAssertDialog&) = delete;
@@ -77,7 +78,8 @@ public:
     //     <message>                               as it stands, without a line break at the end
     //
     // Labels, sizes and colours count from the toolkit's normal font and stock colours. URLs in it stay visibly
-    // highlighted when the control detects URLs. Only a NUL, and code points that no text can hold, are replaced
+    // highlighted when the control detects URLs, a thousand in a line. A line with a word that is longer than
+    // ahLongestUnbrokenWord breaks at the margin, wherever in a word that is. Only a NUL, and code points that no text can hold, are replaced
     // (see ahShowableText): the control would drop the whole text around them.
     // The control must be a multi-line rich one and empty; the constructor has written its own control's report.
     void fillAssertionMessageBody(wxTextCtrl* pTextCtrl);

@@ -6,8 +6,13 @@
 
 #ifdef __WXGTK__
 
+#include <gtk/gtk.h>
+
 namespace
 {
+
+// Every one more in a line costs as much again as all before it.
+const int mostUrlsInALine = 1000;
 
 // What the control takes for the beginning of a URL; something must follow it.
 const char* const urlBeginnings[] = {"http://",   "https://",    "ftp://",  "file://",  "mailto://",
@@ -70,19 +75,35 @@ bool beginsLikeUrl(const std::u32string& text, std::size_t begin, std::size_t en
     return false;
 }
 
-void highlight(wxTextCtrl* pTextCtrl, long begin, long end)
+GtkTextBuffer* bufferOf(wxTextCtrl* pTextCtrl)
 {
-    wxTextAttr style;
-    if (pTextCtrl->GetStyle(begin, style) && style.HasFont())
+    // The control's own window scrolls; the text is in the one inside.
+    return gtk_text_view_get_buffer(GTK_TEXT_VIEW(gtk_bin_get_child(GTK_BIN(pTextCtrl->GetHandle()))));
+}
+
+// The control's own means set all of a style anew, for which they look through the whole text.
+void highlight(GtkTextBuffer* pBuffer, std::size_t begin, std::size_t end)
+{
+    const char* const pName = "ahUrl";
+    GtkTextTag* pTag = gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(pBuffer), pName);
+    if (pTag == nullptr)
     {
-        pTextCtrl->SetStyle(begin, end, wxTextAttr(*wxBLUE, wxNullColour, style.GetFont().Underlined()));
+        const GdkRGBA* const pBlue = *wxBLUE;
+        pTag = gtk_text_buffer_create_tag(pBuffer, pName, "foreground-rgba", pBlue, "underline", PANGO_UNDERLINE_SINGLE,
+                                          nullptr);
     }
+    GtkTextIter beginPosition;
+    GtkTextIter endPosition;
+    gtk_text_buffer_get_iter_at_offset(pBuffer, &beginPosition, static_cast<gint>(begin));
+    gtk_text_buffer_get_iter_at_offset(pBuffer, &endPosition, static_cast<gint>(end));
+    gtk_text_buffer_apply_tag(pBuffer, pTag, &beginPosition, &endPosition);
 }
 
 }  // namespace
 
 void ahHighlightUrls(wxTextCtrl* pTextCtrl)
 {
+    GtkTextBuffer* const pBuffer = bufferOf(pTextCtrl);
     // One element a character, so that an index is the control's position.
     std::u32string text;
     const wxString value = pTextCtrl->GetValue();
@@ -93,6 +114,7 @@ void ahHighlightUrls(wxTextCtrl* pTextCtrl)
     }
 
     // The control's own rule: words between blanks, without punctuation around them but for a slash at the end.
+    int urlsInLine = 0;
     std::size_t wordEnd = 0;
     for (std::size_t wordBegin = 0; wordBegin < text.size(); wordBegin = wordEnd + 1)
     {
@@ -111,9 +133,14 @@ void ahHighlightUrls(wxTextCtrl* pTextCtrl)
         {
             end--;
         }
-        if (beginsLikeUrl(text, begin, end))
+        if (urlsInLine < mostUrlsInALine && beginsLikeUrl(text, begin, end))
         {
-            highlight(pTextCtrl, static_cast<long>(begin), static_cast<long>(end));
+            highlight(pBuffer, begin, end);
+            ++urlsInLine;
+        }
+        if (wordEnd < text.size() && text[wordEnd] == U'\n')
+        {
+            urlsInLine = 0;
         }
     }
 }
@@ -123,3 +150,20 @@ void ahHighlightUrls(wxTextCtrl* pTextCtrl)
 void ahHighlightUrls(wxTextCtrl* /*pTextCtrl*/) {}
 
 #endif
+
+ahUrlDetectionPause::ahUrlDetectionPause(wxTextCtrl* pTextCtrl, std::size_t amountOfCharacters)
+    : _pTextCtrl(pTextCtrl), _style(pTextCtrl->GetWindowStyleFlag())
+{
+    if (amountOfCharacters > ahMostDetected)
+    {
+        _pTextCtrl->SetWindowStyleFlag(_style & ~static_cast<long>(wxTE_AUTO_URL));
+    }
+}
+
+ahUrlDetectionPause::~ahUrlDetectionPause()
+{
+    if (_pTextCtrl->GetWindowStyleFlag() != _style)
+    {
+        _pTextCtrl->SetWindowStyleFlag(_style);
+    }
+}
