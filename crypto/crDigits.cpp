@@ -1,5 +1,6 @@
 #include "crypto/crDigits.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -60,16 +61,14 @@ unsigned int* crAllocateDigits(int amount)
 
 void crReleaseDigits(unsigned int* pDigits, int amount)
 {
-    if ((pDigits != nullptr) && (amount > 0))
-    {
-        crWipe(pDigits, static_cast<std::size_t>(amount) * sizeof(unsigned int));
-    }
+    // For an amount below 0 there is no array.
+    crWipe(pDigits, static_cast<std::size_t>(amount) * sizeof(unsigned int));
     delete[] pDigits;
 }
 
 unsigned int crReadDigit(const char* pCharacters, int amountAvailable)
 {
-    const int end = (amountAvailable < crCharactersPerDigit) ? amountAvailable : crCharactersPerDigit;
+    const int end = std::min(amountAvailable, crCharactersPerDigit);
     int i = 0;
     if ((end > 2) && (pCharacters[0] == '0') && ((pCharacters[1] == 'x') || (pCharacters[1] == 'X')))
     {
@@ -94,7 +93,7 @@ void crAppendDigits(gtString& text, const unsigned int* pDigits, int amount)
     char characters[digitsAtOnce * crCharactersPerDigit + 1];
     for (int done = 0; done < amount; done += digitsAtOnce)
     {
-        const int now = (amount - done < digitsAtOnce) ? amount - done : digitsAtOnce;
+        const int now = std::min(amount - done, digitsAtOnce);
         char* pNext = characters;
         for (int i = 0; i < now; i++)
         {

@@ -25,7 +25,7 @@ void crWipe(gtString& text);
 // there; never an exception. An amount of 0 gives an array in which nothing may be stored.
 unsigned int* crAllocateDigits(int amount);
 
-// Wipes an array of crAllocateDigits and gives it back. Null is welcome; an amount below 0 counts as 0.
+// Wipes an array of crAllocateDigits and gives it back; the amount is the one that it was made with. Null is welcome.
 void crReleaseDigits(unsigned int* pDigits, int amount);
 
 // Reads one digit as sscanf reads "%8x" from a text of its own: at most eight characters, less when fewer are

@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <new>
-#include <numeric>
 
 #include "crypto/crDigits.h"
 #include "crypto/crRSAEncryptionKey.h"
@@ -17,10 +16,9 @@ namespace
 
 constexpr int bytesPerDigit = 4;
 
-// A file is read in pieces of whole pages and whole runs of the digest, up to this size: large enough that calls do not
-// count, small enough for the caches. A copy that begins in the middle of a page takes longer.
-constexpr unsigned long pageBytes = 4096;
-constexpr unsigned long largestPieceBytes = 256UL * 1024;
+// A file is read in pieces of at least this size: large enough to go straight into the signer's memory, where it can be
+// wiped (see osFile.h), small enough for the caches.
+constexpr unsigned long smallestPieceBytes = 256UL * 1024;
 
 // Runs of the digest are folded side by side into this much before they meet in the digest: the runs of a digest are
 // short and odd in length, which keeps the compiler from using wide registers.
@@ -33,20 +31,10 @@ unsigned int digitFromBytes(const unsigned char* pBytes)
            (static_cast<unsigned int>(pBytes[2]) << 16) | (static_cast<unsigned int>(pBytes[3]) << 24);
 }
 
-// Each piece begins on the digest's first byte.
+// Each piece begins on the digest's first byte. The digest must not be empty.
 unsigned long amountToReadAtOnce(unsigned long bytesAtOnce)
 {
-    if (bytesAtOnce == 0)
-    {
-        return 0;
-    }
-    const unsigned long wholePages = std::lcm(bytesAtOnce, pageBytes);
-    if (wholePages <= largestPieceBytes)
-    {
-        // Neither is 0. NOLINTNEXTLINE(clang-analyzer-core.DivideZero)
-        return largestPieceBytes / wholePages * wholePages;
-    }
-    return bytesAtOnce < largestPieceBytes ? largestPieceBytes / bytesAtOnce * bytesAtOnce : bytesAtOnce;
+    return (smallestPieceBytes + bytesAtOnce - 1) / bytesAtOnce * bytesAtOnce;
 }
 
 }  // namespace
@@ -87,6 +75,10 @@ bool crRSADigitalSigner::createFileMessageDigest(osFilePath const& file)
         return false;
     }
     const auto bytesAtOnce = static_cast<unsigned long>(amountOfDigestBytes());
+    if (bytesAtOnce == 0)
+    {
+        return true;
+    }
     const unsigned long amountOfBytes = amountToReadAtOnce(bytesAtOnce);
     const std::unique_ptr<char[]> pBuffer(new (std::nothrow) char[amountOfBytes]);
     if (pBuffer == nullptr)
@@ -94,12 +86,10 @@ bool crRSADigitalSigner::createFileMessageDigest(osFilePath const& file)
         return false;
     }
     unsigned long amountRead = 0;
-    // An empty digest takes nothing in; reading 0 bytes at a time would not end.
-    while ((amountOfBytes > 0) && openFile.readAvailableData(pBuffer.get(), amountOfBytes, amountRead))
+    while (openFile.readAvailableData(pBuffer.get(), amountOfBytes, amountRead))
     {
         addToMessageDigest(pBuffer.get(), amountRead);
     }
-    openFile.close();
     crWipe(pBuffer.get(), amountOfBytes);
     return true;
 }

@@ -60,11 +60,11 @@ const unsigned int* crRSAEncryptionKey::numberDigits() const
 bool crRSAEncryptionKey::isUsable() const
 {
     const int amount = amountOfProductDigits();
-    if ((_pProductDigits == nullptr) || (_pNumberDigits == nullptr) || (amount != _amountOfAllocatedDigits) ||
-        (amount <= 0))
+    if ((_pProductDigits == nullptr) || (_pNumberDigits == nullptr) || (amount != _amountOfAllocatedDigits))
     {
         return false;
     }
+    // There are no arrays for an amount below 0.
     const auto amountOfDigits = static_cast<unsigned int>(amount);
     return (mpSizeof(_pProductDigits, amountOfDigits) > 0) && (mpSizeof(_pNumberDigits, amountOfDigits) > 0);
 }
@@ -125,6 +125,6 @@ bool crRSAEncryptionKey::allocateArrays()
     _pProductDigits = crAllocateDigits(amount);
     _pNumberDigits = crAllocateDigits(amount);
     // With one array missing, there is only the other to wipe, and it is still all zero.
-    _amountOfAllocatedDigits = (amount < 0) ? 0 : amount;
+    _amountOfAllocatedDigits = amount;
     return (_pProductDigits != nullptr) && (_pNumberDigits != nullptr);
 }

@@ -24,6 +24,8 @@ test=(
     dpkg-dev file man-db
     # The fuzzers' compiler.
     clang libclang-rt-14-dev
+    # What changes the sources for scripts/mutate.sh.
+    python3 python3-clang
 )
 develop=(
     clang-format clang-tidy gcovr git

@@ -1,5 +1,6 @@
 #include "crypto/crRSADigitalSigner.h"
 
+#include <cstring>
 #include <string>
 #include <sys/stat.h>
 #include <type_traits>
@@ -170,6 +171,25 @@ TEST_F(Signer, FoldsWithKeysOfManySizes)
     }
 }
 
+// Digests that are longer than what is folded side by side, than a page, and than a piece of a file.
+TEST_F(Signer, FoldsWithHugeKeys)
+{
+    const std::string contents = scrambledBytes(700001, 3);
+    const osFilePath file = _folder.write("file", contents);
+    for (const int digits : {1024, 1026, 1028, 4224, 131076})
+    {
+        crRSAEncryptionKey key;
+        ASSERT_TRUE(key.setKeyFromStringAndFermatPrime(
+            digits * 32, toText(std::string(static_cast<std::size_t>(digits) * 8, 'f')), 3));
+        crRSADigitalSigner signer(key);
+        ASSERT_TRUE(signer.createMessageDigestDigits());
+        ASSERT_TRUE(signer.createFileMessageDigest(file));
+        gtString text;
+        signer.messageDigestToString(text);
+        ASSERT_EQ(toBytes(text), expectedDigestText(contents, digits)) << digits;
+    }
+}
+
 TEST_F(Signer, FoldsIntoWhatTheDigestHolds)
 {
     const std::string contents = scrambledBytes(100, 1);
@@ -215,6 +235,35 @@ TEST_F(Signer, FoldsNothingWithoutADigest)
     gtString text("left over");
     signer.messageDigestToString(text);
     EXPECT_TRUE(text.isEmpty());
+    // Nor with one that is gone.
+    ASSERT_TRUE(signer.createMessageDigestDigits());
+    signer.deleteMessageDigestDigits();
+    EXPECT_TRUE(signer.createFileMessageDigest(_folder.write("file", "contents")));
+}
+
+TEST_F(Signer, LeavesNothingOnTheStack)
+{
+    crRSADigitalSigner signer(_publicKey);
+    ASSERT_TRUE(signer.createMessageDigestDigits());
+    const std::string secret = scrambledBytes(60, 9);
+    // Everything but the first run is zero: what is folded side by side is the first run.
+    const std::string contents = secret + std::string(16320 - 60, '\0');
+    const std::string left = stackLeftBy([&] { signer.addToMessageDigest(contents.data(), contents.size()); });
+    EXPECT_EQ(left.find(secret.substr(0, 16)), std::string::npos);
+    gtString text;
+    text.reserve(1000);
+    const std::string leftByText = stackLeftBy([&] { signer.messageDigestToString(text); });
+    EXPECT_EQ(toBytes(text), expectedDigestText(contents, 32));
+    EXPECT_EQ(leftByText.find(toBytes(text).substr(8, 16)), std::string::npos);
+    // The search finds what is there.
+    const std::string leftByCopy = stackLeftBy(
+        [&secret]
+        {
+            char copy[16];
+            std::memcpy(copy, secret.data(), sizeof(copy));
+            __asm__ __volatile__("" : : "r"(copy) : "memory");
+        });
+    EXPECT_NE(leftByCopy.find(secret.substr(0, 16)), std::string::npos);
 }
 
 TEST_F(Signer, IsBlindToSwappedRuns)

@@ -386,6 +386,64 @@ TEST(Encryptor, RefusesTextsAboveTheLimit)
     EXPECT_EQ(output, gtString("kept"));
 }
 
+// The first and the last length that a buffer of exactly the limit holds.
+TEST(Encryptor, TakesTextsUpToTheLimit)
+{
+    EXPECT_EQ(crRSAStringEncryptor::maximalAmountOfBytes, 67108864);
+    constexpr int limit = 67108864 / 4;
+    crRSAEncryptionKey key;
+    loadIdentity(key, 1024);
+    const crRSAStringEncryptor encryptor(key);
+    ASSERT_EQ(encryptor.amountOfDigitsForHoldingText(66588514), limit - 32);
+    ASSERT_EQ(encryptor.amountOfDigitsForHoldingText(66588515), limit);
+    ASSERT_EQ(encryptor.amountOfDigitsForHoldingText(66588645), limit);
+    ASSERT_EQ(encryptor.amountOfDigitsForHoldingText(66588646), limit + 32);
+    gtString output;
+    EXPECT_TRUE(encryptor.encrypt(toText(std::string(66588645, 'x')), output));
+    EXPECT_EQ(output.length(), 8 + limit * 8);
+    output = "kept";
+    EXPECT_FALSE(encryptor.encrypt(toText(std::string(66588646, 'x')), output));
+    EXPECT_EQ(output, gtString("kept"));
+}
+
+// Its buffer has a digit more, for the NUL byte.
+TEST(Decryptor, TakesLengthsBelowTheLimit)
+{
+    crRSAEncryptionKey key;
+    loadIdentity(key, 1024);
+    // 66588514 and 66588515: each block appends the first one's letter.
+    const std::string firstDigit = "00006101";
+    EXPECT_TRUE(decrypted(key, hexOf(66588514, 8) + firstDigit) == std::string(67108864 / 128 - 1, 'a'));
+    EXPECT_EQ(decrypted(key, hexOf(66588515, 8) + firstDigit).size(), 0U);
+}
+
+TEST(Decryptor, TakesOutputsUpToTheLimit)
+{
+    crRSAEncryptionKey key;
+    loadIdentity(key, 32);
+    // Blocks of one digit. The text grows with each of the first 44, to 177 bytes in the end; what all blocks together
+    // append is the limit.
+    std::string cipher = "64646401";
+    for (int block = 1; block < 44; block++)
+    {
+        cipher += "64646464";
+    }
+    cipher += "00006464";
+    const int blocks = 379168;
+    ASSERT_EQ(44 * 3 + 4 * 44 * 43 / 2 + 177 * (blocks - 44), crRSAStringEncryptor::maximalAmountOfBytes);
+    const auto lengthFor = [&key](int digits)
+    {
+        int length = 3 * digits;
+        while (crRSAStringEncryptor(key).amountOfDigitsForHoldingText(length) < digits)
+        {
+            length++;
+        }
+        return hexOf(static_cast<unsigned int>(length), 8);
+    };
+    EXPECT_EQ(decrypted(key, lengthFor(blocks) + cipher).size(), std::size_t(67108864));
+    EXPECT_EQ(decrypted(key, lengthFor(blocks + 1) + cipher).size(), 0U);
+}
+
 TEST(Decryptor, TakesTheLengthThroughAnInt)
 {
     const LoadedPair keys(keyFromOpenSSL(512));

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "crypto/crBlowfishEncryptionKey.h"
+#include "crypto/crDigits.h"
 #include "crypto/crRSADigitalSigner.h"
 #include "crypto/crRSAEncryptionKey.h"
 #include "crypto/crRSAStringEncryptor.h"
@@ -251,4 +252,49 @@ TEST_F(CryptoFaults, BlowfishKeysLeaveNoScheduleBehind)
     watchFor(same.keyRecord(), 16);
     delete pKey;
     EXPECT_EQ(secretsGivenBack, 0);
+}
+
+TEST_F(CryptoFaults, SignersLeaveNothingOfTheFileBehind)
+{
+    const std::string contents = scrambledBytes(1000, 1);
+    watchFor(contents.data() + 100, 16);
+    gtString signature;
+    ASSERT_TRUE(crRSADigitalSigner(_privateKey).getSignature(_file, signature));
+    EXPECT_EQ(secretsGivenBack, 0);
+    ASSERT_TRUE(crRSADigitalSigner(_publicKey).testSignature(_file, signature));
+    EXPECT_EQ(secretsGivenBack, 0);
+}
+
+TEST_F(CryptoFaults, SignersLeaveNoDigestBehind)
+{
+    crRSADigitalSigner signer(_privateKey);
+    ASSERT_TRUE(signer.createMessageDigestDigits());
+    ASSERT_TRUE(signer.createFileMessageDigest(_file));
+    // The fold of the file, which is what the digits hold: 28 bytes with a key of 512 bits.
+    const std::string contents = scrambledBytes(1000, 1);
+    std::string digest(28, '\0');
+    for (std::size_t i = 0; i < contents.size(); i++)
+    {
+        digest[i % 28] = static_cast<char>(digest[i % 28] ^ contents[i]);
+    }
+    // What follows the first digits, which the allocator may write over.
+    watchFor(digest.data() + 16, 12);
+    signer.deleteMessageDigestDigits();
+    EXPECT_EQ(secretsGivenBack, 0);
+}
+
+TEST_F(CryptoFaults, DigitsAreWipedDownToTheLastOne)
+{
+    for (const int amount : {1, 2, 5})
+    {
+        unsigned int* pDigits = crAllocateDigits(amount);
+        ASSERT_NE(pDigits, nullptr);
+        for (int i = 0; i < amount; i++)
+        {
+            pDigits[i] = 0xA55A1234U;
+        }
+        watchFor(pDigits, 4);
+        crReleaseDigits(pDigits, amount);
+        EXPECT_EQ(secretsGivenBack, 0) << amount;
+    }
 }

@@ -5,8 +5,10 @@
 #include <fstream>
 #include <iomanip>
 #include <map>
+#include <pthread.h>
 #include <sstream>
 #include <stdexcept>
+#include <sys/mman.h>
 
 #include <openssl/core_names.h>
 #include <openssl/evp.h>
@@ -197,6 +199,33 @@ std::string scrambledBytes(std::size_t amount, unsigned int seed)
         byte = static_cast<char>(state >> 24);
     }
     return bytes;
+}
+
+std::string stackLeftBy(const std::function<void()>& operation)
+{
+    constexpr std::size_t size = 1024 * 1024;
+    void* const pStack = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    pthread_attr_t attributes;
+    pthread_t thread = {};
+    void* (*const pRun)(void*) = [](void* pOperation) -> void*
+    {
+        // Further down than what the thread does to end, which would write over what is looked for.
+        char distance[128 * 1024];
+        __asm__ __volatile__("" : : "r"(distance) : "memory");
+        (*static_cast<const std::function<void()>*>(pOperation))();
+        return nullptr;
+    };
+    std::function<void()> copy = operation;
+    if ((pStack == MAP_FAILED) || (pthread_attr_init(&attributes) != 0) ||
+        (pthread_attr_setstack(&attributes, pStack, size) != 0) ||
+        (pthread_create(&thread, &attributes, pRun, &copy) != 0) || (pthread_join(thread, nullptr) != 0))
+    {
+        throw std::runtime_error("no thread with a stack of its own");
+    }
+    pthread_attr_destroy(&attributes);
+    std::string left(static_cast<const char*>(pStack), size);
+    munmap(pStack, size);
+    return left;
 }
 
 TemporaryFolder::TemporaryFolder()

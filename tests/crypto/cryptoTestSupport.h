@@ -3,6 +3,7 @@
 #ifndef COUNTERSIGN_TESTS_CRYPTOTESTSUPPORT_H
 #define COUNTERSIGN_TESTS_CRYPTOTESTSUPPORT_H
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -53,6 +54,9 @@ std::string toBytes(const gtString& text);
 
 // Bytes that look random, the same for the same seed.
 std::string scrambledBytes(std::size_t amount, unsigned int seed);
+
+// Runs the operation on a stack of its own, on a thread of its own, and gives back what that stack holds afterwards.
+std::string stackLeftBy(const std::function<void()>& operation);
 
 // A folder that is removed with what is in it.
 class TemporaryFolder

@@ -76,6 +76,23 @@ case $case in
         [ "$status" -eq 42 ] || complain "status $status instead of 42"
         ;;
 
+    mutantsAreTried)
+        # One bound of the little project is not tested, and reading too much shows only to the address sanitizer.
+        "$source/scripts/mutate.sh" numbers --tree "$source/tests/project/mutation" --work "$here/work" \
+            --then asan >"$here/output" 2>&1
+        status=$?
+        [ "$status" -eq 1 ] || complain "status $status instead of 1"
+        expectLine '^SURVIVED numbers/numbers.cpp:22$'
+        expectLine '^\+ return hour <= 12;$'
+        expectLine '^NOT EQUIVALENT, though listed: numbers/numbers.cpp:[0-9]+ is caught by test_numbers Numbers.AreFound'
+        expectLine '^numbers +21 +21 +0 +0 +16 +3 +2 +76.2 %$'
+        expectLine '^2 survived that are not in equivalent-mutants.txt$'
+        grep -q '^caught.asan: .*i <= amount' "$here/work/numbers/results.tsv" || complain "the sanitizer was not asked"
+        grep -q '^caught.*(time limit).*b = rest' "$here/work/numbers/results.tsv" || complain "what hangs is not caught"
+        cmp -s "$here/work/numbers/tree/numbers/numbers.cpp" "$source/tests/project/mutation/numbers/numbers.cpp" ||
+            complain "a mutant was left behind"
+        ;;
+
     runsWithoutADisplay)
         # From another folder, with a name that needs care, twice.
         cd "$here" || exit 1
