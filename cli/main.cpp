@@ -3,30 +3,18 @@
 #include <string>
 #include <vector>
 
-#include <sys/resource.h>
-
 #include "cli/clArguments.h"
 #include "cli/clCommands.h"
 #include "cli/clInterrupt.h"
 #include "cli/clStandardStreams.h"
-
-namespace
-{
-
-// A core file would hold the private key.
-void writeNoCoreFile()
-{
-    const struct rlimit none = {0, 0};
-    static_cast<void>(setrlimit(RLIMIT_CORE, &none));
-}
-
-}  // namespace
+#include "platform/osWrappers/osProcess.h"
 
 int main(int argc, char** argv)
 {
     try
     {
-        writeNoCoreFile();
+        // A core file would hold the private key.
+        osWriteNoCoreFiles();
         clCatchInterrupts();
         const int status =
             clPerform(clParseArguments(std::vector<std::string>(argv + ((argc > 0) ? 1 : 0), argv + argc)));

@@ -37,6 +37,13 @@ unsigned long amountToReadAtOnce(unsigned long bytesAtOnce)
     return (smallestPieceBytes + bytesAtOnce - 1) / bytesAtOnce * bytesAtOnce;
 }
 
+struct WipedText
+{
+    gtString _text;
+
+    ~WipedText() { crWipe(_text); }
+};
+
 }  // namespace
 
 crRSADigitalSigner::crRSADigitalSigner(crRSAEncryptionKey const& key)
@@ -150,6 +157,8 @@ void crRSADigitalSigner::messageDigestToString(gtString& output)
     output.makeEmpty();
     if (_pDigestDigits != nullptr)
     {
+        // Growing would leave pieces behind.
+        output.reserve(_amountOfDigestDigits * crCharactersPerDigit);
         crAppendDigits(output, _pDigestDigits, _amountOfDigestDigits);
     }
 }
@@ -161,9 +170,9 @@ bool crRSADigitalSigner::getSignature(osFilePath const& file, gtString& signatur
     {
         if (createMessageDigestDigits() && createFileMessageDigest(file))
         {
-            gtString digestText;
-            messageDigestToString(digestText);
-            succeeded = crRSAStringEncryptor(_key).encrypt(digestText, signature);
+            WipedText digest;
+            messageDigestToString(digest._text);
+            succeeded = crRSAStringEncryptor(_key).encrypt(digest._text, signature);
         }
     }
     catch (const std::bad_alloc&)
@@ -181,10 +190,11 @@ bool crRSADigitalSigner::testSignature(osFilePath const& file, gtString const& s
     {
         if (createMessageDigestDigits() && createFileMessageDigest(file))
         {
-            gtString digestText;
-            messageDigestToString(digestText);
-            gtString decryptedText;
-            isGood = crRSAStringEncryptor(_key).decrypt(signature, decryptedText) && (decryptedText == digestText);
+            WipedText digest;
+            messageDigestToString(digest._text);
+            WipedText decrypted;
+            isGood =
+                crRSAStringEncryptor(_key).decrypt(signature, decrypted._text) && (decrypted._text == digest._text);
         }
     }
     catch (const std::bad_alloc&)

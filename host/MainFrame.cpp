@@ -198,6 +198,8 @@ MainFrame::MainFrame()
       _pPages(nullptr),
       _pList(nullptr)
 {
+    // Private keys and passphrases will be in memory.
+    osWriteNoCoreFiles();
     _isHandedOver = handOverArguments();
     if (_isHandedOver)
     {

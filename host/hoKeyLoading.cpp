@@ -1,15 +1,10 @@
 #include "host/hoKeyLoading.h"
 
 #include "host/hoDisplayText.h"
+#include "host/hoPassphraseDialog.h"
 #include "host/hoSigningWords.h"
 
-#include <wx/textdlg.h>
-
 #include <algorithm>
-#include <cstring>
-#include <string>
-
-#include <openssl/crypto.h>
 
 namespace
 {
@@ -20,16 +15,15 @@ public:
 
     int getPassphrase(char* pBuffer, int size) override
     {
-        wxPasswordEntryDialog dialog(_pParent, _question, "Passphrase");
+        hoPassphraseDialog dialog(_pParent, _question);
         if (dialog.ShowModal() != wxID_OK)
         {
             return -1;
         }
-        std::string passphrase = dialog.GetValue().utf8_string();
-        const int length = std::min(static_cast<int>(passphrase.size()), size);
-        std::memcpy(pBuffer, passphrase.data(), static_cast<std::size_t>(length));
-        OPENSSL_cleanse(passphrase.data(), passphrase.size());
-        return length;
+        const hoTypedSecret passphrase = dialog.passphrase();
+        const std::size_t length = std::min(passphrase.text().size(), static_cast<std::size_t>(size));
+        std::copy_n(passphrase.text().data(), length, pBuffer);
+        return static_cast<int>(length);
     }
 
 private:

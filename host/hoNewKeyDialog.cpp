@@ -3,8 +3,7 @@
 #include "assertionHandling/ahTextConversion.h"
 #include "host/hoBytes.h"
 #include "host/hoDisplayText.h"
-
-#include <openssl/crypto.h>
+#include "host/hoTypedSecret.h"
 
 #include <wx/button.h>
 #include <wx/choice.h>
@@ -175,7 +174,7 @@ bool hoNewKeyDialog::isInputUsable()
         _pFile->SetFocus();
         return false;
     }
-    if (_pPassphrase->GetValue() != _pAgain->GetValue())
+    if (hoTypedSecret(*_pPassphrase).text() != hoTypedSecret(*_pAgain).text())
     {
         say("The two passphrases differ.");
         _pAgain->SetFocus();
@@ -201,10 +200,9 @@ bool hoNewKeyDialog::mayWrite(const gtString& path)
 
 void hoNewKeyDialog::writeFiles()
 {
-    std::string passphrase = _pPassphrase->GetValue().utf8_string();
     gtString path = privateKeyPath();
-    hoNewKeyPair::Writing writing = _pPair->writePrivateKey(path, passphrase, _mayOverwrite);
-    OPENSSL_cleanse(passphrase.data(), passphrase.size());
+    hoNewKeyPair::Writing writing =
+        _pPair->writePrivateKey(path, hoTypedSecret(*_pPassphrase).text(), _mayOverwrite);
     if (writing == hoNewKeyPair::Writing::Done)
     {
         path = publicKeyPath();

@@ -89,7 +89,7 @@ void hoNewKeyPair::run()
     _isFinished = true;
 }
 
-hoNewKeyPair::Writing hoNewKeyPair::writePrivateKey(const gtString& path, const std::string& passphrase,
+hoNewKeyPair::Writing hoNewKeyPair::writePrivateKey(const gtString& path, std::string_view passphrase,
                                                     bool mayOverwrite)
 {
     const Bio pText = secureMemory();

@@ -8,7 +8,7 @@
 
 #include <atomic>
 #include <memory>
-#include <string>
+#include <string_view>
 #include <thread>
 
 constexpr int hoLeastNewKeyBits = 512;
@@ -41,7 +41,7 @@ public:
     // Writes the private key (PKCS#8; encrypted if the passphrase is not empty), readable and writable by its owner
     // alone, or the public one. Beside the wanted name first, then renamed: there is never half a key. isMade() must be
     // true.
-    Writing writePrivateKey(const gtString& path, const std::string& passphrase, bool mayOverwrite);
+    Writing writePrivateKey(const gtString& path, std::string_view passphrase, bool mayOverwrite);
     Writing writePublicKey(const gtString& path, bool mayOverwrite);
     int systemError() const { return _systemError; }
 

@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <string>
 #include <string_view>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/wait.h>
@@ -22,6 +23,7 @@
 #include <crt_externs.h>
 #include <pthread.h>
 #else
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #endif
 
@@ -52,6 +54,13 @@ char** processEnvironment()
     return *_NSGetEnviron();
 #else
     return environ;
+#endif
+}
+
+void forbidTracing()
+{
+#if !defined(__APPLE__)
+    static_cast<void>(::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0));
 #endif
 }
 
@@ -395,4 +404,18 @@ void osOpenFileInSourceCodeEditor(const osFilePath& filePath, int lineNumber)
 void osThrowBreakpointException()
 {
     raiseTrap();
+}
+
+void osWriteNoCoreFiles()
+{
+    // One byte is too little for any file; and where Linux hands core files to a program, it passes over a limit of 0 but
+    // takes 1 for what it is.
+    constexpr rlim_t tooLittle = 1;
+    struct rlimit limit = {};
+    const bool isKnown = ::getrlimit(RLIMIT_CORE, &limit) == 0;
+    limit.rlim_cur = tooLittle;
+    if (!isKnown || (limit.rlim_max < tooLittle) || (::setrlimit(RLIMIT_CORE, &limit) != 0))
+    {
+        forbidTracing();
+    }
 }

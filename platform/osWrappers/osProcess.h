@@ -30,4 +30,11 @@ void osOpenFileInSourceCodeEditor(const osFilePath& filePath, int lineNumber);
 // default action ends the process.
 void osThrowBreakpointException();
 
+// From now on the process leaves no core file when it crashes, wherever the system sends those: for processes that hold
+// secrets. Debuggers go on as ever, but where the system's administrator has set the hard limit of core files to 0: there
+// the process cannot be traced by others than root any more, since nothing else keeps its memory from a program that the
+// system hands core files to. Programs that it starts leave none either until they raise their own limit. Any thread may
+// call this.
+void osWriteNoCoreFiles();
+
 #endif

@@ -244,6 +244,30 @@ TEST_F(CryptoFaults, EncryptorsLeaveNoPlainTextBehind)
     }
 }
 
+TEST_F(CryptoFaults, SigningAndTestingLeaveNoDigestBehind)
+{
+    gtString signature;
+    gtString digest;
+    ASSERT_TRUE(crRSADigitalSigner(_privateKey).getSignature(_file, signature));
+    ASSERT_TRUE(crRSAStringEncryptor(_publicKey).decrypt(signature, digest));
+    ASSERT_EQ(digest.length(), 7 * 8);
+    // As text, as it goes into the encryptor, and as digits, the first of which the text begins with.
+    watchFor(digest.asCharArray() + 8, 24);
+    EXPECT_TRUE(crRSADigitalSigner(_privateKey).getSignature(_file, signature));
+    EXPECT_TRUE(crRSADigitalSigner(_publicKey).testSignature(_file, signature));
+    EXPECT_EQ(secretsGivenBack, 0);
+    unsigned int digits[4] = {};
+    for (int i = 0; i < 4; i++)
+    {
+        digits[i] = static_cast<unsigned int>(
+            std::stoul(std::string(digest.asCharArray() + static_cast<std::ptrdiff_t>(i) * 8, 8), nullptr, 16));
+    }
+    watchFor(digits, sizeof(digits));
+    EXPECT_TRUE(crRSADigitalSigner(_privateKey).getSignature(_file, signature));
+    EXPECT_TRUE(crRSADigitalSigner(_publicKey).testSignature(_file, signature));
+    EXPECT_EQ(secretsGivenBack, 0);
+}
+
 TEST_F(CryptoFaults, BlowfishKeysLeaveNoScheduleBehind)
 {
     const unsigned char bytes[16] = {9, 8, 7};

@@ -1,6 +1,10 @@
 // Raises the trap and says what it got to. Tests run it under a debugger and without one.
+//
+//   breakpointProbe [handler|noCore]
+//   breakpointProbe crash|crashWithoutCore     ends by SIGABRT
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "platform/osWrappers/osProcess.h"
@@ -17,9 +21,18 @@ void countTrap(int)
 
 int main(int argumentCount, char** arguments)
 {
-    if ((argumentCount > 1) && (std::strcmp(arguments[1], "handler") == 0))
+    const char* const pWay = (argumentCount > 1) ? arguments[1] : "";
+    if (std::strcmp(pWay, "handler") == 0)
     {
         static_cast<void>(std::signal(SIGTRAP, countTrap));
+    }
+    if ((std::strcmp(pWay, "noCore") == 0) || (std::strcmp(pWay, "crashWithoutCore") == 0))
+    {
+        osWriteNoCoreFiles();
+    }
+    if (std::strncmp(pWay, "crash", 5) == 0)
+    {
+        std::abort();
     }
     std::puts("before the trap");
     static_cast<void>(std::fflush(stdout));

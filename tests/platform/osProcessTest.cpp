@@ -20,6 +20,10 @@
 #include <set>
 #include <sstream>
 #include <string>
+#if !defined(__APPLE__)
+#include <sys/prctl.h>
+#endif
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
@@ -656,12 +660,13 @@ std::string outputOf(const std::string& command, int& status)
     return output;
 }
 
-TEST(osThrowBreakpointException, stopsADebuggerAndResumes)
+void expectThatADebuggerStops(const std::string& way)
 {
     int status = 0;
     const std::string output =
         outputOf("LC_ALL=C ASAN_OPTIONS=detect_leaks=0 gdb -nx -batch -ex run -ex backtrace -ex 'echo stopped here\\n' "
-                 "-ex continue '" BREAKPOINT_PROBE "' 2>&1",
+                 "-ex continue --args '" BREAKPOINT_PROBE "' " +
+                     way + " 2>&1",
                  status);
     if ((output.find("Operation not permitted") != std::string::npos) && (output.find("SIGTRAP") == std::string::npos))
     {
@@ -675,6 +680,11 @@ TEST(osThrowBreakpointException, stopsADebuggerAndResumes)
         position = output.find(pExpected, position);
         ASSERT_NE(position, std::string::npos) << pExpected << " is missing in its place in:\n" << output;
     }
+}
+
+TEST(osThrowBreakpointException, stopsADebuggerAndResumes)
+{
+    expectThatADebuggerStops("");
 }
 
 TEST(osThrowBreakpointException, callsTheProgramsHandlerWithoutADebugger)
@@ -692,5 +702,76 @@ TEST(osThrowBreakpointException, endsTheProcessWithoutDebuggerAndHandler)
             osThrowBreakpointException();
         },
         testing::KilledBySignal(SIGTRAP), "");
+}
+
+// Runs the probe until it crashes, in a folder that takes its core file, with these limits for the file's size. Returns
+// whether the system has written its memory down.
+bool leavesCoreFile(const char* pWay, rlim_t limit)
+{
+    std::string folder = testing::TempDir() + "core.XXXXXX";
+    EXPECT_NE(mkdtemp(folder.data()), nullptr);
+    const pid_t process = fork();
+    if (process == 0)
+    {
+        const struct rlimit limits = {limit, limit};
+        if ((chdir(folder.c_str()) == 0) && (setrlimit(RLIMIT_CORE, &limits) == 0))
+        {
+            execl(BREAKPOINT_PROBE, BREAKPOINT_PROBE, pWay, nullptr);
+        }
+        _exit(1);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(process, &status, 0), process);
+    EXPECT_TRUE(WIFSIGNALED(status) && (WTERMSIG(status) == SIGABRT)) << status;
+    std::error_code error;
+    const bool isThere = !std::filesystem::is_empty(folder, error);
+    std::filesystem::remove_all(folder, error);
+    return isThere || (WIFSIGNALED(status) && WCOREDUMP(status));
+}
+
+TEST(osWriteNoCoreFiles, keepsTheMemoryOfACrashedProcessFromTheDisk)
+{
+    EXPECT_FALSE(leavesCoreFile("crashWithoutCore", RLIM_INFINITY));
+    EXPECT_FALSE(leavesCoreFile("crashWithoutCore", 0));
+    if (!leavesCoreFile("crash", RLIM_INFINITY))
+    {
+        GTEST_SKIP() << "no process leaves a core file here";
+    }
+}
+
+TEST(osWriteNoCoreFiles, takesTheLimitThatHoldsForPipesToo)
+{
+    EXPECT_EXIT(
+        {
+            struct rlimit limits = {};
+            getrlimit(RLIMIT_CORE, &limits);
+            const rlim_t hardLimit = limits.rlim_max;
+            osWriteNoCoreFiles();
+            getrlimit(RLIMIT_CORE, &limits);
+            const bool isLow = (hardLimit == 0) || (limits.rlim_cur == 1);
+            std::_Exit((isLow && (limits.rlim_max == hardLimit)) ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+#if !defined(__APPLE__)
+TEST(osWriteNoCoreFiles, forbidsTracingWhereNoLimitCanBeSet)
+{
+    EXPECT_EXIT(
+        {
+            osWriteNoCoreFiles();
+            const bool isTraceable = prctl(PR_GET_DUMPABLE, 0, 0, 0, 0) == 1;
+            struct rlimit none = {};
+            setrlimit(RLIMIT_CORE, &none);
+            osWriteNoCoreFiles();
+            std::_Exit((isTraceable && (prctl(PR_GET_DUMPABLE, 0, 0, 0, 0) == 0)) ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+#endif
+
+TEST(osWriteNoCoreFiles, leavesTheDebuggerItsBreakpoint)
+{
+    expectThatADebuggerStops("noCore");
 }
 }  // namespace
