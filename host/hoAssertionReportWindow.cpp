@@ -52,6 +52,7 @@ const ColumnFace columns[] = {
 };
 const int columnPadding = 24;
 const wxSize listSize(980, 280);
+const int pauseAfterShowing = 100;  // milliseconds
 
 gtString nameOf(const std::string& path)
 {
@@ -133,7 +134,8 @@ hoAssertionReportWindow::hoAssertionReportWindow(wxWindow* pParent, std::shared_
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER | wxMAXIMIZE_BOX),
       _pReport(std::move(pReport)),
       _pHeading(new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE)),
-      _pList(new hoAssertionReportList(this, _rows))
+      _pList(new hoAssertionReportList(this, _rows)),
+      _isChanged(false)
 {
     auto* pCopy = new wxButton(this, wxID_COPY);
     auto* pSave = new wxButton(this, wxID_SAVEAS, "&Save...");
@@ -170,7 +172,15 @@ hoAssertionReportWindow::hoAssertionReportWindow(wxWindow* pParent, std::shared_
     pClose->SetDefault();
     _pList->SetFocus();
 
-    _pReport->setListener([this] { CallAfter(&hoAssertionReportWindow::showRows); });
+    _pause.Bind(wxEVT_TIMER,
+                [this](wxTimerEvent&)
+                {
+                    if (_isChanged)
+                    {
+                        showRows();
+                    }
+                });
+    _pReport->setListener([this] { CallAfter(&hoAssertionReportWindow::followReport); });
     showRows();
 }
 
@@ -191,8 +201,20 @@ bool hoAssertionReportWindow::saveAs(const std::string& path)
     return error == 0;
 }
 
+// Every showing asks to be told of the next change, which may be there already.
+void hoAssertionReportWindow::followReport()
+{
+    _isChanged = true;
+    if (!_pause.IsRunning())
+    {
+        showRows();
+    }
+}
+
 void hoAssertionReportWindow::showRows()
 {
+    _isChanged = false;
+    _pause.StartOnce(pauseAfterShowing);
     _rows = _pReport->rows();
     const std::uint64_t failures = _pReport->amountOfFailures();
     const std::uint64_t withoutRow = _pReport->amountWithoutRow();

@@ -1,5 +1,6 @@
 // The window of the assertion report: a row for each place in the source whose assertion failed. It follows the report
-// while both are there and can stay open beside the main window.
+// while both are there and can stay open beside the main window. Changes are shown at once, but not more often than every
+// tenth of a second, however fast threads fail.
 //
 // Memory: belongs to its parent; closing hides it. Threads: main thread only; the report may be fed from any.
 #ifndef COUNTERSIGN_HO_ASSERTION_REPORT_WINDOW_H
@@ -8,6 +9,7 @@
 #include "host/hoAssertionReport.h"
 
 #include <wx/dialog.h>
+#include <wx/timer.h>
 
 #include <memory>
 #include <string>
@@ -30,10 +32,14 @@ public:
     // went wrong.
     bool saveAs(const std::string& path);
 
+    // Whether something has changed that is not shown yet.
+    bool isBehind() const { return _isChanged; }
+
     // The application ends with its main window, whether this one is open or not.
     bool ShouldPreventAppExit() const override { return false; }
 
 private:
+    void followReport();
     void showRows();
     // The selected rows as text, or all rows.
     wxString text(bool isOnlySelected) const;
@@ -45,6 +51,8 @@ private:
     std::vector<hoAssertionRow> _rows;
     wxStaticText* _pHeading;
     hoAssertionReportList* _pList;
+    wxTimer _pause;   // while it runs nothing is shown
+    bool _isChanged;  // since the last showing
 };
 
 #endif

@@ -6,12 +6,17 @@
 #include "platform/osWrappers/osTime.h"
 
 #include <wx/app.h>
+#include <wx/timer.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <new>
 #include <utility>
 
 namespace
 {
+const int pauseBetweenDecisions = 20;  // milliseconds
+
 class Flag
 {
 public:
@@ -46,20 +51,38 @@ hoAssertionDecision decisionOf(int usersDecision)
 
 hoInteractiveAssertionFailureHandler::hoInteractiveAssertionFailureHandler(unsigned int mainThreadId,
                                                                            std::shared_ptr<hoAssertionReport> pReport)
-    : ahDialogBasedAssertionFailureHandler(mainThreadId), _pReport(std::move(pReport)), _isDeciding(false)
+    : ahDialogBasedAssertionFailureHandler(mainThreadId),
+      _pReport(std::move(pReport)),
+      _isDeciding(false),
+      _isCalled(false)
 {
 }
+
+hoInteractiveAssertionFailureHandler::~hoInteractiveAssertionFailureHandler() = default;
 
 void hoInteractiveAssertionFailureHandler::onAssertionFailure(const char* functionName, const char* fileName,
                                                               int lineNumber, const char* message)
 {
     const int error = errno;
-    outputAssertionMessageToStderr(functionName, fileName, lineNumber, message);
-    _pReport->record(functionName, fileName, lineNumber, message, osGetCurrentThreadId(),
-                     osTime().setFromCurrentTime().secondsSince1970());
+    // Whoever fails an assertion expects no exception.
+    try
+    {
+        outputAssertionMessageToStderr(functionName, fileName, lineNumber, message);
+        _pReport->record(functionName, fileName, lineNumber, message, osGetCurrentThreadId(),
+                         osTime().setFromCurrentTime().secondsSince1970());
+        ask(functionName, fileName, lineNumber, message);
+    }
+    catch (const std::bad_alloc&)
+    {
+    }
+    errno = error;
+}
+
+void hoInteractiveAssertionFailureHandler::ask(const char* functionName, const char* fileName, int lineNumber,
+                                               const char* message)
+{
     if (_isDeciding || wxTheApp == nullptr)
     {
-        errno = error;
         return;
     }
     if (osGetCurrentThreadId() == _mainThreadId)
@@ -68,17 +91,90 @@ void hoInteractiveAssertionFailureHandler::onAssertionFailure(const char* functi
     }
     else
     {
-        wxTheApp->CallAfter(
-            [pWeakHandler = weak_from_this(), function = gtString(functionName), file = gtString(fileName), lineNumber,
-             reason = gtString(message)]
-            {
-                if (const auto pHandler = pWeakHandler.lock())
-                {
-                    pHandler->decide(function.asCharArray(), file.asCharArray(), lineNumber, reason.asCharArray());
-                }
-            });
+        decideLater(functionName, fileName, lineNumber, message);
     }
-    errno = error;
+}
+
+void hoInteractiveAssertionFailureHandler::decideLater(const char* functionName, const char* fileName, int lineNumber,
+                                                       const char* message)
+{
+    Failure failure{gtString(functionName), gtString(fileName), lineNumber, gtString(message)};
+    const std::lock_guard<std::mutex> lock(_mutex);
+    const bool isWaiting =
+        std::any_of(_waiting.begin(), _waiting.end(),
+                    [&](const Failure& other) { return other._line == lineNumber && other._file == failure._file; });
+    if (isWaiting || _waiting.size() == mostWaiting)
+    {
+        return;
+    }
+    _waiting.push_back(std::move(failure));
+    if (!_isCalled)
+    {
+        goOnLater();
+        _isCalled = true;
+    }
+}
+
+// The event that is queued here is the only one of its kind: events that came faster than they are handled would keep the
+// main thread from everything else.
+void hoInteractiveAssertionFailureHandler::goOnLater()
+{
+    wxTheApp->CallAfter(
+        [pWeakHandler = weak_from_this()]
+        {
+            if (const auto pHandler = pWeakHandler.lock())
+            {
+                pHandler->decideNext();
+            }
+        });
+}
+
+void hoInteractiveAssertionFailureHandler::decideNext()
+{
+    try
+    {
+        Failure failure;
+        if (!_isDeciding && takeWaiting(failure))
+        {
+            decide(failure._function.asCharArray(), failure._file.asCharArray(), failure._line,
+                   failure._message.asCharArray());
+        }
+    }
+    catch (const std::bad_alloc&)
+    {
+    }
+    if (_pPause == nullptr)
+    {
+        _pPause = std::make_unique<wxTimer>();
+        _pPause->Bind(wxEVT_TIMER,
+                      [this](wxTimerEvent&)
+                      {
+                          const std::lock_guard<std::mutex> lock(_mutex);
+                          _isCalled = false;
+                          if (!_waiting.empty())
+                          {
+                              goOnLater();
+                              _isCalled = true;
+                          }
+                      });
+    }
+    _pPause->StartOnce(pauseBetweenDecisions);
+}
+
+// The next that is not ignored by now.
+bool hoInteractiveAssertionFailureHandler::takeWaiting(Failure& failure)
+{
+    const std::lock_guard<std::mutex> lock(_mutex);
+    while (!_waiting.empty())
+    {
+        std::swap(failure, _waiting.front());
+        _waiting.pop_front();
+        if (!isInIgnoredSourceLocations(osFilePath(failure._file), failure._line))
+        {
+            return true;
+        }
+    }
+    return false;
 }
 
 void hoInteractiveAssertionFailureHandler::decide(const char* functionName, const char* fileName, int lineNumber,

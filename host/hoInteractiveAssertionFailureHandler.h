@@ -4,11 +4,14 @@
 //
 // - On the main thread the dialog comes at once and onAssertionFailure returns when it was decided.
 // - On any other thread onAssertionFailure returns at once; the dialog comes on the main thread when that handles its
-//   events, with the arguments as they were.
+//   events, with the arguments as they were. A place waits for its dialog once, however often it fails meanwhile, and
+//   mostWaiting places wait at the same time; what is more is written and recorded, nothing more. However fast threads
+//   fail, the main thread gets to its other events between two dialogs.
 // - While a dialog is up, or its decision is being carried out, a failure on any thread is written and
 //   recorded, nothing more.
 // - Without an application object (before the toolkit starts, after it has ended) a failure is written and
 //   recorded, nothing more.
+// - Without memory a failure may be neither written nor recorded nor shown; whoever fails goes on all the same.
 //
 // Threads: onAssertionFailure may be called from any thread. Everything else, construction and destruction too, is for
 // the main thread, which is the one whose id the constructor gets.
@@ -20,18 +23,27 @@
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
 
 #include <atomic>
+#include <deque>
 #include <memory>
+#include <mutex>
 
 class hoAssertionReport;
+class wxTimer;
 
 class hoInteractiveAssertionFailureHandler : public ahDialogBasedAssertionFailureHandler,
                                              public std::enable_shared_from_this<hoInteractiveAssertionFailureHandler>
 {
 public:
+    // Places that wait for their dialog.
+    static constexpr std::size_t mostWaiting = 100;
+
     // pReport may not be null.
     hoInteractiveAssertionFailureHandler(unsigned int mainThreadId, std::shared_ptr<hoAssertionReport> pReport);
+    ~hoInteractiveAssertionFailureHandler() override;
+    hoInteractiveAssertionFailureHandler(const hoInteractiveAssertionFailureHandler&) = delete;
+    hoInteractiveAssertionFailureHandler& operator=(const hoInteractiveAssertionFailureHandler&) = delete;
 
-    // Any text may be null. errno is the same before and after.
+    // Any text may be null. errno is the same before and after. Lets no std::bad_alloc out.
     void onAssertionFailure(const char* functionName, const char* fileName, int lineNumber,
                             const char* message) override;
 
@@ -39,10 +51,28 @@ public:
     bool isDeciding() const { return _isDeciding; }
 
 private:
+    struct Failure
+    {
+        gtString _function;
+        gtString _file;
+        int _line = 0;
+        gtString _message;
+    };
+
+    void ask(const char* functionName, const char* fileName, int lineNumber, const char* message);
+    void decideLater(const char* functionName, const char* fileName, int lineNumber, const char* message);
+    void decideNext();
+    bool takeWaiting(Failure& failure);
+    void goOnLater();
     void decide(const char* functionName, const char* fileName, int lineNumber, const char* message);
 
     const std::shared_ptr<hoAssertionReport> _pReport;
     std::atomic<bool> _isDeciding;
+    std::unique_ptr<wxTimer> _pPause;  // between two decisions of what waits
+
+    std::mutex _mutex;  // guards what follows
+    std::deque<Failure> _waiting;
+    bool _isCalled;  // somebody is going to look at _waiting
 };
 
 #endif

@@ -51,7 +51,7 @@ std::string showWith(const std::string& path, const wxString& reason, long least
 {
     ahAssertDialog dialog(osFilePath(gtString(path.data(), static_cast<int>(path.size()))), 7, reason, nullptr);
     wxTextCtrl* const pReport = reportOf(dialog);
-    const std::string text(pReport->GetValue().utf8_string());
+    std::string text(pReport->GetValue().utf8_string());
     EXPECT_EQ(pReport->GetInsertionPoint(), pReport->GetLastPosition());
     tsScript script;
     script.waitUntil("the dialog has the keyboard", [&] { return tsHasKeyboard(dialog); })
@@ -191,21 +191,21 @@ TEST(HostileTexts, KeepTheirStyles)
 TEST(HostileTexts, AreEasedAgainWhenTheyChange)
 {
     wxFrame frame(nullptr, wxID_ANY, "texts");
-    auto* pText = new wxTextCtrl(&frame, wxID_ANY, wxString(), wxDefaultPosition, wxSize(300, 200), wxTE_MULTILINE);
+    wxTextCtrl text(&frame, wxID_ANY, wxString(), wxDefaultPosition, wxSize(300, 200), wxTE_MULTILINE);
     frame.Show();
     ASSERT_TRUE(tsRunUntil("the window has the keyboard", [&] { return tsHasKeyboard(frame); }));
     const wxString before = repeated("w", 200000) + "\nshort";
-    pText->ChangeValue(before);
-    ahEaseLayout(pText);
+    text.ChangeValue(before);
+    ahEaseLayout(&text);
     tsRunEvents();
-    EXPECT_TRUE(pText->GetValue() == before);
-    pText->ChangeValue("one two");
-    ahEaseLayout(pText);
-    pText->AppendText(repeated(" three", 100) + "\n" + repeated("v", 200000));
-    ahEaseLayout(pText);
+    EXPECT_TRUE(text.GetValue() == before);
+    text.ChangeValue("one two");
+    ahEaseLayout(&text);
+    text.AppendText(repeated(" three", 100) + "\n" + repeated("v", 200000));
+    ahEaseLayout(&text);
     tsRunEvents();
-    EXPECT_EQ(pText->GetValue().length(), 7U + 100U + 1U + 200000U);
-    EXPECT_EQ(pText->GetInsertionPoint(), pText->GetLastPosition());
-    pText->Clear();
-    ahEaseLayout(pText);
+    EXPECT_EQ(text.GetValue().length(), 7U + 100U + 1U + 200000U);
+    EXPECT_EQ(text.GetInsertionPoint(), text.GetLastPosition());
+    text.Clear();
+    ahEaseLayout(&text);
 }

@@ -71,6 +71,16 @@ protected:
         testing::internal::GetCapturedStderr();
         MainFrameFixture::TearDown();
     }
+    void settle()
+    {
+        MainFrameFixture::settle();
+        tsRunUntil("the report shows all there is",
+                   [this]
+                   {
+                       const hoAssertionReportWindow* const pWindow = window();
+                       return pWindow == nullptr || !pWindow->isBehind();
+                   });
+    }
     hoAssertionReportWindow* window() const
     {
         for (wxWindow* pChild : _pFrame->GetChildren())
