@@ -7,6 +7,10 @@
 #include <cstring>
 #include <ctime>
 
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
 namespace
 {
 
@@ -199,6 +203,19 @@ mpDigit add(mpDigit w[], const mpDigit u[], const mpDigit v[], size_t n)
     return carry;
 }
 
+mpDigit subtract(mpDigit w[], const mpDigit u[], const mpDigit v[], size_t n)
+{
+    mpDigit borrow = 0;
+    for (size_t i = 0; i < n; i++)
+    {
+        w[i] = u[i] - borrow;
+        borrow = w[i] > allOnes - borrow ? 1 : 0;
+        w[i] -= v[i];
+        borrow += w[i] > allOnes - v[i] ? 1 : 0;
+    }
+    return borrow;
+}
+
 // w[0..un+vn) = u * v.
 void multiplyByRows(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
 {
@@ -317,9 +334,141 @@ __attribute__((target("bmi2"))) void squareWithBmi2(mpDigit w[], const mpDigit x
     squareByWords(w, x, n);
 }
 
+// Squares by limbs of 52 bits, eight at once in a vector register: for processors that multiply such limbs.
+constexpr size_t limbBits = 52;
+constexpr uint64_t limbMask = (uint64_t{1} << limbBits) - 1;
+constexpr size_t limbsAtOnce = 8;
+// Longer numbers are cut into blocks.
+constexpr size_t digitsPerBlock = 256;
+// A pair of limbs has 13 octets.
+constexpr size_t octetsPerLimbPair = 13;
+constexpr size_t limbsPerBlock = (digitsPerBlock * bitsPerDigit / limbBits + limbsAtOnce) / limbsAtOnce * limbsAtOnce;
+static_assert(2 * limbsPerBlock < (uint64_t{1} << (64 - limbBits)), "the sums of a column fit in a word");
+
+// limbs[0..count) = a[0..n), with as many zeros below and above as a register has limbs. Returns count.
+MP_INLINE size_t takeLimbs(uint64_t limbs[], const mpDigit a[], size_t n)
+{
+    unsigned char octets[(digitsPerBlock + 4) * octetsPerDigit];
+    memcpy(octets, a, n * octetsPerDigit);
+    memset(octets + n * octetsPerDigit, 0, 4 * octetsPerDigit);
+    const size_t count = (n * bitsPerDigit + limbBits - 1) / limbBits;
+    size_t i = 0;
+    for (const unsigned char* pair = octets; i < count; i += 2, pair += octetsPerLimbPair)
+    {
+        uint64_t low = 0;
+        uint64_t high = 0;
+        memcpy(&low, pair, sizeof(low));
+        memcpy(&high, pair + limbBits / 8, sizeof(high));
+        limbs[i] = low & limbMask;
+        limbs[i + 1] = (high >> limbBits % 8) & limbMask;
+    }
+    memset(limbs - limbsAtOnce, 0, limbsAtOnce * sizeof(uint64_t));
+    memset(limbs + i, 0, limbsAtOnce * sizeof(uint64_t));
+    return count;
+}
+
+// w[0..un+vn) = u * v, neither longer than a block. u may be v.
+__attribute__((target("avx512f,avx512ifma,bmi2"))) void multiplyBlocks(mpDigit w[], const mpDigit u[], size_t un,
+                                                                       const mpDigit v[], size_t vn)
+{
+    uint64_t uRoom[limbsPerBlock + 2 * limbsAtOnce];
+    uint64_t vRoom[limbsPerBlock + 2 * limbsAtOnce];
+    uint64_t* const uLimbs = uRoom + limbsAtOnce;
+    uint64_t* const vLimbs = u == v ? uLimbs : vRoom + limbsAtOnce;
+    const size_t uCount = takeLimbs(uLimbs, u, un);
+    const size_t vCount = u == v ? uCount : takeLimbs(vLimbs, v, vn);
+
+    // The low and the high limbs of the products, by columns.
+    uint64_t low[2 * limbsPerBlock + limbsAtOnce];
+    uint64_t high[2 * limbsPerBlock + limbsAtOnce + 1];
+    high[0] = 0;
+    for (size_t first = 0; first < uCount + vCount; first += limbsAtOnce)
+    {
+        const size_t begin = first < uCount ? 0 : first - uCount + 1;
+        const size_t end = first + limbsAtOnce < vCount ? first + limbsAtOnce : vCount;
+        __m512i lowSum = _mm512_setzero_si512();
+        __m512i highSum = _mm512_setzero_si512();
+        __m512i otherLowSum = _mm512_setzero_si512();
+        __m512i otherHighSum = _mm512_setzero_si512();
+        // Every other row to other sums, which do not wait for each other.
+        for (size_t j = begin; j < end; j += 2)
+        {
+            const __m512i limbs = _mm512_loadu_si512(uLimbs + first - j);
+            const __m512i factor = _mm512_set1_epi64(static_cast<long long>(vLimbs[j]));
+            lowSum = _mm512_madd52lo_epu64(lowSum, limbs, factor);
+            highSum = _mm512_madd52hi_epu64(highSum, limbs, factor);
+            if (j + 1 < end)
+            {
+                const __m512i nextLimbs = _mm512_loadu_si512(uLimbs + first - j - 1);
+                const __m512i nextFactor = _mm512_set1_epi64(static_cast<long long>(vLimbs[j + 1]));
+                otherLowSum = _mm512_madd52lo_epu64(otherLowSum, nextLimbs, nextFactor);
+                otherHighSum = _mm512_madd52hi_epu64(otherHighSum, nextLimbs, nextFactor);
+            }
+        }
+        _mm512_storeu_si512(low + first, _mm512_add_epi64(lowSum, otherLowSum));
+        _mm512_storeu_si512(high + first + 1, _mm512_add_epi64(highSum, otherHighSum));
+    }
+
+    unsigned char octets[(2 * digitsPerBlock + 8) * octetsPerDigit];
+    unsigned char* pair = octets;
+    uint64_t carry = 0;
+    for (size_t i = 0; i < uCount + vCount; i += 2, pair += octetsPerLimbPair)
+    {
+        const uint64_t even = low[i] + high[i] + carry;
+        // Columns come in eights. NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult)
+        const uint64_t odd = low[i + 1] + high[i + 1] + (even >> limbBits);
+        carry = odd >> limbBits;
+        const uint64_t lowOctets = (even & limbMask) | odd << limbBits;
+        const uint64_t highOctets = (odd & limbMask) >> (64 - limbBits);
+        memcpy(pair, &lowOctets, sizeof(lowOctets));
+        memcpy(pair + sizeof(lowOctets), &highOctets, sizeof(highOctets));
+    }
+    memcpy(w, octets, (un + vn) * octetsPerDigit);
+}
+
+bool has52BitLimbs()
+{
+    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512ifma") && __builtin_cpu_supports("bmi2");
+}
+
+void squareByBlocks(mpDigit w[], const mpDigit x[], size_t n)
+{
+    if (n <= digitsPerBlock)
+    {
+        multiplyBlocks(w, x, n, x, n);
+        return;
+    }
+    setZero(w, 2 * n);
+    for (size_t i = 0; i < n; i += digitsPerBlock)
+    {
+        const size_t in = n - i < digitsPerBlock ? n - i : digitsPerBlock;
+        for (size_t j = 0; j <= i; j += digitsPerBlock)
+        {
+            const size_t jn = j == i ? in : digitsPerBlock;
+            mpDigit block[2 * digitsPerBlock];
+            multiplyBlocks(block, x + i, in, x + j, jn);
+            for (size_t times = i == j ? 1 : 2; times > 0; times--)
+            {
+                mpDigit* above = w + i + j + in + jn;
+                for (mpDigit carry = add(w + i + j, w + i + j, block, in + jn); carry != 0; above++)
+                {
+                    *above += carry;
+                    carry = *above == 0 ? 1 : 0;
+                }
+            }
+        }
+    }
+}
+
+constexpr size_t shortestForLimbs = 20;
+
 void square(mpDigit w[], const mpDigit x[], size_t n)
 {
-    if (__builtin_cpu_supports("bmi2"))
+    if (n >= shortestForLimbs && has52BitLimbs())
+    {
+        squareByBlocks(w, x, n);
+    }
+    else if (__builtin_cpu_supports("bmi2"))
     {
         squareWithBmi2(w, x, n);
     }
@@ -533,7 +682,7 @@ void divideByRows(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size
 //
 // Where a row has to carry from digit to digit, columns have nothing to carry until they are summed up, and the sums
 // of neighbouring columns are independent of each other: that suits vector units. The products are still formed from
-// 16-bit halves. The halves of the products are summed in 32-bit lanes.
+// 16-bit halves, whose products are summed in 32-bit lanes.
 
 #if defined(__GNUC__) && defined(__SIZEOF_INT128__) && !defined(MP_WITHOUT_COLUMNS)
 
@@ -541,6 +690,9 @@ void divideByRows(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size
 
 constexpr size_t columnCount = 16;
 constexpr size_t shortestForColumns = columnCount;
+// The sum of a column, twice as wide as a digit, has this much room.
+constexpr size_t longestForColumns = size_t{1} << 28;
+constexpr size_t shortestForLeavingOut = columnCount + 1;
 // A lane takes three halves from each row.
 constexpr size_t rowsPerLane = 16384;
 static_assert(rowsPerLane * 3 * halfMask <= allOnes, "the sums fit in a lane");
@@ -549,11 +701,17 @@ using Vector16 = mpDigit __attribute__((vector_size(16)));
 using Vector32 = mpDigit __attribute__((vector_size(32)));
 using Vector64 = mpDigit __attribute__((vector_size(64)));
 
-// The sum of a column is low + high * 2^32.
+template <class Vector>
+struct Widened
+{
+    using Type __attribute__((vector_size(sizeof(Vector)))) = uint64_t;
+};
+
+// The sum of column i is low + high * 2^32 at [i % 2][i / 2].
 struct Columns
 {
-    uint64_t low[columnCount];
-    uint64_t high[columnCount];
+    uint64_t low[2][columnCount / 2];
+    uint64_t high[2][columnCount / 2];
 };
 
 // The same sums, in the lanes of vectors and by half-digits: weights 1, 2^16, 2^32 and 2^48.
@@ -565,6 +723,22 @@ struct Lanes
     Vector lower[parts];
     Vector upper[parts];
     Vector highest[parts];
+};
+
+// Sums of products of halves: modulo 2^32, and of their upper halves alone, which leaves the lower halves to be found
+// by a subtraction.
+template <class Vector>
+struct Products
+{
+    MP_INLINE void add(const Vector& product)
+    {
+        all += product;
+        upper += product >> bitsPerHalf;
+    }
+    MP_INLINE void addLowerTo(Vector& sums) const { sums += all - (upper << bitsPerHalf); }
+
+    Vector all;
+    Vector upper;
 };
 
 // Sixteen digits of a number from any index on, with zeros below the number and above it.
@@ -581,117 +755,168 @@ struct Slices
         }
     }
 
-    MP_INLINE const mpDigit* from(ptrdiff_t index) const
-    {
-        const auto width = static_cast<ptrdiff_t>(columnCount);
-        const auto last = static_cast<ptrdiff_t>(size) - width;
-        if (index < 0)
-        {
-            return lowEnd + (width + index);
-        }
-        return index > last ? highEnd + (index - last) : digits + index;
-    }
-
     const mpDigit* digits;
     size_t size;
     mpDigit lowEnd[2 * columnCount];
     mpDigit highEnd[2 * columnCount];
 };
 
-// lanes += a[0..16) * d.
+// Part i of the sixteen columns: sums of products by what they count, 1, 2^16 and 2^32.
 template <class Vector>
-MP_INLINE void addProducts(Lanes<Vector>& lanes, const mpDigit a[], mpDigit d)
+struct ProductsOfRows
 {
-    const mpDigit dLow = d & halfMask;
-    const mpDigit dHigh = d >> bitsPerHalf;
-    for (size_t i = 0; i < Lanes<Vector>::parts; i++)
+    // += a[0..16) * d.
+    MP_INLINE void addRow(const mpDigit a[], mpDigit d, size_t i)
     {
         Vector digits;
         memcpy(&digits, a + i * (sizeof(Vector) / sizeof(mpDigit)), sizeof(Vector));
-        const Vector low = digits & halfMask;
-        const Vector high = digits >> bitsPerHalf;
-        const Vector lowLow = low * dLow;
-        const Vector lowHigh = low * dHigh;
-        const Vector highLow = high * dLow;
-        const Vector highHigh = high * dHigh;
-        lanes.lowest[i] += lowLow & halfMask;
-        lanes.lower[i] += (lowLow >> bitsPerHalf) + (lowHigh & halfMask) + (highLow & halfMask);
-        lanes.upper[i] += (lowHigh >> bitsPerHalf) + (highLow >> bitsPerHalf) + (highHigh & halfMask);
-        lanes.highest[i] += highHigh >> bitsPerHalf;
+        const Vector everywhere = d - Vector{};
+        const Vector dLow = everywhere & halfMask;
+        const Vector dHigh = everywhere >> bitsPerHalf;
+        const Vector digitsLow = digits & halfMask;
+        const Vector digitsHigh = digits >> bitsPerHalf;
+        low.add(digitsLow * dLow);
+        cross.add(digitsLow * dHigh);
+        cross.add(digitsHigh * dLow);
+        high.add(digitsHigh * dHigh);
     }
+    MP_INLINE void addTo(Lanes<Vector>& lanes, size_t i) const
+    {
+        low.addLowerTo(lanes.lowest[i]);
+        lanes.lower[i] += low.upper;
+        cross.addLowerTo(lanes.lower[i]);
+        lanes.upper[i] += cross.upper;
+        high.addLowerTo(lanes.upper[i]);
+        lanes.highest[i] += high.upper;
+    }
+
+    Products<Vector> low;
+    Products<Vector> cross;
+    Products<Vector> high;
+};
+
+// lanes += a[0..16) * d.
+template <class Vector>
+MP_INLINE void addRow(Lanes<Vector>& lanes, const mpDigit a[], mpDigit d)
+{
+    for (size_t i = 0; i < Lanes<Vector>::parts; i++)
+    {
+        ProductsOfRows<Vector> row = {};
+        row.addRow(a, d, i);
+        row.addTo(lanes, i);
+    }
+}
+
+MP_INLINE mpDigit lane(const void* vectors, size_t i)
+{
+    mpDigit result = 0;
+    memcpy(&result, static_cast<const char*>(vectors) + i * sizeof(mpDigit), sizeof(mpDigit));
+    return result;
 }
 
 // sums += lanes, in column i.
 template <class Vector>
 MP_INLINE void addLane(Columns& sums, const Lanes<Vector>& lanes, size_t i)
 {
-    mpDigit lowest = 0;
-    mpDigit lower = 0;
-    mpDigit upper = 0;
-    mpDigit highest = 0;
-    memcpy(&lowest, reinterpret_cast<const char*>(lanes.lowest) + i * sizeof(mpDigit), sizeof(mpDigit));
-    memcpy(&lower, reinterpret_cast<const char*>(lanes.lower) + i * sizeof(mpDigit), sizeof(mpDigit));
-    memcpy(&upper, reinterpret_cast<const char*>(lanes.upper) + i * sizeof(mpDigit), sizeof(mpDigit));
-    memcpy(&highest, reinterpret_cast<const char*>(lanes.highest) + i * sizeof(mpDigit), sizeof(mpDigit));
-    sums.low[i] += uint64_t{lowest} + ((lower & halfMask) << bitsPerHalf);
-    sums.high[i] += uint64_t{upper} + (lower >> bitsPerHalf) + (uint64_t{highest} << bitsPerHalf);
+    const mpDigit lower = lane(lanes.lower, i);
+    sums.low[i % 2][i / 2] += uint64_t{lane(lanes.lowest, i)} + (lower << bitsPerHalf);
+    sums.high[i % 2][i / 2] +=
+        uint64_t{lane(lanes.upper, i)} + (lower >> bitsPerHalf) + (uint64_t{lane(lanes.highest, i)} << bitsPerHalf);
 }
 
-// lanes += v[j] * a[j - begin digits down], for v[begin..end).
+// Part i of the sums += lanes * 2^bits: sums[0] takes the even lanes, sums[1] the odd ones.
 template <class Vector>
-MP_INLINE void addRows(Lanes<Vector>& lanes, const mpDigit* a, const mpDigit v[], size_t begin, size_t end)
+MP_INLINE void addWidened(uint64_t sums[2][columnCount / 2], const Vector& lanes, size_t i, uint64_t bits)
+{
+    using Wide = typename Widened<Vector>::Type;
+    constexpr size_t width = sizeof(Wide) / sizeof(uint64_t);
+    const auto pairs = reinterpret_cast<Wide>(lanes);
+    Wide even;
+    Wide odd;
+    memcpy(&even, sums[0] + i * width, sizeof(Wide));
+    memcpy(&odd, sums[1] + i * width, sizeof(Wide));
+    even += (pairs & uint64_t{allOnes}) << bits;
+    odd += (pairs >> uint64_t{bitsPerDigit}) << bits;
+    memcpy(sums[0] + i * width, &even, sizeof(Wide));
+    memcpy(sums[1] + i * width, &odd, sizeof(Wide));
+}
+
+// sums += lanes.
+template <class Vector>
+MP_INLINE void addLanes(Columns& sums, const Lanes<Vector>& lanes)
+{
+    for (size_t i = 0; i < Lanes<Vector>::parts; i++)
+    {
+        const Vector lower = lanes.lower[i] << bitsPerHalf;
+        const Vector upper = lanes.upper[i] + (lanes.lower[i] >> bitsPerHalf);
+        addWidened(sums.low, lanes.lowest[i], i, 0);
+        addWidened(sums.low, lower, i, 0);
+        addWidened(sums.high, upper, i, 0);
+        addWidened(sums.high, lanes.highest[i], i, bitsPerHalf);
+    }
+}
+
+// rows += v[j] * a[j - begin digits down], for v[begin..end).
+template <class Vector>
+MP_INLINE void addRows(ProductsOfRows<Vector> rows[], const mpDigit* a, const mpDigit v[], size_t begin, size_t end)
 {
     for (size_t j = begin; j < end; j++)
     {
-        if (v[j] != 0)
+        for (size_t i = 0; i < Lanes<Vector>::parts; i++)
         {
-            addProducts(lanes, a - (j - begin), v[j]);
+            rows[i].addRow(a - (j - begin), v[j], i);
         }
     }
 }
 
-// Columns first to first + 15 of u * v, taking only v[begin..end), each of which must have digits in these columns.
+// sums += columns first to first + 15 of u * v, taking only v[begin..end), each of which must have digits in these
+// columns.
 template <class Vector>
-MP_INLINE Columns sumColumns(const Slices& u, const mpDigit v[], size_t begin, size_t end, size_t first)
+MP_INLINE void addColumns(Columns& sums, const Slices& u, const mpDigit v[], size_t begin, size_t end, size_t first)
 {
     // Rows below the first of these reach above the end of u, rows from the second on below its beginning.
     const size_t last = u.size - columnCount;
     const size_t whole = first > last ? first - last : 0;
     const size_t low = first + 1;
-    Columns sums = {};
     for (size_t j = begin; j < end;)
     {
         const size_t stop = end - j < rowsPerLane ? end : j + rowsPerLane;
         const size_t endOfHigh = j < whole ? (whole < stop ? whole : stop) : j;
         const size_t endOfWhole = endOfHigh < low ? (low < stop ? low : stop) : endOfHigh;
-        Lanes<Vector> lanes = {};
+        ProductsOfRows<Vector> rows[Lanes<Vector>::parts] = {};
         if (j < endOfHigh)
         {
-            addRows(lanes, u.highEnd + (first - last - j), v, j, endOfHigh);
+            addRows(rows, u.highEnd + (first - last - j), v, j, endOfHigh);
         }
         if (endOfHigh < endOfWhole)
         {
-            addRows(lanes, u.digits + (first - endOfHigh), v, endOfHigh, endOfWhole);
+            addRows(rows, u.digits + (first - endOfHigh), v, endOfHigh, endOfWhole);
         }
         if (endOfWhole < stop)
         {
-            addRows(lanes, u.lowEnd + (columnCount + first - endOfWhole), v, endOfWhole, stop);
+            addRows(rows, u.lowEnd + (columnCount + first - endOfWhole), v, endOfWhole, stop);
         }
-        for (size_t i = 0; i < columnCount; i++)
+        Lanes<Vector> lanes = {};
+        for (size_t i = 0; i < Lanes<Vector>::parts; i++)
         {
-            addLane(sums, lanes, i);
+            rows[i].addTo(lanes, i);
         }
+        addLanes(sums, lanes);
         j = stop;
     }
-    return sums;
 }
 
-// Adds column i to what is carried from the column below it, and takes the digit.
-MP_INLINE mpDigit takeDigit(uint64_t& carry, const Columns& sums, size_t i)
+// The digits of the columns, with what is carried from the columns below them.
+MP_INLINE void takeDigits(mpDigit digits[columnCount], uint64_t& carry, const Columns& sums)
 {
-    const uint64_t t = (carry & allOnes) + sums.low[i];
-    carry = (carry >> bitsPerDigit) + (t >> bitsPerDigit) + sums.high[i];
-    return static_cast<mpDigit>(t);
+    for (size_t i = 0; i < columnCount / 2; i++)
+    {
+        const uint64_t even = carry + sums.low[0][i];
+        const uint64_t odd = (even >> bitsPerDigit) + sums.high[0][i] + sums.low[1][i];
+        carry = (odd >> bitsPerDigit) + sums.high[1][i];
+        digits[2 * i] = static_cast<mpDigit>(even);
+        digits[2 * i + 1] = static_cast<mpDigit>(odd);
+    }
 }
 
 // Rows v[begin..end) that have digits of u, un long, in any of the columns first to first + 15.
@@ -712,162 +937,201 @@ MP_INLINE void multiplyByColumnsWith(mpDigit w[], const mpDigit u[], size_t un, 
     uint64_t carry = 0;
     for (size_t first = 0; first < un + vn; first += columnCount)
     {
-        const Columns sums = sumColumns<Vector>(slices, v, firstRow(first, un), endOfRows(first, vn), first);
-        for (size_t i = 0; i < columnCount && first + i < un + vn; i++)
+        Columns sums = {};
+        addColumns<Vector>(sums, slices, v, firstRow(first, un), endOfRows(first, vn), first);
+        if (un + vn - first >= columnCount)
         {
-            w[first + i] = takeDigit(carry, sums, i);
+            takeDigits(w + first, carry, sums);
+        }
+        else
+        {
+            mpDigit digits[columnCount];
+            takeDigits(digits, carry, sums);
+            setEqual(w + first, digits, un + vn - first);
         }
     }
 }
 
-// (B^3 - 1) / divisor - B, for a divisor of two digits with the top bit set.
-mpDigit reciprocal(uint64_t divisor)
+// A divisor v of n digits is multiplied by a number so that B^(n+2) is hardly more than the product. Then a quotient
+// digit can be read off: it is the highest digit of what is left of the dividend, multiplied by the same number (the
+// method is Svoboda's, 1963).
+struct Scaling
 {
-    const auto high = static_cast<mpDigit>(divisor >> bitsPerDigit);
-    const auto low = static_cast<mpDigit>(divisor);
-    mpDigit result = 0;
-    mpDigit remainder = 0;
-    // Of the high digit alone; too large by a few.
-    divideTwoByOne(result, remainder, ~high, allOnes, high);
-    DoubleWord multiple = (DoubleWord{divisor} << bitsPerDigit) + (DoubleWord{product(result, high)} << bitsPerDigit) +
-                          product(result, low);
-    while (multiple >> (3 * bitsPerDigit) != 0)
-    {
-        result--;
-        multiple -= divisor;
-    }
-    return result;
-}
-
-// A quotient digit as it is first found, and what is to be added to it, as masks: one for each that is set. What
-// depends on the guess need not wait for the masks. No sum exceeds a digit, since the quotient does not.
-struct Quotient
-{
-    mpDigit guess;
-    uint64_t oneMore;
-    uint64_t anotherMore;
-
-    MP_INLINE mpDigit digit() const
-    {
-        return guess - static_cast<mpDigit>(oneMore) - static_cast<mpDigit>(anotherMore);
-    }
-    // digit() * v.
-    MP_INLINE uint64_t times(mpDigit v) const { return product(guess, v) + (v & oneMore) + (v & anotherMore); }
+    // The number. Its highest digit is 1.
+    mpDigit factor[3];
+    // B^(n+2) - factor * v, but for its lowest digits. It is less than B^n.
+    const mpDigit* complement;
+    size_t leftOut;
 };
 
-// (uHigh, u) / divisor, for (uHigh, high digit of u) < divisor. Leaves the remainder in u. This is the digit that
-// estimateQuotient finds, without a division (Moeller and Granlund, Improved division by invariant integers, 2011,
-// algorithm 4).
-MP_INLINE Quotient divideThreeByTwo(mpDigit uHigh, uint64_t& u, uint64_t divisor, mpDigit inverse)
+// The top bit of v is set. complement gets n - leftOut digits. False when n digits are not enough, which happens to
+// one divisor of some 2^31.
+template <class Vector>
+MP_INLINE bool scaleWith(Scaling& scaling, mpDigit complement[], size_t leftOut, const mpDigit v[], size_t n)
 {
-    const auto vHigh = static_cast<mpDigit>(divisor >> bitsPerDigit);
-    const auto vLow = static_cast<mpDigit>(divisor);
-    const uint64_t estimate = product(inverse, uHigh) + (uint64_t{uHigh} << bitsPerDigit | u >> bitsPerDigit);
-    const auto q = static_cast<mpDigit>(estimate >> bitsPerDigit);
-    const uint64_t r = u - (uint64_t{static_cast<mpDigit>(q * vHigh)} << bitsPerDigit) - product(q, vLow) - divisor;
-    // Either way for many digits, in no order that a processor could guess: no branches.
-    const bool isOneMore = static_cast<mpDigit>(r >> bitsPerDigit) < static_cast<mpDigit>(estimate);
-    const uint64_t oneMore = 0 - static_cast<uint64_t>(isOneMore);
-    const uint64_t corrected = r + (divisor & ~oneMore);
-    const uint64_t anotherMore = 0 - static_cast<uint64_t>(corrected >= divisor);
-    u = corrected - (divisor & anotherMore);
-    return {q, oneMore, anotherMore};
+    // The three highest digits of v, and one added: factor = (B^5 - 1) / these.
+    mpDigit divisor[3];
+    mpDigit carry = 1;
+    for (size_t i = 0; i < 3; i++)
+    {
+        divisor[i] = v[n - 3 + i] + carry;
+        carry = divisor[i] < carry ? 1 : 0;
+    }
+    setZero(scaling.factor, 2);
+    scaling.factor[2] = 1;
+    if (carry == 0)
+    {
+        mpDigit dividend[4] = {allOnes, allOnes, ~divisor[0], ~divisor[1]};
+        divideByRows(scaling.factor, dividend, ~divisor[2], divisor, 3, 1);
+    }
+    scaling.complement = complement;
+    scaling.leftOut = leftOut;
+
+    // The complement is what factor * v lacks: all its digits inverted, and one added.
+    const Slices slices(v, n);
+    uint64_t carried = 0;
+    carry = 1;
+    for (size_t first = 0; first <= n; first += columnCount)
+    {
+        Columns sums = {};
+        addColumns<Vector>(sums, slices, scaling.factor, firstRow(first, n), 3, first);
+        mpDigit digits[columnCount];
+        takeDigits(digits, carried, sums);
+        for (size_t i = 0; i < columnCount && first + i <= n; i++)
+        {
+            const mpDigit digit = ~digits[i] + carry;
+            carry = digit < carry ? 1 : 0;
+            if (first + i == n)
+            {
+                return digit == 0 && carry == 0;
+            }
+            if (first + i >= leftOut)
+            {
+                complement[first + i - leftOut] = digit;
+            }
+        }
+    }
+    return false;
 }
 
-// Does what divideByRows does, but takes each row at once only off the digits that the next estimate looks at. The
-// other digits get what is due when they come into reach, column by column, without the carry out of the columns
-// below, of which two rows make one at most. Hence an estimate can be wrong, with a probability of some n / 2^31; so
-// can, as in divideByRows, one that two digits of v do not settle. Both show: the top digits go negative, or what is
-// left at the end is not a remainder. Then the result is false, and q and r hold rubbish.
+// Does what divideByRows does, for m < n. Of the multiplied dividend only two digits are known at any time; the others
+// get what is due to them when they come into reach, column by column, and without what columns below would carry to
+// them. So a quotient digit may be one too small, which is seen at the end or, when the next digit does not fit in a
+// digit, at once: then the result is false, and r is untouched.
 template <class Vector>
-MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
+MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
+                                   const Scaling& scaling)
 {
-    const Slices slices(v, n);
-    const uint64_t divisor = loadTwo(v + n - 2);
-    const mpDigit inverse = reciprocal(divisor);
+    const Slices u(r, n + m);
+    const Slices w(scaling.complement, n - scaling.leftOut);
+    const mpDigit wTop = w.highEnd[columnCount - 1];
 
-    // The three digits that the estimate looks at, from column j + n down to column j + n - 2.
-    mpDigit uHigh = top;
-    uint64_t uLow = loadTwo(r + m + n - 2);
-    // What rows above j take off column j + n - 2, as far as column j + n - 1 did not take it.
-    uint64_t lowDue = 0;
-    Columns due = {};
-    Lanes<Vector> dueSince = {};
-    size_t firstDue = m + n - 3;
-    for (size_t j = m;; j--)
+    // Columns j + n + 2 and j + n + 1 of what is left of factor * u, and the low halves of column j + n.
+    const uint64_t second = product(scaling.factor[1], r[n + m - 1]);
+    const uint64_t third = product(scaling.factor[0], top);
+    uint64_t window = (uint64_t{top} << bitsPerDigit) + r[n + m - 1] + product(scaling.factor[1], top) +
+                      (second >> bitsPerDigit) + (third >> bitsPerDigit);
+    uint64_t low = uint64_t{r[n + m - 2]} + static_cast<mpDigit>(second) + static_cast<mpDigit>(third);
+    for (size_t j = m; j > 0;)
     {
-        const Quotient quotient = divideThreeByTwo(uHigh, uLow, divisor, inverse);
-        const mpDigit qhat = quotient.digit();
-        q[j] = qhat;
-        if (j == 0)
+        // Columns j + n - 1 and below, with what is due to the digits of the quotient that are known.
+        const size_t first = j + n - columnCount;
+        Columns due = {};
+        addColumns<Vector>(due, u, scaling.factor, 0, 3, first);
+        addColumns<Vector>(due, w, q, j + 1, m + 1, first - scaling.leftOut);
+        Lanes<Vector> dueSince = {};
+        for (size_t i = columnCount; i > 0 && j > 0; j--)
         {
-            break;
-        }
+            i--;
+            const auto qhat = static_cast<mpDigit>(window >> bitsPerDigit);
+            q[j] = qhat;
+            addLane(due, dueSince, i);
+            addRow(dueSince, w.highEnd + (columnCount - 1 - i), qhat);
 
-        const size_t column = j + n - 4;
-        if (column < firstDue)
-        {
-            firstDue = column < columnCount ? 0 : column - columnCount + 1;
-            due = sumColumns<Vector>(slices, q, j + 1, m < column ? m + 1 : column + 1, firstDue);
-            dueSince = {};
+            const uint64_t ownDue = product(qhat, wTop);
+            const uint64_t shifted = window << bitsPerDigit;
+            window = shifted + low + due.high[i % 2][i / 2] + (ownDue >> bitsPerDigit);
+            low = due.low[i % 2][i / 2] + static_cast<mpDigit>(ownDue);
+            if (window < shifted)
+            {
+                return false;
+            }
         }
-        const size_t i = column - firstDue;
-        addLane(due, dueSince, i);
-        addProducts(dueSince, slices.from(static_cast<ptrdiff_t>(firstDue) - static_cast<ptrdiff_t>(j)), qhat);
-
-        const uint64_t next = quotient.times(v[n - 4]);
-        const DoubleWord u = (DoubleWord{uLow} << bitsPerDigit) + r[j + n - 3] - quotient.times(v[n - 3]) -
-                             (lowDue + due.high[i] + (next >> bitsPerDigit));
-        if (u >> (3 * bitsPerDigit) != 0)
-        {
-            return false;
-        }
-        uHigh = static_cast<mpDigit>(u >> (2 * bitsPerDigit));
-        uLow = static_cast<uint64_t>(u);
-        lowDue = due.low[i] + static_cast<mpDigit>(next);
     }
+    q[0] = static_cast<mpDigit>(window >> bitsPerDigit);
 
     // r -= q * v, in the n digits of a remainder.
+    const Slices slices(v, n);
     uint64_t carry = 0;
     mpDigit borrow = 0;
     for (size_t first = 0; first < n; first += columnCount)
     {
-        const Columns sums = sumColumns<Vector>(slices, q, 0, endOfRows(first, m + 1), first);
+        Columns sums = {};
+        addColumns<Vector>(sums, slices, q, 0, endOfRows(first, m + 1), first);
+        mpDigit digits[columnCount];
+        takeDigits(digits, carry, sums);
         for (size_t i = 0; i < columnCount && first + i < n; i++)
         {
-            const uint64_t difference = uint64_t{r[first + i]} - takeDigit(carry, sums, i) - borrow;
+            const uint64_t difference = uint64_t{r[first + i]} - digits[i] - borrow;
             borrow = static_cast<mpDigit>(difference >> bitsPerDigit) & 1;
             r[first + i] = static_cast<mpDigit>(difference);
         }
     }
-    // What is due to the top digits by now takes 2 off the highest at most, so that one shows a negative remainder.
-    return r[n - 1] <= (uLow >> bitsPerDigit) + 1 && compare(r, v, n) < 0;
+    // What the window did not get is less than this.
+    const size_t unknown = 2 * n + 8;
+    if (static_cast<mpDigit>(window) > allOnes - unknown)
+    {
+        // The remainder differs from v by little, in either direction.
+        subtract(r, r, v, n);
+        if ((r[n - 1] & topBit) != 0)
+        {
+            add(r, r, v, n);
+        }
+        else
+        {
+            for (size_t j = 0; ++q[j] == 0;)
+            {
+                j++;
+            }
+        }
+    }
+    return true;
 }
+
+// The same for each width of the registers: MP_COLUMNS(the name's end, the vector, the functions' attributes).
+// Attributes cannot stand in parentheses. NOLINTBEGIN(bugprone-macro-parentheses)
+#define MP_COLUMNS(Bits, Vector, attributes)                                                                           \
+    attributes void multiplyBy##Bits(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)          \
+    {                                                                                                                  \
+        multiplyByColumnsWith<Vector>(w, u, un, v, vn);                                                                \
+    }                                                                                                                  \
+    attributes bool scaleBy##Bits(Scaling& scaling, mpDigit complement[], size_t leftOut, const mpDigit v[], size_t n) \
+    {                                                                                                                  \
+        return scaleWith<Vector>(scaling, complement, leftOut, v, n);                                                  \
+    }                                                                                                                  \
+    attributes bool divideBy##Bits(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,       \
+                                   const Scaling& scaling)                                                             \
+    {                                                                                                                  \
+        return divideByColumnsWith<Vector>(q, r, top, v, n, m, scaling);                                               \
+    }                                                                                                                  \
+    constexpr ColumnForms columnForms##Bits = {multiplyBy##Bits, scaleBy##Bits, divideBy##Bits};
+
+// NOLINTEND(bugprone-macro-parentheses)
+
+struct ColumnForms
+{
+    void (*multiply)(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn);
+    bool (*scale)(Scaling& scaling, mpDigit complement[], size_t leftOut, const mpDigit v[], size_t n);
+    bool (*divide)(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
+                   const Scaling& scaling);
+};
+
+MP_COLUMNS(128Bits, Vector16, )
 
 #if defined(__x86_64__)
 
-#define MP_FOR_512_BITS __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2")))
-#define MP_FOR_256_BITS __attribute__((target("avx2,bmi2")))
-
-MP_FOR_512_BITS void multiplyBy512Bits(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
-{
-    multiplyByColumnsWith<Vector64>(w, u, un, v, vn);
-}
-
-MP_FOR_512_BITS bool divideBy512Bits(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
-{
-    return divideByColumnsWith<Vector64>(q, r, top, v, n, m);
-}
-
-MP_FOR_256_BITS void multiplyBy256Bits(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
-{
-    multiplyByColumnsWith<Vector32>(w, u, un, v, vn);
-}
-
-MP_FOR_256_BITS bool divideBy256Bits(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
-{
-    return divideByColumnsWith<Vector32>(q, r, top, v, n, m);
-}
+MP_COLUMNS(256Bits, Vector32, __attribute__((target("avx2,bmi2"))))
+MP_COLUMNS(512Bits, Vector64, __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2"))))
 
 bool has512Bits()
 {
@@ -882,34 +1146,14 @@ bool has256Bits()
 
 #endif
 
-void multiplyBy128Bits(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+// For this processor.
+const ColumnForms& columnForms()
 {
-    multiplyByColumnsWith<Vector16>(w, u, un, v, vn);
-}
-
-bool divideBy128Bits(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
-{
-    return divideByColumnsWith<Vector16>(q, r, top, v, n, m);
-}
-
-// As multiplyByRows, for un >= shortestForColumns.
-void multiplyByColumns(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
-{
-    auto* multiplyBy = multiplyBy128Bits;
 #if defined(__x86_64__)
-    multiplyBy = has512Bits() ? multiplyBy512Bits : has256Bits() ? multiplyBy256Bits : multiplyBy128Bits;
+    return has512Bits() ? columnForms512Bits : has256Bits() ? columnForms256Bits : columnForms128Bits;
+#else
+    return columnForms128Bits;
 #endif
-    multiplyBy(w, u, un, v, vn);
-}
-
-// As divideByRows, for n >= shortestForColumns; but the result may be false, with rubbish in q and r.
-bool divideByColumns(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
-{
-    auto* divideBy = divideBy128Bits;
-#if defined(__x86_64__)
-    divideBy = has512Bits() ? divideBy512Bits : has256Bits() ? divideBy256Bits : divideBy128Bits;
-#endif
-    return divideBy(q, r, top, v, n, m);
 }
 
 #else
@@ -917,15 +1161,23 @@ bool divideByColumns(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], s
 #define MP_HAS_COLUMNS 0
 
 constexpr size_t shortestForColumns = SIZE_MAX;
+constexpr size_t longestForColumns = 0;
+constexpr size_t shortestForLeavingOut = 1;
 
-void multiplyByColumns(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+struct Scaling
 {
-    multiplyByRows(w, u, un, v, vn);
-}
+};
 
-bool divideByColumns(mpDigit[], mpDigit[], mpDigit, const mpDigit[], size_t, size_t)
+struct ColumnForms
 {
-    return false;
+    void multiply(mpDigit[], const mpDigit[], size_t, const mpDigit[], size_t) const {}
+    bool scale(Scaling&, mpDigit[], size_t, const mpDigit[], size_t) const { return false; }
+    bool divide(mpDigit[], mpDigit[], mpDigit, const mpDigit[], size_t, size_t, const Scaling&) const { return false; }
+};
+
+ColumnForms columnForms()
+{
+    return {};
 }
 
 #endif
@@ -935,13 +1187,13 @@ void multiply(mpDigit w[], const mpDigit u[], const mpDigit v[], size_t n)
 {
     const size_t un = significantDigits(u, n);
     const size_t vn = significantDigits(v, n);
-    if (un >= shortestForColumns)
+    if (un >= shortestForColumns && un <= longestForColumns && vn <= longestForColumns)
     {
-        multiplyByColumns(w, u, un, v, vn);
+        columnForms().multiply(w, u, un, v, vn);
     }
-    else if (vn >= shortestForColumns)
+    else if (vn >= shortestForColumns && vn <= longestForColumns && un <= longestForColumns)
     {
-        multiplyByColumns(w, v, vn, u, un);
+        columnForms().multiply(w, v, vn, u, un);
     }
     else
     {
@@ -952,6 +1204,66 @@ void multiply(mpDigit w[], const mpDigit u[], const mpDigit v[], size_t n)
 
 // Columns take some preparation, which the two or three rows of a step of Euclid's algorithm are not worth.
 constexpr size_t fewestDigitsForColumns = 4;
+
+// A divisor of at least two digits, made ready. Its digits are shifted, in place, so that the top bit is set.
+struct Divisor
+{
+    mpDigit* digits;
+    size_t size;
+    uint32_t shift;
+    bool isScaled;
+    Scaling scaling;
+};
+
+Divisor normalise(mpDigit v[], size_t n)
+{
+    Divisor divisor = {v, n, leadingZeroBits(v[n - 1]), false, {}};
+    shiftLeftBits(v, v, divisor.shift, n);
+    return divisor;
+}
+
+// Takes room for one digit less than the divisor has, or, if that is very short, for all digits in shortRoom.
+void scale(Divisor& divisor, mpDigit room[], mpDigit shortRoom[shortestForLeavingOut])
+{
+    const size_t n = divisor.size;
+    if (n >= shortestForColumns && n <= longestForColumns)
+    {
+        const bool isShort = n < shortestForLeavingOut;
+        divisor.isScaled =
+            columnForms().scale(divisor.scaling, isShort ? shortRoom : room, isShort ? 0 : 1, divisor.digits, n);
+    }
+}
+
+// q[0..udigits-n] and r[0..udigits) = u / divisor, for a divisor of n <= udigits digits.
+void divideBy(const Divisor& divisor, mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits)
+{
+    const mpDigit* v = divisor.digits;
+    const size_t n = divisor.size;
+    mpDigit top = shiftLeftBits(r, u, divisor.shift, udigits);
+
+    size_t count = udigits - n + 1;
+    if (top == 0 && r[udigits - 1] < v[n - 1])
+    {
+        count--;
+        q[count] = 0;
+        top = r[udigits - 1];
+    }
+    // At most n digits of the quotient at a time.
+    while (count > 0)
+    {
+        const size_t part = count < n ? count : n;
+        count -= part;
+        if (!divisor.isScaled || part < fewestDigitsForColumns ||
+            !columnForms().divide(q + count, r + count, top, v, n, part - 1, divisor.scaling))
+        {
+            divideByRows(q + count, r + count, top, v, n, part - 1);
+        }
+        top = r[count + n - 1];
+    }
+
+    setZero(r + n, udigits - n);
+    shiftRightBits(r, r, divisor.shift, n);
+}
 
 int32_t divide(mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits, mpDigit v[], size_t vdigits)
 {
@@ -991,17 +1303,16 @@ int32_t divide(mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits, mpDi
         }
     }
 
-    const uint32_t shift = leadingZeroBits(v[n - 1]);
-    shiftLeftBits(v, v, shift, n);
-    mpDigit top = shiftLeftBits(r, u, shift, n + m);
-    if (n < shortestForColumns || m < fewestDigitsForColumns || !divideByColumns(q, r, top, v, n, m))
+    Divisor divisor = normalise(v, n);
+    mpDigit shortRoom[shortestForLeavingOut];
+    if (m >= fewestDigitsForColumns)
     {
-        top = shiftLeftBits(r, u, shift, n + m);
-        divideByRows(q, r, top, v, n, m);
+        // Where the quotient has no digits.
+        scale(divisor, q + m + 1, shortRoom);
     }
-    setZero(r + n, m);
-    shiftRightBits(r, r, shift, n);
-    shiftRightBits(v, v, shift, n);
+    divideBy(divisor, q, r, u, size);
+    setZero(q + m + 1, n - 1);
+    shiftRightBits(v, v, divisor.shift, n);
     return 0;
 }
 
@@ -1309,15 +1620,7 @@ mpDigit mpAdd(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigit
 
 mpDigit mpSubtract(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
 {
-    mpDigit borrow = 0;
-    for (size_t i = 0; i < ndigits; i++)
-    {
-        w[i] = u[i] - borrow;
-        borrow = w[i] > allOnes - borrow ? 1 : 0;
-        w[i] -= v[i];
-        borrow += w[i] > allOnes - v[i] ? 1 : 0;
-    }
-    return borrow;
+    return subtract(w, u, v, ndigits);
 }
 
 int32_t mpMultiply(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
@@ -1735,6 +2038,33 @@ int32_t mpModExp(mpDigit y[], const mpDigit x[], const mpDigit e[], const mpDigi
     mpDigit* modulus = allocateDigits(n);
     mpDigit* value = allocateDigits(n);
     setEqual(modulus, m, n);
+    const size_t modulusSize = significantDigits(modulus, n);
+    Divisor divisor = {};
+    mpDigit shortRoom[shortestForLeavingOut];
+    if (modulusSize > 1)
+    {
+        divisor = normalise(modulus, modulusSize);
+        // No quotient reaches the top of its array.
+        scale(divisor, quotient + 2 * n - (modulusSize - 1), shortRoom);
+    }
+    // value = product modulo the modulus.
+    const auto reduce = [=]
+    {
+        const size_t productSize = significantDigits(product, 2 * n);
+        if (modulusSize < 2)
+        {
+            divide(quotient, remainder, product, 2 * n, modulus, n);
+        }
+        else if (productSize < modulusSize)
+        {
+            setEqual(remainder, product, n);
+        }
+        else
+        {
+            divideBy(divisor, quotient, remainder, product, productSize);
+        }
+        setEqual(value, remainder, n);
+    };
 
     size_t size = significantDigits(e, n);
     mpDigit mask = topBit;
@@ -1760,13 +2090,11 @@ int32_t mpModExp(mpDigit y[], const mpDigit x[], const mpDigit e[], const mpDigi
     for (nextBit(); size != 0; nextBit())
     {
         mpSquare(product, value, ndigits);
-        divide(quotient, remainder, product, 2 * n, modulus, n);
-        setEqual(value, remainder, n);
+        reduce();
         if ((e[size - 1] & mask) != 0)
         {
             mpMultiply(product, value, x, ndigits);
-            divide(quotient, remainder, product, 2 * n, modulus, n);
-            setEqual(value, remainder, n);
+            reduce();
         }
     }
     setEqual(y, value, n);

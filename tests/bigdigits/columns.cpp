@@ -48,10 +48,34 @@ private:
 struct Form
 {
     const char* name;
-    bool isThere;
-    void (*multiply)(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn);
-    bool (*divide)(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m);
-    size_t shortest;
+    bool (*isThere)();
+    // Null for rows.
+    const ColumnForms& (*columns)();
+
+    size_t shortest() const { return columns == nullptr ? 2 : shortestForColumns; }
+    void multiply(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn) const
+    {
+        if (columns == nullptr)
+        {
+            multiplyByRows(w, u, un, v, vn);
+            return;
+        }
+        columns().multiply(w, u, un, v, vn);
+    }
+    // Columns need m < n.
+    bool divide(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m, bool isLeavingOut) const
+    {
+        if (columns == nullptr)
+        {
+            divideByRows(q, r, top, v, n, m);
+            return true;
+        }
+        const size_t leftOut = isLeavingOut && n >= shortestForLeavingOut ? 1 : 0;
+        std::vector<mpDigit> complement(n - leftOut);
+        Scaling scaling = {};
+        return columns().scale(scaling, complement.data(), leftOut, v, n) &&
+               columns().divide(q, r, top, v, n, m, scaling);
+    }
 };
 
 std::ostream& operator<<(std::ostream& stream, const Form& form)
@@ -59,21 +83,20 @@ std::ostream& operator<<(std::ostream& stream, const Form& form)
     return stream << form.name;
 }
 
-bool divideByRowsAlways(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m)
+bool isAlwaysThere()
 {
-    divideByRows(q, r, top, v, n, m);
     return true;
 }
 
 const Form forms[] = {
-    {"Rows", true, multiplyByRows, divideByRowsAlways, 2},
+    {"Rows", isAlwaysThere, nullptr},
 #if MP_HAS_COLUMNS
-    {"Columns128Bits", true, multiplyBy128Bits, divideBy128Bits, shortestForColumns},
+    {"Columns128Bits", isAlwaysThere, []() -> const ColumnForms& { return columnForms128Bits; }},
 #if defined(__x86_64__)
-    {"Columns256Bits", has256Bits(), multiplyBy256Bits, divideBy256Bits, shortestForColumns},
-    {"Columns512Bits", has512Bits(), multiplyBy512Bits, divideBy512Bits, shortestForColumns},
+    {"Columns256Bits", has256Bits, []() -> const ColumnForms& { return columnForms256Bits; }},
+    {"Columns512Bits", has512Bits, []() -> const ColumnForms& { return columnForms512Bits; }},
 #endif
-    {"ColumnsForThisProcessor", true, multiplyByColumns, divideByColumns, shortestForColumns},
+    {"ColumnsForThisProcessor", isAlwaysThere, columnForms},
 #endif
 };
 
@@ -82,7 +105,7 @@ class EachForm : public testing::TestWithParam<Form>
 protected:
     void SetUp() override
     {
-        if (!GetParam().isThere)
+        if (!GetParam().isThere())
         {
             GTEST_SKIP() << "this processor has no such registers";
         }
@@ -121,12 +144,17 @@ protected:
         std::vector<mpDigit> plainRemainder = u;
         std::vector<mpDigit> plainQuotient(m + 1);
         divideByRows(plainQuotient.data(), plainRemainder.data(), top, v.data(), n, m);
-        const bool isDone = GetParam().divide(quotient.get(), remainder.get(), top, divisor.get(), n, m);
+        const bool isDone =
+            GetParam().divide(quotient.get(), remainder.get(), top, divisor.get(), n, m, alignment % 2 == 0);
         ASSERT_EQ(divisor.vector(), v);
         _given += isDone ? 0U : 1U;
         _done += isDone ? 1U : 0U;
         ASSERT_TRUE(isDone || !mustSucceed);
-        if (isDone)
+        if (!isDone)
+        {
+            ASSERT_EQ(remainder.vector(), u) << "what is given back must be whole";
+        }
+        else
         {
             plainRemainder.resize(n);
             std::vector<mpDigit> low = remainder.vector();
@@ -135,6 +163,12 @@ protected:
             ASSERT_EQ(low, plainRemainder);
         }
         ASSERT_EQ(Natural(plainQuotient), whole / Natural(v));
+    }
+
+    // How many more digits than a divisor of n digits a dividend may have, of those that are wanted.
+    static uint32_t longest(size_t n, uint32_t wanted)
+    {
+        return GetParam().columns != nullptr && wanted > n ? static_cast<uint32_t>(n) : wanted;
     }
 
     // How often a division was done, and given back to be done by rows.
@@ -146,7 +180,7 @@ TEST_P(EachForm, MultipliesAtEveryLengthAndAlignment)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (size_t n = GetParam().shortest; n <= 300 && !HasFailure(); n++)
+    for (size_t n = GetParam().shortest(); n <= 300 && !HasFailure(); n++)
     {
         SCOPED_TRACE(n);
         for (size_t alignment = n % 3; alignment < 16; alignment += n < 70 ? 1 : 5)
@@ -161,12 +195,12 @@ TEST_P(EachForm, DividesAtEveryLengthAndAlignment)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (size_t n = GetParam().shortest; n <= 300 && !HasFailure(); n++)
+    for (size_t n = GetParam().shortest(); n <= 300 && !HasFailure(); n++)
     {
         SCOPED_TRACE(n);
         for (size_t alignment = n % 3; alignment < 16; alignment += n < 70 ? 1 : 5)
         {
-            const size_t m = random.oneIn(2) ? n : random.below(300);
+            const size_t m = random.oneIn(2) ? n - 1 : random.below(longest(n, 300));
             std::vector<mpDigit> u = random.number(n + m + 1);
             u.back() &= random.oneIn(2) ? 0 : 0x7FFFFFFFU;
             checkQuotient(u, random.number(n), alignment);
@@ -180,8 +214,8 @@ TEST_P(EachForm, DividesUniformNumbersWithoutHelp)
     SCOPED_TRACE(random.trace());
     for (uint32_t i = casesToRun(3000); i > 0 && !HasFailure(); i--)
     {
-        const size_t n = GetParam().shortest + random.below(40);
-        std::vector<mpDigit> u = random.uniformNumber(n + random.below(40));
+        const size_t n = GetParam().shortest() + random.below(40);
+        std::vector<mpDigit> u = random.uniformNumber(n + random.below(longest(n, 40)));
         u.push_back(random.uniform() >> 1);
         checkQuotient(u, random.uniformNumber(n), i, true);
     }
@@ -194,8 +228,8 @@ TEST_P(EachForm, DividesNearMultiples)
     SCOPED_TRACE(random.trace());
     for (uint32_t i = casesToRun(20000); i > 0 && !HasFailure(); i--)
     {
-        const size_t n = GetParam().shortest + random.below(20);
-        const size_t m = random.below(40);
+        const size_t n = GetParam().shortest() + random.below(20);
+        const size_t m = random.below(longest(n, 40));
         std::vector<mpDigit> v = random.number(n);
         v[n - 1] |= topBit;
         const Natural multiple = Natural(v) * (Natural(random.number(m + 1)) >> 1);
@@ -203,7 +237,7 @@ TEST_P(EachForm, DividesNearMultiples)
         checkQuotient(near.lowBits(32 * (n + m + 1)).digits(n + m + 1), v, i);
     }
     EXPECT_GT(_done, 0U);
-    if (GetParam().divide != divideByRowsAlways)
+    if (GetParam().columns != nullptr)
     {
         EXPECT_GT(_given, 0U) << "no case was hard enough";
     }
@@ -238,33 +272,90 @@ TEST(Rows, AgreeWithGmpAtEveryLengthAndAlignment)
     }
 }
 
-TEST(Estimate, ThreeDigitsByTwoAgreesWithItsPlainForm)
-{
 #if MP_HAS_COLUMNS
+
+TEST_P(EachForm, ScalesDivisors)
+{
+    if (GetParam().columns == nullptr)
+    {
+        GTEST_SKIP() << "rows do without";
+    }
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (uint32_t i = casesToRun(500000); i > 0 && !HasFailure(); i--)
+    unsigned scaled = 0;
+    for (uint32_t i = casesToRun(20000); i > 0 && !HasFailure(); i--)
     {
-        const mpDigit vHigh = random.digit() | topBit;
-        const mpDigit vLow = random.digit();
-        const uint64_t divisor = uint64_t{vHigh} << 32 | vLow;
-        const uint64_t high = random.oneIn(2) ? (uint64_t{random.digit()} << 32 | random.digit()) % divisor
-                                              : divisor - 1 - random.below(3);
-        const auto top = static_cast<mpDigit>(high >> 32);
-        const auto next = static_cast<mpDigit>(high);
-        const mpDigit last = random.digit();
-        uint64_t u = uint64_t{next} << 32 | last;
-        const Quotient quotient = divideThreeByTwo(top, u, divisor, reciprocal(divisor));
-        const mpDigit q = quotient.digit();
-        ASSERT_EQ(q, estimateQuotient(top, next, last, vHigh, vLow)) << high << " " << last << " / " << divisor;
-        ASSERT_EQ(Natural(q) * Natural(divisor) + Natural(u), (Natural(high) << 32) + Natural(last));
-        ASSERT_LT(u, divisor);
-        ASSERT_EQ(quotient.times(last), uint64_t{q} * last);
+        const size_t n = shortestForColumns + random.below(40);
+        const size_t leftOut = n >= shortestForLeavingOut ? random.below(2) : 0;
+        std::vector<mpDigit> v = random.oneIn(2) ? random.number(n) : random.uniformNumber(n);
+        v[n - 1] |= topBit;
+        Shifted complement(std::vector<mpDigit>(n - leftOut, 0xDEADBEEFU), i);
+        Scaling scaling = {};
+        if (!GetParam().columns().scale(scaling, complement.get(), leftOut, v.data(), n))
+        {
+            continue;
+        }
+        scaled++;
+        ASSERT_EQ(scaling.leftOut, leftOut);
+        ASSERT_EQ(scaling.complement, complement.get());
+        ASSERT_EQ(scaling.factor[2], 1U);
+        const Natural factor(std::vector<mpDigit>(scaling.factor, scaling.factor + 3));
+        const Natural whole = (Natural(1U) << 32 * (n + 2)) - factor * Natural(v);
+        ASSERT_LT(whole, Natural(1U) << 32 * n);
+        ASSERT_EQ(Natural(complement.vector()), whole >> 32 * leftOut);
     }
-#endif
+    EXPECT_GT(scaled, 0U);
 }
 
-TEST(Squares, AgreeWithTheirPlainFormAtEveryLengthAndAlignment)
+#endif
+
+struct SquareForm
+{
+    const char* name;
+    bool (*isThere)();
+    void (*square)(mpDigit w[], const mpDigit x[], size_t n);
+};
+
+std::ostream& operator<<(std::ostream& stream, const SquareForm& form)
+{
+    return stream << form.name;
+}
+
+const SquareForm squareForms[] = {
+    {"ForThisProcessor", isAlwaysThere, square},
+    {"Rows", isAlwaysThere, squareByRows},
+#if defined(__SIZEOF_INT128__)
+    {"Words", isAlwaysThere, squareByWords},
+#if defined(__x86_64__)
+    {"WordsWithBmi2", [] { return __builtin_cpu_supports("bmi2") != 0; }, squareWithBmi2},
+    {"Limbs", has52BitLimbs, squareByBlocks},
+#endif
+#endif
+};
+
+class EachSquare : public testing::TestWithParam<SquareForm>
+{
+protected:
+    void SetUp() override
+    {
+        if (!GetParam().isThere())
+        {
+            GTEST_SKIP() << "this processor cannot do it";
+        }
+    }
+
+    static void check(const std::vector<mpDigit>& x, size_t alignment)
+    {
+        const size_t n = x.size();
+        Shifted number(x, alignment);
+        Shifted result(std::vector<mpDigit>(2 * n, 0xDEADBEEFU), alignment / 3);
+        GetParam().square(result.get(), number.get(), n);
+        ASSERT_EQ(Natural(result.vector()), Natural(x) * Natural(x));
+        ASSERT_EQ(number.vector(), x);
+    }
+};
+
+TEST_P(EachSquare, AgreesWithGmpAtEveryLengthAndAlignment)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
@@ -273,16 +364,27 @@ TEST(Squares, AgreeWithTheirPlainFormAtEveryLengthAndAlignment)
         SCOPED_TRACE(n);
         for (size_t alignment = 0; alignment < 16; alignment++)
         {
-            const std::vector<mpDigit> x = random.number(n);
-            Shifted number(x, alignment);
-            Shifted fast(std::vector<mpDigit>(2 * n, 0xDEADBEEFU), alignment / 3);
-            Shifted plain(std::vector<mpDigit>(2 * n, 0xDEADBEEFU), alignment / 7);
-            square(fast.get(), number.get(), n);
-            squareByRows(plain.get(), number.get(), n);
-            ASSERT_EQ(fast.vector(), plain.vector());
-            ASSERT_EQ(Natural(fast.vector()), Natural(x) * Natural(x));
+            check(random.number(n), alignment);
         }
+        check(std::vector<mpDigit>(n, allOnes), n);
     }
 }
+
+TEST_P(EachSquare, AgreesWithGmpAtLengthsAroundBlocks)
+{
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    for (const size_t n : {511U, 512U, 513U, 700U, 767U, 768U, 769U, 1025U, 2000U})
+    {
+        SCOPED_TRACE(n);
+        check(random.number(n), n);
+        check(random.uniformNumber(n), n);
+        // The longest carries.
+        check(std::vector<mpDigit>(n, allOnes), n);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Squares, EachSquare, testing::ValuesIn(squareForms),
+                         [](const auto& instance) { return std::string(instance.param.name); });
 
 }  // namespace
