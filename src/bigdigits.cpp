@@ -990,6 +990,7 @@ MP_INLINE bool scaleWith(Scaling& scaling, mpDigit complement[], size_t leftOut,
     // The complement is what factor * v lacks: all its digits inverted, and one added.
     const Slices slices(v, n);
     uint64_t carried = 0;
+    bool isEnough = false;
     carry = 1;
     for (size_t first = 0; first <= n; first += columnCount)
     {
@@ -1003,15 +1004,15 @@ MP_INLINE bool scaleWith(Scaling& scaling, mpDigit complement[], size_t leftOut,
             carry = digit < carry ? 1 : 0;
             if (first + i == n)
             {
-                return digit == 0 && carry == 0;
+                isEnough = digit == 0 && carry == 0;
             }
-            if (first + i >= leftOut)
+            else if (first + i >= leftOut)
             {
                 complement[first + i - leftOut] = digit;
             }
         }
     }
-    return false;
+    return isEnough;
 }
 
 // Does what divideByRows does, for m < n. Of the multiplied dividend only two digits are known at any time; the others
