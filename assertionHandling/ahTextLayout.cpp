@@ -50,8 +50,7 @@ bool hasLongWord(const GtkTextIter& begin, const GtkTextIter& end)
 {
     const std::unique_ptr<char, void (*)(void*)> text(gtk_text_iter_get_slice(&begin, &end), g_free);
     int length = 0;
-    for (const char* pText = text.get(); *pText != '\0' && length <= ahLongestUnbrokenWord;
-         pText = g_utf8_next_char(pText))
+    for (char* pText = text.get(); *pText != '\0' && length <= ahLongestUnbrokenWord; pText = g_utf8_next_char(pText))
     {
         length = isBlank(g_utf8_get_char(pText)) ? 0 : length + 1;
     }
