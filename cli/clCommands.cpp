@@ -37,6 +37,11 @@ std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
     {
         clComplain(clOpenKeyWarning(name));
     }
+    if ((pKey != nullptr) && (arguments._command == clCommand::Test))
+    {
+        // The private key need not be in memory while large files are read.
+        return pKey->publicHalf();
+    }
     return pKey;
 }
 

@@ -554,7 +554,8 @@ void MainFrame::OnShowDetails(wxCommandEvent&)
 {
     if (_refusals.empty())
     {
-        hoTextDialog(this, "Details", _message._line, _message._details).ShowModal();
+        const hoWorkSummary& shown = _message._line.empty() ? _keyWarning : _message;
+        hoTextDialog(this, "Details", shown._line, shown._details).ShowModal();
     }
     else
     {
@@ -754,7 +755,7 @@ void MainFrame::OnNewKeyPair(wxCommandEvent&)
 void MainFrame::loadKey(const gtString& path, KeyWish wish)
 {
     hoKeyFileFacts facts;
-    const hoLoadedKey loaded = hoLoadKeyAsking(this, path, facts);
+    hoLoadedKey loaded = hoLoadKeyAsking(this, path, facts);
     if (loaded._pKey == nullptr)
     {
         if (facts._problem != hoKeyFileProblem::PassphraseNeeded)
@@ -775,17 +776,27 @@ void MainFrame::loadKey(const gtString& path, KeyWish wish)
     _settings.setText("keyFolder", bytes.substr(0, bytes.rfind('/') + 1));
     hoKeyRing keys = _keys;
     const bool isPrivate = wish == KeyWish::Private || (wish == KeyWish::Any && loaded._pKey->hasPrivateKey());
+    if (!isPrivate)
+    {
+        // Whatever else the file holds.
+        loaded._pKey = loaded._pKey->publicHalf();
+    }
     (isPrivate ? keys._private : keys._public) = loaded;
     setKeys(keys);
-    if (isPrivate && loaded._isOpenToOthers)
+    const hoWorkSummary warning = isPrivate ? hoKeyWarning(loaded) : hoWorkSummary();
+    if (!warning._line.empty())
     {
-        SetStatusText("Others may read or change this private key's file", STATUS_TALK);
+        // In place of a work's outcome, which was found with another key.
+        clearMessage();
+        _keyWarning = warning;
+        showChangesSoon();
     }
 }
 
 void MainFrame::setKeys(const hoKeyRing& keys)
 {
     _keys = keys;
+    _keyWarning = hoWorkSummary();
     // What another key has found means nothing under this one.
     _documents.forgetStates();
     _pList->setCanTest(_keys.canTest());
@@ -967,6 +978,10 @@ void MainFrame::showMessage()
     {
         _pMessageBar->ShowMessage(_message._line, _message._isAllWell ? wxICON_INFORMATION : wxICON_WARNING);
     }
+    else if (!_keyWarning._line.empty())
+    {
+        _pMessageBar->ShowMessage(_keyWarning._line, wxICON_WARNING);
+    }
     else if (_pMessageBar->IsShown())
     {
         _pMessageBar->Dismiss();
@@ -977,6 +992,7 @@ void MainFrame::clearMessage()
 {
     _refusals.clear();
     _message = hoWorkSummary();
+    _keyWarning = hoWorkSummary();
 }
 
 void MainFrame::showStatus()

@@ -66,6 +66,10 @@ public:
     // What the bar says of the last signing or testing; an empty line when there is nothing to say.
     const hoWorkSummary& workMessage() const { return _message; }
 
+    // What it says of a private key that others can get at, when it has been loaded and until it is dismissed or the next
+    // thing is begun; an empty line when there is nothing to say.
+    const hoWorkSummary& keyWarning() const { return _keyWarning; }
+
     // The keys that are loaded, and the switch for them: what was found with other ones is not shown any more.
     const hoKeyRing& keys() const { return _keys; }
     void setKeys(const hoKeyRing& keys);
@@ -142,6 +146,7 @@ private:
     hoSettings _settings;
     std::vector<Refusal> _refusals;  // that the bar tells about
     hoWorkSummary _message;
+    hoWorkSummary _keyWarning;
     hoKeyRing _keys;
     std::unique_ptr<hoDocumentWork> _pWork;  // null when nothing is being signed or tested
     hoKeyRing _workKeys;                     // that it began with

@@ -46,5 +46,6 @@ hoLoadedKey hoLoadKeyAsking(wxWindow* pParent, const gtString& path, hoKeyFileFa
     } while (facts._problem == hoKeyFileProblem::WrongPassphrase);
     loaded._path = path;
     loaded._isOpenToOthers = facts._isPrivate && facts._isOpenToOthers;
+    loaded._isFolderOpenToOthers = facts._isPrivate && facts._isFolderOpenToOthers;
     return loaded;
 }

@@ -14,7 +14,8 @@ struct hoLoadedKey
 {
     std::shared_ptr<const hoKey> _pKey;  // null: there is none
     gtString _path;
-    bool _isOpenToOthers = false;  // others than the owner may read or change the file
+    bool _isOpenToOthers = false;        // a private key's file that others than the owner may read or change,
+    bool _isFolderOpenToOthers = false;  // or put another one in the place of (see hoKeyFileFacts)
 };
 
 struct hoKeyRing

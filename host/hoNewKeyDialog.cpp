@@ -201,8 +201,7 @@ bool hoNewKeyDialog::mayWrite(const gtString& path)
 void hoNewKeyDialog::writeFiles()
 {
     gtString path = privateKeyPath();
-    hoNewKeyPair::Writing writing =
-        _pPair->writePrivateKey(path, hoTypedSecret(*_pPassphrase).text(), _mayOverwrite);
+    hoNewKeyPair::Writing writing = _pPair->writePrivateKey(path, hoTypedSecret(*_pPassphrase).text(), _mayOverwrite);
     if (writing == hoNewKeyPair::Writing::Done)
     {
         path = publicKeyPath();

@@ -13,8 +13,8 @@ hoPassphraseDialog::hoPassphraseDialog(wxWindow* pParent, const wxString& questi
     : wxDialog(pParent, wxID_ANY, "Passphrase"), _pPassphrase(nullptr)
 {
     auto* pQuestion = new wxStaticText(this, wxID_ANY, question);
-    _pPassphrase = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, FromDIP(wxSize(fieldWidth, -1)),
-                                  wxTE_PASSWORD);
+    _pPassphrase =
+        new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, FromDIP(wxSize(fieldWidth, -1)), wxTE_PASSWORD);
     auto* pButtons = CreateSeparatedButtonSizer(wxOK | wxCANCEL);
 
     _pPassphrase->SetName("passphrase");

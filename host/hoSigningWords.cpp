@@ -196,6 +196,25 @@ wxString hoKeyText(const hoLoadedKey& key, bool isPrivate)
            hoDisplayText(hoLastComponent(key._path), 40);
 }
 
+hoWorkSummary hoKeyWarning(const hoLoadedKey& key)
+{
+    hoWorkSummary warning = {wxString(), hoDisplayText(key._path) + "\n", false};
+    const wxString name = wxUniChar(0x201C) + hoDisplayText(hoLastComponent(key._path), 60) + wxUniChar(0x201D);
+    if (key._isFolderOpenToOthers)
+    {
+        warning._line = "Others than you may put another key in the place of " + name + ".";
+        warning._details += "    Others may write to its folder, and so put another file in its place.\n"
+                            "    Keep private keys in a folder that is yours alone (chmod 700).\n";
+    }
+    if (key._isOpenToOthers)
+    {
+        warning._line = "Others than you may read or change " + name + ", a private key.";
+        warning._details += "    Whoever reads it can sign in your name. Take the rights of group\n"
+                            "    and others away, in its properties or by chmod 600.\n";
+    }
+    return warning;
+}
+
 hoWorkSummary hoSummaryOf(hoDocumentWork::Kind kind, const std::vector<hoWorkOutcome>& outcomes, bool isCancelled)
 {
     std::size_t good = 0;

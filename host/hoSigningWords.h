@@ -21,14 +21,18 @@ wxString hoKeyProblemText(const gtString& path, const hoKeyFileFacts& facts);
 // "2048-bit private key 1a2b3c4d, alice.pem"; empty when there is no key.
 wxString hoKeyText(const hoLoadedKey& key, bool isPrivate);
 
-// What a work came to, in one line ("5 documents tested: 3 good, 2 bad."), document by document, and whether anything
-// of it needs looking at.
+// What the bar above the list says: one line, what its Details show, and whether nothing of it needs looking at.
 struct hoWorkSummary
 {
     wxString _line;
     wxString _details;
     bool _isAllWell;
 };
+
+// A warning if others can get at a private key through its file or folder; an empty line if they cannot.
+hoWorkSummary hoKeyWarning(const hoLoadedKey& key);
+
+// What a work came to, in one line ("5 documents tested: 3 good, 2 bad."), and document by document.
 hoWorkSummary hoSummaryOf(hoDocumentWork::Kind kind, const std::vector<hoWorkOutcome>& outcomes, bool isCancelled);
 
 // "1 document", "2,000 documents".

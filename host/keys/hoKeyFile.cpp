@@ -274,6 +274,25 @@ bool isExponent(const Number& number, const Number& modulus)
            (BN_cmp(number.get(), modulus.get()) < 0);
 }
 
+bool isFolderOpenToOthers(const gtString& path)
+{
+    const std::string bytes(path.asCharArray(), static_cast<std::size_t>(path.length()));
+    const std::size_t slash = bytes.rfind('/');
+    const std::string folder = (slash == std::string::npos) ? "." : bytes.substr(0, slash + 1);
+    struct stat status = {};
+    if (::stat(folder.c_str(), &status) != 0)
+    {
+        return false;
+    }
+    if ((status.st_uid != ::geteuid()) && (status.st_uid != 0))
+    {
+        return true;
+    }
+    const bool isGroupsOwn = status.st_gid == ::getegid();
+    const mode_t others = S_IWOTH | (isGroupsOwn ? 0 : S_IWGRP);
+    return ((status.st_mode & others) != 0) && ((status.st_mode & S_ISVTX) == 0);
+}
+
 hoKeyFileProblem readWholeFile(int descriptor, long size, char* pBytes, int& systemError)
 {
     long done = 0;
@@ -343,8 +362,9 @@ std::unique_ptr<const hoKey> hoKeyFileReader::makeKey(const AnyKey& anyKey, hoKe
 
     auto pKey = std::make_unique<hoKey>();
     pKey->_bits = facts._bits;
-    pKey->_pPublicKey = std::make_unique<crRSAEncryptionKey>();
-    bool isLoaded = load(*pKey->_pPublicKey, modulus, publicExponent, facts._bits);
+    const auto pPublicKey = std::make_shared<crRSAEncryptionKey>();
+    bool isLoaded = load(*pPublicKey, modulus, publicExponent, facts._bits);
+    pKey->_pPublicKey = pPublicKey;
     if (facts._isPrivate)
     {
         pKey->_pPrivateKey = std::make_unique<crRSAEncryptionKey>();
@@ -371,9 +391,10 @@ bool hoKeyFileReader::load(crRSAEncryptionKey& key, const Number& modulus, const
 std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, hoIPassphraseSource* pSource,
                                        hoKeyFileFacts& facts)
 {
-    const bool isOpenToOthers = facts._isOpenToOthers;
-    facts = hoKeyFileFacts();
-    facts._isOpenToOthers = isOpenToOthers;
+    hoKeyFileFacts begun;
+    begun._isOpenToOthers = facts._isOpenToOthers;
+    begun._isFolderOpenToOthers = facts._isFolderOpenToOthers;
+    facts = begun;
     const PemBlock block = findKeyBlock(std::string_view(pBytes, static_cast<std::size_t>(amountOfBytes)));
     if (block._label.empty())
     {
@@ -457,7 +478,16 @@ std::unique_ptr<const hoKey> hoLoadKeyFile(const gtString& path, hoIPassphraseSo
         return nullptr;
     }
     facts._isOpenToOthers = (status.st_mode & (S_IRWXG | S_IRWXO)) != 0;
+    facts._isFolderOpenToOthers = isFolderOpenToOthers(path);
     return hoLoadKey(bytes.bytes(), static_cast<int>(status.st_size), pSource, facts);
+}
+
+std::unique_ptr<const hoKey> hoKey::publicHalf() const
+{
+    auto pHalf = std::make_unique<hoKey>();
+    pHalf->_bits = _bits;
+    pHalf->_pPublicKey = _pPublicKey;
+    return pHalf;
 }
 
 gtString hoFixedWidthText(const unsigned int* pDigits, int amountOfDigits)

@@ -41,6 +41,11 @@ struct hoKeyFileFacts
     bool _isPrivate = false;       // the file has both halves
     bool _isEncrypted = false;     // a passphrase was asked for
     bool _isOpenToOthers = false;  // others than the owner may read or change the file
+
+    // Others may put another file in its place: somebody else (but for root) owns the folder that it was named in, or
+    // everybody may write to that, or a group that is not this process's own; and it is no folder like /tmp, in which
+    // everybody keeps to what is theirs.
+    bool _isFolderOpenToOthers = false;
 };
 
 // Where passphrases come from.
@@ -70,11 +75,14 @@ public:
     // What the file was made for: the private key if it has one, else the public one.
     const crRSAEncryptionKey& ownKey() const { return hasPrivateKey() ? *_pPrivateKey : *_pPublicKey; }
 
+    // The same without a private key, for those who do not need it: nothing secret stays when this one goes away.
+    std::unique_ptr<const hoKey> publicHalf() const;
+
 private:
     friend class hoKeyFileReader;
 
     int _bits = 0;
-    std::unique_ptr<crRSAEncryptionKey> _pPublicKey;
+    std::shared_ptr<const crRSAEncryptionKey> _pPublicKey;
     std::unique_ptr<crRSAEncryptionKey> _pPrivateKey;
 };
 

@@ -390,3 +390,65 @@ TEST_F(Signing, EncryptsAndDecryptsShortTexts)
                                     "encrypted",
                                     "11 of 127 bytes"));
 }
+
+TEST_F(Signing, WarnsOfPrivateKeysThatOthersCanGetAt)
+{
+    start({"countersign-desktop", _folder.write("a.txt", "first")});
+    const std::string key = newKeyText(1024);
+    std::filesystem::create_directory(_folder.path("shared"));
+    const auto load = [&](const std::string& name, int rightsOfFile, int rightsOfFolder)
+    {
+        const std::string path = _folder.write("shared/" + name, key);
+        std::filesystem::permissions(path, std::filesystem::perms(rightsOfFile));
+        std::filesystem::permissions(_folder.path("shared"), std::filesystem::perms(rightsOfFolder));
+        drop(path);
+    };
+    const auto warning = [this] { return _pFrame->keyWarning()._line.utf8_string(); };
+    const auto details = [this] { return _pFrame->keyWarning()._details.utf8_string(); };
+
+    load("a.pem", 0600, 0755);
+    EXPECT_TRUE(_pFrame->keys().canSign());
+    EXPECT_EQ(warning(), "");
+    load("b.pem", 0640, 0755);
+    EXPECT_EQ(warning(), "Others than you may read or change \xe2\x80\x9c"
+                         "b.pem\xe2\x80\x9d, a private key.");
+    EXPECT_THAT(details(), HasSubstr("chmod 600"));
+    EXPECT_THAT(details(), testing::Not(HasSubstr("folder")));
+    EXPECT_TRUE(_pFrame->keys().canSign()) << "it is a warning";
+    load("c.pem", 0600, 0757);
+    EXPECT_EQ(warning(), "Others than you may put another key in the place of \xe2\x80\x9c"
+                         "c.pem\xe2\x80\x9d.");
+    EXPECT_THAT(details(), HasSubstr("folder"));
+    // As in /tmp.
+    load("d.pem", 0600, 01777);
+    EXPECT_EQ(warning(), "");
+    // A group of this user's own.
+    load("e.pem", 0600, 0775);
+    EXPECT_EQ(warning(), "");
+    load("f.pem", 0604, 0777);
+    EXPECT_THAT(details(), testing::AllOf(HasSubstr("chmod 600"), HasSubstr("folder")));
+
+    // The next thing that is begun takes the bar.
+    pressAndWait("ctrl+s");
+    EXPECT_EQ(warning(), "");
+    // Public keys are everybody's.
+    load("g.pem", 0666, 0777);
+    EXPECT_NE(warning(), "");
+    _pFrame->setKeys(hoKeyRing());
+    EXPECT_EQ(warning(), "") << "of a key that is forgotten";
+    drop(_folder.write("shared/h.pem", newKeyText(512, true)));
+    EXPECT_EQ(warning(), "");
+}
+
+TEST_F(Signing, DropsThePrivateHalfOfAKeyThatIsToTest)
+{
+    const std::string text = newKeyText(1024);
+    hoKeyFileFacts facts;
+    const std::unique_ptr<const hoKey> pKey = hoLoadKey(text.data(), static_cast<int>(text.size()), nullptr, facts);
+    ASSERT_TRUE(pKey->hasPrivateKey());
+    const std::unique_ptr<const hoKey> pHalf = pKey->publicHalf();
+    EXPECT_FALSE(pHalf->hasPrivateKey());
+    EXPECT_EQ(pHalf->bits(), 1024);
+    EXPECT_EQ(hoShortFingerprint(*pHalf), hoShortFingerprint(*pKey));
+    EXPECT_EQ(&pHalf->ownKey(), &pHalf->publicKey());
+}
