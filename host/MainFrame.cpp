@@ -242,6 +242,12 @@ MainFrame::MainFrame()
     restorePlace();
     _pPages->SetFocus();
 
+    _pEndSignals = std::make_unique<hoEndSignals>(
+        [this](int signal)
+        {
+            tidyUp();
+            hoEndSignals::endBy(signal);
+        });
     CallAfter(&MainFrame::openArguments);
 }
 
@@ -617,6 +623,12 @@ void MainFrame::OnContextMenu(wxContextMenuEvent&)
 
 void MainFrame::OnClose(wxCloseEvent& event)
 {
+    tidyUp();
+    event.Skip();
+}
+
+void MainFrame::tidyUp()
+{
     // The work ends here, and not among the remains of the window.
     _workTimer.Stop();
     if (_pProgressDialog != nullptr)
@@ -626,7 +638,6 @@ void MainFrame::OnClose(wxCloseEvent& event)
     }
     _pWork.reset();
     remember();
-    event.Skip();
 }
 
 bool MainFrame::Show(bool isShown)

@@ -9,11 +9,15 @@
 // over the session bus, and its own window is never shown and goes away by itself. Documents that come over the bus go
 // through the application's MacOpenFile.
 //
+// A signal that asks the program to end (terminate, hang-up, interrupt) gives up the work at hand as closing the window
+// does, with nothing half written, whatever dialog is up; then the program ends by that signal.
+//
 // What the window remembers between runs (its place, the recent documents, the last folder) is in hoUserSettingsPath().
 // Memory: belongs to the toolkit, like every top-level window. Threads: main thread only.
 #ifndef COUNTERSIGN_MAIN_FRAME_H
 #define COUNTERSIGN_MAIN_FRAME_H
 
+#include "host/desktop/hoEndSignals.h"
 #include "host/desktop/hoSessionBus.h"
 #include "host/hoDocumentList.h"
 #include "host/hoFolderWatcher.h"
@@ -107,6 +111,7 @@ private:
     void OnColumnClick(wxListEvent& event);
     void OnContextMenu(wxContextMenuEvent& event);
     void OnClose(wxCloseEvent& event);
+    void tidyUp();
 
     bool handOverArguments();
     void openArguments();
@@ -140,7 +145,8 @@ private:
     static ahDialogBasedAssertionFailureHandler* silentHandler();
 
     hoSessionBus _sessionBus;
-    bool _isHandedOver;  // to the window of an earlier start; this one is empty then
+    std::unique_ptr<hoEndSignals> _pEndSignals;  // as long as there is something to tidy up
+    bool _isHandedOver;                          // to the window of an earlier start; this one is empty then
     hoDocumentList _documents;
     hoRecentDocuments _recent;
     hoSettings _settings;

@@ -50,7 +50,7 @@ hoDocumentListCtrl::hoDocumentListCtrl(wxWindow* pParent, const hoDocumentList& 
     }
     for (wxWindow* pChild : GetChildren())
     {
-        if (wxDynamicCast(pChild, wxHeaderCtrl) == nullptr && pChild->GetName() != "wxlistctrlcolumntitles")
+        if (dynamic_cast<const wxHeaderCtrl*>(pChild) == nullptr && pChild->GetName() != "wxlistctrlcolumntitles")
         {
             _pRows = pChild;
         }

@@ -32,6 +32,15 @@ protected:
     // arguments: the application's, the program's name included.
     void start(const std::vector<std::string>& arguments = {"countersign-desktop"})
     {
+        ASSERT_NO_FATAL_FAILURE(startUnwatched(arguments));
+        ASSERT_TRUE(tsRunUntil("the main window has the keyboard", [this] { return tsHasKeyboard(*_pFrame); }));
+        settle();
+        tsRunProgram({"xdotool", "getactivewindow"}, &_mainWindowId);
+    }
+
+    // The window is made and its documents are open; nobody waits for it to appear.
+    void startUnwatched(const std::vector<std::string>& arguments)
+    {
         std::vector<std::wstring> texts;
         std::vector<wchar_t*> pointers;
         for (const std::string& argument : arguments)
@@ -48,9 +57,7 @@ protected:
         ASSERT_TRUE(wxGetApp().OnInit());
         _pFrame = dynamic_cast<MainFrame*>(wxGetApp().GetTopWindow());
         ASSERT_NE(_pFrame, nullptr);
-        ASSERT_TRUE(tsRunUntil("the main window has the keyboard", [this] { return tsHasKeyboard(*_pFrame); }));
         settle();
-        tsRunProgram({"xdotool", "getactivewindow"}, &_mainWindowId);
     }
 
     // Whether a window other than the main one has the keyboard, also one that the toolkit does not count among its

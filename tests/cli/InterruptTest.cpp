@@ -1,0 +1,92 @@
+// The program is asked to end at any moment of its work, again and again.
+//
+// COUNTERSIGN_SHUTDOWNS: how often (default 300). The moments are random; COUNTERSIGN_SEED repeats them.
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "cliTestSupport.h"
+#include "tests/support/tsSignalled.h"
+
+namespace
+{
+
+unsigned long fromEnvironment(const char* pName, unsigned long fallback)
+{
+    const char* const pText = std::getenv(pName);
+    return (pText == nullptr) ? fallback : std::strtoul(pText, nullptr, 10);
+}
+
+}  // namespace
+
+TEST(Interrupts, LeaveAWholeSignatureOrNoneAtAnyMoment)
+{
+    const TemporaryFolder folder;
+    makeKeys(folder, 512);
+    folder.write("report", "");
+    ASSERT_EQ(truncate((folder / "report").c_str(), 40L * 1000 * 1000), 0);
+    tsCommand sign;
+    sign._folder = folder.path();
+    sign._arguments = {COUNTERSIGN_PROGRAM, "sign", "-k", "private.pem", "report"};
+
+    // How long it takes when nobody interrupts it, and the signature.
+    const auto start = std::chrono::steady_clock::now();
+    ASSERT_EQ(tsRun(sign)._exitStatus, 0);
+    const auto longest =
+        std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
+    const std::string signature = folder.read("report.sig");
+    const std::vector<std::string> names = {"private.pem", "public.pem", "report"};
+    std::vector<std::string> namesWithSignature = names;
+    namesWithSignature.emplace_back("report.sig");
+
+    const unsigned long seed = fromEnvironment("COUNTERSIGN_SEED", std::random_device()());
+    SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(seed));
+    std::mt19937 random(static_cast<std::mt19937::result_type>(seed));
+    // Somewhat longer, so that the end is among the moments.
+    std::uniform_int_distribution<long> moments(0, longest.count() * 5 / 4);
+    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 300);
+    unsigned long interrupted = 0;
+    for (unsigned long number = 0; (number < amount) && !HasFailure(); number++)
+    {
+        const int signals[] = {SIGINT, SIGTERM, SIGHUP};
+        const int signal = signals[number % 3];
+        const bool mayOverwrite = number % 2 == 0;
+        sign._arguments = {COUNTERSIGN_PROGRAM, "sign", "-k", "private.pem", "report"};
+        if (mayOverwrite)
+        {
+            sign._arguments.insert(sign._arguments.begin() + 2, "--force");
+            folder.write("report.sig", "the old one");
+        }
+        else
+        {
+            static_cast<void>(unlink((folder / "report.sig").c_str()));
+        }
+
+        const std::chrono::microseconds moment(moments(random));
+        const tsOutcome outcome = tsRunSignalled(sign, signal, moment, false);
+        SCOPED_TRACE(std::to_string(number) + ": after " + std::to_string(moment.count()) + " us: " + outcome._errors);
+        // Whoever was not interrupted has done the work.
+        EXPECT_THAT(outcome._signal, ::testing::AnyOf(0, signal));
+        EXPECT_EQ(outcome._exitStatus, (outcome._signal == 0) ? 0 : -1);
+        interrupted += (outcome._signal == signal) ? 1U : 0U;
+        const bool isThere = folder.has("report.sig");
+        EXPECT_EQ(folder.names(), isThere ? namesWithSignature : names);
+        EXPECT_TRUE(isThere || ((outcome._signal != 0) && !mayOverwrite));
+        if (isThere)
+        {
+            const std::string found = folder.read("report.sig");
+            EXPECT_TRUE((found == signature) || (mayOverwrite && (outcome._signal != 0) && (found == "the old one")))
+                << found;
+        }
+    }
+    // Most of the moments are before the end.
+    EXPECT_GT(interrupted, amount / 4);
+}

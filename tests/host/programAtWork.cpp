@@ -1,0 +1,102 @@
+// The application with its real window, at work from its start on: it signs and tests its documents again and again, for
+// the tests to end it in the middle. It writes a line to standard output when it begins.
+//
+//   program_at_work KEY-FILE work|question|progress DOCUMENT...
+//
+// work: signs, tests, removes the signatures, and so on. question: asks whether to replace signatures, which nobody
+// answers. progress: signs until it is ended, which takes documents that are large enough.
+#include "app/ApplicationShell.h"
+#include "host/MainFrame.h"
+#include "host/keys/hoKeyFile.h"
+
+#include <wx/init.h>
+#include <wx/menu.h>
+#include <wx/timer.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
+
+namespace
+{
+const char* keyFile = nullptr;
+std::string mode;
+
+class AtWork : public ApplicationShell
+{
+public:
+    bool OnInit() override
+    {
+        if (!ApplicationShell::OnInit())
+        {
+            return false;
+        }
+        hoKeyFileFacts facts;
+        hoKeyRing keys;
+        keys._private._pKey = hoLoadKeyFile(keyFile, nullptr, facts);
+        _pMainFrame->setKeys(keys);
+        _timer.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { goOn(); });
+        _timer.Start(1);
+        return true;
+    }
+
+private:
+    void goOn()
+    {
+        const hoDocumentList& documents = _pMainFrame->documents();
+        if (documents.isEmpty() || _pMainFrame->isAtWork())
+        {
+            return;
+        }
+        if (!_isAnnounced)
+        {
+            _isAnnounced = true;
+            static_cast<void>(std::puts("at work"));
+            static_cast<void>(std::fflush(stdout));
+        }
+        if (mode == "question")
+        {
+            _timer.Stop();
+        }
+        if (mode == "work" && !_isSigned)
+        {
+            for (std::size_t i = 0; i < documents.size(); ++i)
+            {
+                unlink(hoSignaturePath(documents[i]._path).asCharArray());
+            }
+        }
+        choose(mode == "work" && _isSigned ? "Test all" : "Sign all");
+        _isSigned = !_isSigned;
+    }
+
+    void choose(const char* pItem)
+    {
+        wxCommandEvent event(wxEVT_MENU, _pMainFrame->GetMenuBar()->FindMenuItem("Signature", pItem));
+        _pMainFrame->ProcessWindowEvent(event);
+    }
+
+    wxTimer _timer;
+    bool _isSigned = false;
+    bool _isAnnounced = false;
+};
+
+wxAppConsole* makeApplication()
+{
+    return new AtWork;
+}
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc < 3)
+    {
+        return 2;
+    }
+    keyFile = argv[1];
+    mode = argv[2];
+    argv[2] = argv[0];
+    wxAppConsole::SetInitializerFunction(&makeApplication);
+    argc -= 2;
+    return wxEntry(argc, argv + 2);
+}
