@@ -110,6 +110,16 @@ class MutantMaker:
         self.found = {}
         for cursor in unit.cursor.get_children():
             self.visit(cursor, "", None)
+        self.number_those_that_look_alike()
+
+    def number_those_that_look_alike(self):
+        groups = collections.defaultdict(list)
+        for place in sorted(self.found):
+            groups[key_of(self.found[place])].append(place)
+        for places in groups.values():
+            for number, place in enumerate(places, 1) if len(places) > 1 else []:
+                mutant = self.found[place]
+                self.found[place] = mutant._replace(after=f"{mutant.after} ({number} of {len(places)})")
 
     def text(self, begin, end):
         return self.source[begin:end].decode()
@@ -412,9 +422,16 @@ class Build:
             elif line and current in self.compiling:
                 self.objects_of[os.path.realpath(self.folder / line.strip())].append(current)
 
-    def change(self, file, content):
-        """Compiles and links with this content of the file. Returns the digest of the objects, or None."""
-        objects = self.objects_of[os.path.realpath(self.tree / file)]
+    def objects(self, file):
+        """What is compiled from the file: for the room's libraries, and for tests that take it in themselves. A change
+        of a library is tried first."""
+        everything = self.objects_of[os.path.realpath(self.tree / file)]
+        of_tests = [name for name in everything if name.startswith("tests/")]
+        of_library = [name for name in everything if name not in of_tests]
+        return (of_library, of_tests) if of_library else (of_tests, [])
+
+    def compile(self, file, content, objects):
+        """Compiles with this content of the file. Returns the digest of the objects, or None."""
         (self.tree / file).write_bytes(content)
         self.changed = file
         digest = hashlib.sha256()
@@ -427,8 +444,8 @@ class Build:
             digest.update((self.folder / name).read_bytes())
         return digest.hexdigest()
 
-    def link(self, file):
-        fresh = set(self.objects_of[os.path.realpath(self.tree / file)])
+    def link(self, objects):
+        fresh = set(objects)
         for words, line in self.linking:
             if fresh & words:
                 if subprocess.run(line, shell=True, cwd=self.folder, stdout=subprocess.DEVNULL,
@@ -437,6 +454,16 @@ class Build:
                 # Programs find a shared library as it is now, without being linked again.
                 fresh |= {word for word in words if word.endswith(".a") and f" {word} " in line and " qc " in line}
         return True
+
+    def change(self, file, content):
+        """Everything that is made from the file, with this content of it."""
+        objects = sum(self.objects(file), [])
+        return self.compile(file, content, objects) is not None and self.link(objects)
+
+    def programs_with(self, objects):
+        """The programs that are linked of these objects."""
+        lines = [words for words, _ in self.linking if words & set(objects)]
+        return [p for p in self.programs if any(f"bin/{p.name}" in words for words in lines)]
 
     def measure(self, percents):
         """Runs the tests on the unchanged program: they must pass, and tell how long they may take."""
@@ -511,53 +538,66 @@ class Room:
             self.further[name] = build
         return self.further[name]
 
-    def caught_quickly(self):
-        build = self.plain
-        by_program = collections.defaultdict(list)
-        for program, test in list(self.catchers)[-8:]:
-            by_program[program].append(test)
-        for program, tests in by_program.items():
-            run = build.run(program, self.options.percent, ["--gtest_filter=" + ":".join(tests)])
-            if not run.passed:
-                return program, run.failed_test
-        return self.caught_by(build, self.options.percent)
-
-    def caught_by(self, build, percent):
-        for program in build.programs:
+    def caught_by(self, build, programs, percent):
+        for program in programs:
             run = build.run(program, percent, [])
             if not run.passed:
                 return program, run.failed_test
         return None
 
+    def caught_by_the_last_catchers(self, programs):
+        by_program = collections.defaultdict(list)
+        for program, test in list(self.catchers)[-8:]:
+            if program in programs:
+                by_program[program].append(test)
+        for program, tests in by_program.items():
+            run = self.plain.run(program, self.options.percent, ["--gtest_filter=" + ":".join(tests)])
+            if not run.passed:
+                return program, run.failed_test
+        return None
+
+    def caught_in_plain_build(self, mutant, content):
+        of_library, of_tests = self.plain.objects(mutant.file)
+        later = self.plain.programs_with(of_tests)
+        sooner = [program for program in self.plain.programs if program not in later]
+        percent = self.options.percent
+        caught = self.caught_by_the_last_catchers(sooner) or self.caught_by(self.plain, sooner, percent)
+        if caught is None and of_tests:
+            if self.plain.compile(mutant.file, content, of_tests) is None or not self.plain.link(of_tests):
+                return later[0], "? (does not compile)"
+            caught = self.caught_by_the_last_catchers(later) or self.caught_by(self.plain, later, percent)
+        return caught
+
     def try_mutant(self, mutant, originals, digests, is_listed):
         original = originals[mutant.file]
         content = original[: mutant.begin] + mutant.text.encode() + original[mutant.end :]
-        digest = self.plain.change(mutant.file, content)
+        objects, _ = self.plain.objects(mutant.file)
+        digest = self.plain.compile(mutant.file, content, objects)
         if digest is None:
             return "uncompiled", ""
         if digest == digests[mutant.file]:
             return "same", ""
-        if not self.plain.link(mutant.file):
+        if not self.plain.link(objects):
             return "uncompiled", "(linker)"
-        caught = self.caught_quickly()
+        caught = self.caught_in_plain_build(mutant, content)
         if caught is None and is_listed:
+            self.plain.change(mutant.file, original)
             return "equivalent", ""
         if caught is None and self.plain.percents[-1] != self.options.percent:
-            caught = self.caught_by(self.plain, 100)
+            caught = self.caught_by(self.plain, self.plain.programs, 100)
         if caught:
             program, test = caught
             name = (program, test.split(" ")[0])
             self.catchers.pop(name, None)
             self.catchers[name] = True
             return "caught", f"{program.name} {test}"
+        self.plain.change(mutant.file, original)
         for name in self.options.then:
             # Built from the unchanged tree.
-            (self.tree / mutant.file).write_bytes(original)
             build = self.further_build(name)
-            if build.change(mutant.file, content) and build.link(mutant.file):
-                caught = self.caught_by(build, build.percents[0])
+            if build.change(mutant.file, content):
+                caught = self.caught_by(build, build.programs, build.percents[0])
             build.change(mutant.file, original)
-            build.link(mutant.file)
             if caught:
                 return "caught", f"{name}: {caught[0].name} {caught[1]}"
         return "survived", ""
@@ -661,12 +701,11 @@ def try_room(options, name, equivalents):
             if mutant.file not in originals:
                 restore(room, originals)
                 originals[mutant.file] = (tree / mutant.file).read_bytes()
-                digests[mutant.file] = room.plain.change(mutant.file, originals[mutant.file])
+                objects, _ = room.plain.objects(mutant.file)
+                digests[mutant.file] = room.plain.compile(mutant.file, originals[mutant.file], objects)
             key = key_of(mutant)
             state, by = room.try_mutant(mutant, originals, digests, key in equivalents.reasons)
-            # The first of several that look alike in the results is the one that counts, unless a later one lives.
-            if results.states.get(key, ("",))[0] != "survived" or options.again:
-                results.set(key, state, by)
+            results.set(key, state, by)
             counts[state] += 1
             if state == "survived":
                 print(f"SURVIVED {mutant.file}:{mutant.line}\n@ {mutant.file} {mutant.function}\n"
@@ -694,7 +733,6 @@ def restore(room, originals):
     file = room.plain.changed
     if file in originals:
         room.plain.change(file, originals[file])
-        room.plain.link(file)
 
 
 def main():

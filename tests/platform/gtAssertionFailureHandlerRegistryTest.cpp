@@ -463,6 +463,47 @@ TEST(Registry, unregisteringWaitsForCallsOnOtherThreads)
     }
 }
 
+TEST(Registry, unregisteringWithinAHandlerWaitsForThreadsThatDoNotWait)
+{
+    for (int round = 0; round < 100; ++round)
+    {
+        Event isEntered;
+        Event isReleased;
+        std::atomic<bool> isOver = false;
+        std::atomic<bool> wasOver = false;
+        Handler held(
+            [&](Handler& self)
+            {
+                if (self.calls == 1)
+                {
+                    isEntered.set();
+                    isReleased.wait();
+                    isOver = true;
+                }
+            });
+        Handler unregistering(
+            [&](Handler&)
+            {
+                gtUnRegisterAssertionFailureHandler(&held);
+                wasOver = isOver.load();
+            });
+        gtRegisterAssertionFailureHandler(&held);
+        std::thread failing(failAnAssertion);
+        isEntered.wait();
+        gtRegisterAssertionFailureHandler(&unregistering);
+        std::thread failingToo(failAnAssertion);
+        while (gtAmountOfRegisteredAssertionFailureHandlers() > 1)
+        {
+            std::this_thread::yield();
+        }
+        std::this_thread::yield();
+        isReleased.set();
+        failing.join();
+        failingToo.join();
+        ASSERT_TRUE(wasOver);
+    }
+}
+
 TEST(Registry, secondUnregisteringWaitsAsWell)
 {
     for (int round = 0; round < 100; ++round)
