@@ -57,21 +57,6 @@ std::size_t sequenceLength(const unsigned char* pBytes, std::size_t length)
     return sequence;
 }
 
-bool isUtf8(const char* pBytes, std::size_t length)
-{
-    const auto* pUnsigned = reinterpret_cast<const unsigned char*>(pBytes);
-    for (std::size_t i = 0; i < length;)
-    {
-        const std::size_t sequence = sequenceLength(pUnsigned + i, length - i);
-        if (sequence == 0)
-        {
-            return false;
-        }
-        i += sequence;
-    }
-    return true;
-}
-
 // The code point of a well-formed sequence.
 wxUint32 codePointOf(const unsigned char* pBytes, std::size_t sequence)
 {
@@ -117,18 +102,6 @@ bool isEncodable(wxUint32 codePoint)
     return codePoint <= 0x10FFFF && (codePoint < 0xD800 || codePoint > 0xDFFF);
 }
 
-bool isShowable(const wxString& text)
-{
-    for (const wxUniChar character : text)
-    {
-        if (character.GetValue() == 0 || !isEncodable(character.GetValue()))
-        {
-            return false;
-        }
-    }
-    return true;
-}
-
 }  // namespace
 
 wxString ahTextFromBytes(const char* pBytes, std::size_t length)
@@ -137,10 +110,7 @@ wxString ahTextFromBytes(const char* pBytes, std::size_t length)
     {
         return wxString();
     }
-    if (isUtf8(pBytes, length))
-    {
-        return wxString::FromUTF8Unchecked(pBytes, length);
-    }
+    // It tries UTF-8 first.
     const wxString text(pBytes, wxConvWhateverWorks, length);
     return text.empty() ? wxString::From8BitData(pBytes, length) : text;
 }
@@ -168,10 +138,6 @@ gtString ahBytesFromText(const wxString& text)
 
 wxString ahShowableText(const wxString& text)
 {
-    if (isShowable(text))
-    {
-        return text;
-    }
     wxString showable;
     showable.reserve(text.length());
     for (const wxUniChar character : text)

@@ -19,41 +19,6 @@ const char* const urlBeginnings[] = {"http://",   "https://",    "ftp://",  "fil
                                      "www.",      "ftp.",        "nntp://", "news://",  "mms://",
                                      "telnet://", "prospero://", "wais://", "gopher://"};
 
-// Not by the C library, whose answers depend on the locale.
-bool isBlank(wxUint32 codePoint)
-{
-    switch (codePoint)
-    {
-    case '\t':
-    case '\n':
-    case '\f':
-    case '\r':
-    case ' ':
-    case 0x00A0:
-    case 0x1680:
-    case 0x2028:
-    case 0x2029:
-    case 0x202F:
-    case 0x205F:
-    case 0x3000:
-        return true;
-    default:
-        return codePoint >= 0x2000 && codePoint <= 0x200A;
-    }
-}
-
-bool isPunctuation(wxUint32 codePoint)
-{
-    if (codePoint < 0x80)
-    {
-        const bool isLetter = (codePoint | 0x20) >= 'a' && (codePoint | 0x20) <= 'z';
-        return codePoint > ' ' && codePoint < 0x7F && !isLetter && !(codePoint >= '0' && codePoint <= '9');
-    }
-    return codePoint == 0x00A1 || codePoint == 0x00AB || codePoint == 0x00BB || codePoint == 0x00BF ||
-           (codePoint >= 0x2010 && codePoint <= 0x2027) || (codePoint >= 0x2030 && codePoint <= 0x205E) ||
-           (codePoint >= 0x3001 && codePoint <= 0x3003) || (codePoint >= 0x3008 && codePoint <= 0x3011);
-}
-
 bool beginsLikeUrl(const std::u32string& text, std::size_t begin, std::size_t end)
 {
     for (const char* pExpected : urlBeginnings)
@@ -119,17 +84,17 @@ void ahHighlightUrls(wxTextCtrl* pTextCtrl)
     for (std::size_t wordBegin = 0; wordBegin < text.size(); wordBegin = wordEnd + 1)
     {
         wordEnd = wordBegin;
-        while (wordEnd < text.size() && !isBlank(text[wordEnd]))
+        while (wordEnd < text.size() && g_unichar_isspace(text[wordEnd]) == FALSE)
         {
             wordEnd++;
         }
         std::size_t begin = wordBegin;
         std::size_t end = wordEnd;
-        while (begin < end && isPunctuation(text[begin]))
+        while (begin < end && g_unichar_ispunct(text[begin]) != FALSE)
         {
             begin++;
         }
-        while (end > begin && isPunctuation(text[end - 1]) && text[end - 1] != U'/')
+        while (end > begin && g_unichar_ispunct(text[end - 1]) != FALSE && text[end - 1] != U'/')
         {
             end--;
         }

@@ -495,6 +495,48 @@ TEST(DialogReport, MarksUrlsInTheReason)
               (Pieces{plain("http:// www. a.b:/c http:/x xhttp://a")}));
 }
 
+TEST(DialogReport, MarksEveryKindOfUrl)
+{
+    const auto urlsOfReason = [](const wxString& reason)
+    {
+        const OpenDialog dialog("/a.c", 1, reason);
+        std::vector<std::string> urls;
+        for (const Piece& piece : runsOf(dialog.report()))
+        {
+            if (piece.isUnderlined)
+            {
+                urls.push_back(piece.text);
+            }
+        }
+        return urls;
+    };
+    using Urls = std::vector<std::string>;
+
+    const Urls beginnings = {"http://", "https://", "ftp://", "file://",   "mailto://",   "www.",    "ftp.",
+                             "nntp://", "news://",  "mms://", "telnet://", "prospero://", "wais://", "gopher://"};
+    Urls expected;
+    wxString reason;
+    for (const std::string& beginning : beginnings)
+    {
+        reason += beginning + " " + beginning + "z/, (" + beginning + "y)\n";
+        expected.push_back(beginning + "z/");
+        expected.push_back(beginning + "y");
+    }
+    EXPECT_EQ(urlsOfReason(reason), expected);
+    // Blanks of all kinds end a URL.
+    EXPECT_EQ(urlsOfReason(wxString(L"www.a\u00A0www.b\u2003www.c\u2028www.d\u3000www.e")),
+              (Urls{"www.a", "www.b", "www.c", "www.d", "www.e"}));
+
+    wxString manyInALine;
+    for (int i = 0; i < 1001; i++)
+    {
+        manyInALine += "www.a ";
+    }
+    Urls thousandAndOne(1000, "www.a");
+    thousandAndOne.emplace_back("www.b");
+    EXPECT_EQ(urlsOfReason(manyInALine + "\nwww.b"), thousandAndOne);
+}
+
 TEST(DialogReport, KeepsTheSizeOfANameThatLooksLikeAUrl)
 {
     const int size = wxNORMAL_FONT->GetPointSize();

@@ -191,6 +191,42 @@ TEST_P(TextConversion, APathThatIsUtf8ReadsAsItIs)
     EXPECT_EQ(asStd(ahPathBytesFromText(ahPathTextFromBytes(bytes(privateUse)))), privateUse);
 }
 
+// What is no character is read byte by byte, and only that.
+TEST_P(TextConversion, EverySequenceIsACharacterOrItIsNot)
+{
+    const unsigned char further[] = {0x7F, 0x80, 0xBF, 0xC0};
+    for (unsigned lead = 0x80; lead <= 0xFF; lead++)
+    {
+        for (unsigned second = 1; second <= 0xFF; second++)
+        {
+            for (unsigned i = 0; i < 16; i++)
+            {
+                const char all[] = {static_cast<char>(lead), static_cast<char>(second),
+                                    static_cast<char>(further[i / 4]), static_cast<char>(further[i % 4])};
+                for (const std::size_t length : {std::size_t(2), std::size_t(3), std::size_t(4)})
+                {
+                    const std::string sequence(all, length);
+                    const wxString text = ahPathTextFromBytes(bytes(sequence));
+                    bool hasByte = false;
+                    for (const wxUniChar character : text)
+                    {
+                        hasByte = hasByte || (character.GetValue() >= 0x100080 && character.GetValue() <= 0x1000FF);
+                    }
+                    const bool isForByte = sequence.compare(0, 3, "\xF4\x80\x80") == 0;
+                    ASSERT_EQ(hasByte, isForByte || !isWellFormed(sequence)) << testing::PrintToString(sequence);
+                }
+            }
+        }
+    }
+}
+
+TEST_P(TextConversion, TheCharactersThatStandForBytesEndWhereTheyEnd)
+{
+    EXPECT_EQ(ahPathTextFromBytes(bytes("\xF3\xBF\xBF\xBF")), wxString(L"\U000FFFFF"));
+    EXPECT_EQ(ahPathTextFromBytes(bytes("\xF4\x80\x80\x80")).length(), 4U);
+    EXPECT_EQ(ahPathTextFromBytes(bytes("\xF4\x80\x84\x80")), wxString(L"\U00100100"));
+}
+
 TEST_P(TextConversion, AnyTextGivesAPath)
 {
     EXPECT_EQ(asStd(ahPathBytesFromText(wxString(L"/tmp/\u00E9\U0001F600"))), "/tmp/\xC3\xA9\xF0\x9F\x98\x80");
@@ -224,6 +260,14 @@ TEST_P(TextConversion, TextIsWrittenAsUtf8)
                                                                                "b");
 }
 
+TEST_P(TextConversion, ArgumentsGoBackToTheirBytes)
+{
+    EXPECT_EQ(asStd(ahBytesFromArgument("plain")), "plain");
+    EXPECT_EQ(asStd(ahBytesFromArgument("p")), "p");
+    // What the C locale does not have is written as UTF-8, as the others have it.
+    EXPECT_EQ(asStd(ahBytesFromArgument(wxString(L"caf\u20AC"))), "caf\xE2\x82\xAC");
+}
+
 TEST_P(TextConversion, WhatControlsRefuseIsReplaced)
 {
     wxString text("a");
@@ -234,6 +278,8 @@ TEST_P(TextConversion, WhatControlsRefuseIsReplaced)
     text += "\x01\r\n\tz";
     EXPECT_EQ(ahShowableText(text), wxString(L"a\u2400\uFFFD\U0010FFFF\uFFFD\x01\r\n\tz"));
     EXPECT_EQ(ahShowableText("plain"), "plain");
+    EXPECT_EQ(ahShowableText(wxString(wxUniChar(0))), wxString(L"\u2400"));
+    EXPECT_EQ(ahShowableText(wxString("\x01")), wxString("\x01"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Locales, TextConversion, testing::Values("C", "C.UTF-8"),

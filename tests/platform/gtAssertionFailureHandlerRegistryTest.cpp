@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -841,36 +842,56 @@ TEST(Registry, anyThreadMayDoAnythingAtAnyTime)
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
 }
 
+// Standard error is a pipe that holds less than a line, so that every thread has to wait in the middle of each of its
+// lines, and the others might write there.
 TEST(Registry, linesOfSeveralThreadsStayApart)
 {
-    const std::string message(3000, 'm');
-    const std::string text = stderrOf(
-        [&]()
-        {
-            std::vector<std::thread> threads;
-            threads.reserve(4);
-            for (int i = 0; i < 4; ++i)
-            {
-                threads.emplace_back(
-                    [&]()
-                    {
-                        for (int round = 0; round < 50; ++round)
-                        {
-                            gtTriggerAssertonFailureHandler("f", "c", 1, message.c_str());
-                        }
-                    });
-            }
-            for (std::thread& thread : threads)
-            {
-                thread.join();
-            }
-        });
-    std::string expected;
-    for (int i = 0; i < 200; ++i)
+    constexpr std::size_t length = 200000;
+    const std::string begin = "c:1: f: ";
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(::pipe(ends), 0);
+    ASSERT_EQ(std::fflush(stderr), 0);
+    const int keptStderr = ::dup(STDERR_FILENO);
+    ASSERT_EQ(::dup2(ends[1], STDERR_FILENO), STDERR_FILENO);
+    ::close(ends[1]);
+
+    std::vector<std::thread> threads;
+    threads.reserve(4);
+    for (const char letter : {'k', 'l', 'm', 'n'})
     {
-        expected += "c:1: f: " + message + "\n";
+        threads.emplace_back(
+            [letter]()
+            {
+                const std::string message(length, letter);
+                for (int round = 0; round < 5; ++round)
+                {
+                    gtTriggerAssertonFailureHandler("f", "c", 1, message.c_str());
+                }
+            });
     }
-    EXPECT_TRUE(text == expected);
+    std::string text;
+    std::vector<char> piece(65536);
+    while (text.size() < 4 * 5 * (begin.size() + length + 1))
+    {
+        const ssize_t amount = ::read(ends[0], piece.data(), piece.size());
+        ASSERT_GT(amount, 0);
+        text.append(piece.data(), static_cast<std::size_t>(amount));
+    }
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+    ASSERT_EQ(::dup2(keptStderr, STDERR_FILENO), STDERR_FILENO);
+    ::close(keptStderr);
+    ::close(ends[0]);
+
+    int wholeLines = 0;
+    for (std::size_t i = 0; i < text.size(); i += begin.size() + length + 1)
+    {
+        const std::string line = text.substr(i, begin.size() + length + 1);
+        wholeLines += line == begin + std::string(length, line[begin.size()]) + "\n" ? 1 : 0;
+    }
+    EXPECT_EQ(wholeLines, 20);
 }
 
 // Made before the registry is first used, and so destroyed after anything that the registry might have at exit.

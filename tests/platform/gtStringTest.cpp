@@ -7,7 +7,9 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <sys/mman.h>
 #include <type_traits>
+#include <unistd.h>
 #include <utility>
 
 #include "tests/support/failingAllocation.h"
@@ -265,6 +267,27 @@ TEST(gtString, refusesWhatIsLongerThanAnInt)
     volatile int longest = INT_MAX;  // the compiler would see it and refuse
     EXPECT_THROW(text.appendFormattedString("%*d", longest, 1), std::length_error);
     EXPECT_EQ(contents(text), "1");
+}
+
+// The characters are pages of zeros that take no memory; the text's own do.
+TEST(gtString, holdsWhatIsAsLongAsAnInt)
+{
+    constexpr long twoGiB = 1L << 31;
+    if (::sysconf(_SC_AVPHYS_PAGES) < 3 * (twoGiB / ::sysconf(_SC_PAGESIZE)))
+    {
+        GTEST_SKIP() << "takes more memory than there is";
+    }
+    void* const pZeros = ::mmap(nullptr, twoGiB, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(pZeros, MAP_FAILED);
+    {
+        gtString text;
+        text.append(static_cast<const char*>(pZeros), INT_MAX);
+        EXPECT_EQ(text.length(), INT_MAX);
+        EXPECT_THROW(text.append('x'), std::length_error);
+        EXPECT_EQ(text.length(), INT_MAX);
+        text.append(pNoChars);
+    }
+    EXPECT_EQ(::munmap(pZeros, twoGiB), 0);
 }
 
 TEST(gtString, equalWhenLengthAndBytesAre)

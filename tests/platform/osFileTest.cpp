@@ -340,6 +340,27 @@ TEST_F(osFileTest, interruptedCallsAreTakenUpAgain)
     EXPECT_EQ(file.errorNumber(), 0);
 }
 
+// What errno has been left at means nothing when a call succeeds: not with descriptor 0 either, nor at the end.
+TEST_F(osFileTest, oldErrorNumbersInterruptNothing)
+{
+    const osFilePath path = write("file", "abc");
+    const int keptInput = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3);
+    ASSERT_EQ(::close(STDIN_FILENO), 0);
+    {
+        osFile file;
+        errno = EINTR;
+        EXPECT_TRUE(open(file, path));
+        char bytes[3];
+        unsigned long amountRead = 0;
+        EXPECT_TRUE(file.readAvailableData(bytes, sizeof bytes, amountRead));
+        errno = EINTR;
+        EXPECT_FALSE(file.readAvailableData(bytes, sizeof bytes, amountRead));
+    }
+    EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), -1) << "opened twice, closed once";
+    ASSERT_EQ(::dup2(keptInput, STDIN_FILENO), STDIN_FILENO);
+    ASSERT_EQ(::close(keptInput), 0);
+}
+
 TEST_F(osFileTest, errorIsNoEnd)
 {
     const std::string content = contentOf(1000);

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -25,6 +26,7 @@
 #endif
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -39,7 +41,34 @@ thread_local int amountOfForksLeft = -1;
 
 // Which signals were blocked when this thread forked last.
 thread_local sigset_t maskAtFork;
+
+#if defined(SYS_close_range)
+// Systems have this call since 2020.
+bool hasCloseRange = true;
+#endif
 }  // namespace
+
+#if defined(SYS_close_range)
+extern "C" long syscall(long number, ...) noexcept
+{
+    if ((number == SYS_close_range) && !hasCloseRange)
+    {
+        errno = ENOSYS;
+        return -1;
+    }
+    // No call that comes here has more arguments.
+    va_list list;
+    va_start(list, number);
+    const long first = va_arg(list, long);
+    const long second = va_arg(list, long);
+    const long third = va_arg(list, long);
+    va_end(list);
+    long (*realSyscall)(long, ...) = nullptr;
+    void* const pSymbol = ::dlsym(RTLD_NEXT, "syscall");
+    std::memcpy(&realSyscall, &pSymbol, sizeof realSyscall);
+    return realSyscall(number, first, second, third);
+}
+#endif
 
 extern "C" pid_t fork() noexcept
 {
@@ -475,7 +504,13 @@ TEST_F(osOpenFileInSourceCodeEditorTest, worksWhereChildrenAreNotCollected)
     ASSERT_EQ(::sigaction(SIGCHLD, &before, nullptr), 0);
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, editorStartsInACleanState)
+class osEditorsStateTest : public osOpenFileInSourceCodeEditorTest
+{
+protected:
+    void expectACleanState();
+};
+
+void osEditorsStateTest::expectACleanState()
 {
     // $$ is the editor. Its report is on 1 and 2; 0 must be /dev/null and nothing else may be open. What the shell has
     // open itself has two digits, but for the folder while it lists it.
@@ -551,6 +586,20 @@ pwd
     EXPECT_NE(parent, ::getpid());
     EXPECT_EQ(std::to_string(session), statLine.substr(0, statLine.find(' '))) << "it leads a session of its own";
 }
+
+TEST_F(osEditorsStateTest, isClean)
+{
+    expectACleanState();
+}
+
+#if defined(SYS_close_range)
+TEST_F(osEditorsStateTest, isCleanWhereDescriptorsAreClosedOneByOne)
+{
+    hasCloseRange = false;
+    expectACleanState();
+    hasCloseRange = true;
+}
+#endif
 
 TEST_F(osOpenFileInSourceCodeEditorTest, worksWithStandardDescriptorsClosed)
 {
