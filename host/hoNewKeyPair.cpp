@@ -1,6 +1,7 @@
 #include "host/hoNewKeyPair.h"
 
 #include "host/hoBytes.h"
+#include "host/hoWholeFile.h"
 
 #include <openssl/bio.h>
 #include <openssl/evp.h>
@@ -8,11 +9,7 @@
 #include <openssl/rsa.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-
-#include <sys/stat.h>
-#include <unistd.h>
+#include <new>
 
 namespace
 {
@@ -32,21 +29,6 @@ using Bio = std::unique_ptr<BIO, BioDeleter>;
 Bio secureMemory()
 {
     return Bio(BIO_new(BIO_s_secmem()));
-}
-
-bool writeAll(int file, const char* pBytes, long length)
-{
-    long done = 0;
-    while (done < length)
-    {
-        const ssize_t written = write(file, pBytes + done, static_cast<std::size_t>(length - done));
-        if (written < 0 && errno != EINTR)
-        {
-            return false;
-        }
-        done += written > 0 ? written : 0;
-    }
-    return fsync(file) == 0;
 }
 }  // namespace
 
@@ -119,28 +101,19 @@ hoNewKeyPair::Writing hoNewKeyPair::writePublicKey(const gtString& path, bool ma
     return writeFile(path, 0644, mayOverwrite, pBytes, length);
 }
 
-hoNewKeyPair::Writing hoNewKeyPair::writeFile(const gtString& path, unsigned int mode, bool mayOverwrite,
+hoNewKeyPair::Writing hoNewKeyPair::writeFile(const gtString& path, unsigned int rights, bool mayOverwrite,
                                               const char* pBytes, long length)
 {
-    std::string beside = hoToBytes(path) + ".XXXXXX";
-    const int file = mkstemp(beside.data());
-    if (file < 0)
+    try
     {
-        _systemError = errno;
-        return Writing::Failed;
+        _systemError = hoWriteWholeFile(hoToBytes(path), std::string_view(pBytes, static_cast<std::size_t>(length)),
+                                        mayOverwrite, rights);
     }
-    bool isWritten = fchmod(file, mode) == 0 && writeAll(file, pBytes, length);
-    _systemError = isWritten ? 0 : errno;
-    isWritten = close(file) == 0 && isWritten;
-    if (isWritten)
+    catch (const std::bad_alloc&)
     {
-        // A link to a name that is taken fails, where renaming would replace.
-        isWritten = (mayOverwrite ? std::rename(beside.c_str(), path.asCharArray())
-                                  : link(beside.c_str(), path.asCharArray())) == 0;
-        _systemError = isWritten ? 0 : errno;
+        _systemError = ENOMEM;
     }
-    unlink(beside.c_str());
-    if (isWritten)
+    if (_systemError == 0)
     {
         return Writing::Done;
     }

@@ -39,8 +39,8 @@ public:
     bool isMade() const { return _isFinished && _pKey != nullptr; }
 
     // Writes the private key (PKCS#8; encrypted if the passphrase is not empty), readable and writable by its owner
-    // alone, or the public one. Beside the wanted name first, then renamed: there is never half a key. isMade() must be
-    // true.
+    // alone, or the public one, with rights 644. As hoWriteWholeFile does: there is never half a key, and what is there
+    // and no regular file is not replaced in any case. isMade() must be true.
     Writing writePrivateKey(const gtString& path, std::string_view passphrase, bool mayOverwrite);
     Writing writePublicKey(const gtString& path, bool mayOverwrite);
     int systemError() const { return _systemError; }
@@ -52,7 +52,7 @@ private:
     };
 
     void run();
-    Writing writeFile(const gtString& path, unsigned int mode, bool mayOverwrite, const char* pBytes, long length);
+    Writing writeFile(const gtString& path, unsigned int rights, bool mayOverwrite, const char* pBytes, long length);
 
     const int _bits;
     int _systemError;

@@ -31,14 +31,15 @@ std::string followLinks(const std::string& path)
 }
 
 // A new, empty file with a name of its own in the folder; -1 when there is none to be had.
-int createBeside(const std::string& folder, std::string& path)
+int createBeside(const std::string& folder, unsigned int rights, std::string& path)
 {
+    const mode_t rightsAtFirst = (rights == 0) ? 0666 : 0600;
     for (int attempt = 0; attempt < attemptsAtAName; attempt++)
     {
         // Its own number keeps processes apart, counting keeps the threads and the leftovers apart.
         path = folder + ((folder == ".") ? "/" : "") + ".countersign-" + std::to_string(::getpid()) + "-" +
                std::to_string(attempt) + ".tmp";
-        const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, rightsAtFirst);
         if ((descriptor >= 0) || ((errno != EEXIST) && (errno != EINTR)))
         {
             return descriptor;
@@ -48,7 +49,7 @@ int createBeside(const std::string& folder, std::string& path)
 }
 
 // 0, or the system's error number.
-int writeWhole(int descriptor, const std::string& bytes)
+int writeWhole(int descriptor, std::string_view bytes)
 {
     std::size_t done = 0;
     while (done < bytes.size())
@@ -66,7 +67,42 @@ int writeWhole(int descriptor, const std::string& bytes)
     return (::fsync(descriptor) == 0) ? 0 : errno;
 }
 
-// Takes the new file's name over, or EEXIST. A hard link does not replace what is there, whoever comes first.
+// Renames, or EEXIST if there is something under the name already; another error where the system or the file system
+// cannot do that.
+int renameWithoutReplacing(const std::string& newPath, const std::string& path)
+{
+#if defined(__linux__)
+    return (::renameat2(AT_FDCWD, newPath.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) ? 0 : errno;
+#elif defined(__APPLE__)
+    return (::renamex_np(newPath.c_str(), path.c_str(), RENAME_EXCL) == 0) ? 0 : errno;
+#else
+    return ENOSYS;
+#endif
+}
+
+// Takes the name with an empty file, which can be made only if there is none, and puts the new one in its place.
+int renameOverOwnFile(const std::string& newPath, const std::string& path)
+{
+    int descriptor = -1;
+    do
+    {
+        descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    } while ((descriptor < 0) && (errno == EINTR));
+    if (descriptor < 0)
+    {
+        return errno;
+    }
+    ::close(descriptor);
+    if (::rename(newPath.c_str(), path.c_str()) != 0)
+    {
+        const int error = errno;
+        ::unlink(path.c_str());
+        return error;
+    }
+    return 0;
+}
+
+// Gives the new file its name, or EEXIST: nothing that is there is replaced, whoever comes first.
 int nameWithoutOverwriting(const std::string& newPath, const std::string& path)
 {
     if (::link(newPath.c_str(), path.c_str()) == 0)
@@ -79,12 +115,8 @@ int nameWithoutOverwriting(const std::string& newPath, const std::string& path)
         return EEXIST;
     }
     // Some file systems have no hard links.
-    struct stat status = {};
-    if (::lstat(path.c_str(), &status) == 0)
-    {
-        return EEXIST;
-    }
-    return (::rename(newPath.c_str(), path.c_str()) == 0) ? 0 : errno;
+    const int error = renameWithoutReplacing(newPath, path);
+    return ((error == EINVAL) || (error == ENOSYS) || (error == EOPNOTSUPP)) ? renameOverOwnFile(newPath, path) : error;
 }
 
 // A name that is not on the disk yet is not lost with the power. Not every file system can do it; it is no failure.
@@ -100,7 +132,7 @@ void bringFolderToDisk(const std::string& folder)
 
 }  // namespace
 
-int hoWriteWholeFile(const std::string& path, const std::string& bytes, bool mayOverwrite)
+int hoWriteWholeFile(const std::string& path, std::string_view bytes, bool mayOverwrite, unsigned int rights)
 {
     struct stat status = {};
     if (::stat(path.c_str(), &status) == 0)
@@ -118,12 +150,12 @@ int hoWriteWholeFile(const std::string& path, const std::string& bytes, bool may
     // Whatever takes memory comes before there is a file to clean up.
     const std::string folder = folderOf(wanted);
     std::string newPath;
-    const int descriptor = createBeside(folder, newPath);
+    const int descriptor = createBeside(folder, rights, newPath);
     if (descriptor < 0)
     {
         return errno;
     }
-    int error = writeWhole(descriptor, bytes);
+    int error = ((rights != 0) && (::fchmod(descriptor, rights) != 0)) ? errno : writeWhole(descriptor, bytes);
     if ((::close(descriptor) != 0) && (error == 0) && (errno != EINTR))
     {
         error = errno;

@@ -24,13 +24,16 @@ struct Fault
 };
 
 const std::vector<Fault> faults = {
-    {"open", EACCES, false}, {"open", EMFILE, false}, {"open", EINTR, true}, {"read", EIO, false},
-    {"read", EINTR, true},   {"read", 0, true},       {"write", EIO, false}, {"write", ENOSPC, false},
-    {"write", EINTR, true},  {"write", 0, true},      {"fsync", EIO, false}, {"fsync", ENOSPC, false},
-    {"close", EIO, false},   {"close", EINTR, true},  {"link", EPERM, true}, {"link", EACCES, true},
-    {"rename", EIO, false},  {"fstat", EIO, false},   {"stat", EIO, false},  {"realpath", EACCES, false},
-    {"new", ENOMEM, false},
+    {"open", EACCES, false}, {"open", EMFILE, false},   {"open", EINTR, true}, {"read", EIO, false},
+    {"read", EINTR, true},   {"read", 0, true},         {"write", EIO, false}, {"write", ENOSPC, false},
+    {"write", EINTR, true},  {"write", 0, true},        {"fsync", EIO, false}, {"fsync", ENOSPC, false},
+    {"close", EIO, false},   {"close", EINTR, true},    {"link", EPERM, true}, {"link", EACCES, true},
+    {"rename", EIO, false},  {"fstat", EIO, false},     {"stat", EIO, false},  {"realpath", EACCES, false},
+    {"new", ENOMEM, false},  {"renameat2", EIO, false},
 };
+
+// What file systems lack: nothing; hard links; also renaming that replaces nothing.
+const std::vector<std::string> fileSystems = {"", "link", "link,renameat2"};
 
 class Faults : public ::testing::Test
 {
@@ -71,6 +74,7 @@ protected:
             {
                 setenv("COUNTERSIGN_FAULT", text.c_str(), 1);
                 setenv("COUNTERSIGN_FAULT_MARK", (_folder / "mark").c_str(), 1);
+                setenv("COUNTERSIGN_WITHOUT", _without.c_str(), 1);
             };
             const tsOutcome outcome = tsRun(faulty);
             if (!_folder.has("mark"))
@@ -95,35 +99,69 @@ protected:
         }
     }
 
+    // Signs with one call going wrong after the other.
+    void expectAWholeSignatureOrNone()
+    {
+        int amount = 0;
+        for (const Fault& fault : faults)
+        {
+            static_cast<void>(unlink((_folder / "report.sig").c_str()));
+            amount += failEach(fault, {"sign", "-k", "private.pem", "report"}, "",
+                               [&](const tsOutcome& outcome)
+                               {
+                                   const bool isThere = _folder.has("report.sig");
+                                   if (isThere)
+                                   {
+                                       EXPECT_EQ(_folder.read("report.sig"), _signature);
+                                   }
+                                   EXPECT_TRUE(isThere || (outcome._exitStatus == 2)) << outcome._errors;
+                                   static_cast<void>(unlink((_folder / "report.sig").c_str()));
+                                   EXPECT_EQ(_folder.names(),
+                                             (std::vector<std::string>{"changed", "changed.sig", "mark", "private.pem",
+                                                                       "public.pem", "report"}));
+                               });
+        }
+        // Fewer would mean that the program's calls are not met any more.
+        EXPECT_GT(amount, 60);
+    }
+
     TemporaryFolder _folder;
     std::string _signature;
+    std::string _without;  // that the file system lacks
 };
 
 }  // namespace
 
 TEST_F(Faults, LeaveAWholeSignatureOrNone)
 {
-    int amount = 0;
-    for (const Fault& fault : faults)
+    for (const std::string& without : fileSystems)
     {
-        static_cast<void>(unlink((_folder / "report.sig").c_str()));
-        amount +=
-            failEach(fault, {"sign", "-k", "private.pem", "report"}, "",
-                     [&](const tsOutcome& outcome)
-                     {
-                         const bool isThere = _folder.has("report.sig");
-                         if (isThere)
-                         {
-                             EXPECT_EQ(_folder.read("report.sig"), _signature);
-                         }
-                         EXPECT_TRUE(isThere || (outcome._exitStatus == 2)) << outcome._errors;
-                         static_cast<void>(unlink((_folder / "report.sig").c_str()));
-                         EXPECT_EQ(_folder.names(), (std::vector<std::string>{"changed", "changed.sig", "mark",
-                                                                              "private.pem", "public.pem", "report"}));
-                     });
+        SCOPED_TRACE("without " + without);
+        _without = without;
+        expectAWholeSignatureOrNone();
     }
-    // Fewer would mean that the program's calls are not met any more.
-    EXPECT_GT(amount, 60);
+}
+
+TEST_F(Faults, OfLinksReplaceNothing)
+{
+    // What is there and cannot be followed is not seen before the name is to be taken.
+    for (const std::string& without : fileSystems)
+    {
+        ASSERT_EQ(unlink((_folder / "report.sig").c_str()), 0);
+        ASSERT_EQ(symlink("nowhere", (_folder / "report.sig").c_str()), 0);
+        tsCommand sign = command({"sign", "-k", "private.pem", "report"});
+        sign._prepare = [&] { setenv("COUNTERSIGN_WITHOUT", without.c_str(), 1); };
+        const tsOutcome outcome = tsRun(sign);
+        EXPECT_EQ(outcome._exitStatus, 2) << without;
+        EXPECT_THAT(outcome._errors, ::testing::HasSubstr("is there already and was kept")) << without;
+        char target[100] = {};
+        EXPECT_EQ(readlink((_folder / "report.sig").c_str(), target, sizeof(target)), 7) << without;
+        EXPECT_EQ(_folder.names(), (std::vector<std::string>{"changed", "changed.sig", "private.pem", "public.pem",
+                                                             "report", "report.sig"}));
+        ASSERT_EQ(unlink((_folder / "report.sig").c_str()), 0);
+        EXPECT_EQ(tsRun(sign)._exitStatus, 0) << without;
+        EXPECT_EQ(_folder.read("report.sig"), _signature) << without;
+    }
 }
 
 TEST_F(Faults, KeepTheOldSignatureUntilTheNewOneIsWhole)

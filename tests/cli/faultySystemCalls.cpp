@@ -3,8 +3,10 @@
 //   COUNTERSIGN_FAULT=<call>:<number>:<error>   the call of that name and number (from 1) fails with this error number;
 //                                               error 0 makes read and write do one byte only, and new fails anyway
 //   COUNTERSIGN_FAULT_MARK=<path>               is created when it has gone wrong
+//   COUNTERSIGN_WITHOUT=<call>,...              these always fail, as on a file system that does not have them: link and
+//                                               renameat2
 //
-// Calls: open, read, write, fsync, close, link, rename, fstat, stat, realpath; new for the allocations from the first
+// Calls: open, read, write, fsync, close, link, rename, renameat2, fstat, stat, realpath; new for the allocations from the first
 // opened file on, parse for those from the start of main on (to be exact from its first pipe: nobody catches what static
 // objects throw).
 #include <cerrno>
@@ -66,6 +68,17 @@ bool hasFailed(const char* pCall)
     hasOpened = true;
     int error = 0;
     if (!isFaulty(pCall, error))
+    {
+        return false;
+    }
+    errno = error;
+    return true;
+}
+
+bool isWithout(const char* pCall, int error)
+{
+    const char* const pWithout = std::getenv("COUNTERSIGN_WITHOUT");
+    if ((pWithout == nullptr) || (std::strstr(pWithout, pCall) == nullptr))
     {
         return false;
     }
@@ -172,7 +185,17 @@ extern "C"
 
     int link(const char* pOldPath, const char* pNewPath) noexcept
     {
-        return hasFailed("link") ? -1 : next<int (*)(const char*, const char*)>("link")(pOldPath, pNewPath);
+        return (isWithout("link", EPERM) || hasFailed("link"))
+                   ? -1
+                   : next<int (*)(const char*, const char*)>("link")(pOldPath, pNewPath);
+    }
+
+    int renameat2(int oldFolder, const char* pOldPath, int newFolder, const char* pNewPath, unsigned int flags) noexcept
+    {
+        using Function = int (*)(int, const char*, int, const char*, unsigned int);
+        return (isWithout("renameat2", EINVAL) || hasFailed("renameat2"))
+                   ? -1
+                   : next<Function>("renameat2")(oldFolder, pOldPath, newFolder, pNewPath, flags);
     }
 
     int rename(const char* pOldPath, const char* pNewPath) noexcept
