@@ -6,7 +6,7 @@
 #include "host/hoTypedSecret.h"
 
 #include <wx/button.h>
-#include <wx/choice.h>
+#include <wx/combobox.h>
 #include <wx/filedlg.h>
 #include <wx/gauge.h>
 #include <wx/msgdlg.h>
@@ -23,12 +23,18 @@ namespace
 const int pollInterval = 50;  // milliseconds
 const int fileWidth = 380;
 const int bitsOffered[] = {512, 1024, 2048, 3072, 4096};
+
+wxString sizesAllowed()
+{
+    return wxString::Format("A key has %d to %d bits, a multiple of %d.", hoLeastNewKeyBits, hoMostNewKeyBits,
+                            hoStepOfNewKeyBits);
+}
 }  // namespace
 
 hoNewKeyDialog::hoNewKeyDialog(wxWindow* pParent, const gtString& folder)
     : wxDialog(pParent, wxID_ANY, "New key pair"),
       _mayOverwrite(false),
-      _pBits(new wxChoice(this, wxID_ANY)),
+      _pBits(new wxComboBox(this, wxID_ANY)),
       _pFile(new wxTextCtrl(this, wxID_ANY)),
       _pPassphrase(nullptr),
       _pAgain(nullptr),
@@ -36,7 +42,7 @@ hoNewKeyDialog::hoNewKeyDialog(wxWindow* pParent, const gtString& folder)
       _pSaid(nullptr),
       _pCreate(nullptr)
 {
-    auto* pBrowse = new wxButton(this, wxID_ANY, "B&rowse...");
+    auto* pBrowse = new wxButton(this, wxID_ANY, "&Browse...");
     _pPassphrase = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_PASSWORD);
     _pAgain = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_PASSWORD);
     _pGauge = new wxGauge(this, wxID_ANY, 100);
@@ -47,11 +53,9 @@ hoNewKeyDialog::hoNewKeyDialog(wxWindow* pParent, const gtString& folder)
     for (const int bits : bitsOffered)
     {
         _pBits->Append(wxString::Format("%d bits", bits));
-        if (bits == hoUsualNewKeyBits)
-        {
-            _pBits->SetSelection(static_cast<int>(_pBits->GetCount()) - 1);
-        }
     }
+    _pBits->SetValue(wxString::Format("%d bits", hoUsualNewKeyBits));
+    _pBits->SetToolTip(sizesAllowed());
     _pBits->SetName("bits");
     _pFile->SetName("file");
     _pPassphrase->SetName("passphrase");
@@ -131,7 +135,7 @@ void hoNewKeyDialog::OnCreate(wxCommandEvent&)
     }
     say("Making the key pair...");
     setBusy(true);
-    _pPair = std::make_unique<hoNewKeyPair>(bitsOffered[_pBits->GetSelection()]);
+    _pPair = std::make_unique<hoNewKeyPair>(typedBits());
     _timer.Start(pollInterval);
 }
 
@@ -165,9 +169,26 @@ void hoNewKeyDialog::cancel()
     EndModal(wxID_CANCEL);
 }
 
+int hoNewKeyDialog::typedBits() const
+{
+    wxString number = _pBits->GetValue().Strip(wxString::both);
+    if (number.EndsWith("bits", &number))
+    {
+        number.Trim();
+    }
+    long bits = 0;
+    return number.ToLong(&bits) && bits > 0 && bits <= hoMostNewKeyBits ? static_cast<int>(bits) : 0;
+}
+
 bool hoNewKeyDialog::isInputUsable()
 {
     _mayOverwrite = false;
+    if (!hoIsNewKeySize(typedBits()))
+    {
+        say(sizesAllowed());
+        _pBits->SetFocus();
+        return false;
+    }
     if (_pFile->IsEmpty())
     {
         say("Name a file for the private key.");

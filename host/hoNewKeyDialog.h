@@ -8,7 +8,7 @@
 #include <wx/timer.h>
 
 class wxButton;
-class wxChoice;
+class wxComboBox;
 class wxGauge;
 class wxStaticText;
 class wxTextCtrl;
@@ -29,6 +29,8 @@ private:
     void OnCreate(wxCommandEvent& event);
     void OnTimer(wxTimerEvent& event);
     void cancel();
+    // The size that is chosen or typed, with or without the word behind it; 0 when it is no number.
+    int typedBits() const;
     // False, and the dialog says why, when the input cannot be used.
     bool isInputUsable();
     bool mayWrite(const gtString& path);
@@ -39,7 +41,7 @@ private:
     std::unique_ptr<hoNewKeyPair> _pPair;  // while it is being made
     bool _mayOverwrite;
     wxTimer _timer;
-    wxChoice* _pBits;
+    wxComboBox* _pBits;
     wxTextCtrl* _pFile;
     wxTextCtrl* _pPassphrase;
     wxTextCtrl* _pAgain;

@@ -14,6 +14,12 @@
 constexpr int hoLeastNewKeyBits = 512;
 constexpr int hoUsualNewKeyBits = 2048;
 constexpr int hoMostNewKeyBits = 4096;
+constexpr int hoStepOfNewKeyBits = 32;
+
+constexpr bool hoIsNewKeySize(int bits)
+{
+    return bits >= hoLeastNewKeyBits && bits <= hoMostNewKeyBits && bits % hoStepOfNewKeyBits == 0;
+}
 
 // The key pair is made on a thread of its own; all functions are for the thread that made the object.
 class hoNewKeyPair
@@ -26,7 +32,7 @@ public:
         Failed   // systemError() tells why
     };
 
-    // Begins at once. bits: hoLeastNewKeyBits to hoMostNewKeyBits, a multiple of 32.
+    // Begins at once. hoIsNewKeySize(bits) must hold.
     explicit hoNewKeyPair(int bits);
     // Cancels, waits for the thread, and forgets the key.
     ~hoNewKeyPair();

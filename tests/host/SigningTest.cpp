@@ -8,6 +8,7 @@
 #include "host/hoTextDialog.h"
 
 #include <gmock/gmock.h>
+#include <wx/combobox.h>
 #include <wx/msgdlg.h>
 #include <wx/textctrl.h>
 
@@ -261,6 +262,60 @@ TEST_F(Signing, SurvivesTheWindowsEnd)
     tsRunUntil("the work has begun", [this] { return _pFrame->isAtWork(); });
     closeWindow();
     EXPECT_FALSE(std::filesystem::exists(_folder.path("huge.sig")));
+}
+
+TEST_F(Signing, MakesKeyPairsOfTypedSizes)
+{
+    start();
+    std::vector<std::string> said;
+    const auto find = [](const char* name) { return wxWindow::FindWindowByName(name, tsTopModalDialog()); };
+    const auto size = [&](const wxString& text) { dynamic_cast<wxComboBox*>(find("bits"))->SetValue(text); };
+    tsScript script;
+    script
+        .waitUntil("the dialog has the keyboard",
+                   []
+                   {
+                       const auto* pDialog = dynamic_cast<wxTopLevelWindow*>(tsTopModalDialog());
+                       return pDialog != nullptr && tsHasKeyboard(*pDialog);
+                   })
+        .perform("name the file",
+                 [&]
+                 {
+                     dynamic_cast<wxTextCtrl*>(find("file"))->ChangeValue(wxString::FromUTF8(_folder.path("new.pem")));
+                     said.push_back(dynamic_cast<wxComboBox*>(find("bits"))->GetValue().utf8_string());
+                 });
+    for (const char* pText : {"1000 bits", "480", "4128", "much", "", "99999999999999999999", "-512", "1e3", "512.5"})
+    {
+        script.perform("type a size that is none",
+                       [&, pText]
+                       {
+                           find("said")->SetLabel("");
+                           size(pText);
+                           wxCommandEvent press(wxEVT_BUTTON, wxID_OK);
+                           wxWindow::FindWindowById(wxID_OK, tsTopModalDialog())->ProcessWindowEvent(press);
+                           said.push_back(find("said")->GetLabel().utf8_string());
+                       });
+    }
+    script
+        .perform("type one that is",
+                 [&]
+                 {
+                     size(" 544bits ");
+                     tsPressKeys("alt+r");
+                 })
+        .start();
+    tsPressKeys("alt+k");
+    settle();
+    tsPressKeys("n");
+    tsRunUntil("the new key is loaded", [this] { return _pFrame->keys().canSign(); });
+    EXPECT_TRUE(script.isFinished());
+    ASSERT_EQ(said.size(), 10U);
+    EXPECT_EQ(said[0], "2048 bits");
+    for (std::size_t i = 1; i < said.size(); ++i)
+    {
+        EXPECT_EQ(said[i], "A key has 512 to 4096 bits, a multiple of 32.") << i;
+    }
+    EXPECT_EQ(_pFrame->keys()._private._pKey->bits(), 544);
 }
 
 TEST_F(Signing, MakesANewKeyPairAndLoadsIt)
