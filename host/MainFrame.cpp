@@ -36,6 +36,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <system_error>
 
 namespace
 {
@@ -190,6 +191,7 @@ MainFrame::MainFrame()
       _watcher([this] { refreshDocuments(); }),
       _areChangesPending(false),
       _isRecentChanged(false),
+      _canRemember(true),
       _pAssertionReport(std::make_shared<hoAssertionReport>()),
       _pProgressDialog(nullptr),
       _pReportWindow(nullptr),
@@ -221,7 +223,7 @@ MainFrame::MainFrame()
 
     _pMessageBar->AddButton(ID_SHOW_DETAILS, "Details...");
     _pMessageBar->AddButton(wxID_CLOSE, "Dismiss");
-    _settings.load(hoUserSettingsPath());
+    loadSettings();
     for (std::size_t oldest = _settings.texts("recent").size(); oldest > 0; --oldest)
     {
         _recent.add(hoToText(_settings.texts("recent")[oldest - 1]));
@@ -855,8 +857,20 @@ void MainFrame::startWork(hoDocumentWork::Kind kind, const std::vector<std::size
     clearMessage();
     showMessage();
     _outcomes.clear();
-    _pWork = std::make_unique<hoDocumentWork>(
-        kind, documents, hoDocumentWork::Keys{_keys._private._pKey, _keys._public._pKey}, mayOverwrite);
+    try
+    {
+        _pWork = std::make_unique<hoDocumentWork>(
+            kind, documents, hoDocumentWork::Keys{_keys._private._pKey, _keys._public._pKey}, mayOverwrite);
+    }
+    catch (const std::system_error& error)
+    {
+        wxMessageDialog(this,
+                        "The work cannot be begun now: " + wxString::FromUTF8(error.code().message()) +
+                            ". Try again when fewer programs are running.",
+                        "Countersign", wxOK | wxICON_ERROR)
+            .ShowModal();
+        return;
+    }
     _workKeys = _keys;
     _workTime.Start();
     _workTimer.Start(progressInterval);
@@ -1050,6 +1064,18 @@ void MainFrame::fillRecentMenu()
     _pRecentMenu->Append(ID_CLEAR_RECENT, "&Clear this list", "Forget which documents were open before");
 }
 
+void MainFrame::loadSettings()
+{
+    const std::string path = hoUserSettingsPath();
+    std::error_code error;
+    _canRemember = _settings.load(path) || !std::filesystem::exists(path, error);
+    if (!_canRemember)
+    {
+        SetStatusText("What was remembered cannot be read and stays as it is: " + hoDisplayText(path.c_str()),
+                      STATUS_TALK);
+    }
+}
+
 void MainFrame::restorePlace()
 {
     std::vector<int> widths;
@@ -1083,7 +1109,7 @@ void MainFrame::remember()
         SaveGeometry(PlaceWriter(_settings));
     }
     const std::string file = hoUserSettingsPath();
-    if (!file.empty() && !_settings.save(file))
+    if (!file.empty() && _canRemember && !_settings.save(file))
     {
         SetStatusText("What to remember could not be written to " + hoDisplayText(file.c_str()), STATUS_TALK);
     }

@@ -139,6 +139,7 @@ private:
     void clearMessage();
     void showStatus();
     void fillRecentMenu();
+    void loadSettings();
     void restorePlace();
     void remember();
 
@@ -162,6 +163,7 @@ private:
     hoFolderWatcher _watcher;
     bool _areChangesPending;
     bool _isRecentChanged;
+    bool _canRemember;                                           // the file holds nothing that could not be read
     const std::shared_ptr<hoAssertionReport> _pAssertionReport;  // of this run
     std::shared_ptr<hoInteractiveAssertionFailureHandler> _pInteractiveHandler;
 

@@ -6,10 +6,16 @@
 
 namespace
 {
+const wxUniChar replacement(0xFFFD);
+const wxUint32 firstPicture = 0x203C;
+
 // Characters that cannot be seen and change how their neighbours are seen.
 bool isInvisible(wxUint32 character)
 {
-    return (character >= 0x80 && character <= 0x9F) || character == 0xAD || character == 0x61C ||
+    return (character >= 0x80 && character <= 0x9F) || character == 0xAD || character == 0x34F || character == 0x61C ||
+           character == 0x115F || character == 0x1160 || character == 0x17B4 || character == 0x17B5 ||
+           (character >= 0x180B && character <= 0x180F) || character == 0x3164 || character == 0xFFA0 ||
+           (character >= 0x1D173 && character <= 0x1D17A) || (character >= 0xE0100 && character <= 0xE01EF) ||
            (character >= 0x200B && character <= 0x200F) || (character >= 0x202A && character <= 0x202E) ||
            (character >= 0x2060 && character <= 0x206F) || character == 0xFEFF ||
            (character >= 0xFFF0 && character <= 0xFFFB) || (character >= 0xE0000 && character <= 0xE007F);
@@ -18,10 +24,10 @@ bool isInvisible(wxUint32 character)
 wxUniChar harmless(wxUniChar character)
 {
     const wxUint32 value = character.GetValue();
-    const wxUint32 firstPicture = 0x2400;
+    const wxUint32 firstControlPicture = 0x2400;
     if (value < 0x20)
     {
-        return wxUniChar(firstPicture + value);
+        return wxUniChar(firstControlPicture + value);
     }
     if (value == 0x7F)
     {
@@ -31,7 +37,7 @@ wxUniChar harmless(wxUniChar character)
     {
         return wxUniChar(0x2424);
     }
-    return isInvisible(value) ? wxUniChar(0xFFFD) : character;
+    return isInvisible(value) ? replacement : character;
 }
 
 wxString withoutMiddle(const wxString& text, std::size_t mostCharacters)
@@ -53,9 +59,13 @@ wxString hoDisplayText(const gtString& bytes, std::size_t mostCharacters)
 wxString hoHarmlessText(const wxString& text, std::size_t mostCharacters)
 {
     wxString line;
+    wxUint32 before = 0;
     for (const wxUniChar character : withoutMiddle(ahShowableText(text), mostCharacters))
     {
-        line += harmless(character);
+        // Behind a picture they say whether it is coloured; behind a letter they say nothing.
+        const bool isVariation = character.GetValue() >= 0xFE00 && character.GetValue() <= 0xFE0F;
+        line += isVariation && before < firstPicture ? replacement : harmless(character);
+        before = character.GetValue();
     }
     return line;
 }

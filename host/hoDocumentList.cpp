@@ -121,28 +121,39 @@ hoDocumentList::Opening hoDocumentList::open(const gtString& path)
     document._stamp._state = stateWithoutFinding(document);
     const std::size_t position = _documents.size();
     _documents.push_back(document);
-    _positions.emplace(key, position);
+    try
+    {
+        _positions.emplace(key, position);
+    }
+    catch (...)
+    {
+        _documents.pop_back();
+        throw;
+    }
     return {hoFileProblem::None, position, true};
 }
 
 bool hoDocumentList::refresh(std::size_t position)
 {
     hoDocument& document = _documents[position];
-    const hoFileFacts factsBefore = document._facts;
-    const hoDocumentState before = document._stamp._state;
-    if (hoReadFileFacts(document._path, document._facts) != hoFileProblem::None)
+    hoFileFacts facts = document._facts;
+    hoDocumentState state = document._stamp._state;
+    if (hoReadFileFacts(document._path, facts) != hoFileProblem::None)
     {
-        document._stamp._state = hoDocumentState::CannotBeRead;
+        state = hoDocumentState::CannotBeRead;
     }
-    else if (!isFinding(before) && before != hoDocumentState::Changed)
+    else if (!isFinding(state) && state != hoDocumentState::Changed)
     {
-        document._stamp._state = stateWithoutFinding(document);
+        state = stateWithoutFinding(document);
     }
-    else if (document._facts != document._stamp._file || signatureFacts(document) != document._stamp._signature)
+    else if (facts != document._stamp._file || signatureFacts(document) != document._stamp._signature)
     {
-        document._stamp._state = hoDocumentState::Changed;
+        state = hoDocumentState::Changed;
     }
-    return document._facts != factsBefore || document._stamp._state != before;
+    const bool isChanged = document._facts != facts || document._stamp._state != state;
+    document._facts = facts;
+    document._stamp._state = state;
+    return isChanged;
 }
 
 void hoDocumentList::setStamp(const gtString& absolutePath, const hoDocumentStamp& stamp)
@@ -157,11 +168,19 @@ void hoDocumentList::setStamp(const gtString& absolutePath, const hoDocumentStam
 
 void hoDocumentList::forgetStates()
 {
+    // Nothing is left of any finding before anything that may fail.
     for (hoDocument& document : _documents)
     {
         if (document._stamp._state != hoDocumentState::CannotBeRead)
         {
             document._stamp = hoDocumentStamp();
+            document._stamp._state = hoDocumentState::NotTested;
+        }
+    }
+    for (hoDocument& document : _documents)
+    {
+        if (document._stamp._state != hoDocumentState::CannotBeRead)
+        {
             document._stamp._state = stateWithoutFinding(document);
         }
     }
@@ -185,8 +204,7 @@ void hoDocumentList::close(const std::vector<std::size_t>& positions)
             kept.push_back(_documents[position]);
         }
     }
-    _documents.swap(kept);
-    index();
+    replaceBy(kept);
 }
 
 void hoDocumentList::closeAll()
@@ -218,8 +236,7 @@ void hoDocumentList::sort(Column column, bool isAscending)
     {
         ordered.push_back(_documents[key._position]);
     }
-    _documents.swap(ordered);
-    index();
+    replaceBy(ordered);
 }
 
 std::uint64_t hoDocumentList::totalSize() const
@@ -232,11 +249,13 @@ std::uint64_t hoDocumentList::totalSize() const
     return total;
 }
 
-void hoDocumentList::index()
+void hoDocumentList::replaceBy(std::vector<hoDocument>& documents)
 {
-    _positions.clear();
-    for (std::size_t position = 0; position < _documents.size(); ++position)
+    std::unordered_map<std::string, std::size_t> positions;
+    for (std::size_t position = 0; position < documents.size(); ++position)
     {
-        _positions.emplace(hoToBytes(_documents[position]._path), position);
+        positions.emplace(hoToBytes(documents[position]._path), position);
     }
+    _documents.swap(documents);
+    _positions.swap(positions);
 }

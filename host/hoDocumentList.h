@@ -2,7 +2,8 @@
 //
 // Documents are told apart by their absolute path (hoAbsolutePath), compared byte by byte. Positions count from 0; a
 // position stays good until the next operation that is not const. Looking a document up by its path takes the same time
-// for ten documents and for ten thousand. Owned and used by one thread.
+// for ten documents and for ten thousand. What runs out of memory (std::bad_alloc) leaves the list as it was, but for
+// forgetStates and what has been looked at already. Owned and used by one thread.
 #ifndef COUNTERSIGN_HO_DOCUMENT_LIST_H
 #define COUNTERSIGN_HO_DOCUMENT_LIST_H
 
@@ -107,7 +108,7 @@ public:
     std::uint64_t totalSize() const;
 
 private:
-    void index();
+    void replaceBy(std::vector<hoDocument>& documents);
 
     std::vector<hoDocument> _documents;
     std::unordered_map<std::string, std::size_t> _positions;  // by path

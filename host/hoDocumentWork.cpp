@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 
 namespace
 {
@@ -32,11 +33,15 @@ hoDocumentWork::hoDocumentWork(Kind kind, const std::vector<hoDocument>& documen
       _isFinished(false),
       _bytesOfDocument(0),
       _bytesBefore(0),
-      _documentsDone(0)
+      _documentsDone(0),
+      _outcomes(documents.size()),
+      _isKnown(documents.size(), false),
+      _taken(0)
 {
-    for (const hoDocument& document : _documents)
+    for (std::size_t i = 0; i < _documents.size(); ++i)
     {
-        _bytesInAll += document._facts._size;
+        _bytesInAll += _documents[i]._facts._size;
+        _outcomes[i]._path = _documents[i]._path;
     }
     _thread = std::thread(&hoDocumentWork::run, this);
 }
@@ -59,7 +64,14 @@ std::vector<hoWorkOutcome> hoDocumentWork::takeOutcomes()
 {
     const std::lock_guard<std::mutex> lock(_mutex);
     std::vector<hoWorkOutcome> outcomes;
-    outcomes.swap(_outcomes);
+    outcomes.reserve(_documentsDone - _taken);
+    for (; _taken < _documentsDone; ++_taken)
+    {
+        if (_isKnown[_taken])
+        {
+            outcomes.push_back(std::move(_outcomes[_taken]));
+        }
+    }
     return outcomes;
 }
 
@@ -71,18 +83,29 @@ bool hoDocumentWork::onProgress(unsigned long long bytesDone, unsigned long long
 
 void hoDocumentWork::run()
 {
-    for (const hoDocument& document : _documents)
+    for (std::size_t i = 0; i < _documents.size() && !_isCancelled; ++i)
     {
-        if (_isCancelled)
+        const hoDocument& document = _documents[i];
+        // Nobody looks at it before it is done.
+        hoWorkOutcome& outcome = _outcomes[i];
+        try
         {
-            break;
+            if (_kind == Kind::Sign)
+            {
+                sign(document, outcome);
+            }
+            else
+            {
+                test(document, outcome);
+            }
         }
-        const hoWorkOutcome outcome = _kind == Kind::Sign ? sign(document) : test(document);
+        catch (const std::bad_alloc&)
+        {
+            outcome._signing._problem = hoSigningProblem::NoMemory;
+            outcome._stamp = hoDocumentStamp{hoDocumentState::NotTested, {}, {}};
+        }
         const std::lock_guard<std::mutex> lock(_mutex);
-        if (outcome._signing._problem != hoSigningProblem::Cancelled)
-        {
-            _outcomes.push_back(outcome);
-        }
+        _isKnown[i] = outcome._signing._problem != hoSigningProblem::Cancelled;
         _bytesBefore += document._facts._size;
         _bytesOfDocument = 0;
         ++_documentsDone;
@@ -90,16 +113,14 @@ void hoDocumentWork::run()
     _isFinished = true;
 }
 
-hoWorkOutcome hoDocumentWork::sign(const hoDocument& document)
+void hoDocumentWork::sign(const hoDocument& document, hoWorkOutcome& outcome)
 {
-    hoWorkOutcome outcome;
-    outcome._path = document._path;
     outcome._stamp = document._stamp;
     const gtString signaturePath = hoSignaturePath(document._path);
     outcome._signatureFile = hoCheckSignaturePath(signaturePath, _mayOverwrite);
     if (outcome._signatureFile._problem != hoSignatureFileProblem::None)
     {
-        return outcome;
+        return;
     }
 
     gtString signature;
@@ -110,20 +131,17 @@ hoWorkOutcome hoDocumentWork::sign(const hoDocument& document)
         {
             outcome._stamp = hoDocumentStamp{hoDocumentState::CannotBeRead, {}, {}};
         }
-        return outcome;
+        return;
     }
     outcome._signatureFile = hoWriteSignatureFile(signaturePath, signature, _mayOverwrite);
     if (outcome._signatureFile._problem == hoSignatureFileProblem::None)
     {
         outcome._stamp = {hoDocumentState::SignedByMe, outcome._signing._file, signatureFacts(document._path)};
     }
-    return outcome;
 }
 
-hoWorkOutcome hoDocumentWork::test(const hoDocument& document)
+void hoDocumentWork::test(const hoDocument& document, hoWorkOutcome& outcome)
 {
-    hoWorkOutcome outcome;
-    outcome._path = document._path;
     const hoFileFacts signatureBefore = signatureFacts(document._path);
     gtString signature;
     outcome._signatureFile = hoReadSignatureFile(hoSignaturePath(document._path), signature);
@@ -136,7 +154,7 @@ hoWorkOutcome hoDocumentWork::test(const hoDocument& document)
         {
             outcome._signatureFile = hoSignatureFileFacts();
         }
-        return outcome;
+        return;
     }
 
     const bool good = isGood(document._path, signature, outcome);
@@ -158,7 +176,6 @@ hoWorkOutcome hoDocumentWork::test(const hoDocument& document)
     {
         outcome._stamp._state = hoDocumentState::Bad;
     }
-    return outcome;
 }
 
 // Leaves the state of a good signature in the outcome.

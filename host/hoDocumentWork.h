@@ -1,7 +1,8 @@
 // Signing and testing of many documents on a thread of their own.
 //
 // A work is made, runs at once, and is asked from time to time what it has found: outcomes come in the order of the
-// documents, as facts. The keys are shared with whoever else has them. All functions are for the thread that made the
+// documents, as facts, one of each document that was not given up; what there is no memory for is one, too. The keys are
+// shared with whoever else has them. All functions are for the thread that made the
 // work; the thread inside is nobody else's business, and it is over when the destructor returns.
 #ifndef COUNTERSIGN_HO_DOCUMENT_WORK_H
 #define COUNTERSIGN_HO_DOCUMENT_WORK_H
@@ -51,7 +52,7 @@ public:
     };
 
     // mayOverwrite: signatures that are there are replaced; otherwise such a document's outcome has the signature
-    // file's problem Exists.
+    // file's problem Exists. Throws std::bad_alloc, and std::system_error where the system gives no thread.
     hoDocumentWork(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite);
     // Cancels, and waits for the thread.
     ~hoDocumentWork() override;
@@ -76,8 +77,9 @@ private:
     bool onProgress(unsigned long long bytesDone, unsigned long long bytesInAll) override;
 
     void run();
-    hoWorkOutcome sign(const hoDocument& document);
-    hoWorkOutcome test(const hoDocument& document);
+    // What is found goes into the outcome, which has its path already.
+    void sign(const hoDocument& document, hoWorkOutcome& outcome);
+    void test(const hoDocument& document, hoWorkOutcome& outcome);
     bool isGood(const gtString& path, const gtString& signature, hoWorkOutcome& outcome);
 
     const Kind _kind;
@@ -92,7 +94,10 @@ private:
     mutable std::mutex _mutex;  // guards what follows
     std::uint64_t _bytesBefore;
     std::size_t _documentsDone;
+    // One a document from the start, so that no memory is needed to tell that there was none.
     std::vector<hoWorkOutcome> _outcomes;
+    std::vector<bool> _isKnown;  // whether there is an outcome of the document
+    std::size_t _taken;          // documents whose outcomes were given
 
     std::thread _thread;  // the last member: it uses the others
 };

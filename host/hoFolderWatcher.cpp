@@ -6,13 +6,17 @@
 #include <wx/evtloop.h>
 #include <wx/filename.h>
 #include <wx/log.h>
+#include <wx/stopwatch.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <utility>
 
 namespace
 {
 const int pauseAfterChange = 150;  // milliseconds
+const long longestPause = 10000;
+const long shareOfTime = 10;  // looking takes a tenth of the time at most
 
 wxFileName folderName(const std::string& folder)
 {
@@ -20,9 +24,17 @@ wxFileName folderName(const std::string& folder)
 }
 }  // namespace
 
-hoFolderWatcher::hoFolderWatcher(std::function<void()> onChange) : _onChange(std::move(onChange))
+hoFolderWatcher::hoFolderWatcher(std::function<void()> onChange)
+    : _onChange(std::move(onChange)), _pause(pauseAfterChange)
 {
-    _timer.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { _onChange(); });
+    _timer.Bind(wxEVT_TIMER,
+                [this](wxTimerEvent&)
+                {
+                    const wxStopWatch watch;
+                    _onChange();
+                    _pause =
+                        static_cast<int>(std::clamp(shareOfTime * watch.Time(), long(pauseAfterChange), longestPause));
+                });
 }
 
 void hoFolderWatcher::watch(const std::set<std::string>& folders)
@@ -39,12 +51,13 @@ void hoFolderWatcher::watch(const std::set<std::string>& folders)
                         {
                             if (!_timer.IsRunning())
                             {
-                                _timer.StartOnce(pauseAfterChange);
+                                _timer.StartOnce(_pause);
                             }
                         });
     }
     // A folder that cannot be watched is no news for the user.
     const wxLogNull silence;
+    std::set<std::string> gone;
     for (auto folder = _folders.begin(); folder != _folders.end();)
     {
         // A folder that went away takes its watch along: one that comes back is a new one.
@@ -56,15 +69,36 @@ void hoFolderWatcher::watch(const std::set<std::string>& folders)
         }
         else
         {
-            _pWatcher->Remove(folderName(*folder));
+            gone.insert(*folder);
             folder = _folders.erase(folder);
         }
     }
+    unwatch(gone);
     for (const std::string& folder : folders)
     {
         if (_folders.count(folder) == 0 && _pWatcher->Add(folderName(folder)))
         {
             _folders.insert(folder);
+        }
+    }
+}
+
+// The toolkit drops the watch of a folder that is deleted by itself, and takes it for a mistake to be asked for it again.
+void hoFolderWatcher::unwatch(const std::set<std::string>& folders)
+{
+    if (folders.empty())
+    {
+        return;
+    }
+    wxArrayString texts;
+    _pWatcher->GetWatchedPaths(&texts);
+    const std::set<wxString> watched(texts.begin(), texts.end());
+    for (const std::string& folder : folders)
+    {
+        const wxFileName name = folderName(folder);
+        if (watched.count(name.GetFullPath()) > 0)
+        {
+            _pWatcher->Remove(name);
         }
     }
 }

@@ -1,7 +1,8 @@
 // Tells that something in some folders may have changed.
 //
 // What has changed is for the caller to see: file systems tell too much, too little or in another order, and looking at
-// the files again is cheap. Changes that follow each other closely are told once. Folders that cannot be watched (no
+// the files again is cheap. Changes that follow each other closely are told once, and the longer the caller takes to look,
+// the longer the pause before the next time. Folders that cannot be watched (no
 // such folder, no more watches, another machine's) are passed over and tried again by the next watch(). Main thread.
 #ifndef COUNTERSIGN_HO_FOLDER_WATCHER_H
 #define COUNTERSIGN_HO_FOLDER_WATCHER_H
@@ -25,10 +26,13 @@ public:
     void watch(const std::set<std::string>& folders);
 
 private:
+    void unwatch(const std::set<std::string>& folders);
+
     std::function<void()> _onChange;
     std::unique_ptr<wxFileSystemWatcher> _pWatcher;  // from the first folder on
     std::set<std::string> _folders;                  // that are watched
     wxTimer _timer;
+    int _pause;  // milliseconds between a change and telling of it
 };
 
 #endif

@@ -134,8 +134,16 @@ void hoNewKeyDialog::OnCreate(wxCommandEvent&)
         return;
     }
     say("Making the key pair...");
+    try
+    {
+        _pPair = std::make_unique<hoNewKeyPair>(typedBits());
+    }
+    catch (const std::system_error& error)
+    {
+        say("The key pair cannot be made now: " + wxString::FromUTF8(error.code().message()) + ".");
+        return;
+    }
     setBusy(true);
-    _pPair = std::make_unique<hoNewKeyPair>(typedBits());
     _timer.Start(pollInterval);
 }
 

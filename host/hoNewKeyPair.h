@@ -32,7 +32,7 @@ public:
         Failed   // systemError() tells why
     };
 
-    // Begins at once. hoIsNewKeySize(bits) must hold.
+    // Begins at once. hoIsNewKeySize(bits) must hold. Throws std::system_error where the system gives no thread.
     explicit hoNewKeyPair(int bits);
     // Cancels, waits for the thread, and forgets the key.
     ~hoNewKeyPair();

@@ -12,7 +12,7 @@ const int fieldWidth = 320;
 hoPassphraseDialog::hoPassphraseDialog(wxWindow* pParent, const wxString& question)
     : wxDialog(pParent, wxID_ANY, "Passphrase"), _pPassphrase(nullptr)
 {
-    auto* pQuestion = new wxStaticText(this, wxID_ANY, question);
+    auto* pQuestion = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(question));
     _pPassphrase =
         new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, FromDIP(wxSize(fieldWidth, -1)), wxTE_PASSWORD);
     auto* pButtons = CreateSeparatedButtonSizer(wxOK | wxCANCEL);

@@ -85,6 +85,7 @@ bool hoSettings::load(const std::string& path)
     {
         return false;
     }
+    std::map<std::string, std::string> values;
     std::ifstream file(path, std::ios::binary);
     std::string line;
     while (std::getline(file, line))
@@ -92,10 +93,16 @@ bool hoSettings::load(const std::string& path)
         const std::size_t equals = line.find('=');
         if (equals != std::string::npos && equals > 0)
         {
-            _values[line.substr(0, equals)] = hoFromPercentText(line.substr(equals + 1));
+            values[line.substr(0, equals)] = hoFromPercentText(line.substr(equals + 1));
         }
     }
-    return file.eof();
+    // Half of the values would be taken for all of them when they are saved.
+    if (!file.eof() || file.bad())
+    {
+        return false;
+    }
+    _values.swap(values);
+    return true;
 }
 
 bool hoSettings::save(const std::string& path) const

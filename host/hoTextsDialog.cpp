@@ -1,6 +1,7 @@
 #include "host/hoTextsDialog.h"
 
 #include "assertionHandling/ahTextConversion.h"
+#include "assertionHandling/ahTextLayout.h"
 #include "crypto/crDigits.h"
 #include "host/hoDisplayText.h"
 #include "host/hoShortTexts.h"
@@ -40,7 +41,8 @@ hoTextsDialog::hoTextsDialog(wxWindow* pParent, const hoKeyRing& keys)
     {
         keysText = "Load a key to encrypt or decrypt.";
     }
-    auto* pKeys = new wxStaticText(this, wxID_ANY, keysText);
+    auto* pKeys = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(keysText));
+    pKeys->SetName("keys");
     auto* pClose = new wxButton(this, wxID_CLOSE);
 
     _pPlain->SetName("plain");
@@ -62,7 +64,13 @@ hoTextsDialog::hoTextsDialog(wxWindow* pParent, const hoKeyRing& keys)
                    });
     pDecrypt->Bind(wxEVT_UPDATE_UI, [this](wxUpdateUIEvent& event)
                    { event.Enable(decryptingKey() != nullptr && !_pCipher->IsEmpty()); });
-    _pPlain->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { showCount(); });
+    _pPlain->Bind(wxEVT_TEXT,
+                  [this](wxCommandEvent&)
+                  {
+                      ahEaseLayout(_pPlain);
+                      showCount();
+                  });
+    _pCipher->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { ahEaseLayout(_pCipher); });
     pEncrypt->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { encrypt(); });
     pDecrypt->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { decrypt(); });
     pCopyPlain->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { copy(_pPlain, "plain text"); });

@@ -316,7 +316,7 @@ TEST_F(MainWindow, StartsWithoutReadableSettings)
     start();
     openAskedFor(_folder.write("a.txt", "x"));
     EXPECT_THAT(rows(), ElementsAre("a.txt"));
-    EXPECT_THAT(status(0), HasSubstr("could not be written"));
+    EXPECT_THAT(status(0), HasSubstr("cannot be read and stays as it is"));
 }
 
 TEST_F(MainWindow, ClosesDocumentsByKey)

@@ -12,9 +12,9 @@
 class TemporaryFolder
 {
 public:
-    TemporaryFolder()
+    explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
     {
-        std::string path = (std::filesystem::temp_directory_path() / "countersign.XXXXXX").string();
+        std::string path = (parent / "countersign.XXXXXX").string();
         if (mkdtemp(path.data()) == nullptr)
         {
             throw std::runtime_error("no temporary folder");
