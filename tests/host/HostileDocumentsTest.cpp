@@ -62,9 +62,9 @@ protected:
     }
     void workWith(const std::string& key)
     {
+        const std::string before = message();
         tsPressKeys(key);
-        tsRunUntil("the work has begun",
-                   [this] { return _pFrame->isAtWork() || !_pFrame->workMessage()._line.empty(); });
+        tsRunUntil("the work has begun", [&] { return _pFrame->isAtWork() || message() != before; });
         tsRunUntil("the work has ended", [this] { return !_pFrame->isAtWork(); });
         settle();
     }
