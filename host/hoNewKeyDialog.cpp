@@ -219,6 +219,12 @@ bool hoNewKeyDialog::mayWrite(const gtString& path)
     {
         return true;
     }
+    if (stat(path.asCharArray(), &entry) == 0 && !S_ISREG(entry.st_mode))
+    {
+        say(hoDisplayText(path, 60) +
+            (S_ISDIR(entry.st_mode) ? " is a folder. Name a file." : " is a pipe, a socket or a device. Name a file."));
+        return false;
+    }
     wxMessageDialog question(this, hoDisplayText(path) + " is there already.", "New key pair",
                              wxYES_NO | wxNO_DEFAULT | wxICON_WARNING);
     question.SetExtendedMessage("Replacing it loses the key in it for good.");
