@@ -7,7 +7,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <system_error>
 #include <unistd.h>
 
@@ -107,10 +106,11 @@ bool hoSettings::load(const std::string& path)
 
 bool hoSettings::save(const std::string& path) const
 {
-    std::ostringstream text;
+    // No stream: that would take what there was no memory for as written.
+    std::string text;
     for (const auto& [name, value] : _values)
     {
-        text << name << '=' << hoToPercentText(value) << '\n';
+        text += name + '=' + hoToPercentText(value) + '\n';
     }
 
     std::error_code error;
@@ -125,8 +125,9 @@ bool hoSettings::save(const std::string& path) const
     {
         return false;
     }
-    bool isWritten = writeAll(file, text.str());
-    isWritten = close(file) == 0 && isWritten;
+    bool isWritten = writeAll(file, text);
+    // Interrupted, it is closed all the same.
+    isWritten = (close(file) == 0 || errno == EINTR) && isWritten;
     isWritten = isWritten && std::rename(beside.c_str(), path.c_str()) == 0;
     if (!isWritten)
     {

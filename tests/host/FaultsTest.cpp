@@ -1,0 +1,544 @@
+// Every system call and every allocation of what the windows stand on goes wrong in turn: the work is done all the same or
+// is said not to be done, no half file is left, nothing is called good or bad that is not, and lists stay whole.
+#include "NewKey.h"
+#include "SystemFault.h"
+#include "TemporaryFolder.h"
+
+#include "host/hoAssertionReport.h"
+#include "host/hoAssertionReportText.h"
+#include "host/hoDocumentWork.h"
+#include "host/hoNewKeyPair.h"
+#include "host/hoRecentDocuments.h"
+#include "host/hoSettings.h"
+#include "host/hoUriList.h"
+#include "tests/support/failingAllocation.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <set>
+#include <system_error>
+#include <thread>
+
+namespace
+{
+struct Fault
+{
+    const char* _call;
+    int _error;
+};
+
+const std::vector<Fault> faults = {
+    {"open", EACCES}, {"open", EMFILE},  {"open", EINTR},  {"read", EIO},        {"read", EINTR}, {"read", 0},
+    {"write", EIO},   {"write", ENOSPC}, {"write", EINTR}, {"write", 0},         {"fsync", EIO},  {"fsync", ENOSPC},
+    {"close", EIO},   {"close", EINTR},  {"link", EPERM},  {"link", EIO},        {"rename", EIO}, {"rename", EACCES},
+    {"stat", EIO},    {"stat", EACCES},  {"fstat", EIO},   {"realpath", EACCES},
+};
+
+// What is in the files of a folder, by their names.
+std::map<std::string, std::string> contentsOf(const TemporaryFolder& folder)
+{
+    std::map<std::string, std::string> contents;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+    {
+        contents[entry.path().filename()] = folder.read(entry.path().filename());
+    }
+    return contents;
+}
+
+// Does something with the first, the second and every further call of the kind going wrong; gives how many there were.
+int failEach(const std::string& folder, const Fault& fault, const std::function<void()>& prepare,
+             const std::function<void()>& work, const std::function<void()>& check)
+{
+    for (int number = 1;; ++number)
+    {
+        SCOPED_TRACE(std::string(fault._call) + " " + std::to_string(number) + ": " + std::to_string(fault._error));
+        prepare();
+        bool hasHappened = false;
+        {
+            const SystemFault broken(folder, fault._call, number, fault._error);
+            work();
+            hasHappened = broken.hasHappened();
+        }
+        if (!hasHappened)
+        {
+            return number - 1;
+        }
+        check();
+        if (testing::Test::HasFailure())
+        {
+            return number;
+        }
+    }
+}
+
+// The same with the allocations of all threads.
+int failEachAllocation(const std::function<void()>& prepare, const std::function<void()>& work,
+                       const std::function<void(bool isThrown)>& check)
+{
+    for (long number = 0;; ++number)
+    {
+        SCOPED_TRACE("allocation " + std::to_string(number));
+        prepare();
+        bool isThrown = false;
+        bool hasHappened = false;
+        {
+            const OneFailingAllocation broken(number);
+            try
+            {
+                work();
+            }
+            catch (const std::bad_alloc&)
+            {
+                isThrown = true;
+            }
+            hasHappened = broken.hasFailed();
+        }
+        if (!hasHappened)
+        {
+            return static_cast<int>(number);
+        }
+        check(isThrown);
+        if (testing::Test::HasFailure())
+        {
+            return static_cast<int>(number);
+        }
+    }
+}
+
+class WindowEngineFaults : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        _key = newKey(512);
+        _otherKey = newKey(512);
+        // More than is read at once, and one that is read in one piece.
+        _folder.write("large", std::string(1200000, 'l'));
+        _folder.write("small", "s");
+        open();
+        work(hoDocumentWork::Kind::Sign, _key);
+        ASSERT_EQ(_outcomes.size(), 2U);
+        _signed = contentsOf(_folder);
+        ASSERT_EQ(_signed.size(), 4U);
+    }
+
+    void open()
+    {
+        hoDocumentList list;
+        list.open(_folder.path("large").c_str());
+        list.open(_folder.path("small").c_str());
+        _documents = {list[0], list[1]};
+    }
+
+    void work(hoDocumentWork::Kind kind, const std::shared_ptr<const hoKey>& pKey)
+    {
+        _outcomes.clear();
+        hoDocumentWork worker(kind, _documents, {pKey, nullptr}, true);
+        while (!worker.isFinished())
+        {
+            std::this_thread::yield();
+        }
+        _outcomes = worker.takeOutcomes();
+    }
+
+    // Each document's outcome is there, and tells what has become of it.
+    void checkSigning(const std::string& before)
+    {
+        ASSERT_EQ(_outcomes.size(), 2U);
+        std::map<std::string, std::string> contents = contentsOf(_folder);
+        for (const hoWorkOutcome& outcome : _outcomes)
+        {
+            const std::string name = std::filesystem::path(outcome._path.asCharArray()).filename().string() + ".sig";
+            const std::string now = contents[name];
+            EXPECT_TRUE(now == before || now == _signed[name]) << name << ": " << now;
+            const bool isDone = outcome._stamp._state == hoDocumentState::SignedByMe;
+            EXPECT_TRUE(!isDone || now == _signed[name]);
+            EXPECT_TRUE(isDone || outcome._signing._problem != hoSigningProblem::None ||
+                        outcome._signatureFile._problem != hoSignatureFileProblem::None);
+            contents.erase(name);
+        }
+        contents.erase("large");
+        contents.erase("small");
+        EXPECT_THAT(contents, testing::IsEmpty());
+    }
+
+    void resetSignatures(const std::string& contents)
+    {
+        for (const char* pName : {"large.sig", "small.sig"})
+        {
+            std::filesystem::remove(_folder.path(pName));
+            if (!contents.empty())
+            {
+                _folder.write(pName, contents);
+            }
+        }
+    }
+
+    const TemporaryFolder _folder;
+    std::shared_ptr<const hoKey> _key;
+    std::shared_ptr<const hoKey> _otherKey;
+    std::vector<hoDocument> _documents;
+    std::vector<hoWorkOutcome> _outcomes;
+    std::map<std::string, std::string> _signed;
+};
+}  // namespace
+
+TEST_F(WindowEngineFaults, LeaveAWholeSignatureOrTheOneBefore)
+{
+    int amount = 0;
+    for (const char* pBefore : {"", "old"})
+    {
+        for (const Fault& fault : faults)
+        {
+            amount += failEach(
+                _folder.path(), fault, [&] { resetSignatures(pBefore); },
+                [this] { work(hoDocumentWork::Kind::Sign, _key); }, [&] { checkSigning(pBefore); });
+        }
+    }
+    // Fewer would mean that the calls are not met any more.
+    EXPECT_GT(amount, 200);
+}
+
+TEST_F(WindowEngineFaults, MakeNothingGoodAndNothingBad)
+{
+    for (const Fault& fault : faults)
+    {
+        failEach(
+            _folder.path(), fault, [] {}, [this] { work(hoDocumentWork::Kind::Test, _key); },
+            [this]
+            {
+                ASSERT_EQ(_outcomes.size(), 2U);
+                for (const hoWorkOutcome& outcome : _outcomes)
+                {
+                    EXPECT_NE(outcome._stamp._state, hoDocumentState::Bad);
+                    // Whoever cannot read says so.
+                    EXPECT_TRUE(outcome._stamp._state == hoDocumentState::SignedByMe ||
+                                outcome._stamp._state == hoDocumentState::Changed ||
+                                outcome._signing._problem != hoSigningProblem::None ||
+                                outcome._signatureFile._problem != hoSignatureFileProblem::None);
+                }
+            });
+        failEach(
+            _folder.path(), fault, [] {}, [this] { work(hoDocumentWork::Kind::Test, _otherKey); },
+            [this]
+            {
+                for (const hoWorkOutcome& outcome : _outcomes)
+                {
+                    EXPECT_NE(outcome._stamp._state, hoDocumentState::SignedByMe);
+                    EXPECT_NE(outcome._stamp._state, hoDocumentState::Good);
+                }
+            });
+    }
+}
+
+TEST_F(WindowEngineFaults, AReadErrorIsNotTheEndOfTheFile)
+{
+    // The second read is within the large document, at the end of a piece: what was read so far is no smaller file.
+    for (int number = 1; number <= 4; ++number)
+    {
+        const SystemFault broken(_folder.path(), "read", number, EIO);
+        work(hoDocumentWork::Kind::Sign, _key);
+        ASSERT_TRUE(broken.hasHappened());
+        const bool isLarge = _outcomes[0]._signing._problem != hoSigningProblem::None;
+        const hoWorkOutcome& outcome = _outcomes[isLarge ? 0 : 1];
+        EXPECT_EQ(outcome._signing._problem, hoSigningProblem::FileCannotBeRead);
+        EXPECT_EQ(outcome._signing._systemError, EIO);
+        EXPECT_EQ(outcome._stamp._state, hoDocumentState::CannotBeRead);
+    }
+}
+
+TEST_F(WindowEngineFaults, DocumentsThatChangeWhileTheyAreSignedAreNotSigned)
+{
+    const std::string path = _folder.path("large");
+    const std::vector<std::function<void()>> changes = {
+        [&] { std::filesystem::resize_file(path, 1000); },
+        [&] { std::filesystem::resize_file(path, 0); },
+        [&] { std::ofstream(path, std::ios::app) << "more"; },
+        [&] { _folder.write("large", std::string(1200000, 'x')); },
+        [&]
+        {
+            _folder.write("other", std::string(1200000, 'l'));
+            std::filesystem::rename(_folder.path("other"), path);
+        },
+        [&] { std::filesystem::remove(path); },
+    };
+    for (const std::function<void()>& change : changes)
+    {
+        _folder.write("large", std::string(1200000, 'l'));
+        open();
+        resetSignatures("old");
+        const SystemFault meanwhile(_folder.path(), "read", 2, change);
+        work(hoDocumentWork::Kind::Sign, _key);
+        ASSERT_TRUE(meanwhile.hasHappened());
+        ASSERT_EQ(_outcomes.size(), 2U);
+        EXPECT_EQ(_outcomes[0]._signing._problem, hoSigningProblem::FileChanged);
+        EXPECT_NE(_outcomes[0]._stamp._state, hoDocumentState::SignedByMe);
+        EXPECT_EQ(_folder.read("large.sig"), "old");
+        EXPECT_EQ(_outcomes[1]._stamp._state, hoDocumentState::SignedByMe);
+    }
+}
+
+TEST_F(WindowEngineFaults, MissingMemoryLeavesAWholeSignatureOrTheOneBefore)
+{
+    bool isThrown = false;
+    const int amount =
+        failEachAllocation([&] { resetSignatures("old"); }, [this] { work(hoDocumentWork::Kind::Sign, _key); },
+                           [&](bool isOut)
+                           {
+                               isThrown = isThrown || isOut;
+                               if (!isOut)
+                               {
+                                   checkSigning("old");
+                               }
+                           });
+    EXPECT_TRUE(isThrown);  // before there is a thread, and when the outcomes are taken
+    EXPECT_GT(amount, 50);
+}
+
+TEST_F(WindowEngineFaults, MissingMemoryMakesNothingGoodAndNothingBad)
+{
+    failEachAllocation([] {}, [this] { work(hoDocumentWork::Kind::Test, _key); },
+                       [&](bool)
+                       {
+                           for (const hoWorkOutcome& outcome : _outcomes)
+                           {
+                               EXPECT_NE(outcome._stamp._state, hoDocumentState::Bad);
+                           }
+                       });
+    failEachAllocation([] {}, [this] { work(hoDocumentWork::Kind::Test, _otherKey); },
+                       [&](bool)
+                       {
+                           for (const hoWorkOutcome& outcome : _outcomes)
+                           {
+                               EXPECT_NE(outcome._stamp._state, hoDocumentState::SignedByMe);
+                           }
+                       });
+}
+
+TEST_F(WindowEngineFaults, WithoutAThreadWorkIsNotBegun)
+{
+    {
+        const SystemFault broken(_folder.path(), "thread", 1, EAGAIN);
+        EXPECT_THROW(work(hoDocumentWork::Kind::Sign, _key), std::system_error);
+    }
+    {
+        const SystemFault broken(_folder.path(), "thread", 1, EAGAIN);
+        EXPECT_THROW(hoNewKeyPair pair(512), std::system_error);
+    }
+    EXPECT_TRUE(contentsOf(_folder) == _signed);
+}
+
+TEST_F(WindowEngineFaults, MissingMemoryLeavesTheListAsItWas)
+{
+    hoDocumentList list;
+    std::vector<std::string> before;
+    const auto paths = [&]
+    {
+        std::vector<std::string> found;
+        for (std::size_t i = 0; i < list.size(); ++i)
+        {
+            found.emplace_back(list[i]._path.asCharArray());
+        }
+        return found;
+    };
+    const auto check = [&](bool isThrown)
+    {
+        EXPECT_TRUE(isThrown);
+        EXPECT_EQ(paths(), before);
+        for (std::size_t i = 0; i < list.size(); ++i)
+        {
+            EXPECT_EQ(list.positionOf(list[i]._path), i);
+        }
+    };
+    const auto prepare = [&]
+    {
+        list.closeAll();
+        for (const char* pName : {"b", "a", "c"})
+        {
+            list.open(_folder.write(pName, "x").c_str());
+        }
+        before = paths();
+    };
+    const gtString another(_folder.path("small").c_str());
+    EXPECT_GT(failEachAllocation(
+                  prepare, [&] { list.open(another); }, check),
+              5);
+    EXPECT_GT(failEachAllocation(
+                  prepare, [&] { list.sort(hoDocumentList::Column::Path, true); }, check),
+              5);
+    EXPECT_GT(failEachAllocation(
+                  prepare, [&] { list.close({0}); }, check),
+              2);
+    EXPECT_GT(failEachAllocation(
+                  prepare, [&] { list.refresh(1); }, check),
+              0);
+
+    // What another key has found must not outlive it.
+    failEachAllocation(
+        [&]
+        {
+            prepare();
+            for (const std::string& path : before)
+            {
+                hoDocumentStamp stamp;
+                stamp._state = hoDocumentState::Good;
+                hoReadFileFacts(path.c_str(), stamp._file);
+                list.setStamp(path.c_str(), stamp);
+            }
+            ASSERT_EQ(list[2]._stamp._state, hoDocumentState::Good);
+        },
+        [&] { list.forgetStates(); },
+        [&](bool)
+        {
+            for (std::size_t i = 0; i < list.size(); ++i)
+            {
+                EXPECT_TRUE(list[i]._stamp._state == hoDocumentState::NotTested ||
+                            list[i]._stamp._state == hoDocumentState::NotSigned);
+            }
+        });
+}
+
+TEST_F(WindowEngineFaults, MissingMemoryLeavesTheReportAsItWas)
+{
+    std::unique_ptr<hoAssertionReport> pReport;
+    const std::string text(100, 't');
+    const auto prepare = [&]
+    {
+        pReport = std::make_unique<hoAssertionReport>();
+        pReport->record("f", "/a.c", 1, "m", 1, 1);
+    };
+    const auto check = [&](bool isThrown)
+    {
+        EXPECT_TRUE(isThrown);
+        EXPECT_EQ(pReport->amountOfFailures(), 1U);
+        ASSERT_EQ(pReport->rows().size(), 1U);
+        EXPECT_EQ(pReport->rows()[0]._count, 1U);
+        EXPECT_EQ(pReport->rows()[0]._message, "m");
+    };
+    EXPECT_GT(failEachAllocation(
+                  prepare, [&] { pReport->record(text.c_str(), text.c_str(), 2, text.c_str(), 1, 2); }, check),
+              3);
+    EXPECT_GT(failEachAllocation(
+                  prepare, [&] { pReport->record(text.c_str(), "/a.c", 1, text.c_str(), 1, 2); }, check),
+              1);
+    prepare();
+    const std::vector<hoAssertionRow> rows = pReport->rows();
+    EXPECT_GT(failEachAllocation([] {}, [&] { static_cast<void>(hoAssertionReportLines(rows, 1)); },
+                                 [](bool isThrown) { EXPECT_TRUE(isThrown); }),
+              3);
+}
+
+TEST_F(WindowEngineFaults, LeaveNoMemoryBehind)
+{
+    const long before = amountOfLiveAllocations();
+    hoUriList uris;
+    failEachAllocation([&] { uris = hoUriList(); },
+                       [&] { uris = hoReadUriList("file:///a/long/enough/path/not/to/fit\r\nhttp://x\r\n", "host"); },
+                       [](bool isThrown) { EXPECT_TRUE(isThrown); });
+    uris = hoUriList();
+    {
+        hoRecentDocuments recent;
+        recent.add("/a/path/that/is/longer/than/short/strings/are");
+        failEachAllocation([] {}, [&] { recent.add("/another/path/that/is/longer/than/short/strings"); },
+                           [&](bool) { EXPECT_LE(recent.paths().size(), 2U); });
+    }
+    EXPECT_LE(amountOfLiveAllocations(), before + 8);  // the framework's own
+}
+
+TEST_F(WindowEngineFaults, LeaveWholeSettings)
+{
+    const std::string path = _folder.path("settings");
+    hoSettings before;
+    before.setText("name", "before");
+    hoSettings after;
+    after.setText("name", std::string(5000, 'a'));
+    int amount = 0;
+    for (const Fault& fault : faults)
+    {
+        bool isSaved = false;
+        amount += failEach(
+            _folder.path(), fault, [&] { ASSERT_TRUE(before.save(path)); }, [&] { isSaved = after.save(path); },
+            [&]
+            {
+                hoSettings found;
+                EXPECT_TRUE(found.load(path));
+                EXPECT_EQ(found.text("name"), isSaved ? std::string(5000, 'a') : "before");
+                EXPECT_EQ(contentsOf(_folder).size(), 5U);
+            });
+    }
+    EXPECT_GT(amount, 8);
+    failEachAllocation([&] { ASSERT_TRUE(before.save(path)); }, [&] { after.save(path); },
+                       [&](bool)
+                       {
+                           hoSettings found;
+                           EXPECT_TRUE(found.load(path));
+                           EXPECT_THAT(found.text("name"), testing::AnyOf(std::string(5000, 'a'), "before"));
+                           EXPECT_EQ(contentsOf(_folder).size(), 5U);
+                       });
+}
+
+TEST_F(WindowEngineFaults, SettingsThatCannotBeReadAreNone)
+{
+    const std::string path = _folder.path("settings");
+    hoSettings settings;
+    settings.setText("a", "1");
+    settings.setText("b", std::string(100000, 'b'));
+    ASSERT_TRUE(settings.save(path));
+    int amount = 0;
+    for (const Fault& fault : {Fault{"read", EIO}, Fault{"open", EACCES}, Fault{"read", 0}})
+    {
+        hoSettings found;
+        bool isLoaded = false;
+        amount += failEach(
+            _folder.path(), fault, [] {}, [&] { isLoaded = found.load(path); },
+            [&]
+            {
+                EXPECT_EQ(found.text("a"), isLoaded ? "1" : "");
+                EXPECT_EQ(found.text("b").size(), isLoaded ? 100000U : 0U);
+                EXPECT_TRUE(isLoaded || fault._error != 0);
+            });
+    }
+    EXPECT_GT(amount, 3);
+}
+
+TEST_F(WindowEngineFaults, LeaveAWholeKeyOrTheOneBefore)
+{
+    hoNewKeyPair pair(512);
+    while (!pair.isFinished())
+    {
+        std::this_thread::yield();
+    }
+    ASSERT_TRUE(pair.isMade());
+    ASSERT_EQ(pair.writePrivateKey(_folder.path("key.pem").c_str(), "", false), hoNewKeyPair::Writing::Done);
+    const std::string whole = _folder.read("key.pem");
+    int amount = 0;
+    for (const std::string& before : {std::string(), std::string("old")})
+    {
+        for (const Fault& fault : faults)
+        {
+            hoNewKeyPair::Writing writing = hoNewKeyPair::Writing::Failed;
+            amount += failEach(
+                _folder.path(), fault,
+                [&]
+                {
+                    std::filesystem::remove(_folder.path("key.pem"));
+                    if (!before.empty())
+                    {
+                        _folder.write("key.pem", before);
+                    }
+                },
+                [&] { writing = pair.writePrivateKey(_folder.path("key.pem").c_str(), "", !before.empty()); },
+                [&]
+                {
+                    const std::string now = contentsOf(_folder)["key.pem"];
+                    EXPECT_TRUE(now == before || now == whole) << now;
+                    EXPECT_TRUE(writing != hoNewKeyPair::Writing::Done || now == whole);
+                    EXPECT_TRUE(writing == hoNewKeyPair::Writing::Done || pair.systemError() != 0);
+                    EXPECT_LE(contentsOf(_folder).size(), 5U);
+                });
+        }
+    }
+    EXPECT_GT(amount, 20);
+}
