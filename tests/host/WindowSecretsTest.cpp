@@ -7,6 +7,7 @@
 #include "tests/support/tsSecrets.h"
 
 #include <csignal>
+#include <cstdio>
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -26,6 +27,9 @@ protected:
         GTEST_SKIP() << "a sanitizer's memory is too large to be looked through";
 #endif
         MainFrameFixture::SetUp();
+        // What is said there is looked through as well.
+        std::filesystem::create_directory(_folder.path("config"));
+        ASSERT_NE(std::freopen(_folder.path("config/said").c_str(), "a", stderr), nullptr);
         struct rlimit limit = {};
         ASSERT_EQ(getrlimit(RLIMIT_CORE, &limit), 0);
         limit.rlim_cur = limit.rlim_max;
@@ -187,7 +191,6 @@ TEST_F(WindowSecrets, AreReadFromFieldsWithoutCopiesThatStay)
 {
     hoPassphraseDialog dialog(_pFrame, "?");
     int copiesOfOurs = -1;
-    int copiesOfTheToolkits = -1;
     const std::vector<tsSecret> secrets = tsSecretsOfPassphrase();
     const auto amountInMemory = [&]
     {
@@ -207,17 +210,12 @@ TEST_F(WindowSecrets, AreReadFromFieldsWithoutCopiesThatStay)
                  {
                      EXPECT_GT(dialog.passphrase().text().size(), 80U);
                      copiesOfOurs = amountInMemory() - 1;
-                     auto* pField = dynamic_cast<wxTextCtrl*>(wxWindow::FindWindowByName("passphrase", &dialog));
-                     EXPECT_GT(pField->GetValue().length(), 80U);
-                     copiesOfTheToolkits = amountInMemory() - 1;
                      tsPressKeys("Escape");
                  })
         .start();
     dialog.ShowModal();
     EXPECT_TRUE(script.isFinished());
     EXPECT_EQ(copiesOfOurs, 0);
-    // Else all of this were not needed.
-    EXPECT_GT(copiesOfTheToolkits, 0);
 }
 
 TEST_F(WindowSecrets, GoIntoNoCoreFile)
