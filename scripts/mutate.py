@@ -392,6 +392,7 @@ class Build:
             give_up(f"tests/{room} has made no program {self.folder}/bin/test_*")
         self.read_commands()
         self.changed = None
+        self.costs = {}
 
     def ninja(self, *arguments):
         return subprocess.run(["ninja", "-C", str(self.folder), *arguments], check=True, text=True,
@@ -465,21 +466,20 @@ class Build:
         lines = [words for words, _ in self.linking if words & set(objects)]
         return [p for p in self.programs if any(f"bin/{p.name}" in words for words in lines)]
 
-    def measure(self, percents):
-        """Runs the tests on the unchanged program: they must pass, and tell how long they may take."""
-        self.costs = {}
-        self.percents = percents
+    def measure(self, percent):
+        """Runs the tests on the unchanged program: they must pass, and tell how long they may take. From here on,
+        percent is the part of the random cases that runs."""
+        self.percent = percent
         for program in self.programs:
-            for percent in percents:
-                run = self.run(program, percent, [])
-                if not run.passed:
-                    give_up(f"{program.name} fails on the unchanged program: {run.failed_test}")
-                self.costs[program, percent] = run
-        self.programs.sort(key=lambda p: sum(self.costs[p, percents[0]].seconds_of_tests.values()))
+            run = self.run(program, [])
+            if not run.passed:
+                give_up(f"{program.name} fails on the unchanged program: {run.failed_test}")
+            self.costs[program] = run
+        self.programs.sort(key=lambda p: sum(self.costs[p].seconds_of_tests.values()))
 
-    def run(self, program, percent, arguments):
-        cost = self.costs.get((program, percent))
-        environment = dict(self.environment, COUNTERSIGN_TEST_PERCENT=str(percent), COUNTERSIGN_TEST_SEED="1")
+    def run(self, program, arguments):
+        cost = self.costs.get(program)
+        environment = dict(self.environment, COUNTERSIGN_TEST_PERCENT=str(self.percent), COUNTERSIGN_TEST_SEED="1")
         # Some tests hold texts of gigabytes. Sanitizers take address space that they do not use.
         memory = None if self.sanitized else 16 << 30
         return run_program([str(program), "--gtest_fail_fast", *arguments], self.scratch, environment,
@@ -534,13 +534,13 @@ class Room:
     def further_build(self, name):
         if name not in self.further:
             build = Build(self.work, self.tree, self.name, name, self.environment)
-            build.measure([FURTHER_PERCENTS[name]])
+            build.measure(FURTHER_PERCENTS[name])
             self.further[name] = build
         return self.further[name]
 
-    def caught_by(self, build, programs, percent):
+    def caught_by(self, build, programs):
         for program in programs:
-            run = build.run(program, percent, [])
+            run = build.run(program, [])
             if not run.passed:
                 return program, run.failed_test
         return None
@@ -551,7 +551,7 @@ class Room:
             if program in programs:
                 by_program[program].append(test)
         for program, tests in by_program.items():
-            run = self.plain.run(program, self.options.percent, ["--gtest_filter=" + ":".join(tests)])
+            run = self.plain.run(program, ["--gtest_filter=" + ":".join(tests)])
             if not run.passed:
                 return program, run.failed_test
         return None
@@ -560,12 +560,11 @@ class Room:
         of_library, of_tests = self.plain.objects(mutant.file)
         later = self.plain.programs_with(of_tests)
         sooner = [program for program in self.plain.programs if program not in later]
-        percent = self.options.percent
-        caught = self.caught_by_the_last_catchers(sooner) or self.caught_by(self.plain, sooner, percent)
+        caught = self.caught_by_the_last_catchers(sooner) or self.caught_by(self.plain, sooner)
         if caught is None and of_tests:
             if self.plain.compile(mutant.file, content, of_tests) is None or not self.plain.link(of_tests):
                 return later[0], "? (does not compile)"
-            caught = self.caught_by_the_last_catchers(later) or self.caught_by(self.plain, later, percent)
+            caught = self.caught_by_the_last_catchers(later) or self.caught_by(self.plain, later)
         return caught
 
     def try_mutant(self, mutant, originals, digests, is_listed):
@@ -583,8 +582,6 @@ class Room:
         if caught is None and is_listed:
             self.plain.change(mutant.file, original)
             return "equivalent", ""
-        if caught is None and self.plain.percents[-1] != self.options.percent:
-            caught = self.caught_by(self.plain, self.plain.programs, 100)
         if caught:
             program, test = caught
             name = (program, test.split(" ")[0])
@@ -596,7 +593,7 @@ class Room:
             # Built from the unchanged tree.
             build = self.further_build(name)
             if build.change(mutant.file, content):
-                caught = self.caught_by(build, build.programs, build.percents[0])
+                caught = self.caught_by(build, build.programs)
             build.change(mutant.file, original)
             if caught:
                 return "caught", f"{name}: {caught[0].name} {caught[1]}"
@@ -693,7 +690,7 @@ def try_room(options, name, equivalents):
 
     if chosen:
         say(f"{name}: running the tests on the unchanged program")
-        room.plain.measure(sorted({options.percent, 100}) if name in options.random_rooms else [options.percent])
+        room.plain.measure(options.percent)
     originals, digests = {}, {}
     counts = collections.Counter()
     try:
@@ -757,7 +754,6 @@ def main():
     options.then = [name for name in options.then.split(",") if name != "none"]
     if unknown := set(options.then) - set(FURTHER_PERCENTS):
         give_up(f"there is no way of building {', '.join(unknown)}: release, asan, tsan, none")
-    options.random_rooms = {"bigdigits"}
     for room in options.rooms:
         if not (options.tree / "tests" / room / "CMakeLists.txt").exists():
             give_up(f"there is no room '{room}' with tests in tests/{room}")

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <filesystem>
@@ -42,11 +43,35 @@ thread_local int amountOfForksLeft = -1;
 // Which signals were blocked when this thread forked last.
 thread_local sigset_t maskAtFork;
 
+// What the next writes of this thread to standard error do: so many bytes at most, or a negative error number.
+thread_local std::deque<long> writesToStderr;
+thread_local int amountOfFurtherWrites = 0;
+
 #if defined(SYS_close_range)
 // Systems have this call since 2020.
 bool hasCloseRange = true;
 #endif
 }  // namespace
+
+extern "C" ssize_t write(int descriptor, const void* pBytes, size_t amount)
+{
+    ssize_t (*realWrite)(int, const void*, size_t) = nullptr;
+    void* const pSymbol = ::dlsym(RTLD_NEXT, "write");
+    std::memcpy(&realWrite, &pSymbol, sizeof realWrite);
+    if ((descriptor != STDERR_FILENO) || writesToStderr.empty())
+    {
+        amountOfFurtherWrites += (descriptor == STDERR_FILENO) ? 1 : 0;
+        return realWrite(descriptor, pBytes, amount);
+    }
+    const long answer = writesToStderr.front();
+    writesToStderr.pop_front();
+    if (answer < 0)
+    {
+        errno = static_cast<int>(-answer);
+        return -1;
+    }
+    return realWrite(descriptor, pBytes, std::min(amount, static_cast<std::size_t>(answer)));
+}
 
 #if defined(SYS_close_range)
 extern "C" long syscall(long number, ...) noexcept
@@ -175,7 +200,7 @@ protected:
     // An editor that reports its arguments.
     void makeEditor(const std::string& name) const { makeReporter(name, "printf '%s\\0' \"$@\""); }
 
-    // An editor that reports what the shell command writes.
+    // An editor that reports what the shell command writes. There, $outputs is "null" if its own outputs go nowhere.
     void makeReporter(const std::string& name, const std::string& command) const
     {
         std::filesystem::create_directories(std::filesystem::path(nameOf(name)).parent_path());
@@ -183,7 +208,10 @@ protected:
         {
             std::abort();
         }
-        makeProgram(name, "#!/bin/sh\n{ " + command + "\n} >\"$0.report\" 2>&1\n");
+        makeProgram(name, "#!/bin/sh\n"
+                          "[ /proc/$$/fd/1 -ef /dev/null ] && [ /proc/$$/fd/2 -ef /dev/null ] && outputs=null\n"
+                          "{ " +
+                              command + "\n} >\"$0.report\" 2>&1\n");
     }
 
     // Waits for the editor's report, to its end.
@@ -614,6 +642,44 @@ TEST_F(osOpenFileInSourceCodeEditorTest, worksWithStandardDescriptorsClosed)
         },
         testing::ExitedWithCode(3), "");
     EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+3", "/f"));
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, editorsOutputsGoNowhere)
+{
+    makeReporter("gedit", "echo \"$outputs\"");
+    open("/f", 3);
+    EXPECT_EQ(reportOf("gedit"), "null\n");
+    // Then /dev/null itself is opened as descriptor 0.
+    EXPECT_EXIT(
+        {
+            ::close(STDIN_FILENO);
+            open("/f", 3);
+            std::_Exit(3);
+        },
+        testing::ExitedWithCode(3), "");
+    EXPECT_EQ(reportOf("gedit"), "null\n");
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, linesAreWrittenWholeWhereverWritingStops)
+{
+    const std::string line = "Cannot open \"\" at line 5: no file can have this name\n";
+    writesToStderr = {5, -EINTR, -EINTR, 1, 2};
+    for (std::size_t i = 8; i < line.size(); ++i)
+    {
+        writesToStderr.push_back(1);
+    }
+    amountOfFurtherWrites = 0;
+    EXPECT_EQ(stderrOfOpening("", 5), line);
+    EXPECT_THAT(writesToStderr, testing::IsEmpty());
+    EXPECT_EQ(amountOfFurtherWrites, 0);
+
+    // After an error, or where nothing is taken, there is no point in going on.
+    writesToStderr = {5, -EIO};
+    EXPECT_EQ(stderrOfOpening("", 5), line.substr(0, 5));
+    errno = 0;
+    writesToStderr = {5, -EINTR, 0};
+    EXPECT_EQ(stderrOfOpening("", 5), line.substr(0, 5));
+    EXPECT_EQ(amountOfFurtherWrites, 0);
 }
 
 TEST_F(osOpenFileInSourceCodeEditorTest, withoutAnotherProcessItIsOneLine)
