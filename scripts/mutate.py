@@ -311,7 +311,7 @@ def run_program(command, scratch, environment, seconds_of_tests, cpu_limit, memo
     environment = dict(environment, TMPDIR=str(scratch), HOME=str(scratch / "home"))
 
     def limits():
-        resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+        resource.setrlimit(resource.RLIMIT_CORE, (0, resource.getrlimit(resource.RLIMIT_CORE)[1]))
         resource.setrlimit(resource.RLIMIT_FSIZE, (8 << 30, 8 << 30))
         resource.setrlimit(resource.RLIMIT_CPU, (cpu_limit, cpu_limit + 5))
         if memory_limit:
@@ -672,7 +672,7 @@ def try_room(options, name, equivalents):
     room = Room(options, name, tree, work, environment)
     found = room.mutants()
     by_key = {key_of(m): m for m in found}
-    results = Results(work / "results.tsv", options.again or options.go_on)
+    results = Results(work / "results.tsv", options.again or options.go_on or options.table)
 
     chosen = found
     if options.sample and options.sample < len(found):
@@ -682,6 +682,8 @@ def try_room(options, name, equivalents):
         if options.go_on:
             wanted.add(None)
         chosen = [m for m in chosen if results.states.get(key_of(m), (None,))[0] in wanted]
+    if options.table:
+        chosen = []
     chosen.sort(key=lambda m: (m.file, m.begin, m.text))
     if options.dry_run:
         for mutant in chosen:
@@ -716,8 +718,13 @@ def try_room(options, name, equivalents):
         say(f"{name}: stopped")
     restore(room, originals)
 
-    counts = collections.Counter(results.states[k][0] for k in by_key if k in results.states)
-    survivors = [by_key[k] for k in by_key if results.states.get(k, ("",))[0] == "survived"]
+    # An entry of the list may be younger than the result.
+    states = {k: results.states[k][0] for k in by_key if k in results.states}
+    for key in states:
+        if states[key] == "survived" and key in equivalents.reasons:
+            states[key] = "equivalent"
+    counts = collections.Counter(states.values())
+    survivors = [by_key[k] for k in states if states[k] == "survived"]
     if not options.sample and not options.file:
         folder = SOURCE_FOLDERS.get(name, name) + "/"
         for key in equivalents.reasons:
@@ -740,6 +747,7 @@ def main():
     parser.add_argument("--file", action="append")
     parser.add_argument("--again", action="store_true")
     parser.add_argument("--go-on", action="store_true")
+    parser.add_argument("--table", action="store_true")
     parser.add_argument("--dry-run", action="store_true")
     parser.add_argument("--percent", type=int, default=2)
     parser.add_argument("--then", default="release,asan,tsan")
