@@ -15,6 +15,8 @@
 #   --dry-run        shows the mutants and tries none
 #   --percent N      random cases of bigdigits to begin with, in percent (default 2); survivors meet all of them
 #   --then BUILDS    in what other builds the tests of survivors are run: release,asan,tsan (the default), or none
+#   --without-windows
+#                    only tests without windows (with another --work): for sources that have such, much faster
 #   --tree FOLDER, --work FOLDER, --list FILE
 #                    another source tree, another folder than build/mutate, another list than the one below
 #

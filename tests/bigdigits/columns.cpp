@@ -289,10 +289,17 @@ TEST_P(EachKindOfColumns, ScaleDivisors)
         const size_t leftOut = n >= shortestForLeavingOut ? random.below(2) : 0;
         std::vector<mpDigit> v = random.oneIn(2) ? random.number(n) : random.uniformNumber(n);
         v[n - 1] |= topBit;
+        // One more than that is a digit more.
+        const bool isHighest = random.oneIn(8);
+        if (isHighest)
+        {
+            std::fill(v.end() - 3, v.end(), allOnes);
+        }
         Shifted complement(std::vector<mpDigit>(n - leftOut, 0xDEADBEEFU), i);
-        Scaling scaling = {};
+        Scaling scaling = {{0xDEADBEEFU, 0xDEADBEEFU, 0xDEADBEEFU}, nullptr, n};
         if (!GetParam().columns().scale(scaling, complement.get(), leftOut, v.data(), n))
         {
+            ASSERT_FALSE(isHighest);
             continue;
         }
         scaled++;
