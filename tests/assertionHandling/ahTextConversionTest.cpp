@@ -266,6 +266,8 @@ TEST_P(TextConversion, ArgumentsGoBackToTheirBytes)
     EXPECT_EQ(asStd(ahBytesFromArgument("p")), "p");
     // What the C locale does not have is written as UTF-8, as the others have it.
     EXPECT_EQ(asStd(ahBytesFromArgument(wxString(L"caf\u20AC"))), "caf\xE2\x82\xAC");
+    // What no locale has.
+    EXPECT_EQ(asStd(ahBytesFromArgument(wxString("a") + wxUniChar(0x110000))), "a\xEF\xBF\xBD");
 }
 
 TEST_P(TextConversion, WhatControlsRefuseIsReplaced)
