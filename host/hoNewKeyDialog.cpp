@@ -269,5 +269,7 @@ void hoNewKeyDialog::setBusy(bool isBusy)
     if (!isBusy)
     {
         _pGauge->SetValue(0);
+        // What was disabled has lost the keyboard, and with it Escape.
+        _pFile->SetFocus();
     }
 }

@@ -1,3 +1,5 @@
+// The toolkit's flags would make one name of two functions here.
+#undef _FILE_OFFSET_BITS
 #include "SystemFault.h"
 
 #include <array>
