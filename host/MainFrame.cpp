@@ -250,6 +250,7 @@ MainFrame::MainFrame()
             tidyUp();
             hoEndSignals::endBy(signal);
         });
+    _pDisplayLoss = std::make_unique<hoDisplayLoss>([this] { _pWork.reset(); });
     CallAfter(&MainFrame::openArguments);
 }
 

@@ -10,13 +10,15 @@
 // through the application's MacOpenFile.
 //
 // A signal that asks the program to end (terminate, hang-up, interrupt) gives up the work at hand as closing the window
-// does, with nothing half written, whatever dialog is up; then the program ends by that signal.
+// does, with nothing half written, whatever dialog is up; then the program ends by that signal. Where the connection to the display is lost the work is
+// given up, too, before the toolkit ends the program.
 //
 // What the window remembers between runs (its place, the recent documents, the last folder) is in hoUserSettingsPath().
 // Memory: belongs to the toolkit, like every top-level window. Threads: main thread only.
 #ifndef COUNTERSIGN_MAIN_FRAME_H
 #define COUNTERSIGN_MAIN_FRAME_H
 
+#include "host/desktop/hoDisplayLoss.h"
 #include "host/desktop/hoEndSignals.h"
 #include "host/desktop/hoSessionBus.h"
 #include "host/hoDocumentList.h"
@@ -147,6 +149,7 @@ private:
 
     hoSessionBus _sessionBus;
     std::unique_ptr<hoEndSignals> _pEndSignals;  // as long as there is something to tidy up
+    std::unique_ptr<hoDisplayLoss> _pDisplayLoss;
     bool _isHandedOver;                          // to the window of an earlier start; this one is empty then
     hoDocumentList _documents;
     hoRecentDocuments _recent;

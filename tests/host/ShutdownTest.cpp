@@ -1,8 +1,8 @@
 // The end in the middle of work: the window goes while its worker signs or tests, and the program is asked to end by a
 // signal, again and again. No half signature and no temporary file is left behind, and nothing crashes or hangs.
 //
-// COUNTERSIGN_SHUTDOWNS: how often (default: 60 windows, 40 programs). The moments are random; COUNTERSIGN_SEED
-// repeats them.
+// COUNTERSIGN_SHUTDOWNS: how often (default: 60 windows, 30 programs by signals, 20 by the loss of their display). The
+// moments are random; COUNTERSIGN_SEED repeats them.
 #include "MainFrameFixture.h"
 #include "NewKey.h"
 
@@ -186,7 +186,7 @@ TEST_F(Shutdown, OfTheWindowWhileItWorks)
 TEST_F(Shutdown, OfTheProgramBySignalsWhileItWorks)
 {
     SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(seed()));
-    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 40);
+    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 30);
     int signatures = 0;
     for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
     {
@@ -225,5 +225,21 @@ TEST_F(Shutdown, OfTheProgramWhileItShowsItsProgress)
         EXPECT_EQ(tsRunSignalled(programAtWork("progress"), signal, std::chrono::microseconds(700000), true)._signal,
                   signal);
         EXPECT_EQ(checkFolder(), 0);
+    }
+}
+
+// The session is over, or the server has died.
+TEST_F(Shutdown, OfTheDisplayWhileTheProgramWorks)
+{
+    SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(seed()));
+    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 20);
+    for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
+    {
+        const std::chrono::microseconds moment = randomMoment(60000);
+        removeSignatures();
+        const tsOutcome outcome = tsRunSignalled(programAtWork("lost"), SIGUSR1, moment, true);
+        SCOPED_TRACE(std::to_string(number) + ": after " + std::to_string(moment.count()) + " us: " + outcome._errors);
+        EXPECT_EQ(outcome._exitStatus, 1) << outcome._signal;
+        checkFolder();
     }
 }

@@ -1,10 +1,11 @@
 // The application with its real window, at work from its start on: it signs and tests its documents again and again, for
 // the tests to end it in the middle. It writes a line to standard output when it begins.
 //
-//   program_at_work KEY-FILE work|question|progress DOCUMENT...
+//   program_at_work KEY-FILE work|question|progress|lost DOCUMENT...
 //
 // work: signs, tests, removes the signatures, and so on. question: asks whether to replace signatures, which nobody
-// answers. progress: signs until it is ended, which takes documents that are large enough.
+// answers. progress: signs until it is ended, which takes documents that are large enough. lost: like work, and the
+// signal SIGUSR1 cuts its connection to the display.
 #include "app/ApplicationShell.h"
 #include "host/MainFrame.h"
 #include "host/keys/hoKeyFile.h"
@@ -13,14 +14,19 @@
 #include <wx/menu.h>
 #include <wx/timer.h>
 
+#include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
+#include <sys/socket.h>
 #include <unistd.h>
+
+// The last: it defines short words.
+#include <gdk/gdkx.h>
 
 namespace
 {
 const char* keyFile = nullptr;
+int displayConnection = -1;
 std::string mode;
 
 class AtWork : public ApplicationShell
@@ -36,6 +42,11 @@ public:
         hoKeyRing keys;
         keys._private._pKey = hoLoadKeyFile(keyFile, nullptr, facts);
         _pMainFrame->setKeys(keys);
+        if (mode == "lost")
+        {
+            displayConnection = ConnectionNumber(gdk_x11_get_default_xdisplay());
+            static_cast<void>(std::signal(SIGUSR1, [](int) { shutdown(displayConnection, SHUT_RDWR); }));
+        }
         _timer.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { goOn(); });
         _timer.Start(1);
         return true;
@@ -59,16 +70,18 @@ private:
         {
             _timer.Stop();
         }
-        if (mode == "work" && !_isSigned)
+        if (isSigningAndTesting() && !_isSigned)
         {
             for (std::size_t i = 0; i < documents.size(); ++i)
             {
                 unlink(hoSignaturePath(documents[i]._path).asCharArray());
             }
         }
-        choose(mode == "work" && _isSigned ? "Test all" : "Sign all");
+        choose(isSigningAndTesting() && _isSigned ? "Test all" : "Sign all");
         _isSigned = !_isSigned;
     }
+
+    static bool isSigningAndTesting() { return mode == "work" || mode == "lost"; }
 
     void choose(const char* pItem)
     {
