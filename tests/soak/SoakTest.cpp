@@ -177,10 +177,14 @@ protected:
         EXPECT_EQ(rows(1).front(), "Bad");
         _operations += 3 * documents;
     }
-    void pressAndWait(const std::string& keys)
+    void press(const std::string& keys)
     {
         tsRunUntil("the window has the keyboard", [this] { return tsHasKeyboard(*_pFrame); });
         tsPressKeys(keys);
+    }
+    void pressAndWait(const std::string& keys)
+    {
+        press(keys);
         tsRunUntil("the work is done",
                    [this] { return !_pFrame->isAtWork() && !_pFrame->workMessage()._line.empty(); });
         settle();
@@ -199,7 +203,7 @@ protected:
         pressAndWait("ctrl+s");
         EXPECT_TRUE(script.isFinished());
         openAskedFor(_folder.path("huge"));
-        tsPressKeys("ctrl+w");
+        press("ctrl+w");
         tsRunUntil("it is closed", [this] { return _pFrame->documents().size() == documents; });
         std::filesystem::remove(_folder.path("huge"));
         ++_operations;
@@ -228,7 +232,7 @@ protected:
         // Ignored since: no dialog comes.
         line = 1;
         fail();
-        answer([] { tsRunProgram({"wmctrl", "-c", ":ACTIVE:"}); }, fail);
+        answer([] { tsRunProgram({"wmctrl", "-c", "Assert in: aFile.cpp"}); }, fail);
         answer([] { click(*wxWindow::FindWindowById(AH_IGNORE_BUTTON_ID, dialog())); }, fail);
         std::thread(fail).join();
         answer([] { tsPressKeys("alt+i"); }, [] { tsRunUntil("the dialog came", [] { return dialog() != nullptr; }); });
@@ -271,7 +275,7 @@ protected:
 
     void reopenDocuments()
     {
-        tsPressKeys("ctrl+shift+w");
+        press("ctrl+shift+w");
         tsRunUntil("all are closed", [this] { return _pFrame->documents().isEmpty(); });
         for (int number = 0; number < documents; ++number)
         {
