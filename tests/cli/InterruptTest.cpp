@@ -29,6 +29,9 @@ unsigned long fromEnvironment(const char* pName, unsigned long fallback)
 
 TEST(Interrupts, LeaveAWholeSignatureOrNoneAtAnyMoment)
 {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the thread sanitizer's runtime holds signals back";
+#endif
     const TemporaryFolder folder;
     makeKeys(folder, 512);
     folder.write("report", "");
