@@ -34,7 +34,6 @@ from clang.cindex import CursorKind
 
 SOURCE_FOLDERS = {"bigdigits": "src"}  # of rooms whose sources are not in a folder of their own name
 ROOMS = ["crypto", "platform", "assertionHandling", "bigdigits"]
-GOAL = 95.0
 
 # Each way of building: flags and sanitizers. Mutants meet the first one, and what survives there the others, as the
 # tests do in the end.
@@ -649,7 +648,7 @@ def percent_of(part, whole):
 
 def print_table(rows):
     print(f"{'room':<20}{'mutants':>9}{'tried':>7}{'uncompiled':>12}{'same':>6}{'caught':>8}"
-          f"{'equivalent':>12}{'survived':>10}{'caught of those that differ':>30}")  # fmt: skip
+          f"{'equivalent':>12}{'survived':>10}{'of those that differ':>22}{'of those not listed':>21}")  # fmt: skip
     total = collections.Counter()
     for name, found, counts in rows + [("all", 0, None)]:
         if counts is None:
@@ -659,7 +658,8 @@ def print_table(rows):
         differing = counts["caught"] + counts["equivalent"] + counts["survived"]
         tried = differing + counts["uncompiled"] + counts["same"]
         print(f"{name:<20}{found:>9}{tried:>7}{counts['uncompiled']:>12}{counts['same']:>6}{counts['caught']:>8}"
-              f"{counts['equivalent']:>12}{counts['survived']:>10}{percent_of(counts['caught'], differing):>30}")  # fmt: skip
+              f"{counts['equivalent']:>12}{counts['survived']:>10}{percent_of(counts['caught'], differing):>22}"
+              f"{percent_of(counts['caught'], differing - counts['equivalent']):>21}")  # fmt: skip
         total.update(counts)
         total["found"] += found
 
@@ -780,12 +780,8 @@ def main():
         return 0
     print_table(rows)
     counts = sum((row[2] for row in rows), collections.Counter())
-    differing = counts["caught"] + counts["equivalent"] + counts["survived"]
     if survivors:
         print(f"{len(survivors)} survived that are not in {options.list.name}")
-        return 1
-    if differing and 100.0 * counts["caught"] / differing < GOAL:
-        print(f"fewer than {GOAL:g} % are caught")
         return 1
     return 0
 

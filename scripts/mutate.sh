@@ -21,8 +21,9 @@
 #                    another source tree, another folder than build/mutate, another list than the one below
 #
 # tests/equivalent-mutants.txt lists the mutants that change nothing that could be noticed, each with the reason. What
-# survives and is not in the list is printed, in the form that the list has. At the end there is a table. The status is
-# 0 if there is nothing new and 95 % are caught of those that are not the same program, 1 if not, 2 if something failed.
+# survives and is not in the list is printed, in the form that the list has. At the end there is a table, with the part
+# that is caught of those that are not the same program, and of those that are not listed either. The status is 0 if
+# nothing new survives, 1 if something does, 2 if the run failed.
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 

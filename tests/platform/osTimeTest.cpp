@@ -56,6 +56,7 @@ std::string textOf(long long seconds, osTime::TimeFormat format, osTime::TimeZon
 TEST(osTime, enumeratorsHaveTheirValues)
 {
     EXPECT_EQ(static_cast<int>(osTime::DATE_AND_TIME), 0);
+    EXPECT_EQ(static_cast<int>(osTime::FOR_FILE_NAME), 3);
     EXPECT_EQ(static_cast<int>(osTime::UTC), 0);
     EXPECT_EQ(static_cast<int>(osTime::LOCAL), 1);
 }
