@@ -29,10 +29,11 @@ private:
     void unwatch(const std::set<std::string>& folders);
 
     std::function<void()> _onChange;
-    std::unique_ptr<wxFileSystemWatcher> _pWatcher;  // from the first folder on
-    std::set<std::string> _folders;                  // that are watched
+    std::set<std::string> _folders;  // that are watched
     wxTimer _timer;
     int _pause;  // milliseconds between a change and telling of it
+    // The last member: it tells of what it has not told yet when it goes away.
+    std::unique_ptr<wxFileSystemWatcher> _pWatcher;  // from the first folder on
 };
 
 #endif

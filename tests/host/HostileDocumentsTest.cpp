@@ -179,6 +179,20 @@ TEST_F(HostileDocuments, OnAFolderThatDisappearsAreSaidToBeGone)
     tsRunUntil("a return is seen", [this] { return rows(1)[2] == "Not signed"; });
 }
 
+// The watch of the folders tells of what it has not told yet while it is taken down with the window.
+TEST_F(HostileDocuments, MayDisappearJustBeforeTheWindow)
+{
+    start();
+    drop(manyDocuments(20, 2));
+    tsRunUntil("all are open", [&] { return list().GetItemCount() == 20; });
+    settle();
+    std::filesystem::remove_all(_many.path("0"));
+    _many.write("1/1.txt", "longer");
+    delete _pFrame;
+    _pFrame = nullptr;
+    settle();
+}
+
 TEST_F(HostileDocuments, ThatAreNoFilesAreRefusedWithoutWaiting)
 {
     start();
