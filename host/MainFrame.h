@@ -150,7 +150,7 @@ private:
     hoSessionBus _sessionBus;
     std::unique_ptr<hoEndSignals> _pEndSignals;  // as long as there is something to tidy up
     std::unique_ptr<hoDisplayLoss> _pDisplayLoss;
-    bool _isHandedOver;                          // to the window of an earlier start; this one is empty then
+    bool _isHandedOver;  // to the window of an earlier start; this one is empty then
     hoDocumentList _documents;
     hoRecentDocuments _recent;
     hoSettings _settings;
