@@ -211,18 +211,13 @@ MainFrame::MainFrame()
     SetIcons(hoApplicationIcons());
 
     makeMenus();
-    _pMessageBar = new wxInfoBar(this);
     _pPages = new wxSimplebook(this);
     _pPages->AddPage(makeEmptyPage(_pPages), "empty");
-    _pList = new hoDocumentListCtrl(_pPages, _documents);
-    _pPages->AddPage(_pList, "documents");
     CreateStatusBar(STATUS_FIELDS);
     const int statusWidths[STATUS_FIELDS] = {-4, -5, -4};
     SetStatusWidths(STATUS_FIELDS, statusWidths);
     SetDropTarget(new hoDocumentDropTarget(*this, [this](const hoUriList& list) { openDropped(list); }));
 
-    _pMessageBar->AddButton(ID_SHOW_DETAILS, "Details...");
-    _pMessageBar->AddButton(wxID_CLOSE, "Dismiss");
     loadSettings();
     for (std::size_t oldest = _settings.texts("recent").size(); oldest > 0; --oldest)
     {
@@ -234,11 +229,8 @@ MainFrame::MainFrame()
     bindEvents();
 
     auto* pTop = new wxBoxSizer(wxVERTICAL);
-    pTop->Add(_pMessageBar, wxSizerFlags().Expand());
     pTop->Add(_pPages, wxSizerFlags(1).Expand());
     SetSizer(pTop);
-    // The rows scroll: the window may be narrower than all columns together.
-    _pList->SetMinSize(wxSize(1, 1));
     _pPages->SetMinSize(wxSize(1, 1));
     SetMinSize(FromDIP(leastSize));
     restorePlace();
@@ -396,9 +388,9 @@ void MainFrame::bindEvents()
     Bind(
         wxEVT_MENU, [this](wxCommandEvent&) { setKeys(hoKeyRing()); }, ID_FORGET_KEYS);
     Bind(
-        wxEVT_MENU, [this](wxCommandEvent&) { startWork(hoDocumentWork::Kind::Sign, _pList->selected()); }, ID_SIGN);
+        wxEVT_MENU, [this](wxCommandEvent&) { startWork(hoDocumentWork::Kind::Sign, list().selected()); }, ID_SIGN);
     Bind(
-        wxEVT_MENU, [this](wxCommandEvent&) { startWork(hoDocumentWork::Kind::Test, _pList->selected()); }, ID_TEST);
+        wxEVT_MENU, [this](wxCommandEvent&) { startWork(hoDocumentWork::Kind::Test, list().selected()); }, ID_TEST);
     Bind(
         wxEVT_MENU, [this](wxCommandEvent&) { startWork(hoDocumentWork::Kind::Sign, {}); }, ID_SIGN_ALL);
     Bind(
@@ -416,7 +408,8 @@ void MainFrame::bindEvents()
              event.Skip();
          });
 
-    const auto whenSelected = [this](wxUpdateUIEvent& event) { event.Enable(_pList->GetSelectedItemCount() > 0); };
+    const auto whenSelected = [this](wxUpdateUIEvent& event)
+    { event.Enable(_pList != nullptr && _pList->GetSelectedItemCount() > 0); };
     const auto whenAny = [this](wxUpdateUIEvent& event) { event.Enable(!_documents.isEmpty()); };
     const auto whenSignable = [this](wxUpdateUIEvent& event)
     { event.Enable(!_documents.isEmpty() && _keys.canSign() && _pWork == nullptr); };
@@ -436,28 +429,63 @@ void MainFrame::bindEvents()
         wxEVT_UPDATE_UI, [this](wxUpdateUIEvent& event) { event.Check(hasAssertionDialogs()); }, ID_ASSERTION_DIALOGS);
 
     Bind(wxEVT_CLOSE_WINDOW, &MainFrame::OnClose, this);
-    _pMessageBar->Bind(wxEVT_BUTTON, &MainFrame::OnShowDetails, this, ID_SHOW_DETAILS);
-    _pMessageBar->Bind(
-        wxEVT_BUTTON,
-        [this](wxCommandEvent&)
+}
+
+hoDocumentListCtrl& MainFrame::list()
+{
+    if (_pList == nullptr)
+    {
+        _pList = new hoDocumentListCtrl(_pPages, _documents);
+        _pPages->AddPage(_pList, "documents");
+        // The rows scroll: the window may be narrower than all columns together.
+        _pList->SetMinSize(wxSize(1, 1));
+        _pList->setCanTest(_keys.canTest());
+
+        std::vector<int> widths;
+        for (std::size_t column = 1; column <= _pList->columnWidths().size(); ++column)
         {
-            clearMessage();
-            showMessage();
-        },
-        wxID_CLOSE);
-    _pList->Bind(wxEVT_LIST_COL_CLICK, &MainFrame::OnColumnClick, this);
-    _pList->Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent&) { showChangesSoon(); });
-    _pList->Bind(wxEVT_LIST_ITEM_DESELECTED, [this](wxListEvent&) { showChangesSoon(); });
-    _pList->Bind(wxEVT_LIST_KEY_DOWN,
-                 [this](wxListEvent& event)
-                 {
-                     if (event.GetKeyCode() == WXK_DELETE || event.GetKeyCode() == WXK_NUMPAD_DELETE)
+            widths.push_back(static_cast<int>(_settings.number("column." + std::to_string(column), 0, 0, 10000)));
+        }
+        _pList->setColumnWidths(widths);
+
+        _pList->Bind(wxEVT_LIST_COL_CLICK, &MainFrame::OnColumnClick, this);
+        _pList->Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent&) { showChangesSoon(); });
+        _pList->Bind(wxEVT_LIST_ITEM_DESELECTED, [this](wxListEvent&) { showChangesSoon(); });
+        _pList->Bind(wxEVT_LIST_KEY_DOWN,
+                     [this](wxListEvent& event)
                      {
-                         QueueEvent(new wxCommandEvent(wxEVT_MENU, ID_CLOSE_DOCUMENTS));
-                     }
-                     event.Skip();
-                 });
-    _pList->Bind(wxEVT_CONTEXT_MENU, &MainFrame::OnContextMenu, this);
+                         if (event.GetKeyCode() == WXK_DELETE || event.GetKeyCode() == WXK_NUMPAD_DELETE)
+                         {
+                             QueueEvent(new wxCommandEvent(wxEVT_MENU, ID_CLOSE_DOCUMENTS));
+                         }
+                         event.Skip();
+                     });
+        _pList->Bind(wxEVT_CONTEXT_MENU, &MainFrame::OnContextMenu, this);
+    }
+    return *_pList;
+}
+
+wxInfoBar& MainFrame::messageBar()
+{
+    if (_pMessageBar == nullptr)
+    {
+        _pMessageBar = new wxInfoBar(this);
+        _pMessageBar->AddButton(ID_SHOW_DETAILS, "Details...");
+        _pMessageBar->AddButton(wxID_CLOSE, "Dismiss");
+        _pMessageBar->Bind(wxEVT_BUTTON, &MainFrame::OnShowDetails, this, ID_SHOW_DETAILS);
+        _pMessageBar->Bind(
+            wxEVT_BUTTON,
+            [this](wxCommandEvent&)
+            {
+                clearMessage();
+                showMessage();
+            },
+            wxID_CLOSE);
+        GetSizer()->Insert(0, _pMessageBar, wxSizerFlags().Expand());
+        // It is reached before the documents by the keyboard, too, as it stands above them.
+        _pMessageBar->MoveBeforeInTabOrder(_pPages);
+    }
+    return *_pMessageBar;
 }
 
 void MainFrame::OnOpen(wxCommandEvent&)
@@ -499,30 +527,30 @@ void MainFrame::OnClearRecent(wxCommandEvent&)
 
 void MainFrame::OnCloseDocuments(wxCommandEvent&)
 {
-    const std::vector<std::size_t> rows = _pList->selected();
+    const std::vector<std::size_t> rows = list().selected();
     if (rows.empty())
     {
         return;
     }
     _documents.close(rows);
-    _pList->showChanges();
+    list().showChanges();
     // What follows takes the place of what went, so that a key pressed again closes the next.
-    _pList->select(_documents.isEmpty() ? std::vector<std::size_t>()
-                                        : std::vector<std::size_t>{std::min(rows.front(), _documents.size() - 1)});
+    list().select(_documents.isEmpty() ? std::vector<std::size_t>()
+                                       : std::vector<std::size_t>{std::min(rows.front(), _documents.size() - 1)});
     showChangesSoon();
 }
 
 void MainFrame::OnCloseAllDocuments(wxCommandEvent&)
 {
     _documents.closeAll();
-    _pList->showChanges();
+    list().showChanges();
     showChangesSoon();
 }
 
 void MainFrame::OnCopyPath(wxCommandEvent&)
 {
     wxString paths;
-    const std::vector<std::size_t> rows = _pList->selected();
+    const std::vector<std::size_t> rows = list().selected();
     for (const std::size_t row : rows)
     {
         paths += (paths.empty() ? "" : "\n") + ahTextFromBytes(_documents[row]._path);
@@ -535,8 +563,8 @@ void MainFrame::OnCopyPath(wxCommandEvent&)
 
 void MainFrame::OnSelectAll(wxCommandEvent&)
 {
-    _pList->SetFocus();
-    _pList->selectAll();
+    list().SetFocus();
+    list().selectAll();
 }
 
 void MainFrame::OnFailAssertion(wxCommandEvent&)
@@ -594,14 +622,14 @@ void MainFrame::OnColumnClick(wxListEvent& event)
         return;
     }
     std::vector<gtString> selectedPaths;
-    for (const std::size_t row : _pList->selected())
+    for (const std::size_t row : list().selected())
     {
         selectedPaths.push_back(_documents[row]._path);
     }
-    const bool isAscending = _pList->GetUpdatedAscendingSortIndicator(column);
+    const bool isAscending = list().GetUpdatedAscendingSortIndicator(column);
     _documents.sort(hoDocumentListCtrl::columnAt(column), isAscending);
-    _pList->ShowSortIndicator(column, isAscending);
-    _pList->showChanges();
+    list().ShowSortIndicator(column, isAscending);
+    list().showChanges();
 
     std::vector<std::size_t> rows;
     rows.reserve(selectedPaths.size());
@@ -610,7 +638,7 @@ void MainFrame::OnColumnClick(wxListEvent& event)
         rows.push_back(_documents.positionOf(path));
     }
     std::sort(rows.begin(), rows.end());
-    _pList->select(rows);
+    list().select(rows);
 }
 
 void MainFrame::OnContextMenu(wxContextMenuEvent&)
@@ -621,7 +649,7 @@ void MainFrame::OnContextMenu(wxContextMenuEvent&)
     menu.AppendSeparator();
     menu.Append(ID_COPY_PATH, "&Copy path");
     menu.Append(ID_CLOSE_DOCUMENTS, "C&lose");
-    _pList->PopupMenu(&menu);
+    list().PopupMenu(&menu);
 }
 
 void MainFrame::OnClose(wxCloseEvent& event)
@@ -680,7 +708,7 @@ void MainFrame::openAskedFor(const std::vector<gtString>& paths)
 {
     std::vector<std::size_t> rows;
     {
-        const wxWindowUpdateLocker noPainting(_pList);
+        const wxWindowUpdateLocker noPainting(_pPages);
         for (const gtString& path : paths)
         {
             const std::size_t row = openQuietly(path);
@@ -693,8 +721,8 @@ void MainFrame::openAskedFor(const std::vector<gtString>& paths)
     if (!rows.empty())
     {
         _pPages->ChangeSelection(PAGE_LIST);
-        _pList->select(rows);
-        _pList->SetFocus();
+        list().select(rows);
+        list().SetFocus();
     }
 }
 
@@ -707,7 +735,7 @@ void MainFrame::refreshDocuments()
     }
     if (isChanged)
     {
-        _pList->showChanges();
+        list().showChanges();
         showChangesSoon();
     }
     watchFolders();
@@ -813,8 +841,11 @@ void MainFrame::setKeys(const hoKeyRing& keys)
     _keyWarning = hoWorkSummary();
     // What another key has found means nothing under this one.
     _documents.forgetStates();
-    _pList->setCanTest(_keys.canTest());
-    _pList->showChanges();
+    if (_pList != nullptr)
+    {
+        _pList->setCanTest(_keys.canTest());
+        _pList->showChanges();
+    }
     showChangesSoon();
 }
 
@@ -898,7 +929,7 @@ void MainFrame::followWork()
     }
     if (!outcomes.empty())
     {
-        _pList->showChanges();
+        list().showChanges();
     }
     if (isFinished)
     {
@@ -947,9 +978,9 @@ std::size_t MainFrame::openQuietly(const gtString& path)
         if (opening._isNew)
         {
             // The order in which the rows were is not the order of a column any more.
-            _pList->RemoveSortIndicator();
+            list().RemoveSortIndicator();
         }
-        _pList->showChanges();
+        list().showChanges();
     }
     showChangesSoon();
     return opening._position;
@@ -980,6 +1011,10 @@ void MainFrame::showChangesNow()
     const int page = _documents.isEmpty() ? PAGE_EMPTY : PAGE_LIST;
     if (_pPages->GetSelection() != page)
     {
+        if (page == PAGE_LIST)
+        {
+            list();
+        }
         _pPages->ChangeSelection(static_cast<std::size_t>(page));
     }
     showStatus();
@@ -998,17 +1033,17 @@ void MainFrame::showMessage()
     const wxString refusals = refusalMessage();
     if (!refusals.empty())
     {
-        _pMessageBar->ShowMessage(refusals, wxICON_ERROR);
+        messageBar().ShowMessage(refusals, wxICON_ERROR);
     }
     else if (!_message._line.empty())
     {
-        _pMessageBar->ShowMessage(_message._line, _message._isAllWell ? wxICON_INFORMATION : wxICON_WARNING);
+        messageBar().ShowMessage(_message._line, _message._isAllWell ? wxICON_INFORMATION : wxICON_WARNING);
     }
     else if (!_keyWarning._line.empty())
     {
-        _pMessageBar->ShowMessage(_keyWarning._line, wxICON_WARNING);
+        messageBar().ShowMessage(_keyWarning._line, wxICON_WARNING);
     }
-    else if (_pMessageBar->IsShown())
+    else if (_pMessageBar != nullptr && _pMessageBar->IsShown())
     {
         _pMessageBar->Dismiss();
     }
@@ -1026,7 +1061,7 @@ void MainFrame::showStatus()
     wxString text = "No documents";
     if (!_documents.isEmpty())
     {
-        const std::size_t selected = static_cast<std::size_t>(_pList->GetSelectedItemCount());
+        const std::size_t selected = static_cast<std::size_t>(list().GetSelectedItemCount());
         text = hoAmountText(_documents.size(), "document", "documents") + ", " + hoSizeText(_documents.totalSize());
         if (selected > 0)
         {
@@ -1079,12 +1114,6 @@ void MainFrame::loadSettings()
 
 void MainFrame::restorePlace()
 {
-    std::vector<int> widths;
-    for (std::size_t column = 1; column <= _pList->columnWidths().size(); ++column)
-    {
-        widths.push_back(static_cast<int>(_settings.number("column." + std::to_string(column), 0, 0, 10000)));
-    }
-    _pList->setColumnWidths(widths);
     PlaceReader reader(_settings);
     if (!RestoreToGeometry(reader))
     {
@@ -1100,10 +1129,13 @@ void MainFrame::remember()
         paths.push_back(hoToBytes(path));
     }
     _settings.setTexts("recent", paths);
-    int column = 0;
-    for (const int width : _pList->columnWidths())
+    if (_pList != nullptr)
     {
-        _settings.setNumber("column." + std::to_string(++column), width);
+        int column = 0;
+        for (const int width : _pList->columnWidths())
+        {
+            _settings.setNumber("column." + std::to_string(++column), width);
+        }
     }
     if (IsShown() && !IsIconized())
     {

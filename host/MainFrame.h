@@ -137,6 +137,10 @@ private:
     // event is dealt with, however many documents it brought.
     void showChangesSoon();
     void showChangesNow();
+    // Made when there is something to show in them: a start without documents has neither.
+    hoDocumentListCtrl& list();
+    wxInfoBar& messageBar();
+
     void showMessage();
     void clearMessage();
     void showStatus();
@@ -173,9 +177,9 @@ private:
     hoProgressDialog* _pProgressDialog;
     hoAssertionReportWindow* _pReportWindow;  // null until it is asked for
     wxMenu* _pRecentMenu;
-    wxInfoBar* _pMessageBar;
+    wxInfoBar* _pMessageBar;  // null until it is needed
     wxSimplebook* _pPages;
-    hoDocumentListCtrl* _pList;
+    hoDocumentListCtrl* _pList;  // null until it is needed
 };
 
 #endif

@@ -12,6 +12,7 @@
 #include <wx/listctrl.h>
 #include <wx/statusbr.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -92,11 +93,20 @@ protected:
         _pFrame = nullptr;
     }
 
-    wxListCtrl& list() const { return *dynamic_cast<wxListCtrl*>(wxWindow::FindWindowByName("documents", _pFrame)); }
+    // Null as long as there has been no document.
+    wxListCtrl* findList() const { return dynamic_cast<wxListCtrl*>(wxWindow::FindWindowByName("documents", _pFrame)); }
+    wxListCtrl& list() const
+    {
+        if (findList() == nullptr)
+        {
+            throw std::logic_error("there is no list of documents yet");
+        }
+        return *findList();
+    }
     std::vector<std::string> rows(int column = 0) const
     {
         std::vector<std::string> texts;
-        for (int row = 0; row < list().GetItemCount(); ++row)
+        for (int row = 0; findList() != nullptr && row < list().GetItemCount(); ++row)
         {
             texts.push_back(list().GetItemText(row, column).utf8_string());
         }
@@ -106,7 +116,7 @@ protected:
     {
         std::vector<std::string> texts;
         long row = -1;
-        while ((row = list().GetNextItem(row, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED)) >= 0)
+        while (findList() != nullptr && (row = list().GetNextItem(row, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED)) >= 0)
         {
             texts.push_back(list().GetItemText(row).utf8_string());
         }
