@@ -29,10 +29,13 @@ test=(
 )
 develop=(
     clang-format clang-tidy gcovr git
-    # For 32-bit builds of the multiple-precision module.
-    g++-multilib
-    libbenchmark-dev libtommath-dev valgrind librsvg2-bin shellcheck
+    libx11-dev libbenchmark-dev libtommath-dev valgrind librsvg2-bin shellcheck
 )
+
+# For 32-bit builds of the multiple-precision module.
+if [ "$(dpkg --print-architecture 2>/dev/null)" = amd64 ]; then
+    test+=(g++-multilib)
+fi
 
 case "${1:-test}" in
     run) wanted=("${run[@]}") ;;
