@@ -11,7 +11,7 @@ set -u
 "$root/scripts/install-dependencies.sh" develop || exit
 build=$root/build/benchmark
 rooms=("$@")
-[ "${#rooms[@]}" -gt 0 ] || rooms=(bigdigits crypto)
+[ "${#rooms[@]}" -gt 0 ] || rooms=(bigdigits crypto host)
 targets=()
 for room in "${rooms[@]}"; do
     [ -d "$root/benchmarks/$room" ] || fail "there is no room '$room' with benchmarks in benchmarks/$room"
@@ -24,13 +24,18 @@ if command -v ccache >/dev/null 2>&1; then
 fi
 step "configuring (build/benchmark)" cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
     "-DCMAKE_CXX_FLAGS_RELEASE=-O3 -DNDEBUG" -DCOUNTERSIGN_BUILD_BENCHMARKS=ON -DCOUNTERSIGN_BUILD_TESTS=OFF \
-    -DCOUNTERSIGN_BUILD_DESKTOP=OFF -DCOUNTERSIGN_BUILD_CLI=OFF -DCOUNTERSIGN_WITH_TOOLKIT=OFF "${cache[@]}"
+    -DCOUNTERSIGN_BUILD_CLI=OFF "${cache[@]}"
 step "building (build/benchmark)" cmake --build "$build" "${targets[@]}"
 
 files=()
 for room in "${rooms[@]}"; do
     say "measuring $room (some minutes)"
-    "$build/bin/benchmark_$room" --benchmark_repetitions="${COUNTERSIGN_BENCHMARK_REPETITIONS:-3}" \
+    program=("$build/bin/benchmark_$room")
+    if [ "$room" = host ]; then
+        program=("$root/scripts/with-display.sh" "${program[@]}" "$build/bin/countersign-desktop"
+            "$build/bin/benchmark_bareFrame")
+    fi
+    "${program[@]}" --benchmark_repetitions="${COUNTERSIGN_BENCHMARK_REPETITIONS:-3}" \
         --benchmark_min_time=0.03 --benchmark_report_aggregates_only=true --benchmark_format=console \
         --benchmark_out_format=json --benchmark_out="$build/$room.json" >"$build/$room.log" ||
         fail "measuring $room; see $build/$room.log"

@@ -28,6 +28,7 @@ namespace
 {
 
 constexpr const char* signOption = "--sign-this-file";
+constexpr const char* testOption = "--test-this-file";
 constexpr const char* keyOption = "--key";
 
 void check(bool isTrue)
@@ -174,12 +175,18 @@ void addProgram(const std::string& name, const std::vector<std::string>& command
         ->UseManualTime();
 }
 
+void writeFile(const std::string& path, const std::string& text)
+{
+    FILE* pFile = fopen(path.c_str(), "w");
+    check(pFile != nullptr);
+    check(fputs(text.c_str(), pFile) >= 0 && fclose(pFile) == 0);
+}
+
 void addFiles(const std::string& self, const std::string& folder, const KeyTexts& texts)
 {
     const std::string keyFile = folder + "/key";
-    FILE* pKey = fopen(keyFile.c_str(), "w");
-    check(pKey != nullptr);
-    check(fprintf(pKey, "%s\n%s\n", texts.product.c_str(), texts.publicNumber.c_str()) > 0 && fclose(pKey) == 0);
+    writeFile(keyFile, texts.product + "\n" + texts.publicNumber + "\n");
+    const Keys keys(texts);
 
     const std::pair<const char*, long> sizes[] = {
         {"empty", 0}, {"1 MB", 1L << 20}, {"64 MB", 64L << 20}, {"1 GB", 1L << 30}};
@@ -198,28 +205,51 @@ void addFiles(const std::string& self, const std::string& folder, const KeyTexts
             check(fwrite(block.data(), 1, block.size(), pFile) == block.size());
         }
         check(fclose(pFile) == 0);
-        const std::string operation =
-            std::string("fold and sign a file, exponent 65537, key of 1024 bits/") + name + "/";
-        addProgram(operation + "ours", {self, signOption, file, keyOption, keyFile});
-        addProgram(operation + "cat", {"cat", file});
-        addProgram(operation + "sha256sum", {"sha256sum", file});
-        addProgram(operation + "cksum", {"cksum", file});
+        gtString signature;
+        crRSADigitalSigner signer(keys.privateKey);
+        check(signer.getSignature(osFilePath(gtString(file.c_str())), signature));
+        writeFile(file + ".sig", signature.asCharArray());
+        const std::string ending = std::string(" a file, exponent 65537, key of 1024 bits/") + name + "/";
+        addProgram("fold and sign" + ending + "ours", {self, signOption, file, keyOption, keyFile});
+        addProgram("test the signature of" + ending + "ours", {self, testOption, file, keyOption, keyFile});
+        for (const std::string operation : {"fold and sign", "test the signature of"})
+        {
+            for (const std::string other : {"cat", "sha256sum", "cksum"})
+            {
+                addProgram(operation + ending + other, {other, file});
+            }
+        }
     }
 }
 
-// The program that is measured on files: loads the key, signs the file.
-int signFile(const char* file, const char* keyFile)
+// The program that is measured on files: loads the key, signs the file or tests its signature.
+int workOnFile(const std::string& option, const std::string& file, const char* keyFile)
 {
-    char product[300];
-    char number[300];
-    FILE* pKey = fopen(keyFile, "r");
-    check(pKey != nullptr && fscanf(pKey, "%299s %299s", product, number) == 2);
-    check(fclose(pKey) == 0);
+    const auto readWords = [](const std::string& path, std::vector<std::string> words)
+    {
+        FILE* pFile = fopen(path.c_str(), "r");
+        check(pFile != nullptr);
+        for (std::string& word : words)
+        {
+            char text[600];
+            check(fscanf(pFile, "%599s", text) == 1);
+            word = text;
+        }
+        check(fclose(pFile) == 0);
+        return words;
+    };
+    const std::vector<std::string> numbers = readWords(keyFile, std::vector<std::string>(2));
     crRSAEncryptionKey key;
-    check(key.setKeyFromStrings(1024, gtString(product), 1024, gtString(number)));
-    gtString signature;
+    check(key.setKeyFromStrings(1024, gtString(numbers[0].c_str()), 1024, gtString(numbers[1].c_str())));
     crRSADigitalSigner signer(key);
-    check(signer.getSignature(osFilePath(gtString(file)), signature));
+    const osFilePath path(gtString(file.c_str()));
+    if (option == testOption)
+    {
+        const std::string signature = readWords(file + ".sig", std::vector<std::string>(1))[0];
+        return signer.testSignature(path, gtString(signature.c_str())) ? 0 : 1;
+    }
+    gtString signature;
+    check(signer.getSignature(path, signature));
     puts(signature.asCharArray());
     return 0;
 }
@@ -228,9 +258,9 @@ int signFile(const char* file, const char* keyFile)
 
 int main(int argc, char** argv)
 {
-    if (argc == 5 && std::string(argv[1]) == signOption && std::string(argv[3]) == keyOption)
+    if (argc == 5 && std::string(argv[3]) == keyOption)
     {
-        return signFile(argv[2], argv[4]);
+        return workOnFile(argv[1], argv[2], argv[4]);
     }
     const char* temporary = std::getenv("TMPDIR");
     std::string folder = std::string(temporary != nullptr ? temporary : "/tmp") + "/countersign-benchmark.XXXXXX";
