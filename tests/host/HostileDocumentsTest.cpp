@@ -102,7 +102,7 @@ TEST_F(HostileDocuments, TenThousandAreOpenedWorkedOnAndClosed)
     const int amount = 10000;
     const std::vector<std::string> paths = manyDocuments(amount, 10);
     drop(paths);
-    tsRunUntil("all are open", [&] { return list().GetItemCount() == amount; });
+    tsRunUntil("all are open", [&] { return rowCount() == amount; });
     settle();
     EXPECT_EQ(status(2), "10,000 documents, 10.0 kB, 10,000 selected");
     workWith("ctrl+shift+s");
@@ -122,7 +122,7 @@ TEST_F(HostileDocuments, TenThousandAreOpenedWorkedOnAndClosed)
         wxGetApp().MacOpenFile(wxString::FromUTF8(path));
     }
     settle();
-    EXPECT_EQ(list().GetItemCount(), amount);
+    EXPECT_EQ(rowCount(), amount);
 
     // Their folders disappear while they are listed.
     for (int folder = 0; folder < 10; ++folder)
@@ -136,7 +136,7 @@ TEST_F(HostileDocuments, TenThousandAreOpenedWorkedOnAndClosed)
     EXPECT_EQ(_pFrame->refusalMessage(), "10,000 documents could not be opened.");
     settle();
     tsPressKeys("ctrl+shift+w");
-    tsRunUntil("all are closed", [this] { return list().GetItemCount() == 0; });
+    tsRunUntil("all are closed", [this] { return rowCount() == 0; });
 }
 
 TEST_F(HostileDocuments, TenThousandMayBeInAsManyFolders)
@@ -144,7 +144,7 @@ TEST_F(HostileDocuments, TenThousandMayBeInAsManyFolders)
     start();
     const int amount = 10000;
     drop(manyDocuments(amount, amount));
-    tsRunUntil("all are open", [&] { return list().GetItemCount() == amount; });
+    tsRunUntil("all are open", [&] { return rowCount() == amount; });
     settle();
     _many.write("1/1.txt", "longer");
     wxActivateEvent activation(wxEVT_ACTIVATE, true);
@@ -158,7 +158,7 @@ TEST_F(HostileDocuments, OnAFolderThatDisappearsAreSaidToBeGone)
     useKey();
     const std::vector<std::string> paths = manyDocuments(20, 2);
     drop(paths);
-    tsRunUntil("all are open", [&] { return list().GetItemCount() == 20; });
+    tsRunUntil("all are open", [&] { return rowCount() == 20; });
     settle();
     _many.write("0/0.txt", "");
     std::filesystem::resize_file(_many.path("0/0.txt"), 8ULL << 30);
@@ -226,14 +226,14 @@ TEST_F(HostileDocuments, ThatAreNoFilesAreRefusedWithoutWaiting)
         tsRunUntil(path + " is refused", [&, text = reason]
                    { return _pFrame->refusalMessage().utf8_string().find(text) != std::string::npos; });
     }
-    EXPECT_EQ(list().GetItemCount(), 0);
+    EXPECT_EQ(rowCount(), 0);
     close(socketFile);
 
     // A link to a file is a document of its own.
     _many.write("file.txt", "x");
     std::filesystem::create_symlink("file.txt", _many.path("link.txt"));
     drop({_many.path("link.txt")});
-    tsRunUntil("the link is open", [this] { return list().GetItemCount() == 1; });
+    tsRunUntil("the link is open", [this] { return rowCount() == 1; });
     workWith("ctrl+shift+s");
     EXPECT_EQ(message(), "1 document: 1 signed.");
     EXPECT_TRUE(std::filesystem::is_regular_file(_many.path("link.txt.sig")));
@@ -248,7 +248,7 @@ TEST_F(HostileDocuments, ThatBecomeSomethingElseAreNotWaitedFor)
         _many.write(pName, "x");
     }
     drop({_many.path("a"), _many.path("b"), _many.path("c"), _many.path("d")});
-    tsRunUntil("all are open", [this] { return list().GetItemCount() == 4; });
+    tsRunUntil("all are open", [this] { return rowCount() == 4; });
     settle();
     std::filesystem::remove(_many.path("a"));
     ASSERT_EQ(mkfifo(_many.path("a").c_str(), 0600), 0);
@@ -278,7 +278,7 @@ TEST_F(HostileDocuments, OfEndlessFilesCanBeCancelled)
         std::filesystem::resize_file(_many.path("endless"), 1ULL << 40);
     }
     drop({_many.path("endless")});
-    tsRunUntil("it is open", [this] { return list().GetItemCount() == 1; });
+    tsRunUntil("it is open", [this] { return rowCount() == 1; });
     settle();
     tsPressKeys("ctrl+s");
     tsRunUntil("the progress is shown", [this] { return isAnotherWindowActive(); });
@@ -341,7 +341,7 @@ TEST_F(HostileDocuments, MayBeNamedByAMegabyte)
     tsRunUntil("it is refused", [this] { return _pFrame->refusalMessage().Contains("longer than the system allows"); });
     EXPECT_LT(_pFrame->refusalMessage().length(), 200U);
     settle();
-    EXPECT_EQ(list().GetItemCount(), 0);
+    EXPECT_EQ(rowCount(), 0);
 }
 
 // A label takes "&" for the mark of a key unless it is told otherwise.

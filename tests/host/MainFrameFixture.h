@@ -103,10 +103,11 @@ protected:
         }
         return *findList();
     }
+    int rowCount() const { return findList() != nullptr ? findList()->GetItemCount() : 0; }
     std::vector<std::string> rows(int column = 0) const
     {
         std::vector<std::string> texts;
-        for (int row = 0; findList() != nullptr && row < list().GetItemCount(); ++row)
+        for (int row = 0; row < rowCount(); ++row)
         {
             texts.push_back(list().GetItemText(row, column).utf8_string());
         }

@@ -328,15 +328,15 @@ TEST_F(MainWindow, ClosesDocumentsByKey)
     startWithDocuments();
     openAskedFor(_folder.path("a.txt"));
     tsPressKeys("Delete");
-    tsRunUntil("a row is gone", [this] { return list().GetItemCount() == 2; });
+    tsRunUntil("a row is gone", [this] { return rowCount() == 2; });
     EXPECT_THAT(rows(), ElementsAre("b.txt", "c.txt"));
     EXPECT_THAT(selectedRows(), ElementsAre("c.txt"));
     tsPressKeys("ctrl+w");
-    tsRunUntil("another row is gone", [this] { return list().GetItemCount() == 1; });
+    tsRunUntil("another row is gone", [this] { return rowCount() == 1; });
     EXPECT_THAT(selectedRows(), ElementsAre("b.txt"));
     tsPressKeys("ctrl+shift+w");
     tsRunUntil("the window is empty", [this] { return isEmptyLineShown(); });
-    EXPECT_EQ(list().GetItemCount(), 0);
+    EXPECT_EQ(rowCount(), 0);
     EXPECT_EQ(status(2), "No documents");
     EXPECT_TRUE(std::filesystem::exists(_folder.path("a.txt")));
 }
@@ -379,7 +379,7 @@ TEST_F(MainWindow, HoldsTenThousandDocuments)
         arguments.push_back(_folder.write(std::to_string(i) + ".txt", "x"));
     }
     start(arguments);
-    EXPECT_EQ(list().GetItemCount(), amount);
+    EXPECT_EQ(rowCount(), amount);
     EXPECT_EQ(status(2), "10,000 documents, 10.0 kB, 10,000 selected");
     openAskedFor(_folder.path("7777.txt"));
     EXPECT_THAT(selectedRows(), ElementsAre("7777.txt"));
