@@ -108,6 +108,15 @@ install(FILES
     DESTINATION "${countersignCMakeFolder}" COMPONENT development)
 
 # The same for those who use pkg-config. The description's folders follow the file's own place.
+if(TARGET countersign::toolkit AND wxWidgets_CONFIG_EXECUTABLE)
+    foreach(kind IN ITEMS cxxflags libs)
+        execute_process(COMMAND "${wxWidgets_CONFIG_EXECUTABLE}" --${kind} core base
+            OUTPUT_VARIABLE countersignToolkit_${kind} OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    endforeach()
+    if(countersignGtk_FOUND)
+        set(countersignToolkitRequires ", gtk+-3.0")
+    endif()
+endif()
 file(RELATIVE_PATH countersignPrefixFromPkgConfig "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 foreach(component IN LISTS countersignComponents)
     configure_file("${CMAKE_CURRENT_LIST_DIR}/pkgconfig/countersign-${component}.pc.in"

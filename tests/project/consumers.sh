@@ -46,6 +46,11 @@ case $way in
             echo "the plain C program depends on more than the module" >&2
             exit 1
         fi
+        # shellcheck disable=SC2046
+        c++ -std=c++17 "$source/tests/consumers/findPackage/main.cpp" -o "$here/withToolkit" \
+            $(pkg-config --cflags --libs countersign-assertionHandling countersign-crypto)
+        expect "the program's output" $'000000036362610164646464\n1 handler' \
+            "$(LD_LIBRARY_PATH=$(pkg-config --variable=libdir countersign-platform)/countersign "$here/withToolkit")"
         ;;
     subproject)
         cmake -S "$source/tests/consumers/subproject" -B "$here/build" -G Ninja -DCOUNTERSIGN_SOURCE="$source" \
