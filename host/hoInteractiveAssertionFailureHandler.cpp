@@ -70,7 +70,10 @@ void hoInteractiveAssertionFailureHandler::onAssertionFailure(const char* functi
         outputAssertionMessageToStderr(functionName, fileName, lineNumber, message);
         _pReport->record(functionName, fileName, lineNumber, message, osGetCurrentThreadId(),
                          osTime().setFromCurrentTime().secondsSince1970());
-        ask(functionName, fileName, lineNumber, message);
+        if (!_isDeciding && wxTheApp != nullptr)
+        {
+            ask({gtString(functionName), gtString(fileName), lineNumber, gtString(message)});
+        }
     }
     catch (const std::bad_alloc&)
     {
@@ -78,31 +81,24 @@ void hoInteractiveAssertionFailureHandler::onAssertionFailure(const char* functi
     errno = error;
 }
 
-void hoInteractiveAssertionFailureHandler::ask(const char* functionName, const char* fileName, int lineNumber,
-                                               const char* message)
+void hoInteractiveAssertionFailureHandler::ask(Failure failure)
 {
-    if (_isDeciding || wxTheApp == nullptr)
-    {
-        return;
-    }
     if (osGetCurrentThreadId() == _mainThreadId)
     {
-        decide(functionName, fileName, lineNumber, message);
+        decide(failure);
     }
     else
     {
-        decideLater(functionName, fileName, lineNumber, message);
+        decideLater(std::move(failure));
     }
 }
 
-void hoInteractiveAssertionFailureHandler::decideLater(const char* functionName, const char* fileName, int lineNumber,
-                                                       const char* message)
+void hoInteractiveAssertionFailureHandler::decideLater(Failure failure)
 {
-    Failure failure{gtString(functionName), gtString(fileName), lineNumber, gtString(message)};
     const std::lock_guard<std::mutex> lock(_mutex);
     const bool isWaiting =
         std::any_of(_waiting.begin(), _waiting.end(),
-                    [&](const Failure& other) { return other._line == lineNumber && other._file == failure._file; });
+                    [&](const Failure& other) { return other._line == failure._line && other._file == failure._file; });
     if (isWaiting || _waiting.size() == mostWaiting)
     {
         return;
@@ -136,8 +132,7 @@ void hoInteractiveAssertionFailureHandler::decideNext()
         Failure failure;
         if (!_isDeciding && takeWaiting(failure))
         {
-            decide(failure._function.asCharArray(), failure._file.asCharArray(), failure._line,
-                   failure._message.asCharArray());
+            decide(failure);
         }
     }
     catch (const std::bad_alloc&)
@@ -177,8 +172,7 @@ bool hoInteractiveAssertionFailureHandler::takeWaiting(Failure& failure)
     return false;
 }
 
-void hoInteractiveAssertionFailureHandler::decide(const char* functionName, const char* fileName, int lineNumber,
-                                                  const char* message)
+void hoInteractiveAssertionFailureHandler::decide(const Failure& failure)
 {
     if (_isDeciding)
     {
@@ -187,14 +181,15 @@ void hoInteractiveAssertionFailureHandler::decide(const char* functionName, cons
     // The dialog's own event loop may end with the owner gone.
     const auto pSelf = weak_from_this().lock();
     const Flag deciding(_isDeciding);
-    const osFilePath filePath((gtString(fileName)));
-    if (isInIgnoredSourceLocations(filePath, lineNumber))
+    const osFilePath filePath(failure._file);
+    if (isInIgnoredSourceLocations(filePath, failure._line))
     {
         // The report keeps that it was decided once and for all.
         return;
     }
-    const int decision = displayAssertionDialog(functionName, filePath, lineNumber, message);
+    const int decision = displayAssertionDialog(failure._function.asCharArray(), filePath, failure._line,
+                                                failure._message.asCharArray());
     // First, because some decisions do not come back.
-    _pReport->decide(fileName, lineNumber, decisionOf(decision));
-    handleUsersDecision(decision, filePath, lineNumber);
+    _pReport->decide(failure._file.asCharArray(), failure._line, decisionOf(decision));
+    handleUsersDecision(decision, filePath, failure._line);
 }

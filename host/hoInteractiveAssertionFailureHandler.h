@@ -59,12 +59,12 @@ private:
         gtString _message;
     };
 
-    void ask(const char* functionName, const char* fileName, int lineNumber, const char* message);
-    void decideLater(const char* functionName, const char* fileName, int lineNumber, const char* message);
+    void ask(Failure failure);
+    void decideLater(Failure failure);
     void decideNext();
     bool takeWaiting(Failure& failure);
     void goOnLater();
-    void decide(const char* functionName, const char* fileName, int lineNumber, const char* message);
+    void decide(const Failure& failure);
 
     const std::shared_ptr<hoAssertionReport> _pReport;
     std::atomic<bool> _isDeciding;
