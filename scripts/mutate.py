@@ -7,7 +7,8 @@ a survivor: a hole in the tests, or a change that changes nothing (an equivalent
 
 How a mutant ends:
     uncompiled  the compiler or the linker refuses it (warnings are off, so that as many as possible come through)
-    same        the object code is the unchanged one, so it is the same program
+    same        the object code is the unchanged one, so it is the same program; for what the tests let pass, the code
+                that the compiler makes with more optimisation counts as well
     caught      a test fails, crashes or does not end; if not in the plain build, then in one of the others
     equivalent  nothing catches it, and the list of equivalent mutants says why
     survived    nothing catches it
@@ -45,6 +46,12 @@ BUILDS = {
 }
 # And the part of the random cases that runs there.
 FURTHER_PERCENTS = {"release": 100, "asan": 10, "tsan": 2}
+
+# With these, too, equal code means that it is the same program.
+FURTHER_LEVELS = ["-O2", "-O3"]
+
+# Tests are run in parts, those that take less than so many seconds first.
+SECONDS_OF_PARTS = [0.1, 1, float("inf")]
 
 # How a mutant can end, in the order of the table.
 STATES = ["uncompiled", "same", "caught", "equivalent", "survived"]
@@ -284,6 +291,10 @@ def adopt_orphans():
     ctypes.CDLL(None, use_errno=True).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
 
 
+class LinkingFailed(Exception):
+    pass
+
+
 def end_all_children(own=()):
     for _ in range(100):
         children = Path(f"/proc/self/task/{os.getpid()}/children").read_text().split()
@@ -304,7 +315,7 @@ Run = collections.namedtuple("Run", "passed failed_test processor_seconds second
 
 def run_program(command, scratch, environment, seconds_of_tests, cpu_limit, memory_limit):
     """Runs a test program of gtest's in an empty folder. Says by which test it failed, if it did. A test that takes
-    many times as long as before has failed, too."""
+    many times as long as before, by the clock or by the processor's time, has failed, too."""
     shutil.rmtree(scratch, ignore_errors=True)
     (scratch / "home").mkdir(parents=True)
     environment = dict(environment, TMPDIR=str(scratch), HOME=str(scratch / "home"))
@@ -323,17 +334,18 @@ def run_program(command, scratch, environment, seconds_of_tests, cpu_limit, memo
             command, cwd=scratch, env=environment, stdin=subprocess.DEVNULL, stdout=sink, stderr=sink,
             start_new_session=True, preexec_fn=limits)  # fmt: skip
     status = None
-    current, since = "", time.monotonic()
+    current, since, worked_since = "", time.monotonic(), 0
     while status is None:
         try:
             status = process.wait(timeout=0.5)
         except subprocess.TimeoutExpired:
             started = re.findall(r"^\[ RUN      \] (\S+)", tail_of(output), re.M)
+            worked = seconds_worked(process.pid)
             if started and started[-1] != current:
-                current, since = started[-1], time.monotonic()
+                current, since, worked_since = started[-1], time.monotonic(), worked
             # Before the first test and behind the last one something may hang, too.
-            limit = 10 + 8 * seconds_of_tests.get(current, 1) if seconds_of_tests else 1800
-            if time.monotonic() - since > limit:
+            usual = 8 * seconds_of_tests.get(current, 1) if seconds_of_tests else 1800
+            if time.monotonic() - since > 10 + usual or worked - worked_since > 5 + usual:
                 status = "time limit"
                 process.kill()
                 process.wait()
@@ -352,6 +364,12 @@ def run_program(command, scratch, environment, seconds_of_tests, cpu_limit, memo
         limits = {-signal.SIGXCPU: "time limit", "time limit": "time limit"}
         how = limits.get(status, f"status {status}")
     return Run(False, f"{test} ({how})", processor_seconds, {})
+
+
+def seconds_worked(pid):
+    """Of the processor's time, by all threads."""
+    words = Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()
+    return (int(words[11]) + int(words[12])) / os.sysconf("SC_CLK_TCK")
 
 
 def tail_of(file):
@@ -392,6 +410,9 @@ class Build:
         self.read_commands()
         self.changed = None
         self.costs = {}
+        self.parts = {}
+        self.stale = set()  # programs that are to be linked before they are run
+        self.preambles = {}
 
     def ninja(self, *arguments):
         return subprocess.run(["ninja", "-C", str(self.folder), *arguments], check=True, text=True,
@@ -430,30 +451,92 @@ class Build:
         of_library = [name for name in everything if name not in of_tests]
         return (of_library, of_tests) if of_library else (of_tests, [])
 
+    def has_compiled(self, words):
+        try:
+            subprocess.run(words, cwd=self.folder, check=True, timeout=300, stdout=subprocess.DEVNULL,
+                           stderr=subprocess.DEVNULL)  # fmt: skip
+        except (subprocess.CalledProcessError, subprocess.TimeoutExpired):
+            return False
+        return True
+
+    def preamble(self, file, name):
+        """What makes the compiler take the headers that the source begins with in the form in which it has read them
+        already, or nothing."""
+        if (file, name) not in self.preambles:
+            self.preambles[file, name] = []
+            header = self.folder / "preambles" / (name.replace("/", "_") + ".h")
+            kept, open_conditions = [], 0
+            for line in (self.tree / file).read_text().splitlines():
+                if not re.match(r"\s*(#|//|$)", line):
+                    break
+                if line.endswith("\\"):
+                    break
+                kept.append(line)
+                open_conditions += bool(re.match(r"\s*#\s*if", line)) - bool(re.match(r"\s*#\s*endif", line))
+            header.parent.mkdir(exist_ok=True)
+            header.write_text("\n".join(kept + ["#endif"] * open_conditions + [""]))
+            words = self.compiling[name]
+            source = next(i for i, word in enumerate(words) if word == "-c") + 1
+            words = without_output(words[: source - 1] + words[source + 1 :])
+            folder = str((self.tree / file).parent)
+            if self.has_compiled(words + ["-iquote", folder, "-x", "c++-header", str(header), "-o", f"{header}.gch"]):
+                self.preambles[file, name] = ["-include", str(header)]
+        return self.preambles[file, name]
+
     def compile(self, file, content, objects):
         """Compiles with this content of the file. Returns the digest of the objects, or None."""
-        (self.tree / file).write_bytes(content)
-        self.changed = file
+        self.write(file, content)
         digest = hashlib.sha256()
         for name in objects:
-            try:
-                subprocess.run(self.compiling[name], cwd=self.folder, check=True, timeout=300,
-                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)  # fmt: skip
-            except (subprocess.CalledProcessError, subprocess.TimeoutExpired):
+            words = self.compiling[name]
+            # A header is in what the compiler has read already.
+            if file.endswith(".cpp") and not self.sanitized:
+                words = words[:1] + self.preamble(file, name) + words[1:]
+            if not self.has_compiled(words):
                 return None
             digest.update((self.folder / name).read_bytes())
         return digest.hexdigest()
 
+    def write(self, file, content):
+        (self.tree / file).write_bytes(content)
+        self.changed = file
+
+    def digest_at(self, level, file, content, objects):
+        """The digest of what the objects would be at another level of optimisation, or None."""
+        self.write(file, content)
+        digest = hashlib.sha256()
+        target = self.folder / "optimised.o"
+        for name in objects:
+            words = [word for word in without_output(self.compiling[name]) if not re.match(r"-O\w*$", word)]
+            if not self.has_compiled(words + [level, "-o", str(target)]):
+                return None
+            digest.update(target.read_bytes())
+        return digest.hexdigest()
+
     def link(self, objects):
+        """Libraries; the programs later, when they are run."""
         fresh = set(objects)
         for words, line in self.linking:
             if fresh & words:
-                if subprocess.run(line, shell=True, cwd=self.folder, stdout=subprocess.DEVNULL,
-                                  stderr=subprocess.DEVNULL).returncode != 0:  # fmt: skip
-                    return False
-                # Programs find a shared library as it is now, without being linked again.
-                fresh |= {word for word in words if word.endswith(".a") and f" {word} " in line and " qc " in line}
+                programs = [p for p in self.programs if f"bin/{p.name}" in words]
+                self.stale.update(programs)
+                if not programs:
+                    if not self.has_run(line):
+                        return False
+                    # Programs find a shared library as it is now, without being linked again.
+                    fresh |= {word for word in words if word.endswith(".a") and f" {word} " in line and " qc " in line}
         return True
+
+    def has_run(self, line):
+        return subprocess.run(line, shell=True, cwd=self.folder, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL).returncode == 0  # fmt: skip
+
+    def link_program(self, program):
+        if program in self.stale:
+            for words, line in self.linking:
+                if f"bin/{program.name}" in words and not self.has_run(line):
+                    raise LinkingFailed
+            self.stale.remove(program)
 
     def change(self, file, content):
         """Everything that is made from the file, with this content of it."""
@@ -474,9 +557,15 @@ class Build:
             if not run.passed:
                 give_up(f"{program.name} fails on the unchanged program: {run.failed_test}")
             self.costs[program] = run
+            seconds = run.seconds_of_tests
+            bounds = list(zip([-1] + SECONDS_OF_PARTS, SECONDS_OF_PARTS))
+            parts = [[test for test in seconds if low <= seconds[test] < high] for low, high in bounds]
+            # Those whose time is not known, such as skipped ones, are in the first.
+            self.parts[program] = ["*-" + ":".join(parts[1] + parts[2])] + [":".join(part) for part in parts[1:]]
         self.programs.sort(key=lambda p: sum(self.costs[p].seconds_of_tests.values()))
 
     def run(self, program, arguments):
+        self.link_program(program)
         cost = self.costs.get(program)
         environment = dict(self.environment, COUNTERSIGN_TEST_PERCENT=str(self.percent), COUNTERSIGN_TEST_SEED="1")
         # Some tests hold texts of gigabytes. Sanitizers take address space that they do not use.
@@ -484,6 +573,17 @@ class Build:
         return run_program([str(program), "--gtest_fail_fast", *arguments], self.scratch, environment,
                            cost.seconds_of_tests if cost else None,
                            int(5 + 6 * cost.processor_seconds) if cost else 1800, memory)  # fmt: skip
+
+
+def without_output(words):
+    """A compiler's command without the files that it writes."""
+    kept, following = [], iter(words)
+    for word in following:
+        if word in ("-o", "-MF", "-MT"):
+            next(following)
+        elif word != "-MD":
+            kept.append(word)
+    return kept
 
 
 class Room:
@@ -497,6 +597,7 @@ class Room:
         self.environment = environment
         self.plain = Build(work, tree, name, "plain", environment, not options.without_windows)
         self.further = {}
+        self.digests = {}
         self.catchers = collections.OrderedDict()  # (program, test), the last to catch at the end
         commands = json.loads((self.plain.folder / "compile_commands.json").read_text())
         self.arguments = {}
@@ -538,10 +639,13 @@ class Room:
         return self.further[name]
 
     def caught_by(self, build, programs):
-        for program in programs:
-            run = build.run(program, [])
-            if not run.passed:
-                return program, run.failed_test
+        for number in range(len(SECONDS_OF_PARTS)):
+            for program in programs:
+                tests = build.parts[program][number]
+                if tests:
+                    run = build.run(program, ["--gtest_filter=" + tests])
+                    if not run.passed:
+                        return program, run.failed_test
         return None
 
     def caught_by_the_last_catchers(self, programs):
@@ -566,20 +670,42 @@ class Room:
             caught = self.caught_by_the_last_catchers(later) or self.caught_by(self.plain, later)
         return caught
 
-    def try_mutant(self, mutant, originals, digests, is_listed):
-        original = originals[mutant.file]
+    def digest_of_original(self, how, mutant, original, objects):
+        key = (how, mutant.file, tuple(objects))
+        if key not in self.digests:
+            make = self.plain.compile if how == "" else lambda *rest: self.plain.digest_at(how, *rest)
+            self.digests[key] = make(mutant.file, original, objects)
+        return self.digests[key]
+
+    def is_same_when_optimised(self, mutant, content, original):
+        objects = sum(self.plain.objects(mutant.file), [])
+        for level in FURTHER_LEVELS:
+            digest = self.plain.digest_at(level, mutant.file, content, objects)
+            if digest is not None and digest == self.digest_of_original(level, mutant, original, objects):
+                return True
+        return False
+
+    def try_mutant(self, mutant, original, is_listed):
         content = original[: mutant.begin] + mutant.text.encode() + original[mutant.end :]
-        objects, _ = self.plain.objects(mutant.file)
-        digest = self.plain.compile(mutant.file, content, objects)
-        if digest is None:
+        of_library, of_tests = self.plain.objects(mutant.file)
+        digest = self.digest_of_original("", mutant, original, of_library)
+        mutants_digest = self.plain.compile(mutant.file, content, of_library)
+        if mutants_digest is None:
             return "uncompiled", ""
-        if digest == digests[mutant.file]:
-            return "same", ""
-        if not self.plain.link(objects):
+        if mutants_digest == digest:
+            # What stands in a header may make a difference to the tests alone.
+            digest = self.digest_of_original("", mutant, original, of_tests)
+            if digest == self.plain.compile(mutant.file, content, of_tests):
+                return "same", ""
+        try:
+            if not self.plain.link(of_library):
+                return "uncompiled", "(linker)"
+            caught = self.caught_in_plain_build(mutant, content)
+        except LinkingFailed:
             return "uncompiled", "(linker)"
-        caught = self.caught_in_plain_build(mutant, content)
+        if caught is None and self.is_same_when_optimised(mutant, content, original):
+            return "same", "(optimised)"
         if caught is None and is_listed:
-            self.plain.change(mutant.file, original)
             return "equivalent", ""
         if caught:
             program, test = caught
@@ -587,12 +713,15 @@ class Room:
             self.catchers.pop(name, None)
             self.catchers[name] = True
             return "caught", f"{program.name} {test}"
-        self.plain.change(mutant.file, original)
         for name in self.options.then:
             # Built from the unchanged tree.
+            self.plain.write(mutant.file, original)
             build = self.further_build(name)
-            if build.change(mutant.file, content):
-                caught = self.caught_by(build, build.programs)
+            try:
+                if build.change(mutant.file, content):
+                    caught = self.caught_by(build, build.programs)
+            except LinkingFailed:
+                pass
             build.change(mutant.file, original)
             if caught:
                 return "caught", f"{name}: {caught[0].name} {caught[1]}"
@@ -693,17 +822,15 @@ def try_room(options, name, equivalents):
     if chosen:
         say(f"{name}: running the tests on the unchanged program")
         room.plain.measure(options.percent)
-    originals, digests = {}, {}
+    originals = {}
     counts = collections.Counter()
     try:
         for number, mutant in enumerate(chosen, 1):
             if mutant.file not in originals:
                 restore(room, originals)
                 originals[mutant.file] = (tree / mutant.file).read_bytes()
-                objects, _ = room.plain.objects(mutant.file)
-                digests[mutant.file] = room.plain.compile(mutant.file, originals[mutant.file], objects)
             key = key_of(mutant)
-            state, by = room.try_mutant(mutant, originals, digests, key in equivalents.reasons)
+            state, by = room.try_mutant(mutant, originals[mutant.file], key in equivalents.reasons)
             results.set(key, state, by)
             counts[state] += 1
             if state == "survived":

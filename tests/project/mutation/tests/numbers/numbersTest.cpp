@@ -18,6 +18,20 @@ TEST(Numbers, AreHours)
     EXPECT_FALSE(isMorning(14));
 }
 
+TEST(Numbers, AreWholeParts)
+{
+    EXPECT_EQ(daysOf(47), 1);
+    EXPECT_EQ(daysOf(48), 2);
+    EXPECT_EQ(hoursOf(119), 1);
+    EXPECT_EQ(hoursOf(120), 2);
+}
+
+TEST(Numbers, AreAfternoons)
+{
+    EXPECT_FALSE(isAfternoon(12));
+    EXPECT_TRUE(isAfternoon(13));
+}
+
 // What reads one number too many shows only to the address sanitizer.
 TEST(Numbers, AreFound)
 {
