@@ -5,6 +5,7 @@
 #include "host/hoAssertionReport.h"
 #include "host/hoInteractiveAssertionFailureHandler.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
+#include "tests/support/tsCaughtErrors.h"
 
 #include <gmock/gmock.h>
 #include <wx/menu.h>
@@ -34,25 +35,6 @@ bool hasDialogKeyboard()
 class AssertionDialogs : public MainFrameFixture
 {
 protected:
-    void SetUp() override
-    {
-        MainFrameFixture::SetUp();
-        testing::internal::CaptureStderr();
-    }
-    void TearDown() override
-    {
-        if (!_isRead)
-        {
-            testing::internal::GetCapturedStderr();
-        }
-        MainFrameFixture::TearDown();
-    }
-    // What was written to standard error so far, once a test.
-    std::string written()
-    {
-        _isRead = true;
-        return testing::internal::GetCapturedStderr();
-    }
     void choose(const std::string& key)
     {
         tsPressKeys("alt+d");
@@ -88,7 +70,7 @@ protected:
         return amount;
     }
 
-    bool _isRead = false;
+    const tsCaughtErrors _errors;
 };
 }  // namespace
 
@@ -101,7 +83,7 @@ TEST_F(AssertionDialogs, AreOffAtFirst)
     tsRunUntil("the status bar tells", [this] { return !status(0).empty(); });
     EXPECT_EQ(status(0), "An assertion failed, and its handler stayed silent");
     EXPECT_EQ(tsTopModalDialog(), nullptr);
-    EXPECT_EQ(occurrences(written(), "Assertion failure"), 0U);
+    EXPECT_EQ(occurrences(_errors.take(), "Assertion failure"), 0U);
 }
 
 TEST_F(AssertionDialogs, ComeAndGoByTheMenu)
@@ -116,7 +98,7 @@ TEST_F(AssertionDialogs, ComeAndGoByTheMenu)
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
     fail(2);
     EXPECT_EQ(tsTopModalDialog(), nullptr);
-    const std::string report = written();
+    const std::string report = _errors.take();
     EXPECT_EQ(occurrences(report, "Assertion failure"), 2U);  // once in the frame of the line, once in the message
     EXPECT_THAT(report,
                 HasSubstr(" - Assertion failure: Assertion failure (x != 0) aFunction /source/aFile.cpp line 1"));
@@ -139,7 +121,7 @@ TEST_F(AssertionDialogs, AreReachedByTheMenu)
         .start();
     choose("f");
     tsRunUntil("the dialog is gone", [&] { return isAnswered && tsTopModalDialog() == nullptr; });
-    EXPECT_EQ(occurrences(written(), "asked for in the Developer menu"), 1U);
+    EXPECT_EQ(occurrences(_errors.take(), "asked for in the Developer menu"), 1U);
 }
 
 TEST_F(AssertionDialogs, StayAwayFromAnIgnoredLocation)
@@ -150,7 +132,7 @@ TEST_F(AssertionDialogs, StayAwayFromAnIgnoredLocation)
     fail(7);
     EXPECT_EQ(tsTopModalDialog(), nullptr);
     dialogsDuring("alt+i", [] { fail(8); });
-    EXPECT_EQ(occurrences(written(), " line "), 3U);
+    EXPECT_EQ(occurrences(_errors.take(), " line "), 3U);
 }
 
 TEST_F(AssertionDialogs, OfAnotherThreadComeOnTheMainOne)
@@ -170,7 +152,7 @@ TEST_F(AssertionDialogs, OfAnotherThreadComeOnTheMainOne)
                   });
     EXPECT_TRUE(isAnswered);
     tsRunUntil("the dialog is gone", [] { return tsTopModalDialog() == nullptr; });
-    EXPECT_EQ(occurrences(written(), "of a thread"), 1U);
+    EXPECT_EQ(occurrences(_errors.take(), "of a thread"), 1U);
 }
 
 TEST_F(AssertionDialogs, ComeOneAtATime)
@@ -205,7 +187,7 @@ TEST_F(AssertionDialogs, ComeOneAtATime)
     EXPECT_EQ(dialogs, 2);
     settle();
     EXPECT_EQ(tsTopModalDialog(), nullptr);
-    EXPECT_EQ(occurrences(written(), " line "), 3U);
+    EXPECT_EQ(occurrences(_errors.take(), " line "), 3U);
 }
 
 TEST_F(AssertionDialogs, EndWithTheWindow)
@@ -220,7 +202,7 @@ TEST_F(AssertionDialogs, EndWithTheWindow)
     fail(4);
     settle();
     EXPECT_EQ(tsTopModalDialog(), nullptr);
-    EXPECT_EQ(occurrences(written(), " line "), 1U);
+    EXPECT_EQ(occurrences(_errors.take(), " line "), 1U);
 }
 
 TEST_F(AssertionDialogs, LeaveNothingBehindWhenTheApplicationEndsFirst)

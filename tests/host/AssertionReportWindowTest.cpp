@@ -4,6 +4,7 @@
 #include "assertionHandling/ahAssertDialog.h"
 #include "host/hoAssertionReportWindow.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
+#include "tests/support/tsCaughtErrors.h"
 
 #include <gmock/gmock.h>
 #include <wx/button.h>
@@ -61,16 +62,6 @@ void failWithDialog(int line, const std::string& key)
 class AssertionReportWindow : public MainFrameFixture
 {
 protected:
-    void SetUp() override
-    {
-        MainFrameFixture::SetUp();
-        testing::internal::CaptureStderr();
-    }
-    void TearDown() override
-    {
-        testing::internal::GetCapturedStderr();
-        MainFrameFixture::TearDown();
-    }
     void settle()
     {
         MainFrameFixture::settle();
@@ -121,6 +112,8 @@ protected:
         return wxWindow::FindWindowByName("assertionReportHeading", window())->GetLabel().utf8_string();
     }
     bool isEnabled(int id) const { return window()->FindWindow(id)->IsEnabled(); }
+
+    const tsCaughtErrors _errors;
 };
 }  // namespace
 

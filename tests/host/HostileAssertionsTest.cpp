@@ -6,6 +6,7 @@
 #include "host/hoAssertionReportWindow.h"
 #include "host/hoInteractiveAssertionFailureHandler.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
+#include "tests/support/tsCaughtErrors.h"
 
 #include <gmock/gmock.h>
 #include <wx/timer.h>
@@ -79,16 +80,6 @@ private:
 class HostileAssertions : public MainFrameFixture
 {
 protected:
-    void SetUp() override
-    {
-        MainFrameFixture::SetUp();
-        testing::internal::CaptureStderr();
-    }
-    void TearDown() override
-    {
-        testing::internal::GetCapturedStderr();
-        MainFrameFixture::TearDown();
-    }
     void startWithDialogs()
     {
         start();
@@ -112,6 +103,8 @@ protected:
                    });
         return titles;
     }
+
+    const tsCaughtErrors _errors;
 };
 }  // namespace
 
