@@ -135,7 +135,8 @@ hoAssertionReportWindow::hoAssertionReportWindow(wxWindow* pParent, std::shared_
       _pReport(std::move(pReport)),
       _pHeading(new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE)),
       _pList(new hoAssertionReportList(this, _rows)),
-      _isChanged(false)
+      _isChanged(false),
+      _follow([this] { followReport(); })
 {
     auto* pCopy = new wxButton(this, wxID_COPY);
     auto* pSave = new wxButton(this, wxID_SAVEAS, "&Save...");
@@ -180,7 +181,7 @@ hoAssertionReportWindow::hoAssertionReportWindow(wxWindow* pParent, std::shared_
                         showRows();
                     }
                 });
-    _pReport->setListener([this] { CallAfter(&hoAssertionReportWindow::followReport); });
+    _pReport->setListener([this] { _follow.request(); });
     showRows();
 }
 

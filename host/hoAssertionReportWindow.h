@@ -7,6 +7,7 @@
 #define COUNTERSIGN_HO_ASSERTION_REPORT_WINDOW_H
 
 #include "host/hoAssertionReport.h"
+#include "host/hoMainThreadCall.h"
 
 #include <wx/dialog.h>
 #include <wx/timer.h>
@@ -53,6 +54,7 @@ private:
     hoAssertionReportList* _pList;
     wxTimer _pause;   // while it runs nothing is shown
     bool _isChanged;  // since the last showing
+    hoMainThreadCall _follow;
 };
 
 #endif

@@ -6,7 +6,6 @@
 #include "platform/osWrappers/osTime.h"
 
 #include <wx/app.h>
-#include <wx/timer.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -54,8 +53,9 @@ hoInteractiveAssertionFailureHandler::hoInteractiveAssertionFailureHandler(unsig
     : ahDialogBasedAssertionFailureHandler(mainThreadId),
       _pReport(std::move(pReport)),
       _isDeciding(false),
-      _isCalled(false)
+      _call([this] { decideSoon(); })
 {
+    _pause.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { decideNext(); });
 }
 
 hoInteractiveAssertionFailureHandler::~hoInteractiveAssertionFailureHandler() = default;
@@ -93,40 +93,43 @@ void hoInteractiveAssertionFailureHandler::ask(Failure failure)
     }
 }
 
+// Whatever takes memory comes before anything is changed.
 void hoInteractiveAssertionFailureHandler::decideLater(Failure failure)
 {
-    const std::lock_guard<std::mutex> lock(_mutex);
-    const bool isWaiting =
-        std::any_of(_waiting.begin(), _waiting.end(),
-                    [&](const Failure& other) { return other._line == failure._line && other._file == failure._file; });
-    if (isWaiting || _waiting.size() == mostWaiting)
+    std::list<Failure> last;
+    last.push_back(std::move(failure));
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        const bool isWaiting =
+            std::any_of(_waiting.begin(), _waiting.end(),
+                        [&](const Failure& other)
+                        { return other._line == last.front()._line && other._file == last.front()._file; });
+        if (isWaiting || _waiting.size() == mostWaiting)
+        {
+            return;
+        }
+        _waiting.splice(_waiting.end(), last);
+    }
+    _call.request();
+}
+
+void hoInteractiveAssertionFailureHandler::decideSoon()
+{
+    if (!_pause.IsRunning())
+    {
+        _pause.StartOnce(1);
+    }
+}
+
+// Failures that were decided as fast as they come would keep the main thread from everything else.
+void hoInteractiveAssertionFailureHandler::decideNext()
+{
+    // The dialog's own event loop may end with the owner gone.
+    const auto pSelf = weak_from_this().lock();
+    if (pSelf == nullptr || !isAnyWaiting())
     {
         return;
     }
-    _waiting.push_back(std::move(failure));
-    if (!_isCalled)
-    {
-        goOnLater();
-        _isCalled = true;
-    }
-}
-
-// The event that is queued here is the only one of its kind: events that came faster than they are handled would keep the
-// main thread from everything else.
-void hoInteractiveAssertionFailureHandler::goOnLater()
-{
-    wxTheApp->CallAfter(
-        [pWeakHandler = weak_from_this()]
-        {
-            if (const auto pHandler = pWeakHandler.lock())
-            {
-                pHandler->decideNext();
-            }
-        });
-}
-
-void hoInteractiveAssertionFailureHandler::decideNext()
-{
     try
     {
         Failure failure;
@@ -138,22 +141,13 @@ void hoInteractiveAssertionFailureHandler::decideNext()
     catch (const std::bad_alloc&)
     {
     }
-    if (_pPause == nullptr)
-    {
-        _pPause = std::make_unique<wxTimer>();
-        _pPause->Bind(wxEVT_TIMER,
-                      [this](wxTimerEvent&)
-                      {
-                          const std::lock_guard<std::mutex> lock(_mutex);
-                          _isCalled = false;
-                          if (!_waiting.empty())
-                          {
-                              goOnLater();
-                              _isCalled = true;
-                          }
-                      });
-    }
-    _pPause->StartOnce(pauseBetweenDecisions);
+    _pause.StartOnce(pauseBetweenDecisions);
+}
+
+bool hoInteractiveAssertionFailureHandler::isAnyWaiting()
+{
+    const std::lock_guard<std::mutex> lock(_mutex);
+    return !_waiting.empty();
 }
 
 // The next that is not ignored by now.

@@ -11,24 +11,27 @@
 //   recorded, nothing more.
 // - Without an application object (before the toolkit starts, after it has ended) a failure is written and
 //   recorded, nothing more.
-// - Without memory a failure may be neither written nor recorded nor shown; whoever fails goes on all the same.
+// - Without memory a failure may be neither written nor recorded nor shown; whoever fails goes on all the same, and so does
+//   the main thread.
 //
 // Threads: onAssertionFailure may be called from any thread. Everything else, construction and destruction too, is for
-// the main thread, which is the one whose id the constructor gets.
+// the main thread, which is the one whose id the constructor gets. An application object is there when it is made.
 // Memory: to be made by std::make_shared. The owner unregisters the handler before letting go of it; failures that
 // still wait for their dialog are dropped then, and one whose dialog is up keeps the handler until it is decided.
 #ifndef COUNTERSIGN_HO_INTERACTIVE_ASSERTION_FAILURE_HANDLER_H
 #define COUNTERSIGN_HO_INTERACTIVE_ASSERTION_FAILURE_HANDLER_H
 
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
+#include "host/hoMainThreadCall.h"
+
+#include <wx/timer.h>
 
 #include <atomic>
-#include <deque>
+#include <list>
 #include <memory>
 #include <mutex>
 
 class hoAssertionReport;
-class wxTimer;
 
 class hoInteractiveAssertionFailureHandler : public ahDialogBasedAssertionFailureHandler,
                                              public std::enable_shared_from_this<hoInteractiveAssertionFailureHandler>
@@ -61,18 +64,20 @@ private:
 
     void ask(Failure failure);
     void decideLater(Failure failure);
+    void decideSoon();
     void decideNext();
+    bool isAnyWaiting();
     bool takeWaiting(Failure& failure);
-    void goOnLater();
     void decide(const Failure& failure);
 
     const std::shared_ptr<hoAssertionReport> _pReport;
     std::atomic<bool> _isDeciding;
-    std::unique_ptr<wxTimer> _pPause;  // between two decisions of what waits
+    wxTimer _pause;  // before the next decision of what waits
 
-    std::mutex _mutex;  // guards what follows
-    std::deque<Failure> _waiting;
-    bool _isCalled;  // somebody is going to look at _waiting
+    std::mutex _mutex;  // guards _waiting
+    std::list<Failure> _waiting;
+
+    hoMainThreadCall _call;  // when something waits
 };
 
 #endif

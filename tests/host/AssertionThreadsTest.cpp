@@ -6,6 +6,7 @@
 #include "assertionHandling/ahAssertDialog.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "platform/osWrappers/osProcess.h"
+#include "tests/support/tsCaughtErrors.h"
 #include "tests/support/tsWindowTest.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -33,16 +35,11 @@ private:
 class AssertionThreads : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        testing::internal::CaptureStderr();
-        switchOn();
-    }
+    void SetUp() override { switchOn(); }
     void TearDown() override
     {
         switchOff();
         tsRunEvents();
-        testing::internal::GetCapturedStderr();
     }
 
     void switchOn()
@@ -133,6 +130,7 @@ protected:
         std::vector<std::thread> _threads;
     };
 
+    const tsCaughtErrors _errors;
     const std::shared_ptr<hoAssertionReport> _pReport = std::make_shared<hoAssertionReport>();
     std::shared_ptr<hoInteractiveAssertionFailureHandler> _pHandler;
     int _answers = 0;
@@ -215,4 +213,25 @@ TEST_F(AssertionThreads, FailWhileTheHandlerComesAndGoes)
     EXPECT_GT(failures, 0U);
     EXPECT_GT(_answers, 0);
     EXPECT_EQ(dialog(), nullptr);
+}
+
+TEST_F(AssertionThreads, KeepTheHandlerWhoseDialogIsUp)
+{
+    std::thread([] { gtTriggerAssertonFailureHandler("run", "/source/file.cpp", 1, "message"); }).join();
+    const std::weak_ptr<hoInteractiveAssertionFailureHandler> pHandler = _pHandler;
+    tsRunUntil("the dialog has come and gone",
+               [&]
+               {
+                   ahAssertDialog* const pDialog = dialog();
+                   if (_pHandler != nullptr && pDialog != nullptr && tsHasKeyboard(*pDialog))
+                   {
+                       switchOff();
+                       EXPECT_FALSE(pHandler.expired());
+                       pDialog->EndModal(AH_IGNORE_BUTTON_ID);
+                   }
+                   return _pHandler == nullptr && pDialog == nullptr;
+               });
+    EXPECT_TRUE(pHandler.expired());
+    ASSERT_EQ(_pReport->rows().size(), 1U);
+    EXPECT_EQ(_pReport->rows()[0]._decision, hoAssertionDecision::Ignore);
 }

@@ -6,9 +6,7 @@
 
 #include "host/hoAssertionReport.h"
 #include "host/hoAssertionReportWindow.h"
-#include "host/hoInteractiveAssertionFailureHandler.h"
 #include "host/hoNewKeyDialog.h"
-#include "tests/support/failingAllocation.h"
 
 #include <gmock/gmock.h>
 #include <wx/button.h>
@@ -17,7 +15,6 @@
 
 #include <cerrno>
 #include <sys/stat.h>
-#include <thread>
 
 namespace
 {
@@ -250,34 +247,4 @@ TEST_F(WindowFaults, SaysWhyAKeyPairIsNotMade)
     EXPECT_TRUE(script.isFinished());
     EXPECT_TRUE(std::filesystem::is_fifo(pipe));
     EXPECT_EQ(amountOfFiles(), 2U);
-}
-
-// Nobody who fails an assertion is ready for an exception, a destructor least of all.
-TEST_F(WindowFaults, AssertionsFailWithoutMemoryAndWithoutExceptions)
-{
-    startWithDocument();
-    testing::internal::CaptureStderr();
-    const auto pReport = std::make_shared<hoAssertionReport>();
-    const auto pHandler = std::make_shared<hoInteractiveAssertionFailureHandler>(0, pReport);
-    const std::string text(300, 't');
-    int number = 0;
-    std::thread(
-        [&]
-        {
-            // The first one calls the main thread, which is not free before the others are through: they stay out of
-            // the toolkit's queue, which keeps its lock when it finds no memory.
-            pHandler->onAssertionFailure("f", "first.cpp", 1, "m");
-            for (bool hasFailed = true; hasFailed; ++number)
-            {
-                const FailingAllocation broken(number);
-                errno = EXDEV;
-                EXPECT_NO_THROW(pHandler->onAssertionFailure(text.c_str(), text.c_str(), number, text.c_str()));
-                EXPECT_EQ(errno, EXDEV);
-                hasFailed = broken.hasFailed();
-            }
-        })
-        .join();
-    EXPECT_GT(number, 10);
-    EXPECT_GE(pReport->amountOfFailures(), 1U);
-    testing::internal::GetCapturedStderr();
 }
