@@ -31,6 +31,7 @@ import time
 from pathlib import Path
 
 import clang.cindex
+import mutants_at_once
 from clang.cindex import CursorKind
 
 SOURCE_FOLDERS = {"bigdigits": "src"}  # of rooms whose sources are not in a folder of their own name
@@ -55,6 +56,9 @@ SECONDS_OF_PARTS = [0.1, 1, float("inf")]
 
 # How a mutant can end, in the order of the table.
 STATES = ["uncompiled", "same", "caught", "equivalent", "survived"]
+
+
+FEWEST_AT_ONCE = 10
 
 
 def say(text):
@@ -109,7 +113,7 @@ class MutantMaker:
         self.file = file
         self.path = str(tree / file)
         self.source = (tree / file).read_bytes()
-        unit = clang.cindex.Index.create().parse(self.path, args=arguments)
+        self.unit = unit = clang.cindex.Index.create().parse(self.path, args=arguments)
         errors = [d for d in unit.diagnostics if d.severity >= clang.cindex.Diagnostic.Error]
         if errors:
             give_up(f"{file} cannot be read: {errors[0]}")
@@ -411,6 +415,7 @@ class Build:
         self.changed = None
         self.costs = {}
         self.parts = {}
+        self.chosen = 0  # of all mutants at once
         self.stale = set()  # programs that are to be linked before they are run
         self.preambles = {}
 
@@ -552,10 +557,17 @@ class Build:
         """Runs the tests on the unchanged program: they must pass, and tell how long they may take. From here on,
         percent is the part of the random cases that runs."""
         self.percent = percent
+        failed = self.failed_measuring()
+        if failed:
+            give_up(failed)
+
+    def failed_measuring(self):
+        """The same; says by what it failed instead of giving up."""
+        self.costs, self.parts = {}, {}
         for program in self.programs:
-            run = self.run(program, [])
+            run = self.run(program, "")
             if not run.passed:
-                give_up(f"{program.name} fails on the unchanged program: {run.failed_test}")
+                return f"{program.name} fails on the unchanged program: {run.failed_test}"
             self.costs[program] = run
             seconds = run.seconds_of_tests
             bounds = list(zip([-1] + SECONDS_OF_PARTS, SECONDS_OF_PARTS))
@@ -563,16 +575,25 @@ class Build:
             # Those whose time is not known, such as skipped ones, are in the first.
             self.parts[program] = ["*-" + ":".join(parts[1] + parts[2])] + [":".join(part) for part in parts[1:]]
         self.programs.sort(key=lambda p: sum(self.costs[p].seconds_of_tests.values()))
+        return ""
 
-    def run(self, program, arguments):
+    def run(self, program, tests):
+        """tests: as gtest takes them, or nothing for all."""
         self.link_program(program)
         cost = self.costs.get(program)
-        environment = dict(self.environment, COUNTERSIGN_TEST_PERCENT=str(self.percent), COUNTERSIGN_TEST_SEED="1")
+        seconds = cost.processor_seconds if cost else 0
+        if cost and tests:
+            known = cost.seconds_of_tests
+            left_out = set(tests[2:].split(":")) if tests.startswith("*-") else set(known) - set(tests.split(":"))
+            seconds = min(seconds, sum(known[test] for test in known if test not in left_out))
+        arguments = ["--gtest_filter=" + tests] if tests else []
+        environment = dict(self.environment, COUNTERSIGN_TEST_PERCENT=str(self.percent), COUNTERSIGN_TEST_SEED="1",
+                           **{mutants_at_once.VARIABLE: str(self.chosen)})  # fmt: skip
         # Some tests hold texts of gigabytes. Sanitizers take address space that they do not use.
         memory = None if self.sanitized else 16 << 30
         return run_program([str(program), "--gtest_fail_fast", *arguments], self.scratch, environment,
                            cost.seconds_of_tests if cost else None,
-                           int(5 + 6 * cost.processor_seconds) if cost else 1800, memory)  # fmt: skip
+                           int(1 + 6 * seconds) if cost else 1800, memory)  # fmt: skip
 
 
 def without_output(words):
@@ -598,6 +619,7 @@ class Room:
         self.plain = Build(work, tree, name, "plain", environment, not options.without_windows)
         self.further = {}
         self.digests = {}
+        self.units = {}
         self.catchers = collections.OrderedDict()  # (program, test), the last to catch at the end
         commands = json.loads((self.plain.folder / "compile_commands.json").read_text())
         self.arguments = {}
@@ -628,8 +650,50 @@ class Room:
             if not self.plain.objects_of[path]:
                 say(f"{file} is left out: no test program of the room is made with it")
                 continue
-            result += MutantMaker(self.tree, file, arguments + ["-x", "c++"]).found.values()
+            maker = MutantMaker(self.tree, file, arguments + ["-x", "c++"])
+            self.units[file] = maker.unit
+            result += maker.found.values()
         return result
+
+    def try_at_once(self, file, mutants):
+        """Yields the mutants of a source that a program catches in which they all are, and by what they are caught."""
+        plain, path = self.plain, self.tree / file
+        original = path.read_bytes()
+        objects = sum(plain.objects(file), [])
+        all_of_them = mutants_at_once.SourceOfAll(self.units[file], str(path), original, mutants)
+        kept = (plain.costs, plain.parts)
+        plain.changed = file
+        try:
+            numbers = None
+            # For each object anew, if it could not be compiled with some that others could be compiled with.
+            while numbers != all_of_them.left():
+                numbers = all_of_them.left()
+                for name in objects:
+                    mutants_at_once.compiled(all_of_them, path, plain.compiling[name], plain.folder)
+            if not numbers or not plain.link(objects):
+                return
+            failed = plain.failed_measuring()
+            if failed:
+                say(f"{file}: all mutants at once: {failed}")
+                return
+            say(f"{file}: {len(numbers)} of {len(mutants)} mutants at once")
+            for plain.chosen in numbers:
+                caught = self.caught_by_the_last_catchers(plain.programs) or self.caught_by(plain, plain.programs)
+                if caught:
+                    self.remember(caught)
+                    yield all_of_them.numbers[plain.chosen], f"{caught[0].name} {caught[1]}"
+        except LinkingFailed:
+            pass
+        finally:
+            plain.chosen = 0
+            plain.costs, plain.parts = kept
+            plain.change(file, original)
+
+    def remember(self, caught):
+        program, test = caught
+        name = (program, test.split(" ")[0])
+        self.catchers.pop(name, None)
+        self.catchers[name] = True
 
     def further_build(self, name):
         if name not in self.further:
@@ -643,7 +707,7 @@ class Room:
             for program in programs:
                 tests = build.parts[program][number]
                 if tests:
-                    run = build.run(program, ["--gtest_filter=" + tests])
+                    run = build.run(program, tests)
                     if not run.passed:
                         return program, run.failed_test
         return None
@@ -654,7 +718,7 @@ class Room:
             if program in programs:
                 by_program[program].append(test)
         for program, tests in by_program.items():
-            run = self.plain.run(program, ["--gtest_filter=" + ":".join(tests)])
+            run = self.plain.run(program, ":".join(tests))
             if not run.passed:
                 return program, run.failed_test
         return None
@@ -708,11 +772,8 @@ class Room:
         if caught is None and is_listed:
             return "equivalent", ""
         if caught:
-            program, test = caught
-            name = (program, test.split(" ")[0])
-            self.catchers.pop(name, None)
-            self.catchers[name] = True
-            return "caught", f"{program.name} {test}"
+            self.remember(caught)
+            return "caught", f"{caught[0].name} {caught[1]}"
         for name in self.options.then:
             # Built from the unchanged tree.
             self.plain.write(mutant.file, original)
@@ -824,23 +885,43 @@ def try_room(options, name, equivalents):
         room.plain.measure(options.percent)
     originals = {}
     counts = collections.Counter()
+    number = 0
+
+    def note(mutant, state, by):
+        nonlocal number
+        number += 1
+        key = key_of(mutant)
+        results.set(key, state, by)
+        counts[state] += 1
+        if state == "survived":
+            print(f"SURVIVED {mutant.file}:{mutant.line}\n@ {mutant.file} {mutant.function}\n"
+                  f"- {mutant.before}\n+ {mutant.after}", flush=True)  # fmt: skip
+        elif state == "caught" and key in equivalents.reasons:
+            print(f"NOT EQUIVALENT, though listed: {mutant.file}:{mutant.line} is caught by {by}\n"
+                  f"- {mutant.before}\n+ {mutant.after}", flush=True)  # fmt: skip
+        if number % 25 == 0:
+            say(f"{name}: {number} of {len(chosen)}, " + ", ".join(f"{counts[s]} {s}" for s in STATES))
+
     try:
-        for number, mutant in enumerate(chosen, 1):
+        left = chosen
+        if not options.singly:
+            of_file = collections.defaultdict(list)
+            for mutant in chosen:
+                of_file[mutant.file].append(mutant)
+            done = set()
+            for file, mutants in of_file.items():
+                # Below some number it does not pay.
+                if file.endswith(".cpp") and len(mutants) >= FEWEST_AT_ONCE:
+                    for mutant, by in room.try_at_once(file, mutants):
+                        note(mutant, "caught", by)
+                        done.add(key_of(mutant))
+            left = [mutant for mutant in chosen if key_of(mutant) not in done]
+        for mutant in left:
             if mutant.file not in originals:
                 restore(room, originals)
                 originals[mutant.file] = (tree / mutant.file).read_bytes()
-            key = key_of(mutant)
-            state, by = room.try_mutant(mutant, originals[mutant.file], key in equivalents.reasons)
-            results.set(key, state, by)
-            counts[state] += 1
-            if state == "survived":
-                print(f"SURVIVED {mutant.file}:{mutant.line}\n@ {mutant.file} {mutant.function}\n"
-                      f"- {mutant.before}\n+ {mutant.after}", flush=True)  # fmt: skip
-            elif state == "caught" and key in equivalents.reasons:
-                print(f"NOT EQUIVALENT, though listed: {mutant.file}:{mutant.line} is caught by {by}\n"
-                      f"- {mutant.before}\n+ {mutant.after}", flush=True)  # fmt: skip
-            if number % 25 == 0:
-                say(f"{name}: {number} of {len(chosen)}, " + ", ".join(f"{counts[s]} {s}" for s in STATES))
+            state, by = room.try_mutant(mutant, originals[mutant.file], key_of(mutant) in equivalents.reasons)
+            note(mutant, state, by)
     except KeyboardInterrupt:
         say(f"{name}: stopped")
     restore(room, originals)
@@ -876,6 +957,7 @@ def main():
     parser.add_argument("--go-on", action="store_true")
     parser.add_argument("--table", action="store_true")
     parser.add_argument("--dry-run", action="store_true")
+    parser.add_argument("--singly", action="store_true")
     parser.add_argument("--percent", type=int, default=2)
     parser.add_argument("--then", default="release,asan,tsan")
     parser.add_argument("--without-windows", action="store_true")

@@ -11,6 +11,7 @@
 #   --go-on          only those that no run has come to yet: one was stopped, or drew a sample, or the source has changed
 #   --again          only those that nothing caught in the last run, for instance because a test has been added (with
 #                    --go-on: both)
+#   --singly         each mutant in a program of its own from the start; else most meet the tests in one that has them all
 #   --table          tries none, and prints what became of those of earlier runs
 #   --dry-run        shows the mutants and tries none
 #   --percent N      random cases of bigdigits to begin with, in percent (default 2); survivors meet all of them

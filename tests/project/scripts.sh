@@ -88,6 +88,7 @@ case $case in
         expectLine '^NOT EQUIVALENT, though listed: numbers/numbers.cpp:[0-9]+ is caught by test_numbers Numbers.AreFound'
         expectLine '^numbers +37 +37 +0 +2 +30 +3 +2 +85.7 % +93.8 %$'
         expectLine '^2 survived that are not in equivalent-mutants.txt$'
+        expectLine '^mutate: numbers/numbers.cpp: [0-9]+ of [0-9]+ mutants at once$'
         grep -q '^caught.asan: .*i <= amount' "$here/work/numbers/results.tsv" || complain "the sanitizer was not asked"
         grep -q '^same.*size == 1' "$here/work/numbers/results.tsv" || complain "more optimisation was not tried"
         grep -q '^caught.*isAfternoon' "$here/work/numbers/results.tsv" || complain "a header that tests alone use is lost"
