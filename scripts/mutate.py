@@ -54,6 +54,8 @@ FURTHER_LEVELS = ["-O2", "-O3"]
 # Tests are run in parts, those that take less than so many seconds first.
 SECONDS_OF_PARTS = [0.1, 1, float("inf")]
 
+SAME_WHEN_OPTIMISED = "same when optimised"
+
 # How a mutant can end, in the order of the table.
 STATES = ["uncompiled", "same", "caught", "equivalent", "survived"]
 
@@ -465,28 +467,30 @@ class Build:
         return True
 
     def preamble(self, file, name):
-        """What makes the compiler take the headers that the source begins with in the form in which it has read them
-        already, or nothing."""
-        if (file, name) not in self.preambles:
-            self.preambles[file, name] = []
-            header = self.folder / "preambles" / (name.replace("/", "_") + ".h")
+        """What makes the compiler take the headers that a source begins with in the form in which it has read them
+        already, or nothing. When a header changes, these are the system's only."""
+        is_source = file.endswith(".cpp")
+        words = self.compiling[name]
+        place = words.index("-c") + 1
+        source = self.tree / file if is_source else self.folder / words[place]
+        key = (name, file if is_source else "")
+        if key not in self.preambles:
+            self.preambles[key] = []
+            header = self.folder / "preambles" / ("_".join(key).replace("/", "_") + ".h")
             kept, open_conditions = [], 0
-            for line in (self.tree / file).read_text().splitlines():
-                if not re.match(r"\s*(#|//|$)", line):
+            for line in source.read_text().splitlines():
+                if not re.match(r"\s*(#|//|$)", line) or line.endswith("\\"):
                     break
-                if line.endswith("\\"):
-                    break
-                kept.append(line)
+                if is_source or not re.match(r'\s*#\s*include\s*"', line):
+                    kept.append(line)
                 open_conditions += bool(re.match(r"\s*#\s*if", line)) - bool(re.match(r"\s*#\s*endif", line))
             header.parent.mkdir(exist_ok=True)
             header.write_text("\n".join(kept + ["#endif"] * open_conditions + [""]))
-            words = self.compiling[name]
-            source = next(i for i, word in enumerate(words) if word == "-c") + 1
-            words = without_output(words[: source - 1] + words[source + 1 :])
-            folder = str((self.tree / file).parent)
-            if self.has_compiled(words + ["-iquote", folder, "-x", "c++-header", str(header), "-o", f"{header}.gch"]):
-                self.preambles[file, name] = ["-include", str(header)]
-        return self.preambles[file, name]
+            words = without_output(words[: place - 1] + words[place + 1 :])
+            words += ["-iquote", str(source.parent), "-x", "c++-header", str(header), "-o", f"{header}.gch"]
+            if source.suffix == ".cpp" and self.has_compiled(words):
+                self.preambles[key] = ["-include", str(header)]
+        return self.preambles[key]
 
     def compile(self, file, content, objects):
         """Compiles with this content of the file. Returns the digest of the objects, or None."""
@@ -494,8 +498,7 @@ class Build:
         digest = hashlib.sha256()
         for name in objects:
             words = self.compiling[name]
-            # A header is in what the compiler has read already.
-            if file.endswith(".cpp") and not self.sanitized:
+            if not self.sanitized:
                 words = words[:1] + self.preamble(file, name) + words[1:]
             if not self.has_compiled(words):
                 return None
@@ -548,10 +551,23 @@ class Build:
         objects = sum(self.objects(file), [])
         return self.compile(file, content, objects) is not None and self.link(objects)
 
+    def programs_made_of(self, objects):
+        """The programs that the objects are in, be it through libraries."""
+        fresh = set(objects)
+        for words, line in self.linking:
+            if fresh & words:
+                fresh |= {name for names in re.findall(r" -o (\S+)| qc (\S+)", line) for name in names if name}
+        return [p for p in self.programs if f"bin/{p.name}" in fresh]
+
     def programs_with(self, objects):
         """The programs that are linked of these objects."""
         lines = [words for words, _ in self.linking if words & set(objects)]
         return [p for p in self.programs if any(f"bin/{p.name}" in words for words in lines)]
+
+    def objects_in(self, program, objects):
+        """Those of the objects that the program is linked of."""
+        words = set().union(*(words for words, _ in self.linking if f"bin/{program.name}" in words))
+        return [name for name in objects if name in words]
 
     def measure(self, percent):
         """Runs the tests on the unchanged program: they must pass, and tell how long they may take. From here on,
@@ -593,7 +609,7 @@ class Build:
         memory = None if self.sanitized else 16 << 30
         return run_program([str(program), "--gtest_fail_fast", *arguments], self.scratch, environment,
                            cost.seconds_of_tests if cost else None,
-                           int(1 + 6 * seconds) if cost else 1800, memory)  # fmt: skip
+                           int(3 + 6 * seconds) if cost else 1800, memory)  # fmt: skip
 
 
 def without_output(words):
@@ -677,8 +693,9 @@ class Room:
                 say(f"{file}: all mutants at once: {failed}")
                 return
             say(f"{file}: {len(numbers)} of {len(mutants)} mutants at once")
+            programs = plain.programs_made_of(objects)
             for plain.chosen in numbers:
-                caught = self.caught_by_the_last_catchers(plain.programs) or self.caught_by(plain, plain.programs)
+                caught = self.caught_by_the_last_catchers(programs) or self.caught_by(plain, programs)
                 if caught:
                     self.remember(caught)
                     yield all_of_them.numbers[plain.chosen], f"{caught[0].name} {caught[1]}"
@@ -693,7 +710,8 @@ class Room:
         program, test = caught
         name = (program, test.split(" ")[0])
         self.catchers.pop(name, None)
-        self.catchers[name] = True
+        if name[1] != "?":
+            self.catchers[name] = True
 
     def further_build(self, name):
         if name not in self.further:
@@ -702,8 +720,8 @@ class Room:
             self.further[name] = build
         return self.further[name]
 
-    def caught_by(self, build, programs):
-        for number in range(len(SECONDS_OF_PARTS)):
+    def caught_by(self, build, programs, numbers=range(len(SECONDS_OF_PARTS))):
+        for number in numbers:
             for program in programs:
                 tests = build.parts[program][number]
                 if tests:
@@ -723,15 +741,27 @@ class Room:
                 return program, run.failed_test
         return None
 
-    def caught_in_plain_build(self, mutant, content):
+    def caught_in_plain_build(self, mutant, content, original):
         of_library, of_tests = self.plain.objects(mutant.file)
         later = self.plain.programs_with(of_tests)
-        sooner = [program for program in self.plain.programs if program not in later]
-        caught = self.caught_by_the_last_catchers(sooner) or self.caught_by(self.plain, sooner)
-        if caught is None and of_tests:
-            if self.plain.compile(mutant.file, content, of_tests) is None or not self.plain.link(of_tests):
-                return later[0], "? (does not compile)"
-            caught = self.caught_by_the_last_catchers(later) or self.caught_by(self.plain, later)
+        sooner = [program for program in self.plain.programs_made_of(of_library) if program not in later]
+        caught = self.caught_by_the_last_catchers(sooner) or self.caught_by(self.plain, sooner, [0])
+        # Cheaper than slow tests, but for headers that many tests take in.
+        if caught is None and not of_tests and self.is_same_when_optimised(mutant, content, original):
+            return SAME_WHEN_OPTIMISED
+        caught = caught or self.caught_by(self.plain, sooner, range(1, len(SECONDS_OF_PARTS)))
+        # The program with the file's own tests first.
+        stem = Path(mutant.file).stem
+        later.sort(key=lambda program: not any(stem in name for name in self.plain.objects_in(program, of_tests)))
+        for program in later if caught is None else []:
+            objects = self.plain.objects_in(program, of_tests)
+            if self.plain.compile(mutant.file, content, objects) is None or not self.plain.link(objects):
+                return program, "? (does not compile)"
+            caught = self.caught_by_the_last_catchers([program]) or self.caught_by(self.plain, [program])
+            if caught:
+                return caught
+        if caught is None and of_tests and self.is_same_when_optimised(mutant, content, original):
+            return SAME_WHEN_OPTIMISED
         return caught
 
     def digest_of_original(self, how, mutant, original, objects):
@@ -756,18 +786,16 @@ class Room:
         mutants_digest = self.plain.compile(mutant.file, content, of_library)
         if mutants_digest is None:
             return "uncompiled", ""
-        if mutants_digest == digest:
-            # What stands in a header may make a difference to the tests alone.
-            digest = self.digest_of_original("", mutant, original, of_tests)
-            if digest == self.plain.compile(mutant.file, content, of_tests):
-                return "same", ""
+        # What stands in a header may make a difference to the tests alone.
+        if mutants_digest == digest and not of_tests:
+            return "same", ""
         try:
             if not self.plain.link(of_library):
                 return "uncompiled", "(linker)"
-            caught = self.caught_in_plain_build(mutant, content)
+            caught = self.caught_in_plain_build(mutant, content, original)
         except LinkingFailed:
             return "uncompiled", "(linker)"
-        if caught is None and self.is_same_when_optimised(mutant, content, original):
+        if caught == SAME_WHEN_OPTIMISED:
             return "same", "(optimised)"
         if caught is None and is_listed:
             return "equivalent", ""
