@@ -29,9 +29,6 @@ crBlowfishEncryptionKey::crBlowfishEncryptionKey(unsigned char const* pKeyBytes)
 
 crBlowfishEncryptionKey::~crBlowfishEncryptionKey()
 {
-    if (_pKeyRecord != nullptr)
-    {
-        crWipe(_pKeyRecord, sizeof(BF_KEY));
-        delete _pKeyRecord;
-    }
+    crWipe(_pKeyRecord, sizeof(BF_KEY));
+    delete _pKeyRecord;
 }

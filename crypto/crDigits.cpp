@@ -1,6 +1,5 @@
 #include "crypto/crDigits.h"
 
-#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -37,9 +36,9 @@ void crWipe(void* pBytes, std::size_t amountOfBytes)
     {
         return;
     }
-    std::memset(pBytes, 0, amountOfBytes);
-    // The compiler must assume that the bytes are read here, so that the zeros have to be there.
-    __asm__ __volatile__("" : : "r"(pBytes) : "memory");
+    // Through a pointer that the compiler must read: it cannot know what is called and drop it.
+    static void* (*const volatile pSet)(void*, int, std::size_t) = std::memset;
+    pSet(pBytes, 0, amountOfBytes);
 }
 
 void crWipe(gtString& text)
@@ -66,18 +65,13 @@ void crReleaseDigits(unsigned int* pDigits, int amount)
     delete[] pDigits;
 }
 
-unsigned int crReadDigit(const char* pCharacters, int amountAvailable)
+unsigned int crReadDigit(const char* pCharacters)
 {
-    const int end = std::min(amountAvailable, crCharactersPerDigit);
-    int i = 0;
-    if ((end > 2) && (pCharacters[0] == '0') && ((pCharacters[1] == 'x') || (pCharacters[1] == 'X')))
-    {
-        i = 2;
-    }
     unsigned int digit = 0;
-    for (; i < end; i++)
+    for (int i = 0; i < crCharactersPerDigit; i++)
     {
-        const int value = hexadecimalValue(pCharacters[i]);
+        const bool isPrefix = (i == 1) && (digit == 0) && ((pCharacters[i] == 'x') || (pCharacters[i] == 'X'));
+        const int value = isPrefix ? 0 : hexadecimalValue(pCharacters[i]);
         if (value < 0)
         {
             break;
@@ -89,21 +83,17 @@ unsigned int crReadDigit(const char* pCharacters, int amountAvailable)
 
 void crAppendDigits(gtString& text, const unsigned int* pDigits, int amount)
 {
-    constexpr int digitsAtOnce = 64;
-    char characters[digitsAtOnce * crCharactersPerDigit + 1];
-    for (int done = 0; done < amount; done += digitsAtOnce)
+    // Growing would leave pieces behind.
+    text.reserve(text.length() + amount * crCharactersPerDigit);
+    char characters[crCharactersPerDigit];
+    for (int i = 0; i < amount; i++)
     {
-        const int now = std::min(amount - done, digitsAtOnce);
         char* pNext = characters;
-        for (int i = 0; i < now; i++)
+        for (int shift = 28; shift >= 0; shift -= 4)
         {
-            for (int shift = 28; shift >= 0; shift -= 4)
-            {
-                *pNext++ = "0123456789abcdef"[(pDigits[done + i] >> shift) & 0xfU];
-            }
+            *pNext++ = "0123456789abcdef"[(pDigits[i] >> shift) & 0xfU];
         }
-        *pNext = '\0';
-        text.append(characters);
+        text.append(characters, crCharactersPerDigit);
     }
     crWipe(characters, sizeof(characters));
 }

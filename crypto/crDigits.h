@@ -28,14 +28,14 @@ unsigned int* crAllocateDigits(int amount);
 // Wipes an array of crAllocateDigits and gives it back; the amount is the one that it was made with. Null is welcome.
 void crReleaseDigits(unsigned int* pDigits, int amount);
 
-// Reads one digit as sscanf reads "%8x" from a text of its own: at most eight characters, less when fewer are
-// available (below 0 counts as none), of either case, with an optional 0x that counts among the eight; the first
-// character that does not belong ends it. 0 when the first character is not a hexadecimal one: blanks and signs are not
-// skipped.
-unsigned int crReadDigit(const char* pCharacters, int amountAvailable);
+// Reads one digit as sscanf reads "%8x" from a text of its own: at most eight characters of either case, with an optional
+// 0x that counts among the eight; the first character that does not belong, such as the NUL behind a text, ends it and is
+// the last that is looked at. 0 when the first character is not a hexadecimal one: blanks and signs are not skipped.
+unsigned int crReadDigit(const char* pCharacters);
 
-// Appends the digits in ascending order, the lowest first, each as "%08x". An amount below 1 appends nothing. The
-// characters pass through a buffer on the stack, which is wiped.
+// Appends the digits in ascending order, the lowest first, each as "%08x". An amount below 1 appends nothing. Room for
+// all of them is made first, so that the text does not grow with some of them in it. The characters pass through a buffer
+// on the stack, which is wiped.
 void crAppendDigits(gtString& text, const unsigned int* pDigits, int amount);
 
 // A digit array that lives for one operation: zero at first, wiped and given back at the end. Check digits() for null.

@@ -16,10 +16,6 @@ namespace
 
 constexpr int bytesPerDigit = 4;
 
-// A file is read in pieces of at least this size: large enough to go straight into the signer's memory, where it can be
-// wiped (see osFile.h), small enough for the caches.
-constexpr unsigned long smallestPieceBytes = 256UL * 1024;
-
 // Runs of the digest are folded side by side into this much before they meet in the digest: the runs of a digest are
 // short and odd in length, which keeps the compiler from using wide registers.
 constexpr unsigned long laneBytes = 2048;
@@ -31,10 +27,11 @@ unsigned int digitFromBytes(const unsigned char* pBytes)
            (static_cast<unsigned int>(pBytes[2]) << 16) | (static_cast<unsigned int>(pBytes[3]) << 24);
 }
 
-// Each piece begins on the digest's first byte. The digest must not be empty.
+// Each piece begins on the digest's first byte, and is large enough to go straight into the signer's memory, where it can
+// be wiped. The digest must not be empty.
 unsigned long amountToReadAtOnce(unsigned long bytesAtOnce)
 {
-    return (smallestPieceBytes + bytesAtOnce - 1) / bytesAtOnce * bytesAtOnce;
+    return osFile::bufferCapacity / bytesAtOnce * bytesAtOnce + bytesAtOnce;
 }
 
 struct WipedText
@@ -111,10 +108,10 @@ void crRSADigitalSigner::addToMessageDigest(const char* pBytes, unsigned long am
     const auto* pNext = reinterpret_cast<const unsigned char*>(pBytes);
     const unsigned long bytesSideBySide = laneBytes / bytesAtOnce * bytesAtOnce;
     const unsigned long bytesOfAllLanes = runsOfLanes * bytesSideBySide;
-    if ((bytesSideBySide > 0) && (amountOfBytes >= bytesOfAllLanes))
+    if (bytesOfAllLanes != 0)
     {
         unsigned char lanes[laneBytes] = {};
-        for (; amountOfBytes >= bytesOfAllLanes; amountOfBytes -= bytesOfAllLanes)
+        for (unsigned long left = amountOfBytes / bytesOfAllLanes; left != 0; left--)
         {
             const unsigned char* pSecond = pNext + bytesSideBySide;
             const unsigned char* pThird = pSecond + bytesSideBySide;
@@ -125,6 +122,7 @@ void crRSADigitalSigner::addToMessageDigest(const char* pBytes, unsigned long am
             }
             pNext += bytesOfAllLanes;
         }
+        amountOfBytes %= bytesOfAllLanes;
         for (unsigned long i = 0; i < bytesSideBySide; i++)
         {
             const unsigned long byte = i % bytesAtOnce;
@@ -132,15 +130,15 @@ void crRSADigitalSigner::addToMessageDigest(const char* pBytes, unsigned long am
         }
         crWipe(lanes, sizeof(lanes));
     }
-    while (amountOfBytes >= bytesAtOnce)
+    for (unsigned long left = amountOfBytes / bytesAtOnce; left != 0; left--)
     {
         for (int i = 0; i < _amountOfDigestDigits; i++)
         {
             _pDigestDigits[i] ^= digitFromBytes(pNext + static_cast<long>(i) * bytesPerDigit);
         }
         pNext += bytesAtOnce;
-        amountOfBytes -= bytesAtOnce;
     }
+    amountOfBytes %= bytesAtOnce;
     for (unsigned long i = 0; i < amountOfBytes; i++)
     {
         _pDigestDigits[i / bytesPerDigit] ^= static_cast<unsigned int>(pNext[i]) << (8 * (i % bytesPerDigit));
@@ -157,8 +155,6 @@ void crRSADigitalSigner::messageDigestToString(gtString& output)
     output.makeEmpty();
     if (_pDigestDigits != nullptr)
     {
-        // Growing would leave pieces behind.
-        output.reserve(_amountOfDigestDigits * crCharactersPerDigit);
         crAppendDigits(output, _pDigestDigits, _amountOfDigestDigits);
     }
 }

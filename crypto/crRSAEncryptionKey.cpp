@@ -19,9 +19,9 @@ bool hasLengthForDigits(const gtString& hex, int count)
 
 crRSAEncryptionKey::crRSAEncryptionKey()
     : _pProductDigits(nullptr),
-      _amountOfProductBits(0),
+      _amountOfProductDigits(0),
       _pNumberDigits(nullptr),
-      _amountOfNumberBits(0),
+      _amountOfNumberDigits(0),
       _amountOfAllocatedDigits(0)
 {
 }
@@ -39,12 +39,12 @@ int crRSAEncryptionKey::amountOfBitsPerDigit() const
 
 int crRSAEncryptionKey::amountOfProductDigits() const
 {
-    return _amountOfProductBits / bitsPerDigit;
+    return _amountOfProductDigits;
 }
 
 int crRSAEncryptionKey::amountOfNumberDigits() const
 {
-    return _amountOfNumberBits / bitsPerDigit;
+    return _amountOfNumberDigits;
 }
 
 const unsigned int* crRSAEncryptionKey::productDigits() const
@@ -78,7 +78,7 @@ bool crRSAEncryptionKey::readDigitsFromHexString(unsigned int* digits, int count
     const char* pCharacters = hex.asCharArray();
     for (int i = 0; i < count; i++)
     {
-        digits[count - 1 - i] = crReadDigit(pCharacters, crCharactersPerDigit);
+        digits[count - 1 - i] = crReadDigit(pCharacters);
         pCharacters += crCharactersPerDigit;
     }
     return true;
@@ -87,8 +87,8 @@ bool crRSAEncryptionKey::readDigitsFromHexString(unsigned int* digits, int count
 bool crRSAEncryptionKey::setKeyFromStrings(int productBits, const gtString& product, int numberBits,
                                            const gtString& number)
 {
-    _amountOfProductBits = productBits;
-    _amountOfNumberBits = numberBits;
+    _amountOfProductDigits = productBits / bitsPerDigit;
+    _amountOfNumberDigits = numberBits / bitsPerDigit;
     if ((productBits % bitsPerDigit != 0) || (numberBits % bitsPerDigit != 0) || (numberBits > productBits))
     {
         return false;
@@ -104,8 +104,8 @@ bool crRSAEncryptionKey::setKeyFromStrings(int productBits, const gtString& prod
 
 bool crRSAEncryptionKey::setKeyFromStringAndFermatPrime(int bits, const gtString& product, unsigned int fermatPrime)
 {
-    _amountOfProductBits = bits;
-    _amountOfNumberBits = bits;
+    _amountOfProductDigits = bits / bitsPerDigit;
+    _amountOfNumberDigits = _amountOfProductDigits;
     if ((bits % bitsPerDigit != 0) || !allocateArrays())
     {
         return false;

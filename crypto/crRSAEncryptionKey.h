@@ -73,9 +73,9 @@ private:
     bool allocateArrays();
 
     unsigned int* _pProductDigits;
-    int _amountOfProductBits;
+    int _amountOfProductDigits;
     unsigned int* _pNumberDigits;
-    int _amountOfNumberBits;
+    int _amountOfNumberDigits;
     int _amountOfAllocatedDigits;  // of each array
 };
 

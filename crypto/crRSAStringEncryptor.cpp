@@ -1,5 +1,6 @@
 #include "crypto/crRSAStringEncryptor.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <new>
@@ -104,7 +105,6 @@ bool crRSAStringEncryptor::encrypt(gtString const& text, gtString& output) const
     try
     {
         gtString result;
-        result.reserve(crCharactersPerDigit * (1 + amountOfDigits));
         const auto length = static_cast<unsigned int>(lengthOfText);
         crAppendDigits(result, &length, 1);
         crAppendDigits(result, cipher.digits(), amountOfDigits);
@@ -135,12 +135,10 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output,
     {
         return true;
     }
-    const char* pCharacters = cipherText.asCharArray();
-    int charactersLeft = cipherText.length();
-    const int lengthOfText = static_cast<int>(crReadDigit(pCharacters, charactersLeft));
+    const int lengthOfText = static_cast<int>(crReadDigit(cipherText.asCharArray()));
     const int amountOfDigits = amountOfDigitsForHoldingText(lengthOfText);
-    // The limit keeps the digit for the NUL byte within range, too.
-    if ((amountOfDigits < 0) || (amountOfDigits >= maximalAmountOfDigits))
+    // The limit keeps the digit for the NUL byte within range, too. What is below zero is far above it, without a sign.
+    if (static_cast<unsigned int>(amountOfDigits) >= static_cast<unsigned int>(maximalAmountOfDigits))
     {
         return true;
     }
@@ -153,13 +151,9 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output,
     }
     for (int i = 0; i < amountOfDigits; i++)
     {
-        pCharacters += crCharactersPerDigit;
-        charactersLeft -= crCharactersPerDigit;
-        if (charactersLeft <= 0)
-        {
-            break;
-        }
-        cipher.digits()[i] = crReadDigit(pCharacters, charactersLeft);
+        // The text's end is a digit of zero.
+        const int position = std::min((1 + i) * crCharactersPerDigit, cipherText.length());
+        cipher.digits()[i] = crReadDigit(cipherText.asCharArray() + position);
     }
 
     const int digitsPerBlock = _key.amountOfProductDigits();
@@ -169,10 +163,7 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output,
         transformBlock(plain.digits() + i, cipher.digits() + i);
         // With a digit count that is too small, the place of the NUL byte can lie behind the buffer; the text then ends
         // with the extra digit at the latest, which is zero.
-        if (lengthOfText < amountOfDigits * bytesPerDigit)
-        {
-            pPlainText[1 + lengthOfText] = '\0';
-        }
+        pPlainText[1 + std::min(lengthOfText, amountOfDigits * bytesPerDigit)] = '\0';
         const auto length = static_cast<int>(std::strlen(pPlainText + 1));
         const bool isWithinLimit = length <= maximalAmountOfBytes - output.length();
         isShortOfMemory = isWithinLimit && !hasAppended(output, pPlainText + 1, length);

@@ -93,7 +93,7 @@ hoTextProblem hoDecryptText(const crRSAEncryptionKey& key, const gtString& ciphe
         {
             return hoTextProblem::NotACipherText;
         }
-        const unsigned long length = crReadDigit(cipher.data(), crCharactersPerDigit);
+        const unsigned long length = crReadDigit(cipher.data());
         const auto longest = static_cast<unsigned long>(hoLongestText(key));
         const auto wanted = static_cast<std::size_t>((length == 0) ? crCharactersPerDigit : hoLengthOfCipherText(key));
         if ((length > longest) || (cipher.size() != wanted))

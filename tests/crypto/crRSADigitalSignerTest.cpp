@@ -254,7 +254,10 @@ TEST_F(Signer, LeavesNothingOnTheStack)
     text.reserve(1000);
     const std::string leftByText = stackLeftBy([&] { signer.messageDigestToString(text); });
     EXPECT_EQ(toBytes(text), expectedDigestText(contents, 32));
-    EXPECT_EQ(leftByText.find(toBytes(text).substr(8, 16)), std::string::npos);
+    for (std::size_t i = 0; i < 120; i += 8)
+    {
+        EXPECT_EQ(leftByText.find(toBytes(text).substr(i, 8)), std::string::npos) << i;
+    }
     // The search finds what is there.
     const std::string leftByCopy = stackLeftBy(
         [&secret]

@@ -196,6 +196,23 @@ TEST_F(CryptoFaults, BlowfishKeysAreNull)
               1);
 }
 
+TEST_F(CryptoFaults, EverythingIsGivenBack)
+{
+    const gtString modulus = toText(fixedWidthHex(_pair.modulus.get(), 16));
+    const long live = amountOfLiveAllocations();
+    {
+        crRSAEncryptionKey key;
+        ASSERT_TRUE(key.setKeyFromStrings(512, modulus, 512, modulus));
+        crRSADigitalSigner signer(key);
+        ASSERT_TRUE(signer.createMessageDigestDigits());
+        EXPECT_EQ(amountOfLiveAllocations(), live + 3);
+        signer.deleteMessageDigestDigits();
+        EXPECT_EQ(amountOfLiveAllocations(), live + 2);
+        ASSERT_TRUE(signer.createMessageDigestDigits());
+    }
+    EXPECT_EQ(amountOfLiveAllocations(), live);
+}
+
 TEST_F(CryptoFaults, KeysLeaveNoDigitsBehind)
 {
     const gtString modulus = toText(fixedWidthHex(_pair.modulus.get(), 16));
@@ -272,10 +289,12 @@ TEST_F(CryptoFaults, BlowfishKeysLeaveNoScheduleBehind)
 {
     const unsigned char bytes[16] = {9, 8, 7};
     const crBlowfishEncryptionKey same(bytes);
+    const long live = amountOfLiveAllocations();
     auto* pKey = new crBlowfishEncryptionKey(bytes);
     watchFor(same.keyRecord(), 16);
     delete pKey;
     EXPECT_EQ(secretsGivenBack, 0);
+    EXPECT_EQ(amountOfLiveAllocations(), live);
 }
 
 TEST_F(CryptoFaults, SignersLeaveNothingOfTheFileBehind)
@@ -311,6 +330,7 @@ TEST_F(CryptoFaults, DigitsAreWipedDownToTheLastOne)
 {
     for (const int amount : {1, 2, 5})
     {
+        const long live = amountOfLiveAllocations();
         unsigned int* pDigits = crAllocateDigits(amount);
         ASSERT_NE(pDigits, nullptr);
         for (int i = 0; i < amount; i++)
@@ -320,5 +340,12 @@ TEST_F(CryptoFaults, DigitsAreWipedDownToTheLastOne)
         watchFor(pDigits, 4);
         crReleaseDigits(pDigits, amount);
         EXPECT_EQ(secretsGivenBack, 0) << amount;
+        EXPECT_EQ(amountOfLiveAllocations(), live);
+        {
+            crTemporaryDigits digits(amount);
+            ASSERT_NE(digits.digits(), nullptr);
+            EXPECT_EQ(amountOfLiveAllocations(), live + 1);
+        }
+        EXPECT_EQ(amountOfLiveAllocations(), live);
     }
 }
