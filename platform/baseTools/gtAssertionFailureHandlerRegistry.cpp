@@ -148,7 +148,7 @@ private:
 
 void writeLine(Registry& reg, const char* functionName, const char* fileName, int lineNumber, const char* message)
 {
-    char number[16];
+    char number[sizeof ":-2147483648: "];
     static_cast<void>(std::snprintf(number, sizeof number, ":%d: ", lineNumber));
 
     const std::lock_guard<std::mutex> lock(reg.lineMutex);
@@ -216,19 +216,15 @@ void gtTriggerAssertonFailureHandler(const char* functionName, const char* fileN
 {
     const int errorNumber = errno;
     Registry& reg = registry();
-    std::uint64_t lastNumber = 0;
-    {
-        const std::lock_guard<std::mutex> lock(reg.mutex);
-        if (amountOfCallsOnThread(reg, std::this_thread::get_id()) < gtDeepestNestedAssertionFailure)
-        {
-            lastNumber = reg.lastNumber;
-        }
-    }
+    std::unique_lock<std::mutex> lock(reg.mutex);
+    const bool isTooDeep = amountOfCallsOnThread(reg, std::this_thread::get_id()) >= gtDeepestNestedAssertionFailure;
+    const std::uint64_t lastNumber = reg.lastNumber;
+    lock.unlock();
 
     bool isHeard = false;
     bool hasThrown = false;
     RunningCall call;
-    while (beginNextCall(reg, call, call.registrationNumber, lastNumber))
+    while (!isTooDeep && beginNextCall(reg, call, call.registrationNumber, lastNumber))
     {
         isHeard = true;
         errno = errorNumber;

@@ -25,7 +25,7 @@ public:
     gtPtrVector& operator=(const gtPtrVector&) = delete;
 
     // Takes the other's elements; the other is empty afterwards.
-    gtPtrVector(gtPtrVector&& other) noexcept : _elements(std::move(other._elements)) { other._elements.clear(); }
+    gtPtrVector(gtPtrVector&& other) noexcept { _elements.swap(other._elements); }
 
     // The same, after deleting the elements that were here (a vector moved to itself stays what it is).
     gtPtrVector& operator=(gtPtrVector&& other) noexcept

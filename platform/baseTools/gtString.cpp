@@ -1,5 +1,6 @@
 #include "platform/baseTools/gtString.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdarg>
 #include <cstdio>
@@ -19,7 +20,7 @@ std::size_t lengthOf(const char* pChars)
 
 std::size_t lengthOf(const char* pChars, int length)
 {
-    return ((pChars == nullptr) || (length < 0)) ? 0 : static_cast<std::size_t>(length);
+    return (pChars == nullptr) ? 0 : static_cast<std::size_t>(std::max(length, 0));
 }
 
 void appendChecked(std::string& text, const char* pChars, std::size_t length)
@@ -28,10 +29,7 @@ void appendChecked(std::string& text, const char* pChars, std::size_t length)
     {
         throw std::length_error("gtString: a text of more than INT_MAX bytes");
     }
-    if (length > 0)
-    {
-        text.append(pChars, length);
-    }
+    text.append(pChars, length);
 }
 }  // namespace
 
@@ -45,9 +43,9 @@ gtString::gtString(const char* pChars, int length)
     appendChecked(_text, pChars, lengthOf(pChars, length));
 }
 
-gtString::gtString(gtString&& other) noexcept : _text(std::move(other._text))
+gtString::gtString(gtString&& other) noexcept
 {
-    other._text.clear();
+    _text.swap(other._text);
 }
 
 gtString& gtString::operator=(const char* pChars)
@@ -57,11 +55,8 @@ gtString& gtString::operator=(const char* pChars)
 
 gtString& gtString::operator=(gtString&& other) noexcept
 {
-    if (this != &other)
-    {
-        _text = std::move(other._text);
-        other._text.clear();
-    }
+    gtString taken(std::move(other));
+    _text.swap(taken._text);
     return *this;
 }
 
@@ -104,11 +99,8 @@ gtString& gtString::appendFormattedString(const char* pFormat, ...)
     const int length = std::vsnprintf(shortResult, sizeof shortResult, pFormat, arguments);
     va_end(arguments);
 
-    if (length < 0)
-    {
-        return *this;
-    }
-    if (static_cast<std::size_t>(length) < sizeof shortResult)
+    // A negative length appends nothing.
+    if (length < static_cast<int>(sizeof shortResult))
     {
         return append(shortResult, length);
     }
@@ -134,9 +126,7 @@ gtString& gtString::makeEmpty() noexcept
 
 gtString& gtString::reserve(int length)
 {
-    if ((length > 0) && (static_cast<std::size_t>(length) > _text.capacity()))
-    {
-        _text.reserve(static_cast<std::size_t>(length));
-    }
+    // Some libraries shrink to what is less than there is.
+    _text.reserve(std::max(static_cast<std::size_t>(std::max(length, this->length())), _text.capacity()));
     return *this;
 }

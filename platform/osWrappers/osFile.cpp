@@ -10,8 +10,6 @@
 
 namespace
 {
-constexpr std::size_t bufferCapacity = std::size_t(256) * 1024;
-
 // More than this in one call is refused by some systems and cut by others.
 constexpr std::size_t largestSystemRead = std::size_t(1) << 30;
 
@@ -49,7 +47,7 @@ int prepareRegularFile(int descriptor)
         return S_ISDIR(status.st_mode) ? EISDIR : ENOTSUP;
     }
     const int flags = ::fcntl(descriptor, F_GETFL);
-    return ((flags < 0) || (::fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != 0)) ? errno : 0;
+    return ((flags == -1) || (::fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != 0)) ? errno : 0;
 }
 }  // namespace
 
@@ -136,8 +134,7 @@ void osFile::close() noexcept
         static_cast<void>(::close(_descriptor));
         _descriptor = -1;
         _pBuffer.reset();
-        _bufferedBegin = 0;
-        _bufferedEnd = 0;
+        _bufferedBegin = _bufferedEnd;
     }
 }
 

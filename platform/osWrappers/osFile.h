@@ -1,7 +1,6 @@
 // Reads a regular file from its start to its end.
 //
-// - Small reads are cheap: they are served from a buffer of 256 KB. A read of that size or more goes straight into the
-//   caller's memory.
+// - Small reads are cheap: they are served from a buffer of 256 KB, which larger ones go round.
 // - The end of the file is where it is first met: a file that grows afterwards ends there for this object all the same.
 //   After an error nothing more is read either. hasReadError() tells the two apart.
 // - System calls that a signal interrupts are taken up again.
@@ -22,6 +21,9 @@ public:
     {
         OS_OPEN_TO_READ = 0
     };
+
+    // A read of this many bytes or more goes straight into the caller's memory.
+    static constexpr unsigned long bufferCapacity = 256UL * 1024;
 
     osFile() noexcept = default;
     osFile(const osFile&) = delete;
@@ -46,7 +48,7 @@ public:
     // Closes the file, if one is open; then another one can be opened. hasReadError() keeps its answer until then.
     void close() noexcept;
 
-    bool isOpen() const noexcept { return _descriptor >= 0; }
+    bool isOpen() const noexcept { return _descriptor != -1; }
 
     // Whether reading stopped because of an error: true from the read on that met it, which may still have returned
     // bytes from before it.
@@ -60,7 +62,7 @@ public:
     bool fileSize(unsigned long long& size) const noexcept;
 
 private:
-    bool isReadable() const noexcept { return (_descriptor >= 0) && !_isAtEnd && !_hasReadError; }
+    bool isReadable() const noexcept { return isOpen() && !_isAtEnd && !_hasReadError; }
     bool hasBuffer() noexcept;
     std::size_t readOnce(char* pBuffer, std::size_t bufferSize) noexcept;
 

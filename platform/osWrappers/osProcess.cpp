@@ -72,9 +72,9 @@ void closeDescriptorsFrom(int first)
         return;
     }
 #endif
-    const long limit = ::sysconf(_SC_OPEN_MAX);
-    const int end = ((limit < 0) || (limit > 65536)) ? 65536 : static_cast<int>(limit);
-    for (int descriptor = first; descriptor < end; ++descriptor)
+    // Without a limit it is -1.
+    const unsigned long limit = std::min(static_cast<unsigned long>(::sysconf(_SC_OPEN_MAX)), 65536UL);
+    for (int descriptor = first; descriptor < static_cast<int>(limit); ++descriptor)
     {
         static_cast<void>(::close(descriptor));
     }
@@ -90,43 +90,33 @@ void raiseTrap()
 #endif
 }
 
-// What an editor needs to go to a line; one that cannot do it is reached through the desktop's default if at all. In
-// the arguments, %f stands for the file and %l for the line.
+// What an editor needs to go to a line; one that cannot do it is reached through the desktop's default if at all.
 struct Editor
 {
     const char* pProgram;
-    const char* pLineArgument;  // comes before the file; null if there is none
-    const char* pFileArgument;
+    const char* pOption;  // comes before the file, with the line at its end or not; null if there is none
+    bool isLineBehindFile;
 };
 
 constexpr Editor knownEditors[] = {
-    {"code", "--goto", "%f:%l"},   {"codium", "--goto", "%f:%l"},   {"subl", nullptr, "%f:%l"},
-    {"kate", "--line=%l", "%f"},   {"gedit", "+%l", "%f"},          {"geany", "--line=%l", "%f"},
-    {"kwrite", "--line=%l", "%f"}, {"mousepad", "--line=%l", "%f"}, {"pluma", "+%l", "%f"},
-    {"xed", "+%l", "%f"},          {"gvim", "+%l", "%f"},           {"emacs", "+%l", "%f"},
+    {"code", "--goto", true}, {"codium", "--goto", true},  {"subl", nullptr, true},      {"kate", "--line=", false},
+    {"gedit", "+", false},    {"geany", "--line=", false}, {"kwrite", "--line=", false}, {"mousepad", "--line=", false},
+    {"pluma", "+", false},    {"xed", "+", false},         {"gvim", "+", false},         {"emacs", "+", false},
 };
 
-std::string filledIn(std::string_view pattern, const std::string& file, int lineNumber)
+std::vector<std::string> lineArguments(const Editor& editor, const std::string& file, const std::string& line)
 {
-    std::string result;
-    for (std::size_t i = 0; i < pattern.size(); ++i)
+    if (!editor.isLineBehindFile)
     {
-        if (pattern.substr(i, 2) == "%f")
-        {
-            result += file;
-            ++i;
-        }
-        else if (pattern.substr(i, 2) == "%l")
-        {
-            result += std::to_string(lineNumber);
-            ++i;
-        }
-        else
-        {
-            result += pattern[i];
-        }
+        return {editor.pOption + line, file};
     }
-    return result;
+    std::vector<std::string> arguments;
+    if (editor.pOption != nullptr)
+    {
+        arguments.emplace_back(editor.pOption);
+    }
+    arguments.push_back(file + ":" + line);
+    return arguments;
 }
 
 // A program with its arguments, ready for execve.
@@ -179,7 +169,7 @@ bool isWithoutWindow(const std::string& program)
     }
     constexpr std::string_view mark = "-nox";
     const std::string_view name(target);
-    return (name.size() >= mark.size()) && (name.substr(name.size() - mark.size()) == mark);
+    return name.substr(std::max(name.size(), mark.size()) - mark.size()) == mark;
 }
 
 // The full path of an executable file, or the empty text.
@@ -220,19 +210,12 @@ std::vector<Command> openingCommands(const std::string& file, int lineNumber)
         {
             continue;
         }
-        std::vector<std::string> strings = {std::move(program)};
+        std::vector<std::string> strings = {file};
         if (lineNumber > 0)
         {
-            if (editor.pLineArgument != nullptr)
-            {
-                strings.push_back(filledIn(editor.pLineArgument, file, lineNumber));
-            }
-            strings.push_back(filledIn(editor.pFileArgument, file, lineNumber));
+            strings = lineArguments(editor, file, std::to_string(lineNumber));
         }
-        else
-        {
-            strings.push_back(file);
-        }
+        strings.insert(strings.begin(), std::move(program));
         commands.emplace_back(std::move(strings));
     }
 
@@ -282,20 +265,17 @@ void writeToStderr(const std::string& text)
 
 void resetSignals()
 {
-    struct sigaction action;
-    std::memset(&action, 0, sizeof action);
-    action.sa_handler = SIG_DFL;
-    static_cast<void>(sigemptyset(&action.sa_mask));
-    for (int number = 1; number < NSIG; ++number)
+    for (int number = SIGHUP; number != NSIG; ++number)
     {
-        static_cast<void>(::sigaction(number, &action, nullptr));
+        static_cast<void>(std::signal(number, SIG_DFL));
     }
     sigset_t none;
     static_cast<void>(sigemptyset(&none));
     static_cast<void>(::sigprocmask(SIG_SETMASK, &none, nullptr));
 }
 
-[[noreturn]] void becomeEditor(const std::vector<Command>& commands, const std::string& allFailedLine)
+// Returns if no command could be started.
+void becomeEditor(const std::vector<Command>& commands, const std::string& allFailedLine)
 {
     static_cast<void>(::setsid());
 
@@ -322,7 +302,6 @@ void resetSignals()
         static_cast<void>(::execve(command.pointers[0], command.pointers.data(), processEnvironment()));
     }
     writeWhole(keptStderr, allFailedLine.data(), allFailedLine.size());
-    ::_exit(127);
 }
 
 // Blocks all signals of the thread while it lives, so that none of the program's handlers runs in a child.
@@ -356,9 +335,9 @@ bool startDetached(const std::vector<Command>& commands, const std::string& allF
         {
             becomeEditor(commands, allFailedLine);
         }
-        ::_exit((editor < 0) ? 1 : 0);
+        ::_exit(static_cast<int>(editor == -1));
     }
-    if (between < 0)
+    if (between == -1)
     {
         return false;
     }
@@ -369,7 +348,7 @@ bool startDetached(const std::vector<Command>& commands, const std::string& allF
     do
     {
         collected = ::waitpid(between, &status, 0);
-    } while ((collected < 0) && (errno == EINTR));
+    } while ((collected == -1) && (errno == EINTR));
     return WIFEXITED(status) && (WEXITSTATUS(status) == 0);
 }
 }  // namespace

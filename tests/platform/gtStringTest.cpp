@@ -281,9 +281,21 @@ TEST(gtString, holdsWhatIsAsLongAsAnInt)
     ASSERT_NE(pZeros, MAP_FAILED);
     {
         gtString text;
+        text.reserve(INT_MAX);
+        text.append(static_cast<const char*>(pZeros), INT_MAX - 300);
+        text.appendFormattedString("%300d", 1);
+        EXPECT_EQ(text.length(), INT_MAX);
+        text.makeEmpty();
         text.append(static_cast<const char*>(pZeros), INT_MAX);
         EXPECT_EQ(text.length(), INT_MAX);
+        unsigned long long before = amountOfAllocations();
         EXPECT_THROW(text.append('x'), std::length_error);
+        EXPECT_EQ(text.length(), INT_MAX);
+        // Refused before anything is allocated for it.
+        const unsigned long long amountOfOneRefusal = amountOfAllocations() - before;
+        before = amountOfAllocations();
+        EXPECT_THROW(text.appendFormattedString("%300d", 1), std::length_error);
+        EXPECT_EQ(amountOfAllocations() - before, amountOfOneRefusal);
         EXPECT_EQ(text.length(), INT_MAX);
         text.append(pNoChars);
     }

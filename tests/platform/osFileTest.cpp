@@ -446,6 +446,20 @@ TEST_F(osFileTest, fileThatShrinksEndsThere)
     EXPECT_FALSE(file.hasReadError());
 }
 
+TEST_F(osFileTest, closedFileKeepsNoBuffer)
+{
+    const osFilePath path = write("file", contentOf(1000));
+    osFile file;
+    ASSERT_TRUE(open(file, path));
+    const long live = amountOfLiveAllocations();
+    char buffer[60];
+    unsigned long amount = 0;
+    ASSERT_TRUE(file.readAvailableData(buffer, sizeof buffer, amount));
+    EXPECT_EQ(amountOfLiveAllocations(), live + 1);
+    file.close();
+    EXPECT_EQ(amountOfLiveAllocations(), live);
+}
+
 TEST_F(osFileTest, readsWithoutMemoryForABuffer)
 {
     const std::string content = contentOf(1000);
