@@ -42,7 +42,9 @@ class RegionFinder:
 
     def add(self, cursor, kind):
         begin, end = cursor.extent.start.offset, cursor.extent.end.offset
-        if begin < end and cursor.extent.start.file and cursor.extent.start.file.name == self.path:
+        # What a macro makes stands at its use.
+        is_macro = re.match(rb"[A-Z][A-Z0-9_]+\s*\(", self.source[begin:end])
+        if begin < end and cursor.extent.start.file and cursor.extent.start.file.name == self.path and not is_macro:
             self.regions.add(Region(begin, end, kind))
 
     def visit(self, cursor):
@@ -162,23 +164,24 @@ class SourceOfAll:
         return result
 
 
-def compiled(source_of_all, path, command, folder):
-    """Writes the source with as many of the mutants as the compiler takes. Returns their numbers."""
+def has_compiled(source_of_all, path, command, folder):
+    """Writes the source with as many of the mutants as the compiler takes, and compiles it. Not optimised: with thousands
+    of choices, that takes minutes."""
     for _ in range(MOST_TRIES):
         if not source_of_all.left():
-            return []
+            return False
         content = source_of_all.content()
         path.write_text(content)
-        done = subprocess.run([*command, "-Wno-narrowing", "-fmax-errors=0", "-fdiagnostics-color=never"], cwd=folder,
+        done = subprocess.run([*command, "-O0", "-Wno-narrowing", "-fmax-errors=0", "-fdiagnostics-color=never"], cwd=folder,
                               stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)  # fmt: skip
         if done.returncode == 0:
-            return source_of_all.left()
+            return True
         said = done.stderr.decode(errors="replace")
         place = re.escape(str(path)) + r":(\d+):\d+: "
         wrong = source_of_all.numbers_at(content, map(int, re.findall(place + r"(?:fatal )?error", said)))
         # What is wrong in a template is said where it is used.
         wrong = wrong or source_of_all.numbers_at(content, map(int, re.findall(place, said)))
         if not wrong:
-            return []
+            return False
         source_of_all.drop(wrong)
-    return []
+    return False

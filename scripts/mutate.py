@@ -573,14 +573,15 @@ class Build:
         """Runs the tests on the unchanged program: they must pass, and tell how long they may take. From here on,
         percent is the part of the random cases that runs."""
         self.percent = percent
-        failed = self.failed_measuring()
+        failed = self.failed_measuring(self.programs)
         if failed:
             give_up(failed)
+        self.programs.sort(key=lambda p: sum(self.costs[p].seconds_of_tests.values()))
 
-    def failed_measuring(self):
-        """The same; says by what it failed instead of giving up."""
+    def failed_measuring(self, programs):
+        """The same for these; says by what it failed instead of giving up."""
         self.costs, self.parts = {}, {}
-        for program in self.programs:
+        for program in programs:
             run = self.run(program, "")
             if not run.passed:
                 return f"{program.name} fails on the unchanged program: {run.failed_test}"
@@ -590,7 +591,6 @@ class Build:
             parts = [[test for test in seconds if low <= seconds[test] < high] for low, high in bounds]
             # Those whose time is not known, such as skipped ones, are in the first.
             self.parts[program] = ["*-" + ":".join(parts[1] + parts[2])] + [":".join(part) for part in parts[1:]]
-        self.programs.sort(key=lambda p: sum(self.costs[p].seconds_of_tests.values()))
         return ""
 
     def run(self, program, tests):
@@ -672,10 +672,13 @@ class Room:
         return result
 
     def try_at_once(self, file, mutants):
-        """Yields the mutants of a source that a program catches in which they all are, and by what they are caught."""
+        """Yields the mutants of a source that a program catches in which they all are, and by what they are caught. It is
+        slow, so only tests that are not are run."""
         plain, path = self.plain, self.tree / file
         original = path.read_bytes()
-        objects = sum(plain.objects(file), [])
+        # Tests that take the source in themselves wait for those that nothing catches in the library.
+        objects, _ = plain.objects(file)
+        programs = plain.programs_made_of(objects)
         all_of_them = mutants_at_once.SourceOfAll(self.units[file], str(path), original, mutants)
         kept = (plain.costs, plain.parts)
         plain.changed = file
@@ -685,18 +688,18 @@ class Room:
             while numbers != all_of_them.left():
                 numbers = all_of_them.left()
                 for name in objects:
-                    mutants_at_once.compiled(all_of_them, path, plain.compiling[name], plain.folder)
-            if not numbers or not plain.link(objects):
+                    if not mutants_at_once.has_compiled(all_of_them, path, plain.compiling[name], plain.folder):
+                        return
+            if not plain.link(objects):
                 return
-            failed = plain.failed_measuring()
+            failed = plain.failed_measuring(programs)
             if failed:
                 say(f"{file}: all mutants at once: {failed}")
                 return
             say(f"{file}: {len(numbers)} of {len(mutants)} mutants at once")
-            programs = plain.programs_made_of(objects)
             for plain.chosen in numbers:
-                # What quick tests let pass may be the same program: slow ones wait for its own build.
-                caught = self.caught_by_the_last_catchers(programs) or self.caught_by(plain, programs, [0, 1])
+                # What the quickest tests let pass may be the same program: slow ones wait for its own build.
+                caught = self.caught_by_the_last_catchers(programs) or self.caught_by(plain, programs, [0])
                 if caught:
                     self.remember(caught)
                     yield all_of_them.numbers[plain.chosen], f"{caught[0].name} {caught[1]}"
