@@ -35,16 +35,9 @@ bool hasDialogKeyboard()
 class AssertionDialogs : public MainFrameFixture
 {
 protected:
-    void choose(const std::string& key)
-    {
-        tsPressKeys("alt+d");
-        settle();
-        tsPressKeys(key);
-        settle();
-    }
     void switchByMenu(bool areOn)
     {
-        choose("a");
+        choose("alt+d", "a");
         tsRunUntil("the menu has done it", [&] { return _pFrame->hasAssertionDialogs() == areOn; });
     }
     static void fail(int line, const char* message = "Assertion failure (x != 0)")
@@ -79,7 +72,7 @@ TEST_F(AssertionDialogs, AreOffAtFirst)
     start();
     EXPECT_FALSE(_pFrame->hasAssertionDialogs());
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
-    choose("f");
+    choose("alt+d", "f");
     tsRunUntil("the status bar tells", [this] { return !status(0).empty(); });
     EXPECT_EQ(status(0), "An assertion failed, and its handler stayed silent");
     EXPECT_EQ(tsTopModalDialog(), nullptr);
@@ -119,7 +112,7 @@ TEST_F(AssertionDialogs, AreReachedByTheMenu)
                      tsPressKeys("alt+i");
                  })
         .start();
-    choose("f");
+    choose("alt+d", "f");
     tsRunUntil("the dialog is gone", [&] { return isAnswered && tsTopModalDialog() == nullptr; });
     EXPECT_EQ(occurrences(_errors.take(), "asked for in the Developer menu"), 1U);
 }

@@ -85,9 +85,7 @@ protected:
     }
     void open()
     {
-        tsPressKeys("alt+d");
-        settle();
-        tsPressKeys("r");
+        choose("alt+d", "r");
         tsRunUntil("the report has the keyboard", [this] { return window() != nullptr && tsHasKeyboard(*window()); });
         settle();
     }

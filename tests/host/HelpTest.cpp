@@ -69,9 +69,7 @@ TEST_F(Help, TellsWhatItIsNot)
     EXPECT_THAT(hoAboutText().utf8_string(), HasSubstr("textbook RSA"));
     EXPECT_THAT(hoAboutText().utf8_string(), HasSubstr("exclusive-or"));
     EXPECT_THAT(hoAboutText().utf8_string(), HasSubstr("not against"));
-    tsPressKeys("alt+h");
-    settle();
-    tsPressKeys("a");
+    choose("alt+h", "a");
     tsRunUntil("it is shown", [] { return isActive("About Countersign"); });
     tsPressKeys("Escape");
     tsRunUntil("it is gone", [this] { return tsHasKeyboard(*_pFrame); });

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 #include <wx/listctrl.h>
+#include <wx/menu.h>
 #include <wx/statusbr.h>
 
 #include <stdexcept>
@@ -59,6 +60,33 @@ protected:
         _pFrame = dynamic_cast<MainFrame*>(wxGetApp().GetTopWindow());
         ASSERT_NE(_pFrame, nullptr);
         settle();
+    }
+
+    // Opens a menu by its key, and waits until it takes the next one.
+    void openMenu(const std::string& keys)
+    {
+        tsRunUntil("the main window has the keyboard", [this] { return tsHasKeyboard(*_pFrame); });
+        openSubmenu(keys);
+    }
+    // The same where another menu is open already.
+    void openSubmenu(const std::string& keys)
+    {
+        bool isOpen = false;
+        const auto onOpen = [&](wxMenuEvent& event)
+        {
+            isOpen = true;
+            event.Skip();
+        };
+        _pFrame->Bind(wxEVT_MENU_OPEN, onOpen);
+        tsPressKeys(keys);
+        tsRunUntil("the menu is open", [&] { return isOpen; });
+        _pFrame->Unbind(wxEVT_MENU_OPEN, onOpen);
+    }
+    // By the menu's key and the item's.
+    void choose(const std::string& menuKeys, const std::string& itemKeys)
+    {
+        openMenu(menuKeys);
+        tsPressKeys(itemKeys);
     }
 
     // Whether a window other than the main one has the keyboard, also one that the toolkit does not count among its

@@ -50,7 +50,9 @@ TEST_F(Signing, NeedsAKey)
     EXPECT_THAT(rows(1), ElementsAre("Not signed", "No key to tell"));
     EXPECT_EQ(status(1), "No key");
     tsPressKeys("ctrl+s");
-    settle();
+    // Comes after it.
+    tsPressKeys("ctrl+a");
+    tsRunUntil("all is selected", [this] { return selectedRows().size() == 2; });
     EXPECT_FALSE(_pFrame->isAtWork());
     EXPECT_FALSE(std::filesystem::exists(_folder.path("a.txt.sig")));
 }
@@ -133,9 +135,7 @@ TEST_F(Signing, APublicKeyTests)
     EXPECT_THAT(status(1), HasSubstr("512-bit public key"));
     // What was found under other keys is not shown under these.
     EXPECT_THAT(rows(1), ElementsAre("Not tested", "Not tested", "Not tested"));
-    tsPressKeys("alt+k");
-    settle();
-    tsPressKeys("f");
+    choose("alt+k", "f");
     tsRunUntil("the keys are gone", [this] { return !_pFrame->keys().canTest(); });
     drop(_folder.path("theirs.pem"));
     pressAndWait("ctrl+shift+t");
@@ -304,9 +304,7 @@ TEST_F(Signing, MakesKeyPairsOfTypedSizes)
                      tsPressKeys("alt+r");
                  })
         .start();
-    tsPressKeys("alt+k");
-    settle();
-    tsPressKeys("n");
+    choose("alt+k", "n");
     tsRunUntil("the new key is loaded", [this] { return _pFrame->keys().canSign(); });
     EXPECT_TRUE(script.isFinished());
     ASSERT_EQ(said.size(), 10U);
@@ -321,8 +319,6 @@ TEST_F(Signing, MakesKeyPairsOfTypedSizes)
 TEST_F(Signing, MakesANewKeyPairAndLoadsIt)
 {
     start();
-    tsPressKeys("alt+k");
-    settle();
     tsScript script;
     const auto input = [](const char* name)
     { return dynamic_cast<wxTextCtrl*>(wxWindow::FindWindowByName(name, tsTopModalDialog())); };
@@ -343,7 +339,7 @@ TEST_F(Signing, MakesANewKeyPairAndLoadsIt)
         .perform("give it", [] { tsType("sesame"); })
         .perform("press Return", [] { tsPressKeys("Return"); })
         .start();
-    tsPressKeys("n");
+    choose("alt+k", "n");
     tsRunUntil("the new key is loaded", [this] { return _pFrame->keys().canSign(); });
     EXPECT_TRUE(script.isFinished());
     settle();
@@ -378,6 +374,8 @@ TEST_F(Signing, EncryptsAndDecryptsShortTexts)
     { return dynamic_cast<wxTextCtrl*>(wxWindow::FindWindowByName(name, tsTopModalDialog())); };
     const auto label = [](const char* name)
     { return wxWindow::FindWindowByName(name, tsTopModalDialog())->GetLabel().utf8_string(); };
+    const auto isEnabled = [](const char* button)
+    { return wxWindow::FindWindowByLabel(button, tsTopModalDialog())->IsEnabled(); };
     const std::string euro = "\xe2\x82\xac";
     std::vector<std::string> counts;
     script
@@ -394,17 +392,20 @@ TEST_F(Signing, EncryptsAndDecryptsShortTexts)
                      input("plain")->SetValue(wxString('x', 128));
                      counts.push_back(label("count"));
                      tsPressKeys("alt+e");
+                     // Comes after it.
+                     tsType("x");
                  })
+        .waitUntil("the keys have done what they do", [&] { return input("plain")->GetValue().length() == 129; })
         .perform("see that it was not encrypted",
                  [&]
                  {
                      EXPECT_TRUE(input("cipher")->IsEmpty());
                      input("plain")->SetValue(wxString::FromUTF8("at noon " + euro));
                      counts.push_back(label("count"));
-                     tsRunEvents();
                  })
+        .waitUntil("it can be encrypted", [&] { return isEnabled("&Encrypt"); })
         .perform("encrypt", [] { tsPressKeys("alt+e"); })
-        .waitUntil("it is encrypted", [&] { return !input("cipher")->IsEmpty(); })
+        .waitUntil("it is encrypted", [&] { return !input("cipher")->IsEmpty() && isEnabled("&Decrypt"); })
         .perform("forget the text",
                  [&]
                  {

@@ -169,7 +169,10 @@ TEST_F(TextsDialog, RefusesATextOverTheLimit)
                      EXPECT_EQ(label("count"),
                                "65 of 63 bytes: too long for this key, it would not come back and cannot be encrypted");
                      tsPressKeys("alt+e");
+                     // Comes after it.
+                     tsType("x");
                  })
+        .waitUntil("the keys have done what they do", [] { return box("plain").GetValue().length() == 65; })
         .perform("see that nothing came", [] { EXPECT_TRUE(box("cipher").IsEmpty()); });
     inDialog(script);
 }

@@ -96,9 +96,7 @@ protected:
 
     void forget()
     {
-        tsPressKeys("alt+k");
-        settle();
-        tsPressKeys("f");
+        choose("alt+k", "f");
         tsRunUntil("the keys are gone", [this] { return !_pFrame->keys().canTest(); });
         settle();
     }
@@ -174,9 +172,7 @@ TEST_F(WindowSecrets, OfANewKeyPairAreInItsFileAlone)
         .perform("give it", [this] { typePassphrase(); })
         .perform("press Return", [] { tsPressKeys("Return"); })
         .start();
-    tsPressKeys("alt+k");
-    settle();
-    tsPressKeys("n");
+    choose("alt+k", "n");
     tsRunUntil("the new key is loaded", [&] { return script.isFinished() && _pFrame->keys().canSign(); });
     settle();
     const std::vector<tsSecret> secrets = tsSecretsOfKey(_folder.path("new.pem"));

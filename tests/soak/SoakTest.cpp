@@ -233,7 +233,7 @@ protected:
         line = 1;
         fail();
         answer([] { tsRunProgram({"wmctrl", "-c", "Assert in: aFile.cpp"}); }, fail);
-        answer([] { click(*wxWindow::FindWindowById(AH_IGNORE_BUTTON_ID, dialog())); }, fail);
+        answer([] { tsClick(*wxWindow::FindWindowById(AH_IGNORE_BUTTON_ID, dialog())); }, fail);
         std::thread(fail).join();
         answer([] { tsPressKeys("alt+i"); }, [] { tsRunUntil("the dialog came", [] { return dialog() != nullptr; }); });
         _pFrame->setAssertionDialogs(false);
@@ -248,14 +248,6 @@ protected:
             .start();
         work();
         tsRunUntil("the dialog is gone", [&] { return script.isFinished() && dialog() == nullptr; });
-    }
-
-    // Not tsClick: it waits for the mouse to move, and here it is where it was.
-    static void click(const wxWindow& window)
-    {
-        const wxRect rect = window.GetScreenRect();
-        tsRunProgram({"xdotool", "mousemove", std::to_string(rect.x + rect.width / 2),
-                      std::to_string(rect.y + rect.height / 2), "click", "1"});
     }
 
     void answerBareDialogs()
