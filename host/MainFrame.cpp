@@ -99,16 +99,18 @@ std::vector<gtString> applicationArguments()
 {
     std::vector<gtString> arguments;
     const wxArrayString& texts = wxTheApp->argv.GetArguments();
-    if (texts.size() == 1 && texts[0].StartsWith("/"))
-    {
-        // Perhaps a document that arrived before the window: those are kept as path texts.
-        return {ahPathBytesFromText(texts[0])};
-    }
     for (const wxString& text : texts)
     {
         arguments.push_back(ahBytesFromArgument(text));
     }
-    return hoWithLostArguments(arguments, hoProcessArguments(), isLostArgument);
+    const std::vector<gtString> ofProcess = hoProcessArguments();
+    const bool isProgramName = !ofProcess.empty() && !arguments.empty() && arguments[0] == ofProcess[0];
+    if (texts.size() == 1 && texts[0].StartsWith("/") && !isProgramName)
+    {
+        // Perhaps a document that arrived before the window: those are kept as path texts.
+        return {ahPathBytesFromText(texts[0])};
+    }
+    return hoWithLostArguments(arguments, ofProcess, isLostArgument);
 }
 
 std::string programPath()
@@ -191,6 +193,7 @@ MainFrame::MainFrame()
       _watcher([this] { refreshDocuments(); }),
       _areChangesPending(false),
       _isRecentChanged(false),
+      _isFrontWanted(false),
       _canRemember(true),
       _pAssertionReport(std::make_shared<hoAssertionReport>()),
       _pProgressDialog(nullptr),
@@ -253,14 +256,14 @@ MainFrame::~MainFrame()
 
 void MainFrame::openFilePath(const gtString& path, bool isAskedFor)
 {
+    const std::size_t row = openQuietly(path);
     if (isAskedFor)
     {
-        openAskedFor({path});
-        comeToFront();
-    }
-    else
-    {
-        openQuietly(path);
+        _isFrontWanted = true;
+        if (row != hoDocumentList::nowhere)
+        {
+            _askedFor.push_back(_documents[row]._path);
+        }
     }
 }
 
@@ -660,6 +663,8 @@ void MainFrame::OnClose(wxCloseEvent& event)
 
 void MainFrame::tidyUp()
 {
+    // What would come from now on would be opened in a window that goes away.
+    _sessionBus.leave();
     // The work ends here, and not among the remains of the window.
     _workTimer.Stop();
     if (_pProgressDialog != nullptr)
@@ -718,11 +723,34 @@ void MainFrame::openAskedFor(const std::vector<gtString>& paths)
             }
         }
     }
+    select(rows);
+}
+
+void MainFrame::select(const std::vector<std::size_t>& rows)
+{
     if (!rows.empty())
     {
         _pPages->ChangeSelection(PAGE_LIST);
         list().select(rows);
         list().SetFocus();
+    }
+}
+
+void MainFrame::showWhatWasAskedFor()
+{
+    std::vector<std::size_t> rows;
+    for (const gtString& path : std::exchange(_askedFor, {}))
+    {
+        const std::size_t row = _documents.positionOf(path);
+        if (row != hoDocumentList::nowhere)
+        {
+            rows.push_back(row);
+        }
+    }
+    select(rows);
+    if (std::exchange(_isFrontWanted, false))
+    {
+        comeToFront();
     }
 }
 
@@ -1017,6 +1045,7 @@ void MainFrame::showChangesNow()
         }
         _pPages->ChangeSelection(static_cast<std::size_t>(page));
     }
+    showWhatWasAskedFor();
     showStatus();
     showMessage();
     watchFolders();

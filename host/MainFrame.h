@@ -60,8 +60,8 @@ public:
     bool Show(bool isShown = true) override;
 
     // Opens the document; path is bytes, relative ones start at the current folder. isAskedFor: somebody waits for this
-    // document, so it is selected and the window comes to the front; otherwise what is selected and what is in front
-    // stay as they are.
+    // document, so it is selected and the window comes to the front once the present event is dealt with, together with
+    // all that the event has brought; otherwise what is selected and what is in front stay as they are.
     void openFilePath(const gtString& path, bool isAskedFor);
 
     const hoDocumentList& documents() const { return _documents; }
@@ -118,6 +118,8 @@ private:
     bool handOverArguments();
     void openArguments();
     void openAskedFor(const std::vector<gtString>& paths);
+    void select(const std::vector<std::size_t>& rows);
+    void showWhatWasAskedFor();
     // Opens one document and gives its position, or hoDocumentList::nowhere.
     std::size_t openQuietly(const gtString& path);
     // Looks at all documents again, and watches the folders that they are in.
@@ -170,6 +172,8 @@ private:
     hoFolderWatcher _watcher;
     bool _areChangesPending;
     bool _isRecentChanged;
+    std::vector<gtString> _askedFor;  // documents that are to be selected
+    bool _isFrontWanted;
     bool _canRemember;                                           // the file holds nothing that could not be read
     const std::shared_ptr<hoAssertionReport> _pAssertionReport;  // of this run
     std::shared_ptr<hoInteractiveAssertionFailureHandler> _pInteractiveHandler;

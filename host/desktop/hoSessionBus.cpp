@@ -7,7 +7,14 @@
 
 namespace
 {
-const int ANSWER_TIMEOUT_MILLISECONDS = 5000;
+// A later start asks the first one to take its documents within so long, and waits a little longer for the answer: what
+// it then opens itself is not opened by a first one that has been busy meanwhile.
+const gint64 ACCEPTANCE_MICROSECONDS = 5000000;
+const int ANSWER_TIMEOUT_MILLISECONDS = 6500;
+
+// In the request's platform data: by the system's monotonic clock, in microseconds.
+const char DEADLINE_KEY[] = "countersign-deadline";
+const char TOO_LATE_ERROR[] = "org.countersign.Countersign.TooLate";
 
 const char INTERFACE_NAME[] = "org.freedesktop.Application";
 
@@ -78,7 +85,20 @@ GVariant* platformData()
     {
         g_variant_builder_add(&builder, "{sv}", "desktop-startup-id", g_variant_new_string(pStartup));
     }
+    g_variant_builder_add(&builder, "{sv}", DEADLINE_KEY,
+                          g_variant_new_int64(g_get_monotonic_time() + ACCEPTANCE_MICROSECONDS));
     return g_variant_builder_end(&builder);
+}
+
+// Whether a later start has given up waiting for this request. Strangers set no deadline.
+bool isTooLate(GVariant* pArguments)
+{
+    // The last argument of every method.
+    GVariant* pData = g_variant_get_child_value(pArguments, g_variant_n_children(pArguments) - 1);
+    gint64 deadline = 0;
+    const bool isLimited = g_variant_lookup(pData, DEADLINE_KEY, "x", &deadline) != FALSE;
+    g_variant_unref(pData);
+    return isLimited && g_get_monotonic_time() > deadline;
 }
 }  // namespace
 
@@ -192,6 +212,11 @@ private:
     static void onMethodCall(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar* pMethod,
                              GVariant* pArguments, GDBusMethodInvocation* pInvocation, gpointer pUserData)
     {
+        if (isTooLate(pArguments))
+        {
+            g_dbus_method_invocation_return_dbus_error(pInvocation, TOO_LATE_ERROR, "nobody waits for this any more");
+            return;
+        }
         Connection* pSelf = static_cast<Connection*>(pUserData);
         const std::string method = pMethod;
         std::vector<std::string> paths;
@@ -229,6 +254,11 @@ private:
 
 hoSessionBus::hoSessionBus() = default;
 hoSessionBus::~hoSessionBus() = default;
+
+void hoSessionBus::leave()
+{
+    _pConnection.reset();
+}
 
 hoSessionBus::Outcome hoSessionBus::start(const std::vector<std::string>& paths, OpenFunction onOpen,
                                           ActivateFunction onActivate)

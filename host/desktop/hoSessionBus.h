@@ -37,7 +37,13 @@ public:
     //
     // The two functions are called from GLib's main loop of the calling thread, never from inside start(), each
     // after its caller on the bus has its answer, so that they may take their time (open a dialog, for one).
+    //
+    // An owner that comes to these paths only when this process has given up waiting does not open them.
     Outcome start(const std::vector<std::string>& paths, OpenFunction onOpen, ActivateFunction onActivate);
+
+    // Gives the name back before the end, so that whoever asks from now on does not ask for nothing: a later start is
+    // the first one then.
+    void leave();
 
     // The name on the bus, which is the desktop id, and the object's path.
     static const char* const NAME;

@@ -26,14 +26,6 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class ManyFolder : public TemporaryFolder
-{
-public:
-    ManyFolder() : TemporaryFolder(access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::filesystem::temp_directory_path())
-    {
-    }
-};
-
 // A label as it is seen, without its marks.
 std::string seenLabel(const wxWindow* pWindow)
 {
@@ -76,8 +68,7 @@ protected:
         settle();
     }
     std::string message() const { return _pFrame->workMessage()._line.utf8_string(); }
-    // Where there is one, in a folder that no disk is behind: a disk takes minutes to delete so many.
-    const ManyFolder _many;
+    const ManyFilesFolder _many;
 
     // As many documents, each in one of so many folders.
     std::vector<std::string> manyDocuments(int amount, int folders) const

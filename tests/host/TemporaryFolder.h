@@ -8,6 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <unistd.h>
 
 class TemporaryFolder
 {
@@ -54,6 +55,16 @@ public:
 
 private:
     std::string _path;
+};
+
+// For thousands of files: where there is one, in a folder that no disk is behind. A disk takes minutes to delete so many.
+class ManyFilesFolder : public TemporaryFolder
+{
+public:
+    ManyFilesFolder()
+        : TemporaryFolder(access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::filesystem::temp_directory_path())
+    {
+    }
 };
 
 #endif

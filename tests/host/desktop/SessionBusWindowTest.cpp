@@ -3,14 +3,17 @@
 #include "app/ApplicationShell.h"
 #include "host/MainFrame.h"
 #include "host/desktop/hoSessionBus.h"
+#include "tests/host/TemporaryFolder.h"
 #include "tests/support/tsWindowTest.h"
 
 #include <gio/gio.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+#include <wx/listctrl.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -29,7 +32,8 @@ protected:
         setenv("XDG_CONFIG_HOME", (_folder + "/config").c_str(), 1);
         _pBus = g_test_dbus_new(G_TEST_DBUS_NONE);
         // It takes the display away, which the second starts need.
-        const std::string display = std::getenv("DISPLAY");
+        const char* const pDisplay = std::getenv("DISPLAY");
+        static const std::string display = pDisplay != nullptr ? pDisplay : "";
         g_test_dbus_up(_pBus);
         setenv("DISPLAY", display.c_str(), 1);
     }
@@ -60,7 +64,7 @@ protected:
 
     std::string makeDocument(const std::string& name)
     {
-        const std::string path = _folder + "/" + name;
+        std::string path = _folder + "/" + name;
         std::ofstream(path) << "contents\n";
         return path;
     }
@@ -76,31 +80,44 @@ protected:
         return paths;
     }
 
-    // Runs another program while the window goes on working; its exit status.
-    static int runMeanwhile(const std::vector<std::string>& arguments)
+    // Runs another program; its exit status.
+    static int run(const std::vector<std::string>& arguments)
     {
         std::vector<char*> pointers;
+        pointers.reserve(arguments.size() + 1);
         for (const std::string& argument : arguments)
         {
             pointers.push_back(const_cast<char*>(argument.c_str()));
         }
         pointers.push_back(nullptr);
-        std::atomic<int> status{-1};
+        gint waitStatus = -1;
+        const int flags = G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL;
+        if (g_spawn_sync(nullptr, pointers.data(), nullptr, static_cast<GSpawnFlags>(flags), nullptr, nullptr, nullptr,
+                         nullptr, &waitStatus, nullptr) == FALSE)
+        {
+            return -1;
+        }
+        return g_spawn_check_wait_status(waitStatus, nullptr) != FALSE ? 0 : 1;
+    }
+
+    // Does something that blocks while the window goes on working.
+    static void meanwhile(const std::string& what, const std::function<void()>& work)
+    {
         std::atomic<bool> isDone{false};
         std::thread other(
             [&]
             {
-                gint waitStatus = -1;
-                const int flags = G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL;
-                if (g_spawn_sync(nullptr, pointers.data(), nullptr, static_cast<GSpawnFlags>(flags), nullptr, nullptr,
-                                 nullptr, nullptr, &waitStatus, nullptr) != FALSE)
-                {
-                    status = g_spawn_check_wait_status(waitStatus, nullptr) != FALSE ? 0 : 1;
-                }
+                work();
                 isDone = true;
             });
-        tsRunUntil(arguments[0] + " has ended", [&] { return isDone.load(); });
+        tsRunUntil(what + " has ended", [&] { return isDone.load(); });
         other.join();
+    }
+
+    static int runMeanwhile(const std::vector<std::string>& arguments)
+    {
+        int status = -1;
+        meanwhile(arguments[0], [&] { status = run(arguments); });
         return status;
     }
 
@@ -118,6 +135,7 @@ protected:
                              "{}"});
     }
 
+    const ManyFilesFolder _many;
     std::string _folder;
     GTestDBus* _pBus = nullptr;
     MainFrame* _pFrame = nullptr;
@@ -154,6 +172,13 @@ TEST_F(SessionBusWindowTest, aSecondStartHandsItsDocumentsToTheFirstAndEndsWell)
     EXPECT_EQ(runMeanwhile(command), 0);
     tsRunUntil("the documents are open", [&] { return _pFrame->documents().size() == paths.size(); });
     EXPECT_EQ(openDocuments(), paths);
+    // All together, as those of a first start.
+    tsRunUntil("the documents are selected",
+               [&]
+               {
+                   const auto* pList = dynamic_cast<wxListCtrl*>(wxWindow::FindWindowByName("documents", _pFrame));
+                   return pList != nullptr && pList->GetSelectedItemCount() == static_cast<int>(paths.size());
+               });
 }
 
 TEST_F(SessionBusWindowTest, aSecondStartWithoutDocumentsBringsTheWindowBack)
@@ -179,6 +204,91 @@ TEST_F(SessionBusWindowTest, aHundredDocumentsAtOnce)
     EXPECT_EQ(openDocuments(), paths);
 }
 
+TEST_F(SessionBusWindowTest, aSecondStartHandsOverWhatIsNoText)
+{
+    // The toolkit keeps none of its arguments but the program's name.
+    start();
+    const std::string path = makeDocument("\xFF\xFE");
+    EXPECT_EQ(runMeanwhile({COUNTERSIGN_DESKTOP, path}), 0);
+    tsRunUntil("the document is open", [&] { return _pFrame->documents().size() == 1; });
+    EXPECT_EQ(openDocuments(), std::vector<std::string>{path});
+}
+
+// As many and as long as an argument list holds; none of a name's bytes is the same in the message.
+TEST_F(SessionBusWindowTest, aSecondStartHandsTenThousandDocumentsOver)
+{
+    start();
+    const int amount = 10000;
+    const std::size_t length = 180;
+    std::vector<std::string> command = {COUNTERSIGN_DESKTOP};
+    std::vector<std::string> paths;
+    for (int i = 0; i < amount; ++i)
+    {
+        std::string path = _many.path() + "/" + std::to_string(i);
+        while (path.size() < length)
+        {
+            path += path.size() % 2 == 0 ? "%" : "\xFF";
+        }
+        std::ofstream(path) << "x";
+        paths.push_back(path);
+    }
+    command.insert(command.end(), paths.begin(), paths.end());
+    EXPECT_EQ(runMeanwhile(command), 0);
+    tsRunUntil("all of them are open", [&] { return _pFrame->documents().size() == paths.size(); });
+    EXPECT_TRUE(openDocuments() == paths);
+}
+
+TEST_F(SessionBusWindowTest, manySecondStartsAtOnceHandEverythingOver)
+{
+    start();
+    const int threads = 3;
+    const int starts = 4;
+    std::vector<std::vector<std::string>> commands;
+    std::vector<std::string> paths;
+    for (int number = 0; number < threads * starts; ++number)
+    {
+        commands.push_back({COUNTERSIGN_DESKTOP});
+        for (int i = 0; i < 10; ++i)
+        {
+            paths.push_back(makeDocument(std::to_string(number) + " " + std::to_string(i)));
+            commands.back().push_back(paths.back());
+        }
+    }
+    meanwhile("the last of them",
+              [&]
+              {
+                  std::vector<std::thread> several;
+                  for (int thread = 0; thread < threads; ++thread)
+                  {
+                      several.emplace_back(
+                          [&, thread]
+                          {
+                              for (int number = 0; number < starts; ++number)
+                              {
+                                  EXPECT_EQ(run(commands[static_cast<std::size_t>(thread * starts + number)]), 0);
+                              }
+                          });
+                  }
+                  for (std::thread& one : several)
+                  {
+                      one.join();
+                  }
+              });
+    tsRunUntil("all of them are open", [&] { return _pFrame->documents().size() == paths.size(); });
+    EXPECT_THAT(openDocuments(), testing::UnorderedElementsAreArray(paths));
+}
+
+TEST_F(SessionBusWindowTest, whoeverStartsWhileTheWindowClosesIsTheNextOne)
+{
+    start();
+    _pFrame->Close();
+    _pFrame = nullptr;
+    // It is not gone yet, and its event loop would take requests still.
+    hoSessionBus later;
+    EXPECT_EQ(later.start({makeDocument("late")}, nullptr, nullptr), hoSessionBus::Outcome::FIRST);
+    tsRunEvents();
+}
+
 TEST_F(SessionBusWindowTest, whatCannotBeOpenedDoesNotKeepTheOthersOut)
 {
     start();
@@ -196,7 +306,12 @@ TEST_F(SessionBusWindowTest, aDocumentThatArrivesWhileTheWindowIsMadeIsOpened)
                                 " && gdbus call --session --dest " + hoSessionBus::NAME + " --object-path " +
                                 hoSessionBus::OBJECT_PATH + " --method org.freedesktop.Application.Open \"['file://" +
                                 path + "']\" {}";
-    std::thread stranger([&] { EXPECT_EQ(std::system(("exec >/dev/null; " + command).c_str()), 0); });
+    std::thread stranger(
+        [&]
+        {
+            // NOLINTNEXTLINE(cert-env33-c): a fixed command of this test
+            EXPECT_EQ(std::system(("exec >/dev/null; " + command).c_str()), 0);
+        });
     start();
     tsRunUntil("the document is open", [&] { return _pFrame->documents().size() == 1; });
     stranger.join();

@@ -32,8 +32,8 @@ struct Requests
     }
 };
 
-// Turns GLib's main loop until the condition holds; false when it does not within half a minute.
-bool runUntil(const std::function<bool()>& condition)
+// False when the condition does not hold within half a minute.
+bool waitUntil(const std::function<bool()>& condition)
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (!condition())
@@ -42,12 +42,22 @@ bool runUntil(const std::function<bool()>& condition)
         {
             return false;
         }
-        if (g_main_context_iteration(nullptr, FALSE) == FALSE)
-        {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
+}
+
+// The same, and GLib's main loop is turned meanwhile.
+bool runUntil(const std::function<bool()>& condition)
+{
+    return waitUntil(
+        [&]
+        {
+            while (!condition() && g_main_context_iteration(nullptr, FALSE) != FALSE)
+            {
+            }
+            return condition();
+        });
 }
 
 // Does something that blocks while the requests it makes are answered here.
@@ -237,6 +247,62 @@ TEST_F(SessionBusTest, anOwnerThatDoesNotAnswerIsNotWaitedForForever)
     Requests second;
     hoSessionBus other;
     EXPECT_EQ(other.start({"/a"}, second.onOpen(), second.onActivate()), Outcome::NO_BUS);
+
+    // What the other one opens itself is not opened a second time when the owner comes to it.
+    Outcome outcome = Outcome::NO_BUS;
+    meanwhile(
+        [&]
+        {
+            hoSessionBus later;
+            outcome = later.start({"/b"}, second.onOpen(), second.onActivate());
+        });
+    EXPECT_EQ(outcome, Outcome::HANDED_OVER);
+    ASSERT_TRUE(runUntil([&] { return !first.opened.empty(); }));
+    EXPECT_EQ(first.opened, std::vector<std::vector<std::string>>{{"/b"}});
+}
+
+TEST_F(SessionBusTest, whoeverWaitsForAnOwnerThatLeavesIsTheNextOne)
+{
+    Requests first;
+    hoSessionBus bus;
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+    while (g_main_context_iteration(nullptr, FALSE) != FALSE)
+    {
+    }
+    Requests second;
+    hoSessionBus other;
+    Outcome outcome = Outcome::NO_BUS;
+    std::thread waiting([&] { outcome = other.start({"/a"}, second.onOpen(), second.onActivate()); });
+    // The request has come and is not dealt with.
+    EXPECT_TRUE(waitUntil([] { return g_main_context_pending(nullptr) != FALSE; }));
+    bus.leave();
+    waiting.join();
+    EXPECT_EQ(outcome, Outcome::FIRST);
+    while (g_main_context_iteration(nullptr, FALSE) != FALSE)
+    {
+    }
+    EXPECT_TRUE(first.opened.empty());
+    EXPECT_TRUE(second.opened.empty());
+}
+
+TEST_F(SessionBusTest, whatNoMessageHoldsIsNotHandedOver)
+{
+    Requests first;
+    hoSessionBus bus;
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+    // More than the bus allows in one list.
+    const std::vector<std::string> paths(8000, "/" + std::string(3000, '%'));
+    Requests second;
+    Outcome outcome = Outcome::HANDED_OVER;
+    meanwhile(
+        [&]
+        {
+            hoSessionBus other;
+            outcome = other.start(paths, second.onOpen(), second.onActivate());
+        });
+    EXPECT_EQ(outcome, Outcome::NO_BUS);
+    EXPECT_TRUE(first.opened.empty());
+    EXPECT_TRUE(second.opened.empty());
 }
 
 TEST(NoSessionBusTest, withoutABusTheApplicationIsAlone)
