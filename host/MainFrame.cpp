@@ -1143,10 +1143,18 @@ void MainFrame::loadSettings()
 
 void MainFrame::restorePlace()
 {
+    const wxSize made = GetSize();
     PlaceReader reader(_settings);
     if (!RestoreToGeometry(reader))
     {
         SetSize(FromDIP(defaultSize));
+    }
+    else if (GetSize() == made)
+    {
+        // The size that the window was made with has no room for its frame, and setting the same once more is nothing to
+        // the toolkit.
+        SetSize(made + wxSize(1, 1));
+        SetSize(made);
     }
 }
 
