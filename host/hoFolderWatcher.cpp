@@ -18,6 +18,10 @@ const int pauseAfterChange = 150;  // milliseconds
 const long longestPause = 10000;
 const long shareOfTime = 10;  // looking takes a tenth of the time at most
 
+// Not the reading of files: that changes nothing, and those who read most are we.
+const int changes =
+    wxFSW_EVENT_CREATE | wxFSW_EVENT_DELETE | wxFSW_EVENT_RENAME | wxFSW_EVENT_MODIFY | wxFSW_EVENT_ATTRIB;
+
 wxFileName folderName(const std::string& folder)
 {
     return wxFileName::DirName(ahPathTextFromBytes(hoToText(folder)));
@@ -76,7 +80,7 @@ void hoFolderWatcher::watch(const std::set<std::string>& folders)
     unwatch(gone);
     for (const std::string& folder : folders)
     {
-        if (_folders.count(folder) == 0 && _pWatcher->Add(folderName(folder)))
+        if (_folders.count(folder) == 0 && _pWatcher->Add(folderName(folder), changes))
         {
             _folders.insert(folder);
         }
