@@ -5,6 +5,7 @@
 #include <wx/window.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -116,6 +117,10 @@ const char* skNameOf(skResource resource)
 void skPrepareSampling()
 {
     mallopt(M_ARENA_MAX, 1);
+    // For what is started from here, the X server above all: an allocator left to itself keeps some megabytes of
+    // pictures that were given back, at one time or another.
+    setenv("MALLOC_MMAP_THRESHOLD_", "65536", 0);
+    setenv("MALLOC_TRIM_THRESHOLD_", "65536", 0);
 }
 
 skSample skTakeSample()

@@ -27,7 +27,8 @@ using skSample = std::array<double, skAmountOfResources>;
 
 const char* skNameOf(skResource resource);
 
-// Makes the allocator's figures those of all threads. At the start of the program.
+// Makes the allocator's figures those of all threads, and lets the allocators of the programs beside this one give back
+// at once what is free. At the start of the program, before the display is there.
 void skPrepareSampling();
 
 skSample skTakeSample();
