@@ -1174,7 +1174,9 @@ void MainFrame::remember()
             _settings.setNumber("column." + std::to_string(++column), width);
         }
     }
-    if (IsShown() && !IsIconized())
+    // In its first moments on the screen it may be smaller than it ever is for the user.
+    const bool hasItsSize = GetSize().x >= GetMinSize().x && GetSize().y >= GetMinSize().y;
+    if (IsShown() && !IsIconized() && hasItsSize)
     {
         SaveGeometry(PlaceWriter(_settings));
     }

@@ -314,6 +314,14 @@ TEST_F(MainWindow, KeepsItsSizeFromStartToStart)
         };
         tsRunUntil("its window is there", [&] { return !line().empty(); });
         const std::string window = line().substr(0, line().find(' '));
+        tsRunUntil("it is more than a beginning",
+                   [&]
+                   {
+                       std::string facts;
+                       tsRunProgram({"xwininfo", "-id", window}, &facts);
+                       const std::size_t width = facts.find("Width: ");
+                       return width != std::string::npos && std::atoi(facts.c_str() + width + 7) >= 600;
+                   });
         if (pNewWidth != nullptr)
         {
             tsRunProgram({"xdotool", "windowsize", window, pNewWidth, pNewHeight});
