@@ -430,7 +430,13 @@ TEST_F(Signing, EncryptsAndDecryptsShortTexts)
                        return pDialog != nullptr && tsHasKeyboard(*pDialog);
                    })
         .perform("leave them", [] { tsPressKeys("Escape"); })
-        .waitUntil("the bytes are gone", [] { return dynamic_cast<hoTextDialog*>(tsTopModalDialog()) == nullptr; })
+        .waitUntil("the bytes are gone and the dialog has the keyboard",
+                   []
+                   {
+                       const auto* pDialog = dynamic_cast<wxTopLevelWindow*>(tsTopModalDialog());
+                       return pDialog != nullptr && dynamic_cast<const hoTextDialog*>(pDialog) == nullptr &&
+                              tsHasKeyboard(*pDialog);
+                   })
         .waitUntil("the damage is told", [&] { return label("said").find("damaged") != std::string::npos; })
         .perform("close the dialog",
                  [&]
