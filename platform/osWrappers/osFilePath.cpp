@@ -17,8 +17,8 @@ std::size_t extensionSeparatorIndex(std::string_view component)
 {
     const std::size_t firstOther = component.find_first_not_of(osFilePath::osExtensionSeparator);
     const std::size_t lastSeparator = component.rfind(osFilePath::osExtensionSeparator);
-    const bool isLeading = (firstOther == std::string_view::npos) || (lastSeparator < firstOther);
-    return isLeading ? std::string_view::npos : lastSeparator;
+    // Where there are none, they are npos, which is above every index.
+    return (lastSeparator < firstOther) ? std::string_view::npos : lastSeparator;
 }
 
 void assign(gtString& target, std::string_view text)

@@ -213,6 +213,14 @@ TEST_F(osFileTest, enumeratorsAreZero)
     EXPECT_EQ(static_cast<int>(osFile::OS_OPEN_TO_READ), 0);
 }
 
+TEST_F(osFileTest, isClosedAndFaultlessAtFirst)
+{
+    const osFile file;
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_FALSE(file.hasReadError());
+    EXPECT_EQ(file.errorNumber(), 0);
+}
+
 TEST_F(osFileTest, readsEverySizeInEveryStep)
 {
     for (const std::size_t size : {std::size_t(0), std::size_t(1), std::size_t(59), std::size_t(60), std::size_t(61),

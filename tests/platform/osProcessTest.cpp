@@ -626,12 +626,18 @@ TEST_F(osEditorsStateTest, isCleanWhereDescriptorsAreClosedOneByOne)
 {
     hasCloseRange = false;
     expectACleanState(200);
-    // The highest that is looked for.
+    // The highest that is looked for, if there may be so many.
     struct rlimit before = {};
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
     struct rlimit wide = before;
-    wide.rlim_cur = std::min<rlim_t>(before.rlim_max, 65536);
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &wide), 0);
+    wide.rlim_cur = 65536;
+    wide.rlim_max = std::max<rlim_t>(before.rlim_max, 65536);
+    if (::setrlimit(RLIMIT_NOFILE, &wide) != 0)
+    {
+        wide.rlim_cur = before.rlim_max;
+        wide.rlim_max = before.rlim_max;
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &wide), 0);
+    }
     std::filesystem::remove(nameOf("gedit.report"));
     expectACleanState(static_cast<int>(wide.rlim_cur) - 1);
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
