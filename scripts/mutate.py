@@ -61,6 +61,7 @@ STATES = ["uncompiled", "same", "caught", "equivalent", "survived"]
 
 
 FEWEST_AT_ONCE = 10
+MOST_SECONDS_AT_ONCE = 20
 
 
 def say(text):
@@ -321,7 +322,7 @@ Run = collections.namedtuple("Run", "passed failed_test processor_seconds second
 
 def run_program(command, scratch, environment, seconds_of_tests, cpu_limit, memory_limit):
     """Runs a test program of gtest's in an empty folder. Says by which test it failed, if it did. A test that takes
-    many times as long as before, by the clock or by the processor's time, has failed, too."""
+    many times as long as before, by the clock or by the processor's time, or waits for long, has failed, too."""
     shutil.rmtree(scratch, ignore_errors=True)
     (scratch / "home").mkdir(parents=True)
     environment = dict(environment, TMPDIR=str(scratch), HOME=str(scratch / "home"))
@@ -341,17 +342,21 @@ def run_program(command, scratch, environment, seconds_of_tests, cpu_limit, memo
             start_new_session=True, preexec_fn=limits)  # fmt: skip
     status = None
     current, since, worked_since = "", time.monotonic(), 0
+    worked_before, awake = 0, since
     while status is None:
         try:
             status = process.wait(timeout=0.5)
         except subprocess.TimeoutExpired:
             started = re.findall(r"^\[ RUN      \] (\S+)", tail_of(output), re.M)
-            worked = seconds_worked(process.pid)
+            worked, is_asleep = work_of(process.pid)
+            if worked != worked_before or not is_asleep:
+                worked_before, awake = worked, time.monotonic()
             if started and started[-1] != current:
                 current, since, worked_since = started[-1], time.monotonic(), worked
             # Before the first test and behind the last one something may hang, too.
-            usual = 8 * seconds_of_tests.get(current, 1) if seconds_of_tests else 1800
-            if time.monotonic() - since > 10 + usual or worked - worked_since > 5 + usual:
+            usual = 8 * seconds_of_tests.get(current, 0.5) if seconds_of_tests else 1800
+            now = time.monotonic()
+            if now - since > 10 + usual or worked - worked_since > 5 + usual or now - max(awake, since) > 3 + usual:
                 status = "time limit"
                 process.kill()
                 process.wait()
@@ -372,10 +377,10 @@ def run_program(command, scratch, environment, seconds_of_tests, cpu_limit, memo
     return Run(False, f"{test} ({how})", processor_seconds, {})
 
 
-def seconds_worked(pid):
-    """Of the processor's time, by all threads."""
+def work_of(pid):
+    """The processor's time that all threads have had, in seconds, and whether the first one waits for anything else."""
     words = Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()
-    return (int(words[11]) + int(words[12])) / os.sysconf("SC_CLK_TCK")
+    return (int(words[11]) + int(words[12])) / os.sysconf("SC_CLK_TCK"), words[0] == "S"
 
 
 def tail_of(file):
@@ -697,9 +702,12 @@ class Room:
                 say(f"{file}: all mutants at once: {failed}")
                 return
             say(f"{file}: {len(numbers)} of {len(mutants)} mutants at once")
+            # What these tests let pass may be the same program: slow ones wait for its own build.
+            tests = [cost.seconds_of_tests.values() for cost in plain.costs.values()]
+            seconds = sum(s for of_program in tests for s in of_program if s < SECONDS_OF_PARTS[1])
+            parts = [0, 1] if seconds < MOST_SECONDS_AT_ONCE else [0]
             for plain.chosen in numbers:
-                # What the quickest tests let pass may be the same program: slow ones wait for its own build.
-                caught = self.caught_by_the_last_catchers(programs) or self.caught_by(plain, programs, [0])
+                caught = self.caught_by_the_last_catchers(programs) or self.caught_by(plain, programs, parts)
                 if caught:
                     self.remember(caught)
                     yield all_of_them.numbers[plain.chosen], f"{caught[0].name} {caught[1]}"
