@@ -165,6 +165,18 @@ TEST(Products, OfAllOnes)
     }
 }
 
+// More rows than are summed up in the lanes of a register before these are emptied.
+TEST(Products, OfVeryLongNumbers)
+{
+    for (const size_t n : {16383U, 16384U, 16385U, 33000U})
+    {
+        const Digits u(Values(n, allOnes));
+        Digits w(2 * n);
+        EXPECT_EQ(mpMultiply(w, u, u, u.size()), 0);
+        EXPECT_TRUE(w.value() == u.value() * u.value()) << n << " digits";
+    }
+}
+
 TEST(Products, ZeroDigitsOfTheSecondFactorAreSkipped)
 {
     const Digits u{allOnes, allOnes, allOnes, allOnes};
