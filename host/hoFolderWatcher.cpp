@@ -19,8 +19,7 @@ const long longestPause = 10000;
 const long shareOfTime = 10;  // looking takes a tenth of the time at most
 
 // Not the reading of files: that changes nothing, and those who read most are we.
-const int changes =
-    wxFSW_EVENT_CREATE | wxFSW_EVENT_DELETE | wxFSW_EVENT_RENAME | wxFSW_EVENT_MODIFY | wxFSW_EVENT_ATTRIB;
+const int changes = wxFSW_EVENT_ALL & ~wxFSW_EVENT_ACCESS;
 
 wxFileName folderName(const std::string& folder)
 {
