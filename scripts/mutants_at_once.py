@@ -94,7 +94,6 @@ class SourceOfAll:
         self.of_region = collections.defaultdict(list)
         for number, mutant in self.numbers.items():
             region = self.finder.around(mutant.begin, mutant.end)
-            # A statement that is taken away is one of those around.
             if region is not None:
                 self.of_region[region].append(number)
 

@@ -54,14 +54,15 @@ FURTHER_LEVELS = ["-O2", "-O3"]
 # Tests are run in parts, those that take less than so many seconds first.
 SECONDS_OF_PARTS = [0.1, 1, float("inf")]
 
+# Fewer mutants of a source than this are not worth a program of all; and how long its tests that are neither quick nor
+# slow may take.
+FEWEST_AT_ONCE = 10
+MOST_SECONDS_AT_ONCE = 20
+
 SAME_WHEN_OPTIMISED = "same when optimised"
 
 # How a mutant can end, in the order of the table.
 STATES = ["uncompiled", "same", "caught", "equivalent", "survived"]
-
-
-FEWEST_AT_ONCE = 10
-MOST_SECONDS_AT_ONCE = 20
 
 
 def say(text):
@@ -951,7 +952,6 @@ def try_room(options, name, equivalents):
                 of_file[mutant.file].append(mutant)
             done = set()
             for file, mutants in of_file.items():
-                # Below some number it does not pay.
                 if file.endswith(".cpp") and len(mutants) >= FEWEST_AT_ONCE:
                     for mutant, by in room.try_at_once(file, mutants):
                         note(mutant, "caught", by)

@@ -81,6 +81,19 @@ void meanwhile(const std::function<void()>& work)
     worker.join();
 }
 
+// What a later start with these paths comes to while the requests it makes are answered here.
+Outcome startAnother(const std::vector<std::string>& paths, Requests& requests)
+{
+    Outcome outcome = Outcome::FIRST;
+    meanwhile(
+        [&]
+        {
+            hoSessionBus other;
+            outcome = other.start(paths, requests.onOpen(), requests.onActivate());
+        });
+    return outcome;
+}
+
 class SessionBusTest : public testing::Test
 {
 protected:
@@ -156,14 +169,7 @@ TEST_F(SessionBusTest, aSecondStartHandsItsDocumentsOver)
     const std::vector<std::string> paths = {"/with blank", "/100%",    "/\xC3\xA9", "/\xFF\xFE",
                                             "/new\nline",  "relative", "-v"};
     Requests second;
-    Outcome outcome = Outcome::NO_BUS;
-    meanwhile(
-        [&]
-        {
-            hoSessionBus other;
-            outcome = other.start(paths, second.onOpen(), second.onActivate());
-        });
-    EXPECT_EQ(outcome, Outcome::HANDED_OVER);
+    EXPECT_EQ(startAnother(paths, second), Outcome::HANDED_OVER);
     ASSERT_TRUE(runUntil([&] { return !first.opened.empty(); }));
     std::vector<std::string> expected = paths;
     char folder[4096];
@@ -179,15 +185,8 @@ TEST_F(SessionBusTest, aSecondStartWithoutDocumentsActivatesTheFirst)
     Requests first;
     hoSessionBus bus;
     ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
-    Outcome outcome = Outcome::NO_BUS;
-    meanwhile(
-        [&]
-        {
-            hoSessionBus other;
-            Requests second;
-            outcome = other.start({}, second.onOpen(), second.onActivate());
-        });
-    EXPECT_EQ(outcome, Outcome::HANDED_OVER);
+    Requests second;
+    EXPECT_EQ(startAnother({}, second), Outcome::HANDED_OVER);
     EXPECT_TRUE(runUntil([&] { return first.activations == 1; }));
 }
 
@@ -293,14 +292,7 @@ TEST_F(SessionBusTest, whatNoMessageHoldsIsNotHandedOver)
     // More than the bus allows in one list.
     const std::vector<std::string> paths(8000, "/" + std::string(3000, '%'));
     Requests second;
-    Outcome outcome = Outcome::HANDED_OVER;
-    meanwhile(
-        [&]
-        {
-            hoSessionBus other;
-            outcome = other.start(paths, second.onOpen(), second.onActivate());
-        });
-    EXPECT_EQ(outcome, Outcome::NO_BUS);
+    EXPECT_EQ(startAnother(paths, second), Outcome::NO_BUS);
     EXPECT_TRUE(first.opened.empty());
     EXPECT_TRUE(second.opened.empty());
 }
