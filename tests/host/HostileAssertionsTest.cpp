@@ -111,9 +111,7 @@ protected:
 TEST_F(HostileAssertions, OfThreadsLeaveTheWindowUsable)
 {
     startWithDialogs();
-    tsPressKeys("alt+d");
-    settle();
-    tsPressKeys("r");
+    choose("alt+d", "r");
     tsRunUntil("the report is open", [this] { return isAnotherWindowActive(); });
 
     Storm storm(2);

@@ -302,7 +302,7 @@ TEST_F(MainWindow, KeepsItsSizeFromStartToStart)
         std::thread program(
             [&]
             {
-                tsRunProgram({COUNTERSIGN_DESKTOP});
+                EXPECT_EQ(tsRunProgram({COUNTERSIGN_DESKTOP}), 0);
                 hasEnded = true;
             });
         // With the number of its window at the beginning.

@@ -19,6 +19,7 @@
 #include <iterator>
 #include <new>
 #include <ostream>
+#include <poll.h>
 #include <set>
 #include <sstream>
 #include <string>
@@ -214,13 +215,34 @@ protected:
                               command + "\n} >\"$0.report\" 2>&1\n");
     }
 
-    // Waits for the editor's report, to its end.
+    // Waits for the editor's report, to its end; not forever, should the editor not come.
     std::string reportOf(const std::string& name) const
     {
-        const std::ifstream report(nameOf(name) + ".report", std::ios::binary);
-        std::ostringstream text;
-        text << report.rdbuf();
-        return text.str();
+        constexpr int patience = 60000;
+        const int pipe = ::open((nameOf(name) + ".report").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        pollfd waiting = {pipe, POLLIN, 0};
+        std::string report;
+        char buffer[4096];
+        for (ssize_t amount = 1; amount > 0;)
+        {
+            const int isThere = ::poll(&waiting, 1, patience);
+            if (isThere == 0)
+            {
+                ADD_FAILURE() << name << " does not report";
+                break;
+            }
+            amount = ::read(pipe, buffer, sizeof buffer);
+            if (amount > 0)
+            {
+                report.append(buffer, static_cast<std::size_t>(amount));
+            }
+            else if (amount < 0 && (errno == EINTR || errno == EAGAIN))
+            {
+                amount = 1;
+            }
+        }
+        ::close(pipe);
+        return report;
     }
 
     Strings argumentsOf(const std::string& name) const

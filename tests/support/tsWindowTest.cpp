@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <set>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -42,16 +43,34 @@ private:
     std::function<void()> _notify;
 };
 
-void endAllLoops()
+std::set<wxDialog*> modalDialogs()
 {
+    std::set<wxDialog*> dialogs;
     for (wxWindow* pWindow : wxTopLevelWindows)
     {
         auto* pDialog = dynamic_cast<wxDialog*>(pWindow);
         if (pDialog != nullptr && pDialog->IsModal())
         {
+            dialogs.insert(pDialog);
+        }
+    }
+    return dialogs;
+}
+
+void endModalDialogsBut(const std::set<wxDialog*>& kept)
+{
+    for (wxDialog* pDialog : modalDialogs())
+    {
+        if (kept.count(pDialog) == 0)
+        {
             pDialog->EndModal(wxID_ABORT);
         }
     }
+}
+
+void endAllLoops()
+{
+    endModalDialogsBut({});
     wxEventLoopBase* pLoop = wxEventLoopBase::GetActive();
     if (pLoop != nullptr && pLoop->IsRunning())
     {
@@ -64,6 +83,7 @@ void endAllLoops()
 bool tsRunUntil(const std::string& what, const std::function<bool()>& condition)
 {
     const Deadline deadline;
+    const std::set<wxDialog*> below = modalDialogs();
     bool holds = false;
     wxGUIEventLoop loop;
     Timer timer(
@@ -73,6 +93,10 @@ bool tsRunUntil(const std::string& what, const std::function<bool()>& condition)
             if (holds || deadline.isOver())
             {
                 loop.ScheduleExit();
+            }
+            if (!holds && deadline.isOver())
+            {
+                endModalDialogsBut(below);
             }
         });
     timer.Start(pollInterval);

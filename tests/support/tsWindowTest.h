@@ -23,7 +23,8 @@ class wxWindow;
 // In milliseconds.
 constexpr int tsPatience = 40000;
 
-// Runs an event loop until the condition holds. False, and a failure that names "what", if it does not in time.
+// Runs an event loop until the condition holds. False, and a failure that names "what", if it does not in time; modal
+// dialogs that have come meanwhile are ended then, so that the test goes on.
 bool tsRunUntil(const std::string& what, const std::function<bool()>& condition);
 
 // Handles all events and idle work that are there now.
