@@ -97,9 +97,7 @@ ahAssertDialog::ahAssertDialog(const osFilePath& filePath, int lineNumber, const
     pTopSizer->Add(_pButtonsSizer, 0, wxALL | wxCENTRE, borderWidth);
 
     SetSizer(pTopSizer);
-    SetAutoLayout(true);
     pTopSizer->SetSizeHints(this);
-    pTopSizer->Fit(this);
     CentreOnScreen(wxBOTH);
 }
 

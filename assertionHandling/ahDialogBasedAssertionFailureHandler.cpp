@@ -24,10 +24,7 @@ void ahDialogBasedAssertionFailureHandler::onAssertionFailure(const char* /*func
 {
 }
 
-ahDialogBasedAssertionFailureHandler::~ahDialogBasedAssertionFailureHandler()
-{
-    _ignoredSourceLocations.deleteElementsAndClear();
-}
+ahDialogBasedAssertionFailureHandler::~ahDialogBasedAssertionFailureHandler() = default;
 
 bool ahDialogBasedAssertionFailureHandler::shouldDisplayDialog() const
 {

@@ -25,17 +25,21 @@ std::size_t sequenceLength(const unsigned char* pBytes, std::size_t length)
     {
         sequence = 1;
     }
-    else if (lead >= 0xC2 && lead <= 0xDF)
+    else if (lead < 0xC2)
+    {
+        return 0;
+    }
+    else if (lead <= 0xDF)
     {
         sequence = 2;
     }
-    else if (lead >= 0xE0 && lead <= 0xEF)
+    else if (lead <= 0xEF)
     {
         sequence = 3;
         low = lead == 0xE0 ? 0xA0 : low;
         high = lead == 0xED ? 0x9F : high;
     }
-    else if (lead >= 0xF0 && lead <= 0xF4)
+    else if (lead <= 0xF4)
     {
         sequence = 4;
         low = lead == 0xF0 ? 0x90 : low;
@@ -79,13 +83,9 @@ void appendByte(gtString& bytes, wxUint32 byte)
 
 void appendUtf8(gtString& bytes, wxUint32 codePoint)
 {
-    if (codePoint < 0x80)
-    {
-        appendByte(bytes, codePoint);
-        return;
-    }
-    const int more = codePoint < 0x800 ? 1 : codePoint < 0x10000 ? 2 : 3;
-    appendByte(bytes, ((0xFF00u >> (more + 1)) & 0xFFu) | (codePoint >> (6 * more)));
+    const unsigned int marks[] = {0x00, 0xC0, 0xE0, 0xF0};
+    const int more = codePoint < 0x80 ? 0 : codePoint < 0x800 ? 1 : codePoint < 0x10000 ? 2 : 3;
+    appendByte(bytes, marks[more] | (codePoint >> (6 * more)));
     for (int shift = 6 * (more - 1); shift >= 0; shift -= 6)
     {
         appendByte(bytes, 0x80u | ((codePoint >> shift) & 0x3Fu));
@@ -139,7 +139,6 @@ gtString ahBytesFromText(const wxString& text)
 wxString ahShowableText(const wxString& text)
 {
     wxString showable;
-    showable.reserve(text.length());
     for (const wxUniChar character : text)
     {
         const wxUint32 codePoint = character.GetValue();
@@ -186,7 +185,7 @@ gtString ahPathBytesFromText(const wxString& pathText)
         const wxUint32 codePoint = character.GetValue();
         if (standsForByte(codePoint))
         {
-            appendByte(path, codePoint - privateUseOfBytes);
+            appendByte(path, codePoint & 0xFFu);
         }
         else
         {
