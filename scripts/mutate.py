@@ -641,6 +641,7 @@ class Room:
         self.plain = Build(work, tree, name, "plain", environment, not options.without_windows)
         self.further = {}
         self.digests = {}
+        self.seconds_of_comparing = {}
         self.units = {}
         self.catchers = collections.OrderedDict()  # (program, test), the last to catch at the end
         commands = json.loads((self.plain.folder / "compile_commands.json").read_text())
@@ -759,10 +760,12 @@ class Room:
         later = self.plain.programs_with(of_tests)
         sooner = [program for program in self.plain.programs_made_of(of_library) if program not in later]
         caught = self.caught_by_the_last_catchers(sooner) or self.caught_by(self.plain, sooner, [0])
-        # Cheaper than slow tests, but for headers that many tests take in.
-        if caught is None and not of_tests and self.is_same_when_optimised(mutant, content, original):
+        longer = range(1, len(SECONDS_OF_PARTS))
+        # Mostly cheaper than slow tests, but for headers that many tests take in.
+        compares_first = not of_tests and self.seconds_to_compare(mutant, original) < self.seconds_of(sooner, longer)
+        if caught is None and compares_first and self.is_same_when_optimised(mutant, content, original):
             return SAME_WHEN_OPTIMISED
-        caught = caught or self.caught_by(self.plain, sooner, range(1, len(SECONDS_OF_PARTS)))
+        caught = caught or self.caught_by(self.plain, sooner, longer)
         # The program with the file's own tests first.
         stem = Path(mutant.file).stem
         later.sort(key=lambda program: not any(stem in name for name in self.plain.objects_in(program, of_tests)))
@@ -773,9 +776,27 @@ class Room:
             caught = self.caught_by_the_last_catchers([program]) or self.caught_by(self.plain, [program])
             if caught:
                 return caught
-        if caught is None and of_tests and self.is_same_when_optimised(mutant, content, original):
+        if caught is None and not compares_first and self.is_same_when_optimised(mutant, content, original):
             return SAME_WHEN_OPTIMISED
         return caught
+
+    def seconds_of(self, programs, numbers):
+        """How long these parts of the tests take."""
+        seconds = 0
+        for program in programs:
+            known = self.plain.costs[program].seconds_of_tests
+            seconds += sum(known.get(t, 0) for number in numbers for t in self.plain.parts[program][number].split(":"))
+        return seconds
+
+    def seconds_to_compare(self, mutant, original):
+        """How long it takes to compile the source with more optimisation."""
+        if mutant.file not in self.seconds_of_comparing:
+            begin = time.monotonic()
+            objects, _ = self.plain.objects(mutant.file)
+            for level in FURTHER_LEVELS:
+                self.digest_of_original(level, mutant, original, objects)
+            self.seconds_of_comparing[mutant.file] = time.monotonic() - begin
+        return self.seconds_of_comparing[mutant.file]
 
     def digest_of_original(self, how, mutant, original, objects):
         key = (how, mutant.file, tuple(objects))
