@@ -175,6 +175,12 @@ TEST(RabinMiller, EndsWithMinusOneOnAnyOfItsSquarings)
     EXPECT_EQ(withWitness(Natural(7), 2), 1);
 }
 
+TEST(RabinMiller, LooksForNothingButOneAndMinusOneOnTheWay)
+{
+    // 6^2 is 2 modulo 17, and the square of 2 in turn is 4, that of 4 is -1.
+    EXPECT_EQ(withWitness(Natural(17), 6), 1);
+}
+
 TEST(RabinMiller, WitnessesOfOneDigitNumbersEndBelowThem)
 {
     // For 11 the bound is 9: 2 plus a word of up to 7.
@@ -223,6 +229,25 @@ TEST(IsPrime, WorkedValues)
     EXPECT_EQ(isPrime(Natural(0UL)), 0);
     EXPECT_EQ(isPrime(Natural(561)), 0);
     EXPECT_EQ(isPrime(Natural::powerOfTwo(61) - Natural(1)), 1);
+}
+
+TEST(IsPrime, NeedsNoDigitMoreThanTheNumberHas)
+{
+    // The largest prime of one digit at the end.
+    for (const mpDigit prime : {3U, 997U, 1009U, 65537U, 4294967291U})
+    {
+        EXPECT_EQ(mpIsPrime(&prime, 1, 5), 1) << prime;
+    }
+    for (const mpDigit other : {0U, 1U, 2U, 9U, 1003U, 1018081U, 4294967293U})
+    {
+        EXPECT_EQ(mpIsPrime(&other, 1, 5), 0) << other;
+    }
+}
+
+TEST(IsPrime, WithoutDigitsNothingIs)
+{
+    const mpDigit three = 3;
+    EXPECT_EQ(mpIsPrime(&three, 0, 5), 0) << "the digit is not one of the number's";
 }
 
 TEST(IsPrime, AboveTheTableRunsRabinMiller)
