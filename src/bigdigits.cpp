@@ -1,5 +1,6 @@
 #include "bigdigits.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
@@ -385,7 +386,7 @@ __attribute__((target("avx512f,avx512ifma,bmi2"))) void multiplyBlocks(mpDigit w
     for (size_t first = 0; first < uCount + vCount; first += limbsAtOnce)
     {
         const size_t begin = first < uCount ? 0 : first - uCount + 1;
-        const size_t end = first + limbsAtOnce < vCount ? first + limbsAtOnce : vCount;
+        const size_t end = std::min(first + limbsAtOnce, vCount);
         __m512i lowSum = _mm512_setzero_si512();
         __m512i highSum = _mm512_setzero_si512();
         __m512i otherLowSum = _mm512_setzero_si512();
@@ -441,7 +442,7 @@ void squareByBlocks(mpDigit w[], const mpDigit x[], size_t n)
     setZero(w, 2 * n);
     for (size_t i = 0; i < n; i += digitsPerBlock)
     {
-        const size_t in = n - i < digitsPerBlock ? n - i : digitsPerBlock;
+        const size_t in = std::min(n - i, digitsPerBlock);
         for (size_t j = 0; j <= i; j += digitsPerBlock)
         {
             const size_t jn = j == i ? in : digitsPerBlock;
@@ -927,7 +928,7 @@ MP_INLINE size_t firstRow(size_t first, size_t un)
 
 MP_INLINE size_t endOfRows(size_t first, size_t vn)
 {
-    return first + columnCount < vn ? first + columnCount : vn;
+    return std::min(first + columnCount, vn);
 }
 
 template <class Vector>
@@ -1252,7 +1253,7 @@ void divideBy(const Divisor& divisor, mpDigit q[], mpDigit r[], const mpDigit u[
     // At most n digits of the quotient at a time.
     while (count > 0)
     {
-        const size_t part = count < n ? count : n;
+        const size_t part = std::min(count, n);
         count -= part;
         if (!divisor.isScaled || part < fewestDigitsForColumns ||
             !columnForms().divide(q + count, r + count, top, v, n, part - 1, divisor.scaling))
@@ -1375,7 +1376,7 @@ uint32_t digitValue(char ch, uint32_t base)
     {
         value = static_cast<uint32_t>(ch - 'A') + 10;
     }
-    return value < base ? value : base;
+    return std::min(value, base);
 }
 
 // As many decimal digits as a digit array's digit can hold are dealt with at once.
@@ -1493,7 +1494,7 @@ uint32_t digitsFromText(mpDigit a[], uint32_t ndigits, const char* s, uint32_t b
     {
         value[n - 1] &= ~(allOnes << 8 * (size % octetsPerDigit));
     }
-    const size_t written = n < ndigits ? n : ndigits;
+    const size_t written = std::min<size_t>(n, ndigits);
     setEqual(a, value, written);
     clearAndFree(value, n);
     return static_cast<uint32_t>(written);
@@ -1669,7 +1670,7 @@ mpDigit mpShiftRight(mpDigit a[], const mpDigit b[], uint32_t shift, uint32_t nd
     {
         return shiftRightBits(a, b, bits, n);
     }
-    const size_t kept = n > whole ? n - whole : 0;
+    const size_t kept = n - std::min(n, whole);
     for (size_t i = 0; i < n; i++)
     {
         a[i] = i < kept ? b[i + whole] : 0;
