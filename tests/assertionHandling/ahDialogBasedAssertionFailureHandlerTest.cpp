@@ -189,6 +189,18 @@ TEST(Handler, IgnoresTheLocationsOfIgnoreAll)
     EXPECT_STREQ(handler._ignoredSourceLocations[2]->_filePath.asString().asCharArray(), "\xFF/q.cpp");
 }
 
+TEST(Handler, DoesNothingButIgnoreByIgnoreAll)
+{
+    // An editor that is not found would be a line.
+    const std::string oldPath = std::getenv("PATH");
+    setenv("PATH", "/nonexistent", 1);
+    OpenHandler handler(1);
+    testing::internal::CaptureStderr();
+    handler.handleUsersDecision(8002, path("/p.cpp"), 12);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    setenv("PATH", oldPath.c_str(), 1);
+}
+
 TEST(Handler, KeepsEqualLocationsTwice)
 {
     OpenHandler handler(1);
@@ -365,17 +377,19 @@ namespace
 volatile std::sig_atomic_t amountOfTraps = 0;
 }
 
-TEST(Handler, DebugRaisesTheTrapAndGoesOn)
+// In a process of its own, because one that ended here with status 0 would look like success.
+TEST(HandlerDeathTest, DebugRaisesTheTrapAndGoesOn)
 {
-    struct sigaction count = {};
-    struct sigaction old = {};
-    count.sa_handler = [](int) { amountOfTraps = amountOfTraps + 1; };
-    ASSERT_EQ(sigaction(SIGTRAP, &count, &old), 0);
-    OpenHandler handler(1);
-    handler.handleUsersDecision(8004, path("/p.cpp"), 1);
-    EXPECT_EQ(amountOfTraps, 1);
-    EXPECT_EQ(handler._ignoredSourceLocations.size(), 0);
-    ASSERT_EQ(sigaction(SIGTRAP, &old, nullptr), 0);
+    EXPECT_EXIT(
+        {
+            struct sigaction count = {};
+            count.sa_handler = [](int) { amountOfTraps = amountOfTraps + 1; };
+            sigaction(SIGTRAP, &count, nullptr);
+            OpenHandler handler(1);
+            handler.handleUsersDecision(8004, path("/p.cpp"), 1);
+            std::_Exit(amountOfTraps == 1 && handler._ignoredSourceLocations.size() == 0 ? 7 : 8);
+        },
+        testing::ExitedWithCode(7), "^$");
 }
 
 TEST(HandlerDeathTest, ExitEndsTheProcessWithStatusZeroThroughTheExitHandlers)
