@@ -1,5 +1,6 @@
 // Allocation, clearing, and running out of memory.
 #include "Digits.h"
+#include "RandomNumbers.h"
 #include "watching.h"
 
 #include <sys/resource.h>
@@ -94,6 +95,30 @@ TEST_F(Temporaries, OfModExpAreFiveHoweverLongTheExponent)
     const Memory memory;
     mpModExp(w, x, e, m, 0);
     EXPECT_TRUE(memory.blocks().empty());
+}
+
+// Long numbers are computed with in other ways, which keep more.
+TEST_F(Temporaries, OfLongNumbersAreClearedBeforeTheyAreFreed)
+{
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    for (const uint32_t length : {16U, 17U, 18U, 40U, 100U})
+    {
+        Digits base(random.number(length));
+        Digits modulus(random.number(length));
+        modulus[0] |= 1;
+        modulus[length - 1] |= 0x80000000U;
+        Digits exponent(length);
+        mpSetDigit(exponent, 65537, length);
+        Digits result(length);
+        const Memory memory;
+        mpModExp(result, base, exponent, modulus, length);
+        mpModMult(result, base, result, modulus, length);
+        mpModInv(result, base, modulus, length);
+        mpGcd(result, base, modulus, length);
+        mpModulo(result, base, length, modulus, length / 2);
+        EXPECT_TRUE(allCleared(memory)) << length;
+    }
 }
 
 TEST_F(Temporaries, OfModuloAreTwo)

@@ -3,6 +3,10 @@
 #include "RandomNumbers.h"
 #include "watching.h"
 
+#include <csignal>
+#include <cstdlib>
+#include <sys/time.h>
+
 namespace
 {
 
@@ -111,6 +115,20 @@ TEST(RabinMiller, OfThreeTakesTheWitnessTwo)
     const Generator generator;
     EXPECT_EQ(passesRabinMiller(Natural(3), 5), 1);
     EXPECT_EQ(generator.callsOfRand(), 0U) << "2 is the only witness below 3";
+}
+
+// No witness is below 2, and none but 2 is drawn.
+TEST(RabinMillerDeathTest, OfTwoNeverEnds)
+{
+    EXPECT_EXIT(
+        {
+            itimerval soon = {};
+            soon.it_value.tv_usec = 200000;
+            setitimer(ITIMER_VIRTUAL, &soon, nullptr);
+            passesRabinMiller(Natural(2), 1);
+            std::_Exit(0);
+        },
+        testing::KilledBySignal(SIGVTALRM), "^$");
 }
 
 TEST(RabinMiller, SeedsOnEveryCall)
