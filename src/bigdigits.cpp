@@ -2069,34 +2069,39 @@ int32_t mpModExp(mpDigit y[], const mpDigit x[], const mpDigit e[], const mpDigi
     };
 
     size_t size = significantDigits(e, n);
-    mpDigit mask = topBit;
-    while (mask > 1 && (e[size - 1] & mask) == 0)
+    if (size == 0)
     {
-        mask >>= 1;
-    }
-    const auto nextBit = [&size, &mask]
-    {
-        if (mask == 1)
-        {
-            size--;
-            mask = topBit;
-        }
-        else
-        {
-            mask >>= 1;
-        }
-    };
-
-    // The first step, for the top bit of e, is a copy.
-    setEqual(value, x, n);
-    for (nextBit(); size != 0; nextBit())
-    {
-        mpSquare(product, value, ndigits);
+        // Nothing to begin with.
+        product[0] = 1;
         reduce();
-        if ((e[size - 1] & mask) != 0)
+    }
+    else
+    {
+        mpDigit mask = topBit >> leadingZeroBits(e[size - 1]);
+        const auto nextBit = [&size, &mask]
         {
-            mpMultiply(product, value, x, ndigits);
+            if (mask == 1)
+            {
+                size--;
+                mask = topBit;
+            }
+            else
+            {
+                mask >>= 1;
+            }
+        };
+
+        // The first step, for the top bit of e, is a copy.
+        setEqual(value, x, n);
+        for (nextBit(); size != 0; nextBit())
+        {
+            mpSquare(product, value, ndigits);
             reduce();
+            if ((e[size - 1] & mask) != 0)
+            {
+                mpMultiply(product, value, x, ndigits);
+                reduce();
+            }
         }
     }
     setEqual(y, value, n);

@@ -34,6 +34,23 @@ TEST(ModExp, WithExponentTwoReducesTheSquare)
     EXPECT_EQ(y.value(), x.value() * x.value() % Natural(7));
 }
 
+TEST(ModExp, WithoutExponentOrModulusStaysInItsArrays)
+{
+    const Digits x{100, 5};
+    const Digits none{0, 0};
+    const Digits one{1, 0};
+    const Digits big{0, 0x80000000U};
+    for (const Digits* pModulus : {&one, &big, &none})
+    {
+        Digits y(2);
+        EXPECT_EQ(mpModExp(y, x, none, *pModulus, 2), 0);
+        EXPECT_EQ(y.value(), Natural(pModulus == &big ? 1UL : 0UL));
+    }
+    Digits y(2);
+    EXPECT_EQ(mpModExp(y, x, big, none, 2), 0);
+    EXPECT_EQ(y.value(), Natural(0UL));
+}
+
 TEST(ModExp, StepsToTheNextDigitOfTheExponent)
 {
     for (const Values& exponent :
