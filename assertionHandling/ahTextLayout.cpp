@@ -39,11 +39,12 @@ GtkTextTag* pieceTag(GtkTextBuffer* pBuffer)
     return pTag != nullptr ? pTag : gtk_text_buffer_create_tag(pBuffer, pieceName, "font-features", "kern=1", nullptr);
 }
 
+// Lines break behind these, and they take no room there.
 bool isBlank(gunichar character)
 {
-    return character == ' ' || character == '\t' ||
-           (character >= 0x2000 && character <= 0x200B && character != 0x2007) || character == 0x1680 ||
-           character == 0x205F || character == 0x3000;
+    const GUnicodeBreakType type = g_unichar_break_type(character);
+    return type == G_UNICODE_BREAK_SPACE || type == G_UNICODE_BREAK_ZERO_WIDTH_SPACE ||
+           (type == G_UNICODE_BREAK_AFTER && g_unichar_isspace(character) != FALSE);
 }
 
 bool hasLongWord(const GtkTextIter& begin, const GtkTextIter& end)

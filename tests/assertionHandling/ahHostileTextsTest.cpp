@@ -1,7 +1,10 @@
 // The dialog with texts that nobody would write on purpose: it shows all of them, and is as easy to end as ever. Laid out
 // by the control's own means the longest would take many minutes, far beyond the test's patience.
+#include <algorithm>
 #include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <wx/frame.h>
@@ -12,6 +15,10 @@
 #include "assertionHandling/ahTextLayout.h"
 #include "assertionHandling/ahUrlHighlighting.h"
 #include "tests/support/tsWindowTest.h"
+
+#ifdef __WXGTK__
+#include <gtk/gtk.h>
+#endif
 
 namespace
 {
@@ -164,6 +171,112 @@ TEST(HostileTexts, AreBrokenAtTheMarginOnlyInLinesWithLongWords)
     EXPECT_EQ(dialog.ShowModal(), AH_IGNORE_ALL_BUTTON_ID);
     EXPECT_TRUE(script.isFinished());
 }
+
+#ifdef __WXGTK__
+
+GtkTextView* viewOf(const wxTextCtrl& control)
+{
+    return GTK_TEXT_VIEW(gtk_bin_get_child(GTK_BIN(control.GetHandle())));
+}
+
+// The control's own way of writing lays the text out at once.
+void writeEasily(wxTextCtrl& control, const wxString& text)
+{
+    gtk_text_buffer_set_text(gtk_text_view_get_buffer(viewOf(control)), text.utf8_str(), -1);
+    ahEaseLayout(&control);
+}
+
+// Whether the first line may break at any character.
+bool breaksAnywhere(const wxString& textOfControl)
+{
+    wxFrame frame(nullptr, wxID_ANY, "texts");
+    auto* const pText = new wxTextCtrl(&frame, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxTE_MULTILINE);
+    writeEasily(*pText, textOfControl);
+    GtkTextIter begin;
+    gtk_text_buffer_get_start_iter(gtk_text_view_get_buffer(viewOf(*pText)), &begin);
+    const std::unique_ptr<GtkTextAttributes, void (*)(GtkTextAttributes*)> attributes(
+        gtk_text_view_get_default_attributes(viewOf(*pText)), gtk_text_attributes_unref);
+    gtk_text_iter_get_attributes(&begin, attributes.get());
+    return attributes->wrap_mode == GTK_WRAP_CHAR;
+}
+
+// Where the attributes that the text is laid out with change.
+std::vector<int> borders(const wxTextCtrl& control)
+{
+    std::vector<int> offsets;
+    GtkTextIter position;
+    gtk_text_buffer_get_start_iter(gtk_text_view_get_buffer(viewOf(control)), &position);
+    if (gtk_text_iter_toggles_tag(&position, nullptr) != FALSE)
+    {
+        offsets.push_back(0);
+    }
+    while (gtk_text_iter_forward_to_tag_toggle(&position, nullptr) != FALSE)
+    {
+        offsets.push_back(gtk_text_iter_get_offset(&position));
+    }
+    // The end is told in both ways.
+    offsets.erase(std::unique(offsets.begin(), offsets.end()), offsets.end());
+    return offsets;
+}
+
+TEST(HostileTexts, AreLaidOutInPieces)
+{
+    using Offsets = std::vector<int>;
+    wxFrame frame(nullptr, wxID_ANY, "texts");
+    auto* const pText = new wxTextCtrl(&frame, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxTE_MULTILINE);
+    const auto bordersOf = [pText](const wxString& text)
+    {
+        writeEasily(*pText, text);
+        EXPECT_TRUE(pText->GetValue() == text);
+        return borders(*pText);
+    };
+    EXPECT_EQ(bordersOf(repeated("w ", 10000)), Offsets());
+    EXPECT_EQ(bordersOf(repeated("w ", 10001)), Offsets({10000, 10001}));
+    EXPECT_EQ(bordersOf(repeated("w ", 20000)), Offsets({10000, 20000}));
+    EXPECT_EQ(bordersOf(repeated("w ", 20001)), Offsets({10000, 20000}));
+    EXPECT_EQ(bordersOf(repeated("w ", 45000)), Offsets({10000, 20000, 30000, 40000}));
+    // Each line by itself; without a blank it is marked from its beginning to its end.
+    EXPECT_EQ(bordersOf("ab\n" + repeated("w ", 15000) + "\n\n" + repeated("v ", 12000) + "\n"),
+              Offsets({10003, 15003, 25005, 27005}));
+    EXPECT_EQ(bordersOf(repeated("w", 15000) + "\nab"), Offsets({0, 10000, 15000}));
+    EXPECT_EQ(bordersOf("ab\n" + repeated("w", 2000)), Offsets({3, 2003}));
+    // Marks stay with their letter, up to a hundred of them.
+    const wxString acute = character(0x301);
+    EXPECT_EQ(bordersOf(repeated("w ", 10000) + repeated(acute, 5) + repeated("w ", 20000)), Offsets({10005, 20005}));
+    EXPECT_EQ(bordersOf(repeated("w ", 10000) + repeated(acute, 100) + repeated("w ", 100)), Offsets({10100, 10200}));
+    EXPECT_EQ(bordersOf(repeated("w ", 10000) + repeated(acute, 101) + repeated("w ", 100)), Offsets({10100, 10201}));
+    EXPECT_EQ(bordersOf("ab"), Offsets());
+}
+
+TEST(HostileTexts, OfAThousandCharactersWithoutABlankStayWords)
+{
+    EXPECT_FALSE(breaksAnywhere(wxString('w', 1000)));
+    EXPECT_TRUE(breaksAnywhere(wxString('w', 1001)));
+    // A longer line, and words at its beginning, in its middle and at its end.
+    EXPECT_FALSE(breaksAnywhere(repeated(wxString('w', 1000) + " ", 5000)));
+    EXPECT_FALSE(breaksAnywhere("w " + wxString('w', 1000)));
+    EXPECT_TRUE(breaksAnywhere(wxString('w', 1001) + repeated(" w", 5000)));
+    EXPECT_TRUE(breaksAnywhere(repeated("w ", 5000) + wxString('w', 1001) + repeated(" w", 5000)));
+    EXPECT_TRUE(breaksAnywhere(repeated("w ", 5000) + wxString('w', 1001)));
+    EXPECT_FALSE(breaksAnywhere("short\n" + wxString('w', 1001)));
+}
+
+TEST(HostileTexts, EndTheirWordsAtBlanks)
+{
+    const wxString half('w', 600);
+    for (const wxUint32 blank : {0x20U, 0x9U, 0x1680U, 0x2000U, 0x2006U, 0x2008U, 0x200AU, 0x200BU, 0x205FU, 0x3000U})
+    {
+        EXPECT_FALSE(breaksAnywhere(half + character(blank) + half)) << blank;
+    }
+    // Neither letters nor hyphens, nor blanks that keep words together.
+    for (const wxUint32 other :
+         {0x77U, 0x21U, 0x2DU, 0xA0U, 0xADU, 0x1FFFU, 0x2007U, 0x200CU, 0x2013U, 0x202FU, 0x3001U})
+    {
+        EXPECT_TRUE(breaksAnywhere(half + character(other) + half)) << other;
+    }
+}
+
+#endif
 
 TEST(HostileTexts, KeepTheirStyles)
 {
