@@ -88,7 +88,7 @@ uint64_t octetLength(const mpDigit a[], size_t n)
 template <class T>
 T* allocate(uint64_t count, const char* message)
 {
-    const uint64_t wanted = count == 0 ? 1 : count;
+    const uint64_t wanted = std::max(count, uint64_t{1});
     void* pMemory = nullptr;
     if (wanted <= SIZE_MAX)
     {
@@ -385,7 +385,7 @@ __attribute__((target("avx512f,avx512ifma,bmi2"))) void multiplyBlocks(mpDigit w
     high[0] = 0;
     for (size_t first = 0; first < uCount + vCount; first += limbsAtOnce)
     {
-        const size_t begin = first < uCount ? 0 : first - uCount + 1;
+        const size_t begin = first + 1 - std::min(first + 1, uCount);
         const size_t end = std::min(first + limbsAtOnce, vCount);
         __m512i lowSum = _mm512_setzero_si512();
         __m512i highSum = _mm512_setzero_si512();
@@ -429,7 +429,7 @@ __attribute__((target("avx512f,avx512ifma,bmi2"))) void multiplyBlocks(mpDigit w
 
 bool has52BitLimbs()
 {
-    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512ifma") && __builtin_cpu_supports("bmi2");
+    return __builtin_cpu_supports("avx512ifma") && __builtin_cpu_supports("bmi2");
 }
 
 void squareByBlocks(mpDigit w[], const mpDigit x[], size_t n)
@@ -463,20 +463,21 @@ void squareByBlocks(mpDigit w[], const mpDigit x[], size_t n)
 
 constexpr size_t shortestForLimbs = 20;
 
-void square(mpDigit w[], const mpDigit x[], size_t n)
+using SquareForm = void (*)(mpDigit w[], const mpDigit x[], size_t n);
+
+// For this processor and that many digits.
+SquareForm squareForm(size_t n)
 {
     if (n >= shortestForLimbs && has52BitLimbs())
     {
-        squareByBlocks(w, x, n);
+        return squareByBlocks;
     }
-    else if (__builtin_cpu_supports("bmi2"))
-    {
-        squareWithBmi2(w, x, n);
-    }
-    else
-    {
-        squareByWords(w, x, n);
-    }
+    return __builtin_cpu_supports("bmi2") ? squareWithBmi2 : squareByWords;
+}
+
+void square(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareForm(n)(w, x, n);
 }
 
 #else
@@ -877,11 +878,11 @@ MP_INLINE void addColumns(Columns& sums, const Slices& u, const mpDigit v[], siz
 {
     // Rows below the first of these reach above the end of u, rows from the second on below its beginning.
     const size_t last = u.size - columnCount;
-    const size_t whole = first > last ? first - last : 0;
+    const size_t whole = first - std::min(first, last);
     const size_t low = first + 1;
     for (size_t j = begin; j < end;)
     {
-        const size_t stop = end - j < rowsPerLane ? end : j + rowsPerLane;
+        const size_t stop = j + std::min(end - j, rowsPerLane);
         const size_t endOfHigh = j < whole ? (whole < stop ? whole : stop) : j;
         const size_t endOfWhole = endOfHigh < low ? (low < stop ? low : stop) : endOfHigh;
         ProductsOfRows<Vector> rows[Lanes<Vector>::parts] = {};
@@ -923,7 +924,7 @@ MP_INLINE void takeDigits(mpDigit digits[columnCount], uint64_t& carry, const Co
 // Rows v[begin..end) that have digits of u, un long, in any of the columns first to first + 15.
 MP_INLINE size_t firstRow(size_t first, size_t un)
 {
-    return first < un ? 0 : first - un + 1;
+    return first + 1 - std::min(first + 1, un);
 }
 
 MP_INLINE size_t endOfRows(size_t first, size_t vn)
@@ -1137,8 +1138,9 @@ MP_COLUMNS(512Bits, Vector64, __attribute__((target("avx512f,avx512bw,avx512dq,a
 
 bool has512Bits()
 {
-    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-           __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("bmi2");
+    // Each of these comes with the basic part, avx512f.
+    return __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
+           __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("bmi2");
 }
 
 bool has256Bits()
@@ -1189,11 +1191,12 @@ void multiply(mpDigit w[], const mpDigit u[], const mpDigit v[], size_t n)
 {
     const size_t un = significantDigits(u, n);
     const size_t vn = significantDigits(v, n);
-    if (un >= shortestForColumns && un <= longestForColumns && vn <= longestForColumns)
+    const bool fits = std::max(un, vn) <= longestForColumns;
+    if (fits && un >= shortestForColumns)
     {
         columnForms().multiply(w, u, un, v, vn);
     }
-    else if (vn >= shortestForColumns && vn <= longestForColumns && un <= longestForColumns)
+    else if (fits && vn >= shortestForColumns)
     {
         columnForms().multiply(w, v, vn, u, un);
     }
