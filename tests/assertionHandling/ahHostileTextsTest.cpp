@@ -246,6 +246,23 @@ TEST(HostileTexts, AreLaidOutInPieces)
     EXPECT_EQ(bordersOf(repeated("w ", 10000) + repeated(acute, 100) + repeated("w ", 100)), Offsets({10100, 10200}));
     EXPECT_EQ(bordersOf(repeated("w ", 10000) + repeated(acute, 101) + repeated("w ", 100)), Offsets({10100, 10201}));
     EXPECT_EQ(bordersOf("ab"), Offsets());
+
+    // What is left of a text is looked at anew.
+    const auto bordersWithout = [pText](int begin, int end)
+    {
+        GtkTextBuffer* const pBuffer = gtk_text_view_get_buffer(viewOf(*pText));
+        GtkTextIter first;
+        GtkTextIter last;
+        gtk_text_buffer_get_iter_at_offset(pBuffer, &first, begin);
+        gtk_text_buffer_get_iter_at_offset(pBuffer, &last, end);
+        gtk_text_buffer_delete(pBuffer, &first, &last);
+        ahEaseLayout(pText);
+        return borders(*pText);
+    };
+    EXPECT_EQ(bordersOf(repeated("w ", 35000)), Offsets({10000, 20000, 30000, 35000}));
+    EXPECT_EQ(bordersWithout(0, 15000), Offsets({10000, 20000}));
+    EXPECT_EQ(bordersOf(repeated("w", 15000)), Offsets({0, 10000, 15000}));
+    EXPECT_EQ(bordersWithout(500, 14500), Offsets());
 }
 
 TEST(HostileTexts, OfAThousandCharactersWithoutABlankStayWords)
