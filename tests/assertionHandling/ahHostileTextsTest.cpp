@@ -265,6 +265,25 @@ TEST(HostileTexts, AreLaidOutInPieces)
     EXPECT_EQ(bordersWithout(500, 14500), Offsets());
 }
 
+TEST(HostileTexts, HaveAThousandUrlsInALineAtMost)
+{
+    wxFrame frame(nullptr, wxID_ANY, "texts");
+    auto* const pText = new wxTextCtrl(&frame, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxTE_MULTILINE);
+    const auto bordersOf = [pText](const wxString& text)
+    {
+        gtk_text_buffer_set_text(gtk_text_view_get_buffer(viewOf(*pText)), text.utf8_str(), -1);
+        ahHighlightUrls(pText);
+        return borders(*pText);
+    };
+    EXPECT_EQ(bordersOf(repeated("www.a ", 6000)).size(), 2000U);
+    EXPECT_EQ(bordersOf(repeated("www.a ", 6006)).back(), 5999);
+    EXPECT_EQ(bordersOf(repeated("www.a ", 6006) + "\nwww.a").back(), 6012);
+    // Control characters are no small letters of anything.
+    EXPECT_EQ(bordersOf("http:\x0F\x0F"
+                        "a WAIS://A"),
+              std::vector<int>({9, 17}));
+}
+
 TEST(HostileTexts, OfAThousandCharactersWithoutABlankStayWords)
 {
     EXPECT_FALSE(breaksAnywhere(wxString('w', 1000)));
