@@ -60,7 +60,7 @@ char** processEnvironment()
 void forbidTracing()
 {
 #if !defined(__APPLE__)
-    static_cast<void>(::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0));
+    static_cast<void>(::prctl(PR_SET_DUMPABLE, 0));
 #endif
 }
 
