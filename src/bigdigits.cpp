@@ -183,9 +183,13 @@ int32_t compare(const mpDigit a[], const mpDigit b[], size_t n)
 {
     for (size_t i = n; i-- > 0;)
     {
-        if (a[i] != b[i])
+        if (a[i] > b[i])
         {
-            return a[i] > b[i] ? 1 : -1;
+            return 1;
+        }
+        if (a[i] < b[i])
+        {
+            return -1;
         }
     }
     return 0;
@@ -551,13 +555,12 @@ void spMultSub(mpDigit& high, mpDigit& low, mpDigit qhat, mpDigit vHigh, mpDigit
 }
 
 // Takes qhat * v from (high, low); when that was once too often, gives one v back.
-void spTakeAway(mpDigit& qhat, mpDigit& high, mpDigit& low, mpDigit v)
+void spTakeAway(mpDigit& qhat, mpDigit high, mpDigit& low, mpDigit v)
 {
     spMultSub(high, low, qhat, v >> bitsPerHalf, v & halfMask);
     const mpDigit negative = (high >> bitsPerHalf) != 0 ? 1 : 0;
     qhat -= negative;
     low += negative * v;
-    high = 0;
 }
 
 // One half-digit of a quotient: (remainder, next half-digit) / v. Leaves the new remainder.
@@ -577,10 +580,9 @@ mpDigit spDivideStep(mpDigit& remainder, mpDigit next, mpDigit v)
             qhat--;
         }
     }
-    mpDigit high = remainder >> bitsPerHalf;
-    mpDigit low = remainder << bitsPerHalf | next;
-    spTakeAway(qhat, high, low, v);
-    remainder = low;
+    const mpDigit high = remainder >> bitsPerHalf;
+    remainder = remainder << bitsPerHalf | next;
+    spTakeAway(qhat, high, remainder, v);
     return qhat;
 }
 
@@ -597,9 +599,8 @@ mpDigit divideTwoByOne(mpDigit& q, mpDigit& r, mpDigit uHigh, mpDigit uLow, mpDi
     {
         overflow = 0;
     }
-    mpDigit high = 0;
     mpDigit remainder = uHigh;
-    spTakeAway(overflow, high, remainder, v);
+    spTakeAway(overflow, 0, remainder, v);
 
     const mpDigit upper = spDivideStep(remainder, uLow >> bitsPerHalf, v);
     const mpDigit lower = spDivideStep(remainder, uLow & halfMask, v);
@@ -1560,10 +1561,7 @@ void mpSetZero(mpDigit a[], uint32_t ndigits)
 
 void mpSetDigit(mpDigit a[], mpDigit d, uint32_t ndigits)
 {
-    for (size_t i = 1; i < ndigits; i++)
-    {
-        a[i] = 0;
-    }
+    setZero(a, ndigits);
     a[0] = d;
 }
 
@@ -1776,11 +1774,7 @@ int32_t mpShortCmp(const mpDigit a[], mpDigit d, uint32_t ndigits)
             return 1;
         }
     }
-    if (a[0] == d)
-    {
-        return 0;
-    }
-    return a[0] > d ? 1 : -1;
+    return compare(a, &d, 1);
 }
 
 int32_t spMultiply(mpDigit p[2], mpDigit x, mpDigit y)
