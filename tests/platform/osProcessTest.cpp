@@ -52,6 +52,9 @@ thread_local int amountOfFurtherWrites = 0;
 // Systems have this call since 2020.
 bool hasCloseRange = true;
 #endif
+
+// How often this thread's waiting for a child is interrupted by a signal from now on.
+thread_local int interruptionsLeft = 0;
 }  // namespace
 
 extern "C" ssize_t write(int descriptor, const void* pBytes, size_t amount)
@@ -95,6 +98,20 @@ extern "C" long syscall(long number, ...) noexcept
     return realSyscall(number, first, second, third);
 }
 #endif
+
+extern "C" pid_t waitpid(pid_t process, int* pStatus, int options)
+{
+    if (interruptionsLeft > 0)
+    {
+        --interruptionsLeft;
+        errno = EINTR;
+        return -1;
+    }
+    pid_t (*realWaitpid)(pid_t, int*, int) = nullptr;
+    void* const pSymbol = ::dlsym(RTLD_NEXT, "waitpid");
+    std::memcpy(&realWaitpid, &pSymbol, sizeof realWaitpid);
+    return realWaitpid(process, pStatus, options);
+}
 
 extern "C" pid_t fork() noexcept
 {
@@ -493,6 +510,29 @@ std::atomic<int> amountOfSigchld = 0;
 void countSigchld(int)
 {
     ++amountOfSigchld;
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, leavesNoChildWhereSignalsInterrupt)
+{
+    makeProgram("kate", "#!/bin/sh\n");
+    interruptionsLeft = 3;
+    open("/a.c", 1);
+    EXPECT_EQ(interruptionsLeft, 0);
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
+// In a process of its own, because one that ended here with status 0 would look like success.
+TEST_F(osOpenFileInSourceCodeEditorTest, comesBackToTheProcessThatCalled)
+{
+    makeProgram("kate", "#!/bin/sh\n");
+    EXPECT_EXIT(
+        {
+            const pid_t own = ::getpid();
+            open("/a.c", 1);
+            std::_Exit((::getpid() == own) ? 7 : 8);
+        },
+        testing::ExitedWithCode(7), "");
 }
 
 TEST_F(osOpenFileInSourceCodeEditorTest, leavesTheProgramsSignalsAndChildrenAlone)
