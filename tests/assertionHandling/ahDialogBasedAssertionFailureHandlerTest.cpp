@@ -192,7 +192,8 @@ TEST(Handler, IgnoresTheLocationsOfIgnoreAll)
 TEST(Handler, DoesNothingButIgnoreByIgnoreAll)
 {
     // An editor that is not found would be a line.
-    const std::string oldPath = std::getenv("PATH");
+    const char* const pOldPath = std::getenv("PATH");
+    const std::string oldPath(pOldPath == nullptr ? "" : pOldPath);
     setenv("PATH", "/nonexistent", 1);
     OpenHandler handler(1);
     testing::internal::CaptureStderr();

@@ -514,22 +514,24 @@ void countSigchld(int)
 
 TEST_F(osOpenFileInSourceCodeEditorTest, leavesNoChildWhereSignalsInterrupt)
 {
-    makeProgram("kate", "#!/bin/sh\n");
+    makeEditor("kate");
     interruptionsLeft = 3;
     open("/a.c", 1);
     EXPECT_EQ(interruptionsLeft, 0);
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
     EXPECT_EQ(errno, ECHILD);
+    EXPECT_FALSE(argumentsOf("kate").empty());
 }
 
 // In a process of its own, because one that ended here with status 0 would look like success.
 TEST_F(osOpenFileInSourceCodeEditorTest, comesBackToTheProcessThatCalled)
 {
-    makeProgram("kate", "#!/bin/sh\n");
+    makeEditor("kate");
     EXPECT_EXIT(
         {
             const pid_t own = ::getpid();
             open("/a.c", 1);
+            argumentsOf("kate");
             std::_Exit((::getpid() == own) ? 7 : 8);
         },
         testing::ExitedWithCode(7), "");
