@@ -278,6 +278,7 @@ TEST(HostileTexts, HaveAThousandUrlsInALineAtMost)
     EXPECT_EQ(bordersOf(repeated("www.a ", 6000)).size(), 2000U);
     EXPECT_EQ(bordersOf(repeated("www.a ", 6006)).back(), 5999);
     EXPECT_EQ(bordersOf(repeated("www.a ", 6006) + "\nwww.a").back(), 6012);
+    EXPECT_EQ(bordersOf(" www.a"), std::vector<int>({1, 6}));
     // Control characters are no small letters of anything.
     EXPECT_EQ(bordersOf("http:\x0F\x0F"
                         "a WAIS://A"),
