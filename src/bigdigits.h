@@ -262,8 +262,8 @@ int32_t mpModMult(mpDigit a[], const mpDigit x[], const mpDigit y[], const mpDig
 /* y = x^e modulo m, by squaring and multiplying from the top bit of e down (Knuth, vol. 2, 4.6.3). y may be x, e or m,
  * all of which are only read.
  *
- * x need not be below m; but with an e of 1 it is handed on as it is, not reduced. e and m must not be zero, since
- * neither means anything to those who encrypt; what comes out is 1 modulo m, or 0 when m is zero.
+ * x need not be below m; but with an e of 1 it is handed on as it is, not reduced. e and m must not be zero; should one
+ * be, no other memory is touched, and y is 1 modulo m for an e of 0, and 0 for an m of 0 and an e of 2 or more.
  * Returns 0, or -1 when ndigits is 0 (then nothing is touched). */
 int32_t mpModExp(mpDigit y[], const mpDigit x[], const mpDigit e[], const mpDigit m[], uint32_t ndigits);
 
