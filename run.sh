@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds Countersign and opens the given documents in it. Installs what is missing first.
 #
 #   ./run.sh [FILE...]

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds everything and runs the tests. Installs what is missing first.
 #
 #   ./test.sh [CTEST-ARGUMENT...]          for example: ./test.sh -R bigdigits

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The toolkit's application object: installs the process-wide handler for failed assertions, opens the main window, and
 // passes on the documents that the desktop asks the application to open.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The process entry.
 #include <wx/init.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A modal window for one failed assertion: above five buttons it reports what failed, and the developer's choice among
 // the buttons is what ShowModal returns. It carries nothing out itself.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The assertion dialog's window icon: an XPM image of 16 x 16 pixels in 40 colours, one character a pixel. A red square
 // with a white exclamation mark in its middle.
 #ifndef AH_ASSERT_DIALOG_ICON_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The handler that the application registers with the base library for failed assertions, and the kit for reacting to
 // one interactively.
 //

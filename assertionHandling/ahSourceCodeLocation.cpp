@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "assertionHandling/ahSourceCodeLocation.h"
 
 static_assert(sizeof(int) == 4, "a line number has 32 bits");

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One place in the source code: an entry of the list of locations whose failed assertions are ignored.
 //
 // A plain record. Reading it from several threads is safe while nobody writes.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Between bytes (gtString, const char*) and the toolkit's text (wxString).
 //
 // Everywhere outside the toolkit text is bytes whose encoding nobody knows for sure: a path is any bytes but NUL, a

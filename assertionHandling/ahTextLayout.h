@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keeps long texts quick to lay out in a multi-line text control.
 #ifndef AH_TEXT_LAYOUT_H
 #define AH_TEXT_LAYOUT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes the URLs visible that a text control has detected.
 #ifndef AH_URL_HIGHLIGHTING_H
 #define AH_URL_HIGHLIGHTING_H

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Turns what the benchmarks measured into tables: one for each operation, a line for each size, a column for each
 peer with its time and, in parentheses, our time divided by it.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command line's arguments as facts.
 #ifndef COUNTERSIGN_CL_ARGUMENTS_H
 #define COUNTERSIGN_CL_ARGUMENTS_H

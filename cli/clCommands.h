@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The commands themselves: they print, and return the exit status.
 #ifndef COUNTERSIGN_CL_COMMANDS_H
 #define COUNTERSIGN_CL_COMMANDS_H

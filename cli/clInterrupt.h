@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Signals that ask the program to end (interrupt, terminate, hang-up) are kept until the work at hand is tidied up.
 #ifndef COUNTERSIGN_CL_INTERRUPT_H
 #define COUNTERSIGN_CL_INTERRUPT_H

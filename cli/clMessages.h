@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the engines found, in words: what it was about, what is wrong, and the way out where there is one.
 #ifndef COUNTERSIGN_CL_MESSAGES_H
 #define COUNTERSIGN_CL_MESSAGES_H

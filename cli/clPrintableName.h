@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names as they can be shown: one line each, with nothing in them that a terminal obeys.
 #ifndef COUNTERSIGN_CL_PRINTABLE_NAME_H
 #define COUNTERSIGN_CL_PRINTABLE_NAME_H

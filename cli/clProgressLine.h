@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One line on a terminal that tells how far the reading of a file has got. It shows up after a second, is written anew
 // at most ten times a second, and is gone when the work is done.
 #ifndef COUNTERSIGN_CL_PROGRESS_LINE_H

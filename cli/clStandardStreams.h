@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Standard input, output and error, with every failure told.
 #ifndef COUNTERSIGN_CL_STANDARD_STREAMS_H
 #define COUNTERSIGN_CL_STANDARD_STREAMS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The terminal that the program was started on.
 #ifndef COUNTERSIGN_CL_TERMINAL_H
 #define COUNTERSIGN_CL_TERMINAL_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program countersign. Everything it does is in the library beside it.
 #include <exception>
 #include <string>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What makes an error in memory harder to use: checked stack frames and copies, tables that cannot be written to once the
 # program runs, addresses that cannot be foretold. A compiler or linker that lacks one of these goes without it.
 #

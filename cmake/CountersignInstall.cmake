@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Where everything goes on "cmake --install".
 #
 # Programs and shared libraries lie side by side in lib/.../countersign, so that one folder can be moved as a whole

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What every room's target has in common: the language, the warnings, the include roots, the hardening, the sanitizers.
 include(CountersignHardening)
 

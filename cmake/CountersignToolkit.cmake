@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The GUI toolkit as one imported target, countersign::toolkit, whose headers are system headers.
 # The installed package reads this file too.
 if(NOT TARGET countersign::toolkit)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A prepared Blowfish key: the schedule that libcrypto computes of a secret of 16 bytes, computed once and owned here.
 //
 // Whoever has data to encrypt hands the record to libcrypto's Blowfish operations (BF_encrypt, BF_cbc_encrypt and so

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the classes of this folder share below their own level: digit arrays from the allocator, the fixed-width
 // hexadecimal form of a digit, and the wiping of what was secret. Not meant for code outside this folder, save for
 // crWipe.

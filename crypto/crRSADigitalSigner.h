@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes and tests signatures of whole files: the file's bytes are folded into a short digest by exclusive-or, and the
 // digest's text is encrypted (crRSAStringEncryptor.h). Signing takes a key with the private exponent, testing one with
 // the public exponent.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One RSA key: a modulus, called the product throughout, and one exponent, called the number. Public or private makes
 // no difference to the class: it is the exponent that tells.
 //

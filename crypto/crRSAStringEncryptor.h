@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Encrypts a text into hexadecimal characters with an RSA key and decrypts it with the partner key. Whether a call
 // encrypts or signs depends only on whose exponent the key holds.
 //

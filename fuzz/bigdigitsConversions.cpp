@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Numbers to octets and texts and back, compared with GMP, into buffers of every size.
 #include <algorithm>
 #include <cstring>

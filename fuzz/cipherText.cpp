@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Any text decrypted under any key of up to five digits, any text encrypted, and libcrypto's big numbers beside it.
 #include <string>
 #include <vector>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Any arguments: a command with what it needs, or a text. And any name made printable.
 #include <string>
 #include <vector>

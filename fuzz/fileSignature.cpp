@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file of any bytes, signed, tested, and tested with any text as its signature; the digest is folded a second time,
 // byte by byte.
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the fuzzers share: taking values from the input, and ending with a message when something is not as it must be.
 #ifndef COUNTERSIGN_FUZZ_INPUT_H
 #define COUNTERSIGN_FUZZ_INPUT_H

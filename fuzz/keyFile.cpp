@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Any bytes as a key file: a key that can be used, or a problem; never both.
 #include <string>
 

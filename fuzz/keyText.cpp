@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RSA keys from any counts and any texts: the right bool, the right digits, and a key that can be used or says that it
 // cannot.
 #include <cctype>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The application's main window: a menu bar, the list of opened documents, a status bar.
 //
 // The window is a view of a hoDocumentList and words what that finds. Documents come from the menu, by drag and drop,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What became of failed assertions: one row for each place in the source, in the order in which the places failed first.
 //
 // A place is a file, as the failed assertion names it and compared byte by byte, and a line. All operations may be

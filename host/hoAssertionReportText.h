@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The words of the assertion report, and the report as text to paste or to keep. Pure functions; safe from any thread
 // as long as none changes the time zone.
 #ifndef COUNTERSIGN_HO_ASSERTION_REPORT_TEXT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The window of the assertion report: a row for each place in the source whose assertion failed. It follows the report
 // while both are there and can stay open beside the main window. Changes are shown at once, but not more often than every
 // tenth of a second, however fast threads fail.

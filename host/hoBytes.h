@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The same bytes as the platform's text and as the standard library's, embedded NULs included.
 #ifndef COUNTERSIGN_HO_BYTES_H
 #define COUNTERSIGN_HO_BYTES_H

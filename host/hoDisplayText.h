@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Text, sizes and times as the windows show them.
 //
 // A document's name can hold anything but NUL and '/': line breaks, terminal commands, marks that turn the direction of

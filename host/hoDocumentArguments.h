@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which of the application's arguments are documents.
 #ifndef COUNTERSIGN_HO_DOCUMENT_ARGUMENTS_H
 #define COUNTERSIGN_HO_DOCUMENT_ARGUMENTS_H

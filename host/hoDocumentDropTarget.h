@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Takes the files that another program drops on a window, with the bytes of their paths as they are.
 #ifndef COUNTERSIGN_HO_DOCUMENT_DROP_TARGET_H
 #define COUNTERSIGN_HO_DOCUMENT_DROP_TARGET_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "host/hoDocumentList.h"
 
 #include "host/hoBytes.h"

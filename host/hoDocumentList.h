@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The opened documents, in the order in which they are shown: what the main window is a view of.
 //
 // Documents are told apart by their absolute path (hoAbsolutePath), compared byte by byte. Positions count from 0; a

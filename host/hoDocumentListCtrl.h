@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rows of the opened documents: a view of a document list, which makes a row's text when that row is painted, so
 // that ten thousand documents cost no more than the screenful that is seen.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Signing and testing of many documents on a thread of their own.
 //
 // A work is made, runs at once, and is asked from time to time what it has found: outcomes come in the order of the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the file system says about one document, without its contents.
 //
 // Paths are bytes as the file system has them, in no particular encoding. Nothing here keeps a file open, changes one,

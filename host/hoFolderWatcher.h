@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tells that something in some folders may have changed.
 //
 // What has changed is for the caller to see: file systems tell too much, too little or in another order, and looking at

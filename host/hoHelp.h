@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Help > About and Help > Manual. Main thread only.
 #ifndef COUNTERSIGN_HO_HELP_H
 #define COUNTERSIGN_HO_HELP_H

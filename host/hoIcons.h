@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The application's own icon, which travels inside the program.
 #ifndef COUNTERSIGN_HO_ICONS_H
 #define COUNTERSIGN_HO_ICONS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The handler for failed assertions that asks the developer: a line on standard error, then the assertion dialog, then
 // what was decided there. The Developer menu puts it in the place of the silent one. Every failure goes into a report,
 // also one that is ignored, and so does every decision, before it is carried out.

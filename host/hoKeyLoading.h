@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Loads a key from a file that the user has named, asking for its passphrase as often as it takes.
 #ifndef COUNTERSIGN_HO_KEY_LOADING_H
 #define COUNTERSIGN_HO_KEY_LOADING_H

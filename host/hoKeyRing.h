@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The keys that are loaded: at most one private one, which signs, and at most one public one, which tests.
 //
 // Keys live in memory alone and are never written down. Owned and used by one thread; a key that was given out may be

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A call on the main thread that any thread can ask for, however little memory there is. Asking takes no memory, no lock
 // and nothing of the toolkit's, which keeps the lock of its queue of events when it finds no memory to put one in.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the manual is. Safe from any thread; only std::bad_alloc comes out.
 #ifndef COUNTERSIGN_HO_MANUAL_H
 #define COUNTERSIGN_HO_MANUAL_H

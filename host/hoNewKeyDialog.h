@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Asks for what a new key pair takes, makes it with progress and Cancel, and writes it down.
 #ifndef COUNTERSIGN_HO_NEW_KEY_DIALOG_H
 #define COUNTERSIGN_HO_NEW_KEY_DIALOG_H

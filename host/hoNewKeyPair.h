@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes RSA key pairs with libcrypto and writes them down as PEM files.
 //
 // Nothing here throws or prints. What held a private number or a passphrase is overwritten before it is given back.

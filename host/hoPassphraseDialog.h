@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Asks for a passphrase. Other than the toolkit's dialog, it keeps no copy of it.
 #ifndef COUNTERSIGN_HO_PASSPHRASE_DIALOG_H
 #define COUNTERSIGN_HO_PASSPHRASE_DIALOG_H

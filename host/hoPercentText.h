@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Any bytes as one line of printable ASCII and back: '%' and two hexadecimal digits stand for a byte, as in URIs.
 // Plain functions, safe from any thread.
 #ifndef COUNTERSIGN_HO_PERCENT_TEXT_H

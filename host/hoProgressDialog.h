@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Shows how far a work on documents has got, and lets the user cancel it. Does not block the window that it belongs to.
 #ifndef COUNTERSIGN_HO_PROGRESS_DIALOG_H
 #define COUNTERSIGN_HO_PROGRESS_DIALOG_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The documents that were opened last, newest first, each once. Paths are bytes, compared as they stand. Owned and used
 // by one thread.
 #ifndef COUNTERSIGN_HO_RECENT_DOCUMENTS_H

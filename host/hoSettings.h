@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the application remembers between runs: names with values, in one small text file of the user's.
 //
 // Names hold ASCII letters, digits, '.', '-' and '_'; values are any bytes, escaped in the file (hoToPercentText). One

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the window says about keys, signatures and what became of a work. Pure functions.
 #ifndef COUNTERSIGN_HO_SIGNING_WORDS_H
 #define COUNTERSIGN_HO_SIGNING_WORDS_H

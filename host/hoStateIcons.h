@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A small picture for each state of a document, different in shape and not by colour alone.
 #ifndef COUNTERSIGN_HO_STATE_ICONS_H
 #define COUNTERSIGN_HO_STATE_ICONS_H

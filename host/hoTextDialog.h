@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A dialog that shows a longer text to read and to copy.
 #ifndef COUNTERSIGN_HO_TEXT_DIALOG_H
 #define COUNTERSIGN_HO_TEXT_DIALOG_H

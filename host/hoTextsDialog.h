@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Encrypts and decrypts short texts with the loaded keys: the plain text above, the cipher text below.
 // Nothing that is typed or decrypted here is kept anywhere.
 #ifndef COUNTERSIGN_HO_TEXTS_DIALOG_H

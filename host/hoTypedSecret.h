@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What was typed into a password field, without copies of it that nobody overwrites.
 //
 // The toolkit's own way to a field's text leaves two behind in memory that is given back, so the text is taken from the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The list of documents that another program drops on the window, as the desktops write it (text/uri-list): one URI a
 // line, lines that begin with '#' are remarks. Plain function, safe from any thread.
 #ifndef COUNTERSIGN_HO_URI_LIST_H

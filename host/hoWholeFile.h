@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Puts a whole file down under a name, or nothing.
 //
 // Nothing here throws but std::bad_alloc, prints, or leaves anything behind when it fails. Calls on different files may

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Writes the icon's PNG files as a header of byte arrays.
 #
 #   cmake -DFOLDER=<the files' folder> -DHEADER=<what to write> -P makeIconData.cmake

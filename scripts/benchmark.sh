@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Measures the rooms beside their peers and writes the figures into docs/performance.md, medians of repeated runs.
 #
 #   scripts/benchmark.sh [ROOM...]          for example: scripts/benchmark.sh bigdigits

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Runs the tests with executed lines counted, and prints the line coverage of each source file.
 #
 #   scripts/coverage.sh [ROOM...]          for example: scripts/coverage.sh bigdigits crypto

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds the fuzzers and lets them look for trouble.
 #
 #   scripts/fuzz.sh [TARGET] [SECONDS]     for example: scripts/fuzz.sh keyFile 600

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs the Debian packages that Countersign needs, and only those that are missing.
 #
 #   scripts/install-dependencies.sh [run|test|develop]

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Shared by the scripts that people start; sourced, not run. Sets "root" to the repository.
 # shellcheck shell=bash
 

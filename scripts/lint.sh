@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Checks formatting (clang-format) and runs clang-tidy over all of our sources, or over those given.
 #
 #   scripts/lint.sh [FILE...]

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Draws the icon's PNG sizes anew from its SVG (needs rsvg-convert, package librsvg2-bin).
 #
 #   scripts/make-icons.sh

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Takes the pictures in docs/images anew, each on a virtual display of its own, from what is built now.
 #
 #   scripts/make-pictures.sh

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """All mutants of a source in one program, for scripts/mutate.py: it is compiled once, and a variable of the environment
 says which mutant it is. That is many times faster than to compile and link each mutant for itself.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: Apache-2.0
 """The work behind scripts/mutate.sh, which see for how it is called.
 
 A mutant is the program with one small change in one place. For each, the changed source is compiled in a copy of the

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Tries how much the tests notice: changes the sources in one place at a time and looks whether a test fails.
 #
 #   scripts/mutate.sh [ROOM...] [OPTION...]     for example: scripts/mutate.sh crypto --sample 200
@@ -33,7 +34,7 @@ rooms=0
 for argument in "$@"; do
     case $argument in
         --help | -h)
-            sed -n '2,/^set -u/{/^#/s/^# \{0,1\}//p}' "${BASH_SOURCE[0]}"
+            sed -n '3,/^set -u/{/^#/s/^# \{0,1\}//p}' "${BASH_SOURCE[0]}"
             exit 0
             ;;
         --tree | --tree=*) needsWindows=no ;;

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Uses the program for long and says whether its memory grows or a handle gets lost.
 #
 #   scripts/soak.sh MINUTES [WORK]

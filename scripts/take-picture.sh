@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Runs a program on the present display until its window stands and is drawn, writes a picture of it and of the menus and
 # dialogs it has opened, closes the window as a user would and waits for the program to end. Ends with 0 when all of it
 # went well and the program ended with 0.

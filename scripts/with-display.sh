@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Runs a command on a virtual display of its own, with a window manager, and gives the command's exit status.
 #
 #   scripts/with-display.sh COMMAND [ARGUMENT...]

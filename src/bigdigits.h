@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Multiple-precision arithmetic on natural numbers: plain functions over arrays that the caller owns.
  *
  * CONVENTIONS

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The multiple-precision module beside OpenSSL, GMP, libtommath and a plain transcription of its own algorithms.
 // Names are <operation>/<size>/<who>; "ours" is the module.
 #include "plain.h"

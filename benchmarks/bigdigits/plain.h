@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The algorithms of the module, step by step and digit by digit as its header's sources describe them, without any
 // attempt at speed: what the module's speed is measured against.
 #ifndef COUNTERSIGN_BENCHMARKS_PLAIN_H

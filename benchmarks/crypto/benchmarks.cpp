@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts, keys and files: what the crypto toolkit takes for them, files beside the programs that merely read them.
 // Names are <operation>/<size>/<who>; "ours" is the toolkit.
 #include "crypto/crRSADigitalSigner.h"

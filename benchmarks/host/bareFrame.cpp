@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the main window is measured against: a frame of the same toolkit, with a menu bar and a status bar, and nothing
 // else. With an argument, without those.
 #include <wx/app.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The start of the main window beside a bare frame of the same toolkit: from the exec to the mapped window, and what
 // the processor has done by then and until the program rests. Needs a display of its own (scripts/with-display.sh).
 //

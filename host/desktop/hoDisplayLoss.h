@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A last call before the end, when the connection to the X server is lost: the session is over, the server has died, or
 // somebody has cut the window off. The toolkit then ends the process on the spot, with threads in the middle of their
 // work.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The signals by which the desktop, a shell or the machine asks a program to end (terminate, hang-up, interrupt), as a
 // call on the main thread, so that what is at work can be tidied up first.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The application on the session bus: the one running process owns the application's name and takes documents there,
 // from the desktop and from later starts of itself.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RSA keys from PEM files: private or public, PKCS#1 or PKCS#8, encrypted or not, as "openssl genrsa", "openssl rsa
 // -pubout" and "openssl rsa -RSAPublicKey_out" write them.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Signs and tests files with the folder's file signer, and knows what the signer does not tell: whether the file could
 // be read to its end and stayed the same meanwhile, how far the work has got, and whether it shall stop.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Signature files: one line with the signature's text, beside the signed file and with its name and ".sig".
 //
 // Nothing here throws or prints. Calls on different files may run on any threads.

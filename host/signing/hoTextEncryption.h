@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Encrypts and decrypts short texts with the string encryptor, and refuses what would not come back.
 //
 // Facts come back; the wording is up to the window and the command line. Nothing here throws or prints; safe from any

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The registry of assertion handlers, one for the process, and the entry through which failed assertions reach them.
 //
 // - The registry never owns a handler; whoever registers it unregisters it before destroying it.

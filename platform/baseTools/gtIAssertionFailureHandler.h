@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What wants to hear of failed assertions derives from this and registers itself: see
 // platform/baseTools/gtAssertionFailureHandlerRegistry.h.
 #ifndef GT_I_ASSERTION_FAILURE_HANDLER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A vector that owns the objects its pointers point to.
 //
 // - T is a pointer type, gtPtrVector<Thing*>; each object was made with new and is deleted through T, so a base class

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Narrow text that travels between the rooms.
 //
 // - A text is a run of bytes and its length; every byte value may occur in it, NUL included. No encoding is assumed.

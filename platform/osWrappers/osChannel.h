@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the bytes of a channel are treated.
 #ifndef OS_CHANNEL_H
 #define OS_CHANNEL_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads a regular file from its start to its end.
 //
 // - Small reads are cheap: they are served from a buffer of 256 KB, which larger ones go round.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A path to a file, kept and compared exactly as it was given: nothing is normalised, no case is folded, no encoding is
 // assumed, the file system is never asked.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The process and what stands around it: threads, editors, debuggers.
 #ifndef OS_PROCESS_H
 #define OS_PROCESS_H

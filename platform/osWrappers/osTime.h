@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A moment, to the second, and how it reads.
 //
 // Days follow the Gregorian calendar, seconds are counted as POSIX does it (every day has 86,400). Threads may read one

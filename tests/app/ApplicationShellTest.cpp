@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the application object does without the toolkit running.
 #include "app/ApplicationShell.h"
 

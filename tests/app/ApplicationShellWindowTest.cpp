@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the application object does with a real main window, and whole programs from main() on.
 #include "app/ApplicationShell.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Notes the failed assertions of a test, as long as it lives.
 #ifndef TESTS_APP_ASSERTION_RECORDER_H
 #define TESTS_APP_ASSERTION_RECORDER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "MainFrame.h"
 
 #include "platform/baseTools/gtString.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main window of this folder's tests: an empty window that notes what the application does with it, and fails on
 // demand.
 #ifndef TESTS_APP_MAIN_FRAME_H

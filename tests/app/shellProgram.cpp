@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the program of these tests does is its first argument:
 //
 //   run             tells about its handler and its arguments, and closes its window

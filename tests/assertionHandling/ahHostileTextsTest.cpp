@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The dialog with texts that nobody would write on purpose: it shows all of them, and is as easy to end as ever. Laid out
 // by the control's own means the longest would take many minutes, far beyond the test's patience.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Takes a picture of the assertion dialog on the present display, and ends.
 //
 //   picture_assertion_dialog PICTURE.png [FILE LINE REASON]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A digit array between two guards. It starts with rubbish in it, so that what a function forgets to write shows, and
 // complains when something was written outside of it.
 #ifndef COUNTERSIGN_TESTS_DIGITS_H

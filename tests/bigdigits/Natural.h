@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Natural numbers of the oracle, GMP, with just the operators that the tests need.
 #ifndef COUNTERSIGN_TESTS_NATURAL_H
 #define COUNTERSIGN_TESTS_NATURAL_H

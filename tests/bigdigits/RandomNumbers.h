@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Random operands that hurt. COUNTERSIGN_TEST_SEED takes a seed that a failure has printed.
 #ifndef COUNTERSIGN_TESTS_RANDOM_NUMBERS_H
 #define COUNTERSIGN_TESTS_RANDOM_NUMBERS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Digit arrays and basic arithmetic at the edges.
 #include "Digits.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fast forms of products and quotients against their plain forms, at every length and every alignment. The source is
 // included, since these are its private matters; so this program is built once for each way of building the module.
 #include "bigdigits.cpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Octets and text at the edges.
 #include "Digits.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every arithmetic function against GMP: at each length from 0 to 300 digits, and in a million random cases.
 #include "Digits.h"
 #include "RandomNumbers.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Prints one number that depends on every result of a long run of operations. Builds of the module with other
 // compilers and options must print the same. Needs nothing but the module, so that it builds where the tests do not.
 #include "bigdigits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Long division at the places where the estimate of a quotient digit is wrong.
 #include "Digits.h"
 #include "RandomNumbers.h"

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Everything in the header, called from C: the names must link as they stand. Run by a test in printing.cpp. */
 #include "bigdigits.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Allocation, clearing, and running out of memory.
 #include "Digits.h"
 #include "RandomNumbers.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds the module with other compilers and options, and compares what all of it computes with the plain way of
 # building it. A way that is not installed here is left out and named.
 #

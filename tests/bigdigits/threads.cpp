@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Several threads at once on shared operands.
 #include "Digits.h"
 

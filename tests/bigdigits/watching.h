@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the module asks of the run-time library, counted and steered. The linker sends calls of calloc, free, rand,
 // srand and time through here.
 #ifndef COUNTERSIGN_TESTS_WATCHING_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Help, manual page and completion tell of the same options, and the README's example does what it shows.
 #include <algorithm>
 #include <set>

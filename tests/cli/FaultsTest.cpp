@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every system call and every allocation of the program goes wrong in turn: it does its work all the same or says that
 // it did not, leaves no half file, and never calls good what is not.
 #include <cerrno>

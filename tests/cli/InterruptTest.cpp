@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program is asked to end at any moment of its work, again and again.
 //
 // COUNTERSIGN_SHUTDOWNS: how often (default 300). The moments are random; COUNTERSIGN_SEED repeats them.

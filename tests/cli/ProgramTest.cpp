@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program from outside: what it prints where, how it ends, and what it leaves on the disk.
 #include <algorithm>
 #include <csignal>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // After a key is used and gone, nothing of it stands anywhere in the process's memory: not in freed blocks, not in
 // libcrypto's, not on the stack.
 #include <memory>

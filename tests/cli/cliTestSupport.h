@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of this folder share.
 #ifndef COUNTERSIGN_TESTS_CLITESTSUPPORT_H
 #define COUNTERSIGN_TESTS_CLITESTSUPPORT_H

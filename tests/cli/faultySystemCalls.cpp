@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Stands between the program and the system, in a program for tests only. The environment says what goes wrong:
 //
 //   COUNTERSIGN_FAULT=<call>:<number>:<error>   the call of that name and number (from 1) fails with this error number;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The cipher is marked as deprecated in libcrypto 3; here it is wanted.
 #define OPENSSL_SUPPRESS_DEPRECATED
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every allocation that goes through operator new fails in turn, and what is given back is looked at for secrets.
 // (Memory of the arithmetic comes from calloc, and running out of it ends the process.)
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of this folder share: keys from elsewhere, a folder for files, and the cipher text as libcrypto's big
 // numbers make it.
 #ifndef COUNTERSIGN_TESTS_CRYPTOTESTSUPPORT_H

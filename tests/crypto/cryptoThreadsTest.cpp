@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One key, many threads: what the headers promise, for the thread sanitizer to look at.
 #include <string>
 #include <thread>

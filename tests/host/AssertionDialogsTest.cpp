@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Developer menu: the interactive handler in the silent one's place.
 #include "MainFrameFixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Developer > Assertion report, and what the interactive handler puts into it.
 #include "MainFrameFixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Assertions that fail on many threads while dialogs come and go, for the thread sanitizer to look at too. No window of
 // the host's is needed: the dialogs are the kit's.
 #include "host/hoAssertionReport.h"

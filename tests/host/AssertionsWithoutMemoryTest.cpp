@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Assertions that fail on threads that find no memory, while the window and the report stand open.
 #include "MainFrameFixture.h"
 

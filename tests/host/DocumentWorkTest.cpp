@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Signing and testing on the thread, and states that never outlive the bytes they were found with.
 #include "NewKey.h"
 #include "TemporaryFolder.h"

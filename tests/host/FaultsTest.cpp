@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every system call and every allocation of what the windows stand on goes wrong in turn: the work is done all the same or
 // is said not to be done, no half file is left, nothing is called good or bad that is not, and lists stay whole.
 #include "NewKey.h"

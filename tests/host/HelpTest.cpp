@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Help > Manual and Help > About.
 #include "MainFrameFixture.h"
 

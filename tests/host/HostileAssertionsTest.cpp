@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Assertions that fail faster than anybody can decide about them: the window stays usable, there is one dialog at a time,
 // and what was decided holds.
 #include "MainFrameFixture.h"

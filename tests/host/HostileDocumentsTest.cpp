@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Documents that nobody would make on purpose, and more of them than anybody needs: the window says what they are, shows
 // nothing that could deceive, and stays usable.
 #include "MainFrameFixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Starts the application with its real main window and ends it again, in a settings folder of the test's own.
 #ifndef COUNTERSIGN_TESTS_HOST_MAIN_FRAME_FIXTURE_H
 #define COUNTERSIGN_TESTS_HOST_MAIN_FRAME_FIXTURE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keys of a test's own, made by libcrypto.
 #ifndef COUNTERSIGN_TESTS_HOST_NEW_KEY_H
 #define COUNTERSIGN_TESTS_HOST_NEW_KEY_H

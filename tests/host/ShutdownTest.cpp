@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The end in the middle of work: the window goes while its worker signs or tests, and the program is asked to end by a
 // signal, again and again. No half signature and no temporary file is left behind, and nothing crashes or hangs.
 //

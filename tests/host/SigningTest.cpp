@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keys, signing and testing in the real window, by keys and mouse.
 #include "MainFrameFixture.h"
 #include "NewKey.h"

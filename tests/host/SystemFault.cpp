@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The toolkit's flags would make one name of two functions here.
 #undef _FILE_OFFSET_BITS
 #include "SystemFault.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Stands between the test program and the system. Add SystemFault.cpp to the sources of a test that exports its symbols.
 #ifndef COUNTERSIGN_TESTS_HOST_SYSTEM_FAULT_H
 #define COUNTERSIGN_TESTS_HOST_SYSTEM_FAULT_H

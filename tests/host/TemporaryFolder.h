@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A folder of a test's own, which goes away with everything in it.
 #ifndef COUNTERSIGN_TESTS_HOST_TEMPORARY_FOLDER_H
 #define COUNTERSIGN_TESTS_HOST_TEMPORARY_FOLDER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Key > Short texts, by keys and mouse.
 #include "MainFrameFixture.h"
 #include "NewKey.h"

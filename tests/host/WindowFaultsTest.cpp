@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the window says and leaves behind when the system fails it. That the engines under it come through every failing
 // call is FaultsTest.cpp's subject.
 #include "MainFrameFixture.h"

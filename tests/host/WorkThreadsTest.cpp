@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Works that are made, watched, cancelled and torn down at any moment, for the thread sanitizer to look at too.
 //
 // COUNTERSIGN_SHUTDOWNS: how many (default 1000). The moments are random; COUNTERSIGN_SEED repeats them.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Starts the real program with arguments that need care, in two locales, and looks at what it remembers of them.
 #
 #   arguments.sh SOURCE-FOLDER PROGRAM

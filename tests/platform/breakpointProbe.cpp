@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Raises the trap and says what it got to. Tests run it under a debugger and without one.
 //
 //   breakpointProbe [handler|noCore]

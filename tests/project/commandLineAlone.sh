@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds the command line alone, on a system that seems to have neither the window's toolkit nor what lies below it.
 #
 #   commandLineAlone.sh SOURCE-FOLDER

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs a build into a fresh folder and uses it as outside projects would.
 #
 #   consumers.sh findPackage|pkgConfig|subproject BUILD-FOLDER SOURCE-FOLDER

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Looks at built files for what makes errors in memory harder to use.
 #
 #   hardening.sh "FLAG..." COMPILE-COMMANDS FILE...

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Looks at what is installed and packaged.
 #
 #   installation.sh CASE BUILD-FOLDER SOURCE-FOLDER

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds the project with sanitizers, in a folder of its own, and runs its tests.
 #
 #   sanitized.sh asan|tsan SOURCE-FOLDER

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Tries the scripts that people start.
 #
 #   scripts.sh CASE SOURCE-FOLDER

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The judge of long runs, by runs that are made up.
 #include "skJudgement.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hours of use in minutes: files that change are signed and tested, by the command line and in the real window; assertion
 // dialogs come and are answered; documents and windows are opened and closed. Nothing may grow by it or be lost.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Says whether what a program uses has grown while it did the same things again and again.
 //
 // A memory has grown if the line through its samples rises by more than a bound for a thousand operations, and by more

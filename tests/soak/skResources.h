@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a process has of the machine at a moment: memory, handles, threads, windows.
 //
 // Linux only. Main thread, with the toolkit running and nothing else going on: what is counted is meant to be at rest.

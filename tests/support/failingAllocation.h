@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lets memory run out at a chosen moment, counts it, and looks at what is given back. Add failingAllocation.cpp to the
 // sources of a test, or link the target failingAllocation: it replaces the global operators new and delete of the whole
 // program, shared libraries included. What calls malloc itself goes its own way.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs programs from outside, as a shell would, for tests of what they print and of how they end.
 //
 // No shell is involved: arguments arrive as they are, whatever bytes they hold. A program that does not end in time

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Looks for secrets in all memory that the test's own process may write to: variables, stacks, blocks that are in use and
 // blocks that were given back.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs programs that are sent a signal in the middle of what they do.
 #ifndef TS_SIGNALLED_H
 #define TS_SIGNALLED_H

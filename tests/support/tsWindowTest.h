@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tools for tests that open real windows. Link windowTestSupport: it brings a main() that
 //
 // - runs the test program on a virtual display of its own, with a window manager (not for --gtest_list_tests);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An outside program on the installed package: encrypts a text, and passes a failed assertion through the kit's
 // handler. Prints what came out; the test compares it.
 #include <cstdio>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* An outside program in plain C that uses the multiple-precision module alone. */
 #include <stdio.h>
 

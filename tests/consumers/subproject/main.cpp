@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An outside program that has the sources as a subproject: prints the signature of an empty file under a key whose
 // exponent is 1, which is the digest's own layout.
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main window on a real session bus: requests of the desktop (gdbus) and second starts of the program end as
 // documents of the one window.
 #include "app/ApplicationShell.h"

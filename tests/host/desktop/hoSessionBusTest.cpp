@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // hoSessionBus on a real bus of its own: requests from a stranger (gdbus), from a second start, and no bus at all.
 #include "host/desktop/hoSessionBus.h"
 
