@@ -10,6 +10,7 @@
 
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
 #include "assertionHandling/ahTextConversion.h"
+#include "platform/baseTools/gtAssert.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "platform/baseTools/gtString.h"
 #include "platform/osWrappers/osProcess.h"
@@ -50,14 +51,10 @@ bool ApplicationShell::OnInit()
 {
     const unsigned int mainThreadId = osGetCurrentThreadId();
     _pAssertionFailureHandler = new (std::nothrow) ahDialogBasedAssertionFailureHandler(mainThreadId);
-    if (_pAssertionFailureHandler != nullptr)
+    if (GT_ASSERT_AT(_pAssertionFailureHandler != nullptr, "_pAssertionFailureHandler != __null", "OnInit", thisFile,
+                     handlerAssertionLine))
     {
         gtRegisterAssertionFailureHandler(_pAssertionFailureHandler);
-    }
-    else
-    {
-        gtTriggerAssertonFailureHandler("OnInit", thisFile, handlerAssertionLine,
-                                        "Assertion failure (_pAssertionFailureHandler != __null)");
     }
 
     _pMainFrame = new (std::nothrow) MainFrame;
@@ -101,10 +98,9 @@ void ApplicationShell::MacOpenFile(const wxString& fileName)
         _pMainFrame->openFilePath(ahPathBytesFromText(fileName), true);
         return;
     }
-    if (argc != 0 || argv)
+    if (!GT_ASSERT_AT(argc == 0 && !argv, "(argc == 0)&&(argv == __null)", "MacOpenFile", thisFile,
+                      argumentsAssertionLine))
     {
-        gtTriggerAssertonFailureHandler("MacOpenFile", thisFile, argumentsAssertionLine,
-                                        "Assertion failure ((argc == 0)&&(argv == __null))");
         return;
     }
     const wxWCharBuffer path = fileName.wc_str();
