@@ -55,7 +55,10 @@ case $case in
         ;;
 
     package)
-        command -v dpkg-shlibdeps >/dev/null || complain "dpkg-dev is not installed"
+        if ! command -v dpkg-shlibdeps >/dev/null || ! command -v file >/dev/null; then
+            echo "skipped: making a package takes the packages dpkg-dev and file"
+            exit 77
+        fi
         (cd "$build" && cpack -G DEB -B "$here/packages") >"$here/log" 2>&1 || complain "$(cat "$here/log")"
         package=$(find "$here/packages" -maxdepth 1 -name 'countersign_*.deb')
         [ -f "$package" ] || complain "no package was made: $(cat "$here/log")"

@@ -26,6 +26,50 @@ stand() {
     chmod +x "$here/bin/$1"
 }
 
+# A system of packages that lacks those given: a list of the missing, and stand-ins that read and change it. What stands
+# in the file "impossible" can be installed only by removing others, what stands in "broken" fails.
+packageSystem() {
+    printf '%s\n' "$@" >"$here/missing"
+    : >"$here/status"
+    stand dpkg 'echo amd64'
+    stand dpkg-query "for last; do :; done
+        if grep -qxF -- \"\$last\" '$here/missing'; then echo not-installed; else echo installed; fi"
+    stand id 'echo 0'
+    stand apt-get "echo \"\$@\" >>'$here/apt'
+        case \"\$*\" in *install*) ;; *) exit 0 ;; esac
+        for argument; do
+            grep -qxsF -- \"\$argument\" '$here/impossible' && exit 100
+        done
+        [ \"\$1\" != -s ] || exit 0
+        for argument; do
+            grep -qxsF -- \"\$argument\" '$here/broken' && exit 100
+        done
+        for argument; do
+            grep -vxF -- \"\$argument\" '$here/missing' >'$here/rest'
+            mv '$here/rest' '$here/missing'
+        done"
+    # A copy, because it keeps what it has found out beside the sources.
+    mkdir -p "$here/copy"
+    cp -r "$source/scripts" "$here/copy"
+}
+
+installDependencies() {
+    PATH=$here/bin:$PATH COUNTERSIGN_DPKG_STATUS=$here/status \
+        "$here/copy/scripts/install-dependencies.sh" "$1" </dev/null >"$here/output" 2>&1
+}
+
+# expectCalls [PATTERN...]: what apt-get was asked for, one call after the other.
+expectCalls() {
+    local call pattern
+    exec 3<"$(if [ -e "$here/apt" ]; then echo "$here/apt"; else echo /dev/null; fi)"
+    for pattern; do
+        read -r call <&3 || complain "apt-get was not called with: $pattern"
+        grep -qxE -- "$pattern" <<<"$call" || complain "apt-get was called with '$call', not with '$pattern'"
+    done
+    ! read -r call <&3 || complain "apt-get was also called with: $call"
+    exec 3<&-
+}
+
 case $case in
     failingStepIsNamed)
         bash -c '. "$1/scripts/lib.sh"; step "walking the dog" sh -c "echo it bites; exit 7"; echo went on' \
@@ -39,35 +83,67 @@ case $case in
         ;;
 
     installsOnlyWhatIsMissing)
-        stand dpkg-query 'for last; do :; done; case $last in gdb | xvfb) echo not-installed ;; *) echo installed ;; esac'
-        stand id 'echo 0'
-        stand apt-get "echo \"\$@\" >>'$here/apt'"
-        PATH=$here/bin:$PATH "$source/scripts/install-dependencies.sh" test >"$here/output" 2>&1 ||
-            complain "it failed"
-        grep -qE '^update$' "$here/apt" || complain "the package lists were not refreshed"
-        grep -qE ' install .* xvfb gdb$' "$here/apt" || complain "asked for: $(cat "$here/apt")"
+        packageSystem gdb xvfb
+        installDependencies test || complain "it failed"
+        expectCalls 'update' '-y --no-remove .* install xvfb gdb'
         expectLine '^countersign: installing missing packages: xvfb gdb$'
         ;;
 
     installsNothingWhenAllIsThere)
-        stand dpkg-query 'echo installed'
-        stand apt-get "touch '$here/called'"
-        PATH=$here/bin:$PATH "$source/scripts/install-dependencies.sh" develop >"$here/output" 2>&1 ||
-            complain "it failed"
-        [ ! -e "$here/called" ] || complain "apt-get was called"
+        packageSystem
+        installDependencies release || complain "it failed"
+        expectCalls
         [ ! -s "$here/output" ] || complain "it talked"
         ;;
 
-    saysWhenItMayNotInstall)
-        stand dpkg-query 'echo not-installed'
+    leavesOutWhatRemovesOthers)
+        packageSystem gdb clang mandoc shellcheck
+        printf 'mandoc\n' >"$here/impossible"
+        installDependencies develop || complain "it failed"
+        expectCalls update '-y --no-remove .* install gdb' '-s -y --no-remove .* install clang' \
+            '-s -y --no-remove .* install clang shellcheck' '-s -y --no-remove .* install clang shellcheck mandoc' \
+            '-y --no-remove .* install clang shellcheck'
+        expectLine '^countersign: left out, not to be had here without removing other packages: mandoc$'
+        # It is not asked for again before something changes.
+        rm "$here/apt"
+        installDependencies develop || complain "it failed the second time"
+        expectCalls
+        [ ! -s "$here/output" ] || complain "it talked the second time"
+        rm "$here/impossible"
+        touch -d '+1 minute' "$here/status"
+        installDependencies develop || complain "it failed the third time"
+        expectCalls update '-s -y --no-remove .* install mandoc' '-y --no-remove .* install mandoc'
+        ;;
+
+    goesOnWhenAnOptionalPackageFails)
+        packageSystem clang mandoc shellcheck
+        printf 'clang\n' >"$here/broken"
+        installDependencies develop || complain "it failed"
+        grep -qx shellcheck "$here/missing" && complain "shellcheck was not installed"
+        expectLine '^countersign: left out, not to be had here without removing other packages: clang$'
+        # One that is needed does not go without saying.
+        packageSystem gdb
+        printf 'gdb\n' >"$here/broken"
+        ! installDependencies develop || complain "it did not fail"
+        expectLine '^countersign: FAILED \(status 100\) while: installing missing packages: gdb$'
+        ;;
+
+    goesOnWithoutOptionalPackages)
+        packageSystem clang
         stand id 'echo 1000'
         stand sudo 'exit 1'
-        stand apt-get "touch '$here/called'"
-        if PATH=$here/bin:$PATH "$source/scripts/install-dependencies.sh" run </dev/null >"$here/output" 2>&1; then
-            complain "it did not fail"
-        fi
-        [ ! -e "$here/called" ] || complain "apt-get was called"
-        expectLine 'these packages are missing: .*libwxgtk3.2-dev'
+        installDependencies test || complain "it failed"
+        expectCalls
+        expectLine '^countersign: left out, as it takes root or sudo to install them: clang$'
+        ;;
+
+    saysWhenItMayNotInstall)
+        packageSystem clang libwxgtk3.2-dev
+        stand id 'echo 1000'
+        stand sudo 'exit 1'
+        ! installDependencies run || complain "it did not fail"
+        expectCalls
+        expectLine 'these packages are missing: libwxgtk3.2-dev$'
         expectLine 'FAILED: installing packages: it takes root or sudo'
         ;;
 
@@ -78,6 +154,10 @@ case $case in
         ;;
 
     mutantsAreTried)
+        if ! /usr/bin/python3 -c 'import clang.cindex' 2>/dev/null; then
+            echo "skipped: the mutants' tool takes the package python3-clang"
+            exit 77
+        fi
         # One bound of the little project is not tested, reading too much shows only to the address sanitizer, and what
         # becomes of parts of size 0 goes when the compiler optimises.
         "$source/scripts/mutate.sh" numbers --tree "$source/tests/project/mutation" --work "$here/work" \
