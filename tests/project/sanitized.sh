@@ -64,8 +64,8 @@ runOne() {
 }
 export -f runOne
 if [ "$preset" = tsan ]; then
-    work=Signing.SignsAndTestsByKeys:Signing.ShowsProgress*:Signing.SurvivesTheWindowsEnd:Signing.MakesKeyPairs*
-    assertions=AssertionThreads.*:MainThreadCall.*:HostileAssertions.*:AssertionReportWindow.HoldsWhatFails*
+    work="Signing.SignsAndTestsByKeys:Signing.ShowsProgress*:Signing.SurvivesTheWindowsEnd:Signing.MakesKeyPairs*"
+    assertions="AssertionThreads.*:MainThreadCall.*:HostileAssertions.*:AssertionReportWindow.HoldsWhatFails*"
     export GTEST_FILTER=$work:Shutdown.OfTheWindowWhileItWorks:$assertions
 fi
 xargs -r -n 1 -P 2 bash -c 'runOne "$0"' <<<"$programs" || status=1
