@@ -9,12 +9,12 @@ function(countersign_target target)
         CXX_EXTENSIONS OFF
         C_STANDARD 99
         C_EXTENSIONS OFF
-        POSITION_INDEPENDENT_CODE ON)
+        POSITION_INDEPENDENT_CODE ON
+        COMPILE_WARNING_AS_ERROR ${COUNTERSIGN_WERROR})
     target_compile_options(${target} PRIVATE
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wformat=2 -Wundef
         -Wcast-qual -Wcast-align -Wnull-dereference
         $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Wzero-as-null-pointer-constant>
-        -Werror
         # clang finds fault with what is meant: style words of different enumerations, a count that a lambda takes down.
         $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-enum-enum-conversion -Wno-for-loop-analysis>)
     countersign_harden(${target})
