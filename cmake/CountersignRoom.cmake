@@ -30,9 +30,11 @@ function(countersign_target target)
     endif()
 endfunction()
 
-# countersign_room(<target>): for a room's library. The include roots are the repository's root and src/,
-# in the build tree as in the installed one, and the target gets its alias countersign::<target>.
-function(countersign_room target)
+# countersign_room(<room>): for a room's library, whose target is countersign_<room>: targets of projects that include
+# this one may not collide. Everybody links its alias countersign::<room>, which is its name in the installed package, too.
+# The include roots are the repository's root and src/, in the build tree as in the installed one.
+function(countersign_room room)
+    set(target countersign_${room})
     countersign_target(${target})
     target_include_directories(${target} PUBLIC
         $<BUILD_INTERFACE:${countersign_SOURCE_DIR}>
@@ -40,12 +42,13 @@ function(countersign_room target)
         $<BUILD_INTERFACE:${countersign_BINARY_DIR}/generated>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/countersign>)
     target_compile_features(${target} PUBLIC cxx_std_17)
-    add_library(countersign::${target} ALIAS ${target})
-    # The archives share a folder with other people's once they are installed: libcrypto.a, for one, is taken.
-    get_target_property(type ${target} TYPE)
-    if(type STREQUAL "STATIC_LIBRARY")
-        set_target_properties(${target} PROPERTIES OUTPUT_NAME "countersign-${target}")
-    endif()
+    add_library(countersign::${room} ALIAS ${target})
+    # They share a folder with other people's once they are installed: libcrypto.a, for one, is taken.
+    set_target_properties(${target} PROPERTIES
+        EXPORT_NAME ${room}
+        OUTPUT_NAME "countersign-${room}"
+        VERSION ${countersign_VERSION}
+        SOVERSION ${countersignAbiVersion})
 endfunction()
 
 configure_file("${CMAKE_CURRENT_LIST_DIR}/countersignVersion.h.in"

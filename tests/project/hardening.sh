@@ -49,8 +49,8 @@ lookAtLoaded() {
     refuse "$name" "has memory that is both written to and run" '^ *(LOAD|GNU_STACK) .* RWE ' "$segments"
     expect "$name" "does not say that its stack holds no code" '^ *GNU_STACK .* RW ' "$segments"
     # A folder of this machine could be anybody's on another one.
-    refuse "$name" "looks for libraries elsewhere than beside itself" 'PATH' \
-        "$(grep -E '\((RPATH|RUNPATH)\)' <<<"$dynamic" | grep -vE '\[\$ORIGIN\]$')"
+    refuse "$name" "looks for libraries elsewhere than relative to itself" '(\[|:)([^$]|$)|:]' \
+        "$(sed -n -E 's/^.*\((RPATH|RUNPATH)\).*(\[.*\])$/\2/p' <<<"$dynamic")"
     has -Wl,-z,relro && expect "$name" "keeps the loader's tables writable" '^ *GNU_RELRO ' "$segments"
     has -Wl,-z,now && expect "$name" "has functions looked up while it runs" 'BIND_NOW|FLAGS_1.*NOW' "$dynamic"
     if has -Wl,-z,separate-code; then

@@ -14,43 +14,45 @@ complain() {
     exit 1
 }
 
-# The two libraries beside a program, found relative to it wherever the folder is moved.
-expectSideBySide() {
-    local folder=$1 program library
+version=$(sed -n 's/^ *VERSION \([0-9.]*\)$/\1/p' "$source/CMakeLists.txt" | head -n 1)
+abi=$(sed -n 's/^set(countersignAbiVersion \([0-9]*\))$/\1/p' "$source/CMakeLists.txt")
+
+# expectProgramsFindLibraries PROGRAMS-FOLDER LIBRARIES-FOLDER: the two libraries with their versions, and programs that
+# find them relative to themselves, wherever the folders are moved together.
+expectProgramsFindLibraries() {
+    local programs=$1 libraries=$2 program library
     for library in libKXBaseTools.so libKXOSWrappers.so; do
-        [ -f "$folder/$library" ] || complain "$library does not lie in $folder"
+        [ -f "$libraries/$library.$version" ] || complain "$library.$version does not lie in $libraries"
+        readelf -d "$libraries/$library" | grep -qF "Library soname: [$library.$abi]" ||
+            complain "the name in $library: $(readelf -d "$libraries/$library" | grep -F SONAME)"
     done
     for program in countersign countersign-desktop; do
-        [ -x "$folder/$program" ] || complain "$program does not lie in $folder"
-        readelf -d "$folder/$program" | grep -qE 'R(UN)?PATH.*\[\$ORIGIN\]$' ||
-            complain "the run path of $program: $(readelf -d "$folder/$program" | grep -E 'PATH')"
-        for library in libKXBaseTools.so libKXOSWrappers.so; do
-            [ "$(ldd "$folder/$program" | sed -n "s/^[[:space:]]*$library => \(.*\) (0x.*/\1/p")" = "$folder/$library" ] ||
-                complain "$program finds another $library: $(ldd "$folder/$program" | grep KX)"
+        [ -x "$programs/$program" ] || complain "$program does not lie in $programs"
+        ! readelf -d "$programs/$program" | grep -E 'R(UN)?PATH.*(\[|:)/' ||
+            complain "$program looks for libraries in a folder of this machine"
+        for library in "libKXBaseTools.so.$abi" "libKXOSWrappers.so.$abi"; do
+            found=$(ldd "$programs/$program" | sed -n "s/^[[:space:]]*$library => \(.*\) (0x.*/\1/p")
+            [ "$found" -ef "$libraries/$library" ] || complain "$program finds $library in '$found'"
         done
     done
 }
 
-version=$(sed -n 's/^ *VERSION \([0-9.]*\)$/\1/p' "$source/CMakeLists.txt" | head -n 1)
-
 case $case in
     buildTree)
-        expectSideBySide "$build/bin"
+        expectProgramsFindLibraries "$build/bin" "$build/bin"
         ;;
 
     installed)
         cmake --install "$build" --prefix "$here/one" >"$here/log" || complain "$(cat "$here/log")"
         mv "$here/one" "$here/another place"
-        expectSideBySide "$here/another place/lib/countersign"
-        for program in countersign countersign-desktop; do
-            [ -L "$here/another place/bin/$program" ] || complain "bin/$program is not there"
-        done
+        libraries=$(find "$here/another place" -name "libKXBaseTools.so.$abi" -printf '%h')
+        expectProgramsFindLibraries "$here/another place/bin" "$libraries"
         said=$("$here/another place/bin/countersign" --version) || complain "the installed program does not run"
         case $said in
             *"$version"*) ;;
             *) complain "the installed program says '$said', not version $version" ;;
         esac
-        ! grep -rlF "$source" "$here/another place/lib/cmake" "$here/another place/lib/pkgconfig" ||
+        ! grep -rlF "$source" "$libraries/cmake" "$libraries/pkgconfig" ||
             complain "the installed package points back into the sources"
         ;;
 
@@ -72,8 +74,8 @@ case $case in
         ! grep -E '^ Depends:' "$here/info" | grep -qE -- '-dev|libgtest|libgmp' || complain "it depends on too much"
         grep -qE "^ Version: $version\$" "$here/info" || complain "another version: $(cat "$here/info")"
 
-        for file in bin/countersign bin/countersign-desktop lib/countersign/countersign-desktop \
-            lib/countersign/libKXBaseTools.so lib/countersign/libKXOSWrappers.so \
+        for file in bin/countersign bin/countersign-desktop 'lib.*/libKXBaseTools\.so' "lib.*/libKXBaseTools\.so\.$abi" \
+            "lib.*/libKXOSWrappers\.so\.$version" \
             share/applications/org.countersign.Countersign.desktop \
             share/metainfo/org.countersign.Countersign.metainfo.xml \
             share/dbus-1/services/org.countersign.Countersign.service \
