@@ -29,6 +29,29 @@ int hexadecimalValue(char character)
     return -1;
 }
 
+// What the function isspace says of it in the C locale.
+bool isBlank(char character)
+{
+    return (character == ' ') || ((character >= '\t') && (character <= '\r'));
+}
+
+// At most so many characters.
+unsigned int readDigit(const char* pCharacters, int amountOfCharacters)
+{
+    unsigned int digit = 0;
+    for (int i = 0; i < amountOfCharacters; i++)
+    {
+        const bool isPrefix = (i == 1) && (digit == 0) && ((pCharacters[i] == 'x') || (pCharacters[i] == 'X'));
+        const int value = isPrefix ? 0 : hexadecimalValue(pCharacters[i]);
+        if (value < 0)
+        {
+            break;
+        }
+        digit = (digit << 4) | static_cast<unsigned int>(value);
+    }
+    return digit;
+}
+
 }  // namespace
 
 void crWipe(void* pBytes, std::size_t amountOfBytes)
@@ -66,20 +89,28 @@ void crReleaseDigits(unsigned int* pDigits, int amount)
     delete[] pDigits;
 }
 
+bool crBeginsWithDigit(const char* pCharacters)
+{
+    return hexadecimalValue(*pCharacters) >= 0;
+}
+
 unsigned int crReadDigit(const char* pCharacters)
 {
-    unsigned int digit = 0;
-    for (int i = 0; i < crCharactersPerDigit; i++)
+    return readDigit(pCharacters, crCharactersPerDigit);
+}
+
+unsigned int crScanDigit(const char* pCharacters)
+{
+    int taken = 0;
+    while ((taken < crCharactersPerDigit) && isBlank(pCharacters[taken]))
     {
-        const bool isPrefix = (i == 1) && (digit == 0) && ((pCharacters[i] == 'x') || (pCharacters[i] == 'X'));
-        const int value = isPrefix ? 0 : hexadecimalValue(pCharacters[i]);
-        if (value < 0)
-        {
-            break;
-        }
-        digit = (digit << 4) | static_cast<unsigned int>(value);
+        taken++;
     }
-    return digit;
+    const bool hasMinus = (taken < crCharactersPerDigit) && (pCharacters[taken] == '-');
+    const bool hasPlus = (taken < crCharactersPerDigit) && (pCharacters[taken] == '+');
+    taken += (hasMinus || hasPlus) ? 1 : 0;
+    const unsigned int digit = readDigit(pCharacters + taken, crCharactersPerDigit - taken);
+    return hasMinus ? 0U - digit : digit;
 }
 
 void crAppendDigits(gtString& text, const unsigned int* pDigits, int amount)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the classes of this folder share below their own level: digit arrays from the allocator, the fixed-width
-// hexadecimal form of a digit, and the wiping of what was secret. Not meant for code outside this folder, save for
-// crWipe.
+// What the classes of this folder share below their own level, and code that works with their keys and cipher texts
+// needs, too: digit arrays from the allocator, the fixed-width hexadecimal form of a digit, and the wiping of what was
+// secret.
 //
 // A digit is 32 bits wide and has eight hexadecimal characters. No function here throws, logs or keeps a pointer, and
 // all may be called from any thread.
@@ -29,10 +29,18 @@ unsigned int* crAllocateDigits(int amount);
 // Wipes an array of crAllocateDigits and gives it back; the amount is the one that it was made with. Null is welcome.
 void crReleaseDigits(unsigned int* pDigits, int amount);
 
+// Whether the first character is a hexadecimal one, so that crReadDigit finds a number.
+bool crBeginsWithDigit(const char* pCharacters);
+
 // Reads one digit as sscanf reads "%8x" from a text of its own: at most eight characters of either case, with an optional
 // 0x that counts among the eight; the first character that does not belong, such as the NUL behind a text, ends it and is
 // the last that is looked at. 0 when the first character is not a hexadecimal one: blanks and signs are not skipped.
 unsigned int crReadDigit(const char* pCharacters);
+
+// The same with all that sscanf allows in front of the number: blanks (also tabs and the ends of lines), then one sign.
+// They count among the eight characters, so what follows these is never drawn in. A minus gives the number's complement
+// ("-0000001" is 0xffffffff). 0 where there is no number.
+unsigned int crScanDigit(const char* pCharacters);
 
 // Appends the digits in ascending order, the lowest first, each as "%08x". An amount below 1 appends nothing. Room for
 // all of them is made first, so that the text does not grow with some of them in it. The characters pass through a buffer

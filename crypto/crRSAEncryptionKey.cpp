@@ -20,9 +20,9 @@ bool hasLengthForDigits(const gtString& hex, int count)
 
 crRSAEncryptionKey::crRSAEncryptionKey()
     : _pProductDigits(nullptr),
-      _amountOfProductDigits(0),
+      _amountOfProductBits(0),
       _pNumberDigits(nullptr),
-      _amountOfNumberDigits(0),
+      _amountOfNumberBits(0),
       _amountOfAllocatedDigits(0)
 {
 }
@@ -38,14 +38,24 @@ int crRSAEncryptionKey::amountOfBitsPerDigit() const
     return bitsPerDigit;
 }
 
+int crRSAEncryptionKey::amountOfProductBits() const
+{
+    return _amountOfProductBits;
+}
+
+int crRSAEncryptionKey::amountOfNumberBits() const
+{
+    return _amountOfNumberBits;
+}
+
 int crRSAEncryptionKey::amountOfProductDigits() const
 {
-    return _amountOfProductDigits;
+    return _amountOfProductBits / bitsPerDigit;
 }
 
 int crRSAEncryptionKey::amountOfNumberDigits() const
 {
-    return _amountOfNumberDigits;
+    return _amountOfNumberBits / bitsPerDigit;
 }
 
 const unsigned int* crRSAEncryptionKey::productDigits() const
@@ -79,7 +89,10 @@ bool crRSAEncryptionKey::readDigitsFromHexString(unsigned int* digits, int count
     const char* pCharacters = hex.asCharArray();
     for (int i = 0; i < count; i++)
     {
-        digits[count - 1 - i] = crReadDigit(pCharacters);
+        if (crBeginsWithDigit(pCharacters))
+        {
+            digits[count - 1 - i] = crReadDigit(pCharacters);
+        }
         pCharacters += crCharactersPerDigit;
     }
     return true;
@@ -88,8 +101,8 @@ bool crRSAEncryptionKey::readDigitsFromHexString(unsigned int* digits, int count
 bool crRSAEncryptionKey::setKeyFromStrings(int productBits, const gtString& product, int numberBits,
                                            const gtString& number)
 {
-    _amountOfProductDigits = productBits / bitsPerDigit;
-    _amountOfNumberDigits = numberBits / bitsPerDigit;
+    _amountOfProductBits = productBits;
+    _amountOfNumberBits = numberBits;
     if ((productBits % bitsPerDigit != 0) || (numberBits % bitsPerDigit != 0) || (numberBits > productBits))
     {
         return false;
@@ -105,8 +118,8 @@ bool crRSAEncryptionKey::setKeyFromStrings(int productBits, const gtString& prod
 
 bool crRSAEncryptionKey::setKeyFromStringAndFermatPrime(int bits, const gtString& product, unsigned int fermatPrime)
 {
-    _amountOfProductDigits = bits / bitsPerDigit;
-    _amountOfNumberDigits = _amountOfProductDigits;
+    _amountOfProductBits = bits;
+    _amountOfNumberBits = bits;
     if ((bits % bitsPerDigit != 0) || !allocateArrays())
     {
         return false;

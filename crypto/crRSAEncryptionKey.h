@@ -9,7 +9,8 @@
 // CONVENTIONS
 //
 // Digits.   Both numbers are arrays of 32-bit digits, the least significant first.
-// Bits.     Sizes are counted in bits and must be multiples of 32; every other count is refused.
+// Bits.     Sizes are counted in bits and must be multiples of 32; every other count is refused. The key keeps the two
+//           counts as they were last given to a set operation, whether it took them or not.
 // Text.     Eight hexadecimal characters a digit, either case, the most significant digit first, nothing before,
 //           between or behind: a number of 1024 bits has exactly 256 characters.
 // Failure.  A bool, and nothing else: nothing is thrown or logged.
@@ -37,8 +38,11 @@ public:
     // 32.
     int amountOfBitsPerDigit() const;
 
-    // The bit counts as last given to a set operation, whether it succeeded or not, divided by 32 and rounded towards
-    // zero.
+    // The bit counts as they were given, 0 before that. setKeyFromStringAndFermatPrime sets both to its one.
+    int amountOfProductBits() const;
+    int amountOfNumberBits() const;
+
+    // The bit counts divided by 32 and rounded towards zero: 31 after a refused count of 1000, 0 after one of -31.
     int amountOfProductDigits() const;
     int amountOfNumberDigits() const;
 
@@ -53,8 +57,10 @@ public:
 
     // Reads count digits from text of exactly 8 * count characters; with any other length (so with every count below 0)
     // the array is left alone and the result is false. A count of 0 takes the empty text and is true.
-    // Each group of eight characters is read by itself, up to the first character that is not hexadecimal; a group that
-    // does not begin with a hexadecimal character gives 0. A group may begin with 0x, as with sscanf.
+    // Each group of eight characters is read by itself, up to the first character that is not hexadecimal. It may begin
+    // with 0x, as with sscanf, but not with a blank or a sign. A GROUP THAT DOES NOT BEGIN WITH A HEXADECIMAL CHARACTER
+    // LEAVES ITS DIGIT AS IT IS, and the result is true all the same. (The set operations read into arrays of zeros, so
+    // such a digit of a key is 0.)
     bool readDigitsFromHexString(unsigned int* digits, int count, const gtString& hex) const;
 
     // Loads a modulus and an exponent. False
@@ -74,9 +80,9 @@ private:
     bool allocateArrays();
 
     unsigned int* _pProductDigits;
-    int _amountOfProductDigits;
+    int _amountOfProductBits;
     unsigned int* _pNumberDigits;
-    int _amountOfNumberDigits;
+    int _amountOfNumberBits;
     int _amountOfAllocatedDigits;  // of each array
 };
 

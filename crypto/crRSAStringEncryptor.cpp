@@ -2,6 +2,7 @@
 #include "crypto/crRSAStringEncryptor.h"
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstring>
 #include <new>
@@ -22,7 +23,9 @@ namespace
 constexpr int bytesPerDigit = 4;
 constexpr unsigned char marker = 0x01;
 constexpr unsigned char filler = 0x64;
-constexpr int maximalAmountOfDigits = crRSAStringEncryptor::maximalAmountOfBytes / bytesPerDigit;
+constexpr int longestText = INT_MAX;
+constexpr int maximalAmountOfCipherDigits = longestText / crCharactersPerDigit - 1;
+constexpr int maximalAmountOfClaimedDigits = crRSAStringEncryptor::maximalAmountOfClaimedBytes / bytesPerDigit;
 
 // Lays the text out in the buffer, as far as it fits.
 void layOutText(unsigned char* pBuffer, int amountOfBytes, int bytesPerBlock, const char* pText, int lengthOfText)
@@ -40,11 +43,22 @@ void layOutText(unsigned char* pBuffer, int amountOfBytes, int bytesPerBlock, co
     std::memset(pBuffer + j, filler, static_cast<std::size_t>(amountOfBytes - j));
 }
 
-// Whether there was memory for it.
-bool hasAppended(gtString& output, const char* pText, int lengthOfText)
+// Appends to a text that has room for so many bytes, and makes more room if need be. A text that grows by itself would
+// give its memory back with the plain text in it. Returns whether there was memory.
+bool hasAppended(gtString& output, int& room, const char* pText, int lengthOfText)
 {
     try
     {
+        const int wanted = output.length() + lengthOfText;
+        if (wanted > room)
+        {
+            room = std::max(wanted, (room <= longestText / 2) ? 2 * room : longestText);
+            gtString larger;
+            larger.reserve(room);
+            larger.append(output);
+            crWipe(output);
+            output = std::move(larger);
+        }
         output.append(pText, lengthOfText);
     }
     catch (const std::bad_alloc&)
@@ -84,7 +98,7 @@ bool crRSAStringEncryptor::encrypt(gtString const& text, gtString& output) const
     }
     const int lengthOfText = text.length();
     const int amountOfDigits = amountOfDigitsForHoldingText(lengthOfText);
-    if (amountOfDigits > maximalAmountOfDigits)
+    if (amountOfDigits > maximalAmountOfCipherDigits)
     {
         return false;
     }
@@ -124,10 +138,11 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output)
     return decrypt(cipherText, output, isShortOfMemory);
 }
 
-bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output, bool& isShortOfMemory) const
+bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output, bool& isShortOfMemory,
+                                   int enough) const
 {
     isShortOfMemory = false;
-    output.makeEmpty();
+    crWipe(output);
     if (cipherText.length() < crCharactersPerDigit)
     {
         return false;
@@ -136,12 +151,20 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output,
     {
         return true;
     }
-    const int lengthOfText = static_cast<int>(crReadDigit(cipherText.asCharArray()));
+    const int lengthOfText = static_cast<int>(crScanDigit(cipherText.asCharArray()));
     const int amountOfDigits = amountOfDigitsForHoldingText(lengthOfText);
-    // The limit keeps the digit for the NUL byte within range, too. What is below zero is far above it, without a sign.
-    if (static_cast<unsigned int>(amountOfDigits) >= static_cast<unsigned int>(maximalAmountOfDigits))
+    if (amountOfDigits < 0)
     {
         return true;
+    }
+    int longestOutput = longestText;
+    if (amountOfDigits > cipherText.length() / crCharactersPerDigit - 1)
+    {
+        if (amountOfDigits >= maximalAmountOfClaimedDigits)
+        {
+            return true;
+        }
+        longestOutput = maximalAmountOfClaimedBytes;
     }
     crTemporaryDigits plain(amountOfDigits + 1);
     crTemporaryDigits cipher(amountOfDigits);
@@ -154,11 +177,12 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output,
     {
         // The text's end is a digit of zero.
         const int position = std::min((1 + i) * crCharactersPerDigit, cipherText.length());
-        cipher.digits()[i] = crReadDigit(cipherText.asCharArray() + position);
+        cipher.digits()[i] = crScanDigit(cipherText.asCharArray() + position);
     }
 
     const int digitsPerBlock = _key.amountOfProductDigits();
     char* pPlainText = reinterpret_cast<char*>(plain.digits());
+    int room = 0;
     for (int i = 0; i < amountOfDigits; i += digitsPerBlock)
     {
         transformBlock(plain.digits() + i, cipher.digits() + i);
@@ -166,11 +190,15 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output,
         // with the extra digit at the latest, which is zero.
         pPlainText[1 + std::min(lengthOfText, amountOfDigits * bytesPerDigit)] = '\0';
         const auto length = static_cast<int>(std::strlen(pPlainText + 1));
-        const bool isWithinLimit = length <= maximalAmountOfBytes - output.length();
-        isShortOfMemory = isWithinLimit && !hasAppended(output, pPlainText + 1, length);
+        const bool isWithinLimit = length <= longestOutput - output.length();
+        isShortOfMemory = isWithinLimit && !hasAppended(output, room, pPlainText + 1, length);
         if (!isWithinLimit || isShortOfMemory)
         {
-            output.makeEmpty();
+            crWipe(output);
+            return true;
+        }
+        if (output.length() > enough)
+        {
             return true;
         }
     }

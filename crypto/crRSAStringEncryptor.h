@@ -17,14 +17,19 @@
 //              that the block's number is below the product (always so when the product's top bit is set and the text's
 //              last byte is below 0x80). LONGER TEXTS DO NOT COME BACK: decrypt appends the text as far as it has got
 //              once a block.
-// Limit.       A buffer or an output of more than maximalAmountOfBytes counts as one for which there is no memory.
+// Limits.      A text holds INT_MAX bytes: a longer cipher text (of some 1,000 million bytes of text) or output counts as
+//              one for which there is no memory. A cipher text that does not carry all the digits that its length asks
+//              for is not believed beyond maximalAmountOfClaimedBytes.
 // The key.     Is kept by reference and must outlive the encryptor. With one that is not usable (isUsable()), no block
 //              can be computed, which counts as a buffer for which there is no memory.
 // Threads.     The operations only read the key: any number may run at once, also on one encryptor.
-// Memory.      Everything is released before an operation returns; what held plain text is overwritten with zeros.
+// Memory.      Everything is released before an operation returns; what held plain text is overwritten with zeros, also
+//              memory that the output leaves when it grows.
 //              Running out of memory inside the arithmetic ends the process (mpAlloc). Nothing is thrown from here.
 #ifndef COUNTERSIGN_CRYPTO_CRRSASTRINGENCRYPTOR_H
 #define COUNTERSIGN_CRYPTO_CRRSASTRINGENCRYPTOR_H
+
+#include <climits>
 
 class crRSAEncryptionKey;
 class gtString;
@@ -32,8 +37,8 @@ class gtString;
 class crRSAStringEncryptor
 {
 public:
-    // 64 MiB, for each of the buffers and for the output of decrypt.
-    static constexpr int maximalAmountOfBytes = 64 * 1024 * 1024;
+    // 64 MiB, for each of the buffers and for the output of decrypt where digits are missing.
+    static constexpr int maximalAmountOfClaimedBytes = 64 * 1024 * 1024;
 
     explicit crRSAStringEncryptor(crRSAEncryptionKey const& key);
     ~crRSAStringEncryptor() = default;
@@ -51,16 +56,20 @@ public:
 
     // The length at the front decides on the layout, but not on more: digits that the cipher text does not carry are
     // zero, characters behind those asked for are not looked at, and the length passes through an int (ffffffff is -1,
-    // which gives an empty text). Each digit is read as crRSAEncryptionKey reads its groups. After each block, the
-    // buffer from byte 1 up to its first NUL byte is appended to the output.
+    // which gives an empty text).
+    // LENGTH AND DIGITS ARE READ AS SSCANF READS "%8x" from eight characters: "       3", "+0000003" and "0x000003" are 3,
+    // "-0000003" is -3, and what is no number is 0.
+    // After each block, the buffer from byte 1 up to its first NUL byte is appended to the output.
     // False only for a cipher text of fewer than eight characters; the output is empty then. TRUE SAYS NOTHING ABOUT
     // THE TEXT: a damaged cipher text or a wrong key gives whatever the arithmetic gives, and no memory gives an empty
-    // output. output must not be cipherText itself, which would be emptied before it is read.
+    // output. What output held is overwritten. output must not be cipherText itself, which would be emptied before it is
+    // read.
     bool decrypt(gtString const& cipherText, gtString& output) const;
 
     // The same for those who must know: isShortOfMemory tells whether the output is empty for want of memory, and so says
-    // nothing about the cipher text. (The limit and a key that is not usable do not count here.)
-    bool decrypt(gtString const& cipherText, gtString& output, bool& isShortOfMemory) const;
+    // nothing about the cipher text. (The limits and a key that is not usable do not count here.) As soon as the
+    // output has more than enough bytes, no further block is computed: for those who know how long the text must be.
+    bool decrypt(gtString const& cipherText, gtString& output, bool& isShortOfMemory, int enough = INT_MAX) const;
 
 private:
     void transformBlock(unsigned int* pResult, const unsigned int* pBlock) const;

@@ -100,7 +100,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     gtString plain("left over");
     const bool isDecrypted = encryptor.decrypt(gtString(toDecrypt.data(), static_cast<int>(toDecrypt.size())), plain);
     FUZZ_CHECK(isDecrypted == (text.size() >= 8));
-    FUZZ_CHECK(plain.length() <= crRSAStringEncryptor::maximalAmountOfBytes);
+    FUZZ_CHECK(plain.length() <= crRSAStringEncryptor::maximalAmountOfClaimedBytes);
 
     gtString cipher("kept");
     if (!encryptor.encrypt(given, cipher))

@@ -55,6 +55,79 @@ TEST(Digits, OfAnyBytesAreReadAsSscanfReadsThem)
     }
 }
 
+TEST(Digits, AreScannedAsSscanfScansThem)
+{
+    const char* groups[] = {"00000003",
+                            "       3",
+                            "-0000003",
+                            "+0000003",
+                            " -3",
+                            "- 3",
+                            "-",
+                            "+",
+                            "",
+                            "        ",
+                            "        3",
+                            "-ffffffff",
+                            "-0x1",
+                            "0x",
+                            "-0x",
+                            "0xg",
+                            "+-3",
+                            "-+3",
+                            "--3",
+                            "\t\n\v\f\r 3",
+                            "\x0e"
+                            "3",
+                            "\x08"
+                            "3",
+                            "\xa0"
+                            "3",
+                            "\x85"
+                            "3",
+                            "       -3",
+                            "      -3",
+                            "x3",
+                            "g",
+                            "!3",
+                            "#3"};
+    for (const char* pGroup : groups)
+    {
+        const std::string group = std::string(pGroup).substr(0, 8);
+        unsigned int expected = 0;
+        // NOLINTNEXTLINE(cert-err34-c): how sscanf converts is what this looks at
+        if (std::sscanf(group.c_str(), "%8x", &expected) != 1)
+        {
+            expected = 0;
+        }
+        EXPECT_EQ(crScanDigit(pGroup), expected) << pGroup;
+    }
+    const std::string characters = "0123456789abcdefABCDEFxX   --++\t\ng\377";
+    for (unsigned int seed = 0; seed < 30000; seed++)
+    {
+        std::string group = scrambledBytes(8, seed);
+        for (char& character : group)
+        {
+            character = characters[static_cast<unsigned char>(character) % characters.size()];
+        }
+        unsigned int expected = 0;
+        // NOLINTNEXTLINE(cert-err34-c)
+        if (std::sscanf(group.c_str(), "%8x", &expected) != 1)
+        {
+            expected = 0;
+        }
+        // Not what follows the eight characters.
+        ASSERT_EQ(crScanDigit((group + "1").c_str()), expected) << group;
+        ASSERT_EQ(crBeginsWithDigit(group.c_str()), std::isxdigit(static_cast<unsigned char>(group[0])) != 0);
+    }
+    // Nor is it looked at, which the address sanitizer watches.
+    for (const char* pGroup : {"        ", "       -", "       +", "      -1", "12345678"})
+    {
+        const std::vector<char> eight(pGroup, pGroup + 8);
+        crScanDigit(eight.data());
+    }
+}
+
 TEST(Digits, EndWithWhatIsAvailable)
 {
     EXPECT_EQ(crReadDigit("123"), 0x123U);

@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <type_traits>
 
@@ -338,6 +339,30 @@ TEST_F(Signer, RefusesMalformedSignatures)
     EXPECT_TRUE(isGood(file, signature + "\n"));
 }
 
+// 4096 blocks that ask for a gigabyte of output: nothing of them is needed once the text is longer than the digest's.
+TEST_F(Signer, RefusesLongSignaturesEarly)
+{
+    const osFilePath file = _folder.write("file", "contents");
+    crRSAEncryptionKey key;
+    ASSERT_TRUE(key.setKeyFromStringAndFermatPrime(1024, toText(std::string(256, 'f')), 1));
+    const std::string text(520000, 'x');
+    gtString signature;
+    ASSERT_TRUE(crRSAStringEncryptor(key).encrypt(toText(text), signature));
+    ASSERT_GT(signature.length(), 1000000);
+    struct rusage before = {};
+    struct rusage after = {};
+    ASSERT_EQ(getrusage(RUSAGE_SELF, &before), 0);
+    EXPECT_FALSE(crRSADigitalSigner(key).testSignature(file, signature));
+    ASSERT_EQ(getrusage(RUSAGE_SELF, &after), 0);
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 100 * 1024);
+    // A text as long as the digest's that goes on is not the digest's either.
+    const osFilePath empty = _folder.write("empty", "");
+    ASSERT_TRUE(crRSAStringEncryptor(key).encrypt(toText(std::string(120, '0')), signature));
+    EXPECT_TRUE(crRSADigitalSigner(key).testSignature(empty, signature));
+    ASSERT_TRUE(crRSAStringEncryptor(key).encrypt(toText(std::string(121, '0')), signature));
+    EXPECT_FALSE(crRSADigitalSigner(key).testSignature(empty, signature));
+}
+
 TEST_F(Signer, FailsWithoutAFileAndLeavesTheOutputAlone)
 {
     ASSERT_EQ(mkdir((_folder / "folder").c_str(), 0700), 0);
@@ -412,6 +437,11 @@ TEST_F(Signer, HasAnEmptyDigestWithAKeyOfTwoOrThreeDigits)
         EXPECT_EQ(toBytes(signature), "00000000");
         EXPECT_TRUE(signer.testSignature(file, signature));
         EXPECT_FALSE(signer.testSignature(file, "0000000"));
+        gtString other;
+        ASSERT_TRUE(crRSAStringEncryptor(key).encrypt("x", other));
+        crRSAEncryptionKey partner;
+        keyOfPrimes(bits).loadPublic(partner);
+        EXPECT_FALSE(crRSADigitalSigner(partner).testSignature(file, other)) << "a text is not the empty one";
         EXPECT_FALSE(signer.getSignature(osFilePath("/nowhere"), signature));
     }
 }

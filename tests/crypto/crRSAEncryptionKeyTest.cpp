@@ -243,27 +243,111 @@ TEST(Key, ReadsNothingFromATextOfAnotherLength)
 TEST(Key, ReadsEachGroupByItself)
 {
     const crRSAEncryptionKey key;
-    unsigned int digits[4];
-    // A group that does not begin with a hexadecimal character is zero, even where blanks or a sign might be skipped
-    // or where the next group could be drawn in.
+    unsigned int digits[4] = {1, 2, 3, 4};
+    // A group that does not begin with a hexadecimal character leaves its digit as it is, even where blanks or a sign
+    // might be skipped or where the next group could be drawn in.
     ASSERT_TRUE(key.readDigitsFromHexString(digits, 4,
                                             "xyz12345"
                                             "    1234"
                                             "-0000001"
                                             "0000000f"));
-    EXPECT_EQ(digitsOf(digits, 4), (std::vector<unsigned int>{15, 0, 0, 0}));
+    EXPECT_EQ(digitsOf(digits, 4), (std::vector<unsigned int>{15, 2, 3, 4}));
     ASSERT_TRUE(key.readDigitsFromHexString(digits, 4,
                                             "        "
                                             "12345678"
                                             "12 45678"
                                             "12345g78"));
-    EXPECT_EQ(digitsOf(digits, 4), (std::vector<unsigned int>{0x12345, 0x12, 0x12345678, 0}));
+    EXPECT_EQ(digitsOf(digits, 4), (std::vector<unsigned int>{0x12345, 0x12, 0x12345678, 4}));
+    // What begins with one is a number, if only 0.
+    ASSERT_TRUE(key.readDigitsFromHexString(digits, 4,
+                                            "0xyz1234"
+                                            "0x0000aF"
+                                            "0zzzzzzz"
+                                            "+0000001"));
+    EXPECT_EQ(digitsOf(digits, 4), (std::vector<unsigned int>{0x12345, 0, 0xaf, 0}));
     const gtString withNul("1\0"
                            "3456780000000b",
                            16);
     ASSERT_TRUE(key.readDigitsFromHexString(digits, 2, withNul));
     EXPECT_EQ(digits[1], 1U);
     EXPECT_EQ(digits[0], 0xbU);
+}
+
+// The set operations read into zeros.
+TEST(Key, HasZerosWhereAGroupIsNoNumber)
+{
+    crRSAEncryptionKey key;
+    ASSERT_TRUE(key.setKeyFromStrings(64, "zzzzzzzz00000005", 64, "       3-0000003"));
+    EXPECT_EQ(digitsOf(key.productDigits(), 2), (std::vector<unsigned int>{5, 0}));
+    EXPECT_EQ(digitsOf(key.numberDigits(), 2), zeros(2));
+    EXPECT_FALSE(key.isUsable());
+}
+
+// Whatever became of the load.
+TEST(Key, KeepsTheBitCountsAsTheyWereGiven)
+{
+    crRSAEncryptionKey key;
+    EXPECT_EQ(key.amountOfProductBits(), 0);
+    EXPECT_EQ(key.amountOfNumberBits(), 0);
+    for (const int bits : {1000, 31, 33, -1, -31, -32, -33, INT_MAX, INT_MIN, INT_MIN + 1})
+    {
+        EXPECT_FALSE(key.setKeyFromStrings(bits, "", 32, ""));
+        EXPECT_EQ(key.amountOfProductBits(), bits);
+        EXPECT_EQ(key.amountOfProductDigits(), bits / 32);
+        EXPECT_EQ(key.amountOfNumberBits(), 32);
+        EXPECT_EQ(key.amountOfNumberDigits(), 1);
+        EXPECT_FALSE(key.setKeyFromStrings(64, "", bits, ""));
+        EXPECT_EQ(key.amountOfProductBits(), 64);
+        EXPECT_EQ(key.amountOfNumberBits(), bits);
+        EXPECT_EQ(key.amountOfNumberDigits(), bits / 32);
+        EXPECT_FALSE(key.setKeyFromStringAndFermatPrime(bits, "", 3));
+        EXPECT_EQ(key.amountOfProductBits(), bits);
+        EXPECT_EQ(key.amountOfNumberBits(), bits);
+        EXPECT_EQ(key.amountOfProductDigits(), bits / 32);
+        EXPECT_EQ(key.amountOfNumberDigits(), bits / 32);
+    }
+    crRSAEncryptionKey loaded;
+    ASSERT_TRUE(loaded.setKeyFromStrings(128, toText(countingHex(4)), 64, toText(countingHex(2))));
+    EXPECT_EQ(loaded.amountOfProductBits(), 128);
+    EXPECT_EQ(loaded.amountOfNumberBits(), 64);
+    crRSAEncryptionKey fermat;
+    ASSERT_TRUE(fermat.setKeyFromStringAndFermatPrime(512, toText(countingHex(16)), 65537));
+    EXPECT_EQ(fermat.amountOfProductBits(), 512);
+    EXPECT_EQ(fermat.amountOfNumberBits(), 512);
+}
+
+TEST(Key, OfNoBitsTakesNoText)
+{
+    crRSAEncryptionKey both;
+    EXPECT_TRUE(both.setKeyFromStrings(0, "", 0, ""));
+    for (const char* pText : {"0", "00000000", "00000001", " "})
+    {
+        crRSAEncryptionKey product;
+        EXPECT_FALSE(product.setKeyFromStrings(0, pText, 0, "")) << pText;
+        EXPECT_FALSE(product.isUsable());
+        crRSAEncryptionKey number;
+        EXPECT_FALSE(number.setKeyFromStrings(0, "", 0, pText)) << pText;
+        crRSAEncryptionKey numberOfKey;
+        EXPECT_FALSE(numberOfKey.setKeyFromStrings(64, toText(countingHex(2)), 0, pText)) << pText;
+        EXPECT_EQ(digitsOf(numberOfKey.productDigits(), 2), countingDigits(2));
+        EXPECT_EQ(digitsOf(numberOfKey.numberDigits(), 2), zeros(2));
+        crRSAEncryptionKey prime;
+        EXPECT_FALSE(prime.setKeyFromStringAndFermatPrime(0, pText, 3)) << pText;
+    }
+}
+
+// 0 is set like any other, and the key cannot be computed with.
+TEST(Key, TakesAFermatPrimeOfZero)
+{
+    crRSAEncryptionKey key;
+    EXPECT_TRUE(key.setKeyFromStringAndFermatPrime(64, toText(countingHex(2)), 0));
+    EXPECT_EQ(digitsOf(key.productDigits(), 2), countingDigits(2));
+    EXPECT_EQ(digitsOf(key.numberDigits(), 2), zeros(2));
+    EXPECT_FALSE(key.isUsable());
+    crRSAEncryptionKey largest;
+    EXPECT_TRUE(largest.setKeyFromStringAndFermatPrime(64, toText(countingHex(2)), 0xFFFFFFFFU));
+    EXPECT_EQ(digitsOf(largest.numberDigits(), 2), (std::vector<unsigned int>{0xFFFFFFFFU, 0}));
+    EXPECT_TRUE(largest.isUsable());
 }
 
 // Twelve million characters: quadratic time would take hours, so the test's own time limit finds it.

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "crypto/crRSAStringEncryptor.h"
 
+#include <algorithm>
 #include <climits>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -49,6 +51,24 @@ std::string asciiText(std::size_t length, unsigned int seed)
         character = static_cast<char>(static_cast<unsigned char>(character) % 127U + 1U);
     }
     return text;
+}
+
+// What decrypting gives with a key that leaves blocks as they are, by the description: the buffer fills block by block,
+// and from its byte 1 to the text's end or the first NUL it is appended each time. The text has no NULs.
+std::string everyPrefix(const std::string& text, std::size_t bytesPerBlock)
+{
+    std::string buffer;
+    for (const char character : text)
+    {
+        buffer += (buffer.size() % bytesPerBlock == 0) ? std::string(1, '\1') : std::string();
+        buffer += character;
+    }
+    std::string result;
+    for (std::size_t end = bytesPerBlock; end < buffer.size() + bytesPerBlock; end += bytesPerBlock)
+    {
+        result += buffer.substr(1, std::min(end - 1, text.size()));
+    }
+    return result;
 }
 
 // A key of 32 bits that is easy to follow: the block's number itself comes out.
@@ -376,42 +396,84 @@ TEST(Encryptor, StaysInsideItsBuffersWhereFloatsRound)
                                     "78787801");
 }
 
-TEST(Encryptor, RefusesTextsAboveTheLimit)
+TEST(Encryptor, TakesLongTexts)
 {
     crRSAEncryptionKey key;
     loadIdentity(key, 32768);
-    gtString output("kept");
-    const gtString text =
-        toText(std::string(static_cast<std::size_t>(crRSAStringEncryptor::maximalAmountOfBytes), 'x'));
-    EXPECT_FALSE(crRSAStringEncryptor(key).encrypt(text, output));
-    EXPECT_EQ(output, gtString("kept"));
+    const crRSAStringEncryptor encryptor(key);
+    constexpr int length = 70000000;
+    gtString output;
+    ASSERT_TRUE(encryptor.encrypt(toText(std::string(length, 'x')), output));
+    const int digits = encryptor.amountOfDigitsForHoldingText(length);
+    ASSERT_GT(digits * 4, length);
+    ASSERT_EQ(output.length(), 8 + digits * 8);
+    EXPECT_EQ(std::string(output.asCharArray(), 24), "042c1d80"
+                                                     "78787801"
+                                                     "78787878");
+    // All of the text is there, "78" a letter; the length has an 8, too.
+    EXPECT_EQ(std::count(output.asCharArray(), output.asCharArray() + output.length(), '8'), length + 1);
 }
 
-// The first and the last length that a buffer of exactly the limit holds.
-TEST(Encryptor, TakesTextsUpToTheLimit)
+// The text's own limit: 268435454 digits make a cipher text of 2147483640 characters.
+TEST(Encryptor, RefusesTextsWhoseCipherTextIsLongerThanATextMayBe)
 {
-    EXPECT_EQ(crRSAStringEncryptor::maximalAmountOfBytes, 67108864);
-    constexpr int limit = 67108864 / 4;
     crRSAEncryptionKey key;
     loadIdentity(key, 1024);
     const crRSAStringEncryptor encryptor(key);
-    ASSERT_EQ(encryptor.amountOfDigitsForHoldingText(66588514), limit - 32);
-    ASSERT_EQ(encryptor.amountOfDigitsForHoldingText(66588515), limit);
-    ASSERT_EQ(encryptor.amountOfDigitsForHoldingText(66588645), limit);
-    ASSERT_EQ(encryptor.amountOfDigitsForHoldingText(66588646), limit + 32);
-    gtString output;
-    EXPECT_TRUE(encryptor.encrypt(toText(std::string(66588645, 'x')), output));
-    EXPECT_EQ(output.length(), 8 + limit * 8);
-    output = "kept";
-    EXPECT_FALSE(encryptor.encrypt(toText(std::string(66588646, 'x')), output));
+    constexpr int length = 1066000000;
+    ASSERT_GT(encryptor.amountOfDigitsForHoldingText(length), 268435454);
+    ASSERT_LT(encryptor.amountOfDigitsForHoldingText(1065000000), 268435454);
+    if (::sysconf(_SC_AVPHYS_PAGES) < 3L * length / ::sysconf(_SC_PAGESIZE))
+    {
+        GTEST_SKIP() << "takes more memory than there is";
+    }
+    gtString text;
+    text.reserve(length);
+    const gtString part = toText(std::string(1000000, 'x'));
+    for (int i = 0; i < length / 1000000; i++)
+    {
+        text.append(part);
+    }
+    gtString output("kept");
+    EXPECT_FALSE(encryptor.encrypt(text, output));
     EXPECT_EQ(output, gtString("kept"));
+}
+
+// What came in full is decrypted, however long its output.
+TEST(Decryptor, HasNoLimitForWhatCameInFull)
+{
+    crRSAEncryptionKey key;
+    loadIdentity(key, 1024);
+    for (const std::size_t length : {std::size_t(1), std::size_t(16000), std::size_t(130500)})
+    {
+        std::string text = asciiText(length, 1);
+        // Beyond B * B bytes, the end of the text is not in the blocks.
+        const std::string cipher = encrypted(key, text);
+        const std::string expected = everyPrefix(text, 128);
+        EXPECT_EQ(expected.size() > 67108864U, length == 130500U);
+        if (length > 16384)
+        {
+            const std::size_t blocks = (cipher.size() - 8) / 256;
+            EXPECT_EQ(blocks, 1028U);
+        }
+        const std::string plain = decrypted(key, cipher);
+        EXPECT_EQ(plain.size(), expected.size());
+        EXPECT_TRUE(plain == expected) << length;
+        // With a character less, the last group has not come in full, and the limit holds.
+        EXPECT_EQ(decrypted(key, cipher.substr(0, cipher.size() - 1)).size(),
+                  (expected.size() > 67108864U) ? 0U : expected.size());
+    }
 }
 
 // Its buffer has a digit more, for the NUL byte.
 TEST(Decryptor, TakesLengthsBelowTheLimit)
 {
+    EXPECT_EQ(crRSAStringEncryptor::maximalAmountOfClaimedBytes, 67108864);
     crRSAEncryptionKey key;
     loadIdentity(key, 1024);
+    const crRSAStringEncryptor encryptor(key);
+    ASSERT_EQ(encryptor.amountOfDigitsForHoldingText(66588514), 67108864 / 4 - 32);
+    ASSERT_EQ(encryptor.amountOfDigitsForHoldingText(66588515), 67108864 / 4);
     // 66588514 and 66588515: each block appends the first one's letter.
     const std::string firstDigit = "00006101";
     EXPECT_TRUE(decrypted(key, hexOf(66588514, 8) + firstDigit) == std::string(67108864 / 128 - 1, 'a'));
@@ -431,7 +493,7 @@ TEST(Decryptor, TakesOutputsUpToTheLimit)
     }
     cipher += "00006464";
     const int blocks = 379168;
-    ASSERT_EQ(44 * 3 + 4 * 44 * 43 / 2 + 177 * (blocks - 44), crRSAStringEncryptor::maximalAmountOfBytes);
+    ASSERT_EQ(44 * 3 + 4 * 44 * 43 / 2 + 177 * (blocks - 44), crRSAStringEncryptor::maximalAmountOfClaimedBytes);
     const auto lengthFor = [&key](int digits)
     {
         int length = 3 * digits;
@@ -455,7 +517,71 @@ TEST(Decryptor, TakesTheLengthThroughAnInt)
     }
     // What is no length is none.
     EXPECT_EQ(decrypted(keys.privateKey, "zzzzzzzz" + blocks), "");
-    EXPECT_EQ(decrypted(keys.privateKey, "       3" + blocks), "");
+}
+
+TEST(Decryptor, ReadsTheLengthAsSscanfDoes)
+{
+    crRSAEncryptionKey key;
+    loadIdentity(key, 64);
+    const std::string blocks = "6362610167666564";
+    for (const char* pLength : {"00000003", "       3", "+0000003", "0x000003", "0X3     ", "3       ", "3zzzzzzz",
+                                "      +3", "\t\n\v\f\r  3", " +0x3   ", "0000003 ", "-fffffd "})
+    {
+        // The last is -16777213, which is no length.
+        EXPECT_EQ(decrypted(key, pLength + blocks), (pLength[0] == '-') ? "" : "abc") << pLength;
+    }
+    // Below zero, and no number at all: nothing of the blocks behind it is drawn in.
+    for (const char* pLength : {"-0000003", "      -3", "-3      ", "        ", "       -", "-      3", "+-000003",
+                                "--000003", "x0000003", "#0000003", "\xa0\xa0 0003 "})
+    {
+        EXPECT_EQ(decrypted(key, pLength + blocks), "") << pLength;
+    }
+    const gtString withNul("3\0"
+                           "00000063626101",
+                           16);
+    gtString output;
+    EXPECT_TRUE(crRSAStringEncryptor(key).decrypt(withNul, output));
+    EXPECT_EQ(output, gtString("abc"));
+}
+
+TEST(Decryptor, ReadsDigitsAsSscanfDoes)
+{
+    crRSAEncryptionKey key;
+    loadIdentity(key, 32);
+    for (const char* pDigit : {"63626101", "+3626101", "0x626101", " 3626101", "\n\t 61   "})
+    {
+        const unsigned int value = (pDigit[0] == '6')    ? 0x63626101U
+                                   : (pDigit[0] == '0')  ? 0x626101U
+                                   : (pDigit[0] == '\n') ? 0x61U
+                                                         : 0x3626101U;
+        std::string expected;
+        for (unsigned int rest = value >> 8; rest != 0; rest >>= 8)
+        {
+            expected += static_cast<char>(rest & 0xFFU);
+        }
+        EXPECT_EQ(decrypted(key, std::string("00000003") + pDigit), expected) << pDigit;
+    }
+    EXPECT_EQ(decrypted(key, "00000003-0000001"), "\xff\xff\xff");
+    EXPECT_EQ(decrypted(key, "00000003-ffffff "), std::string());  // 0xff000001
+    EXPECT_EQ(decrypted(key, "00000003-"), std::string());
+}
+
+// Who knows how long the text must be is spared the rest.
+TEST(Decryptor, StopsWhenThereIsEnough)
+{
+    crRSAEncryptionKey key;
+    loadIdentity(key, 64);
+    const std::string cipher = encrypted(key, "abcdefghijklmno");
+    const std::string all = everyPrefix("abcdefghijklmno", 8);
+    ASSERT_EQ(all.size(), 7U + 15U + 15U);
+    for (const int enough : {INT_MIN, -1, 0, 6, 7, 8, 21, 22, 23, 36, 37, INT_MAX})
+    {
+        gtString output("left over");
+        bool isShortOfMemory = true;
+        EXPECT_TRUE(crRSAStringEncryptor(key).decrypt(toText(cipher), output, isShortOfMemory, enough));
+        EXPECT_FALSE(isShortOfMemory);
+        EXPECT_EQ(toBytes(output), all.substr(0, (enough < 7) ? 7 : (enough < 22) ? 22 : 37)) << enough;
+    }
 }
 
 TEST(Decryptor, IsNotImpressedByAWildLength)
@@ -510,8 +636,8 @@ TEST(Decryptor, IsNotShortOfMemoryAtItsLimits)
     crRSAEncryptionKey key;
     loadIdentity(key, 32);
     const crRSAEncryptionKey unusable;
-    for (const char* pText :
-         {"", "7735940012345678", "ffffffff", "02000000646464016464646464646464", "0000000364646401"})
+    for (const char* pText : {"", "7735940012345678", "ffffffff", "80000000", "c000000012345678",
+                              "02000000646464016464646464646464", "0000000364646401"})
     {
         gtString output;
         bool isShortOfMemory = true;

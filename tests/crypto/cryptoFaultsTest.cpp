@@ -262,6 +262,48 @@ TEST_F(CryptoFaults, EncryptorsLeaveNoPlainTextBehind)
     }
 }
 
+// The output grows with each block, and each time leaves its memory behind.
+TEST_F(CryptoFaults, GrowingOutputsLeaveNoPlainTextBehind)
+{
+    const std::string text = scrambledBytes(1000, 3);
+    std::string letters;
+    for (const char character : text)
+    {
+        letters += static_cast<char>('a' + static_cast<unsigned char>(character) % 26);
+    }
+    gtString cipher;
+    ASSERT_TRUE(crRSAStringEncryptor(_publicKey).encrypt(toText(letters), cipher));
+    gtString plain;
+    ASSERT_TRUE(crRSAStringEncryptor(_privateKey).decrypt(cipher, plain));
+    ASSERT_GT(plain.length(), 4000);
+    watchFor(letters.data() + 20, 16);
+    {
+        // Also what was there before, which is long enough to have memory of its own.
+        gtString output = toText(letters.substr(0, 60));
+        ASSERT_TRUE(crRSAStringEncryptor(_privateKey).decrypt(cipher, output));
+        EXPECT_EQ(output, plain);
+        EXPECT_EQ(secretsGivenBack, 1) << "the copy that the test made";
+        secretsGivenBack = 0;
+        // And what is given up.
+        crRSAEncryptionKey key;
+        ASSERT_TRUE(key.setKeyFromStringAndFermatPrime(32, "ffffffff", 1));
+        ASSERT_TRUE(crRSAStringEncryptor(key).decrypt("00000000", output));
+        EXPECT_TRUE(output.isEmpty());
+    }
+    EXPECT_EQ(secretsGivenBack, 0);
+    // Wherever memory runs out.
+    failEachAllocation(
+        [&](const OneFailingAllocation& failure)
+        {
+            gtString output;
+            secretsGivenBack = 0;
+            EXPECT_TRUE(crRSAStringEncryptor(_privateKey).decrypt(cipher, output));
+            EXPECT_EQ(secretsGivenBack, 0);
+            EXPECT_EQ(output.isEmpty(), failure.hasFailed());
+            crWipe(output);
+        });
+}
+
 TEST_F(CryptoFaults, SigningAndTestingLeaveNoDigestBehind)
 {
     gtString signature;
