@@ -34,7 +34,8 @@ public:
     ~osFile();
 
     // Opens the file and returns true. Returns false, and errorNumber() tells why, if
-    // - this object has a file open, which stays open and is read on undisturbed (EBUSY);
+    // - this object has a file open, which stays open and is read on undisturbed, and has its end and its read error
+    //   where they were (EBUSY);
     // - the channel type or the mode is none of those above, or the path holds a NUL (EINVAL);
     // - the system refuses (ENOENT, EACCES, ...);
     // - the path is a directory (EISDIR) or another thing than a regular file (ENOTSUP). A pipe or a device is neither

@@ -33,23 +33,25 @@ void osTime::timeAsString(gtString& timeText, TimeFormat timeFormat, TimeZone ti
     if (brokenDown(_secondsSince1970, timeZone, parts))
     {
         const long long year = 1900LL + parts.tm_year;
+        const char* const pSign = (year < 0) ? "-" : "";
+        const long long digits = (year < 0) ? -year : year;
         const int month = parts.tm_mon + 1;
         switch (timeFormat)
         {
         case DATE_ONLY:
-            result.appendFormattedString("%04lld-%02d-%02d", year, month, parts.tm_mday);
+            result.appendFormattedString("%s%04lld-%02d-%02d", pSign, digits, month, parts.tm_mday);
             break;
         case TIME_ONLY:
             result.appendFormattedString("%02d:%02d:%02d", parts.tm_hour, parts.tm_min, parts.tm_sec);
             break;
         case FOR_FILE_NAME:
-            result.appendFormattedString("%04lld-%02d-%02d_%02d-%02d-%02d", year, month, parts.tm_mday, parts.tm_hour,
-                                         parts.tm_min, parts.tm_sec);
+            result.appendFormattedString("%s%04lld-%02d-%02d_%02d-%02d-%02d", pSign, digits, month, parts.tm_mday,
+                                         parts.tm_hour, parts.tm_min, parts.tm_sec);
             break;
         case DATE_AND_TIME:
         default:
-            result.appendFormattedString("%04lld-%02d-%02d %02d:%02d:%02d", year, month, parts.tm_mday, parts.tm_hour,
-                                         parts.tm_min, parts.tm_sec);
+            result.appendFormattedString("%s%04lld-%02d-%02d %02d:%02d:%02d", pSign, digits, month, parts.tm_mday,
+                                         parts.tm_hour, parts.tm_min, parts.tm_sec);
             break;
         }
     }

@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Every allocation that goes through operator new fails in turn, and what is given back is looked at for secrets.
 // (Memory of the arithmetic comes from calloc, and running out of it ends the process.)
+
+// The cipher is marked as deprecated in libcrypto 3; here it is wanted.
+#define OPENSSL_SUPPRESS_DEPRECATED
+
+#include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -8,8 +14,11 @@
 #include <malloc.h>
 #include <new>
 #include <string>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
+#include <openssl/blowfish.h>
 
 #include "crypto/crBlowfishEncryptionKey.h"
 #include "crypto/crDigits.h"
@@ -18,6 +27,34 @@
 #include "crypto/crRSAStringEncryptor.h"
 #include "cryptoTestSupport.h"
 #include "tests/support/failingAllocation.h"
+
+namespace
+{
+
+// How many bytes can still be read before reading fails.
+constexpr long noReadError = -1;
+constexpr long errorHasCome = -2;
+long bytesBeforeReadError = noReadError;
+
+}  // namespace
+
+extern "C" ssize_t read(int descriptor, void* pBuffer, std::size_t size)
+{
+    if (bytesBeforeReadError == noReadError)
+    {
+        return ::syscall(SYS_read, descriptor, pBuffer, size);
+    }
+    if (bytesBeforeReadError <= 0)
+    {
+        bytesBeforeReadError = errorHasCome;
+        errno = EIO;
+        return -1;
+    }
+    const ssize_t amount =
+        ::syscall(SYS_read, descriptor, pBuffer, std::min(size, static_cast<std::size_t>(bytesBeforeReadError)));
+    bytesBeforeReadError -= std::max<ssize_t>(amount, 0);
+    return amount;
+}
 
 namespace
 {
@@ -340,6 +377,65 @@ TEST_F(CryptoFaults, BlowfishKeysLeaveNoScheduleBehind)
     EXPECT_EQ(amountOfLiveAllocations(), live);
 }
 
+// To its last byte: the fourth S box, too.
+TEST_F(CryptoFaults, BlowfishRecordsAreWipedWhole)
+{
+    static const void* pRecord;
+    static std::size_t amountOfZeros;
+    const unsigned char bytes[16] = {9, 8, 7};
+    auto* pKey = new crBlowfishEncryptionKey(bytes);
+    pRecord = pKey->keyRecord();
+    amountOfZeros = 0;
+    watchWhatIsGivenBack(
+        [](const void* pMemory, std::size_t)
+        {
+            const auto* pBytes = static_cast<const unsigned char*>(pMemory);
+            while ((pMemory == pRecord) && (amountOfZeros < sizeof(BF_KEY)) && (pBytes[amountOfZeros] == 0))
+            {
+                amountOfZeros++;
+            }
+        });
+    delete pKey;
+    watchWhatIsGivenBack(nullptr);
+    EXPECT_EQ(sizeof(BF_KEY), 1042U * 4U);
+    EXPECT_EQ(amountOfZeros, sizeof(BF_KEY));
+}
+
+// The part that could be read is the file.
+TEST_F(CryptoFaults, ReadErrorsCountAsTheEndOfTheFile)
+{
+    const std::string contents = scrambledBytes(1000, 1);
+    for (const std::size_t amount : {std::size_t(0), std::size_t(300), std::size_t(999)})
+    {
+        const osFilePath part = _folder.write("part", contents.substr(0, amount));
+        gtString expected;
+        ASSERT_TRUE(crRSADigitalSigner(_privateKey).getSignature(part, expected));
+        for (const bool isTested : {false, true})
+        {
+            bytesBeforeReadError = static_cast<long>(amount);
+            gtString signature("kept");
+            crRSADigitalSigner signer(isTested ? _publicKey : _privateKey);
+            if (isTested)
+            {
+                EXPECT_TRUE(signer.testSignature(_file, expected)) << amount;
+            }
+            else
+            {
+                EXPECT_TRUE(signer.getSignature(_file, signature)) << amount;
+                EXPECT_EQ(signature, expected) << amount;
+            }
+            EXPECT_EQ(bytesBeforeReadError, errorHasCome) << amount;
+            bytesBeforeReadError = noReadError;
+        }
+    }
+    // A file that cannot be read from its start on.
+    gtString signature;
+    gtString expected;
+    ASSERT_TRUE(crRSADigitalSigner(_privateKey).getSignature(_folder.write("empty", ""), expected));
+    EXPECT_TRUE(crRSADigitalSigner(_privateKey).getSignature(osFilePath("/proc/self/mem"), signature));
+    EXPECT_EQ(signature, expected);
+}
+
 TEST_F(CryptoFaults, SignersLeaveNothingOfTheFileBehind)
 {
     const std::string contents = scrambledBytes(1000, 1);
@@ -366,6 +462,14 @@ TEST_F(CryptoFaults, SignersLeaveNoDigestBehind)
     // What follows the first digits, which the allocator may write over.
     watchFor(digest.data() + 16, 12);
     signer.deleteMessageDigestDigits();
+    EXPECT_EQ(secretsGivenBack, 0);
+    // So does the end of the signer.
+    {
+        crRSADigitalSigner other(_privateKey);
+        ASSERT_TRUE(other.createMessageDigestDigits());
+        ASSERT_TRUE(other.createFileMessageDigest(_file));
+        secretsGivenBack = 0;
+    }
     EXPECT_EQ(secretsGivenBack, 0);
 }
 

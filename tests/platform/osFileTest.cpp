@@ -584,6 +584,89 @@ TEST_F(osFileTest, secondOpenIsRefusedAndDisturbsNothing)
     EXPECT_EQ(readInSteps(file, 60), "second content");
 }
 
+// It asks nothing of the system, and what has been found out stays.
+TEST_F(osFileTest, refusedSecondOpenLeavesErrorAndEndAsTheyWere)
+{
+    const osFilePath path = write("file", "first");
+    const osFilePath other = write("other", "other content");
+    char buffer[60];
+    unsigned long amount = 0;
+    osFile ended;
+    ASSERT_TRUE(open(ended, path));
+    EXPECT_EQ(readInSteps(ended, 60), "first");
+    std::ofstream(nameOf("file"), std::ios::app) << "second";
+    {
+        const SystemCalls calls;
+        EXPECT_FALSE(open(ended, other));
+        EXPECT_FALSE(ended.open(other, static_cast<osChannel::osChannelType>(1), osFile::OS_OPEN_TO_READ));
+        EXPECT_EQ(ended.errorNumber(), EBUSY);
+        EXPECT_THAT(calls.opened, SizeIs(0));
+        EXPECT_THAT(calls.closed, SizeIs(0));
+    }
+    EXPECT_FALSE(ended.readAvailableData(buffer, sizeof buffer, amount)) << "the end is where it was met";
+    EXPECT_FALSE(ended.hasReadError());
+
+    osFile faulty;
+    ASSERT_TRUE(open(faulty, path));
+    {
+        SystemCalls calls;
+        calls.reads = {-EIO};
+        EXPECT_FALSE(faulty.readAvailableData(buffer, sizeof buffer, amount));
+    }
+    EXPECT_FALSE(open(faulty, other));
+    EXPECT_EQ(faulty.errorNumber(), EBUSY);
+    EXPECT_TRUE(faulty.hasReadError());
+    EXPECT_FALSE(faulty.readAvailableData(buffer, sizeof buffer, amount));
+    EXPECT_EQ(amount, 0U);
+    EXPECT_TRUE(faulty.isOpen());
+    faulty.close();
+    EXPECT_TRUE(faulty.hasReadError());
+}
+
+// Of any size, in any state, with something in the buffer or without.
+TEST_F(osFileTest, nullTakesNothingAndClosedFilesGiveNothing)
+{
+    const std::string content = contentOf(2 * bufferCapacity);
+    const osFilePath path = write("file", content);
+    char buffer[60];
+    std::vector<char> large(bufferCapacity);
+    unsigned long amount = 0;
+    osFile file;
+    const auto expectNothing = [&](bool isClosed)
+    {
+        for (const unsigned long size : {0UL, 60UL, static_cast<unsigned long>(bufferCapacity)})
+        {
+            amount = 99;
+            EXPECT_FALSE(file.readAvailableData(nullptr, size, amount)) << size;
+            EXPECT_EQ(amount, 0U) << size;
+            if (isClosed)
+            {
+                amount = 99;
+                EXPECT_FALSE(file.readAvailableData(large.data(), size, amount)) << size;
+                EXPECT_EQ(amount, 0U) << size;
+            }
+        }
+        EXPECT_FALSE(file.hasReadError());
+        EXPECT_EQ(file.errorNumber(), 0);
+    };
+    const SystemCalls calls;
+    expectNothing(true);
+    ASSERT_TRUE(open(file, path));
+    expectNothing(false);
+    EXPECT_THAT(calls.readSizes, SizeIs(0));
+    ASSERT_TRUE(file.readAvailableData(buffer, sizeof buffer, amount));
+    expectNothing(false);
+    EXPECT_THAT(calls.readSizes, SizeIs(1));
+    EXPECT_TRUE(readInSteps(file, 1000) == content.substr(60));
+    expectNothing(false);
+    file.close();
+    expectNothing(true);
+    ASSERT_TRUE(open(file, path));
+    ASSERT_TRUE(file.readAvailableData(buffer, sizeof buffer, amount));
+    file.close();
+    expectNothing(true);
+}
+
 TEST_F(osFileTest, opensRegularFilesOnly)
 {
     write("file", "content");

@@ -54,6 +54,9 @@ thread_local int amountOfFurtherWrites = 0;
 bool hasCloseRange = true;
 #endif
 
+// Where this thread looks for files; it finds none then. Null: it finds what is there.
+thread_local std::vector<std::string>* pStattedPaths = nullptr;
+
 // How often this thread's waiting for a child is interrupted by a signal from now on.
 thread_local int interruptionsLeft = 0;
 }  // namespace
@@ -99,6 +102,17 @@ extern "C" long syscall(long number, ...) noexcept
     return realSyscall(number, first, second, third);
 }
 #endif
+
+extern "C" int stat(const char* pPath, struct stat* pStatus) noexcept
+{
+    if (pStattedPaths != nullptr)
+    {
+        pStattedPaths->emplace_back(pPath);
+        errno = ENOENT;
+        return -1;
+    }
+    return ::fstatat(AT_FDCWD, pPath, pStatus, 0);
+}
 
 extern "C" pid_t waitpid(pid_t process, int* pStatus, int options)
 {
@@ -452,6 +466,38 @@ TEST_F(osOpenFileInSourceCodeEditorTest, withoutAnyProgramItIsOneLine)
     std::filesystem::current_path(before);
 }
 
+TEST_F(osOpenFileInSourceCodeEditorTest, withoutPathTheUsualFoldersAreLookedThrough)
+{
+    const std::string before = std::getenv("PATH");
+    Strings paths;
+    for (const char* pPath : {"", "/one:/two", static_cast<const char*>(nullptr)})
+    {
+        ::unsetenv("PATH");
+        if (pPath != nullptr)
+        {
+            ::setenv("PATH", pPath, 1);
+        }
+        paths.clear();
+        pStattedPaths = &paths;
+        const std::string text = stderrOfOpening("/f", 3);
+        pStattedPaths = nullptr;
+        EXPECT_THAT(text, HasSubstr("is installed"));
+        if (pPath == nullptr)
+        {
+            ASSERT_GE(paths.size(), 39U);
+            EXPECT_THAT(Strings(paths.begin(), paths.begin() + 4),
+                        ElementsAre("/usr/local/bin/code", "/usr/bin/code", "/bin/code", "/usr/local/bin/codium"));
+            EXPECT_EQ(paths.back(), "/bin/xdg-open");
+            EXPECT_EQ(paths.size(), 39U);
+        }
+        else
+        {
+            EXPECT_THAT(paths, testing::SizeIs((*pPath == '\0') ? 0 : 26));
+        }
+    }
+    ::setenv("PATH", before.c_str(), 1);
+}
+
 TEST_F(osOpenFileInSourceCodeEditorTest, linkToAGraphicalEditorIsFollowed)
 {
     makeEditor("emacs-gtk");
@@ -621,6 +667,7 @@ while read -r line; do
     case $line in Sig[BI]*) echo "$line" ;; esac
 done </proc/$$/status
 echo "marker $COUNTERSIGN_TEST_MARKER"
+umask
 pwd
 )";
     makeReporter("gedit", script);
@@ -631,17 +678,33 @@ pwd
     const int high = ::fcntl(inheritable, F_DUPFD, highNumber);
     ASSERT_GE(high, highNumber);
     ::setenv("COUNTERSIGN_TEST_MARKER", "value", 1);
-    struct sigaction action = {};
-    struct sigaction before = {};
-    action.sa_handler = SIG_IGN;
-    ASSERT_EQ(::sigaction(SIGPIPE, &action, &before), 0);
+    // Every signal that can be ignored is, those for real time, too; a child that nobody collects is another matter.
+    std::vector<int> ignored;
+    std::vector<struct sigaction> before;
+    for (int number = 1; number < NSIG; ++number)
+    {
+        struct sigaction action = {};
+        struct sigaction old = {};
+        action.sa_handler = SIG_IGN;
+        if ((number != SIGCHLD) && (::sigaction(number, &action, &old) == 0))
+        {
+            ignored.push_back(number);
+            before.push_back(old);
+        }
+    }
+    EXPECT_THAT(ignored, testing::IsSupersetOf({SIGHUP, SIGPIPE, 31, SIGRTMIN, SIGRTMAX}));
     sigset_t mask;
     sigset_t maskBefore;
     sigfillset(&mask);
     ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &mask, &maskBefore), 0);
+    const mode_t umaskBefore = ::umask(0027);
     open("/f", 3);
+    ::umask(umaskBefore);
     ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr), 0);
-    ASSERT_EQ(::sigaction(SIGPIPE, &before, nullptr), 0);
+    for (std::size_t i = 0; i < ignored.size(); ++i)
+    {
+        ASSERT_EQ(::sigaction(ignored[i], &before[i], nullptr), 0);
+    }
     ::unsetenv("COUNTERSIGN_TEST_MARKER");
     ::close(inheritable);
     ::close(high);
@@ -667,7 +730,7 @@ pwd
     EXPECT_THAT(report, HasSubstr("\nnull\n"));
     EXPECT_THAT(report, HasSubstr("\nSigBlk:\t0000000000000000\n"));
     EXPECT_THAT(report, HasSubstr("\nSigIgn:\t0000000000000000\n"));
-    EXPECT_THAT(report, HasSubstr("\nmarker value\n"));
+    EXPECT_THAT(report, HasSubstr("\nmarker value\n0027\n"));
     EXPECT_THAT(report, HasSubstr("\n" + std::filesystem::current_path().string() + "\n"));
 
     // pid (name) state parent group session

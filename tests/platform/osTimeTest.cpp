@@ -106,6 +106,45 @@ TEST(osTime, formats)
     EXPECT_EQ(textOf(981173106, osTime::FOR_FILE_NAME, osTime::UTC), "2001-02-03_04-05-06");
 }
 
+TEST(osTime, everyFormatIsInTheZone)
+{
+    // Half an hour, so that all but the seconds differ; the day does, too.
+    const TimeZoneSet timeZone("AAA-5:30");
+    EXPECT_EQ(textOf(1700000000, osTime::DATE_AND_TIME, osTime::LOCAL), "2023-11-15 03:43:20");
+    EXPECT_EQ(textOf(1700000000, osTime::DATE_ONLY, osTime::LOCAL), "2023-11-15");
+    EXPECT_EQ(textOf(1700000000, osTime::TIME_ONLY, osTime::LOCAL), "03:43:20");
+    EXPECT_EQ(textOf(1700000000, osTime::FOR_FILE_NAME, osTime::LOCAL), "2023-11-15_03-43-20");
+    EXPECT_EQ(textOf(1700000000, osTime::DATE_ONLY, osTime::UTC), "2023-11-14");
+    EXPECT_EQ(textOf(1700000000, osTime::TIME_ONLY, osTime::UTC), "22:13:20");
+    EXPECT_EQ(textOf(1700000000, osTime::FOR_FILE_NAME, osTime::UTC), "2023-11-14_22-13-20");
+    EXPECT_EQ(textOf(1700000000, static_cast<osTime::TimeFormat>(99), osTime::LOCAL), "2023-11-15 03:43:20");
+}
+
+// Four digits, more where they are needed, and a minus before the year 0.
+TEST(osTime, yearsHaveFourDigits)
+{
+    const TimeZoneSet timeZone("UTC0");
+    const struct
+    {
+        long long seconds;
+        std::string date;
+    } years[] = {
+        {-30641760000, "0999-01-01"},   {-59011459200, "0100-01-01"},      {-62135596800, "0001-01-01"},
+        {-62135683200, "0000-12-31"},   {-62167305600, "-0001-12-31"},     {-62198755200, "-0001-01-01"},
+        {-93724214400, "-1001-12-31"},  {-377705203200, "-10000-12-31"},   {253402300800, "10000-01-01"},
+        {-377705116800, "-9999-01-01"}, {-3217862419200, "-100000-01-01"},
+    };
+    for (const auto& year : years)
+    {
+        for (const osTime::TimeZone zone : {osTime::UTC, osTime::LOCAL})
+        {
+            EXPECT_EQ(textOf(year.seconds, osTime::DATE_ONLY, zone), year.date);
+            EXPECT_EQ(textOf(year.seconds, osTime::DATE_AND_TIME, zone), year.date + " 00:00:00");
+            EXPECT_EQ(textOf(year.seconds + 86399, osTime::FOR_FILE_NAME, zone), year.date + "_23-59-59");
+        }
+    }
+}
+
 TEST(osTime, unknownFormatsAndZonesCountAsTheFirst)
 {
     const TimeZoneSet timeZone("AAA-5:30");
