@@ -60,8 +60,10 @@ stands() {
     import -silent -window root "$files/now.png" 2>/dev/null || return 1
     [ "$(identify -format '%k' "$files/now.png")" -gt 16 ] || return 1
     sleep 0.4
-    # But for a text cursor that blinks.
-    [ -e "$files/before.png" ] && [ "$(compare -metric AE "$files/before.png" "$files/now.png" null: 2>&1)" -lt 100 ]
+    [ -e "$files/before.png" ] || return 1
+    # Different pixels, but for a text cursor that blinks. Newer versions add a second number.
+    difference=$(compare -metric AE "$files/before.png" "$files/now.png" null: 2>&1)
+    [ "${difference%% *}" -lt 100 ]
 }
 
 isGone() {

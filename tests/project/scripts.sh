@@ -147,6 +147,58 @@ case $case in
         expectLine 'FAILED: installing packages: it takes root or sudo'
         ;;
 
+    lintLooksAtWhatHasChanged)
+        for tool in clang-format clang-tidy clang++ shellcheck mandoc desktop-file-validate appstreamcli; do
+            if ! command -v "$tool" >/dev/null 2>&1; then
+                echo "skipped: $tool is not installed"
+                exit 77
+            fi
+        done
+        # A project of two sources, of which one is touched after the last commit.
+        packageSystem
+        cp "$source/CMakePresets.json" "$source/.clang-format" "$source/.clang-tidy" "$source/.shellcheckrc" "$here/copy"
+        cd "$here/copy" || exit 1
+        printf '%s\n' 'cmake_minimum_required(VERSION 3.25)' 'project(little LANGUAGES CXX)' \
+            'set(CMAKE_EXPORT_COMPILE_COMMANDS ON)' 'add_library(little old.cpp new.cpp)' >CMakeLists.txt
+        printf '%s\n' '#include "new.h"' '' 'int* noOldNumber()' '{' '    return 0;' '}' >old.cpp
+        printf '%s\n' '#include "new.h"' '' 'int* noNewNumber()' '{' '    return nullptr;' '}' >new.cpp
+        printf '%s\n' '#pragma once' '' 'int* noNewNumber();' >new.h
+        printf '%s\n' '/build/' >.gitignore
+        printf '%s\n' '#!/bin/sh' 'echo hello' >greet
+        printf '%s\n' '.TH LITTLE 1 2026-01-01 "Little @VERSION@"' '.SH NAME' 'little \- does little' >little.1.in
+        git init -q -b main . && git add . && git -c user.name=n -c user.email=e@invalid commit -q -m first ||
+            complain "no repository can be made"
+        lint() {
+            PATH=$here/bin:$PATH COUNTERSIGN_DPKG_STATUS=$here/status \
+                "$here/copy/scripts/lint.sh" "$@" </dev/null >"$here/output" 2>&1
+        }
+        lint || complain "it found something where nothing is wrong"
+        expectLine '^countersign: scripts \(shellcheck\): [0-9]+ files$'
+        expectLine '^countersign: nothing to mend$'
+        printf '%s\n' '' 'int* newest();' >>new.h
+        lint || complain "it found something that has not changed"
+        expectLine '^countersign: clang-tidy: 1 files$'
+        ! lint --all || complain "it did not find what is old"
+        expectLine 'old.cpp:5:12: error: use nullptr'
+        expectLine '^countersign: FAILED: clang-tidy$'
+        # One mistake for each tool.
+        printf '%s\n' '' 'int*  noNewestNumber(){' '    return 0;' '}' >>new.cpp
+        printf '%s\n' 'rm $1' >>greet
+        printf '%s\n' '.BX wrong' >>little.1.in
+        printf '%s\n' '[Desktop Entry]' 'Name=little' >little.desktop
+        printf '%s\n' '<component><name>little</name></component>' >little.metainfo.xml
+        ! lint || complain "it found nothing"
+        expectLine 'new.cpp:9:12: error: use nullptr'
+        expectLine 'SC2086'
+        expectLine '^little.1.in:4:2: '
+        expectLine 'FAILED: formatting .*; scripts .*; manual pages .*; desktop entries .*; metainfo .*; clang-tidy$'
+        # Of a file that is given, nothing else is looked at, and nothing is built for a script.
+        rm -r build
+        ! lint greet || complain "it found nothing in one file"
+        expectLine '^countersign: FAILED: scripts \(shellcheck\)$'
+        [ ! -e build/lint ] || complain "it configured for a script"
+        ;;
+
     displayGivesTheStatusOfTheCommand)
         "$source/scripts/with-display.sh" sh -c 'xdpyinfo >/dev/null && exit 42' >"$here/output" 2>&1
         status=$?
