@@ -4,6 +4,8 @@
 #include "host/hoDisplayText.h"
 #include "host/hoSigningWords.h"
 
+#include <algorithm>
+
 #include <wx/button.h>
 #include <wx/gauge.h>
 #include <wx/sizer.h>

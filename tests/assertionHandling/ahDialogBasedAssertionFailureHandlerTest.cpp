@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <climits>

@@ -5,6 +5,7 @@
 
 #include "bigdigits.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <random>
 #include <string>

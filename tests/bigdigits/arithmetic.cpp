@@ -2,6 +2,8 @@
 // Digit arrays and basic arithmetic at the edges.
 #include "Digits.h"
 
+#include <algorithm>
+
 namespace
 {
 

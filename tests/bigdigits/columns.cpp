@@ -6,6 +6,7 @@
 #include "Digits.h"
 #include "RandomNumbers.h"
 
+#include <algorithm>
 #include <fstream>
 #include <set>
 #include <sstream>

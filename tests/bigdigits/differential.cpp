@@ -3,6 +3,7 @@
 #include "Digits.h"
 #include "RandomNumbers.h"
 
+#include <algorithm>
 #include <cstring>
 #include <ostream>
 

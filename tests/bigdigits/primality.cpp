@@ -4,6 +4,7 @@
 #include "RandomNumbers.h"
 #include "watching.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <sys/time.h>

@@ -10,6 +10,10 @@
 // Calls: open, read, write, fsync, close, link, rename, renameat2, fstat, stat, realpath; new for the allocations from the first
 // opened file on, parse for those from the start of main on (to be exact from its first pipe: nobody catches what static
 // objects throw).
+
+// The headers may not bring bodies of what is defined here.
+#undef _FORTIFY_SOURCE
+
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The toolkit's flags would make one name of two functions here.
 #undef _FILE_OFFSET_BITS
+// Nor may the headers bring bodies of what is defined here.
+#undef _FORTIFY_SOURCE
 #include "SystemFault.h"
 
 #include <array>

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+// The headers may not bring bodies of what is defined here.
+#undef _FORTIFY_SOURCE
 #include "platform/osWrappers/osFile.h"
 
 #include <algorithm>
