@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <ostream>
 #include <stdexcept>
 #include <utility>
 
@@ -24,11 +25,16 @@ std::size_t lengthOf(const char* pChars, int length)
     return (pChars == nullptr) ? 0 : static_cast<std::size_t>(std::max(length, 0));
 }
 
+[[noreturn]] void throwTooLong()
+{
+    throw std::length_error("gtString: a text of more than INT_MAX bytes");
+}
+
 void appendChecked(std::string& text, const char* pChars, std::size_t length)
 {
     if (length > longestText - text.size())
     {
-        throw std::length_error("gtString: a text of more than INT_MAX bytes");
+        throwTooLong();
     }
     text.append(pChars, length);
 }
@@ -42,6 +48,22 @@ gtString::gtString(const char* pChars)
 gtString::gtString(const char* pChars, int length)
 {
     appendChecked(_text, pChars, lengthOf(pChars, length));
+}
+
+gtString::gtString(std::string_view text)
+{
+    appendChecked(_text, text.data(), text.size());
+}
+
+gtString::gtString(const std::string& text) : gtString(std::string_view(text)) {}
+
+gtString::gtString(std::string&& text)
+{
+    if (text.size() > longestText)
+    {
+        throwTooLong();
+    }
+    _text.swap(text);
 }
 
 gtString::gtString(gtString&& other) noexcept
@@ -63,8 +85,18 @@ gtString& gtString::operator=(gtString&& other) noexcept
 
 gtString& gtString::append(const gtString& other)
 {
-    appendChecked(_text, other._text.data(), other._text.size());
+    return append(other.asStringView());
+}
+
+gtString& gtString::append(std::string_view other)
+{
+    appendChecked(_text, other.data(), other.size());
     return *this;
+}
+
+gtString& gtString::append(const std::string& other)
+{
+    return append(std::string_view(other));
 }
 
 gtString& gtString::append(const char* pChars)
@@ -107,7 +139,7 @@ gtString& gtString::appendFormattedString(const char* pFormat, ...)
     }
     if (static_cast<std::size_t>(length) > longestText - _text.size())
     {
-        throw std::length_error("gtString: a text of more than INT_MAX bytes");
+        throwTooLong();
     }
 
     const std::size_t size = static_cast<std::size_t>(length) + 1;
@@ -130,4 +162,9 @@ gtString& gtString::reserve(int length)
     // Some libraries shrink to what is less than there is.
     _text.reserve(std::max(static_cast<std::size_t>(std::max(length, this->length())), _text.capacity()));
     return *this;
+}
+
+std::ostream& operator<<(std::ostream& stream, const gtString& text)
+{
+    return stream << text.asStringView();
 }

@@ -6,13 +6,19 @@
 // - A null pointer where characters are expected reads as the empty text. Where a length is given beside the pointer,
 //   a negative length reads as 0; exactly that many bytes are taken, NULs included, and the caller must have them.
 // - Characters given to a member may lie inside the text that the member changes.
+// - std::string and std::string_view become a gtString wherever one is expected; the other way is asked for by name, so
+//   that no call has two meanings.
 // - A text holds at most INT_MAX bytes. What would make it longer throws std::length_error; what finds no memory throws
 //   std::bad_alloc; in both cases the text is what it was before.
 // - Threads may read one text together; whoever changes it must be alone with it.
 #ifndef GT_STRING_H
 #define GT_STRING_H
 
+#include <cstddef>
+#include <functional>
+#include <iosfwd>
 #include <string>
+#include <string_view>
 
 class gtString
 {
@@ -25,6 +31,11 @@ public:
 
     // The first length characters.
     gtString(const char* pChars, int length);
+
+    // The same bytes. From a std::string that is given away, no memory is taken, and that is empty afterwards.
+    gtString(std::string_view text);
+    gtString(const std::string& text);
+    gtString(std::string&& text);
 
     gtString(const gtString& other) = default;
 
@@ -42,6 +53,8 @@ public:
     // Append a text (this one is allowed), the characters up to the first NUL, the first length characters,
     // one character (NUL is a character like any other).
     gtString& append(const gtString& other);
+    gtString& append(std::string_view other);
+    gtString& append(const std::string& other);
     gtString& append(const char* pChars);
     gtString& append(const char* pChars, int length);
     gtString& append(char aChar);
@@ -53,6 +66,10 @@ public:
 
     // The characters and a NUL after them: never null, valid until the text is changed or destroyed.
     const char* asCharArray() const noexcept { return _text.c_str(); }
+
+    // All bytes, NULs included: a view, valid as long as asCharArray() is, and a copy.
+    std::string_view asStringView() const noexcept { return _text; }
+    std::string asStdString() const { return _text; }
 
     int length() const noexcept { return static_cast<int>(_text.size()); }
     bool isEmpty() const noexcept { return _text.empty(); }
@@ -74,6 +91,19 @@ public:
 
 private:
     std::string _text;
+};
+
+// Writes all bytes, within the stream's width and fill as a std::string is.
+std::ostream& operator<<(std::ostream& stream, const gtString& text);
+
+// The hash of asStringView().
+template <>
+struct std::hash<gtString>
+{
+    std::size_t operator()(const gtString& text) const noexcept
+    {
+        return std::hash<std::string_view>()(text.asStringView());
+    }
 };
 
 #endif

@@ -5,12 +5,16 @@
 #include <clocale>
 #include <cwchar>
 #include <gtest/gtest.h>
+#include <iomanip>
 #include <new>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <sys/mman.h>
 #include <type_traits>
 #include <unistd.h>
+#include <unordered_map>
 #include <utility>
 
 #include "tests/support/failingAllocation.h"
@@ -20,6 +24,12 @@ namespace
 static_assert(std::is_nothrow_default_constructible<gtString>::value, "");
 static_assert(std::is_nothrow_move_constructible<gtString>::value, "");
 static_assert(std::is_nothrow_move_assignable<gtString>::value, "");
+
+// Out by name only: with a conversion both ways, "text == view" would have two meanings.
+static_assert(std::is_convertible<std::string, gtString>::value, "");
+static_assert(std::is_convertible<std::string_view, gtString>::value, "");
+static_assert(!std::is_convertible<gtString, std::string>::value, "");
+static_assert(!std::is_convertible<gtString, std::string_view>::value, "");
 
 const char* const pNoChars = nullptr;
 
@@ -268,6 +278,11 @@ TEST(gtString, refusesWhatIsLongerThanAnInt)
     volatile int longest = INT_MAX;  // the compiler would see it and refuse
     EXPECT_THROW(text.appendFormattedString("%*d", longest, 1), std::length_error);
     EXPECT_EQ(contents(text), "1");
+    const std::string_view tooLong("x", static_cast<std::size_t>(INT_MAX) + 1);
+    EXPECT_THROW(gtString{tooLong}, std::length_error);
+    EXPECT_THROW(text.append(tooLong), std::length_error);
+    EXPECT_THROW(text = tooLong, std::length_error);
+    EXPECT_EQ(contents(text), "1");
 }
 
 // The characters are pages of zeros that take no memory; the text's own do.
@@ -301,6 +316,84 @@ TEST(gtString, holdsWhatIsAsLongAsAnInt)
         text.append(pNoChars);
     }
     EXPECT_EQ(::munmap(pZeros, twoGiB), 0);
+}
+
+TEST(gtString, refusesToTakeWhatIsLongerThanAnInt)
+{
+    constexpr std::size_t twoGiB = std::size_t(1) << 31;
+    if (::sysconf(_SC_AVPHYS_PAGES) < static_cast<long>(twoGiB) / ::sysconf(_SC_PAGESIZE) * 3 / 2)
+    {
+        GTEST_SKIP() << "takes more memory than there is";
+    }
+    // A length that an int cannot hold, and then one that it can.
+    std::string tooLong(twoGiB, 'g');
+    gtString text("1");
+    EXPECT_THROW(text = std::move(tooLong), std::length_error);
+    EXPECT_EQ(contents(text), "1");
+    EXPECT_EQ(tooLong.size(), twoGiB);
+    tooLong.pop_back();
+    text = std::move(tooLong);
+    EXPECT_EQ(text.length(), INT_MAX);
+}
+
+TEST(gtString, takesAndGivesTheStandardLibrarysTexts)
+{
+    const std::string bytes("a\0b\xff", 4);
+    const std::string_view view(bytes);
+    for (const gtString& text : {gtString(bytes), gtString(view), gtString(std::string(bytes))})
+    {
+        EXPECT_EQ(text.length(), 4);
+        EXPECT_EQ(text.asStdString(), bytes);
+        EXPECT_EQ(text.asStringView(), view);
+        EXPECT_EQ(text.asStringView().data(), text.asCharArray());
+    }
+    EXPECT_TRUE(gtString(std::string_view()).isEmpty());
+    EXPECT_TRUE(gtString().asStringView().empty());
+
+    gtString text;
+    text = bytes;
+    EXPECT_TRUE(text == bytes);
+    text = view.substr(1);
+    EXPECT_TRUE(text == view.substr(1));
+    EXPECT_TRUE(text != view);
+    text = std::string("c");
+    EXPECT_EQ(contents(text), "c");
+    text.append(bytes).append(view).append(std::string("d"));
+    EXPECT_EQ(contents(text), "c" + bytes + bytes + "d");
+    text.append(text.asStringView().substr(0, 2));
+    EXPECT_EQ(contents(text), "c" + bytes + bytes + "dca");
+}
+
+TEST(gtString, takesAGivenAwayTextWithoutMemory)
+{
+    std::string givenAway(5000, 'g');
+    const char* const pChars = givenAway.data();
+    const unsigned long long before = amountOfAllocations();
+    const gtString text(std::move(givenAway));
+    EXPECT_EQ(amountOfAllocations(), before);
+    EXPECT_EQ(text.asCharArray(), pChars);
+    EXPECT_EQ(text.length(), 5000);
+    EXPECT_TRUE(givenAway.empty());
+}
+
+TEST(gtString, isAKeyOfHashTables)
+{
+    EXPECT_EQ(std::hash<gtString>()("abc"), std::hash<std::string_view>()("abc"));
+    EXPECT_NE(std::hash<gtString>()(gtString("a\0b", 3)), std::hash<gtString>()(gtString("a\0c", 3)));
+    std::unordered_map<gtString, int> amounts;
+    ++amounts[gtString("a\0b", 3)];
+    ++amounts["a"];
+    ++amounts[std::string("a\0b", 3)];
+    EXPECT_EQ(amounts.size(), 2U);
+    EXPECT_EQ(amounts[gtString("a\0b", 3)], 2);
+}
+
+TEST(gtString, isWrittenToStreams)
+{
+    std::ostringstream stream;
+    stream << gtString("a\0b", 3) << '|' << std::setw(5) << std::setfill('.') << gtString("cd") << '|' << std::left
+           << std::setw(4) << gtString("e") << gtString();
+    EXPECT_EQ(stream.str(), std::string("a\0b|...cd|e...", 14));
 }
 
 TEST(gtString, equalWhenLengthAndBytesAre)
@@ -354,6 +447,10 @@ TEST(gtString, isAsItWasWhenMemoryRunsOut)
     expectStrongGuarantee(before, [&](gtString& text) { text.append(longText.c_str(), 900); });
     expectStrongGuarantee(before, [&](gtString& text) { text.append(longString); });
     expectStrongGuarantee(before, [&](gtString& text) { text.append(text); });
+    expectStrongGuarantee(before, [&](gtString& text) { text.append(longText); });
+    expectStrongGuarantee(before, [&](gtString& text) { text.append(std::string_view(longText)); });
+    expectStrongGuarantee(before, [&](gtString& text) { text = longText; });
+    expectStrongGuarantee(before, [&](gtString& text) { text = std::string_view(longText); });
     expectStrongGuarantee(before, [&](gtString& text) { text.appendFormattedString("%900d", 1); });
     expectStrongGuarantee(before, [&](gtString& text) { text.appendFormattedString("%200d", 1); });
     expectStrongGuarantee(before, [&](gtString& text) { text = longText.c_str(); });
