@@ -3,7 +3,7 @@
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME countersign)
 set(CPACK_PACKAGE_VENDOR "Countersign")
-set(CPACK_PACKAGE_CONTACT "The Countersign developers <developers@countersign.invalid>")
+set(CPACK_PACKAGE_CONTACT "The Countersign developers <developers@countersign.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "sign and test files, encrypt short texts")
 set(CPACK_PACKAGE_DESCRIPTION
 "Countersign writes a signature beside each file and tells later whether the
