@@ -6,6 +6,7 @@
 # What is installed is in parts (cmake --install --component): countersign_cli, countersign_desktop, the shared libraries
 # that both need in countersign_libraries, and what programmers link in countersign_development.
 include(CMakePackageConfigHelpers)
+include(CountersignDesktopFiles)
 
 set(countersignCMakeFolder "${CMAKE_INSTALL_LIBDIR}/cmake/countersign")
 set(countersignHeaders "${CMAKE_INSTALL_INCLUDEDIR}/countersign")
@@ -73,6 +74,7 @@ if(TARGET countersign_desktop)
         install(FILES "${desktop}/icons/${size}.png" RENAME "${id}.png"
             DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps" COMPONENT countersign_desktop)
     endforeach()
+    countersign_install_desktop_files(countersign_desktop)
     configure_file("${PROJECT_SOURCE_DIR}/docs/man/countersign-desktop.1.in"
         "${PROJECT_BINARY_DIR}/man/countersign-desktop.1" @ONLY)
     install(FILES "${PROJECT_BINARY_DIR}/man/countersign-desktop.1"

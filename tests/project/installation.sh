@@ -81,6 +81,11 @@ case $case in
             share/dbus-1/services/org.countersign.Countersign.service \
             share/icons/hicolor/scalable/apps/org.countersign.Countersign.svg \
             share/icons/hicolor/48x48/apps/org.countersign.Countersign.png \
+            share/mime/packages/org.countersign.Countersign.xml \
+            share/icons/hicolor/48x48/mimetypes/application-vnd.countersign.signature.png \
+            share/file-manager/actions/org.countersign.Countersign.desktop \
+            share/kio/servicemenus/org.countersign.Countersign.desktop \
+            share/nemo/actions/org.countersign.Countersign.nemo_action \
             share/man/man1/countersign.1 share/man/man1/countersign-desktop.1 \
             share/bash-completion/completions/countersign include/countersign/bigdigits.h; do
             grep -qE " \./usr/$file( ->.*|\.gz)?\$" "$here/contents" || complain "/usr/$file is not in the package"
