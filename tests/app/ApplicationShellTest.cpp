@@ -6,8 +6,10 @@
 #include <memory>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include <gtest/gtest.h>
+#include <wx/build.h>
 
 #include "AssertionRecorder.h"
 #include "MainFrame.h"
@@ -41,7 +43,48 @@ const char* const argumentsReport =
 const char* const handlerReport =
     "OnInit app/ApplicationShell.cpp 51 Assertion failure (_pAssertionFailureHandler != __null)";
 
+std::vector<std::string>& optionsChecks()
+{
+    static std::vector<std::string> checks;
+    return checks;
+}
+
+int amountOfToolkitsExits = 0;
+
+// Notes how many handlers there are when it is destroyed.
+class LastHandler : public ahDialogBasedAssertionFailureHandler
+{
+public:
+    explicit LastHandler(std::vector<int>& amounts) : ahDialogBasedAssertionFailureHandler(1), _amounts(amounts) {}
+    LastHandler(const LastHandler&) = delete;
+    LastHandler& operator=(const LastHandler&) = delete;
+    ~LastHandler() override { _amounts.push_back(gtAmountOfRegisteredAssertionFailureHandlers()); }
+
+private:
+    std::vector<int>& _amounts;
+};
+
 }  // namespace
+
+// In the place of the toolkit's own functions, of which nothing would be seen.
+
+bool wxAppConsoleBase::CheckBuildOptions(const char* optionsSignature, const char* componentName)
+{
+    optionsChecks().push_back(std::string(optionsSignature) + ", " + componentName);
+    return true;
+}
+
+int wxAppBase::OnExit()
+{
+    amountOfToolkitsExits++;
+    return 0;
+}
+
+int wxAppConsoleBase::OnExit()
+{
+    amountOfToolkitsExits++;
+    return 0;
+}
 
 TEST(Shell, HasItsOperationsAndFieldsInTheirOrder)
 {
@@ -74,6 +117,13 @@ TEST(Shell, IsMadeByTheRegisteredFactory)
     ASSERT_NE(pShell, nullptr);
     EXPECT_EQ(wxApp::GetInstance(), pShell);
     EXPECT_EQ(&wxGetApp(), pShell);
+}
+
+TEST(Shell, IsMadeAfterALookAtTheBuildOptions)
+{
+    optionsChecks().clear();
+    const std::unique_ptr<wxAppConsole> pApplication(wxCreateApp());
+    EXPECT_EQ(optionsChecks(), (std::vector<std::string>{std::string(WX_BUILD_OPTIONS_SIGNATURE) + ", your program"}));
 }
 
 TEST(Shell, KeepsTheFirstDocumentInItsArguments)
@@ -137,6 +187,32 @@ TEST(Shell, ExitsWithZeroWithoutEverHavingStarted)
     OpenShell shell;
     EXPECT_EQ(shell.OnExit(), 0);
     EXPECT_EQ(shell.OnExit(), 0);
+}
+
+TEST(Shell, UnregistersTheHandlerAndThenDeletesIt)
+{
+    std::vector<int> amountsAtTheEnd;
+    OpenShell shell;
+    shell._pAssertionFailureHandler = new LastHandler(amountsAtTheEnd);
+    gtRegisterAssertionFailureHandler(shell._pAssertionFailureHandler);
+    EXPECT_EQ(shell.OnExit(), 0);
+    EXPECT_EQ(amountsAtTheEnd, std::vector<int>{0});
+    EXPECT_EQ(shell._pAssertionFailureHandler, nullptr);
+}
+
+TEST(Shell, ExitsWithoutTheToolkitsOwnExit)
+{
+    amountOfToolkitsExits = 0;
+    OpenShell shell;
+    shell._pAssertionFailureHandler = new ahDialogBasedAssertionFailureHandler(1);
+    EXPECT_EQ(shell.OnExit(), 0);
+    EXPECT_EQ(shell.OnExit(), 0);
+    EXPECT_EQ(amountOfToolkitsExits, 0);
+
+    // They are what a call of the base class would reach.
+    EXPECT_EQ(shell.wxApp::OnExit(), 0);
+    EXPECT_EQ(shell.wxAppConsole::OnExit(), 0);
+    EXPECT_EQ(amountOfToolkitsExits, 2);
 }
 
 TEST(Shell, DoesNotStartWithoutMemoryForTheMainWindow)

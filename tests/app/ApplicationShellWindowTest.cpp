@@ -30,9 +30,10 @@ class ShellWindow : public testing::Test
 protected:
     ~ShellWindow() override
     {
-        MainFrame::whileConstructing = nullptr;
+        MainFrame::whileConstructing() = nullptr;
+        MainFrame::whileShowing() = nullptr;
         MainFrame::hasNoMemory = false;
-        MainFrame::openedPaths.clear();
+        MainFrame::openedPaths().clear();
         closeMainWindow();
         wxGetApp().OnExit();
     }
@@ -62,7 +63,7 @@ TEST_F(ShellWindow, StartsWithAHandlerAndThenAWindow)
 {
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
     bool isConstructed = false;
-    MainFrame::whileConstructing = [&](MainFrame& frame)
+    MainFrame::whileConstructing() = [&](MainFrame& frame)
     {
         isConstructed = true;
         EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
@@ -88,7 +89,10 @@ TEST_F(ShellWindow, MakesItTheTopWindowEvenIfThereIsAnotherOne)
 {
     wxFrame other(nullptr, wxID_ANY, "other");
     wxGetApp().SetTopWindow(&other);
+    wxWindow* pTopWhileShowing = nullptr;
+    MainFrame::whileShowing() = [&](MainFrame&) { pTopWhileShowing = wxGetApp().GetTopWindow(); };
     EXPECT_TRUE(wxGetApp().OnInit());
+    EXPECT_EQ(pTopWhileShowing, &other) << "the window is shown first";
     EXPECT_EQ(wxGetApp().GetTopWindow(), mainFrame());
 }
 
@@ -114,11 +118,11 @@ TEST_F(ShellWindow, PassesDocumentsToTheMainWindow)
     {
         wxGetApp().MacOpenFile(ahPathTextFromBytes(gtString(path.c_str())));
     }
-    ASSERT_EQ(MainFrame::openedPaths.size(), paths.size());
+    ASSERT_EQ(MainFrame::openedPaths().size(), paths.size());
     for (std::size_t i = 0; i < paths.size(); i++)
     {
-        EXPECT_EQ(MainFrame::openedPaths[i].first, paths[i]);
-        EXPECT_TRUE(MainFrame::openedPaths[i].second);
+        EXPECT_EQ(MainFrame::openedPaths()[i].first, paths[i]);
+        EXPECT_TRUE(MainFrame::openedPaths()[i].second);
     }
     EXPECT_EQ(wxGetApp().argc, 1);
     EXPECT_EQ(wxGetApp().argv.GetArguments().size(), 1U);
@@ -143,7 +147,7 @@ TEST_F(ShellWindow, StartsWithoutMemoryForTheHandler)
 
 TEST_F(ShellWindow, LetsTheMainWindowsExceptionOutAndReleasesItsMemory)
 {
-    MainFrame::whileConstructing = [](MainFrame&) { throw std::runtime_error("no window"); };
+    MainFrame::whileConstructing() = [](MainFrame&) { throw std::runtime_error("no window"); };
     EXPECT_THROW(wxGetApp().OnInit(), std::runtime_error);
     EXPECT_EQ(MainFrame::amountOfLive, 0);
     EXPECT_EQ(mainFrame(), nullptr);
@@ -164,7 +168,7 @@ TEST_F(ShellWindow, DropsADocumentThatComesAfterTheMainWindow)
     closeMainWindow();
     EXPECT_EQ(mainFrame(), nullptr);
     wxGetApp().MacOpenFile("/tmp/late.txt");
-    EXPECT_TRUE(MainFrame::openedPaths.empty());
+    EXPECT_TRUE(MainFrame::openedPaths().empty());
     EXPECT_EQ(recorder.reports,
               std::vector<std::string>{
                   "MacOpenFile app/ApplicationShell.cpp 109 Assertion failure ((argc == 0)&&(argv == __null))"});
@@ -174,11 +178,14 @@ TEST_F(ShellWindow, DropsADocumentThatComesAfterTheMainWindow)
 
 TEST(Program, EndsWithZeroWhenItsWindowIsClosed)
 {
-    std::string output;
-    EXPECT_EQ(tsRunProgram({SHELL_PROGRAM, "run"}, &output), 0);
-    EXPECT_EQ(output, "window with 1 handler\n"
-                      "argument run\n"
-                      "0 handlers at the end\n");
+    for (const char* pProgram : {SHELL_PROGRAM, REORDERED_SHELL_PROGRAM})
+    {
+        std::string output;
+        EXPECT_EQ(tsRunProgram({"timeout", "60", pProgram, "run"}, &output), 0) << pProgram;
+        EXPECT_EQ(output, "window with 1 handler\n"
+                          "argument run\n"
+                          "0 handlers at the end\n");
+    }
 }
 
 TEST(Program, TakesArgumentsThatLookLikeOptions)

@@ -5,22 +5,47 @@
 
 bool MainFrame::hasNoMemory = false;
 int MainFrame::amountOfLive = 0;
-std::function<void(MainFrame&)> MainFrame::whileConstructing;
-std::vector<std::pair<std::string, bool>> MainFrame::openedPaths;
+
+std::function<void(MainFrame&)>& MainFrame::whileConstructing()
+{
+    static std::function<void(MainFrame&)> function;
+    return function;
+}
+
+std::function<void(MainFrame&)>& MainFrame::whileShowing()
+{
+    static std::function<void(MainFrame&)> function;
+    return function;
+}
+
+std::vector<std::pair<std::string, bool>>& MainFrame::openedPaths()
+{
+    static std::vector<std::pair<std::string, bool>> paths;
+    return paths;
+}
 
 MainFrame::MainFrame() : wxFrame(nullptr, wxID_ANY, "main window")
 {
-    if (whileConstructing)
+    if (whileConstructing())
     {
-        whileConstructing(*this);
+        whileConstructing()(*this);
     }
 }
 
 MainFrame::~MainFrame() = default;
 
+bool MainFrame::Show(bool isShown)
+{
+    if (whileShowing())
+    {
+        whileShowing()(*this);
+    }
+    return wxFrame::Show(isShown);
+}
+
 void MainFrame::openFilePath(const gtString& path, bool flag)
 {
-    openedPaths.emplace_back(std::string(path.asCharArray(), static_cast<std::size_t>(path.length())), flag);
+    openedPaths().emplace_back(std::string(path.asCharArray(), static_cast<std::size_t>(path.length())), flag);
 }
 
 void* MainFrame::operator new(std::size_t size)

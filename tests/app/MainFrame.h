@@ -22,6 +22,9 @@ public:
     MainFrame();
     ~MainFrame() override;
 
+    // Runs whileShowing before it is shown.
+    bool Show(bool isShown = true) override;
+
     void openFilePath(const gtString& path, bool flag);
 
     // Null while hasNoMemory; counted in amountOfLive.
@@ -32,8 +35,11 @@ public:
 
     static bool hasNoMemory;
     static int amountOfLive;
-    static std::function<void(MainFrame&)> whileConstructing;
-    static std::vector<std::pair<std::string, bool>> openedPaths;
+
+    // Functions, so that static objects of other files may use them before main().
+    static std::function<void(MainFrame&)>& whileConstructing();
+    static std::function<void(MainFrame&)>& whileShowing();
+    static std::vector<std::pair<std::string, bool>>& openedPaths();
 };
 
 #endif

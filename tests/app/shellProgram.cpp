@@ -53,7 +53,7 @@ class Witness
 public:
     Witness()
     {
-        MainFrame::whileConstructing = &tell;
+        MainFrame::whileConstructing() = &tell;
         // Before main() the arguments are found nowhere else.
         std::FILE* pCommandLine = std::fopen("/proc/self/cmdline", "r");
         char text[4096] = {};

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -152,6 +153,37 @@ std::vector<Piece> runsOf(wxTextCtrl* pControl)
     return runs;
 }
 
+// Notes what is written into it, call by call.
+class NotingTextCtrl : public wxTextCtrl
+{
+public:
+    struct Call
+    {
+        bool isStyle = false;
+        wxTextAttr style = {};
+        wxString text = {};
+    };
+
+    explicit NotingTextCtrl(wxWindow* pParent)
+        : wxTextCtrl(pParent, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_MULTILINE | wxTE_RICH)
+    {
+    }
+
+    bool SetDefaultStyle(const wxTextAttr& style) override
+    {
+        calls.push_back({true, style, wxString()});
+        return wxTextCtrl::SetDefaultStyle(style);
+    }
+
+    void AppendText(const wxString& text) override
+    {
+        calls.push_back({false, wxTextAttr(), text});
+        wxTextCtrl::AppendText(text);
+    }
+
+    std::vector<Call> calls;
+};
+
 template <class Operation>
 std::ptrdiff_t slotOf(Operation operation)
 {
@@ -251,6 +283,7 @@ TEST(Dialog, HasFiveButtonsAndNothingElse)
         EXPECT_EQ(dialog.GetChildren().Item(i + 1)->GetData(), pButton);
         EXPECT_EQ(pButton->GetId(), ids[i]);
         EXPECT_EQ(pButton->GetLabel(), labels[i]);
+        EXPECT_EQ(pButton->GetWindowStyle(), 0);
         i++;
     }
     EXPECT_EQ(dialog.GetDefaultItem(), dialog._pIgnoreAllButton);
@@ -457,6 +490,58 @@ TEST(DialogReport, HasItsStyles)
         {"x != 0", *wxBLACK, size, false, false},
     };
     EXPECT_EQ(runsOf(dialog.report()), expected);
+}
+
+TEST(DialogReport, IsWrittenInThirteenSteps)
+{
+    wxFont body(*wxNORMAL_FONT);
+    body.SetEncoding(wxFONTENCODING_DEFAULT);
+    const int size = body.GetPointSize();
+    wxFont large(body);
+    large.SetPointSize(size + 4);
+    wxFont bold(body);
+    bold.SetWeight(wxFONTWEIGHT_BOLD);
+    wxFont heading(body);
+    heading.SetPointSize(size + 2);
+
+    OpenDialog dialog;
+    auto* pControl = new NotingTextCtrl(&dialog);
+    dialog.fillAssertionMessageBody(pControl);
+
+    struct Step
+    {
+        const wxColour* pColour;  // null: text is appended in the style that is set
+        const wxFont* pFont;
+        const char* pText;
+    };
+    const Step steps[] = {
+        {wxBLUE, &heading, nullptr},       {nullptr, nullptr, "Debug Assertion Failed!"},
+        {nullptr, nullptr, "\n\n"},        {wxBLACK, &bold, nullptr},
+        {nullptr, nullptr, "File Name: "}, {wxBLACK, &large, nullptr},
+        {nullptr, nullptr, "notes.txt"},   {nullptr, nullptr, " - "},
+        {nullptr, nullptr, "42"},          {nullptr, nullptr, "\n\n"},
+        {wxBLACK, &bold, nullptr},         {nullptr, nullptr, "File Path: "},
+        {wxBLACK, &body, nullptr},         {nullptr, nullptr, "/home/u/notes.txt"},
+        {nullptr, nullptr, "\n"},          {nullptr, nullptr, "\n"},
+        {wxBLUE, &heading, nullptr},       {nullptr, nullptr, "Assert Reason: \n\n"},
+        {wxBLACK, &body, nullptr},         {nullptr, nullptr, "x != 0"},
+    };
+    ASSERT_EQ(pControl->calls.size(), std::size(steps));
+    for (std::size_t i = 0; i < std::size(steps); i++)
+    {
+        const NotingTextCtrl::Call& call = pControl->calls[i];
+        ASSERT_EQ(call.isStyle, steps[i].pText == nullptr) << i;
+        if (!call.isStyle)
+        {
+            EXPECT_EQ(call.text, steps[i].pText) << i;
+            continue;
+        }
+        EXPECT_EQ(call.style.GetTextColour(), *steps[i].pColour) << i;
+        EXPECT_FALSE(call.style.HasBackgroundColour()) << i;
+        EXPECT_EQ(call.style.GetBackgroundColour(), wxNullColour) << i;
+        EXPECT_EQ(call.style.GetAlignment(), wxTEXT_ALIGNMENT_DEFAULT) << i;
+        EXPECT_EQ(call.style.GetFont(), *steps[i].pFont) << i << ": " << call.style.GetFont().GetNativeFontInfoDesc();
+    }
 }
 
 TEST(DialogReport, LeavesTheInsertionPointAtItsEnd)

@@ -9,10 +9,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <new>
+#include <set>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -296,6 +298,50 @@ TEST(Handler, ReportIsOneTextThroughPerror)
     EXPECT_EQ(reportOf(0, "run()", "/src/a b.cpp", -2147483647 - 1, "x != 0"),
               " - Assertion failure: x != 0 run() /src/a b.cpp line -2147483648\r\n" + describedBy(0));
     EXPECT_EQ(reportOf(EACCES, "", "", 0, ""), " - Assertion failure:    line 0\r\n" + describedBy(EACCES));
+}
+
+TEST(Handler, ReportTellsTheLocalTime)
+{
+    const char* const pOldZone = std::getenv("TZ");
+    const std::string oldZone(pOldZone == nullptr ? "" : pOldZone);
+    const bool hadZone = pOldZone != nullptr;
+    const auto localTime = []
+    {
+        const std::time_t seconds = std::time(nullptr);
+        std::tm parts = {};
+        localtime_r(&seconds, &parts);
+        char text[40] = {};
+        EXPECT_GT(std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &parts), 0U);
+        return std::string(text);
+    };
+
+    std::set<std::string> hours;
+    for (const char* pZone : {"UTC0", "EAST-5:30", "WEST+9"})
+    {
+        setenv("TZ", pZone, 1);
+        tzset();
+        OpenHandler handler(1);
+        testing::internal::CaptureStderr();
+        const std::string before = localTime();
+        handler.outputAssertionMessageToStderr("f", "p", 1, "m");
+        const std::string after = localTime();
+        const std::string report = testing::internal::GetCapturedStderr();
+        const std::string time = report.substr(0, report.find(" - Assertion failure: "));
+        EXPECT_LE(before, time) << pZone;
+        EXPECT_LE(time, after) << pZone;
+        hours.insert(time.substr(0, std::strlen("2026-11-21 01")));
+    }
+    EXPECT_EQ(hours.size(), 3U) << "the zones are told from each other";
+
+    if (hadZone)
+    {
+        setenv("TZ", oldZone.c_str(), 1);
+    }
+    else
+    {
+        unsetenv("TZ");
+    }
+    tzset();
 }
 
 TEST(Handler, ReportTakesBytesAsTheyAreAndNoFormats)
