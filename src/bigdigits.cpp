@@ -127,6 +127,40 @@ void clearAndFree(unsigned char* characters, size_t n)
     free(characters);
 }
 
+#if defined(__GNUC__)
+#define MP_OWN_FRAME __attribute__((noinline))
+#else
+#define MP_OWN_FRAME
+#endif
+
+// Wipes what functions that were called before have left on the stack: limbs, slices, and what the compiler kept beside
+// them. Its frame lies where theirs lay, if these have a frame of their own (MP_OWN_FRAME) and the caller has not grown
+// since. The sizes are more than any way through them takes, of which numbers of few digits take less.
+MP_OWN_FRAME void wipeDeepStack()
+{
+    unsigned char room[32768];
+    wipe(room, 0, sizeof(room));
+}
+
+MP_OWN_FRAME void wipeShallowStack()
+{
+    unsigned char room[4096];
+    wipe(room, 0, sizeof(room));
+}
+
+void wipeStack(size_t n)
+{
+    constexpr size_t fewDigits = 8;
+    if (n <= fewDigits)
+    {
+        wipeShallowStack();
+    }
+    else
+    {
+        wipeDeepStack();
+    }
+}
+
 // Only what is inlined into the functions for one processor is compiled for that processor.
 #if defined(__GNUC__)
 #define MP_INLINE inline __attribute__((always_inline))
@@ -692,6 +726,7 @@ void divideByRows(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size
 
 #define MP_HAS_COLUMNS 1
 
+constexpr bool isBigEndian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
 constexpr size_t columnCount = 16;
 constexpr size_t shortestForColumns = columnCount;
 // The sum of a column, twice as wide as a digit, has this much room.
@@ -834,13 +869,16 @@ MP_INLINE void addWidened(uint64_t sums[2][columnCount / 2], const Vector& lanes
 {
     using Wide = typename Widened<Vector>::Type;
     constexpr size_t width = sizeof(Wide) / sizeof(uint64_t);
+    // A pair of lanes as one wide lane: its low half is the even lane where the low octets come first, else the odd one.
     const auto pairs = reinterpret_cast<Wide>(lanes);
+    const Wide lowHalves = pairs & uint64_t{allOnes};
+    const Wide highHalves = pairs >> uint64_t{bitsPerDigit};
     Wide even;
     Wide odd;
     memcpy(&even, sums[0] + i * width, sizeof(Wide));
     memcpy(&odd, sums[1] + i * width, sizeof(Wide));
-    even += (pairs & uint64_t{allOnes}) << bits;
-    odd += (pairs >> uint64_t{bitsPerDigit}) << bits;
+    even += (isBigEndian ? highHalves : lowHalves) << bits;
+    odd += (isBigEndian ? lowHalves : highHalves) << bits;
     memcpy(sums[0] + i * width, &even, sizeof(Wide));
     memcpy(sums[1] + i * width, &odd, sizeof(Wide));
 }
@@ -1241,13 +1279,12 @@ void scale(Divisor& divisor, mpDigit room[], mpDigit shortRoom[shortestForLeavin
     }
 }
 
-// q[0..udigits-n] and r[0..udigits) = u / divisor, for a divisor of n <= udigits digits.
-void divideBy(const Divisor& divisor, mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits)
+// q[0..udigits-n] and r[0..udigits) = (top, r) / divisor, for a divisor of n <= udigits digits. (top, r) is the dividend,
+// shifted as the divisor is.
+void divideBy(const Divisor& divisor, mpDigit q[], mpDigit top, mpDigit r[], size_t udigits)
 {
     const mpDigit* v = divisor.digits;
     const size_t n = divisor.size;
-    mpDigit top = shiftLeftBits(r, u, divisor.shift, udigits);
-
     size_t count = udigits - n + 1;
     if (top == 0 && r[udigits - 1] < v[n - 1])
     {
@@ -1310,6 +1347,8 @@ int32_t divide(mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits, mpDi
         }
     }
 
+    // Before the divisor is shifted: u may be the same array.
+    const mpDigit top = shiftLeftBits(r, u, leadingZeroBits(v[n - 1]), size);
     Divisor divisor = normalise(v, n);
     mpDigit shortRoom[shortestForLeavingOut];
     if (m >= fewestDigitsForColumns)
@@ -1317,7 +1356,7 @@ int32_t divide(mpDigit q[], mpDigit r[], const mpDigit u[], size_t udigits, mpDi
         // Where the quotient has no digits.
         scale(divisor, q + m + 1, shortRoom);
     }
-    divideBy(divisor, q, r, u, size);
+    divideBy(divisor, q, top, r, size);
     setZero(q + m + 1, n - 1);
     shiftRightBits(v, v, divisor.shift, n);
     return 0;
@@ -1508,7 +1547,7 @@ uint32_t digitsFromText(mpDigit a[], uint32_t ndigits, const char* s, uint32_t b
 // ---------------------------------------------------------------------------------------------------------------------
 // Modular arithmetic
 
-void modulo(mpDigit r[], const mpDigit u[], size_t udigits, mpDigit v[], size_t vdigits)
+MP_OWN_FRAME void modulo(mpDigit r[], const mpDigit u[], size_t udigits, mpDigit v[], size_t vdigits)
 {
     const size_t rdigits = udigits > vdigits ? udigits : vdigits;
     mpDigit* quotient = allocateDigits(udigits);
@@ -1519,6 +1558,180 @@ void modulo(mpDigit r[], const mpDigit u[], size_t udigits, mpDigit v[], size_t 
 
     clearAndFree(quotient, udigits);
     clearAndFree(remainder, rdigits);
+}
+
+MP_OWN_FRAME void modularProduct(mpDigit a[], const mpDigit x[], const mpDigit y[], const mpDigit m[], uint32_t ndigits)
+{
+    const size_t n = ndigits;
+    mpDigit* product = allocateDigits(uint64_t{2} * ndigits);
+    mpDigit* modulus = allocateDigits(n);
+
+    setEqual(modulus, m, n);
+    multiply(product, x, y, n);
+    modulo(a, product, 2 * n, modulus, n);
+
+    clearAndFree(product, 2 * n);
+    clearAndFree(modulus, n);
+}
+
+// ndigits is not 0.
+MP_OWN_FRAME void modularPower(mpDigit y[], const mpDigit x[], const mpDigit e[], const mpDigit m[], uint32_t ndigits)
+{
+    const size_t n = ndigits;
+    mpDigit* product = allocateDigits(uint64_t{2} * ndigits);
+    mpDigit* remainder = allocateDigits(uint64_t{2} * ndigits);
+    mpDigit* quotient = allocateDigits(uint64_t{2} * ndigits);
+    mpDigit* modulus = allocateDigits(n);
+    mpDigit* value = allocateDigits(n);
+    setEqual(modulus, m, n);
+    const size_t modulusSize = significantDigits(modulus, n);
+    Divisor divisor = {};
+    mpDigit shortRoom[shortestForLeavingOut];
+    if (modulusSize > 1)
+    {
+        divisor = normalise(modulus, modulusSize);
+        // No quotient reaches the top of its array.
+        scale(divisor, quotient + 2 * n - (modulusSize - 1), shortRoom);
+    }
+    // value = product modulo the modulus.
+    const auto reduce = [=]
+    {
+        const size_t productSize = significantDigits(product, 2 * n);
+        if (modulusSize < 2)
+        {
+            divide(quotient, remainder, product, 2 * n, modulus, n);
+        }
+        else if (productSize < modulusSize)
+        {
+            setEqual(remainder, product, n);
+        }
+        else
+        {
+            const mpDigit top = shiftLeftBits(remainder, product, divisor.shift, productSize);
+            divideBy(divisor, quotient, top, remainder, productSize);
+        }
+        setEqual(value, remainder, n);
+    };
+
+    size_t size = significantDigits(e, n);
+    if (size == 0)
+    {
+        // Nothing to begin with.
+        product[0] = 1;
+        reduce();
+    }
+    else
+    {
+        mpDigit mask = topBit >> leadingZeroBits(e[size - 1]);
+        const auto nextBit = [&size, &mask]
+        {
+            if (mask == 1)
+            {
+                size--;
+                mask = topBit;
+            }
+            else
+            {
+                mask >>= 1;
+            }
+        };
+
+        // The first step, for the top bit of e, is a copy.
+        setEqual(value, x, n);
+        for (nextBit(); size != 0; nextBit())
+        {
+            mpSquare(product, value, ndigits);
+            reduce();
+            if ((e[size - 1] & mask) != 0)
+            {
+                mpMultiply(product, value, x, ndigits);
+                reduce();
+            }
+        }
+    }
+    setEqual(y, value, n);
+
+    clearAndFree(product, 2 * n);
+    clearAndFree(remainder, 2 * n);
+    clearAndFree(quotient, 2 * n);
+    clearAndFree(modulus, n);
+    clearAndFree(value, n);
+}
+
+MP_OWN_FRAME int32_t modularInverse(mpDigit inv[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
+{
+    const size_t n = ndigits;
+    mpDigit* ucoef = allocateDigits(n);
+    mpDigit* urem = allocateDigits(n);
+    mpDigit* vcoef = allocateDigits(n);
+    mpDigit* vrem = allocateDigits(n);
+    mpDigit* tcoef = allocateDigits(n);
+    mpDigit* trem = allocateDigits(n);
+    mpDigit* q = allocateDigits(n);
+    mpDigit* w = allocateDigits(uint64_t{2} * ndigits);
+
+    mpSetDigit(ucoef, 1, ndigits);
+    setEqual(urem, u, n);
+    setEqual(vrem, v, n);
+    // The coefficients change their sign with every round, so one flag stands for all signs.
+    bool negative = false;
+    while (mpIsZero(vrem, ndigits) == 0)
+    {
+        negative = !negative;
+        mpDivide(q, trem, urem, ndigits, vrem, ndigits);
+        // Quotients are short, and zero digits of the second factor cost nothing.
+        mpMultiply(w, vcoef, q, ndigits);
+        // No coefficient exceeds v before the last round, and what that one forms for vcoef is not used.
+        mpAdd(tcoef, ucoef, w, ndigits);
+        setEqual(ucoef, vcoef, n);
+        setEqual(vcoef, tcoef, n);
+        setEqual(urem, vrem, n);
+        setEqual(vrem, trem, n);
+    }
+    if (negative)
+    {
+        mpSubtract(inv, v, ucoef, ndigits);
+    }
+    else
+    {
+        setEqual(inv, ucoef, n);
+    }
+    int32_t result = 0;
+    if (mpShortCmp(urem, 1, ndigits) != 0)
+    {
+        setZero(inv, n);
+        result = 1;
+    }
+
+    clearAndFree(ucoef, n);
+    clearAndFree(urem, n);
+    clearAndFree(vcoef, n);
+    clearAndFree(vrem, n);
+    clearAndFree(tcoef, n);
+    clearAndFree(trem, n);
+    clearAndFree(q, n);
+    clearAndFree(w, 2 * n);
+    return result;
+}
+
+MP_OWN_FRAME void greatestCommonDivisor(mpDigit g[], const mpDigit x[], const mpDigit y[], uint32_t ndigits)
+{
+    const size_t n = ndigits;
+    mpDigit* xx = allocateDigits(n);
+    mpDigit* yy = allocateDigits(n);
+
+    setEqual(xx, x, n);
+    setEqual(yy, y, n);
+    setEqual(g, yy, n);
+    while (mpIsZero(xx, ndigits) == 0)
+    {
+        setEqual(g, xx, n);
+        modulo(xx, yy, n, xx, n);
+        setEqual(yy, g, n);
+    }
+
+    clearAndFree(xx, n);
+    clearAndFree(yy, n);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -1861,8 +2074,9 @@ uint32_t mpConvFromOctets(mpDigit a[], uint32_t ndigits, const unsigned char oct
 
 uint32_t mpConvToOctets(const mpDigit a[], uint32_t ndigits, unsigned char octets[], uint32_t nbytes)
 {
+    const auto length = static_cast<uint32_t>(octetLength(a, ndigits));
     octetsFromDigits(a, ndigits, octets, nbytes);
-    return static_cast<uint32_t>(octetLength(a, ndigits));
+    return length;
 }
 
 uint32_t mpConvToDecimal(const mpDigit a[], uint32_t ndigits, char* s, uint32_t smax)
@@ -2007,21 +2221,14 @@ void mpPrintTrimNL(const mpDigit a[], uint32_t ndigits)
 int32_t mpModulo(mpDigit r[], const mpDigit u[], uint32_t udigits, mpDigit v[], uint32_t vdigits)
 {
     modulo(r, u, udigits, v, vdigits);
+    wipeStack(std::max(udigits, vdigits));
     return 0;
 }
 
 int32_t mpModMult(mpDigit a[], const mpDigit x[], const mpDigit y[], const mpDigit m[], uint32_t ndigits)
 {
-    const size_t n = ndigits;
-    mpDigit* product = allocateDigits(uint64_t{2} * ndigits);
-    mpDigit* modulus = allocateDigits(n);
-
-    setEqual(modulus, m, n);
-    mpMultiply(product, x, y, ndigits);
-    modulo(a, product, 2 * n, modulus, n);
-
-    clearAndFree(product, 2 * n);
-    clearAndFree(modulus, n);
+    modularProduct(a, x, y, m, ndigits);
+    wipeStack(ndigits);
     return 0;
 }
 
@@ -2031,161 +2238,22 @@ int32_t mpModExp(mpDigit y[], const mpDigit x[], const mpDigit e[], const mpDigi
     {
         return -1;
     }
-    const size_t n = ndigits;
-    mpDigit* product = allocateDigits(uint64_t{2} * ndigits);
-    mpDigit* remainder = allocateDigits(uint64_t{2} * ndigits);
-    mpDigit* quotient = allocateDigits(uint64_t{2} * ndigits);
-    mpDigit* modulus = allocateDigits(n);
-    mpDigit* value = allocateDigits(n);
-    setEqual(modulus, m, n);
-    const size_t modulusSize = significantDigits(modulus, n);
-    Divisor divisor = {};
-    mpDigit shortRoom[shortestForLeavingOut];
-    if (modulusSize > 1)
-    {
-        divisor = normalise(modulus, modulusSize);
-        // No quotient reaches the top of its array.
-        scale(divisor, quotient + 2 * n - (modulusSize - 1), shortRoom);
-    }
-    // value = product modulo the modulus.
-    const auto reduce = [=]
-    {
-        const size_t productSize = significantDigits(product, 2 * n);
-        if (modulusSize < 2)
-        {
-            divide(quotient, remainder, product, 2 * n, modulus, n);
-        }
-        else if (productSize < modulusSize)
-        {
-            setEqual(remainder, product, n);
-        }
-        else
-        {
-            divideBy(divisor, quotient, remainder, product, productSize);
-        }
-        setEqual(value, remainder, n);
-    };
-
-    size_t size = significantDigits(e, n);
-    if (size == 0)
-    {
-        // Nothing to begin with.
-        product[0] = 1;
-        reduce();
-    }
-    else
-    {
-        mpDigit mask = topBit >> leadingZeroBits(e[size - 1]);
-        const auto nextBit = [&size, &mask]
-        {
-            if (mask == 1)
-            {
-                size--;
-                mask = topBit;
-            }
-            else
-            {
-                mask >>= 1;
-            }
-        };
-
-        // The first step, for the top bit of e, is a copy.
-        setEqual(value, x, n);
-        for (nextBit(); size != 0; nextBit())
-        {
-            mpSquare(product, value, ndigits);
-            reduce();
-            if ((e[size - 1] & mask) != 0)
-            {
-                mpMultiply(product, value, x, ndigits);
-                reduce();
-            }
-        }
-    }
-    setEqual(y, value, n);
-
-    clearAndFree(product, 2 * n);
-    clearAndFree(remainder, 2 * n);
-    clearAndFree(quotient, 2 * n);
-    clearAndFree(modulus, n);
-    clearAndFree(value, n);
+    modularPower(y, x, e, m, ndigits);
+    wipeStack(ndigits);
     return 0;
 }
 
 int32_t mpModInv(mpDigit inv[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
 {
-    const size_t n = ndigits;
-    mpDigit* ucoef = allocateDigits(n);
-    mpDigit* urem = allocateDigits(n);
-    mpDigit* vcoef = allocateDigits(n);
-    mpDigit* vrem = allocateDigits(n);
-    mpDigit* tcoef = allocateDigits(n);
-    mpDigit* trem = allocateDigits(n);
-    mpDigit* q = allocateDigits(n);
-    mpDigit* w = allocateDigits(uint64_t{2} * ndigits);
-
-    mpSetDigit(ucoef, 1, ndigits);
-    setEqual(urem, u, n);
-    setEqual(vrem, v, n);
-    // The coefficients change their sign with every round, so one flag stands for all signs.
-    bool negative = false;
-    while (mpIsZero(vrem, ndigits) == 0)
-    {
-        negative = !negative;
-        mpDivide(q, trem, urem, ndigits, vrem, ndigits);
-        // Quotients are short, and zero digits of the second factor cost nothing.
-        mpMultiply(w, vcoef, q, ndigits);
-        // No coefficient exceeds v before the last round, and what that one forms for vcoef is not used.
-        mpAdd(tcoef, ucoef, w, ndigits);
-        setEqual(ucoef, vcoef, n);
-        setEqual(vcoef, tcoef, n);
-        setEqual(urem, vrem, n);
-        setEqual(vrem, trem, n);
-    }
-    if (negative)
-    {
-        mpSubtract(inv, v, ucoef, ndigits);
-    }
-    else
-    {
-        setEqual(inv, ucoef, n);
-    }
-    int32_t result = 0;
-    if (mpShortCmp(urem, 1, ndigits) != 0)
-    {
-        setZero(inv, n);
-        result = 1;
-    }
-
-    clearAndFree(ucoef, n);
-    clearAndFree(urem, n);
-    clearAndFree(vcoef, n);
-    clearAndFree(vrem, n);
-    clearAndFree(tcoef, n);
-    clearAndFree(trem, n);
-    clearAndFree(q, n);
-    clearAndFree(w, 2 * n);
+    const int32_t result = modularInverse(inv, u, v, ndigits);
+    wipeStack(ndigits);
     return result;
 }
 
 int32_t mpGcd(mpDigit g[], const mpDigit x[], const mpDigit y[], uint32_t ndigits)
 {
-    const size_t n = ndigits;
-    mpDigit* xx = allocateDigits(n);
-    mpDigit* yy = allocateDigits(n);
-
-    setEqual(xx, x, n);
-    setEqual(yy, y, n);
-    setEqual(g, yy, n);
-    while (mpIsZero(xx, ndigits) == 0)
-    {
-        setEqual(g, xx, n);
-        mpModulo(xx, yy, ndigits, xx, ndigits);
-        setEqual(yy, g, n);
-    }
-
-    clearAndFree(xx, n);
-    clearAndFree(yy, n);
+    greatestCommonDivisor(g, x, y, ndigits);
+    wipeStack(ndigits);
     return 0;
 }
 

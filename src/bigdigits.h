@@ -14,16 +14,17 @@
  *            pointers are not checked for, except by mpBitLength, mpFree and the text converters.
  *            What a function allocates, it frees before it returns. Running out of memory never comes back: it ends
  *            the process (mpFail).
- * Overlap.   Where two arguments may be one and the same array, it is said. Arrays that overlap in part are never
- *            allowed. Inputs may always be the same array as other inputs.
+ * Overlap.   Where a result may be the same array as another argument, it is said. Inputs may always be the same array
+ *            as other inputs, also with different lengths. Arrays that overlap in any other way are never allowed.
  * Results.   Carries and borrows come back as digits. Comparisons answer 1, 0 or -1. There is no error reporting
  *            beyond the results named.
  * Threads.   Functions work on their arguments alone and may run on any number of threads at once, provided that no
  *            array that one thread writes is used by another. Mind that mpDivide and mpModulo write to their divisor
  *            while they run. The random numbers and the primality test share rand() with the whole process and are
  *            for one thread at a time; the printing functions share standard output.
- * Secrets.   Temporaries are zeroed before they are freed (not by mpSqrt). Running times do depend on the values:
- *            nothing here hides a secret from somebody with a stopwatch.
+ * Secrets.   Temporaries are zeroed before they are freed (not by mpSqrt), and the functions of modular arithmetic but
+ *            mpSqrt zero the stack that they used. Running times do depend on the values: nothing here hides a secret
+ *            from somebody with a stopwatch.
  *
  * The header can be used from C (C99) and from C++.
  */
@@ -93,11 +94,13 @@ mpDigit mpAdd(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigit
 /* w = u - v modulo 2^(32*ndigits). w may be u, but not v. Returns the borrow out of the top digit, 0 or 1. */
 mpDigit mpSubtract(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigits);
 
-/* w = u * v. w has 2 * ndigits digits and must not overlap u or v. Zero digits of v cost nothing, so the sparser
- * factor is better passed as v. Returns 0. */
+/* w = u * v. w has 2 * ndigits digits and must not overlap u or v. Zeros at the top of either factor cost next to
+ * nothing. Zero digits elsewhere in v are skipped only when both factors have fewer than 16 significant digits.
+ * Returns 0. */
 int32_t mpMultiply(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t ndigits);
 
-/* w = x * x, much faster than mpMultiply. w has 2 * ndigits digits and must not overlap x. Returns 0. */
+/* w = x * x. w has 2 * ndigits digits and must not overlap x. Faster than mpMultiply of x by itself: several times
+ * on processors that multiply limbs of 52 bits, less on others. Returns 0. */
 int32_t mpSquare(mpDigit w[], const mpDigit x[], uint32_t ndigits);
 
 /* ---- Shifts and bits ---- */
@@ -155,7 +158,8 @@ int32_t spMultiply(mpDigit p[2], mpDigit x, mpDigit y);
  *
  * v is WRITTEN TO: it is shifted up for the time of the call and holds its old value again on return. Hence it must be
  * writable, and it must not be in use by another thread; a divisor that is shared is copied first.
- * q and r must be different from each other, from u and from v.
+ * q and r must be different from each other, from u and from v. u may be v, also with another length; then u is
+ * written to and restored with v.
  * Returns 0, or -1 when v is zero or vdigits is 0; q and r are zero then.
  * When v has one significant digit, r[0] is written even if udigits is 0. */
 int32_t mpDivide(mpDigit q[], mpDigit r[], const mpDigit u[], uint32_t udigits, mpDigit v[], uint32_t vdigits);
@@ -200,7 +204,7 @@ const char* copyright_notice(void);
 uint32_t mpConvFromOctets(mpDigit a[], uint32_t ndigits, const unsigned char octets[], uint32_t nbytes);
 
 /* octets[0..nbytes) = a, with zeros in front; what does not fit is dropped at the top without notice. Returns the
- * number of octets that a needs, 0 for zero, whatever nbytes is. */
+ * number of octets that a needs, 0 for zero, whatever nbytes is. The result is found before an octet is written. */
 uint32_t mpConvToOctets(const mpDigit a[], uint32_t ndigits, unsigned char octets[], uint32_t nbytes);
 
 /* Writes a as decimal or hexadecimal text without leading zeros into s[0..smax), the final NUL included; a text
@@ -251,7 +255,7 @@ void mpPrintTrimNL(const mpDigit a[], uint32_t ndigits);
  * These allocate temporaries of a few times ndigits digits.
  */
 
-/* r = u modulo v. u has udigits digits, r and v have vdigits. r may be u or v.
+/* r = u modulo v. u has udigits digits, r and v have vdigits. r may be u or v, and u may be v.
  * v is WRITTEN TO, as by mpDivide: it must be writable and not in use by another thread. This is the only function of
  * this section of which that is true; the others divide by a copy of their modulus.
  * r is zero when v is. Returns 0. */

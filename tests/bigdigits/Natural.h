@@ -61,7 +61,12 @@ public:
     static Natural fibonacci(unsigned long n)
     {
         Natural result;
-        mpz_fib_ui(result._value, n);
+        Natural next(1);
+        for (; n > 0; n--)
+        {
+            mpz_add(result._value, result._value, next._value);
+            mpz_swap(result._value, next._value);
+        }
         return result;
     }
     static Natural power(unsigned long base, unsigned long exponent)

@@ -341,4 +341,11 @@ TEST(PublishedValues, OfFactorialsAndFibonacciNumbers)
     EXPECT_EQ(written(mpConvToDecimal, a, 100, 42), "280571172992510140037611932413038677189525");
 }
 
+// The octets may be the memory of the number, whose digits are lost then, but not the count.
+TEST(Octets, AreCountedBeforeTheyAreWritten)
+{
+    Digits a{0x01020304U, 0, 0};
+    EXPECT_EQ(mpConvToOctets(a, 3, reinterpret_cast<unsigned char*>(static_cast<mpDigit*>(a)), 12), 4U);
+}
+
 }  // namespace
