@@ -58,3 +58,10 @@ configureAndBuild() {
     step "building (preset $preset; the first time takes some minutes)" \
         env -C "$root" cmake --build --preset "$preset" "${targets[@]}"
 }
+
+# debianMirror: where this system gets its packages from, as its own configuration says.
+debianMirror() {
+    local codename
+    codename=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
+    apt-get indextargets --format '$(REPO_URI)' "Codename: $codename" 'Created-By: Packages' 2>/dev/null | head -n 1
+}

@@ -199,6 +199,57 @@ case $case in
         [ ! -e build/lint ] || complain "it configured for a script"
         ;;
 
+    releaseCheckKeepsWhatItFound)
+        # A project whose steps are stand-ins.
+        copy=$here/copy
+        mkdir -p "$copy/scripts" "$copy/docs"
+        cp "$source/scripts/release-check.sh" "$source/scripts/lib.sh" "$copy/scripts"
+        cp "$source/docs/release-check.md" "$copy/docs"
+        sed -i '/<!-- results -->/,/<!-- end of results -->/{//!d}' "$copy/docs/release-check.md"
+        for script in lint otherBuilds; do
+            printf '%s\n' '#!/bin/sh' "echo \"$script \$*\" >>'$here/calls'" 'echo "nothing | to mend"' \
+                '[ "$1" != lto ] || echo "lto: SKIPPED, there is none"' "[ ! -e '$here/broken' ]" >"$copy/scripts/$script.sh"
+        done
+        chmod +x "$copy"/scripts/*.sh
+        printf '/build/\n' >"$copy/.gitignore"
+        commitAll() {
+            git -C "$copy" add . && git -C "$copy" -c user.name=n -c user.email=e@invalid commit -q -m "$1"
+        }
+        git init -q -b main "$copy" && commitAll first || complain "no repository can be made"
+        commit=$(git -C "$copy" rev-parse --short HEAD)
+        releaseCheck() {
+            "$copy/scripts/release-check.sh" "$@" </dev/null >"$here/output" 2>&1
+        }
+        # expectRow PATTERN: the page has such a line.
+        expectRow() {
+            grep -qxE -- "$1" "$copy/docs/release-check.md" || complain "no row '$1' in: $(cat "$copy/docs/release-check.md")"
+        }
+        day=$(date +%F)
+        releaseCheck lint builds.lto || complain "it failed"
+        expectRow "\\| .lint. \\| passed \\| $commit \\| ($day|$(date +%F)) \\| [0-9]+\\.[0-9] \\| nothing  to mend \\|"
+        expectRow "\\| .builds.lto. \\| skipped \\| $commit \\| .* \\| lto: SKIPPED, there is none \\|"
+        expectRow "\\| .soak. \\| not run \\| \\| \\| \\| \\|"
+        grep -q '^# Release check$' "$copy/docs/release-check.md" || complain "the page has lost its words"
+        # What has passed is not done again, also when the page has been committed.
+        commitAll "the page" || complain "nothing was written"
+        releaseCheck lint || complain "it failed the second time"
+        [ "$(grep -c '^lint' "$here/calls")" -eq 1 ] || complain "what had passed was done again"
+        releaseCheck --again lint || complain "it failed the third time"
+        [ "$(grep -c '^lint --all$' "$here/calls")" -eq 2 ] || complain "--again did nothing"
+        # A failure is written too, the others stay, and it is tried again.
+        touch "$here/broken"
+        ! releaseCheck --again lint builds.clang || complain "it did not fail"
+        expectLine '^countersign: FAILED: these steps: lint builds.clang$'
+        expectRow "\\| .lint. \\| FAILED \\| $commit \\| .*"
+        expectRow "\\| .builds.lto. \\| skipped \\| $commit \\| .*"
+        rm "$here/broken"
+        releaseCheck lint || complain "it did not pass when it was mended"
+        # Another commit is another matter.
+        printf 'x\n' >"$copy/file" && commitAll second || complain "nothing to commit"
+        releaseCheck lint || complain "it failed for the other commit"
+        expectRow "\\| .lint. \\| passed \\| $(git -C "$copy" rev-parse --short HEAD) \\| .*"
+        ;;
+
     displayGivesTheStatusOfTheCommand)
         "$source/scripts/with-display.sh" sh -c 'xdpyinfo >/dev/null && exit 42' >"$here/output" 2>&1
         status=$?
