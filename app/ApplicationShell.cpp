@@ -9,11 +9,11 @@
 #include "MainFrame.h"
 
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
-#include "assertionHandling/ahTextConversion.h"
 #include "platform/baseTools/gtAssert.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "platform/baseTools/gtString.h"
 #include "platform/osWrappers/osProcess.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 namespace
 {
@@ -95,7 +95,7 @@ void ApplicationShell::MacOpenFile(const wxString& fileName)
 {
     if (_pMainFrame != nullptr)
     {
-        _pMainFrame->openFilePath(ahPathBytesFromText(fileName), true);
+        _pMainFrame->openFilePath(gtPathBytesFromText(fileName), true);
         return;
     }
     if (!GT_ASSERT_AT(argc == 0 && !argv, "(argc == 0)&&(argv == __null)", "MacOpenFile", thisFile,

@@ -53,7 +53,7 @@ public:
     // base class: a host that has installed a global wxConfig object deletes it itself.
     int OnExit() override;
 
-    // A document that the desktop asks to open. fileName: a path text (see assertionHandling/ahTextConversion.h), which
+    // A document that the desktop asks to open. fileName: a path text (see platform/toolkit/gtTextConversion.h), which
     // goes back to the same bytes.
     // With a main window: passed on to its openFilePath with the flag true.
     // Before that, with argc 0 and argv without arguments: kept there, argc being 1 and argv[0] the path text. So a

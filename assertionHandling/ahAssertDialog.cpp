@@ -10,10 +10,10 @@
 #include <wx/wupdlock.h>
 
 #include "assertionHandling/ahAssertDialogIcon.h"
-#include "assertionHandling/ahTextConversion.h"
-#include "assertionHandling/ahTextLayout.h"
-#include "assertionHandling/ahUrlHighlighting.h"
 #include "platform/baseTools/gtString.h"
+#include "platform/toolkit/gtTextConversion.h"
+#include "platform/toolkit/gtTextLayout.h"
+#include "platform/toolkit/gtUrlHighlighting.h"
 
 namespace
 {
@@ -29,7 +29,7 @@ wxFont normalFont()
 
 wxString showableTextFromBytes(const gtString& bytes)
 {
-    return ahShowableText(ahTextFromBytes(bytes));
+    return gtShowableText(gtTextFromBytes(bytes));
 }
 
 // Name, separator and extension; the separator also without an extension.
@@ -169,7 +169,7 @@ void ahAssertDialog::fillAssertionMessageBody(wxTextCtrl* pTextCtrl)
 
     {
         const std::size_t length = _assertionMessage.length() + static_cast<std::size_t>(_filePath.length());
-        const ahUrlDetectionPause noSlowDetection(pTextCtrl, length);
+        const gtUrlDetectionPause noSlowDetection(pTextCtrl, length);
         // Otherwise every piece lays out all that is there already.
         const wxWindowUpdateLocker noPainting(pTextCtrl);
 
@@ -182,7 +182,7 @@ void ahAssertDialog::fillAssertionMessageBody(wxTextCtrl* pTextCtrl)
         pTextCtrl->SetDefaultStyle(largeStyle);
         pTextCtrl->AppendText(showableTextFromBytes(fileNameText(_filePath)));
         pTextCtrl->AppendText(wxS(" - "));
-        pTextCtrl->AppendText(ahTextFromBytes(lineText));
+        pTextCtrl->AppendText(gtTextFromBytes(lineText));
         pTextCtrl->AppendText(wxS("\n\n"));
 
         pTextCtrl->SetDefaultStyle(labelStyle);
@@ -195,10 +195,10 @@ void ahAssertDialog::fillAssertionMessageBody(wxTextCtrl* pTextCtrl)
         pTextCtrl->SetDefaultStyle(headingStyle);
         pTextCtrl->AppendText(wxS("Assert Reason: \n\n"));
         pTextCtrl->SetDefaultStyle(bodyStyle);
-        pTextCtrl->AppendText(ahShowableText(_assertionMessage));
+        pTextCtrl->AppendText(gtShowableText(_assertionMessage));
     }
 
     // In pieces a long line is also quicker to highlight in.
-    ahEaseLayout(pTextCtrl);
-    ahHighlightUrls(pTextCtrl);
+    gtAllowBreaksInLongWords(pTextCtrl);
+    gtHighlightUrls(pTextCtrl);
 }

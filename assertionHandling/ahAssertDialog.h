@@ -80,8 +80,8 @@ public:
     //
     // Labels, sizes and colours count from the toolkit's normal font and stock colours. URLs in it stay visibly
     // highlighted when the control detects URLs, a thousand in a line. A line with a word that is longer than
-    // ahLongestUnbrokenWord breaks at the margin, wherever in a word that is. Only a NUL, and code points that no text can hold, are replaced
-    // (see ahShowableText): the control would drop the whole text around them.
+    // gtLongestUnbrokenWord breaks at the margin, wherever in a word that is. Only a NUL, and code points that no text can hold, are replaced
+    // (see gtShowableText): the control would drop the whole text around them.
     // The control must be a multi-line rich one and empty; the constructor has written its own control's report.
     void fillAssertionMessageBody(wxTextCtrl* pTextCtrl);
 

@@ -8,10 +8,10 @@
 #include <new>
 
 #include "assertionHandling/ahAssertDialog.h"
-#include "assertionHandling/ahTextConversion.h"
 #include "platform/baseTools/gtString.h"
 #include "platform/osWrappers/osProcess.h"
 #include "platform/osWrappers/osTime.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 static_assert(sizeof(unsigned int) == 4, "a thread id has 32 bits");
 
@@ -73,7 +73,7 @@ int ahDialogBasedAssertionFailureHandler::displayAssertionDialog(const char* /*f
     {
         return AH_IGNORE_BUTTON_ID;
     }
-    const wxString messageText = ahTextFromBytes(message);
+    const wxString messageText = gtTextFromBytes(message);
     ahAssertDialog dialog(filePath, lineNumber, messageText, nullptr);
     return dialog.ShowModal();
 }

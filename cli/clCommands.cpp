@@ -13,8 +13,8 @@
 #include "cli/clProgressLine.h"
 #include "cli/clStandardStreams.h"
 #include "cli/clTerminal.h"
-#include "crypto/crDigits.h"
-#include "host/hoBytes.h"
+#include "platform/baseTools/gtBytes.h"
+#include "platform/baseTools/gtWipe.h"
 
 namespace
 {
@@ -163,9 +163,9 @@ int testFile(const clArguments& arguments, const std::string& file, const hoKey&
     bool isGood = false;
     hoSigningFacts facts;
     // A file that is not there is told about before its signature is missed.
-    hoFileFacts ignored;
-    facts._fileProblem = hoReadFileFacts(hoToText(file), ignored);
-    if (facts._fileProblem != hoFileProblem::None)
+    osFileFacts ignored;
+    facts._fileProblem = osReadFileFacts(hoToText(file), ignored);
+    if (facts._fileProblem != osFileProblem::None)
     {
         facts._systemError = errno;
         facts._problem = hoSigningProblem::FileCannotBeRead;
@@ -225,7 +225,7 @@ bool readText(const clArguments& arguments, gtString& text)
         return false;
     }
     text = hoToText(input);
-    crWipe(input.data(), input.size());
+    gtWipe(input.data(), input.size());
     return true;
 }
 
@@ -240,7 +240,7 @@ int encrypt(const clArguments& arguments)
     gtString cipherText;
     const hoTextProblem problem = hoEncryptText(pKey->ownKey(), text, cipherText);
     const int lengthOfText = text.length();
-    crWipe(text);
+    gtWipe(text);
     if (problem != hoTextProblem::None)
     {
         clComplain(clEncryptionMessage(problem, lengthOfText, hoLongestText(pKey->ownKey()), pKey->bits()));
@@ -272,7 +272,7 @@ int decrypt(const clArguments& arguments)
     {
         clWriteOutput("\n");
     }
-    crWipe(text);
+    gtWipe(text);
     return clStatusGood;
 }
 
@@ -294,7 +294,7 @@ int printKey(const clArguments& arguments)
     clWriteOutput("modulus " + hoToBytes(hoFixedWidthText(key.productDigits(), key.amountOfProductDigits())) + "\n");
     gtString exponent = hoFixedWidthText(key.numberDigits(), key.amountOfNumberDigits());
     clWriteOutput("exponent " + hoToBytes(exponent) + "\n");
-    crWipe(exponent);
+    gtWipe(exponent);
     return clStatusGood;
 }
 

@@ -21,24 +21,24 @@ std::string fileReason(const hoSigningFacts& facts)
 {
     switch (facts._fileProblem)
     {
-    case hoFileProblem::NoName:
+    case osFileProblem::NoName:
         return "the name is empty";
-    case hoFileProblem::NotThere:
+    case osFileProblem::NotThere:
         return "there is no such file";
-    case hoFileProblem::NotPermitted:
+    case osFileProblem::NotPermitted:
         return "you may not read it";
-    case hoFileProblem::IsFolder:
+    case osFileProblem::IsFolder:
         return "is a directory; name the files in it";
-    case hoFileProblem::NotRegular:
+    case osFileProblem::NotRegular:
         return "is a pipe, a socket or a device, not a file";
-    case hoFileProblem::NameTooLong:
+    case osFileProblem::NameTooLong:
         return "the name is too long";
-    case hoFileProblem::TooManyLinks:
+    case osFileProblem::TooManyLinks:
         return "its symbolic links lead in a circle";
-    case hoFileProblem::NotLocal:
+    case osFileProblem::NotLocal:
         return "is not on this machine; name a file that is";
-    case hoFileProblem::None:
-    case hoFileProblem::CannotBeRead:
+    case osFileProblem::None:
+    case osFileProblem::CannotBeRead:
         break;
     }
     return "cannot be read: " + clSystemErrorText(facts._systemError);

@@ -8,7 +8,7 @@
 
 #include <openssl/blowfish.h>
 
-#include "crypto/crDigits.h"
+#include "platform/baseTools/gtWipe.h"
 
 namespace
 {
@@ -30,6 +30,6 @@ crBlowfishEncryptionKey::crBlowfishEncryptionKey(unsigned char const* pKeyBytes)
 
 crBlowfishEncryptionKey::~crBlowfishEncryptionKey()
 {
-    crWipe(_pKeyRecord, sizeof(BF_KEY));
+    gtWipe(_pKeyRecord, sizeof(BF_KEY));
     delete _pKeyRecord;
 }

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "crypto/crDigits.h"
 
-#include <cstring>
+#include <cstddef>
 #include <new>
 
 #include "platform/baseTools/gtString.h"
+#include "platform/baseTools/gtWipe.h"
 
 static_assert(sizeof(unsigned int) == 4, "a digit is 32 bits wide");
 
@@ -54,24 +55,6 @@ unsigned int readDigit(const char* pCharacters, int amountOfCharacters)
 
 }  // namespace
 
-void crWipe(void* pBytes, std::size_t amountOfBytes)
-{
-    if (pBytes == nullptr)
-    {
-        return;
-    }
-    // Through a pointer that the compiler must read: it cannot know what is called and drop it.
-    static void* (*const volatile pSet)(void*, int, std::size_t) = std::memset;
-    pSet(pBytes, 0, amountOfBytes);
-}
-
-void crWipe(gtString& text)
-{
-    // The text is not constant; it only hands out its characters as if it were.
-    crWipe(const_cast<char*>(text.asCharArray()), static_cast<std::size_t>(text.length()));
-    text.makeEmpty();
-}
-
 unsigned int* crAllocateDigits(int amount)
 {
     // A negative amount makes g++ throw, whatever std::nothrow says.
@@ -85,7 +68,7 @@ unsigned int* crAllocateDigits(int amount)
 void crReleaseDigits(unsigned int* pDigits, int amount)
 {
     // For an amount below 0 there is no array.
-    crWipe(pDigits, static_cast<std::size_t>(amount) * sizeof(unsigned int));
+    gtWipe(pDigits, static_cast<std::size_t>(amount) * sizeof(unsigned int));
     delete[] pDigits;
 }
 
@@ -127,5 +110,5 @@ void crAppendDigits(gtString& text, const unsigned int* pDigits, int amount)
         }
         text.append(characters, crCharactersPerDigit);
     }
-    crWipe(characters, sizeof(characters));
+    gtWipe(characters, sizeof(characters));
 }

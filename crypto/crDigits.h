@@ -1,26 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the classes of this folder share below their own level, and code that works with their keys and cipher texts
-// needs, too: digit arrays from the allocator, the fixed-width hexadecimal form of a digit, and the wiping of what was
-// secret.
+// needs, too: digit arrays from the allocator, and the fixed-width hexadecimal form of a digit.
 //
 // A digit is 32 bits wide and has eight hexadecimal characters. No function here throws, logs or keeps a pointer, and
 // all may be called from any thread.
 #ifndef COUNTERSIGN_CRYPTO_CRDIGITS_H
 #define COUNTERSIGN_CRYPTO_CRDIGITS_H
 
-#include <cstddef>
-
 class gtString;
 
 // Characters that a digit has as text.
 constexpr int crCharactersPerDigit = 8;
-
-// Overwrites the bytes with zeros in a way that the optimiser cannot drop. A null pointer is left alone.
-void crWipe(void* pBytes, std::size_t amountOfBytes);
-
-// Overwrites the characters of a text, and makes it empty. Memory that the text has given up before (by growing) is out
-// of reach: reserve what is needed before a secret goes in.
-void crWipe(gtString& text);
 
 // A new array of zeros, to be given back with array delete. Null when the amount is negative or the memory is not
 // there; never an exception. An amount of 0 gives an array in which nothing may be stored.

@@ -8,6 +8,7 @@
 #include "crypto/crRSAEncryptionKey.h"
 #include "crypto/crRSAStringEncryptor.h"
 #include "platform/baseTools/gtString.h"
+#include "platform/baseTools/gtWipe.h"
 #include "platform/osWrappers/osChannel.h"
 #include "platform/osWrappers/osFile.h"
 #include "platform/osWrappers/osFilePath.h"
@@ -39,7 +40,7 @@ struct WipedText
 {
     gtString _text;
 
-    ~WipedText() { crWipe(_text); }
+    ~WipedText() { gtWipe(_text); }
 };
 
 }  // namespace
@@ -95,7 +96,7 @@ bool crRSADigitalSigner::createFileMessageDigest(osFilePath const& file)
     {
         addToMessageDigest(pBuffer.get(), amountRead);
     }
-    crWipe(pBuffer.get(), amountOfBytes);
+    gtWipe(pBuffer.get(), amountOfBytes);
     return true;
 }
 
@@ -129,7 +130,7 @@ void crRSADigitalSigner::addToMessageDigest(const char* pBytes, unsigned long am
             const unsigned long byte = i % bytesAtOnce;
             _pDigestDigits[byte / bytesPerDigit] ^= static_cast<unsigned int>(lanes[i]) << (8 * (byte % bytesPerDigit));
         }
-        crWipe(lanes, sizeof(lanes));
+        gtWipe(lanes, sizeof(lanes));
     }
     for (unsigned long left = amountOfBytes / bytesAtOnce; left != 0; left--)
     {

@@ -12,6 +12,7 @@
 #include "crypto/crDigits.h"
 #include "crypto/crRSAEncryptionKey.h"
 #include "platform/baseTools/gtString.h"
+#include "platform/baseTools/gtWipe.h"
 
 #if defined(__BYTE_ORDER__) && (__BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__)
 #error "the bytes of a block are its digits' bytes in memory, the least significant first"
@@ -56,7 +57,7 @@ bool hasAppended(gtString& output, int& room, const char* pText, int lengthOfTex
             gtString larger;
             larger.reserve(room);
             larger.append(output);
-            crWipe(output);
+            gtWipe(output);
             output = std::move(larger);
         }
         output.append(pText, lengthOfText);
@@ -142,7 +143,7 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output,
                                    int enough) const
 {
     isShortOfMemory = false;
-    crWipe(output);
+    gtWipe(output);
     if (cipherText.length() < crCharactersPerDigit)
     {
         return false;
@@ -194,7 +195,7 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output,
         isShortOfMemory = isWithinLimit && !hasAppended(output, room, pPlainText + 1, length);
         if (!isWithinLimit || isShortOfMemory)
         {
-            crWipe(output);
+            gtWipe(output);
             return true;
         }
         if (output.length() > enough)

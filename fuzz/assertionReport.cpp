@@ -9,9 +9,9 @@
 #include <wx/init.h>
 
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
-#include "assertionHandling/ahTextConversion.h"
 #include "fuzzInput.h"
 #include "platform/osWrappers/osFilePath.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 namespace
 {
@@ -51,11 +51,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
 
     for (const gtString* pText : {&file, &function, &message})
     {
-        const wxString text = ahTextFromBytes(*pText);
+        const wxString text = gtTextFromBytes(*pText);
         FUZZ_CHECK(isNonEmptyFor(*pText, text));
-        FUZZ_CHECK(ahShowableText(text).length() == text.length());
-        FUZZ_CHECK(ahPathBytesFromText(ahPathTextFromBytes(*pText)) == *pText);
-        const gtString back = ahBytesFromText(text);
+        FUZZ_CHECK(gtShowableText(text).length() == text.length());
+        FUZZ_CHECK(gtPathBytesFromText(gtPathTextFromBytes(*pText)) == *pText);
+        const gtString back = gtBytesFromText(text);
         FUZZ_CHECK(isNonEmptyFor(back, text));
     }
 

@@ -2,24 +2,24 @@
 #include "host/MainFrame.h"
 
 #include "app/ApplicationShell.h"
-#include "assertionHandling/ahTextConversion.h"
-#include "host/hoAssertionReport.h"
-#include "host/hoAssertionReportWindow.h"
-#include "host/hoBytes.h"
-#include "host/hoDisplayText.h"
-#include "host/hoDocumentArguments.h"
-#include "host/hoDocumentDropTarget.h"
-#include "host/hoDocumentListCtrl.h"
-#include "host/hoHelp.h"
-#include "host/hoIcons.h"
-#include "host/hoInteractiveAssertionFailureHandler.h"
-#include "host/hoKeyLoading.h"
-#include "host/hoNewKeyDialog.h"
-#include "host/hoProgressDialog.h"
-#include "host/hoTextDialog.h"
-#include "host/hoTextsDialog.h"
+#include "host/assertions/hoAssertionReport.h"
+#include "host/assertions/hoInteractiveAssertionFailureHandler.h"
+#include "host/documents/hoDocumentArguments.h"
+#include "host/window/hoAssertionReportWindow.h"
+#include "host/window/hoDisplayText.h"
+#include "host/window/hoDocumentDropTarget.h"
+#include "host/window/hoDocumentListCtrl.h"
+#include "host/window/hoHelp.h"
+#include "host/window/hoIcons.h"
+#include "host/window/hoKeyLoading.h"
+#include "host/window/hoNewKeyDialog.h"
+#include "host/window/hoProgressDialog.h"
+#include "host/window/hoTextDialog.h"
+#include "host/window/hoTextsDialog.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
+#include "platform/baseTools/gtBytes.h"
 #include "platform/osWrappers/osProcess.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/filedlg.h>
 #include <wx/infobar.h>
@@ -102,21 +102,21 @@ std::vector<gtString> applicationArguments()
     const wxArrayString& texts = wxTheApp->argv.GetArguments();
     for (const wxString& text : texts)
     {
-        arguments.push_back(ahBytesFromArgument(text));
+        arguments.push_back(gtBytesFromArgument(text));
     }
     const std::vector<gtString> ofProcess = hoProcessArguments();
     const bool isProgramName = !ofProcess.empty() && !arguments.empty() && arguments[0] == ofProcess[0];
     if (texts.size() == 1 && texts[0].StartsWith("/") && !isProgramName)
     {
         // Perhaps a document that arrived before the window: those are kept as path texts.
-        return {ahPathBytesFromText(texts[0])};
+        return {gtPathBytesFromText(texts[0])};
     }
     return hoWithLostArguments(arguments, ofProcess, isLostArgument);
 }
 
 std::string programPath()
 {
-    return hoToBytes(ahPathBytesFromText(wxStandardPaths::Get().GetExecutablePath()));
+    return hoToBytes(gtPathBytesFromText(wxStandardPaths::Get().GetExecutablePath()));
 }
 
 // The documents among the application's arguments, those that arrived before the window included.
@@ -494,7 +494,7 @@ wxInfoBar& MainFrame::messageBar()
 
 void MainFrame::OnOpen(wxCommandEvent&)
 {
-    wxFileDialog dialog(this, "Open documents", ahPathTextFromBytes(hoToText(_settings.text("folder"))), wxString(),
+    wxFileDialog dialog(this, "Open documents", gtPathTextFromBytes(hoToText(_settings.text("folder"))), wxString(),
                         wxFileSelectorDefaultWildcardStr, wxFD_OPEN | wxFD_MULTIPLE);
     if (dialog.ShowModal() != wxID_OK)
     {
@@ -505,7 +505,7 @@ void MainFrame::OnOpen(wxCommandEvent&)
     std::vector<gtString> paths;
     for (const wxString& pathText : pathTexts)
     {
-        paths.push_back(ahPathBytesFromText(pathText));
+        paths.push_back(gtPathBytesFromText(pathText));
     }
     clearMessage();
     openAskedFor(paths);
@@ -557,7 +557,7 @@ void MainFrame::OnCopyPath(wxCommandEvent&)
     const std::vector<std::size_t> rows = list().selected();
     for (const std::size_t row : rows)
     {
-        paths += (paths.empty() ? "" : "\n") + ahTextFromBytes(_documents[row]._path);
+        paths += (paths.empty() ? "" : "\n") + gtTextFromBytes(_documents[row]._path);
     }
     if (!rows.empty() && hoCopyText(paths))
     {
@@ -695,7 +695,7 @@ bool MainFrame::handOverArguments()
     {
         for (const std::string& path : requested)
         {
-            wxGetApp().MacOpenFile(ahPathTextFromBytes(hoToText(path)));
+            wxGetApp().MacOpenFile(gtPathTextFromBytes(hoToText(path)));
         }
     };
     return _sessionBus.start(paths, onOpen, [this] { comeToFront(); }) == hoSessionBus::Outcome::HANDED_OVER;
@@ -803,11 +803,11 @@ void MainFrame::openDropped(const hoUriList& list)
 void MainFrame::chooseKey(bool isPrivate)
 {
     wxFileDialog dialog(this, isPrivate ? "Load a private key" : "Load a public key",
-                        ahPathTextFromBytes(hoToText(_settings.text("keyFolder"))), wxString(),
+                        gtPathTextFromBytes(hoToText(_settings.text("keyFolder"))), wxString(),
                         "PEM files (*.pem)|*.pem;*.PEM|All files|*", wxFD_OPEN | wxFD_FILE_MUST_EXIST);
     if (dialog.ShowModal() == wxID_OK)
     {
-        loadKey(ahPathBytesFromText(dialog.GetPath()), isPrivate ? KeyWish::Private : KeyWish::Public);
+        loadKey(gtPathBytesFromText(dialog.GetPath()), isPrivate ? KeyWish::Private : KeyWish::Public);
     }
 }
 
@@ -993,7 +993,7 @@ void MainFrame::endWork()
 std::size_t MainFrame::openQuietly(const gtString& path)
 {
     const hoDocumentList::Opening opening = _documents.open(path);
-    if (opening._problem != hoFileProblem::None)
+    if (opening._problem != osFileProblem::None)
     {
         _refusals.emplace_back(path, opening._problem);
         _isRecentChanged = _recent.remove(path) || _isRecentChanged;

@@ -22,13 +22,13 @@
 #include "host/desktop/hoDisplayLoss.h"
 #include "host/desktop/hoEndSignals.h"
 #include "host/desktop/hoSessionBus.h"
-#include "host/hoDocumentList.h"
-#include "host/hoFolderWatcher.h"
-#include "host/hoKeyRing.h"
-#include "host/hoRecentDocuments.h"
-#include "host/hoSettings.h"
-#include "host/hoSigningWords.h"
-#include "host/hoUriList.h"
+#include "host/documents/hoDocumentList.h"
+#include "host/documents/hoRecentDocuments.h"
+#include "host/documents/hoSettings.h"
+#include "host/documents/hoUriList.h"
+#include "host/keys/hoKeyRing.h"
+#include "host/window/hoFolderWatcher.h"
+#include "host/window/hoSigningWords.h"
 
 #include <wx/frame.h>
 #include <wx/stopwatch.h>
@@ -95,7 +95,7 @@ private:
         Private,
         Public
     };
-    using Refusal = std::pair<gtString, hoFileProblem>;
+    using Refusal = std::pair<gtString, osFileProblem>;
 
     void makeMenus();
     void bindEvents();

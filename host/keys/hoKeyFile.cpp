@@ -24,6 +24,7 @@
 #include <openssl/pem.h>
 
 #include "crypto/crDigits.h"
+#include "platform/baseTools/gtWipe.h"
 
 namespace
 {
@@ -53,7 +54,7 @@ extern "C" void hoFreeForLibcrypto(void* pMemory, const char* /*pFile*/, int /*l
         char* pBlock = static_cast<char*>(pMemory) - sizeOfHeader;
         std::size_t size = 0;
         std::memcpy(&size, pBlock, sizeof(size));
-        crWipe(pMemory, size);
+        gtWipe(pMemory, size);
         std::free(pBlock);
     }
 }
@@ -105,7 +106,7 @@ class SecretBytes
 {
 public:
     explicit SecretBytes(std::size_t size) : _size(size), _pBytes(new (std::nothrow) char[size]) {}
-    ~SecretBytes() { crWipe(_pBytes.get(), _size); }
+    ~SecretBytes() { gtWipe(_pBytes.get(), _size); }
     SecretBytes(const SecretBytes&) = delete;
     SecretBytes& operator=(const SecretBytes&) = delete;
     char* bytes() { return _pBytes.get(); }
@@ -259,7 +260,7 @@ class WipedText
 {
 public:
     WipedText() = default;
-    ~WipedText() { crWipe(_text); }
+    ~WipedText() { gtWipe(_text); }
     WipedText(const WipedText&) = delete;
     WipedText& operator=(const WipedText&) = delete;
     gtString& text() { return _text; }

@@ -23,7 +23,7 @@ hoSigningFacts problemFacts(hoSigningProblem problem)
     return facts;
 }
 
-hoSigningFacts fileFacts(hoFileProblem problem, int systemError)
+hoSigningFacts fileFacts(osFileProblem problem, int systemError)
 {
     hoSigningFacts facts = problemFacts(hoSigningProblem::FileCannotBeRead);
     facts._fileProblem = problem;
@@ -56,7 +56,7 @@ hoSigningFacts foldOpenFile(osFile& file, crRSADigitalSigner& signer, hoIProgres
     }
     if (file.hasReadError())
     {
-        return fileFacts(hoFileProblem::CannotBeRead, file.errorNumber());
+        return fileFacts(osFileProblem::CannotBeRead, file.errorNumber());
     }
     // Less than there was at the start: it has shrunk, though nothing may tell by now.
     return problemFacts((done < size) ? hoSigningProblem::FileChanged : hoSigningProblem::None);
@@ -65,21 +65,21 @@ hoSigningFacts foldOpenFile(osFile& file, crRSADigitalSigner& signer, hoIProgres
 // The file must be the same before and after: otherwise the digest may be one that no file ever had.
 hoSigningFacts foldFile(const gtString& path, crRSADigitalSigner& signer, hoIProgress* pProgress)
 {
-    hoFileFacts before;
-    const hoFileProblem problem = hoReadFileFacts(path, before);
-    if (problem != hoFileProblem::None)
+    osFileFacts before;
+    const osFileProblem problem = osReadFileFacts(path, before);
+    if (problem != osFileProblem::None)
     {
         return fileFacts(problem, errno);
     }
     osFile file;
     if (!file.open(osFilePath(path), osChannel::OS_BINARY_CHANNEL, osFile::OS_OPEN_TO_READ))
     {
-        return fileFacts(hoFileProblem::CannotBeRead, file.errorNumber());
+        return fileFacts(osFileProblem::CannotBeRead, file.errorNumber());
     }
     hoSigningFacts facts = foldOpenFile(file, signer, pProgress);
-    hoFileFacts after;
+    osFileFacts after;
     if ((facts._problem == hoSigningProblem::None) &&
-        ((hoReadFileFacts(path, after) != hoFileProblem::None) || (after != before)))
+        ((osReadFileFacts(path, after) != osFileProblem::None) || (after != before)))
     {
         facts = problemFacts(hoSigningProblem::FileChanged);
     }

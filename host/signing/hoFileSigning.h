@@ -7,9 +7,9 @@
 #ifndef COUNTERSIGN_HO_FILE_SIGNING_H
 #define COUNTERSIGN_HO_FILE_SIGNING_H
 
-#include "host/hoFileFacts.h"
 #include "host/keys/hoKeyFile.h"
 #include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osFileFacts.h"
 
 enum class hoSigningProblem
 {
@@ -28,9 +28,9 @@ constexpr int hoSmallestSigningKeyBits = 128;
 struct hoSigningFacts
 {
     hoSigningProblem _problem = hoSigningProblem::None;
-    hoFileProblem _fileProblem = hoFileProblem::None;
+    osFileProblem _fileProblem = osFileProblem::None;
     int _systemError = 0;
-    hoFileFacts _file;  // the file that was read, when the problem is None
+    osFileFacts _file;  // the file that was read, when the problem is None
 };
 
 // Is told how far the reading of a file has got.

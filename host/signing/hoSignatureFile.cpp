@@ -7,8 +7,8 @@
 #include <string>
 #include <sys/stat.h>
 
-#include "host/hoBytes.h"
-#include "host/hoWholeFile.h"
+#include "platform/baseTools/gtBytes.h"
+#include "platform/osWrappers/osAtomicFile.h"
 #include "platform/osWrappers/osFile.h"
 
 namespace
@@ -94,7 +94,7 @@ hoSignatureFileFacts hoWriteSignatureFile(const gtString& path, const gtString& 
         {
             return check;
         }
-        const int error = hoWriteWholeFile(hoToBytes(path), hoToBytes(signature) + "\n", mayOverwrite);
+        const int error = osWriteFileAtomically(hoToBytes(path), hoToBytes(signature) + "\n", mayOverwrite);
         if (error != 0)
         {
             return (!mayOverwrite && (error == EEXIST)) ? problemFacts(hoSignatureFileProblem::Exists, 0)

@@ -12,7 +12,8 @@
 #include "crypto/crDigits.h"
 #include "crypto/crRSAEncryptionKey.h"
 #include "crypto/crRSAStringEncryptor.h"
-#include "host/hoBytes.h"
+#include "platform/baseTools/gtBytes.h"
+#include "platform/baseTools/gtWipe.h"
 
 namespace
 {
@@ -36,7 +37,7 @@ bool isBelowModulus(const crRSAEncryptionKey& key, const gtString& text)
     {
         digits.digits()[i / 4] |= static_cast<unsigned int>(block[i]) << (8 * (i % 4));
     }
-    crWipe(block.data(), block.size());
+    gtWipe(block.data(), block.size());
     return mpCompare(digits.digits(), key.productDigits(), static_cast<unsigned int>(amountOfDigits)) < 0;
 }
 
@@ -127,7 +128,7 @@ hoTextProblem hoDecryptText(const crRSAEncryptionKey& key, const gtString& ciphe
         {
             text = gtString(plain.asCharArray(), static_cast<int>(length));
         }
-        crWipe(plain);
+        gtWipe(plain);
         return comesOut ? hoTextProblem::None : hoTextProblem::DoesNotComeOut;
     }
     catch (const std::bad_alloc&)

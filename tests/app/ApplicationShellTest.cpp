@@ -15,8 +15,8 @@
 #include "MainFrame.h"
 
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
-#include "assertionHandling/ahTextConversion.h"
 #include "platform/osWrappers/osProcess.h"
+#include "platform/toolkit/gtTextConversion.h"
 #include "tests/support/failingAllocation.h"
 
 namespace
@@ -130,12 +130,12 @@ TEST(Shell, KeepsTheFirstDocumentInItsArguments)
 {
     AssertionRecorder recorder;
     OpenShell shell;
-    const wxString path = ahPathTextFromBytes(gtString("/tmp/caf\xC3\xA9 \xFF.txt"));
+    const wxString path = gtPathTextFromBytes(gtString("/tmp/caf\xC3\xA9 \xFF.txt"));
     shell.MacOpenFile(path);
     EXPECT_EQ(shell.argc, 1);
     ASSERT_EQ(shell.argv.GetArguments().size(), 1U);
     EXPECT_EQ(shell.argv[0], path);
-    EXPECT_EQ(ahPathBytesFromText(shell.argv[0]), gtString("/tmp/caf\xC3\xA9 \xFF.txt"));
+    EXPECT_EQ(gtPathBytesFromText(shell.argv[0]), gtString("/tmp/caf\xC3\xA9 \xFF.txt"));
     EXPECT_TRUE(recorder.reports.empty());
 
     shell.MacOpenFile("/tmp/second.txt");

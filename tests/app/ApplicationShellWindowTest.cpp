@@ -10,7 +10,7 @@
 #include "AssertionRecorder.h"
 #include "MainFrame.h"
 
-#include "assertionHandling/ahTextConversion.h"
+#include "platform/toolkit/gtTextConversion.h"
 #include "tests/support/failingAllocation.h"
 #include "tests/support/tsWindowTest.h"
 
@@ -116,7 +116,7 @@ TEST_F(ShellWindow, PassesDocumentsToTheMainWindow)
                                             std::string(5000, 'x')};
     for (const std::string& path : paths)
     {
-        wxGetApp().MacOpenFile(ahPathTextFromBytes(gtString(path.c_str())));
+        wxGetApp().MacOpenFile(gtPathTextFromBytes(gtString(path.c_str())));
     }
     ASSERT_EQ(MainFrame::openedPaths().size(), paths.size());
     for (std::size_t i = 0; i < paths.size(); i++)

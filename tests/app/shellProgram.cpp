@@ -14,8 +14,8 @@
 #include "app/ApplicationShell.h"
 #include "assertionHandling/ahAssertDialog.h"
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
-#include "assertionHandling/ahTextConversion.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 namespace
 {
@@ -29,7 +29,7 @@ void tell(MainFrame& frame)
     const wxArrayString& arguments = wxGetApp().argv.GetArguments();
     for (std::size_t i = 1; i < arguments.size(); i++)
     {
-        std::printf("argument %s\n", ahBytesFromArgument(arguments[i]).asCharArray());
+        std::printf("argument %s\n", gtBytesFromArgument(arguments[i]).asCharArray());
     }
     static_cast<void>(std::fflush(stdout));
     if (arguments.size() > 1 && arguments[1] == "exitDecision")

@@ -21,7 +21,7 @@
 
 #include "assertionHandling/ahAssertDialogIcon.h"
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
-#include "assertionHandling/ahTextConversion.h"
+#include "platform/toolkit/gtTextConversion.h"
 #include "tests/support/tsWindowTest.h"
 
 namespace
@@ -672,7 +672,7 @@ TEST(DialogBytes, ThatAreNotUtf8AreShownWhole)
 {
     // Read character by character where nothing else fits.
     const OpenDialog dialog("/tmp/caf\xE9\xFF.t\xFF", 5,
-                            ahTextFromBytes("b\xFF"
+                            gtTextFromBytes("b\xFF"
                                             "d"));
     EXPECT_EQ(dialog.GetTitle(), wxString(L"Assert in: caf\u00E9\u00FF.t\u00FF - Line: 5"));
     EXPECT_EQ(dialog.text(), wxString(L"Debug Assertion Failed!\n\nFile Name: caf\u00E9\u00FF.t\u00FF - 5\n\n"
@@ -681,7 +681,7 @@ TEST(DialogBytes, ThatAreNotUtf8AreShownWhole)
 
 TEST(DialogBytes, ThatAreUtf8AreRead)
 {
-    const OpenDialog dialog("/tmp/\xE2\x82\xAC.\xF0\x9F\x98\x80", 5, ahTextFromBytes("\xC3\xA9 != 0"));
+    const OpenDialog dialog("/tmp/\xE2\x82\xAC.\xF0\x9F\x98\x80", 5, gtTextFromBytes("\xC3\xA9 != 0"));
     EXPECT_EQ(dialog.GetTitle(), wxString(L"Assert in: \u20AC.\U0001F600 - Line: 5"));
     EXPECT_NE(dialog.text().Find(wxString(L"File Path: /tmp/\u20AC.\U0001F600\n")), wxNOT_FOUND);
     EXPECT_TRUE(dialog.text().EndsWith(wxString(L"\n\u00E9 != 0")));

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
-#include "assertionHandling/ahTextConversion.h"
+#include "platform/toolkit/gtTextConversion.h"
 #include "tests/support/failingAllocation.h"
 
 namespace
@@ -57,15 +57,15 @@ TEST(KitFaults, LeaveTextsRight)
     const wxString text = wxString::FromUTF8(name);
     wxString withNul = text;
     withNul[3] = wxUniChar(0);
-    const wxString shown = ahShowableText(withNul);
-    const wxString latin = ahTextFromBytes(invalid.c_str());
-    const wxString pathText = ahPathTextFromBytes(gtString(invalid.c_str()));
-    EXPECT_GT(failEachConversion([&] { return ahTextFromBytes(name.c_str()) == text; }), 0);
-    EXPECT_GT(failEachConversion([&] { return ahTextFromBytes(invalid.c_str()) == latin; }), 0);
-    EXPECT_GT(failEachConversion([&] { return ahBytesFromText(text) == gtString(name.c_str()); }), 0);
-    EXPECT_GT(failEachConversion([&] { return ahShowableText(withNul) == shown; }), 0);
-    EXPECT_GT(failEachConversion([&] { return ahPathTextFromBytes(gtString(invalid.c_str())) == pathText; }), 0);
-    EXPECT_GT(failEachConversion([&] { return ahPathBytesFromText(pathText) == gtString(invalid.c_str()); }), 0);
+    const wxString shown = gtShowableText(withNul);
+    const wxString latin = gtTextFromBytes(invalid.c_str());
+    const wxString pathText = gtPathTextFromBytes(gtString(invalid.c_str()));
+    EXPECT_GT(failEachConversion([&] { return gtTextFromBytes(name.c_str()) == text; }), 0);
+    EXPECT_GT(failEachConversion([&] { return gtTextFromBytes(invalid.c_str()) == latin; }), 0);
+    EXPECT_GT(failEachConversion([&] { return gtBytesFromText(text) == gtString(name.c_str()); }), 0);
+    EXPECT_GT(failEachConversion([&] { return gtShowableText(withNul) == shown; }), 0);
+    EXPECT_GT(failEachConversion([&] { return gtPathTextFromBytes(gtString(invalid.c_str())) == pathText; }), 0);
+    EXPECT_GT(failEachConversion([&] { return gtPathBytesFromText(pathText) == gtString(invalid.c_str()); }), 0);
 }
 
 TEST(KitFaults, LeaveTheIgnoreListWhole)

@@ -12,9 +12,9 @@
 #include <wx/textctrl.h>
 
 #include "assertionHandling/ahAssertDialog.h"
-#include "assertionHandling/ahTextConversion.h"
-#include "assertionHandling/ahTextLayout.h"
-#include "assertionHandling/ahUrlHighlighting.h"
+#include "platform/toolkit/gtTextConversion.h"
+#include "platform/toolkit/gtTextLayout.h"
+#include "platform/toolkit/gtUrlHighlighting.h"
 #include "tests/support/tsWindowTest.h"
 
 #ifdef __WXGTK__
@@ -151,7 +151,7 @@ TEST(HostileTexts, MayBeNames)
 
 TEST(HostileTexts, AreBrokenAtTheMarginOnlyInLinesWithLongWords)
 {
-    const wxString longWord('w', static_cast<std::size_t>(ahLongestUnbrokenWord) + 1);
+    const wxString longWord('w', static_cast<std::size_t>(gtLongestUnbrokenWord) + 1);
     const wxString words = repeated(wxString('w', 30) + " ", 3100);
     ahAssertDialog dialog(osFilePath(gtString("/a.c")), 7, words + "\n" + longWord + " " + words, nullptr);
     wxTextCtrl* const pReport = reportOf(dialog);
@@ -184,7 +184,7 @@ GtkTextView* viewOf(const wxTextCtrl& control)
 void writeEasily(wxTextCtrl& control, const wxString& text)
 {
     gtk_text_buffer_set_text(gtk_text_view_get_buffer(viewOf(control)), text.utf8_str(), -1);
-    ahEaseLayout(&control);
+    gtAllowBreaksInLongWords(&control);
 }
 
 // Whether the first line may break at any character.
@@ -257,7 +257,7 @@ TEST(HostileTexts, AreLaidOutInPieces)
         gtk_text_buffer_get_iter_at_offset(pBuffer, &first, begin);
         gtk_text_buffer_get_iter_at_offset(pBuffer, &last, end);
         gtk_text_buffer_delete(pBuffer, &first, &last);
-        ahEaseLayout(pText);
+        gtAllowBreaksInLongWords(pText);
         return borders(*pText);
     };
     EXPECT_EQ(bordersOf(repeated("w ", 35000)), Offsets({10000, 20000, 30000, 35000}));
@@ -273,7 +273,7 @@ TEST(HostileTexts, HaveAThousandUrlsInALineAtMost)
     const auto bordersOf = [pText](const wxString& text)
     {
         gtk_text_buffer_set_text(gtk_text_view_get_buffer(viewOf(*pText)), text.utf8_str(), -1);
-        ahHighlightUrls(pText);
+        gtHighlightUrls(pText);
         return borders(*pText);
     };
     EXPECT_EQ(bordersOf(repeated("www.a ", 6000)).size(), 2000U);
@@ -318,7 +318,7 @@ TEST(HostileTexts, EndTheirWordsAtBlanks)
 
 TEST(HostileTexts, KeepTheirStyles)
 {
-    const wxString reason = repeated("w", 3 * ahMostDetected) + " http://a.b/";
+    const wxString reason = repeated("w", 3 * gtMostDetected) + " http://a.b/";
     const ahAssertDialog dialog(osFilePath(gtString("/a.c")), 7, reason, nullptr);
     wxTextCtrl* const pReport = reportOf(dialog);
     const long first = pReport->GetValue().Find("ww");
@@ -347,16 +347,16 @@ TEST(HostileTexts, AreEasedAgainWhenTheyChange)
     ASSERT_TRUE(tsRunUntil("the window has the keyboard", [&] { return tsHasKeyboard(frame); }));
     const wxString before = repeated("w", 200000) + "\nshort";
     text.ChangeValue(before);
-    ahEaseLayout(&text);
+    gtAllowBreaksInLongWords(&text);
     tsRunEvents();
     EXPECT_TRUE(text.GetValue() == before);
     text.ChangeValue("one two");
-    ahEaseLayout(&text);
+    gtAllowBreaksInLongWords(&text);
     text.AppendText(repeated(" three", 100) + "\n" + repeated("v", 200000));
-    ahEaseLayout(&text);
+    gtAllowBreaksInLongWords(&text);
     tsRunEvents();
     EXPECT_EQ(text.GetValue().length(), 7U + 100U + 1U + 200000U);
     EXPECT_EQ(text.GetInsertionPoint(), text.GetLastPosition());
     text.Clear();
-    ahEaseLayout(&text);
+    gtAllowBreaksInLongWords(&text);
 }

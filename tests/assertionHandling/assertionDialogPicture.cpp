@@ -10,7 +10,7 @@
 #include <wx/textctrl.h>
 
 #include "assertionHandling/ahAssertDialog.h"
-#include "assertionHandling/ahTextConversion.h"
+#include "platform/toolkit/gtTextConversion.h"
 #include "tests/support/tsWindowTest.h"
 
 namespace
@@ -45,7 +45,7 @@ bool isPainted(const wxRect& screenRect)
 
 bool takePicture(const char* pPicture, const char* pFile, int lineNumber, const char* pReason)
 {
-    ahAssertDialog dialog(osFilePath(gtString(pFile)), lineNumber, ahTextFromBytes(pReason), nullptr);
+    ahAssertDialog dialog(osFilePath(gtString(pFile)), lineNumber, gtTextFromBytes(pReason), nullptr);
     const wxWindow* pReport = dialog.GetChildren().GetFirst()->GetData();
     bool isWritten = false;
     tsScript script;

@@ -128,8 +128,8 @@ TEST_F(FileSigning, TellsWhyAFileCannotBeRead)
 {
     ASSERT_EQ(mkdir((_folder / "folder").c_str(), 0700), 0);
     ASSERT_EQ(mkfifo((_folder / "pipe").c_str(), 0600), 0);
-    const std::pair<const char*, hoFileProblem> cases[] = {
-        {"missing", hoFileProblem::NotThere}, {"folder", hoFileProblem::IsFolder}, {"pipe", hoFileProblem::NotRegular}};
+    const std::pair<const char*, osFileProblem> cases[] = {
+        {"missing", osFileProblem::NotThere}, {"folder", osFileProblem::IsFolder}, {"pipe", osFileProblem::NotRegular}};
     for (const auto& [pName, problem] : cases)
     {
         gtString text("kept");

@@ -8,8 +8,8 @@
 
 #include "cliTestSupport.h"
 #include "crypto/crRSAEncryptionKey.h"
-#include "host/hoBytes.h"
 #include "host/keys/hoKeyFile.h"
+#include "platform/baseTools/gtBytes.h"
 
 namespace
 {

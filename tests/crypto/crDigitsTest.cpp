@@ -181,26 +181,3 @@ TEST(Digits, AreZeroAtFirst)
         ASSERT_EQ(digits.digits()[i], 0U);
     }
 }
-
-TEST(Wipe, LeavesZerosAndNothingElse)
-{
-    std::string bytes(100, 'x');
-    crWipe(&bytes[10], 80);
-    EXPECT_EQ(bytes, std::string(10, 'x') + std::string(80, '\0') + std::string(10, 'x'));
-    crWipe(nullptr, 5);
-}
-
-TEST(Wipe, EmptiesATextAndItsMemory)
-{
-    gtString text("a secret that is too long for the text object itself");
-    const char* pCharacters = text.asCharArray();
-    const int length = text.length();
-    crWipe(text);
-    EXPECT_TRUE(text.isEmpty());
-    // The memory still belongs to the text.
-    ASSERT_EQ(text.asCharArray(), pCharacters);
-    for (int i = 0; i < length; i++)
-    {
-        ASSERT_EQ(pCharacters[i], '\0');
-    }
-}

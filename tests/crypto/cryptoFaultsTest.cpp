@@ -26,6 +26,7 @@
 #include "crypto/crRSAEncryptionKey.h"
 #include "crypto/crRSAStringEncryptor.h"
 #include "cryptoTestSupport.h"
+#include "platform/baseTools/gtWipe.h"
 #include "tests/support/failingAllocation.h"
 
 namespace
@@ -337,7 +338,7 @@ TEST_F(CryptoFaults, GrowingOutputsLeaveNoPlainTextBehind)
             EXPECT_TRUE(crRSAStringEncryptor(_privateKey).decrypt(cipher, output));
             EXPECT_EQ(secretsGivenBack, 0);
             EXPECT_EQ(output.isEmpty(), failure.hasFailed());
-            crWipe(output);
+            gtWipe(output);
         });
 }
 

@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 // Every system call and every allocation of what the windows stand on goes wrong in turn: the work is done all the same or
 // is said not to be done, no half file is left, nothing is called good or bad that is not, and lists stay whole.
-#include "NewKey.h"
-#include "SystemFault.h"
-#include "TemporaryFolder.h"
+#include "tests/host/NewKey.h"
+#include "tests/host/SystemFault.h"
+#include "tests/support/TemporaryFolder.h"
 
-#include "host/hoAssertionReport.h"
-#include "host/hoAssertionReportText.h"
-#include "host/hoDocumentWork.h"
-#include "host/hoNewKeyPair.h"
-#include "host/hoRecentDocuments.h"
-#include "host/hoSettings.h"
-#include "host/hoUriList.h"
+#include "host/assertions/hoAssertionReport.h"
+#include "host/assertions/hoAssertionReportText.h"
+#include "host/documents/hoDocumentList.h"
+#include "host/documents/hoRecentDocuments.h"
+#include "host/documents/hoSettings.h"
+#include "host/documents/hoUriList.h"
+#include "host/keys/hoNewKeyPair.h"
+#include "host/signing/hoDocumentWork.h"
 #include "tests/support/failingAllocation.h"
 
 #include <gmock/gmock.h>
@@ -385,7 +386,7 @@ TEST_F(WindowEngineFaults, MissingMemoryLeavesTheListAsItWas)
             {
                 hoDocumentStamp stamp;
                 stamp._state = hoDocumentState::Good;
-                hoReadFileFacts(path.c_str(), stamp._file);
+                osReadFileFacts(path.c_str(), stamp._file);
                 list.setStamp(path.c_str(), stamp);
             }
             ASSERT_EQ(list[2]._stamp._state, hoDocumentState::Good);

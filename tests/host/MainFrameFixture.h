@@ -3,7 +3,7 @@
 #ifndef COUNTERSIGN_TESTS_HOST_MAIN_FRAME_FIXTURE_H
 #define COUNTERSIGN_TESTS_HOST_MAIN_FRAME_FIXTURE_H
 
-#include "TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include "app/ApplicationShell.h"
 #include "host/MainFrame.h"

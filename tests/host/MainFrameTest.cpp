@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MainFrameFixture.h"
+#include "tests/host/MainFrameFixture.h"
 
-#include "host/hoDocumentDropTarget.h"
+#include "host/window/hoDocumentDropTarget.h"
 
 #include <gmock/gmock.h>
 #include <wx/clipbrd.h>

@@ -3,7 +3,7 @@
 #undef _FILE_OFFSET_BITS
 // Nor may the headers bring bodies of what is defined here.
 #undef _FORTIFY_SOURCE
-#include "SystemFault.h"
+#include "tests/host/SystemFault.h"
 
 #include <array>
 #include <atomic>

@@ -7,8 +7,8 @@
 #include "skJudgement.h"
 
 #include "assertionHandling/ahAssertDialog.h"
-#include "host/hoDocumentDropTarget.h"
-#include "host/hoProgressDialog.h"
+#include "host/window/hoDocumentDropTarget.h"
+#include "host/window/hoProgressDialog.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "tests/host/MainFrameFixture.h"
 #include "tests/host/NewKey.h"

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/tsSecrets.h"
-
-#include "crypto/crDigits.h"
+#include "platform/baseTools/gtWipe.h"
 
 #include <algorithm>
 #include <array>
@@ -183,7 +182,7 @@ void tsWritePassphrase(const std::string& path)
         {
             break;
         }
-        crWipe(&byte, 1);
+        gtWipe(&byte, 1);
     }
     close(file);
 }

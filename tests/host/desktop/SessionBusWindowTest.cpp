@@ -4,7 +4,7 @@
 #include "app/ApplicationShell.h"
 #include "host/MainFrame.h"
 #include "host/desktop/hoSessionBus.h"
-#include "tests/host/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 #include "tests/support/tsWindowTest.h"
 
 #include <gio/gio.h>

@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/documents/hoDocumentList.h"
+
+#include "host/signing/hoSignatureFile.h"
+#include "platform/baseTools/gtBytes.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace
+{
+std::string withoutCase(std::string bytes)
+{
+    for (char& byte : bytes)
+    {
+        if (byte >= 'A' && byte <= 'Z')
+        {
+            byte = static_cast<char>(byte - 'A' + 'a');
+        }
+    }
+    return bytes;
+}
+
+// What a document is ordered by, worked out once a document and not once a comparison.
+struct SortKey
+{
+    std::int64_t _number;
+    std::int64_t _fraction;
+    std::string _text;
+    std::string _name;
+    std::string _path;
+    std::size_t _position;
+};
+
+// That came of comparing bytes.
+bool isFinding(hoDocumentState state)
+{
+    return state == hoDocumentState::SignedByMe || state == hoDocumentState::Good || state == hoDocumentState::Bad;
+}
+
+// The facts of a document's signature; none of a file that is not there.
+osFileFacts signatureFacts(const hoDocument& document)
+{
+    osFileFacts facts;
+    osReadFileFacts(hoSignaturePath(document._path), facts);
+    return facts;
+}
+
+hoDocumentState stateWithoutFinding(const hoDocument& document)
+{
+    osFileFacts facts;
+    const osFileProblem problem = osReadFileFacts(hoSignaturePath(document._path), facts);
+    return problem == osFileProblem::NotThere ? hoDocumentState::NotSigned : hoDocumentState::NotTested;
+}
+
+SortKey keyOf(const hoDocument& document, std::size_t position, hoDocumentList::Column column)
+{
+    SortKey key{0, 0, "", withoutCase(hoToBytes(document.name())), hoToBytes(document._path), position};
+    switch (column)
+    {
+    case hoDocumentList::Column::Name:
+        break;
+    case hoDocumentList::Column::State:
+        key._number = static_cast<std::int64_t>(document._stamp._state);
+        break;
+    case hoDocumentList::Column::Size:
+        key._number = static_cast<std::int64_t>(document._facts._size);
+        break;
+    case hoDocumentList::Column::Modified:
+        key._number = document._facts._modifiedSeconds;
+        key._fraction = document._facts._modifiedNanoseconds;
+        break;
+    case hoDocumentList::Column::Path:
+        key._text = withoutCase(key._path);
+        break;
+    }
+    return key;
+}
+}  // namespace
+
+std::size_t hoDocumentList::find(const gtString& path) const
+{
+    return positionOf(osAbsolutePath(path));
+}
+
+std::size_t hoDocumentList::positionOf(const gtString& absolutePath) const
+{
+    const auto found = _positions.find(hoToBytes(absolutePath));
+    return found == _positions.end() ? nowhere : found->second;
+}
+
+hoDocumentList::Opening hoDocumentList::open(const gtString& path)
+{
+    hoDocument document;
+    const osFileProblem problem = osReadFileFacts(path, document._facts);
+    if (problem != osFileProblem::None)
+    {
+        return {problem, nowhere, false};
+    }
+
+    document._path = osAbsolutePath(path);
+    const std::string key = hoToBytes(document._path);
+    const auto found = _positions.find(key);
+    if (found != _positions.end())
+    {
+        refresh(found->second);
+        return {osFileProblem::None, found->second, false};
+    }
+    document._stamp._state = stateWithoutFinding(document);
+    const std::size_t position = _documents.size();
+    _documents.push_back(document);
+    try
+    {
+        _positions.emplace(key, position);
+    }
+    catch (...)
+    {
+        _documents.pop_back();
+        throw;
+    }
+    return {osFileProblem::None, position, true};
+}
+
+bool hoDocumentList::refresh(std::size_t position)
+{
+    hoDocument& document = _documents[position];
+    osFileFacts facts = document._facts;
+    hoDocumentState state = document._stamp._state;
+    if (osReadFileFacts(document._path, facts) != osFileProblem::None)
+    {
+        state = hoDocumentState::CannotBeRead;
+    }
+    else if (!isFinding(state) && state != hoDocumentState::Changed)
+    {
+        state = stateWithoutFinding(document);
+    }
+    else if (facts != document._stamp._file || signatureFacts(document) != document._stamp._signature)
+    {
+        state = hoDocumentState::Changed;
+    }
+    const bool isChanged = document._facts != facts || document._stamp._state != state;
+    document._facts = facts;
+    document._stamp._state = state;
+    return isChanged;
+}
+
+void hoDocumentList::setStamp(const gtString& absolutePath, const hoDocumentStamp& stamp)
+{
+    const std::size_t position = positionOf(absolutePath);
+    if (position != nowhere)
+    {
+        _documents[position]._stamp = stamp;
+        refresh(position);
+    }
+}
+
+void hoDocumentList::forgetStates()
+{
+    // Nothing is left of any finding before anything that may fail.
+    for (hoDocument& document : _documents)
+    {
+        if (document._stamp._state != hoDocumentState::CannotBeRead)
+        {
+            document._stamp = hoDocumentStamp();
+            document._stamp._state = hoDocumentState::NotTested;
+        }
+    }
+    for (hoDocument& document : _documents)
+    {
+        if (document._stamp._state != hoDocumentState::CannotBeRead)
+        {
+            document._stamp._state = stateWithoutFinding(document);
+        }
+    }
+}
+
+void hoDocumentList::close(const std::vector<std::size_t>& positions)
+{
+    std::vector<bool> isClosed(_documents.size(), false);
+    for (const std::size_t position : positions)
+    {
+        if (position < isClosed.size())
+        {
+            isClosed[position] = true;
+        }
+    }
+    std::vector<hoDocument> kept;
+    for (std::size_t position = 0; position < _documents.size(); ++position)
+    {
+        if (!isClosed[position])
+        {
+            kept.push_back(_documents[position]);
+        }
+    }
+    replaceBy(kept);
+}
+
+void hoDocumentList::closeAll()
+{
+    _documents.clear();
+    _positions.clear();
+}
+
+void hoDocumentList::sort(Column column, bool isAscending)
+{
+    std::vector<SortKey> keys;
+    keys.reserve(_documents.size());
+    for (std::size_t position = 0; position < _documents.size(); ++position)
+    {
+        keys.push_back(keyOf(_documents[position], position, column));
+    }
+    const auto isBefore = [](const SortKey& left, const SortKey& right)
+    {
+        return std::tie(left._number, left._fraction, left._text, left._name, left._path) <
+               std::tie(right._number, right._fraction, right._text, right._name, right._path);
+    };
+    std::sort(keys.begin(), keys.end(),
+              [&](const SortKey& left, const SortKey& right)
+              { return isAscending ? isBefore(left, right) : isBefore(right, left); });
+
+    std::vector<hoDocument> ordered;
+    ordered.reserve(_documents.size());
+    for (const SortKey& key : keys)
+    {
+        ordered.push_back(_documents[key._position]);
+    }
+    replaceBy(ordered);
+}
+
+std::uint64_t hoDocumentList::totalSize() const
+{
+    std::uint64_t total = 0;
+    for (const hoDocument& document : _documents)
+    {
+        total += document._facts._size;
+    }
+    return total;
+}
+
+void hoDocumentList::replaceBy(std::vector<hoDocument>& documents)
+{
+    std::unordered_map<std::string, std::size_t> positions;
+    for (std::size_t position = 0; position < documents.size(); ++position)
+    {
+        positions.emplace(hoToBytes(documents[position]._path), position);
+    }
+    _documents.swap(documents);
+    _positions.swap(positions);
+}

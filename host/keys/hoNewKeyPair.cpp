@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/keys/hoNewKeyPair.h"
+
+#include "platform/baseTools/gtBytes.h"
+#include "platform/osWrappers/osAtomicFile.h"
+
+#include <openssl/bio.h>
+#include <openssl/evp.h>
+#include <openssl/pem.h>
+#include <openssl/rsa.h>
+
+#include <cerrno>
+#include <new>
+
+namespace
+{
+int goesOn(EVP_PKEY_CTX* pContext)
+{
+    const auto* pIsCancelled = static_cast<const std::atomic<bool>*>(EVP_PKEY_CTX_get_app_data(pContext));
+    return *pIsCancelled ? 0 : 1;
+}
+
+struct BioDeleter
+{
+    // Memory of this kind is overwritten when it is freed.
+    void operator()(BIO* pBio) const { BIO_free(pBio); }
+};
+using Bio = std::unique_ptr<BIO, BioDeleter>;
+
+Bio secureMemory()
+{
+    return Bio(BIO_new(BIO_s_secmem()));
+}
+}  // namespace
+
+void hoNewKeyPair::Deleter::operator()(void* pKey) const
+{
+    EVP_PKEY_free(static_cast<EVP_PKEY*>(pKey));
+}
+
+hoNewKeyPair::hoNewKeyPair(int bits) : _bits(bits), _systemError(0), _isCancelled(false), _isFinished(false)
+{
+    _thread = std::thread(&hoNewKeyPair::run, this);
+}
+
+hoNewKeyPair::~hoNewKeyPair()
+{
+    cancel();
+    _thread.join();
+}
+
+void hoNewKeyPair::run()
+{
+    EVP_PKEY* pKey = nullptr;
+    EVP_PKEY_CTX* const pContext = EVP_PKEY_CTX_new_id(EVP_PKEY_RSA, nullptr);
+    if (pContext != nullptr && EVP_PKEY_keygen_init(pContext) > 0 &&
+        EVP_PKEY_CTX_set_rsa_keygen_bits(pContext, _bits) > 0)
+    {
+        EVP_PKEY_CTX_set_app_data(pContext, &_isCancelled);
+        EVP_PKEY_CTX_set_cb(pContext, &goesOn);
+        if (EVP_PKEY_keygen(pContext, &pKey) <= 0)
+        {
+            pKey = nullptr;
+        }
+    }
+    EVP_PKEY_CTX_free(pContext);
+    _pKey.reset(pKey);
+    if (_isCancelled)
+    {
+        _pKey.reset();
+    }
+    _isFinished = true;
+}
+
+hoNewKeyPair::Writing hoNewKeyPair::writePrivateKey(const gtString& path, std::string_view passphrase,
+                                                    bool mayOverwrite)
+{
+    const Bio pText = secureMemory();
+    const EVP_CIPHER* const pCipher = passphrase.empty() ? nullptr : EVP_aes_256_cbc();
+    char* pBytes = nullptr;
+    if (pText == nullptr ||
+        PEM_write_bio_PKCS8PrivateKey(pText.get(), static_cast<EVP_PKEY*>(_pKey.get()), pCipher, passphrase.data(),
+                                      static_cast<int>(passphrase.size()), nullptr, nullptr) != 1)
+    {
+        _systemError = ENOMEM;
+        return Writing::Failed;
+    }
+    const long length = BIO_get_mem_data(pText.get(), &pBytes);
+    return writeFile(path, 0600, mayOverwrite, pBytes, length);
+}
+
+hoNewKeyPair::Writing hoNewKeyPair::writePublicKey(const gtString& path, bool mayOverwrite)
+{
+    const Bio pText = secureMemory();
+    char* pBytes = nullptr;
+    if (pText == nullptr || PEM_write_bio_PUBKEY(pText.get(), static_cast<EVP_PKEY*>(_pKey.get())) != 1)
+    {
+        _systemError = ENOMEM;
+        return Writing::Failed;
+    }
+    const long length = BIO_get_mem_data(pText.get(), &pBytes);
+    return writeFile(path, 0644, mayOverwrite, pBytes, length);
+}
+
+hoNewKeyPair::Writing hoNewKeyPair::writeFile(const gtString& path, unsigned int rights, bool mayOverwrite,
+                                              const char* pBytes, long length)
+{
+    try
+    {
+        _systemError = osWriteFileAtomically(
+            hoToBytes(path), std::string_view(pBytes, static_cast<std::size_t>(length)), mayOverwrite, rights);
+    }
+    catch (const std::bad_alloc&)
+    {
+        _systemError = ENOMEM;
+    }
+    if (_systemError == 0)
+    {
+        return Writing::Done;
+    }
+    return _systemError == EEXIST ? Writing::Exists : Writing::Failed;
+}

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+// Makes RSA key pairs with libcrypto and writes them down as PEM files.
+//
+// Nothing here throws or prints. What held a private number or a passphrase is overwritten before it is given back.
+#ifndef COUNTERSIGN_HO_NEW_KEY_PAIR_H
+#define COUNTERSIGN_HO_NEW_KEY_PAIR_H
+
+#include "platform/baseTools/gtString.h"
+
+#include <atomic>
+#include <memory>
+#include <string_view>
+#include <thread>
+
+constexpr int hoLeastNewKeyBits = 512;
+constexpr int hoUsualNewKeyBits = 2048;
+constexpr int hoMostNewKeyBits = 4096;
+constexpr int hoStepOfNewKeyBits = 32;
+
+constexpr bool hoIsNewKeySize(int bits)
+{
+    return bits >= hoLeastNewKeyBits && bits <= hoMostNewKeyBits && bits % hoStepOfNewKeyBits == 0;
+}
+
+// The key pair is made on a thread of its own; all functions are for the thread that made the object.
+class hoNewKeyPair
+{
+public:
+    enum class Writing
+    {
+        Done,
+        Exists,  // a file of that name is there and overwriting was not allowed
+        Failed   // systemError() tells why
+    };
+
+    // Begins at once. hoIsNewKeySize(bits) must hold. Throws std::system_error where the system gives no thread.
+    explicit hoNewKeyPair(int bits);
+    // Cancels, waits for the thread, and forgets the key.
+    ~hoNewKeyPair();
+    hoNewKeyPair(const hoNewKeyPair&) = delete;
+    hoNewKeyPair& operator=(const hoNewKeyPair&) = delete;
+
+    void cancel() { _isCancelled = true; }
+    bool isFinished() const { return _isFinished; }
+    // Once it is finished: whether there is a key.
+    bool isMade() const { return _isFinished && _pKey != nullptr; }
+
+    // Writes the private key (PKCS#8; encrypted if the passphrase is not empty), readable and writable by its owner
+    // alone, or the public one, with rights 644. As osWriteFileAtomically does: there is never half a key, and what is there
+    // and no regular file is not replaced in any case. isMade() must be true.
+    Writing writePrivateKey(const gtString& path, std::string_view passphrase, bool mayOverwrite);
+    Writing writePublicKey(const gtString& path, bool mayOverwrite);
+    int systemError() const { return _systemError; }
+
+private:
+    struct Deleter
+    {
+        void operator()(void* pKey) const;
+    };
+
+    void run();
+    Writing writeFile(const gtString& path, unsigned int rights, bool mayOverwrite, const char* pBytes, long length);
+
+    const int _bits;
+    int _systemError;
+    std::unique_ptr<void, Deleter> _pKey;  // libcrypto's; the thread's until it is finished
+    std::atomic<bool> _isCancelled;
+    std::atomic<bool> _isFinished;
+    std::thread _thread;  // the last member: it uses the others
+};
+
+#endif

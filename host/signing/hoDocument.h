@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+// A document to be signed or tested, and what is known of its signature. Values without threads or resources of their
+// own.
+#ifndef COUNTERSIGN_HO_DOCUMENT_H
+#define COUNTERSIGN_HO_DOCUMENT_H
+
+#include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osFileFacts.h"
+
+enum class hoDocumentState
+{
+    NotSigned,    // there is no signature beside it
+    NotTested,    // there is one, and nobody has looked at it
+    SignedByMe,   // it is good under the loaded private key's partner
+    Good,         // it is good under the loaded public key
+    Bad,          // it is not
+    Changed,      // the document or its signature has changed since one of the three above was found
+    CannotBeRead  // the document is gone, or cannot be read
+};
+
+// A state, and the files that it was found with.
+struct hoDocumentStamp
+{
+    hoDocumentState _state = hoDocumentState::NotSigned;
+    osFileFacts _file;
+    osFileFacts _signature;
+};
+
+struct hoDocument
+{
+    gtString _path;      // absolute
+    osFileFacts _facts;  // the file's at the last look
+    hoDocumentStamp _stamp;
+
+    // The last component of the path, which is not empty.
+    gtString name() const;
+    // The path without its last component and without the separator before it, except for "/" itself.
+    gtString folder() const;
+};
+
+#endif

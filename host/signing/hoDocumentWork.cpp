@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/signing/hoDocumentWork.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+
+namespace
+{
+bool isSameModulus(const hoKey& left, const hoKey& right)
+{
+    const int digits = left.publicKey().amountOfProductDigits();
+    return digits == right.publicKey().amountOfProductDigits() &&
+           std::equal(left.publicKey().productDigits(), left.publicKey().productDigits() + digits,
+                      right.publicKey().productDigits());
+}
+
+// Of a signature file; none when there is none.
+osFileFacts signatureFacts(const gtString& path)
+{
+    osFileFacts facts;
+    osReadFileFacts(hoSignaturePath(path), facts);
+    return facts;
+}
+}  // namespace
+
+hoDocumentWork::hoDocumentWork(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite)
+    : _kind(kind),
+      _documents(documents),
+      _keys(keys),
+      _mayOverwrite(mayOverwrite),
+      _bytesInAll(0),
+      _isCancelled(false),
+      _isFinished(false),
+      _bytesOfDocument(0),
+      _bytesBefore(0),
+      _documentsDone(0),
+      _outcomes(documents.size()),
+      _isKnown(documents.size(), false),
+      _taken(0)
+{
+    for (std::size_t i = 0; i < _documents.size(); ++i)
+    {
+        _bytesInAll += _documents[i]._facts._size;
+        _outcomes[i]._path = _documents[i]._path;
+    }
+    _thread = std::thread(&hoDocumentWork::run, this);
+}
+
+hoDocumentWork::~hoDocumentWork()
+{
+    cancel();
+    _thread.join();
+}
+
+hoDocumentWork::Progress hoDocumentWork::progress() const
+{
+    const std::lock_guard<std::mutex> lock(_mutex);
+    const std::uint64_t done = _bytesBefore + _bytesOfDocument;
+    const gtString path = _documentsDone < _documents.size() ? _documents[_documentsDone]._path : gtString();
+    return {done, std::max(done, _bytesInAll), _documentsDone, path};
+}
+
+std::vector<hoWorkOutcome> hoDocumentWork::takeOutcomes()
+{
+    const std::lock_guard<std::mutex> lock(_mutex);
+    std::vector<hoWorkOutcome> outcomes;
+    outcomes.reserve(_documentsDone - _taken);
+    for (; _taken < _documentsDone; ++_taken)
+    {
+        if (_isKnown[_taken])
+        {
+            outcomes.push_back(std::move(_outcomes[_taken]));
+        }
+    }
+    return outcomes;
+}
+
+bool hoDocumentWork::onProgress(unsigned long long bytesDone, unsigned long long)
+{
+    _bytesOfDocument = bytesDone;
+    return !_isCancelled;
+}
+
+void hoDocumentWork::run()
+{
+    for (std::size_t i = 0; i < _documents.size() && !_isCancelled; ++i)
+    {
+        const hoDocument& document = _documents[i];
+        // Nobody looks at it before it is done.
+        hoWorkOutcome& outcome = _outcomes[i];
+        try
+        {
+            if (_kind == Kind::Sign)
+            {
+                sign(document, outcome);
+            }
+            else
+            {
+                test(document, outcome);
+            }
+        }
+        catch (const std::bad_alloc&)
+        {
+            outcome._signing._problem = hoSigningProblem::NoMemory;
+            outcome._stamp = hoDocumentStamp{hoDocumentState::NotTested, {}, {}};
+        }
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _isKnown[i] = outcome._signing._problem != hoSigningProblem::Cancelled;
+        _bytesBefore += document._facts._size;
+        _bytesOfDocument = 0;
+        ++_documentsDone;
+    }
+    _isFinished = true;
+}
+
+void hoDocumentWork::sign(const hoDocument& document, hoWorkOutcome& outcome)
+{
+    outcome._stamp = document._stamp;
+    const gtString signaturePath = hoSignaturePath(document._path);
+    outcome._signatureFile = hoCheckSignaturePath(signaturePath, _mayOverwrite);
+    if (outcome._signatureFile._problem != hoSignatureFileProblem::None)
+    {
+        return;
+    }
+
+    gtString signature;
+    outcome._signing = hoSignFile(document._path, *_keys._pPrivateKey, this, signature);
+    if (outcome._signing._problem != hoSigningProblem::None)
+    {
+        if (outcome._signing._problem == hoSigningProblem::FileCannotBeRead)
+        {
+            outcome._stamp = hoDocumentStamp{hoDocumentState::CannotBeRead, {}, {}};
+        }
+        return;
+    }
+    outcome._signatureFile = hoWriteSignatureFile(signaturePath, signature, _mayOverwrite);
+    if (outcome._signatureFile._problem == hoSignatureFileProblem::None)
+    {
+        outcome._stamp = {hoDocumentState::SignedByMe, outcome._signing._file, signatureFacts(document._path)};
+    }
+}
+
+void hoDocumentWork::test(const hoDocument& document, hoWorkOutcome& outcome)
+{
+    const osFileFacts signatureBefore = signatureFacts(document._path);
+    gtString signature;
+    outcome._signatureFile = hoReadSignatureFile(hoSignaturePath(document._path), signature);
+    if (outcome._signatureFile._problem != hoSignatureFileProblem::None)
+    {
+        const bool isMissing = outcome._signatureFile._problem == hoSignatureFileProblem::CannotBeRead &&
+                               outcome._signatureFile._systemError == ENOENT;
+        outcome._stamp._state = isMissing ? hoDocumentState::NotSigned : hoDocumentState::NotTested;
+        if (isMissing)
+        {
+            outcome._signatureFile = hoSignatureFileFacts();
+        }
+        return;
+    }
+
+    const bool good = isGood(document._path, signature, outcome);
+    outcome._stamp._file = outcome._signing._file;
+    outcome._stamp._signature = signatureBefore;
+    if (outcome._signing._problem == hoSigningProblem::FileCannotBeRead)
+    {
+        outcome._stamp._state = hoDocumentState::CannotBeRead;
+    }
+    else if (outcome._signing._problem != hoSigningProblem::None)
+    {
+        outcome._stamp._state = hoDocumentState::NotTested;
+    }
+    else if (signatureFacts(document._path) != signatureBefore)
+    {
+        outcome._stamp._state = hoDocumentState::Changed;
+    }
+    else if (!good)
+    {
+        outcome._stamp._state = hoDocumentState::Bad;
+    }
+}
+
+// Leaves the state of a good signature in the outcome.
+bool hoDocumentWork::isGood(const gtString& path, const gtString& signature, hoWorkOutcome& outcome)
+{
+    const hoKey* const pMine = _keys._pPrivateKey.get();
+    const hoKey* const pTheirs = _keys._pPublicKey.get();
+    for (const hoKey* pKey : {pTheirs, pMine})
+    {
+        const bool isTriedAlready =
+            pKey == pMine && pTheirs != nullptr && pMine != nullptr && isSameModulus(*pMine, *pTheirs);
+        if (pKey == nullptr || isTriedAlready)
+        {
+            continue;
+        }
+        bool good = false;
+        outcome._signing = hoTestFile(path, *pKey, signature, this, good);
+        if (outcome._signing._problem != hoSigningProblem::None)
+        {
+            return false;
+        }
+        if (good)
+        {
+            const bool isMine = pMine != nullptr && isSameModulus(*pKey, *pMine);
+            outcome._stamp._state = isMine ? hoDocumentState::SignedByMe : hoDocumentState::Good;
+            return true;
+        }
+    }
+    return false;
+}

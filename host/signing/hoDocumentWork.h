@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: Apache-2.0
+// Signing and testing of many documents on a thread of their own.
+//
+// A work is made, runs at once, and is asked from time to time what it has found: outcomes come in the order of the
+// documents, as facts, one of each document that was not given up; what there is no memory for is one, too. The keys are
+// shared with whoever else has them. All functions are for the thread that made the
+// work; the thread inside is nobody else's business, and it is over when the destructor returns.
+#ifndef COUNTERSIGN_HO_DOCUMENT_WORK_H
+#define COUNTERSIGN_HO_DOCUMENT_WORK_H
+
+#include "host/signing/hoDocument.h"
+#include "host/signing/hoFileSigning.h"
+#include "host/signing/hoSignatureFile.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+struct hoWorkOutcome
+{
+    gtString _path;
+    hoDocumentStamp _stamp;   // the state, and what it was established on
+    hoSigningFacts _signing;  // why it could not be established, if it could not
+    hoSignatureFileFacts _signatureFile;
+};
+
+class hoDocumentWork : private hoIProgress
+{
+public:
+    enum class Kind
+    {
+        Sign,
+        Test
+    };
+
+    // Private: signs, and tells which signatures are one's own. Public: tests; where it is missing, or says bad, the
+    // public half of the private key is tried. Either may be null, the private one not for signing.
+    struct Keys
+    {
+        std::shared_ptr<const hoKey> _pPrivateKey;
+        std::shared_ptr<const hoKey> _pPublicKey;
+    };
+
+    struct Progress
+    {
+        std::uint64_t _bytesDone;   // including the documents that are done
+        std::uint64_t _bytesInAll;  // as the list had the sizes at the start; never less than _bytesDone
+        std::size_t _documentsDone;
+        gtString _path;  // that is being read; empty at the end
+    };
+
+    // mayOverwrite: signatures that are there are replaced; otherwise such a document's outcome has the signature
+    // file's problem Exists. Throws std::bad_alloc, and std::system_error where the system gives no thread.
+    hoDocumentWork(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite);
+    // Cancels, and waits for the thread.
+    ~hoDocumentWork() override;
+    hoDocumentWork(const hoDocumentWork&) = delete;
+    hoDocumentWork& operator=(const hoDocumentWork&) = delete;
+
+    Kind kind() const { return _kind; }
+    std::size_t amountOfDocuments() const { return _documents.size(); }
+
+    // The document that is being read is given up, without an outcome, and those behind it are not begun.
+    void cancel() { _isCancelled = true; }
+    bool isCancelled() const { return _isCancelled; }
+
+    // No outcome comes any more but those that takeOutcomes() has not given yet.
+    bool isFinished() const { return _isFinished; }
+
+    Progress progress() const;
+    // The outcomes since the last call.
+    std::vector<hoWorkOutcome> takeOutcomes();
+
+private:
+    bool onProgress(unsigned long long bytesDone, unsigned long long bytesInAll) override;
+
+    void run();
+    // What is found goes into the outcome, which has its path already.
+    void sign(const hoDocument& document, hoWorkOutcome& outcome);
+    void test(const hoDocument& document, hoWorkOutcome& outcome);
+    bool isGood(const gtString& path, const gtString& signature, hoWorkOutcome& outcome);
+
+    const Kind _kind;
+    const std::vector<hoDocument> _documents;
+    const Keys _keys;
+    const bool _mayOverwrite;
+    std::uint64_t _bytesInAll;
+
+    std::atomic<bool> _isCancelled;
+    std::atomic<bool> _isFinished;
+    std::atomic<std::uint64_t> _bytesOfDocument;
+    mutable std::mutex _mutex;  // guards what follows
+    std::uint64_t _bytesBefore;
+    std::size_t _documentsDone;
+    // One a document from the start, so that no memory is needed to tell that there was none.
+    std::vector<hoWorkOutcome> _outcomes;
+    std::vector<bool> _isKnown;  // whether there is an outcome of the document
+    std::size_t _taken;          // documents whose outcomes were given
+
+    std::thread _thread;  // the last member: it uses the others
+};
+
+#endif

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+// Takes the files that another program drops on a window, with the bytes of their paths as they are.
+#ifndef COUNTERSIGN_HO_DOCUMENT_DROP_TARGET_H
+#define COUNTERSIGN_HO_DOCUMENT_DROP_TARGET_H
+
+#include "host/documents/hoUriList.h"
+
+#include <wx/dnd.h>
+
+#include <functional>
+
+class hoDocumentDropTarget : public wxDropTarget
+{
+public:
+    using DropFunction = std::function<void(const hoUriList& list)>;
+
+    // onDrop is called once the other program's drag has ended, on the main thread; never after window is gone.
+    // For wxWindow::SetDropTarget, which takes the target over.
+    hoDocumentDropTarget(wxWindow& window, DropFunction onDrop);
+
+    wxDragResult OnData(wxCoord x, wxCoord y, wxDragResult proposed) override;
+
+    // What a drop of this text (text/uri-list) does.
+    void drop(const std::string& text);
+
+private:
+    wxWindow& _window;
+    const DropFunction _onDrop;
+    wxCustomDataObject* _pData;  // belongs to the base
+};
+
+#endif

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/hoHelp.h"
+
+#include "countersignVersion.h"
+#include "host/desktop/hoManual.h"
+#include "host/window/hoDisplayText.h"
+#include "platform/baseTools/gtBytes.h"
+#include "platform/toolkit/gtTextConversion.h"
+
+#include <wx/aboutdlg.h>
+#include <wx/msgdlg.h>
+#include <wx/utils.h>
+
+wxString hoAboutText()
+{
+    return "Signs files and tells later whether they are still the same,\n"
+           "encrypts short texts, and helps developers with failed assertions.\n"
+           "\n"
+           "It protects against accidents, not against somebody who\n"
+           "wants to deceive you. The digest of a file is an exclusive-or\n"
+           "of its bytes, and anybody can make another file that has it.\n"
+           "The encryption is textbook RSA without random padding: equal\n"
+           "texts give equal cipher texts, and a guess can be checked.";
+}
+
+void hoShowAbout(wxWindow* pParent)
+{
+    wxAboutDialogInfo info;
+    info.SetName("Countersign");
+    info.SetVersion(COUNTERSIGN_VERSION);
+    info.SetDescription(hoAboutText());
+    wxAboutBox(info, pParent);
+}
+
+void hoShowManual(wxWindow* pParent, const std::string& program)
+{
+    const std::string manual = hoManualPath(program);
+    if (manual.empty())
+    {
+        wxMessageBox("The manual is not there. It is installed with the program, as "
+                     "share/doc/countersign/manual.html; installing Countersign anew brings it back.",
+                     "Manual", wxOK | wxICON_ERROR, pParent);
+    }
+    else if (!wxLaunchDefaultApplication(gtPathTextFromBytes(hoToText(manual))))
+    {
+        wxMessageBox("There is no program to open the manual with. It is " + hoDisplayText(hoToText(manual)) +
+                         " and can be read in any browser.",
+                     "Manual", wxOK | wxICON_ERROR, pParent);
+    }
+}

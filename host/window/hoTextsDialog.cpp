@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/hoTextsDialog.h"
+
+#include "host/signing/hoShortTexts.h"
+#include "host/window/hoDisplayText.h"
+#include "host/window/hoSigningWords.h"
+#include "host/window/hoTextDialog.h"
+#include "platform/baseTools/gtWipe.h"
+#include "platform/toolkit/gtTextConversion.h"
+#include "platform/toolkit/gtTextLayout.h"
+
+#include <wx/button.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+
+hoTextsDialog::hoTextsDialog(wxWindow* pParent, const hoKeyRing& keys)
+    : wxDialog(pParent, wxID_ANY, "Texts", wxDefaultPosition, wxDefaultSize, wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
+      _keys(keys),
+      _pPlain(nullptr),
+      _pCount(nullptr),
+      _pCipher(nullptr),
+      _pSaid(nullptr)
+{
+    auto* pPlainLabel = new wxStaticText(this, wxID_ANY, "&Plain text");
+    _pPlain = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, FromDIP(wxSize(520, 110)), wxTE_MULTILINE);
+    _pCount = new wxStaticText(this, wxID_ANY, wxString());
+    auto* pCopyPlain = new wxButton(this, wxID_ANY, "Copy p&lain text");
+    auto* pEncrypt = new wxButton(this, wxID_ANY, "&Encrypt");
+    auto* pDecrypt = new wxButton(this, wxID_ANY, "&Decrypt");
+    auto* pCipherLabel = new wxStaticText(this, wxID_ANY, "C&ipher text");
+    _pCipher = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, FromDIP(wxSize(520, 110)),
+                              wxTE_MULTILINE | wxTE_CHARWRAP);
+    auto* pCopyCipher = new wxButton(this, wxID_ANY, "Copy &cipher text");
+    _pSaid = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE);
+    wxString keysText = hoKeyText(_keys._public, false);
+    keysText = keysText.empty() ? "Encrypts with the partner of the " + hoKeyText(_keys._private, true)
+                                : "Encrypts with the " + keysText;
+    keysText += _keys.canSign() ? ".\nDecrypts with the " + hoKeyText(_keys._private, true) + "."
+                                : wxString(".\nLoad a private key to decrypt.");
+    if (!_keys.canTest())
+    {
+        keysText = "Load a key to encrypt or decrypt.";
+    }
+    auto* pKeys = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(keysText));
+    pKeys->SetName("keys");
+    auto* pClose = new wxButton(this, wxID_CLOSE);
+
+    _pPlain->SetName("plain");
+    _pCount->SetName("count");
+    _pCipher->SetName("cipher");
+    _pSaid->SetName("said");
+    _pCipher->SetFont(wxFontInfo().Family(wxFONTFAMILY_TELETYPE));
+    pEncrypt->SetToolTip("With the public key, or with the private key's partner");
+    pDecrypt->SetToolTip("With the private key");
+    SetEscapeId(wxID_CLOSE);
+    showCount();
+
+    pEncrypt->Bind(wxEVT_UPDATE_UI,
+                   [this](wxUpdateUIEvent& event)
+                   {
+                       const bool fits = encryptingKey() != nullptr && gtBytesFromText(_pPlain->GetValue()).length() <=
+                                                                           hoLongestText(*encryptingKey());
+                       event.Enable(fits && !_pPlain->IsEmpty());
+                   });
+    pDecrypt->Bind(wxEVT_UPDATE_UI, [this](wxUpdateUIEvent& event)
+                   { event.Enable(decryptingKey() != nullptr && !_pCipher->IsEmpty()); });
+    _pPlain->Bind(wxEVT_TEXT,
+                  [this](wxCommandEvent&)
+                  {
+                      gtAllowBreaksInLongWords(_pPlain);
+                      showCount();
+                  });
+    _pCipher->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { gtAllowBreaksInLongWords(_pCipher); });
+    pEncrypt->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { encrypt(); });
+    pDecrypt->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { decrypt(); });
+    pCopyPlain->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { copy(_pPlain, "plain text"); });
+    pCopyCipher->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { copy(_pCipher, "cipher text"); });
+
+    auto* pUnderPlain = new wxBoxSizer(wxHORIZONTAL);
+    pUnderPlain->Add(_pCount, wxSizerFlags(1).CentreVertical());
+    pUnderPlain->Add(pCopyPlain);
+    auto* pMiddle = new wxBoxSizer(wxHORIZONTAL);
+    pMiddle->Add(pEncrypt, wxSizerFlags().Border(wxRIGHT));
+    pMiddle->Add(pDecrypt);
+    auto* pButtons = new wxBoxSizer(wxHORIZONTAL);
+    pButtons->Add(pCopyCipher);
+    pButtons->AddStretchSpacer();
+    pButtons->Add(pClose);
+    auto* pTop = new wxBoxSizer(wxVERTICAL);
+    const wxSizerFlags row = wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxTOP);
+    pTop->Add(pPlainLabel, row);
+    pTop->Add(_pPlain, wxSizerFlags(1).Expand().DoubleBorder(wxLEFT | wxRIGHT));
+    pTop->Add(pUnderPlain, row);
+    pTop->Add(pMiddle, wxSizerFlags().CentreHorizontal().DoubleBorder(wxTOP));
+    pTop->Add(pCipherLabel, row);
+    pTop->Add(_pCipher, wxSizerFlags(1).Expand().DoubleBorder(wxLEFT | wxRIGHT));
+    pTop->Add(_pSaid, row);
+    pTop->Add(pKeys, row);
+    pTop->Add(pButtons, wxSizerFlags().Expand().DoubleBorder());
+    SetSizerAndFit(pTop);
+    CentreOnParent();
+    _pPlain->SetFocus();
+}
+
+const crRSAEncryptionKey* hoTextsDialog::encryptingKey() const
+{
+    const std::shared_ptr<const hoKey>& pKey =
+        _keys._public._pKey != nullptr ? _keys._public._pKey : _keys._private._pKey;
+    return pKey == nullptr ? nullptr : &pKey->publicKey();
+}
+
+const crRSAEncryptionKey* hoTextsDialog::decryptingKey() const
+{
+    return _keys._private._pKey == nullptr ? nullptr : &_keys._private._pKey->privateKey();
+}
+
+void hoTextsDialog::encrypt()
+{
+    if (encryptingKey() == nullptr)
+    {
+        return;
+    }
+    gtString text = gtBytesFromText(_pPlain->GetValue());
+    gtString cipherText;
+    const hoTextProblem problem = hoEncryptText(*encryptingKey(), text, cipherText);
+    gtWipe(text);
+    switch (problem)
+    {
+    case hoTextProblem::None:
+        _pCipher->ChangeValue(wxString::FromAscii(cipherText.asCharArray()));
+        say("Encrypted.");
+        break;
+    case hoTextProblem::TooLong:
+        say("The text is too long for this key: it would not come back.");
+        break;
+    case hoTextProblem::HoldsNul:
+        say("The text holds a NUL character, and would end there.");
+        break;
+    case hoTextProblem::TooLargeForKey:
+        say("This text of the greatest length would not come back; make it one byte shorter.");
+        break;
+    default:
+        say("There is not enough memory.");
+        break;
+    }
+}
+
+void hoTextsDialog::decrypt()
+{
+    if (decryptingKey() == nullptr)
+    {
+        return;
+    }
+    hoReadableText found = hoDecryptForReading(*decryptingKey(), gtBytesFromText(_pCipher->GetValue()));
+    switch (found._problem)
+    {
+    case hoTextProblem::None:
+        if (found._isText)
+        {
+            _pPlain->ChangeValue(gtTextFromBytes(found._bytes));
+            say("Decrypted.");
+        }
+        else
+        {
+            sayWithBytes("What came out is no valid text (UTF-8).", found._bytes);
+        }
+        break;
+    case hoTextProblem::NotACipherText:
+        say("This is not a cipher text: that has hexadecimal characters and nothing else.");
+        break;
+    case hoTextProblem::OtherSize:
+        say("This is not as long as a cipher text of this key.");
+        break;
+    case hoTextProblem::DoesNotComeOut:
+        sayWithBytes("Another key's cipher text, or a damaged one.", found._bytes);
+        break;
+    default:
+        say("There is not enough memory.");
+        break;
+    }
+    gtWipe(found._bytes);
+    showCount();
+}
+
+void hoTextsDialog::copy(const wxTextCtrl* pText, const wxString& what)
+{
+    say(hoCopyText(pText->GetValue()) ? "Copied the " + what + "." : wxString("The clipboard is not to be had."));
+}
+
+void hoTextsDialog::showCount()
+{
+    if (encryptingKey() == nullptr)
+    {
+        return;
+    }
+    const int length = gtBytesFromText(_pPlain->GetValue()).length();
+    const int most = hoLongestText(*encryptingKey());
+    wxString count =
+        hoNumberText(static_cast<std::uint64_t>(length)) + " of " + hoExactSizeText(static_cast<std::uint64_t>(most));
+    if (length > most)
+    {
+        count += ": too long for this key, it would not come back and cannot be encrypted";
+    }
+    _pCount->SetLabelText(count);
+}
+
+void hoTextsDialog::say(const wxString& text)
+{
+    _pSaid->SetLabelText(text);
+}
+
+// In a window of their own: what was typed above stays.
+void hoTextsDialog::sayWithBytes(const wxString& text, const gtString& bytes)
+{
+    say(text);
+    hoTextDialog(this, "No text", text + " These bytes come out:", wxString::FromAscii(hoHexDump(bytes).c_str()))
+        .ShowModal();
+}

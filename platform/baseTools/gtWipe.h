@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+// Overwriting what was secret. Plain functions; safe from any thread that is alone with the bytes.
+#ifndef GT_WIPE_H
+#define GT_WIPE_H
+
+#include <cstddef>
+
+class gtString;
+
+// Overwrites the bytes with zeros in a way that the optimiser cannot drop. A null pointer is left alone.
+void gtWipe(void* pBytes, std::size_t amountOfBytes);
+
+// Overwrites the characters of a text, and makes it empty. Memory that the text has given up before (by growing) is out
+// of reach: reserve what is needed before a secret goes in.
+void gtWipe(gtString& text);
+
+#endif

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/osWrappers/osAtomicFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr int attemptsAtAName = 100;
+
+std::string folderOf(const std::string& path)
+{
+    const std::size_t slash = path.rfind('/');
+    return (slash == std::string::npos) ? "." : path.substr(0, slash + 1);
+}
+
+// Where the bytes really go: the end of a chain of links, if there is a file at it.
+std::string followLinks(const std::string& path)
+{
+    struct Freed
+    {
+        void operator()(char* pText) const { std::free(pText); }
+    };
+    const std::unique_ptr<char, Freed> pRealPath(::realpath(path.c_str(), nullptr));
+    return (pRealPath == nullptr) ? path : pRealPath.get();
+}
+
+// A new, empty file with a name of its own in the folder; -1 when there is none to be had.
+int createBeside(const std::string& folder, unsigned int rights, std::string& path)
+{
+    const mode_t rightsAtFirst = (rights == 0) ? 0666 : 0600;
+    for (int attempt = 0; attempt < attemptsAtAName; attempt++)
+    {
+        // Its own number keeps processes apart, counting keeps the threads and the leftovers apart.
+        path = folder + ((folder == ".") ? "/" : "") + ".countersign-" + std::to_string(::getpid()) + "-" +
+               std::to_string(attempt) + ".tmp";
+        const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, rightsAtFirst);
+        if ((descriptor >= 0) || ((errno != EEXIST) && (errno != EINTR)))
+        {
+            return descriptor;
+        }
+    }
+    return -1;
+}
+
+// 0, or the system's error number.
+int writeWhole(int descriptor, std::string_view bytes)
+{
+    std::size_t done = 0;
+    while (done < bytes.size())
+    {
+        const ssize_t amount = ::write(descriptor, bytes.data() + done, bytes.size() - done);
+        if (amount >= 0)
+        {
+            done += static_cast<std::size_t>(amount);
+        }
+        else if (errno != EINTR)
+        {
+            return errno;
+        }
+    }
+    return (::fsync(descriptor) == 0) ? 0 : errno;
+}
+
+// Renames, or EEXIST if there is something under the name already; another error where the system or the file system
+// cannot do that.
+int renameWithoutReplacing(const std::string& newPath, const std::string& path)
+{
+#if defined(__linux__)
+    return (::renameat2(AT_FDCWD, newPath.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) ? 0 : errno;
+#elif defined(__APPLE__)
+    return (::renamex_np(newPath.c_str(), path.c_str(), RENAME_EXCL) == 0) ? 0 : errno;
+#else
+    return ENOSYS;
+#endif
+}
+
+// Takes the name with an empty file, which can be made only if there is none, and puts the new one in its place.
+int renameOverOwnFile(const std::string& newPath, const std::string& path)
+{
+    int descriptor = -1;
+    do
+    {
+        descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    } while ((descriptor < 0) && (errno == EINTR));
+    if (descriptor < 0)
+    {
+        return errno;
+    }
+    ::close(descriptor);
+    if (::rename(newPath.c_str(), path.c_str()) != 0)
+    {
+        const int error = errno;
+        ::unlink(path.c_str());
+        return error;
+    }
+    return 0;
+}
+
+// Gives the new file its name, or EEXIST: nothing that is there is replaced, whoever comes first.
+int nameWithoutOverwriting(const std::string& newPath, const std::string& path)
+{
+    if (::link(newPath.c_str(), path.c_str()) == 0)
+    {
+        ::unlink(newPath.c_str());
+        return 0;
+    }
+    if (errno == EEXIST)
+    {
+        return EEXIST;
+    }
+    // Some file systems have no hard links.
+    const int error = renameWithoutReplacing(newPath, path);
+    return ((error == EINVAL) || (error == ENOSYS) || (error == EOPNOTSUPP)) ? renameOverOwnFile(newPath, path) : error;
+}
+
+// A name that is not on the disk yet is not lost with the power. Not every file system can do it; it is no failure.
+void bringFolderToDisk(const std::string& folder)
+{
+    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor >= 0)
+    {
+        static_cast<void>(::fsync(descriptor));
+        ::close(descriptor);
+    }
+}
+
+}  // namespace
+
+int osWriteFileAtomically(const std::string& path, std::string_view bytes, bool mayOverwrite, unsigned int rights)
+{
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) == 0)
+    {
+        if (!S_ISREG(status.st_mode))
+        {
+            return S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+        }
+        if (!mayOverwrite)
+        {
+            return EEXIST;
+        }
+    }
+    const std::string wanted = mayOverwrite ? followLinks(path) : path;
+    // Whatever takes memory comes before there is a file to clean up.
+    const std::string folder = folderOf(wanted);
+    std::string newPath;
+    const int descriptor = createBeside(folder, rights, newPath);
+    if (descriptor < 0)
+    {
+        return errno;
+    }
+    int error = ((rights != 0) && (::fchmod(descriptor, rights) != 0)) ? errno : writeWhole(descriptor, bytes);
+    if ((::close(descriptor) != 0) && (error == 0) && (errno != EINTR))
+    {
+        error = errno;
+    }
+    if (error == 0)
+    {
+        if (!mayOverwrite)
+        {
+            error = nameWithoutOverwriting(newPath, wanted);
+        }
+        else if (::rename(newPath.c_str(), wanted.c_str()) != 0)
+        {
+            error = errno;
+        }
+    }
+    if (error != 0)
+    {
+        ::unlink(newPath.c_str());
+        return error;
+    }
+    bringFolderToDisk(folder);
+    return 0;
+}

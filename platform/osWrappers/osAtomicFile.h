@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+// Puts a whole file down under a name, or nothing.
+//
+// Nothing here throws but std::bad_alloc, prints, or leaves anything behind when it fails. Calls on different files may
+// run on any threads.
+#ifndef OS_ATOMIC_FILE_H
+#define OS_ATOMIC_FILE_H
+
+#include <string>
+#include <string_view>
+
+// Writes the bytes into a new file beside the wanted one, brings it to the disk and only then gives it its name: there
+// is never half a file under that name, and what was there before stays until the new one is whole. Whatever fails, the
+// new file is removed again. A symbolic link to a file is followed when overwriting.
+// 0, or the system's error number: EEXIST when there is something and mayOverwrite is false; EISDIR or EINVAL for a
+// folder or another thing that is no regular file, which is not replaced in any case.
+// Two that write at the same time without mayOverwrite do not overwrite each other, on any file system: the name is
+// given by a hard link, or where there are none by a renaming that replaces nothing, or where there is neither, by taking
+// the name with an empty file first. That last way is the only one on which others may see an empty file for a moment.
+// rights: the file's, whatever the umask is; 0: as the umask gives them. Nobody else can open the file before it has them.
+int osWriteFileAtomically(const std::string& path, std::string_view bytes, bool mayOverwrite, unsigned int rights = 0);
+
+#endif

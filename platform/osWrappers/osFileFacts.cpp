@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/osWrappers/osFileFacts.h"
+
+#include "platform/baseTools/gtBytes.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+osFileProblem problemOf(int error)
+{
+    switch (error)
+    {
+    case ENOENT:
+    case ENOTDIR:
+        return osFileProblem::NotThere;
+    case EACCES:
+    case EPERM:
+        return osFileProblem::NotPermitted;
+    case ENAMETOOLONG:
+        return osFileProblem::NameTooLong;
+    case ELOOP:
+        return osFileProblem::TooManyLinks;
+    default:
+        return osFileProblem::CannotBeRead;
+    }
+}
+
+osFileProblem problemOfKind(const struct stat& entry)
+{
+    if (S_ISDIR(entry.st_mode))
+    {
+        return osFileProblem::IsFolder;
+    }
+    return S_ISREG(entry.st_mode) ? osFileProblem::None : osFileProblem::NotRegular;
+}
+
+osFileFacts factsOf(const struct stat& entry)
+{
+    osFileFacts facts;
+    facts._size = static_cast<std::uint64_t>(entry.st_size);
+#ifdef __APPLE__
+    const struct timespec modified = entry.st_mtimespec;
+    const struct timespec changed = entry.st_ctimespec;
+#else
+    const struct timespec modified = entry.st_mtim;
+    const struct timespec changed = entry.st_ctim;
+#endif
+    facts._modifiedSeconds = modified.tv_sec;
+    facts._modifiedNanoseconds = modified.tv_nsec;
+    facts._changedSeconds = changed.tv_sec;
+    facts._changedNanoseconds = changed.tv_nsec;
+    facts._device = static_cast<std::uint64_t>(entry.st_dev);
+    facts._fileNumber = static_cast<std::uint64_t>(entry.st_ino);
+    return facts;
+}
+
+bool holdsNul(const gtString& path)
+{
+    return std::strlen(path.asCharArray()) != static_cast<std::size_t>(path.length());
+}
+
+bool isAddress(const gtString& path)
+{
+    const std::string text = hoToBytes(path);
+    const std::size_t end = text.find("://");
+    return end != std::string::npos && end > 0 && text.find('/') > end;
+}
+}  // namespace
+
+bool osFileFacts::operator==(const osFileFacts& other) const
+{
+    return _size == other._size && _modifiedSeconds == other._modifiedSeconds &&
+           _modifiedNanoseconds == other._modifiedNanoseconds && _changedSeconds == other._changedSeconds &&
+           _changedNanoseconds == other._changedNanoseconds && _device == other._device &&
+           _fileNumber == other._fileNumber;
+}
+
+osFileProblem osReadFileFacts(const gtString& path, osFileFacts& facts)
+{
+    if (path.isEmpty())
+    {
+        return osFileProblem::NoName;
+    }
+    if (holdsNul(path))
+    {
+        return osFileProblem::NotThere;
+    }
+
+    struct stat entry;
+    if (stat(path.asCharArray(), &entry) != 0)
+    {
+        const osFileProblem problem = problemOf(errno);
+        return problem == osFileProblem::NotThere && isAddress(path) ? osFileProblem::NotLocal : problem;
+    }
+    osFileProblem problem = problemOfKind(entry);
+    if (problem != osFileProblem::None)
+    {
+        return problem;
+    }
+
+    // The name may have passed to a pipe in between: opening must not wait for its other end.
+    int file = -1;
+    do
+    {
+        file = open(path.asCharArray(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    } while ((file < 0) && (errno == EINTR));
+    if (file < 0)
+    {
+        return problemOf(errno);
+    }
+    problem = fstat(file, &entry) == 0 ? problemOfKind(entry) : problemOf(errno);
+    close(file);
+    if (problem == osFileProblem::None)
+    {
+        facts = factsOf(entry);
+    }
+    return problem;
+}
+
+gtString osAbsolutePath(const gtString& path)
+{
+    const std::string given = hoToBytes(path);
+    const std::size_t lastSeparator = given.rfind('/');
+    const std::string name = lastSeparator == std::string::npos ? given : given.substr(lastSeparator + 1);
+    if (name.empty() || name == "." || name == ".." || holdsNul(path))
+    {
+        return path;
+    }
+
+    const std::string folder = lastSeparator == std::string::npos ? "." : given.substr(0, lastSeparator + 1);
+    const std::unique_ptr<char, void (*)(void*)> resolved(realpath(folder.c_str(), nullptr), std::free);
+    if (resolved == nullptr)
+    {
+        return path;
+    }
+    gtString absolute(resolved.get());
+    if (std::strcmp(resolved.get(), "/") != 0)
+    {
+        absolute.append('/');
+    }
+    return absolute.append(hoToText(name));
+}

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: Apache-2.0
+// Signing and testing on the thread, and states that never outlive the bytes they were found with.
+#include "tests/host/NewKey.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include "host/documents/hoDocumentList.h"
+#include "host/keys/hoKeyRing.h"
+#include "host/signing/hoDocumentWork.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace
+{
+using Kind = hoDocumentWork::Kind;
+
+class DocumentWork : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        mine = newKey(1024);
+        theirs = newKey(512);
+    }
+    static void TearDownTestSuite()
+    {
+        mine = nullptr;
+        theirs = nullptr;
+    }
+
+    void open(const std::string& name, const std::string& contents)
+    {
+        ASSERT_EQ(_list.open(_folder.write(name, contents).c_str())._problem, osFileProblem::None);
+    }
+
+    std::vector<hoDocument> all() const
+    {
+        std::vector<hoDocument> documents;
+        for (std::size_t i = 0; i < _list.size(); ++i)
+        {
+            documents.push_back(_list[i]);
+        }
+        return documents;
+    }
+
+    std::vector<hoWorkOutcome> perform(Kind kind, const hoDocumentWork::Keys& keys, bool mayOverwrite = false)
+    {
+        hoDocumentWork work(kind, all(), keys, mayOverwrite);
+        while (!work.isFinished())
+        {
+            std::this_thread::yield();
+        }
+        const hoDocumentWork::Progress progress = work.progress();
+        EXPECT_EQ(progress._bytesDone, progress._bytesInAll);
+        EXPECT_EQ(progress._documentsDone, _list.size());
+        EXPECT_TRUE(progress._path.isEmpty());
+        std::vector<hoWorkOutcome> outcomes = work.takeOutcomes();
+        EXPECT_TRUE(work.takeOutcomes().empty());
+        for (const hoWorkOutcome& outcome : outcomes)
+        {
+            _list.setStamp(outcome._path, outcome._stamp);
+        }
+        return outcomes;
+    }
+
+    hoDocumentState state(std::size_t position) const { return _list[position]._stamp._state; }
+
+    static std::shared_ptr<const hoKey> mine;
+    static std::shared_ptr<const hoKey> theirs;
+    TemporaryFolder _folder;
+    hoDocumentList _list;
+};
+std::shared_ptr<const hoKey> DocumentWork::mine;
+std::shared_ptr<const hoKey> DocumentWork::theirs;
+}  // namespace
+
+TEST_F(DocumentWork, SignsAndTests)
+{
+    open("a", "some text");
+    open("b", std::string(3000000, 'b'));
+    EXPECT_EQ(state(0), hoDocumentState::NotSigned);
+    perform(Kind::Test, {mine, nullptr});
+    EXPECT_EQ(state(0), hoDocumentState::NotSigned);
+    EXPECT_EQ(state(1), hoDocumentState::NotSigned);
+
+    perform(Kind::Sign, {mine, nullptr});
+    EXPECT_EQ(state(0), hoDocumentState::SignedByMe);
+    EXPECT_EQ(state(1), hoDocumentState::SignedByMe);
+    EXPECT_TRUE(std::filesystem::exists(_folder.path("a.sig")));
+
+    _list.forgetStates();
+    EXPECT_EQ(state(0), hoDocumentState::NotTested);
+    perform(Kind::Test, {nullptr, mine});
+    EXPECT_EQ(state(0), hoDocumentState::Good);
+    perform(Kind::Test, {mine, nullptr});
+    EXPECT_EQ(state(0), hoDocumentState::SignedByMe);
+    perform(Kind::Test, {mine, theirs});
+    EXPECT_EQ(state(1), hoDocumentState::SignedByMe);
+    perform(Kind::Test, {nullptr, theirs});
+    EXPECT_EQ(state(0), hoDocumentState::Bad);
+    EXPECT_EQ(state(1), hoDocumentState::Bad);
+}
+
+TEST_F(DocumentWork, TellsAnAlteredDocument)
+{
+    open("a", "some text");
+    perform(Kind::Sign, {mine, nullptr});
+    _folder.write("a", "some test");
+    EXPECT_TRUE(_list.refresh(0));
+    EXPECT_EQ(state(0), hoDocumentState::Changed);
+    perform(Kind::Test, {mine, nullptr});
+    EXPECT_EQ(state(0), hoDocumentState::Bad);
+    EXPECT_FALSE(_list.refresh(0));
+}
+
+TEST_F(DocumentWork, AGoodStateDoesNotOutliveItsBytes)
+{
+    open("a", "some text");
+    perform(Kind::Sign, {mine, nullptr});
+    const hoDocumentStamp good = _list[0]._stamp;
+
+    // The same size and time, other bytes.
+    struct stat before;
+    ASSERT_EQ(stat(_folder.path("a").c_str(), &before), 0);
+    _folder.write("a", "same size");
+    const struct timespec times[2] = {before.st_atim, before.st_mtim};
+    ASSERT_EQ(utimensat(AT_FDCWD, _folder.path("a").c_str(), times, 0), 0);
+    _list.setStamp(_folder.path("a").c_str(), good);
+    EXPECT_EQ(state(0), hoDocumentState::Changed);
+
+    // Nor that of the signature.
+    perform(Kind::Sign, {mine, nullptr}, true);
+    EXPECT_EQ(state(0), hoDocumentState::SignedByMe);
+    _folder.write("a.sig", "00000000");
+    EXPECT_TRUE(_list.refresh(0));
+    EXPECT_EQ(state(0), hoDocumentState::Changed);
+
+    std::filesystem::remove(_folder.path("a"));
+    EXPECT_TRUE(_list.refresh(0));
+    EXPECT_EQ(state(0), hoDocumentState::CannotBeRead);
+    perform(Kind::Test, {mine, nullptr});
+    EXPECT_EQ(state(0), hoDocumentState::CannotBeRead);
+    _folder.write("a", "some text");
+    EXPECT_TRUE(_list.refresh(0));
+    EXPECT_EQ(state(0), hoDocumentState::NotTested);
+}
+
+TEST_F(DocumentWork, OverwritesNothingUnasked)
+{
+    open("a", "some text");
+    _folder.write("a.sig", "precious");
+    const std::vector<hoWorkOutcome> kept = perform(Kind::Sign, {mine, nullptr});
+    ASSERT_EQ(kept.size(), 1U);
+    EXPECT_EQ(kept[0]._signatureFile._problem, hoSignatureFileProblem::Exists);
+    EXPECT_EQ(std::filesystem::file_size(_folder.path("a.sig")), 8U);
+    perform(Kind::Sign, {mine, nullptr}, true);
+    EXPECT_EQ(state(0), hoDocumentState::SignedByMe);
+}
+
+TEST_F(DocumentWork, GoesOnAfterADocumentThatCannotBeRead)
+{
+    open("a", "1");
+    open("b", "2");
+    std::filesystem::remove(_folder.path("a"));
+    const std::vector<hoWorkOutcome> outcomes = perform(Kind::Sign, {mine, nullptr});
+    ASSERT_EQ(outcomes.size(), 2U);
+    EXPECT_EQ(outcomes[0]._signing._problem, hoSigningProblem::FileCannotBeRead);
+    EXPECT_EQ(state(0), hoDocumentState::CannotBeRead);
+    EXPECT_EQ(state(1), hoDocumentState::SignedByMe);
+}
+
+TEST_F(DocumentWork, CanBeCancelled)
+{
+    // A sparse file that takes many seconds to read.
+    open("huge", "");
+    std::filesystem::resize_file(_folder.path("huge"), 64ULL << 30);
+    ASSERT_TRUE(_list.refresh(0));
+    hoDocumentWork work(Kind::Sign, all(), {mine, nullptr}, false);
+    while (work.progress()._bytesDone == 0)
+    {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(work.progress()._bytesInAll, 64ULL << 30);
+    EXPECT_STREQ(work.progress()._path.asCharArray(), _folder.path("huge").c_str());
+    work.cancel();
+    while (!work.isFinished())
+    {
+        std::this_thread::yield();
+    }
+    EXPECT_TRUE(work.takeOutcomes().empty());
+    EXPECT_FALSE(std::filesystem::exists(_folder.path("huge.sig")));
+}
+
+TEST_F(DocumentWork, EndsWhenItIsDestroyed)
+{
+    open("huge", "");
+    std::filesystem::resize_file(_folder.path("huge"), 64ULL << 30);
+    _list.refresh(0);
+    {
+        const hoDocumentWork work(Kind::Sign, all(), {mine, nullptr}, false);
+    }
+    EXPECT_FALSE(std::filesystem::exists(_folder.path("huge.sig")));
+}
+
+TEST_F(DocumentWork, KeysHaveShortFingerprints)
+{
+    EXPECT_EQ(hoShortFingerprint(*mine).size(), 8U);
+    EXPECT_NE(hoShortFingerprint(*mine), hoShortFingerprint(*theirs));
+}

@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: Apache-2.0
+// Key > Short texts, by keys and mouse.
+#include "tests/host/MainFrameFixture.h"
+#include "tests/host/NewKey.h"
+
+#include "host/signing/hoShortTexts.h"
+#include "host/window/hoDocumentDropTarget.h"
+#include "host/window/hoTextDialog.h"
+#include "host/window/hoTextsDialog.h"
+
+#include <gmock/gmock.h>
+#include <wx/button.h>
+#include <wx/clipbrd.h>
+#include <wx/textctrl.h>
+
+#include <stdexcept>
+
+namespace
+{
+using testing::HasSubstr;
+
+wxString clipboardText()
+{
+    const wxClipboardLocker clipboard;
+    wxTextDataObject text;
+    return wxTheClipboard->GetData(text) ? text.GetText() : wxString();
+}
+
+class TextsDialog : public MainFrameFixture
+{
+protected:
+    void startWithKey(const std::string& keyText)
+    {
+        start();
+        static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
+            ->drop("file://" + _folder.write("mine.pem", keyText) + "\r\n");
+        settle();
+    }
+    // Opens the dialog by its key, performs the steps in it and leaves it by Escape.
+    void inDialog(tsScript& steps)
+    {
+        steps.perform("leave", [] { tsPressKeys("Escape"); });
+        steps.start();
+        tsPressKeys("ctrl+e");
+        tsRunUntil("the dialog is gone", [&] { return steps.isFinished() && tsTopModalDialog() == nullptr; });
+    }
+    static bool isUp()
+    {
+        const auto* pDialog = dynamic_cast<hoTextsDialog*>(tsTopModalDialog());
+        return pDialog != nullptr && tsHasKeyboard(*pDialog);
+    }
+    static wxTextCtrl& box(const char* name)
+    {
+        return *dynamic_cast<wxTextCtrl*>(wxWindow::FindWindowByName(name, tsTopModalDialog()));
+    }
+    static std::string label(const char* name)
+    {
+        return wxWindow::FindWindowByName(name, tsTopModalDialog())->GetLabel().utf8_string();
+    }
+    static wxWindow& button(const std::string& name)
+    {
+        for (wxWindow* pChild : tsTopModalDialog()->GetChildren())
+        {
+            auto* pButton = dynamic_cast<wxButton*>(pChild);
+            if (pButton != nullptr && pButton->GetLabelText().utf8_string() == name)
+            {
+                return *pButton;
+            }
+        }
+        throw std::runtime_error("there is no button " + name);
+    }
+};
+}  // namespace
+
+TEST_F(TextsDialog, NeedsAKey)
+{
+    start();
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", &isUp)
+        .perform("put texts in",
+                 []
+                 {
+                     box("plain").SetValue("x");
+                     box("cipher").SetValue("00000000");
+                     tsRunEvents();
+                     EXPECT_FALSE(button("Encrypt").IsEnabled());
+                     EXPECT_FALSE(button("Decrypt").IsEnabled());
+                     EXPECT_NE(wxWindow::FindWindowByLabel("Load a key to encrypt or decrypt.", tsTopModalDialog()),
+                               nullptr);
+                 });
+    inDialog(script);
+}
+
+TEST_F(TextsDialog, EncryptsAndDecryptsByKeys)
+{
+    startWithKey(newKeyText(512));
+    std::string cipher;
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", &isUp)
+        .perform("see what is possible",
+                 []
+                 {
+                     EXPECT_EQ(label("count"), "0 of 63 bytes");
+                     EXPECT_FALSE(button("Encrypt").IsEnabled());
+                     EXPECT_FALSE(button("Decrypt").IsEnabled());
+                     tsType("Meet me at noon");
+                 })
+        .waitUntil("the bytes are counted", [] { return label("count") == "15 of 63 bytes"; })
+        .waitUntil("it can be encrypted", [] { return button("Encrypt").IsEnabled(); })
+        .perform("encrypt", [] { tsPressKeys("alt+e"); })
+        .waitUntil("it is encrypted", [] { return label("said") == "Encrypted."; })
+        .perform("take the text away",
+                 [&]
+                 {
+                     cipher = box("cipher").GetValue().utf8_string();
+                     box("plain").Clear();
+                 })
+        .waitUntil("it can be decrypted", [] { return button("Decrypt").IsEnabled(); })
+        .perform("decrypt", [] { tsPressKeys("alt+d"); })
+        .waitUntil("it is decrypted", [] { return label("said") == "Decrypted."; })
+        .perform("see the text", [] { EXPECT_EQ(box("plain").GetValue(), "Meet me at noon"); });
+    inDialog(script);
+    EXPECT_EQ(cipher.size(), 8U + 128U);
+    EXPECT_EQ(cipher.substr(0, 8), "0000000f");
+    // Nothing of it is kept.
+    closeWindow();
+    EXPECT_EQ(_folder.read("config/countersign/settings").find("noon"), std::string::npos);
+}
+
+TEST_F(TextsDialog, EncryptsAndCopiesByMouse)
+{
+    startWithKey(newKeyText(512));
+    wxString plain;
+    wxString cipher;
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", &isUp)
+        .perform("put a text in", [] { box("plain").SetValue(wxString::FromUTF8("gr\xc3\xbc\xc3\x9f\n")); })
+        .waitUntil("the bytes are counted", [] { return label("count") == "7 of 63 bytes"; })
+        .waitUntil("it can be encrypted", [] { return button("Encrypt").IsEnabled(); })
+        .perform("encrypt", [] { tsClick(button("Encrypt")); })
+        .waitUntil("it is encrypted", [] { return label("said") == "Encrypted."; })
+        .perform("copy", [] { tsClick(button("Copy cipher text")); })
+        .waitUntil("it is copied", [] { return label("said") == "Copied the cipher text."; })
+        .perform("copy the text",
+                 [&]
+                 {
+                     cipher = clipboardText();
+                     EXPECT_EQ(cipher, box("cipher").GetValue());
+                     tsClick(button("Copy plain text"));
+                 })
+        .waitUntil("it is copied", [] { return label("said") == "Copied the plain text."; })
+        .perform("read the clipboard", [&] { plain = clipboardText(); });
+    inDialog(script);
+    EXPECT_EQ(cipher.length(), 136U);
+    EXPECT_EQ(plain.utf8_string(), "gr\xc3\xbc\xc3\x9f\n");
+}
+
+TEST_F(TextsDialog, RefusesATextOverTheLimit)
+{
+    startWithKey(newKeyText(512));
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", &isUp)
+        .perform("fill the block", [] { box("plain").SetValue(wxString('x', 63)); })
+        .waitUntil("it can be encrypted", [] { return button("Encrypt").IsEnabled(); })
+        .perform("one character more", [] { box("plain").AppendText(wxString::FromUTF8("\xc3\xa9")); })
+        .waitUntil("it cannot be encrypted", [] { return !button("Encrypt").IsEnabled(); })
+        .perform("read why",
+                 []
+                 {
+                     EXPECT_EQ(label("count"),
+                               "65 of 63 bytes: too long for this key, it would not come back and cannot be encrypted");
+                     tsPressKeys("alt+e");
+                     // Comes after it.
+                     tsType("x");
+                 })
+        .waitUntil("the keys have done what they do", [] { return box("plain").GetValue().length() == 65; })
+        .perform("see that nothing came", [] { EXPECT_TRUE(box("cipher").IsEmpty()); });
+    inDialog(script);
+}
+
+TEST_F(TextsDialog, ShowsBytesWhereThereIsNoText)
+{
+    const std::string keyText = newKeyText(512);
+    hoKeyFileFacts facts;
+    const auto pKey = hoLoadKey(keyText.data(), static_cast<int>(keyText.size()), nullptr, facts);
+    gtString cipher;
+    ASSERT_EQ(hoEncryptText(pKey->publicKey(), "a\xff\xfe", cipher), hoTextProblem::None);
+    startWithKey(keyText);
+    wxString dump;
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", &isUp)
+        .perform("put a cipher text in",
+                 [&]
+                 {
+                     box("plain").SetValue("typed");
+                     box("cipher").SetValue(cipher.asCharArray());
+                 })
+        .waitUntil("it can be decrypted", [] { return button("Decrypt").IsEnabled(); })
+        .perform("decrypt", [] { tsPressKeys("alt+d"); })
+        .waitUntil("the bytes are shown",
+                   []
+                   {
+                       const auto* pBytes = dynamic_cast<hoTextDialog*>(tsTopModalDialog());
+                       return pBytes != nullptr && tsHasKeyboard(*pBytes);
+                   })
+        .perform("read them",
+                 [&]
+                 {
+                     for (wxWindow* pChild : tsTopModalDialog()->GetChildren())
+                     {
+                         if (const auto* pText = dynamic_cast<wxTextCtrl*>(pChild))
+                         {
+                             dump = pText->GetValue();
+                         }
+                     }
+                     tsPressKeys("Escape");
+                 })
+        .waitUntil("the dialog has the keyboard again", &isUp)
+        .perform("read why",
+                 []
+                 {
+                     EXPECT_EQ(label("said"), "What came out is no valid text (UTF-8).");
+                     EXPECT_EQ(box("plain").GetValue(), "typed");
+                     box("cipher").SetValue("no cipher text");
+                     tsPressKeys("alt+d");
+                 })
+        .waitUntil("that is told", [] { return label("said").find("This is not a cipher text") == 0; });
+    inDialog(script);
+    EXPECT_THAT(dump.utf8_string(), HasSubstr("00000000  61 ff fe"));
+}
+
+TEST_F(TextsDialog, OfAPublicKeyOnlyEncrypts)
+{
+    startWithKey(newKeyText(512, true));
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", &isUp)
+        .perform("put texts in",
+                 []
+                 {
+                     box("plain").SetValue("x");
+                     box("cipher").SetValue("00000000");
+                 })
+        .waitUntil("it can be encrypted", [] { return button("Encrypt").IsEnabled(); })
+        .perform("see that it cannot be decrypted", [] { EXPECT_FALSE(button("Decrypt").IsEnabled()); });
+    inDialog(script);
+}

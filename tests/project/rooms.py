@@ -1,0 +1,177 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""Fails when a room includes what it may not.
+
+    rooms.py check SOURCE-FOLDER   looks at every include line of the product's sources
+    rooms.py refuses               shows that a forbidden include is found, in folders of its own
+
+A room is a folder. The nearest one in the table counts, so that host/keys is not host.
+"""
+import pathlib
+import re
+import sys
+import tempfile
+
+# Headers of the system and of other libraries that not every room may include.
+LIBRARIES = {
+    "wx": r"wx/",
+    "gtk": r"(gtk|gdk)/",
+    "glib": r"(glib|gio)[-/.]",
+    "x11": r"X11/",
+    "openssl": r"openssl/",
+    "cli11": r"CLI/",
+}
+
+PLATFORM = ["platform/baseTools", "platform/osWrappers"]
+ENGINES = ["host/keys", "host/signing", "host/documents", "host/messages"]
+
+# Room: the rooms that it may include besides itself, and the libraries.
+ROOMS = {
+    "src": ([], []),
+    "platform/baseTools": ([], []),
+    "platform/osWrappers": (["platform/baseTools"], []),
+    "platform/toolkit": (PLATFORM, ["wx", "gtk"]),
+    "assertionHandling": (PLATFORM + ["platform/toolkit"], ["wx"]),
+    "crypto": (["src"] + PLATFORM, ["openssl"]),
+    "app": (["assertionHandling", "platform/toolkit"] + PLATFORM, ["wx"]),
+    "host/keys": (["crypto"] + PLATFORM, ["openssl"]),
+    "host/signing": (["host/keys", "crypto", "src"] + PLATFORM, []),
+    "host/documents": (["host/signing"] + PLATFORM, []),
+    "host/messages": (["host/keys", "host/signing", "host/documents"] + PLATFORM, []),
+    "host/assertions": (["assertionHandling", "platform/toolkit"] + PLATFORM, ["wx"]),
+    "host/desktop": (PLATFORM, ["glib", "x11"]),
+    "host/window": (
+        ENGINES + ["host/assertions", "host/desktop", "crypto", "assertionHandling", "platform/toolkit"] + PLATFORM,
+        ["wx", "gtk"],
+    ),
+    "host": (
+        ENGINES
+        + ["host/assertions", "host/desktop", "host/window", "app", "assertionHandling", "platform/toolkit"]
+        + PLATFORM,
+        ["wx"],
+    ),
+    "cli": (ENGINES + ["crypto"] + PLATFORM, ["cli11"]),
+}
+
+# Made by the build, or found on the include path of whoever links the shell.
+EVERYBODYS = {"countersignVersion.h"}
+OWN_ONLY = {"hoIconData.h": "host/window", "MainFrame.h": "app"}
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
+
+
+def room_of(path):
+    """The room that a path relative to the root lies in; None outside of all rooms."""
+    folder = path.rpartition("/")[0]
+    while folder and folder not in ROOMS:
+        folder = folder.rpartition("/")[0]
+    return folder or None
+
+
+def room_of_header(root, name):
+    """The room of a header as an include line names it: from the root, or from src/."""
+    if (root / "src" / name).is_file():
+        return "src"
+    return room_of(name)
+
+
+def fault_of(root, room, quote, name):
+    """Why this room may not include that; None when it may."""
+    rooms, libraries = ROOMS[room]
+    if quote == '"':
+        if name in EVERYBODYS or OWN_ONLY.get(name) == room:
+            return None
+        other = room_of_header(root, name)
+        if other is None:
+            return "is in no room"
+        return None if other == room or other in rooms else f"is in {other}"
+    for library, pattern in LIBRARIES.items():
+        if re.match(pattern, name) and library not in libraries:
+            return f"belongs to {library}"
+    return None
+
+
+def faults(root):
+    found = []
+    for top in sorted({room.partition("/")[0] for room in ROOMS}):
+        for path in sorted((root / top).rglob("*")):
+            if path.suffix not in (".h", ".cpp", ".c"):
+                continue
+            relative = path.relative_to(root).as_posix()
+            room = room_of(relative)
+            if room is None:
+                found.append(f"{relative}: lies in no room")
+                continue
+            for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+                include = INCLUDE.match(line)
+                if include is None:
+                    continue
+                fault = fault_of(root, room, include[1], include[2])
+                if fault is not None:
+                    found.append(f"{relative}:{number}: {room} may not include {include[2]}, which {fault}")
+    return found
+
+
+def check(root):
+    files = [path for top in ("src", "platform", "crypto", "host") for path in (root / top).rglob("*.h")]
+    if len(files) < 20:
+        return [f"there are only {len(files)} headers in {root}"]
+    return faults(root)
+
+
+# A file, what it includes, and whether it may.
+CASES = [
+    ("host/keys/a.cpp", '"host/keys/b.h"', True),
+    ("host/keys/a.cpp", '"crypto/crDigits.h"', True),
+    ("host/keys/a.cpp", '"host/signing/b.h"', False),
+    ("host/keys/a.cpp", "<openssl/evp.h>", True),
+    ("host/keys/a.cpp", "<wx/string.h>", False),
+    ("host/keys/a.cpp", '"platform/toolkit/gtTextConversion.h"', False),
+    ("host/signing/a.h", '"host/documents/b.h"', False),
+    ("host/signing/a.h", '"bigdigits.h"', True),
+    ("host/documents/a.h", '"host/signing/b.h"', True),
+    ("host/documents/a.h", "<vector>", True),
+    ("host/messages/a.h", "<wx/string.h>", False),
+    ("host/window/a.cpp", '"host/MainFrame.h"', False),
+    ("host/window/a.cpp", '"app/ApplicationShell.h"', False),
+    ("host/window/a.cpp", "<gtk/gtk.h>", True),
+    ("host/desktop/a.cpp", '"host/window/b.h"', False),
+    ("host/MainFrame.cpp", '"host/window/b.h"', True),
+    ("crypto/a.cpp", '"host/keys/b.h"', False),
+    ("crypto/a.cpp", '  "bigdigits.h"', True),
+    ("src/bigdigits.cpp", '"platform/baseTools/gtString.h"', False),
+    ("platform/baseTools/a.cpp", '"platform/osWrappers/b.h"', False),
+    ("app/a.cpp", '"MainFrame.h"', True),
+    ("app/a.cpp", '"host/keys/b.h"', False),
+    ("assertionHandling/a.cpp", '"MainFrame.h"', False),
+    ("cli/a.cpp", '"host/window/b.h"', False),
+    ("cli/a.cpp", '"host/signing/b.h"', True),
+    ("cli/a.cpp", '"nowhere.h"', False),
+    ("host/attic/deeper/a.cpp", '"host/window/b.h"', True),
+    ("platform/a.cpp", "<vector>", False),
+]
+
+
+def refuses():
+    wrong = []
+    for path, include, may in CASES:
+        with tempfile.TemporaryDirectory() as folder:
+            root = pathlib.Path(folder)
+            for name, text in (("src/bigdigits.h", ""), (path, f"// a file\n#include {include}\n")):
+                (root / name).parent.mkdir(parents=True, exist_ok=True)
+                (root / name).write_text(text, encoding="utf-8")
+            found = faults(root)
+            if bool(found) == may:
+                wrong.append(f"{path} with {include}: {found or 'nothing is found'}")
+    return wrong
+
+
+def main():
+    found = refuses() if sys.argv[1] == "refuses" else check(pathlib.Path(sys.argv[2]))
+    for line in found:
+        print(line, file=sys.stderr)
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
