@@ -865,6 +865,34 @@ TEST(Registry, anyThreadMayDoAnythingAtAnyTime)
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
 }
 
+// The thread sanitizer sees an amount that is read without the lock.
+TEST(Registry, amountIsReadWhileOthersRegister)
+{
+    std::atomic<bool> mustEnd = false;
+    std::thread registering(
+        [&]()
+        {
+            while (!mustEnd)
+            {
+                Handler first;
+                Handler second;
+                gtRegisterAssertionFailureHandler(&first);
+                gtRegisterAssertionFailureHandler(&second);
+                gtUnRegisterAssertionFailureHandler(&first);
+            }
+        });
+    std::vector<int> times(4);
+    while ((times[0] == 0) || (times[1] == 0))
+    {
+        const int amount = gtAmountOfRegisteredAssertionFailureHandlers();
+        ++times[static_cast<std::size_t>((amount >= 0) && (amount <= 2) ? amount : 3)];
+    }
+    mustEnd = true;
+    registering.join();
+    EXPECT_EQ(times[3], 0);
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
+}
+
 // Standard error is a pipe that holds less than a line, so that every thread has to wait in the middle of each of its
 // lines, and the others might write there.
 TEST(Registry, linesOfSeveralThreadsStayApart)
