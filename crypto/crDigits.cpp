@@ -98,6 +98,10 @@ unsigned int crScanDigit(const char* pCharacters)
 
 void crAppendDigits(gtString& text, const unsigned int* pDigits, int amount)
 {
+    if (amount <= 0)
+    {
+        return;
+    }
     // Growing would leave pieces behind.
     text.reserve(text.length() + amount * crCharactersPerDigit);
     char characters[crCharactersPerDigit];

@@ -10,14 +10,14 @@
 // CONVENTIONS, for a key of D digits
 //
 // Digest.     M = D / 2 - 1 digits, so 4 * M bytes: 60 for a key of 1024 bits. The first 4 * M bytes of a file fall on
-// the
-//             digest's bytes in order, so do the next 4 * M, and so on; byte i of the digest lies in bits 8 * (i % 4)
-//             and up of digit i / 4. A key of 32 bits has no digest (M is -1: every operation on files is false), one
-//             of 64 or 96 bits an EMPTY digest, by which all files are equal.
+//             the digest's bytes in order, so do the next 4 * M, and so on; byte i of the digest lies in bits
+//             8 * (i % 4) and up of digit i / 4. With a key of 32 bits M is -1: there is no digest and no signature. With
+//             one of 64 or 96 bits the digest is EMPTY, and all files are equal by it.
 // Text.       The digits in ascending order, eight lower-case hexadecimal characters each. It fits one block of the
 //             encryptor, so it comes back exactly.
-// Failure.    A bool; nothing is thrown or logged. A file that cannot be opened is a failure. A READ ERROR IS TAKEN FOR
-//             THE END OF THE FILE: whoever must know reads the file himself and folds with addToMessageDigest.
+// Failure.    A bool; nothing is logged, and nothing but messageDigestToString throws. A file that cannot be opened is a
+//             failure. A READ ERROR IS TAKEN FOR THE END OF THE FILE: whoever must know reads the file himself and folds
+//             with addToMessageDigest.
 // The key.    Is kept by reference and must outlive the signer.
 // Memory.     The signer owns the digest; what it gives back it overwrites with zeros before.
 // Threads.    A signer works on its own digest and is for one thread at a time; signers may share a key.
@@ -46,7 +46,8 @@ public:
     void deleteMessageDigestDigits();
 
     // Folds the file into the digest as it stands: the digest is not cleared before. False when the file cannot be
-    // opened, when there is no memory, and when createMessageDigestDigits has failed.
+    // opened, when there is no memory, and when createMessageDigestDigits has failed. Without a digest, or with an
+    // empty one, nothing is folded, and the result tells whether the file can be opened.
     bool createFileMessageDigest(osFilePath const& file);
 
     // Folds bytes into the digest, the first of them on the digest's first byte; what is longer than the digest goes
@@ -57,7 +58,7 @@ public:
     // 4 * M, or 0 without a digest.
     int amountOfDigestBytes() const;
 
-    // The digest's text, empty without a digest.
+    // The digest's text, empty without a digest. Without memory for it std::bad_alloc is thrown, and output is empty.
     void messageDigestToString(gtString& output);
 
     // The signature of the file, for a key of 1024 bits 264 characters. The output is touched by success only. A digest

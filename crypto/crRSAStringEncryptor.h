@@ -44,8 +44,8 @@ public:
     ~crRSAStringEncryptor() = default;
 
     // The digits of the buffers for a text of so many bytes, a multiple of D. Computed in single precision, as ever,
-    // and kept so, since cipher texts depend on it; IT IS TOO SMALL from B * B bytes on (16,384 with a key of 1024
-    // bits, 16 with one of 32), where there are more markers than it allows for, and again above 16 million bytes,
+    // and kept so, since cipher texts depend on it; IT CAN BE TOO SMALL from B * B bytes on (16,384 with a key of 1024
+    // bits, 16 with one of 32), where there may be more markers than it allows for, and again above 16 million bytes,
     // where single precision rounds. Below zero for some lengths below zero; 0 when the key has no digits.
     int amountOfDigitsForHoldingText(int lengthOfText) const;
 
@@ -61,13 +61,13 @@ public:
     // "-0000003" is -3, and what is no number is 0.
     // After each block, the buffer from byte 1 up to its first NUL byte is appended to the output.
     // False only for a cipher text of fewer than eight characters; the output is empty then. TRUE SAYS NOTHING ABOUT
-    // THE TEXT: a damaged cipher text or a wrong key gives whatever the arithmetic gives, and no memory gives an empty
-    // output. What output held is overwritten. output must not be cipherText itself, which would be emptied before it is
-    // read.
+    // THE TEXT: a damaged cipher text or a wrong key gives whatever the arithmetic gives, and no memory gives an
+    // empty output. What output held is overwritten. output must not be cipherText itself, which would be emptied
+    // before it is read.
     bool decrypt(gtString const& cipherText, gtString& output) const;
 
-    // The same for those who must know: isShortOfMemory tells whether the output is empty for want of memory, and so says
-    // nothing about the cipher text. (The limits and a key that is not usable do not count here.) As soon as the
+    // The same for those who must know: isShortOfMemory tells whether the output is empty for want of memory, and so
+    // says nothing about the cipher text. (The limits and a key that is not usable do not count here.) As soon as the
     // output has more than enough bytes, no further block is computed: for those who know how long the text must be.
     bool decrypt(gtString const& cipherText, gtString& output, bool& isShortOfMemory, int enough = INT_MAX) const;
 

@@ -5,8 +5,7 @@
 // - All four functions may be called from any thread, while others call them, from within a handler, before main and
 //   from destructors of static objects. Not from signal handlers.
 // - Handlers are called without any lock held, so a caller who waits for them (see gtUnRegister...) must not hold a
-// lock
-//   that they need.
+//   lock that they need.
 #ifndef GT_ASSERTION_FAILURE_HANDLER_REGISTRY_H
 #define GT_ASSERTION_FAILURE_HANDLER_REGISTRY_H
 
@@ -31,8 +30,7 @@ void gtUnRegisterAssertionFailureHandler(gtIAssertionFailureHandler* pHandler);
 // reads as "(null)" and control characters as blanks. The same line is written
 // - if a handler lets an exception out, which ends here and keeps no other handler from being called;
 // - for a failure that is nested in gtDeepestNestedAssertionFailure calls of handlers on this thread, which none of
-// them
-//   hears of: handlers that fail in handling failures come to an end.
+//   them hears of: handlers that fail in handling failures come to an end.
 //
 // Handlers find the errno of the failing code, and so does that code afterwards. A handler must not end its thread.
 void gtTriggerAssertonFailureHandler(const char* functionName, const char* fileName, int lineNumber,

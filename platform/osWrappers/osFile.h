@@ -56,7 +56,8 @@ public:
     // bytes from before it.
     bool hasReadError() const noexcept { return _hasReadError; }
 
-    // The system's error number of what failed since the last call of open, that call included: 0 if nothing did.
+    // The system's error number of what failed last in opening or reading since the last call of open, that call
+    // included: 0 if nothing did.
     int errorNumber() const noexcept { return _errorNumber; }
 
     // Stores the open file's present size in bytes and returns true; false, storing nothing, without an open file.

@@ -9,22 +9,23 @@
 // same time share one. Any thread may call this.
 unsigned int osGetCurrentThreadId();
 
-// Opens the file in a graphical editor, at the line if the number is above 0, and returns at once, without waiting for
-// the editor. The editors that are known to take a line are tried in this order, each one looked for in the folders of
-// PATH: code, codium, subl, kate, gedit, geany, kwrite, mousepad, pluma, xed, gvim, emacs; then xdg-open (on macOS:
-// open), which knows no line. Without PATH the folders are /usr/local/bin, /usr/bin and /bin; folders that PATH gives
-// relative to the current one are left out, as are editors that are links to one for terminals ("-nox"). If none can be started, or the path is empty or holds a NUL, one line on standard error
-// says so.
+// Opens the file in a graphical editor, at the line if the number is above 0, and returns at once, without waiting
+// for the editor. The editors that are known to take a line are tried in this order, each one looked for in the
+// folders of PATH: code, codium, subl, kate, gedit, geany, kwrite, mousepad, pluma, xed, gvim, emacs; then xdg-open
+// (on macOS: open), which knows no line. Without PATH the folders are /usr/local/bin, /usr/bin and /bin; folders that
+// PATH gives relative to the current one are left out, as are editors that are links to one for terminals ("-nox").
+// If none can be started, or the path is empty or holds a NUL, one line on standard error says so.
 //
 // The path is handed over as it is, byte by byte and never through a shell; a relative one that an editor could take
 // for an option or an address gets "./" in front. Whether the file exists is left to the editor.
 //
-// The editor runs in a session of its own with the program's environment, current directory and umask, standard input,
-// output and error on /dev/null, every other descriptor closed and all signals at their defaults. It is no child of this
-// process: nothing is left to wait for. The program's own signal handlers are left alone; one for SIGCHLD may be called
-// once, for a child that ends, and is collected, before this returns.
+// The editor runs in a session of its own with the program's environment, current directory and umask, standard
+// input, output and error on /dev/null, every other descriptor closed and all signals at their defaults. It is no
+// child of this process: nothing is left to wait for. The program's own signal handlers are left alone; one for
+// SIGCHLD may be called once, for a child that ends, and is collected, before this returns.
 //
-// Throws std::bad_alloc, with nothing started, without memory. Any thread may call this while none changes PATH.
+// Throws std::bad_alloc, with nothing started, without memory. Any thread may call this while none changes the
+// environment.
 void osOpenFileInSourceCodeEditor(const osFilePath& filePath, int lineNumber);
 
 // Raises the trap (SIGTRAP) on the calling thread. A debugger stops there, and execution goes on behind the call when

@@ -22,7 +22,7 @@ public:
     enum TimeZone : int
     {
         UTC = 0,
-        LOCAL = 1  // the process's time zone as it is at that moment, summer time included
+        LOCAL = 1  // the process's time zone, summer time included; after a change of TZ, call tzset
     };
 
     // The beginning of 1970, UTC.
@@ -35,12 +35,12 @@ public:
 
     long long secondsSince1970() const noexcept { return _secondsSince1970; }
 
-    // Puts the moment's text in the place of what timeText holds. All numbers have fixed widths, years four digits (0007),
-    // those from 10000 on as many as they need; years before the year 0, which is the one before the year 1, have a minus
-    // in front of theirs (-0001). From the year 0 to 9999 texts of one format with a date sort as their moments do, in
-    // local time but for the hour that is repeated when summer time ends. A format or zone that is none of the above counts as the one of value 0.
-    // A moment whose year the system cannot express gives the empty text. Throws std::bad_alloc, with timeText
-    // unchanged, without memory.
+    // Puts the moment's text in the place of what timeText holds. All numbers have fixed widths, years four digits
+    // (0007), those from 10000 on as many as they need; years before the year 0, which is the one before the year 1,
+    // have a minus in front of theirs (-0001). From the year 0 to 9999 texts of one format with a date sort as their
+    // moments do, in local time but for the hour that is repeated when summer time ends. A format or zone that is
+    // none of the above counts as the one of value 0. A moment whose year the system cannot express gives the empty
+    // text. Throws std::bad_alloc, with timeText unchanged, without memory.
     void timeAsString(gtString& timeText, TimeFormat timeFormat, TimeZone timeZone) const;
 
 private:

@@ -2,6 +2,7 @@
 #include "crypto/crDigits.h"
 
 #include <cctype>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -138,6 +139,8 @@ TEST(Digits, EndWithWhatIsAvailable)
               0x12U);
     EXPECT_EQ(crReadDigit("0x"), 0U);
     EXPECT_EQ(crReadDigit("0x1"), 1U);
+    EXPECT_EQ(crReadDigit("0x12345678"), 0x123456U);
+    EXPECT_EQ(crReadDigit("0X12345678"), 0x123456U);
     // Neither more than eight characters nor what follows the NUL is looked at, which the address sanitizer watches.
     const std::vector<char> eight = {'1', '2', '3', '4', '5', '6', '7', '8'};
     EXPECT_EQ(crReadDigit(eight.data()), 0x12345678U);
@@ -159,6 +162,7 @@ TEST(Digits, AreWrittenWithEightCharacters)
     EXPECT_EQ(toBytes(text), expected);
     crAppendDigits(text, digits.data(), 0);
     crAppendDigits(text, nullptr, -1);
+    crAppendDigits(text, nullptr, INT_MIN);
     EXPECT_EQ(toBytes(text), expected);
 }
 

@@ -16,6 +16,7 @@
 #include <string>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <openssl/blowfish.h>
@@ -129,9 +130,12 @@ protected:
 TEST_F(CryptoFaults, KeysAreRefused)
 {
     const gtString modulus = toText(fixedWidthHex(_pair.modulus.get(), 16));
+    const long live = amountOfLiveAllocations();
     const int failures = failEachAllocation(
         [&](const OneFailingAllocation& failure)
         {
+            // What the last one had is given back, also where there was memory for one array alone.
+            EXPECT_EQ(amountOfLiveAllocations(), live);
             crRSAEncryptionKey key;
             const bool loaded = key.setKeyFromStrings(512, modulus, 512, modulus);
             EXPECT_EQ(loaded, !failure.hasFailed());
@@ -262,7 +266,15 @@ TEST_F(CryptoFaults, KeysLeaveNoDigitsBehind)
     watchFor(secret.data() + 8, 16);
     delete pKey;
     EXPECT_EQ(secretsGivenBack, 0);
+    // Nor of the product.
+    const std::string product(reinterpret_cast<const char*>(_privateKey.productDigits()), 64);
+    pKey = new crRSAEncryptionKey;
+    ASSERT_TRUE(pKey->setKeyFromStrings(512, modulus, 512, exponent));
+    watchFor(product.data() + 8, 16);
+    delete pKey;
+    EXPECT_EQ(secretsGivenBack, 0);
     // The watch works:
+    watchFor(secret.data() + 8, 16);
     delete new std::string(secret);
     EXPECT_EQ(secretsGivenBack, 1);
 }
@@ -472,6 +484,77 @@ TEST_F(CryptoFaults, SignersLeaveNoDigestBehind)
         secretsGivenBack = 0;
     }
     EXPECT_EQ(secretsGivenBack, 0);
+}
+
+// Whatever the operation, nothing is thrown but where the header says so.
+TEST_F(CryptoFaults, SignersThrowNothingButForTheirText)
+{
+    crRSADigitalSigner signer(_privateKey);
+    ASSERT_TRUE(signer.createMessageDigestDigits());
+    std::vector<bool> results;
+    EXPECT_NO_THROW(failEachAllocation([&](const OneFailingAllocation&)
+                                       { results.push_back(signer.createFileMessageDigest(_file)); }));
+    // The signer's own memory, then the file's, which does without.
+    EXPECT_EQ(results, (std::vector<bool>{false, true, true}));
+    gtString output("left over, and long enough to have memory of its own");
+    bool hasThrown = false;
+    {
+        const OneFailingAllocation failure(0);
+        try
+        {
+            signer.messageDigestToString(output);
+        }
+        catch (const std::bad_alloc&)
+        {
+            hasThrown = true;
+        }
+    }
+    EXPECT_TRUE(hasThrown);
+    EXPECT_TRUE(output.isEmpty());
+}
+
+// In a process of its own, since the first array is lost, which is what is tested.
+TEST_F(CryptoFaults, SecondDigestLeavesTheFirst)
+{
+    EXPECT_EXIT(
+        {
+            crRSADigitalSigner signer(_privateKey);
+            const bool isFirst = signer.createMessageDigestDigits();
+            const long live = amountOfLiveAllocations();
+            const bool isSecond = signer.createMessageDigestDigits();
+            const bool isLeft = amountOfLiveAllocations() == live + 1;
+            std::_Exit((isFirst && isSecond && isLeft) ? 7 : 8);
+        },
+        testing::ExitedWithCode(7), "");
+}
+
+TEST_F(CryptoFaults, DigitsGrowIntoRoomThatIsThere)
+{
+    unsigned int digits[100];
+    for (unsigned int i = 0; i < 100; i++)
+    {
+        digits[i] = 0x01234567U + i * 0x01010101U;
+    }
+    gtString text("a text that has memory of its own");
+    const gtString before(text);
+    bool hasThrown = false;
+    {
+        const OneFailingAllocation failure(0);
+        try
+        {
+            crAppendDigits(text, digits, 100);
+        }
+        catch (const std::bad_alloc&)
+        {
+            hasThrown = true;
+        }
+    }
+    EXPECT_TRUE(hasThrown);
+    EXPECT_EQ(text, before);
+    watchFor("0123456702244668", 16);
+    crAppendDigits(text, digits, 100);
+    EXPECT_EQ(secretsGivenBack, 0);
+    EXPECT_EQ(text.length(), before.length() + 800);
 }
 
 TEST_F(CryptoFaults, DigitsAreWipedDownToTheLastOne)

@@ -819,6 +819,12 @@ TEST_F(osFileTest, tellsTheSize)
     EXPECT_EQ(::truncate(nameOf("file").c_str(), off_t(5) << 30), 0);
     EXPECT_TRUE(file.fileSize(size));
     EXPECT_EQ(size, 5ULL << 30);
+    // However much of it has been read.
+    char buffer[60];
+    unsigned long amount = 0;
+    EXPECT_TRUE(file.readAvailableData(buffer, sizeof buffer, amount));
+    EXPECT_TRUE(file.fileSize(size));
+    EXPECT_EQ(size, 5ULL << 30);
     {
         SystemCalls calls;
         calls.fstats = {-EIO};

@@ -963,6 +963,32 @@ TEST(osThrowBreakpointException, endsTheProcessWithoutDebuggerAndHandler)
         testing::KilledBySignal(SIGTRAP), "");
 }
 
+std::atomic<unsigned int> threadOfTheTrap = 0;
+
+void noteThreadOfTheTrap(int)
+{
+    threadOfTheTrap = osGetCurrentThreadId();
+}
+
+// In a process of its own. A signal for the process would go to its first thread.
+TEST(osThrowBreakpointException, isRaisedOnTheCallingThread)
+{
+    EXPECT_EXIT(
+        {
+            static_cast<void>(std::signal(SIGTRAP, noteThreadOfTheTrap));
+            unsigned int id = 0;
+            std::thread(
+                [&]()
+                {
+                    id = osGetCurrentThreadId();
+                    osThrowBreakpointException();
+                })
+                .join();
+            std::_Exit((threadOfTheTrap == id) ? 7 : 8);
+        },
+        testing::ExitedWithCode(7), "");
+}
+
 // Runs the probe until it crashes, in a folder that takes its core file, with these limits for the file's size. Returns
 // whether the system has written its memory down.
 bool leavesCoreFile(const char* pWay, rlim_t limit)
