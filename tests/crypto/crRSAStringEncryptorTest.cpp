@@ -130,6 +130,29 @@ TEST(DigitsForText, RoundLikeSinglePrecision)
     EXPECT_EQ(encryptor.amountOfDigitsForHoldingText(16777216), 5242880);
 }
 
+// Each of these comes out otherwise where one of the steps is computed with more precision.
+TEST(DigitsForText, RoundInEveryStepLikeSinglePrecision)
+{
+    const struct
+    {
+        int digitsOfKey;
+        int lengthOfText;
+        int amountOfDigits;
+    } rounded[] = {
+        {1, 16777221, 5242881},  {1, 16777223, 5242883},  {2, 16777225, 4718594},   {2, 16777231, 4718598},
+        {3, 16777309, 4543854},  {3, 16777219, 4543833},  {3, 100945003, 27339270}, {3, 101294058, 27433806},
+        {3, 92926711, 25167651}, {3, 92936684, 25170351}, {32, 16777345, 4227104},  {32, 16777471, 4227168},
+        {64, 16777473, 4210752}, {64, 16777727, 4210880}, {128, 16777729, 4202624}, {128, 16778239, 4202880},
+    };
+    for (const auto& one : rounded)
+    {
+        crRSAEncryptionKey key;
+        loadIdentity(key, one.digitsOfKey * 32);
+        EXPECT_EQ(crRSAStringEncryptor(key).amountOfDigitsForHoldingText(one.lengthOfText), one.amountOfDigits)
+            << one.digitsOfKey << " digits, " << one.lengthOfText << " bytes";
+    }
+}
+
 TEST(DigitsForText, AreDefinedForEveryLengthAndKey)
 {
     for (const int bits : {0, 32, 64, 1024, 32768})
