@@ -9,7 +9,8 @@
 #
 # Without --base, COMMIT is where the branch has left main; on main it is the last commit's parent. For clang-tidy the
 # project is configured in build/lint, with clang, and only generated headers are built. A header is looked at together
-# with a source that includes it. A tool that is not installed is named and left out.
+# with a source that includes it. A tool that is not installed is named and left out, and so are clang-format and clang-tidy
+# of another version than Debian 12's, which find other things.
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
@@ -114,15 +115,25 @@ lintManualPages() {
     return "$status"
 }
 
-# Formatting differs from one version of the tool to the next.
-formatVersion=14
-format=clang-format
-if command -v "clang-format-$formatVersion" >/dev/null 2>&1; then
-    format=clang-format-$formatVersion
-elif command -v clang-format >/dev/null 2>&1 && ! clang-format --version | grep -q "version $formatVersion\\."; then
-    say "left out: clang-format, as this one is not version $formatVersion"
-    format=
-fi
+# What these two find differs from one version to the next.
+llvmVersion=14
+# llvmTool NAME: sets "tool" to the program of that version, or to nothing.
+llvmTool() {
+    tool=
+    if command -v "$1-$llvmVersion" >/dev/null 2>&1; then
+        tool=$1-$llvmVersion
+    elif ! command -v "$1" >/dev/null 2>&1; then
+        say "left out: $1 (package $1)"
+    elif "$1" --version | grep -qE "version $llvmVersion\."; then
+        tool=$1
+    else
+        say "left out: $1, as this one is not version $llvmVersion"
+    fi
+}
+llvmTool clang-format
+format=$tool
+llvmTool clang-tidy
+tidy=$tool
 [ -z "$format" ] || check clang-format "formatting (clang-format -i mends it)" "$format" --dry-run -Werror -- "${sources[@]}"
 check shellcheck "scripts (shellcheck)" shellcheck -- "${scripts[@]}"
 if command -v mandoc >/dev/null 2>&1; then
@@ -173,13 +184,11 @@ runClangTidy() {
     [ "${#known[@]}" -gt 0 ] || return 0
     mapfile -t targets < <(printf '%s\n' "${targets[@]}" | sort -u)
     step "building generated headers ($build)" ninja -C "$build" "${targets[@]}"
-    printf '%s\0' "${known[@]}" | xargs -0 -P "$(nproc)" -n 1 clang-tidy --quiet -p "$build" 2>"$build/tidy.log"
+    printf '%s\0' "${known[@]}" | xargs -0 -P "$(nproc)" -n 1 "$tidy" --quiet -p "$build" 2>"$build/tidy.log"
 }
-if ! command -v clang++ >/dev/null 2>&1; then
+if [ -n "$tidy" ] && ! command -v clang++ >/dev/null 2>&1; then
     say "left out: clang-tidy (package clang)"
-elif ! command -v clang-tidy >/dev/null 2>&1; then
-    say "left out: clang-tidy (package clang-tidy)"
-elif [ "${#tidied[@]}" -gt 0 ]; then
+elif [ -n "$tidy" ] && [ "${#tidied[@]}" -gt 0 ]; then
     say "clang-tidy: ${#tidied[@]} files"
     runClangTidy "${tidied[@]}" || failures+=("clang-tidy")
 fi

@@ -154,6 +154,10 @@ case $case in
                 exit 77
             fi
         done
+        if ! clang-format --version | grep -q 'version 14\.'; then
+            echo "skipped: what is to be found is another version's than that of clang-format and clang-tidy here"
+            exit 77
+        fi
         # A project of two sources, of which one is touched after the last commit.
         packageSystem
         cp "$source/CMakePresets.json" "$source/.clang-format" "$source/.clang-tidy" "$source/.shellcheckrc" "$here/copy"
