@@ -28,6 +28,9 @@ done
 [ "${#names[@]}" -gt 0 ] || fail "there is no fuzzer '$target'; see the folder fuzz/"
 
 "$root/scripts/install-dependencies.sh" test || exit
+compiler=$(fuzzingCompiler)
+[ -n "$compiler" ] || fail "looking for a clang with its runtime (packages clang and libclang-rt-dev)"
+cmakeArguments=(-DCMAKE_C_COMPILER="${compiler/++/}" -DCMAKE_CXX_COMPILER="$compiler")
 configureAndBuild fuzz fuzzers
 
 findings=build/fuzz/findings

@@ -65,3 +65,17 @@ debianMirror() {
     codename=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
     apt-get indextargets --format '$(REPO_URI)' "Codename: $codename" 'Created-By: Packages' 2>/dev/null | head -n 1
 }
+
+# fuzzingCompiler: the name of a clang++ that can build fuzzers, of whatever version; nothing if there is none.
+fuzzingCompiler() {
+    local compiler folder
+    folder=$(mktemp -d) || return
+    for compiler in clang++ $(compgen -c clang++- | grep -E '^clang\+\+-[0-9]+$' | sort -u -t - -k 2 -n -r); do
+        if echo 'extern "C" int LLVMFuzzerTestOneInput(const unsigned char*, unsigned long) { return 0; }' |
+            "$compiler" -fsanitize=fuzzer,address,undefined -x c++ - -o "$folder/fuzzer" 2>/dev/null; then
+            echo "$compiler"
+            break
+        fi
+    done
+    rm -rf "$folder"
+}

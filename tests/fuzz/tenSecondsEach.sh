@@ -5,11 +5,7 @@
 #   tenSecondsEach.sh SOURCE-FOLDER
 set -u
 source=$1
-probe=$(mktemp -d) || exit 1
-trap 'rm -rf "$probe"' EXIT
-
-if ! echo 'extern "C" int LLVMFuzzerTestOneInput(const unsigned char*, unsigned long) { return 0; }' |
-    clang++ -fsanitize=fuzzer,address,undefined -x c++ - -o "$probe/fuzzer" 2>/dev/null; then
+if [ -z "$(. "$source/scripts/lib.sh" && fuzzingCompiler)" ]; then
     echo "skipped: the fuzzers take clang with its runtime (packages clang and libclang-rt-dev)"
     exit 77
 fi
