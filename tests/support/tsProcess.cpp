@@ -16,7 +16,7 @@
 namespace
 {
 
-constexpr int patienceInMilliseconds = 120000;
+constexpr int patienceInMilliseconds = 300000;
 
 struct Ends
 {

@@ -2,7 +2,7 @@
 // Runs programs from outside, as a shell would, for tests of what they print and of how they end.
 //
 // No shell is involved: arguments arrive as they are, whatever bytes they hold. A program that does not end in time
-// (two minutes) is killed. Nothing here is for more than one thread.
+// (five minutes) is killed. Nothing here is for more than one thread.
 #ifndef TS_PROCESS_H
 #define TS_PROCESS_H
 

@@ -19,10 +19,39 @@
 #include <wx/timer.h>
 #include <wx/toplevel.h>
 
+#ifdef __WXGTK__
+#include <gtk/gtk.h>
+#endif
+
 namespace
 {
 
 const int pollInterval = 10;
+
+#ifdef __WXGTK__
+
+// The window manager tells everybody which window is active a moment after that one has got the keyboard.
+bool isActiveForEverybody(const wxTopLevelWindow& window)
+{
+    GdkWindow* const pWindow = gtk_widget_get_window(window.GetHandle());
+    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+    GdkWindow* const pActive = gdk_screen_get_active_window(gtk_widget_get_screen(window.GetHandle()));
+    G_GNUC_END_IGNORE_DEPRECATIONS
+    if (pActive != nullptr)
+    {
+        g_object_unref(pActive);
+    }
+    return pActive == pWindow;
+}
+
+#else
+
+bool isActiveForEverybody(const wxTopLevelWindow& /*window*/)
+{
+    return true;
+}
+
+#endif
 
 class Deadline
 {
@@ -218,7 +247,7 @@ bool tsScript::isFinished() const
 bool tsHasKeyboard(const wxTopLevelWindow& window)
 {
     // IsActive is not const in the toolkit, and changes nothing.
-    return window.IsShownOnScreen() && const_cast<wxTopLevelWindow&>(window).IsActive();
+    return window.IsShownOnScreen() && const_cast<wxTopLevelWindow&>(window).IsActive() && isActiveForEverybody(window);
 }
 
 wxWindow* tsTopModalDialog()

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tools for tests that open real windows. Link windowTestSupport: it brings a main() that
 //
-// - runs the test program on a virtual display of its own, with a window manager (not for --gtest_list_tests);
+// - runs the test program on a virtual display that is its own meanwhile, with a window manager (not for
+//   --gtest_list_tests);
 // - starts the toolkit before the tests and ends it after them. The application object comes from the factory that the
 //   program registers (an ApplicationShell, for one), else it is a plain wxApp. Its OnInit is not called, and no main
 //   loop runs but while a test waits (tsRunUntil) or shows a modal dialog.
@@ -22,7 +23,7 @@ class wxTopLevelWindow;
 class wxWindow;
 
 // In milliseconds.
-constexpr int tsPatience = 40000;
+constexpr int tsPatience = 300000;
 
 // Runs an event loop until the condition holds. False, and a failure that names "what", if it does not in time; modal
 // dialogs that have come meanwhile are ended then, so that the test goes on.
@@ -63,7 +64,7 @@ private:
 };
 
 // The window that would get key presses now is this one: it is on the screen and its application knows that the window
-// manager has given it the keyboard.
+// manager has given it the keyboard, and so does everybody else.
 bool tsHasKeyboard(const wxTopLevelWindow& window);
 
 // The modal dialog that is shown last, or null.
