@@ -40,23 +40,32 @@ hasDisplay() {
     [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1
 }
 
-# configureAndBuild PRESET [TARGET...]: on all processors, with ccache where it is installed and with the caller's
-# further arguments to cmake, if there are any.
+# configure PRESET: with ccache where it is installed and with the caller's further arguments to cmake, if there are any.
 cmakeArguments=()
-configureAndBuild() {
-    local preset=$1
-    shift
-    local targets=() target cacheArguments=()
-    for target in "$@"; do
-        targets+=(--target "$target")
-    done
+configure() {
+    local cacheArguments=()
     if command -v ccache >/dev/null 2>&1; then
         cacheArguments=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
     fi
-    step "configuring (preset $preset)" env -C "$root" cmake --preset "$preset" "${cacheArguments[@]}" \
-        "${cmakeArguments[@]}"
+    step "configuring (preset $1)" env -C "$root" cmake --preset "$1" "${cacheArguments[@]}" "${cmakeArguments[@]}"
+}
+
+# build PRESET [TARGET...]: on all processors, what is configured.
+build() {
+    local preset=$1
+    shift
+    local targets=() target
+    for target in "$@"; do
+        targets+=(--target "$target")
+    done
     step "building (preset $preset; the first time takes some minutes)" \
         env -C "$root" cmake --build --preset "$preset" "${targets[@]}"
+}
+
+# configureAndBuild PRESET [TARGET...]
+configureAndBuild() {
+    configure "$1"
+    build "$@"
 }
 
 # debianMirror: where this system gets its packages from, as its own configuration says.

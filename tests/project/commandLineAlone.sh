@@ -23,7 +23,7 @@ fi
 cmake -S "$source" -B "$here/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_DISABLE_FIND_PACKAGE_wxWidgets=ON \
     -DCOUNTERSIGN_WITH_TOOLKIT=OFF -DCOUNTERSIGN_BUILD_DESKTOP=OFF -DCOUNTERSIGN_BUILD_TESTS=OFF \
     "${launcher[@]}" >"$here/log" 2>&1 || complain "$(cat "$here/log")"
-cmake --build "$here/build" -j 2 >"$here/log" 2>&1 || complain "$(tail -n 60 "$here/log")"
+cmake --build "$here/build" >"$here/log" 2>&1 || complain "$(tail -n 60 "$here/log")"
 
 needed=$(readelf -d "$here/build/bin/countersign" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
 ! grep -E 'wx|gtk|glib|gio|X11' <<<"$needed" || complain "the command line needs more than it uses"

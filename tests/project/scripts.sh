@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Tries the scripts that people start.
 #
-#   scripts.sh CASE SOURCE-FOLDER
+#   scripts.sh CASE SOURCE-FOLDER [BUILD-FOLDER]
 set -u
 case=$1 source=$2
 
@@ -70,7 +70,148 @@ expectCalls() {
     exec 3<&-
 }
 
+# A copy of what starts the tests, with stand-ins that write down how they were called, and a list of three programs.
+testScript() {
+    mkdir -p "$here/copy/build/release" "$here/copy/tests"
+    cp "$source/test.sh" "$here/copy"
+    cp -r "$source/scripts" "$here/copy"
+    printf '#!/bin/sh\n' >"$here/copy/scripts/install-dependencies.sh"
+    printf 'TEST(Apple, FallsDown)\nTEST_F(Apple, RollsOn)\n' >"$here/copy/tests/fruit.cpp"
+    # A case with parameters, and one that another macro makes.
+    printf 'TEST_P(Dwarf, Sings)\nINSTANTIATE_TEST_SUITE_P(Seven, Dwarf, testing::Values("Doc"))\n' \
+        >"$here/copy/tests/people.cpp"
+    printf '#define CASE(name) TEST(Wheel, name)\nCASE(Turns)\n' >"$here/copy/tests/things.cpp"
+    cat >"$here/copy/build/release/test-targets-list.cmake" <<END
+countersign_test_program(test_fruit [[garden.]] [[garden]] [[$here/copy/tests/fruit.cpp]])
+countersign_test_program(test_people [[house.]] [[house;window]] [[$here/copy/tests/people.cpp]])
+countersign_test_program(test_things [[house.]] [[house]] [[$here/copy/tests/things.cpp]])
+countersign_command([[garden.gate]] [[garden;long]] [[gate;hinge]])
+countersign_command([[project.all]] [[project;long]] [[all]])
+countersign_command([[project.nothing]] [[project]] [[]])
+END
+    local cmake
+    cmake=$(command -v cmake)
+    stand cmake "case \"\$*\" in *'-P '*) exec '$cmake' \"\$@\" ;; esac
+        echo cmake \"\$@\" >>'$here/called'"
+    stand ctest "echo ctest \"\$@\" >>'$here/called'
+        case \" \$* \" in *' -N '*) echo 'Total Tests: 0'; exit ;; esac
+        echo ran; echo '80% tests passed, 1 tests failed out of 5'; echo the rest
+        exit 8"
+    stand nproc 'echo 3'
+}
+
+# runTestScript [ARGUMENT...]: its calls are in "built" and "tested" then.
+runTestScript() {
+    rm -f "$here/called"
+    PATH=$here/bin:$PATH "$here/copy/test.sh" "$@" >"$here/output" 2>&1
+    status=$?
+    [ "$status" -eq 8 ] || complain "status $status instead of ctest's 8"
+    built=$(sed -n 's/^cmake --build --preset release *//p' "$here/called")
+    grep -q '^cmake --build' "$here/called" || built=nothing
+    tested=$(grep -v -- ' -N ' "$here/called" | sed -n 's/^ctest --preset release *//p')
+}
+
+# expectRun BUILT TESTED [ARGUMENT...]
+expectRun() {
+    local expectedBuilt=$1 expectedTested=$2
+    shift 2
+    runTestScript "$@"
+    [ "$built" = "$expectedBuilt" ] || complain "with '$*' it built '$built' and not '$expectedBuilt'"
+    [ "$tested" = "$expectedTested" ] || complain "with '$*' it tested '$tested' and not '$expectedTested'"
+}
+
 case $case in
+    testsOfBothTiersAreRun)
+        testScript
+        expectRun '' '-LE ^long$ -j 3'
+        # ctest's summary is the last of it.
+        [ "$(sed -n '/^ran$/,$p' "$here/output")" = $'ran\n80% tests passed, 1 tests failed out of 5\nthe rest\n'\
+"countersign: FAILED (status 8) while: running the tests" ] || complain "the output is another"
+        expectRun '' '-j 3' --all
+        expectRun '' '-V -LE ^long$ -j 3' -V
+        expectRun '' '-j 1 -LE ^long$' -j 1
+        expectRun '' '-LE window|^long$ -j 3' -LE window
+        expectRun '' '-LE window -j 3' --all -LE window
+        # What is chosen may be a long one.
+        expectRun '' '--rerun-failed -j 3' --rerun-failed
+        expectRun '' '-I 3,4 -j 3' -I 3,4
+        ;;
+
+    testsThatAreChosenAreBuilt)
+        testScript
+        expectRun '--target test_fruit' '-R Apple.Falls -j 3' -R Apple.Falls
+        expectRun '--target test_fruit' '-R Apple -LE window -j 3' -R Apple -LE window
+        expectRun '--target gate --target hinge --target test_fruit' '-R ^garden -j 3' -R ^garden
+        expectRun '--target test_people' '-R Seven/Dwarf.Sings/Doc$ -j 3' -R 'Seven/Dwarf.Sings/Doc$'
+        # Names with parameters and names that macros make are made of words of the source, as far as can be seen.
+        expectRun '--target test_things' '-R Turns -j 3' -R Turns
+        expectRun '--target test_people --target test_things' '-R ^house[.] -j 3' -R '^house[.]'
+        expectRun '--target test_fruit --target test_people --target test_things' '-R Apple|(D|x)w -j 3' -R 'Apple|(D|x)w'
+        expectRun '--target test_people --target test_things' '-L house -j 3' -L house
+        expectRun '--target test_people' '-L house -L window -j 3' -L house -L window
+        expectRun '--target test_fruit' '-L garden -R Rolls -j 3' -L garden -R Rolls
+        expectRun '' '-L long -j 3' -L long
+        expectRun nothing '-R nothing -j 3' -R nothing
+        # What none has that is known may be there all the same.
+        expectRun '' '-R Pear -j 3' -R Pear
+        ;;
+
+    testsAreKnown)
+        # Whatever ctest has found in the built programs is found in their sources, too.
+        build=$3
+        ctest --test-dir "$build" -N | sed -n 's/^ *Test *#[0-9]*: //p' >"$here/names"
+        cmake -DLIST="$build/test-targets-list.cmake" -DKNOWN=ON -P "$source/scripts/test-targets.cmake" >"$here/known"
+        grep -F '*' "$here/known" | sed 's/[.]/\\./g; s/[*]/.*/g; s/^/^/' >"$here/patterns"
+        unknown=$(grep -vxFf "$here/known" "$here/names" | grep -vEf "$here/patterns")
+        [ -z "$unknown" ] || complain "not known: $unknown"
+        [ "$(wc -l <"$here/names")" -gt 100 ] || complain "ctest has found $(wc -l <"$here/names") tests"
+        ;;
+
+    formsAreListed)
+        {
+            echo '[       OK ] Columns/EachForm.Multiplies/Rows (3 ms)'
+            echo '[  SKIPPED ] Columns/EachForm.Multiplies/Columns512Bits (0 ms)'
+            echo '[       OK ] Squares/EachSquare.Agrees/Words (3 ms)'
+            echo '[  FAILED  ] Squares/EachSquare.AgreesAround/Words (3 ms)'
+            echo '[       OK ] Squares/EachSquare.AgreesAround/Spirals (3 ms)'
+        } >"$here/log"
+        "$source/scripts/list-forms.sh" "$here/log" >"$here/output"
+        expectLine '^  tried    product and quotient: Rows$'
+        expectLine '^  skipped  product and quotient: Columns512Bits; run .* with AVX-512'
+        expectLine '^  skipped  square: Limbs; run '
+        expectLine '^  FAILED   square: Words$'
+        expectLine '^  tried    square: Spirals$'
+        expectLine '^  skipped  whole module by other compilers.*-R OtherBuilds$'
+        printf '%s\n' 'Command: "/somewhere/otherBuilds.sh" "a"' '0123abcd 32 bits' \
+            'left out, it is not installed here: clang' 'FAILED: differs: pdp' >>"$here/log"
+        "$source/scripts/list-forms.sh" "$here/log" >"$here/output"
+        expectLine '^  tried    whole module: 32 bits$'
+        expectLine '^  skipped  whole module: clang; install its'
+        expectLine '^  FAILED   whole module: differs: pdp$'
+        ! grep -q 'R OtherBuilds' "$here/output" || complain "they were run"
+        echo 'Test Passed.' >"$here/log"
+        [ -z "$("$source/scripts/list-forms.sh" "$here/log")" ] || complain "none was tried, and some are listed"
+        ;;
+
+    displaysAreShared)
+        # One display for two, of which neither knows, and another for one that comes in between.
+        "$source/scripts/with-displays.sh" 1 bash -c '
+            until [ -e "$COUNTERSIGN_DISPLAYS/1" ]; do sleep 0.1; done
+            shared=:$(cat "$COUNTERSIGN_DISPLAYS/1")
+            "$1" sh -c "echo \$DISPLAY; xdotool mousemove 1 2; xdotool keydown shift"
+            "$1" sh -c "echo \$DISPLAY; xdotool getmouselocation; \"$1\" sh -c \"echo \\\$DISPLAY\""
+            "$1" sh -c "exit 42" || echo "status $?"
+            echo "$shared"' - "$source/scripts/with-display.sh" >"$here/output" 2>&1 || complain "status $?"
+        mapfile -t lines <"$here/output"
+        shared=${lines[5]-}
+        [ "${lines[0]} ${lines[1]}" = "$shared $shared" ] || complain "the display is not shared"
+        [ "${lines[2]% screen*}" = 'x:640 y:450' ] || complain "the mouse is where it was left"
+        [ "${lines[3]}" != "$shared" ] || complain "two have the same display at the same time"
+        [ "${lines[4]}" = 'status 42' ] || complain "the status is lost"
+        "$source/scripts/with-displays.sh" 1 sh -c 'exit 42'
+        [ "$?" -eq 42 ] || complain "the status of the command is lost"
+        ;;
+
     failingStepIsNamed)
         bash -c '. "$1/scripts/lib.sh"; step "walking the dog" sh -c "echo it bites; exit 7"; echo went on' \
             - "$source" >"$here/output" 2>&1
