@@ -28,6 +28,13 @@
 
 #include <wx/app.h>
 
+// On macOS the toolkit's application class has the operation and calls it.
+#if defined(__WXMAC__)
+#define APPLICATION_SHELL_MAC_OVERRIDE override
+#else
+#define APPLICATION_SHELL_MAC_OVERRIDE
+#endif
+
 class ahDialogBasedAssertionFailureHandler;
 class MainFrame;
 
@@ -61,7 +68,7 @@ public:
     // Before that, with arguments there already: a failed assertion is reported and the document is dropped.
     // After the toolkit has deleted the main window it counts as not yet there.
     // A virtual operation of the toolkit's on macOS; elsewhere the host's desktop integration calls it.
-    void MacOpenFile(const wxString& fileName);
+    void MacOpenFile(const wxString& fileName) APPLICATION_SHELL_MAC_OVERRIDE;
 
     // The process-wide handler, which stays the application's: null before OnInit, after OnExit, and when there was no
     // memory for it. For a host that puts another handler in its place for a while.

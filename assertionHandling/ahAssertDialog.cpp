@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "assertionHandling/ahAssertDialog.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include <wx/button.h>
+#include <wx/colour.h>
 #include <wx/font.h>
 #include <wx/gdicmn.h>
 #include <wx/icon.h>
@@ -25,6 +29,36 @@ wxFont normalFont()
     wxFont font(*wxNORMAL_FONT);
     font.SetEncoding(wxFONTENCODING_DEFAULT);
     return font;
+}
+
+// How bright a colour is, 0 to 1, and how well two can be told from each other, 1 to 21 (WCAG 2.1, "relative luminance"
+// and "contrast ratio").
+double luminance(const wxColour& colour)
+{
+    const auto linear = [](unsigned char value)
+    {
+        const double part = value / 255.0;
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.Red()) + 0.7152 * linear(colour.Green()) + 0.0722 * linear(colour.Blue());
+}
+
+double contrast(const wxColour& one, const wxColour& other)
+{
+    const double first = luminance(one) + 0.05;
+    const double second = luminance(other) + 0.05;
+    return std::max(first, second) / std::min(first, second);
+}
+
+// What the report's blue and black are read on: the theme's own where that will do.
+wxColour readableBackground(const wxColour& themesBackground)
+{
+    const double leastContrast = 7;
+    const wxColour light(0xF6, 0xF5, 0xF4);
+    // Black stands out from whatever blue stands out from; on black itself neither does.
+    const bool isReadable =
+        luminance(themesBackground) > luminance(*wxBLUE) && contrast(*wxBLUE, themesBackground) >= leastContrast;
+    return isReadable ? themesBackground : light;
 }
 
 wxString showableTextFromBytes(const gtString& bytes)
@@ -69,6 +103,12 @@ ahAssertDialog::ahAssertDialog(const osFilePath& filePath, int lineNumber, const
     loadIcon();
     setDialogTitle();
 
+    const wxColour themesBackground = GetBackgroundColour();
+    const wxColour background = readableBackground(themesBackground);
+    if (background != themesBackground)
+    {
+        SetBackgroundColour(background);
+    }
     wxTextCtrl* pReport = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxSize(400, 250),
                                          wxTE_MULTILINE | wxTE_READONLY | wxTE_RICH | wxTE_AUTO_URL | wxBORDER_NONE);
     pReport->SetFont(normalFont());

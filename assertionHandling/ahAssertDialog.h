@@ -36,7 +36,8 @@ enum ahAssertDialogButtonId
 class ahAssertDialog : public wxDialog
 {
 public:
-    // Builds the whole window, report included, centred on the screen; it is not shown yet.
+    // Builds the whole window, report included, centred on the screen; it is not shown yet. Where blue and black cannot be
+    // read on the theme's background, as in dark themes, the window gets a light one.
     // filePath: the source file as the failed assertion names it, any bytes. lineNumber: any number.
     // message: the reason, of any length, possibly empty; a megabyte without a line break takes the toolkit seconds to
     // lay out, more if its directions change or if it has nothing but characters that no font has. parent: the owner

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <sys/resource.h>
@@ -22,7 +23,9 @@
 
 #if defined(__APPLE__)
 #include <crt_externs.h>
+#include <mach-o/dyld.h>
 #include <pthread.h>
+#include <sys/sysctl.h>
 #else
 #include <sys/prctl.h>
 #include <sys/syscall.h>
@@ -58,6 +61,19 @@ char** processEnvironment()
 #endif
 }
 
+// The running program's own file, empty if the system does not tell.
+std::string programPath()
+{
+    char path[PATH_MAX] = {};
+#if defined(__APPLE__)
+    std::uint32_t size = sizeof path;
+    return (_NSGetExecutablePath(path, &size) == 0) ? path : std::string();
+#else
+    const ssize_t length = ::readlink("/proc/self/exe", path, sizeof path - 1);
+    return (length > 0) ? std::string(path, static_cast<std::size_t>(length)) : std::string();
+#endif
+}
+
 void forbidTracing()
 {
 #if !defined(__APPLE__)
@@ -79,6 +95,29 @@ void closeDescriptorsFrom(int first)
     {
         static_cast<void>(::close(descriptor));
     }
+}
+
+// Whether another process traces this one.
+bool isTraced()
+{
+#if defined(__APPLE__)
+    struct kinfo_proc facts = {};
+    std::size_t size = sizeof facts;
+    int name[] = {CTL_KERN, KERN_PROC, KERN_PROC_PID, ::getpid()};
+    return (::sysctl(name, 4, &facts, &size, nullptr, 0) == 0) && ((facts.kp_proc.p_flag & P_TRACED) != 0);
+#else
+    // Without memory, which may have run out: this is asked when something has gone wrong.
+    char text[4096];
+    const int file = ::open("/proc/self/status", O_RDONLY | O_CLOEXEC);
+    const ssize_t length = (file < 0) ? 0 : ::read(file, text, sizeof text - 1);
+    if (file >= 0)
+    {
+        static_cast<void>(::close(file));
+    }
+    text[std::max<ssize_t>(length, 0)] = '\0';
+    const char* const pTracer = std::strstr(text, "\nTracerPid:");
+    return (pTracer != nullptr) && (std::strtol(pTracer + std::strlen("\nTracerPid:"), nullptr, 10) != 0);
+#endif
 }
 
 void raiseTrap()
@@ -189,11 +228,71 @@ std::string findProgram(const std::vector<std::string>& folders, const char* pPr
     return std::string();
 }
 
+struct SourceFolders
+{
+    std::mutex mutex;  // guards the other
+    std::vector<std::string> folders;
+};
+
+SourceFolders& sourceFolders()
+{
+    // Never destroyed: static objects may add folders as long as the process ends.
+    static auto* const pFolders = new SourceFolders;
+    return *pFolders;
+}
+
+// The folder of the program's own file and all above it, from there to the root: programs are mostly built somewhere
+// inside their sources.
+std::vector<std::string> foldersOfProgram()
+{
+    std::vector<std::string> folders;
+    std::string folder = programPath();
+    while (folder.find('/') != std::string::npos)
+    {
+        folder.erase(folder.rfind('/'));
+        folders.push_back(folder);
+    }
+    return folders;
+}
+
+bool exists(const std::string& path)
+{
+    struct stat status;
+    return ::stat(path.c_str(), &status) == 0;
+}
+
+// Compilers write a source file's path as they were given it. A relative one that leads nowhere from the current folder is
+// looked for where sources may be; found nowhere, it stays as it is.
+std::string foundPath(const std::string& path)
+{
+    if (path.front() == '/' || exists(path))
+    {
+        return path;
+    }
+    std::vector<std::string> folders;
+    {
+        SourceFolders& known = sourceFolders();
+        const std::lock_guard<std::mutex> lock(known.mutex);
+        folders = known.folders;
+    }
+    const std::vector<std::string> ofProgram = foldersOfProgram();
+    folders.insert(folders.end(), ofProgram.begin(), ofProgram.end());
+    for (const std::string& folder : folders)
+    {
+        std::string candidate = folder + "/" + path;
+        if (exists(candidate))
+        {
+            return candidate;
+        }
+    }
+    return path;
+}
+
 // A relative path that begins with a sign of an option, or with what reads as an address's scheme, becomes plainly a
 // path.
 std::string plainPath(const osFilePath& filePath)
 {
-    std::string path(filePath.asCharArray(), static_cast<std::size_t>(filePath.length()));
+    const std::string path = foundPath({filePath.asCharArray(), static_cast<std::size_t>(filePath.length())});
     const bool isLikeOption = (path.front() == '-') || (path.front() == '+');
     const bool isLikeAddress = path.find(':') < path.find('/');
     return (isLikeOption || isLikeAddress) ? "./" + path : path;
@@ -379,6 +478,18 @@ void osOpenFileInSourceCodeEditor(const osFilePath& filePath, int lineNumber)
     {
         writeToStderr(failureLine(filePath, lineNumber, "the system could not start another process"));
     }
+}
+
+void osAddSourceCodeFolder(const osFilePath& folder)
+{
+    SourceFolders& known = sourceFolders();
+    const std::lock_guard<std::mutex> lock(known.mutex);
+    known.folders.emplace_back(folder.asCharArray(), static_cast<std::size_t>(folder.length()));
+}
+
+bool osIsDebuggerAttached()
+{
+    return isTraced();
 }
 
 void osThrowBreakpointException()

@@ -18,6 +18,8 @@ unsigned int osGetCurrentThreadId();
 //
 // The path is handed over as it is, byte by byte and never through a shell; a relative one that an editor could take
 // for an option or an address gets "./" in front. Whether the file exists is left to the editor.
+// A relative path that leads nowhere from the current folder is a source file's as the compiler was given it: it is looked
+// for in the folders of osAddSourceCodeFolder, then in the folder of the running program's file and in those above it.
 //
 // The editor runs in a session of its own with the program's environment, current directory and umask, standard
 // input, output and error on /dev/null, every other descriptor closed and all signals at their defaults. It is no
@@ -27,6 +29,14 @@ unsigned int osGetCurrentThreadId();
 // Throws std::bad_alloc, with nothing started, without memory. Any thread may call this while none changes the
 // environment.
 void osOpenFileInSourceCodeEditor(const osFilePath& filePath, int lineNumber);
+
+// From now on relative paths of source files are looked for in this folder, too, after those that were added before.
+// Throws std::bad_alloc, with nothing changed, without memory. Any thread may call this.
+void osAddSourceCodeFolder(const osFilePath& folder);
+
+// Whether a debugger, or anything else that traces, is attached to this process now. Any thread may call this; it takes no
+// memory, and leaves errno changed.
+bool osIsDebuggerAttached();
 
 // Raises the trap (SIGTRAP) on the calling thread. A debugger stops there, and execution goes on behind the call when
 // it continues. Without a debugger the program's own handler for the signal runs; without that either, the signal's

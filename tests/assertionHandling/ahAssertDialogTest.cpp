@@ -2,6 +2,7 @@
 #include "assertionHandling/ahAssertDialog.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <iterator>
 #include <map>
@@ -76,7 +77,7 @@ int showAnd(wxDialog& dialog, const std::string& what, std::function<void()> act
 std::string windowProperty(const std::string& property)
 {
     std::string id;
-    EXPECT_EQ(tsRunProgram({"xdotool", "getactivewindow"}, &id), 0);
+    EXPECT_EQ(tsRunProgram({"xdotool", "search", "--onlyvisible", "--name", "^Assert in: "}, &id), 0);
     std::string output;
     EXPECT_EQ(tsRunProgram({"xprop", "-id", id.substr(0, id.find('\n')), property}, &output), 0);
     return output;
@@ -429,7 +430,7 @@ TEST(Dialog, CloseBoxGivesNoneOfTheFive)
     OpenDialog dialog;
     const int result = showAnd(dialog, "close the window as its close box does",
                                [] {
-                                   EXPECT_EQ(tsRunProgram({"wmctrl", "-c", ":ACTIVE:"}), 0);
+                                   EXPECT_EQ(tsRunProgram({"wmctrl", "-c", "Assert in: "}), 0);
                                });
     EXPECT_EQ(result, static_cast<int>(wxID_CANCEL));
 }
@@ -733,6 +734,162 @@ TEST(DialogBytes, AreTheSameInEveryLocale)
     }
 }
 
+namespace
+{
+
+// WCAG 2.1.
+double luminance(const wxColour& colour)
+{
+    const auto linear = [](unsigned char value)
+    { return value <= 10 ? value / 255.0 / 12.92 : std::pow((value / 255.0 + 0.055) / 1.055, 2.4); };
+    return 0.2126 * linear(colour.Red()) + 0.7152 * linear(colour.Green()) + 0.0722 * linear(colour.Blue());
+}
+
+double contrast(const wxColour& one, const wxColour& other)
+{
+    const double first = luminance(one) + 0.05;
+    const double second = luminance(other) + 0.05;
+    return std::max(first, second) / std::min(first, second);
+}
+
+// What is written in a piece of the screen, and what it is written on: the commonest colour, and the one that stands out
+// most from it. The edges of letters are paler.
+struct Ink
+{
+    wxColour ground;
+    wxColour letters;
+};
+
+Ink inkOf(const wxImage& picture, const wxRect& rect)
+{
+    std::map<unsigned int, int> amounts;
+    const wxRect inside = wxRect(picture.GetSize()).Intersect(rect);
+    for (int y = inside.GetTop(); y <= inside.GetBottom(); y++)
+    {
+        for (int x = inside.GetLeft(); x <= inside.GetRight(); x++)
+        {
+            amounts[wxColour(picture.GetRed(x, y), picture.GetGreen(x, y), picture.GetBlue(x, y)).GetRGB()]++;
+        }
+    }
+    Ink ink = {*wxWHITE, *wxWHITE};
+    const auto commonest = std::max_element(amounts.begin(), amounts.end(),
+                                            [](const auto& a, const auto& b) { return a.second < b.second; });
+    if (commonest != amounts.end())
+    {
+        ink.ground.SetRGB(commonest->first);
+        ink.letters = ink.ground;
+    }
+    for (const auto& amount : amounts)
+    {
+        wxColour colour;
+        colour.SetRGB(amount.first);
+        ink.letters = contrast(colour, ink.ground) > contrast(ink.letters, ink.ground) ? colour : ink.letters;
+    }
+    return ink;
+}
+
+}  // namespace
+
+// By itself in the theme that the tests have anyhow; DialogContrast.IsHighInEveryTheme runs it in others.
+TEST(DialogContrast, IsHighOnTheScreen)
+{
+    OpenDialog dialog("/src/someFile.cpp", 7, "index < size\nhttps://example.org/some-url");
+    wxImage picture;
+    std::map<std::string, wxRect> places;
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", [&] { return tsHasKeyboard(dialog); })
+        .waitUntil("the report and the buttons are painted",
+                   [&]
+                   {
+                       const wxRect report = dialog.report()->GetScreenRect();
+                       const auto lineOf = [&](const char* pText)
+                       {
+                           const int top = dialog.report()->PositionToCoords(dialog.text().Find(pText)).y;
+                           return wxRect(report.x, report.y + top, report.width, wxNORMAL_FONT->GetPixelSize().y);
+                       };
+                       for (const char* pText :
+                            {"Debug Assertion", "File Name", "File Path", "Assert Reason", "index < size", "https://"})
+                       {
+                           places[pText] = lineOf(pText);
+                       }
+                       for (const wxButton* pButton : dialog.buttons())
+                       {
+                           places[pButton->GetLabelText().utf8_string()] = pButton->GetScreenRect().Deflate(8);
+                       }
+                       picture = tsPictureOfScreen();
+                       return std::all_of(places.begin(), places.end(),
+                                          [&](const auto& place)
+                                          {
+                                              const Ink ink = inkOf(picture, place.second);
+                                              return ink.ground != ink.letters;
+                                          });
+                   })
+        .perform("press Return", [] { tsPressKeys("Return"); })
+        .start();
+    EXPECT_EQ(dialog.ShowModal(), 8002);
+    EXPECT_TRUE(script.isFinished());
+
+    const wxColour background = dialog.report()->GetBackgroundColour();
+    EXPECT_EQ(background, dialog.GetBackgroundColour());
+    for (const auto& place : places)
+    {
+        const Ink ink = inkOf(picture, place.second);
+        EXPECT_GE(contrast(ink.ground, ink.letters), 7)
+            << place.first << ": " << ink.letters.GetAsString(wxC2S_HTML_SYNTAX).utf8_str() << " on "
+            << ink.ground.GetAsString(wxC2S_HTML_SYNTAX).utf8_str();
+    }
+    for (const char* pHeading : {"Debug Assertion", "Assert Reason", "https://"})
+    {
+        const Ink ink = inkOf(picture, places[pHeading]);
+        EXPECT_EQ(ink.ground, background) << pHeading;
+        EXPECT_GE(contrast(*wxBLUE, ink.ground), 7) << pHeading;
+        EXPECT_TRUE(isBlue(ink.letters.Red(), ink.letters.Green(), ink.letters.Blue())) << pHeading;
+    }
+    // The dialog's face is the report's.
+    const wxPoint besideReport = dialog.report()->GetScreenRect().GetTopRight() + wxPoint(5, 125);
+    const wxColour face = inkOf(picture, wxRect(besideReport, wxSize(3, 3))).ground;
+    EXPECT_LT(contrast(face, background), 1.1) << face.GetAsString(wxC2S_HTML_SYNTAX).utf8_str()
+                                               << ", report: " << background.GetAsString(wxC2S_HTML_SYNTAX).utf8_str();
+}
+
+TEST(DialogContrast, IsHighInEveryTheme)
+{
+    for (const std::string theme : {"Adwaita", "Adwaita:dark", "HighContrast", "HighContrastInverse"})
+    {
+        std::string output;
+        EXPECT_EQ(tsRunProgram({"env", "GTK_THEME=" + theme, "/proc/" + std::to_string(wxGetProcessId()) + "/exe",
+                                "--gtest_filter=DialogContrast.IsHighOnTheScreen"},
+                               &output),
+                  0)
+            << theme << ":\n"
+            << output;
+        EXPECT_NE(output.find("[  PASSED  ] 1 test"), std::string::npos) << output;
+    }
+}
+
+TEST(DialogContrast, LeavesThemesAloneThatAreReadable)
+{
+    for (const std::string theme : {"Adwaita", "HighContrast"})
+    {
+        std::string output;
+        EXPECT_EQ(tsRunProgram({"env", "GTK_THEME=" + theme, "/proc/" + std::to_string(wxGetProcessId()) + "/exe",
+                                "--gtest_also_run_disabled_tests",
+                                "--gtest_filter=DialogContrast.DISABLED_TheThemesBackgroundIsKept"},
+                               &output),
+                  0)
+            << theme << ":\n"
+            << output;
+        EXPECT_NE(output.find("[  PASSED  ] 1 test"), std::string::npos) << output;
+    }
+}
+
+// For the one above, in the themes that it names.
+TEST(DialogContrast, DISABLED_TheThemesBackgroundIsKept)
+{
+    const OpenDialog dialog;
+    EXPECT_FALSE(dialog.UseBgCol());
+}
+
 TEST(DialogLayout, IsNotMovedByLongTexts)
 {
     const wxSize size = OpenDialog().GetSize();
@@ -924,7 +1081,7 @@ TEST_F(DialogOfHandler, PassesTheCloseBoxOn)
     const osFilePath path(gtString("/src/a.cpp"));
     const int decision = display("/src/a.cpp", 3, "m",
                                  [] {
-                                     EXPECT_EQ(tsRunProgram({"wmctrl", "-c", ":ACTIVE:"}), 0);
+                                     EXPECT_EQ(tsRunProgram({"wmctrl", "-c", "Assert in: "}), 0);
                                  });
     EXPECT_EQ(decision, static_cast<int>(wxID_CANCEL));
     _handler.handleUsersDecision(decision, path, 3);

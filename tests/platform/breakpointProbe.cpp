@@ -2,6 +2,8 @@
 // Raises the trap and says what it got to. Tests run it under a debugger and without one.
 //
 //   breakpointProbe [handler|noCore]
+//   breakpointProbe debugger                   says whether there is one
+//   breakpointProbe open FILE                  opens the file in the editor
 //   breakpointProbe crash|crashWithoutCore     ends by SIGABRT
 #include <csignal>
 #include <cstdio>
@@ -23,6 +25,16 @@ void countTrap(int)
 int main(int argumentCount, char** arguments)
 {
     const char* const pWay = (argumentCount > 1) ? arguments[1] : "";
+    if (std::strcmp(pWay, "debugger") == 0)
+    {
+        std::puts(osIsDebuggerAttached() ? "a debugger" : "no debugger");
+        return 0;
+    }
+    if ((std::strcmp(pWay, "open") == 0) && (argumentCount > 2))
+    {
+        osOpenFileInSourceCodeEditor(osFilePath(gtString(arguments[2])), 5);
+        return 0;
+    }
     if (std::strcmp(pWay, "handler") == 0)
     {
         static_cast<void>(std::signal(SIGTRAP, countTrap));

@@ -410,6 +410,64 @@ TEST_F(osOpenFileInSourceCodeEditorTest, handsTheNameOverAsItIs)
     EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+2147483647", longName));
 }
 
+TEST_F(osOpenFileInSourceCodeEditorTest, aRelativeNameIsLookedForWhereSourcesAre)
+{
+    makeEditor("gedit");
+    const std::string folder = nameOf("tree");
+    std::filesystem::create_directories(folder + "/room");
+    std::ofstream(folder + "/room/inTree.cpp") << "source";
+    const auto opened = [&](const std::string& name)
+    {
+        open(name, 5);
+        const Strings arguments = argumentsOf("gedit");
+        return arguments.empty() ? std::string() : arguments.back();
+    };
+
+    // Found nowhere.
+    EXPECT_EQ(opened("room/inTree.cpp"), "room/inTree.cpp");
+
+    osAddSourceCodeFolder(pathOf(nameOf("missing")));
+    osAddSourceCodeFolder(pathOf(folder));
+    EXPECT_EQ(opened("room/inTree.cpp"), folder + "/room/inTree.cpp");
+    EXPECT_EQ(opened("other/inTree.cpp"), "other/inTree.cpp");
+    EXPECT_EQ(opened("/room/inTree.cpp"), "/room/inTree.cpp");
+
+    // What the current folder has comes first.
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::create_directories(nameOf("current/room"));
+    std::ofstream(nameOf("current/room/inTree.cpp")) << "source";
+    std::filesystem::current_path(nameOf("current"));
+    EXPECT_EQ(opened("room/inTree.cpp"), "room/inTree.cpp");
+    std::filesystem::current_path(before);
+}
+
+TEST_F(osOpenFileInSourceCodeEditorTest, aRelativeNameIsLookedForAboveTheProgram)
+{
+    makeEditor("gedit");
+    // A program that was built in TREE/build/bin from TREE/room/inTree.cpp.
+    std::filesystem::create_directories(nameOf("tree/build/bin"));
+    std::filesystem::create_directories(nameOf("tree/room"));
+    std::ofstream(nameOf("tree/room/aboveProgram.cpp")) << "source";
+    const std::string program = nameOf("tree/build/bin/probe");
+    std::filesystem::copy_file(BREAKPOINT_PROBE, program);
+    for (const char* pName : {"room/aboveProgram.cpp", "../../room/aboveProgram.cpp"})
+    {
+        const pid_t process = ::fork();
+        if (process == 0)
+        {
+            ::setenv("LD_LIBRARY_PATH", PLATFORM_LIBRARIES, 1);
+            ::execl(program.c_str(), program.c_str(), "open", pName, nullptr);
+            ::_exit(1);
+        }
+        int status = -1;
+        EXPECT_EQ(::waitpid(process, &status, 0), process);
+        EXPECT_EQ(status, 0);
+        const Strings arguments = argumentsOf("gedit");
+        ASSERT_EQ(arguments.size(), 2U);
+        EXPECT_TRUE(std::filesystem::equivalent(arguments[1], nameOf("tree/room/aboveProgram.cpp"))) << arguments[1];
+    }
+}
+
 TEST_F(osOpenFileInSourceCodeEditorTest, namesLikeOptionsAndAddressesBecomePlainPaths)
 {
     makeEditor("gedit");
@@ -944,6 +1002,21 @@ void expectThatADebuggerStops(const std::string& way)
 TEST(osThrowBreakpointException, stopsADebuggerAndResumes)
 {
     expectThatADebuggerStops("");
+}
+
+TEST(osIsDebuggerAttached, tellsADebuggerFromNone)
+{
+    EXPECT_FALSE(osIsDebuggerAttached());
+    int status = 0;
+    EXPECT_EQ(outputOf("'" BREAKPOINT_PROBE "' debugger", status), "no debugger\n");
+    const std::string output =
+        outputOf("gdb -nx -batch -ex run -ex quit --args '" BREAKPOINT_PROBE "' debugger 2>&1", status);
+    if ((output.find("Operation not permitted") != std::string::npos) &&
+        (output.find("debugger\n") == std::string::npos))
+    {
+        GTEST_SKIP() << "tracing is not permitted here: " << output;
+    }
+    EXPECT_NE(output.find("a debugger\n"), std::string::npos) << output;
 }
 
 TEST(osThrowBreakpointException, callsTheProgramsHandlerWithoutADebugger)
