@@ -5,7 +5,7 @@ function(countersign_install_desktop_files component)
     set(desktop "${PROJECT_SOURCE_DIR}/desktop")
     set(data "${CMAKE_INSTALL_DATADIR}")
     set(id org.countersign.Countersign)
-    set(type application-vnd.countersign.signature)
+    set(type ${id}.signature)
 
     install(FILES "${desktop}/${id}.mime.xml" RENAME "${id}.xml" DESTINATION "${data}/mime/packages"
         COMPONENT ${component})

@@ -4,7 +4,8 @@
 # as a whole.
 #
 # What is installed is in parts (cmake --install --component): countersign_cli, countersign_desktop, the shared libraries
-# that both need in countersign_libraries, and what programmers link in countersign_development.
+# that both need in countersign_libraries, what programmers link in countersign_development, and the manual with its
+# pictures in countersign_documentation.
 include(CMakePackageConfigHelpers)
 include(CountersignDesktopFiles)
 
@@ -63,6 +64,12 @@ foreach(program IN ITEMS desktop cli)
     endif()
 endforeach()
 
+# The notices of what is compiled into the command line.
+if(TARGET countersign_cli)
+    install(FILES "${PROJECT_SOURCE_DIR}/debian/copyright"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT countersign_cli)
+endif()
+
 # What the desktop needs to know of the application.
 if(TARGET countersign_desktop)
     set(desktop "${PROJECT_SOURCE_DIR}/desktop")
@@ -83,9 +90,9 @@ if(TARGET countersign_desktop)
     install(FILES "${PROJECT_BINARY_DIR}/man/countersign-desktop.1"
         DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT countersign_desktop)
     install(FILES "${PROJECT_SOURCE_DIR}/docs/manual.html"
-        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT countersign_desktop)
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT countersign_documentation)
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/images"
-        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT countersign_desktop)
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT countersign_documentation)
     # The bus starts the program by its whole path, which is known only when it is installed.
     install(CODE "
         set(services \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/dbus-1/services\")

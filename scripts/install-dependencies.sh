@@ -27,7 +27,7 @@ test=(
 )
 testOptional=(
     # The desktop's own validators.
-    desktop-file-utils appstream shared-mime-info xdg-utils
+    desktop-file-utils appstream shared-mime-info xdg-utils python3-yaml
     # What makes the package, and what reads the manual pages.
     dpkg-dev file man-db
     # The fuzzers' compiler.
@@ -43,6 +43,8 @@ developOptional=(
 releaseOptional=(
     # Other compilers' libraries, other generators, other processors, other releases of the system.
     libc++-dev libc++abi-dev make lld qemu-user-static debootstrap
+    # The packages, what looks at them, and the other packages' builder.
+    debhelper lintian autopkgtest diffoscope-minimal flatpak-builder
 )
 
 # For 32-bit builds of the multiple-precision module. It cannot be installed beside compilers for other processors.

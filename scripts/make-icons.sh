@@ -19,4 +19,4 @@ draw() {
 
 icons=$root/desktop/icons
 draw "the application's icon" "$icons/org.countersign.Countersign.svg" "$icons"
-draw "the signature files' icon" "$icons/signature/application-vnd.countersign.signature.svg" "$icons/signature"
+draw "the signature files' icon" "$icons/signature/org.countersign.Countersign.signature.svg" "$icons/signature"

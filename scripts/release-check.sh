@@ -35,6 +35,7 @@ builds.arm64 scripts/otherBuilds.sh arm64
 processors scripts/cross-test.sh --fetch
 fresh.bookworm scripts/fresh-debian.sh bookworm
 fresh.trixie scripts/fresh-debian.sh trixie
+packages scripts/debian-package.sh
 fuzzing scripts/fuzz.sh all $fuzzSeconds
 soak scripts/soak.sh $soakMinutes
 promises scripts/try-promises.sh

@@ -62,40 +62,81 @@ case $case in
             exit 77
         fi
         (cd "$build" && cpack -G DEB -B "$here/packages") >"$here/log" 2>&1 || complain "$(cat "$here/log")"
-        package=$(find "$here/packages" -maxdepth 1 -name 'countersign_*.deb')
-        [ -f "$package" ] || complain "no package was made: $(cat "$here/log")"
-        dpkg-deb --info "$package" >"$here/info" || complain "the package cannot be read"
-        dpkg-deb --contents "$package" >"$here/contents"
-
-        for dependency in libc6 libstdc++6 libssl3 'libwxgtk3.2-1' libglib2.0-0; do
-            grep -E '^ Depends:' "$here/info" | grep -qF -- "$dependency" ||
-                complain "it does not depend on $dependency: $(cat "$here/info")"
+        # field FIELD PACKAGE
+        field() {
+            dpkg-deb --field "$here/packages/$2.deb" "$1"
+        }
+        libraries=libcountersign$abi
+        for package in countersign countersign-desktop countersign-doc "$libraries" libcountersign-dev; do
+            file=$(find "$here/packages" -maxdepth 1 -name "${package}_*.deb")
+            [ -f "$file" ] || complain "no package $package was made: $(cat "$here/log")"
+            mv "$file" "$here/packages/$package.deb"
+            [ "$(field Package "$package")" = "$package" ] || complain "$package has another name inside"
+            [ "$(field Version "$package")" = "$version" ] || complain "$package has another version"
+            dpkg-deb --contents "$here/packages/$package.deb" >"$here/$package.contents"
+            dpkg-deb --extract "$here/packages/$package.deb" "$here/root"
+            cmp -s "$source/debian/copyright" "$here/root/usr/share/doc/$package/copyright" ||
+                complain "$package does not have its copyright file"
         done
-        ! grep -E '^ Depends:' "$here/info" | grep -qE -- '-dev|libgtest|libgmp' || complain "it depends on too much"
-        grep -qE "^ Version: $version\$" "$here/info" || complain "another version: $(cat "$here/info")"
 
-        for file in bin/countersign bin/countersign-desktop 'lib.*/libKXBaseTools\.so' "lib.*/libKXBaseTools\.so\.$abi" \
-            "lib.*/libKXOSWrappers\.so\.$version" \
-            share/applications/org.countersign.Countersign.desktop \
+        # expectDependencies PACKAGE WANTED... [not PATTERN]
+        expectDependencies() {
+            local package=$1 found
+            found=$(field Depends "$package")
+            shift
+            while [ "$#" -gt 0 ] && [ "$1" != not ]; do
+                case $found in
+                    *"$1"*) ;;
+                    *) complain "$package does not depend on $1: $found" ;;
+                esac
+                shift
+            done
+            [ "$#" -eq 0 ] || ! grep -E -- "$2" <<<"$found" || complain "$package depends on too much"
+        }
+        same="$libraries (= $version)"
+        expectDependencies "$libraries" libc6 libstdc++6 not '-dev|wx|gtk|glib|ssl|countersign'
+        # The command line runs where there is no window system.
+        expectDependencies countersign libc6 libssl3 "$same" not '-dev|wx|gtk|glib|libx'
+        expectDependencies countersign-desktop libc6 libssl3 'libwxgtk3.2-1' libgtk-3-0 libglib2.0-0 "$same" \
+            not '-dev|libgtest|libgmp'
+        expectDependencies libcountersign-dev "$same" libssl-dev
+        [ "$(field Architecture countersign-doc)" = all ] || complain "the documentation is for one processor only"
+        [ -z "$(field Depends countersign-doc)" ] || complain "the documentation depends on: $(field Depends countersign-doc)"
+
+        # expectFiles PACKAGE FILE...
+        expectFiles() {
+            local package=$1 file
+            shift
+            for file in "$@"; do
+                grep -qE " \./usr/$file( ->.*|\.gz)?\$" "$here/$package.contents" ||
+                    complain "/usr/$file is not in $package: $(cat "$here/$package.contents")"
+            done
+        }
+        expectFiles "$libraries" "lib.*/libKXBaseTools\.so\.$abi" "lib.*/libKXBaseTools\.so\.$version" \
+            "lib.*/libKXOSWrappers\.so\.$abi" "lib.*/libKXOSWrappers\.so\.$version"
+        expectFiles libcountersign-dev 'lib.*/libKXBaseTools\.so' include/countersign/bigdigits.h \
+            'lib.*/cmake/countersign/countersignConfig\.cmake' 'lib.*/pkgconfig/countersign-bigdigits\.pc'
+        expectFiles countersign bin/countersign share/man/man1/countersign.1 share/bash-completion/completions/countersign
+        expectFiles countersign-desktop bin/countersign-desktop share/applications/org.countersign.Countersign.desktop \
             share/metainfo/org.countersign.Countersign.metainfo.xml \
             share/dbus-1/services/org.countersign.Countersign.service \
             share/icons/hicolor/scalable/apps/org.countersign.Countersign.svg \
             share/icons/hicolor/48x48/apps/org.countersign.Countersign.png \
+            share/icons/hicolor/48x48/mimetypes/org.countersign.Countersign.signature.png \
             share/mime/packages/org.countersign.Countersign.xml \
-            share/icons/hicolor/48x48/mimetypes/application-vnd.countersign.signature.png \
             share/file-manager/actions/org.countersign.Countersign.desktop \
             share/kio/servicemenus/org.countersign.Countersign.desktop \
-            share/nemo/actions/org.countersign.Countersign.nemo_action \
-            share/man/man1/countersign.1 share/man/man1/countersign-desktop.1 \
-            share/bash-completion/completions/countersign include/countersign/bigdigits.h; do
-            grep -qE " \./usr/$file( ->.*|\.gz)?\$" "$here/contents" || complain "/usr/$file is not in the package"
-        done
-        # Nothing outside of /usr, nothing that another user could write, nothing of the tests.
-        ! awk '{ print $6 }' "$here/contents" | grep -vE '^\./(usr/.*)?$' || complain "it reaches outside of /usr"
-        ! grep -vE '^l' "$here/contents" | grep -E '^.(.{4}w|.{7}w)' || complain "others may write into these"
-        ! grep -iE 'gtest|gmock|test_' "$here/contents" || complain "there are tests in it"
+            share/nemo/actions/org.countersign.Countersign.nemo_action share/man/man1/countersign-desktop.1
+        expectFiles countersign-doc share/doc/countersign/manual.html share/doc/countersign/images/main-window.png
 
-        dpkg-deb --extract "$package" "$here/root"
+        # Nothing outside of /usr, nothing that another user could write, nothing of the tests, and no file twice.
+        cat "$here"/*.contents >"$here/contents"
+        ! awk '{ print $6 }' "$here/contents" | grep -vE '^\./(usr/.*)?$' || complain "they reach outside of /usr"
+        ! grep -vE '^l' "$here/contents" | grep -E '^.(.{4}w|.{7}w)' || complain "others may write into these"
+        ! grep -iE 'gtest|gmock|test_' "$here/contents" || complain "there are tests in them"
+        twice=$(grep -v '^d' "$here/contents" | awk '{ print $6 }' | sort | uniq -d)
+        [ -z "$twice" ] || complain "in two packages: $twice"
+
         grep -qx 'Exec=/usr/bin/countersign-desktop' \
             "$here/root/usr/share/dbus-1/services/org.countersign.Countersign.service" ||
             complain "the bus would start: $(cat "$here"/root/usr/share/dbus-1/services/*)"

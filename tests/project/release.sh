@@ -124,6 +124,97 @@ case $case in
             complain "$amount pictures for $(grep -c '<screenshot[ >]' "$metainfo") screenshots"
         ;;
 
+    noticesAreThere)
+        # What is compiled in is named with its notice, as its own package words it.
+        theirs=/usr/share/doc/libcli11-dev/copyright
+        if [ ! -f "$theirs" ]; then
+            echo "skipped: libcli11-dev is not installed, or without its notice"
+            exit 77
+        fi
+        words() {
+            tr -s '[:space:]' ' ' | sed 's/ \. / /g'
+        }
+        notice=$(sed -n '/^ Redistribution and use/,/^ SUCH DAMAGE/p' "$theirs" | words)
+        [ "${#notice}" -gt 1000 ] || complain "$theirs has another form"
+        ours=$(words <"$source/debian/copyright")
+        [ "${ours#*"${notice# }"}" != "$ours" ] || complain "debian/copyright does not have CLI11's notice"
+        grep -q 'University of Cincinnati' "$source/debian/copyright" || complain "debian/copyright does not say whose it is"
+        ;;
+
+    flatpakManifest)
+        manifest=$source/flatpak/org.countersign.Countersign.yml
+        if ! python3 -c 'import yaml' 2>/dev/null; then
+            echo "skipped: python3-yaml is not installed"
+            exit 77
+        fi
+        python3 - "$manifest" <<'END' || exit 1
+import os, re, sys, yaml
+
+path = sys.argv[1]
+name = os.path.splitext(os.path.basename(path))[0]
+
+
+class Loader(yaml.SafeLoader):
+    """Takes no key twice."""
+
+    def construct_mapping(self, node, deep=False):
+        keys = [self.construct_object(key) for key, _ in node.value]
+        expect(len(keys) == len(set(keys)), f"a key of {keys} stands there twice")
+        return super().construct_mapping(node, deep)
+
+
+def expect(condition, text):
+    if not condition:
+        sys.exit(f"{path}: {text}")
+
+
+def known(mapping, names, where):
+    expect(set(mapping) <= set(names.split()), f"unknown in {where}: {set(mapping) - set(names.split())}")
+
+
+manifest = yaml.load(open(path), Loader)
+known(manifest, "id runtime runtime-version sdk command finish-args cleanup modules", "the manifest")
+for key in "id runtime runtime-version sdk command".split():
+    expect(isinstance(manifest.get(key), str) and manifest[key], f"{key} is no text")
+expect(manifest["id"] == name, f"the id is {manifest['id']}")
+root = os.path.join(os.path.dirname(path), "..")
+entry = open(os.path.join(root, "desktop", name + ".desktop")).read()
+expect(f"Exec={manifest['command']} " in entry, "the command is not that of the desktop entry")
+for argument in manifest["finish-args"]:
+    expect(re.fullmatch(r"--(socket|share|env|filesystem|device|talk-name)=\S+", argument), f"argument {argument}")
+    expect(argument != "--share=network", "it asks for the network")
+for pattern in manifest["cleanup"]:
+    expect(pattern.startswith("/") or pattern.startswith("*"), f"cleanup {pattern}")
+expect([module["name"] for module in manifest["modules"]][-1] == "countersign", "the last module is not ours")
+for module in manifest["modules"]:
+    known(module, "name buildsystem builddir config-opts sources", module["name"])
+    expect(module["buildsystem"] == "cmake-ninja", f"the build system of {module['name']}")
+    expect(all(re.fullmatch(r"-D\w+=\S+", option) for option in module["config-opts"]), f"options of {module['name']}")
+    for source in module["sources"]:
+        if source["type"] == "git":
+            known(source, "type url tag commit", module["name"])
+            expect(source["url"].startswith("https://") and source["tag"], f"the source of {module['name']}")
+        else:
+            known(source, "type path skip", module["name"])
+            expect(source["type"] == "dir", f"the source of {module['name']}")
+            found = os.path.join(os.path.dirname(path), source["path"], "CMakeLists.txt")
+            expect(os.path.isfile(found), f"there is nothing to build in {source['path']}")
+# An option that does not exist would be taken without a word.
+options = re.findall(r"^\s*(?:option|set)\((COUNTERSIGN_\w+)", open(os.path.join(root, "CMakeLists.txt")).read(), re.M)
+for option in manifest["modules"][-1]["config-opts"]:
+    option = option[2:].split("=")[0]
+    expect(option.startswith("CMAKE_") or option in options, f"there is no option {option}")
+END
+        # The builder's own reading, where it is installed.
+        if command -v flatpak-builder >/dev/null 2>&1; then
+            # It makes a folder where it is started.
+            here=$(mktemp -d)
+            trap 'rm -rf "$here"' EXIT
+            shown=$(cd "$here" && flatpak-builder --show-manifest "$manifest" 2>&1) || complain "$shown"
+            ! grep -i 'unknown property' <<<"$shown" || complain "flatpak-builder finds fault"
+        fi
+        ;;
+
     *)
         complain "unknown case '$case'"
         ;;
