@@ -65,7 +65,10 @@ for label in "${excluded[@]}"; do
 done
 [ -n "$hasJobs" ] || arguments+=(-j "$(nproc)")
 
-"$root/scripts/install-dependencies.sh" test || exit
+# The long ones lint, too.
+packages='test'
+[ -z "$hasAll" ] || packages='develop'
+"$root/scripts/install-dependencies.sh" "$packages" || exit
 cmakeArguments=(-DCOUNTERSIGN_BUILD_TESTS=ON)
 configure "$preset"
 

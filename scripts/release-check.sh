@@ -21,15 +21,15 @@ tests ./test.sh --all
 tests.debug env COUNTERSIGN_PRESET=debug ./test.sh
 lint scripts/lint.sh --all
 coverage scripts/coverage.sh
-builds.clang env COUNTERSIGN_OTHER_TESTS=long scripts/otherBuilds.sh clang
+builds.clang env COUNTERSIGN_OTHER_TESTS=^long$ scripts/otherBuilds.sh clang
 builds.libc++ scripts/otherBuilds.sh libc++
 builds.c++20 scripts/otherBuilds.sh c++20
 builds.c++23 scripts/otherBuilds.sh c++23
 builds.lto scripts/otherBuilds.sh lto
-builds.debugMode env COUNTERSIGN_OTHER_TESTS=long scripts/otherBuilds.sh debugMode
+builds.debugMode env COUNTERSIGN_OTHER_TESTS=^long$ scripts/otherBuilds.sh debugMode
 builds.makefiles scripts/otherBuilds.sh makefiles
 builds.path scripts/otherBuilds.sh path
-builds.user env COUNTERSIGN_OTHER_TESTS=long scripts/otherBuilds.sh user
+builds.user env COUNTERSIGN_OTHER_TESTS=^long$ scripts/otherBuilds.sh user
 builds.offline scripts/otherBuilds.sh offline
 builds.arm64 scripts/otherBuilds.sh arm64
 processors scripts/cross-test.sh --fetch
