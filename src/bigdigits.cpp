@@ -994,6 +994,493 @@ MP_INLINE void multiplyByColumnsWith(mpDigit w[], const mpDigit u[], size_t un, 
     }
 }
 
+// ---------------------------------------------------------------------------------------------------------------------
+// Short limbs: numbers cut into pieces of 13 bits, two of which a processor multiplies and adds in one lane of 32 bits.
+//
+// Thirteen digits are 32 limbs. A product of two limbs has 26 bits, so a lane takes the sum of 64 products before it is
+// split. The limbs are as good as half-digits: no product is wider than the product of two of these.
+
+constexpr size_t shortLimbBits = 13;
+constexpr uint64_t shortLimbMask = (uint64_t{1} << shortLimbBits) - 1;
+// Eight limbs have 13 octets.
+constexpr size_t limbsPerGroup = 8;
+constexpr size_t octetsPerGroup = 13;
+constexpr size_t pairsPerLane = 32;
+static_assert(pairsPerLane * 2 * shortLimbMask * shortLimbMask <= allOnes, "the sums of a lane fit in it");
+
+// Longer factors are cut into blocks of that many digits.
+constexpr size_t longestForShortLimbs = 260;
+constexpr size_t mostShortLimbs = longestForShortLimbs * bitsPerDigit / shortLimbBits;
+static_assert(longestForShortLimbs * bitsPerDigit % (limbsPerGroup * shortLimbBits) == 0, "a block has whole groups");
+// Columns that are summed up at once. Loads may reach that far out of a number, whose surroundings are zero.
+constexpr size_t mostColumnsAtOnce = 64;
+constexpr size_t limbMargin = mostColumnsAtOnce + limbsPerGroup;
+static_assert(limbMargin % limbsPerGroup == 0, "groups are written as a whole");
+
+MP_INLINE uint64_t loadOctets(const unsigned char* octets)
+{
+    uint64_t value = 0;
+    memcpy(&value, octets, sizeof(value));
+    return isBigEndian ? __builtin_bswap64(value) : value;
+}
+
+MP_INLINE void storeOctets(unsigned char* octets, uint64_t value)
+{
+    value = isBigEndian ? __builtin_bswap64(value) : value;
+    memcpy(octets, &value, sizeof(value));
+}
+
+// Four limbs, the lowest in the low 16 bits, from the low 52 bits of a word.
+MP_INLINE uint64_t spreadLimbs(uint64_t value)
+{
+    constexpr uint64_t lowHalf = (uint64_t{1} << 2 * shortLimbBits) - 1;
+    constexpr uint64_t lowLimbs = shortLimbMask << 32 | shortLimbMask;
+    const uint64_t halves = (value & lowHalf) | (value & lowHalf << 2 * shortLimbBits) << (32 - 2 * shortLimbBits);
+    return (halves & lowLimbs) | (halves & lowLimbs << shortLimbBits) << (16 - shortLimbBits);
+}
+
+// A number in short limbs, in room of its own.
+struct ShortLimbs
+{
+    uint16_t room[limbMargin + mostShortLimbs + limbMargin];
+    // Without the zeros that fill up a group.
+    size_t size;
+
+    MP_INLINE const uint16_t* limbs() const { return room + limbMargin; }
+
+    // Takes a[0..n). With swapped pairs, limb i stands where i ^ 1 would.
+    template <bool isSwapped>
+    MP_INLINE void take(const mpDigit a[], size_t n)
+    {
+        constexpr uint64_t everyOther = 0x0000FFFF0000FFFFU;
+        unsigned char octets[longestForShortLimbs * octetsPerDigit + sizeof(uint64_t) + octetsPerGroup];
+        for (size_t i = 0; isBigEndian && i < n; i++)
+        {
+            const mpDigit digit = __builtin_bswap32(a[i]);
+            memcpy(octets + i * octetsPerDigit, &digit, sizeof(digit));
+        }
+        if (!isBigEndian)
+        {
+            memcpy(octets, a, n * octetsPerDigit);
+        }
+        memset(octets + n * octetsPerDigit, 0, sizeof(uint64_t) + octetsPerGroup);
+        size = (n * bitsPerDigit + shortLimbBits - 1) / shortLimbBits;
+        memset(room, 0, limbMargin * sizeof(uint16_t));
+        uint16_t* to = room + limbMargin;
+        const unsigned char* from = octets;
+        for (size_t i = 0; i < size; i += limbsPerGroup, to += limbsPerGroup, from += octetsPerGroup)
+        {
+            for (size_t half = 0; half < 2; half++)
+            {
+                const uint64_t word = half == 0 ? loadOctets(from) : loadOctets(from + 6) >> 4;
+                uint64_t four = spreadLimbs(word);
+                if (isSwapped != isBigEndian)
+                {
+                    four = (four >> 16 & everyOther) | (four & everyOther) << 16;
+                }
+                if (isBigEndian)
+                {
+                    four = four >> 32 | four << 32;
+                }
+                memcpy(to + 4 * half, &four, sizeof(four));
+            }
+        }
+        memset(to, 0, limbMargin * sizeof(uint16_t));
+    }
+};
+
+// What a processor does with pairs of limbs: load them, put one pair into all lanes, and multiplyAdd, which adds the
+// products of both halves of each lane to its sum.
+template <class Vector>
+struct PlainPairs
+{
+    using Type = Vector;
+    static MP_INLINE void load(Vector& lanes, const uint16_t limbs[]) { memcpy(&lanes, limbs, sizeof(Vector)); }
+    static MP_INLINE void repeat(Vector& lanes, const uint16_t limbs[])
+    {
+        mpDigit pair = 0;
+        memcpy(&pair, limbs, sizeof(pair));
+        lanes = pair - Vector{};
+    }
+    static MP_INLINE void multiplyAdd(Vector& sums, const Vector& a, const Vector& b)
+    {
+        sums += (a & halfMask) * (b & halfMask) + (a >> bitsPerHalf) * (b >> bitsPerHalf);
+    }
+};
+
+#if defined(__x86_64__)
+
+struct Pairs128Bits : PlainPairs<Vector16>
+{
+    static MP_INLINE void load(Vector16& lanes, const uint16_t limbs[])
+    {
+        PlainPairs<Vector16>::load(lanes, limbs);
+        keep(lanes);
+    }
+    static MP_INLINE void repeat(Vector16& lanes, const uint16_t limbs[])
+    {
+        PlainPairs<Vector16>::repeat(lanes, limbs);
+        keep(lanes);
+    }
+    static MP_INLINE void multiplyAdd(Vector16& sums, const Vector16& a, const Vector16& b)
+    {
+        // NOLINTNEXTLINE(portability-simd-intrinsics)
+        const __m128i products = _mm_madd_epi16(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b));
+        sums += reinterpret_cast<Vector16>(products);
+    }
+
+private:
+    // The compiler takes it for changed, and does not load it once more.
+    static MP_INLINE void keep(Vector16& lanes) { asm("" : "+x"(lanes)); }
+};
+
+#else
+
+using Pairs128Bits = PlainPairs<Vector16>;
+
+#endif
+
+#if defined(__x86_64__) && !defined(__clang__)
+
+// In assembly: the compiler inlines an intrinsic only into a function that is compiled for its processor, and what is
+// between that function and this one is for all processors. clang does not take such assembly, either.
+#define MP_HAS_WIDE_PAIRS 1
+
+template <class Vector>
+struct __attribute__((may_alias)) Octets
+{
+    unsigned char octets[sizeof(Vector)];
+};
+
+struct Pairs256Bits
+{
+    using Type = Vector32;
+    static MP_INLINE void load(Vector32& lanes, const uint16_t limbs[])
+    {
+        asm("vmovdqu %1, %0" : "=x"(lanes) : "m"(*reinterpret_cast<const Octets<Vector32>*>(limbs)));
+    }
+    static MP_INLINE void repeat(Vector32& lanes, const uint16_t limbs[])
+    {
+        asm("vpbroadcastd %1, %0" : "=x"(lanes) : "m"(*reinterpret_cast<const Octets<mpDigit>*>(limbs)));
+    }
+    static MP_INLINE void multiplyAdd(Vector32& sums, const Vector32& a, const Vector32& b)
+    {
+        Vector32 products;
+        asm("vpmaddwd %2, %1, %0" : "=x"(products) : "x"(a), "x"(b));
+        sums += products;
+    }
+};
+
+struct Pairs512Bits
+{
+    using Type = Vector64;
+    static MP_INLINE void load(Vector64& lanes, const uint16_t limbs[])
+    {
+        asm("vmovdqu32 %1, %0" : "=v"(lanes) : "m"(*reinterpret_cast<const Octets<Vector64>*>(limbs)));
+    }
+    static MP_INLINE void repeat(Vector64& lanes, const uint16_t limbs[])
+    {
+        asm("vpbroadcastd %1, %0" : "=v"(lanes) : "m"(*reinterpret_cast<const Octets<mpDigit>*>(limbs)));
+    }
+    static MP_INLINE void multiplyAdd(Vector64& sums, const Vector64& a, const Vector64& b)
+    {
+        Vector64 products;
+        asm("vpmaddwd %2, %1, %0" : "=v"(products) : "v"(a), "v"(b));
+        sums += products;
+    }
+};
+
+struct PairsVnni : Pairs512Bits
+{
+    static MP_INLINE void multiplyAdd(Vector64& sums, const Vector64& a, const Vector64& b)
+    {
+        asm("vpdpwssd %2, %1, %0" : "+v"(sums) : "v"(a), "v"(b));
+    }
+};
+
+#else
+
+#define MP_HAS_WIDE_PAIRS 0
+
+#endif
+
+// Sums of columns of limbs. Element i belongs to columns 2i and 2i + 1: even and above count 2^(26i), odd counts
+// 2^(26i + 13).
+struct LimbSums
+{
+    static constexpr size_t most = mostShortLimbs + mostColumnsAtOnce;
+    mpDigit even[most];
+    mpDigit odd[most];
+    mpDigit above[most];
+};
+
+// The columns that are summed up at once: Blocks times the columns of two vectors, which hold the even and the odd ones.
+template <class Pairs>
+struct LimbColumns
+{
+    using Vector = typename Pairs::Type;
+    static constexpr size_t lanes = sizeof(Vector) / sizeof(mpDigit);
+    static constexpr size_t blocks = std::min<size_t>(4, mostColumnsAtOnce / (2 * lanes));
+    static constexpr size_t columns = blocks * 2 * lanes;
+
+    // What of the sums belongs to the limb of the column, and what is above it.
+    Vector evenLow[blocks];
+    Vector evenHigh[blocks];
+    Vector oddLow[blocks];
+    Vector oddHigh[blocks];
+    // Sums that are not split yet, and how many pairs of products they still have room for.
+    Vector even[blocks];
+    Vector odd[blocks];
+    size_t pairsLeft;
+
+    MP_INLINE void clear()
+    {
+        for (size_t k = 0; k < blocks; k++)
+        {
+            evenLow[k] = evenHigh[k] = oddLow[k] = oddHigh[k] = even[k] = odd[k] = Vector{};
+        }
+        pairsLeft = pairsPerLane;
+    }
+
+    MP_INLINE void split()
+    {
+        constexpr auto mask = static_cast<mpDigit>(shortLimbMask);
+        constexpr auto bits = static_cast<mpDigit>(shortLimbBits);
+        for (size_t k = 0; k < blocks; k++)
+        {
+            evenLow[k] += even[k] & mask;
+            evenHigh[k] += even[k] >> bits;
+            oddLow[k] += odd[k] & mask;
+            oddHigh[k] += odd[k] >> bits;
+            even[k] = odd[k] = Vector{};
+        }
+        pairsLeft = pairsPerLane;
+    }
+
+    // Adds rows j to end - 1 in blocks First to End - 1. u is where the limbs for row 0 of the first column are. Leaves
+    // j at the next row.
+    template <size_t First, size_t End>
+    MP_INLINE void addRows(const uint16_t* u, const uint16_t* v, std::ptrdiff_t& j, std::ptrdiff_t end)
+    {
+        while (j < end)
+        {
+            const std::ptrdiff_t stop = std::min(end, j + static_cast<std::ptrdiff_t>(2 * pairsLeft));
+            pairsLeft -= static_cast<size_t>(stop - j + 1) / 2;
+            // Copies, which the compiler keeps in registers.
+            Vector evens[blocks];
+            Vector odds[blocks];
+            for (size_t k = First; k < End; k++)
+            {
+                evens[k] = even[k];
+                odds[k] = odd[k];
+            }
+            for (; j < stop; j += 2)
+            {
+                Vector belowLimbs;
+                Vector ownLimbs;
+                Pairs::load(belowLimbs, u - j - 1);
+                Pairs::load(ownLimbs, u - j);
+                for (size_t k = First; k < End; k++)
+                {
+                    Vector everywhere;
+                    Pairs::repeat(everywhere, v + j + static_cast<std::ptrdiff_t>(2 * lanes * k));
+                    Pairs::multiplyAdd(evens[k], belowLimbs, everywhere);
+                    Pairs::multiplyAdd(odds[k], ownLimbs, everywhere);
+                }
+            }
+            for (size_t k = First; k < End; k++)
+            {
+                even[k] = evens[k];
+                odd[k] = odds[k];
+            }
+            if (pairsLeft == 0)
+            {
+                split();
+            }
+        }
+    }
+
+    // Adds the columns from "first" on of u * v. v has swapped pairs.
+    MP_INLINE void add(const uint16_t u[], size_t un, const uint16_t v[], size_t vn, size_t first)
+    {
+        // Block k takes row j + step * k, so all blocks multiply the same limbs of u. Rows below the first one and above
+        // the last one are zero; most of them are left out.
+        constexpr auto step = static_cast<std::ptrdiff_t>(2 * lanes);
+        constexpr auto reach = step * static_cast<std::ptrdiff_t>(blocks - 1);
+        const auto from = static_cast<std::ptrdiff_t>(first);
+        const auto rows = static_cast<std::ptrdiff_t>(vn);
+        const uint16_t* own = u + first;
+        const std::ptrdiff_t end = std::min(rows, from + step);
+        std::ptrdiff_t j = std::max(-reach, from - static_cast<std::ptrdiff_t>(un)) & ~std::ptrdiff_t{1};
+        if constexpr (blocks == 4)
+        {
+            addRows<3, 4>(own, v, j, std::min(-2 * step, end));
+            addRows<2, 4>(own, v, j, std::min(-step, end));
+        }
+        if constexpr (blocks >= 2)
+        {
+            addRows<1, blocks>(own, v, j, std::min(std::ptrdiff_t{0}, end));
+        }
+        addRows<0, blocks>(own, v, j, std::min(std::max(rows - reach, std::ptrdiff_t{0}), end));
+        if constexpr (blocks == 4)
+        {
+            addRows<0, 3>(own, v, j, std::min(std::max(rows - 2 * step, std::ptrdiff_t{0}), end));
+            addRows<0, 2>(own, v, j, std::min(std::max(rows - step, std::ptrdiff_t{0}), end));
+        }
+        if constexpr (blocks >= 2)
+        {
+            addRows<0, 1>(own, v, j, end);
+        }
+    }
+
+    // Stores the sums, columns from "first" on. What is above the limb of an odd column counts as the next even column.
+    // above[0] is left alone.
+    MP_INLINE void put(LimbSums& sums, size_t first) const
+    {
+        for (size_t k = 0; k < blocks; k++)
+        {
+            const size_t i = first / 2 + lanes * k;
+            const Vector aboveEven = evenHigh[k] + oddLow[k];
+            memcpy(sums.even + i, &evenLow[k], sizeof(Vector));
+            memcpy(sums.odd + i, &aboveEven, sizeof(Vector));
+            memcpy(sums.above + i + 1, &oddHigh[k], sizeof(Vector));
+        }
+    }
+};
+
+// A lane is split that many times at most, into 13 bits and 19 bits. So sums of these stay below 2^23, and what they
+// amount to, four columns at a time, stays below 2^64.
+constexpr uint64_t mostSplits = mostShortLimbs / (2 * pairsPerLane) + 1;
+static_assert((mostSplits + 1) << (bitsPerDigit - shortLimbBits) <= uint64_t{1} << 23, "sums of parts stay short");
+
+// octets = the number that the sums of so many columns make, the lowest octet first: four columns are 52 bits.
+template <class Vector>
+MP_INLINE void takeOctets(unsigned char octets[], const LimbSums& sums, size_t columns)
+{
+    using Wide = typename Widened<Vector>::Type;
+    uint64_t fours[LimbSums::most / 2];
+    for (size_t i = 0; i < columns / 2; i += sizeof(Vector) / sizeof(mpDigit))
+    {
+        Vector even;
+        Vector odd;
+        Vector above;
+        memcpy(&even, sums.even + i, sizeof(Vector));
+        memcpy(&odd, sums.odd + i, sizeof(Vector));
+        memcpy(&above, sums.above + i, sizeof(Vector));
+        const auto evens = reinterpret_cast<Wide>(even + above);
+        const auto odds = reinterpret_cast<Wide>(odd);
+        const Wide lowEvens = isBigEndian ? evens >> uint64_t{bitsPerDigit} : evens & uint64_t{allOnes};
+        const Wide highEvens = isBigEndian ? evens & uint64_t{allOnes} : evens >> uint64_t{bitsPerDigit};
+        const Wide lowOdds = isBigEndian ? odds >> uint64_t{bitsPerDigit} : odds & uint64_t{allOnes};
+        const Wide highOdds = isBigEndian ? odds & uint64_t{allOnes} : odds >> uint64_t{bitsPerDigit};
+        const Wide four = lowEvens + (lowOdds << uint64_t{shortLimbBits}) + (highEvens << uint64_t{2 * shortLimbBits}) +
+                          (highOdds << uint64_t{3 * shortLimbBits});
+        memcpy(fours + i / 2, &four, sizeof(four));
+    }
+    constexpr uint64_t bits = 4 * shortLimbBits;
+    constexpr uint64_t mask = (uint64_t{1} << bits) - 1;
+    uint64_t carry = 0;
+    for (size_t i = 0; i < columns / 4; i += 2, octets += octetsPerGroup)
+    {
+        const uint64_t low = fours[i] + carry;
+        const uint64_t high = fours[i + 1] + (low >> bits);
+        carry = high >> bits;
+        storeOctets(octets, (low & mask) | high << bits);
+        storeOctets(octets + sizeof(uint64_t), (high & mask) >> (64 - bits));
+    }
+}
+
+// a[0..n) = the number in octets, the lowest octet first.
+MP_INLINE void digitsFromLowOctets(mpDigit a[], size_t n, const unsigned char octets[])
+{
+    memcpy(a, octets, n * octetsPerDigit);
+    for (size_t i = 0; isBigEndian && i < n; i++)
+    {
+        a[i] = __builtin_bswap32(a[i]);
+    }
+}
+
+// w[0..un+vn) = u * v, neither longer than a block.
+template <class Pairs>
+MP_INLINE void multiplyShortLimbs(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+{
+    ShortLimbs uLimbs;
+    ShortLimbs vLimbs;
+    uLimbs.take<false>(u, un);
+    vLimbs.take<true>(v, vn);
+    LimbSums sums;
+    sums.above[0] = 0;
+    size_t columns = 0;
+    for (; columns < uLimbs.size + vLimbs.size; columns += LimbColumns<Pairs>::columns)
+    {
+        LimbColumns<Pairs> due;
+        due.clear();
+        due.add(uLimbs.limbs(), uLimbs.size, vLimbs.limbs(), vLimbs.size, columns);
+        due.split();
+        due.put(sums, columns);
+    }
+    unsigned char octets[LimbSums::most * 2 / limbsPerGroup * octetsPerGroup + sizeof(uint64_t)];
+    takeOctets<typename Pairs::Type>(octets, sums, columns);
+    digitsFromLowOctets(w, un + vn, octets);
+}
+
+// w[0..un+vn) = u * v.
+template <class Pairs>
+MP_INLINE void multiplyByShortLimbsWith(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+{
+    if (std::max(un, vn) <= longestForShortLimbs)
+    {
+        multiplyShortLimbs<Pairs>(w, u, un, v, vn);
+        return;
+    }
+    setZero(w, un + vn);
+    for (size_t i = 0; i < un; i += longestForShortLimbs)
+    {
+        const size_t in = std::min(un - i, longestForShortLimbs);
+        for (size_t j = 0; j < vn; j += longestForShortLimbs)
+        {
+            const size_t jn = std::min(vn - j, longestForShortLimbs);
+            mpDigit block[2 * longestForShortLimbs];
+            multiplyShortLimbs<Pairs>(block, u + i, in, v + j, jn);
+            // The sum of the blocks so far is not more than the product, so the carry ends within it.
+            mpDigit* above = w + i + j + in + jn;
+            for (mpDigit carry = add(w + i + j, w + i + j, block, in + jn); carry != 0; above++)
+            {
+                *above += carry;
+                carry = *above == 0 ? 1 : 0;
+            }
+        }
+    }
+}
+
+struct ShortLimbForms
+{
+    void (*multiply)(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn);
+    // From that many digits on, in both factors, it pays.
+    size_t shortest;
+};
+
+// The same for each kind of processor: MP_SHORT_LIMBS(the name's end, the pairs, where they pay, the attributes).
+// NOLINTBEGIN(bugprone-macro-parentheses)
+#define MP_SHORT_LIMBS(Name, Pairs, shortest, attributes)                                                              \
+    attributes void multiplyShortLimbsBy##Name(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[],           \
+                                               size_t vn)                                                              \
+    {                                                                                                                  \
+        multiplyByShortLimbsWith<Pairs>(w, u, un, v, vn);                                                              \
+    }                                                                                                                  \
+    constexpr ShortLimbForms shortLimbForms##Name = {multiplyShortLimbsBy##Name, shortest};
+// NOLINTEND(bugprone-macro-parentheses)
+
+MP_SHORT_LIMBS(128Bits, Pairs128Bits, 24, )
+
+#if MP_HAS_WIDE_PAIRS
+
+MP_SHORT_LIMBS(256Bits, Pairs256Bits, 24, __attribute__((target("avx2,bmi2"))))
+MP_SHORT_LIMBS(512Bits, Pairs512Bits, 16, __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2"))))
+MP_SHORT_LIMBS(Vnni, PairsVnni, 16, __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,avx512vnni,bmi2"))))
+
+#endif
+
 // A divisor v of n digits is multiplied by a number so that B^(n+2) is hardly more than the product. Then a quotient
 // digit can be read off: it is the highest digit of what is left of the dividend, multiplied by the same number (the
 // method is Svoboda's, 1963).
@@ -1183,12 +1670,32 @@ bool has512Bits()
            __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("bmi2");
 }
 
+[[maybe_unused]] bool hasVnni()
+{
+    return has512Bits() && __builtin_cpu_supports("avx512vnni");
+}
+
 bool has256Bits()
 {
     return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2");
 }
 
 #endif
+
+// For this processor; null where columns of digits are faster.
+const ShortLimbForms* shortLimbForms()
+{
+#if MP_HAS_WIDE_PAIRS
+    return hasVnni()      ? &shortLimbFormsVnni
+           : has512Bits() ? &shortLimbForms512Bits
+           : has256Bits() ? &shortLimbForms256Bits
+                          : &shortLimbForms128Bits;
+#elif defined(__x86_64__)
+    return &shortLimbForms128Bits;
+#else
+    return nullptr;
+#endif
+}
 
 // For this processor.
 const ColumnForms& columnForms()
@@ -1224,6 +1731,17 @@ ColumnForms columnForms()
     return {};
 }
 
+struct ShortLimbForms
+{
+    void multiply(mpDigit[], const mpDigit[], size_t, const mpDigit[], size_t) const {}
+    size_t shortest;
+};
+
+const ShortLimbForms* shortLimbForms()
+{
+    return nullptr;
+}
+
 #endif
 
 // w[0..2n) = u * v.
@@ -1232,7 +1750,12 @@ void multiply(mpDigit w[], const mpDigit u[], const mpDigit v[], size_t n)
     const size_t un = significantDigits(u, n);
     const size_t vn = significantDigits(v, n);
     const bool fits = std::max(un, vn) <= longestForColumns;
-    if (fits && un >= shortestForColumns)
+    const ShortLimbForms* pLimbs = shortLimbForms();
+    if (pLimbs != nullptr && std::min(un, vn) >= pLimbs->shortest)
+    {
+        pLimbs->multiply(w, u, un, v, vn);
+    }
+    else if (fits && un >= shortestForColumns)
     {
         columnForms().multiply(w, u, un, v, vn);
     }

@@ -94,10 +94,20 @@ bool isAlwaysThere()
     return true;
 }
 
+#if MP_HAS_COLUMNS
+// The wide forms made of what every processor has.
+const ColumnForms plainColumnForms256Bits = {multiplyByColumnsWith<Vector32>, scaleWith<Vector32>,
+                                             divideByColumnsWith<Vector32>};
+const ColumnForms plainColumnForms512Bits = {multiplyByColumnsWith<Vector64>, scaleWith<Vector64>,
+                                             divideByColumnsWith<Vector64>};
+#endif
+
 const Form forms[] = {
     {"Rows", isAlwaysThere, nullptr},
 #if MP_HAS_COLUMNS
     {"Columns128Bits", isAlwaysThere, []() -> const ColumnForms& { return columnForms128Bits; }},
+    {"PlainColumns256Bits", isAlwaysThere, []() -> const ColumnForms& { return plainColumnForms256Bits; }},
+    {"PlainColumns512Bits", isAlwaysThere, []() -> const ColumnForms& { return plainColumnForms512Bits; }},
 #if defined(__x86_64__)
     {"Columns256Bits", has256Bits, []() -> const ColumnForms& { return columnForms256Bits; }},
     {"Columns512Bits", has512Bits, []() -> const ColumnForms& { return columnForms512Bits; }},
@@ -325,6 +335,115 @@ INSTANTIATE_TEST_SUITE_P(Columns, EachKindOfColumns, testing::ValuesIn(std::begi
 
 #endif
 
+#if MP_HAS_COLUMNS
+
+// Products by limbs of 13 bits. The plain kinds do the same as those of the processors, with vectors that the compiler
+// makes of what there is, so that the ways of each width are tried everywhere.
+struct NamedShortLimbForm
+{
+    const char* name;
+    bool (*isThere)();
+    void (*multiply)(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn);
+};
+
+std::ostream& operator<<(std::ostream& stream, const NamedShortLimbForm& form)
+{
+    return stream << form.name;
+}
+
+const NamedShortLimbForm namedShortLimbForms[] = {
+    {"Plain128Bits", isAlwaysThere, multiplyByShortLimbsWith<PlainPairs<Vector16>>},
+    {"Plain256Bits", isAlwaysThere, multiplyByShortLimbsWith<PlainPairs<Vector32>>},
+    {"Plain512Bits", isAlwaysThere, multiplyByShortLimbsWith<PlainPairs<Vector64>>},
+    {"Pairs128Bits", isAlwaysThere, shortLimbForms128Bits.multiply},
+#if MP_HAS_WIDE_PAIRS
+    {"Pairs256Bits", has256Bits, shortLimbForms256Bits.multiply},
+    {"Pairs512Bits", has512Bits, shortLimbForms512Bits.multiply},
+    {"PairsVnni", hasVnni, shortLimbFormsVnni.multiply},
+#endif
+};
+
+class EachKindOfShortLimbs : public testing::TestWithParam<NamedShortLimbForm>
+{
+protected:
+    void SetUp() override
+    {
+        if (!GetParam().isThere())
+        {
+            GTEST_SKIP() << "this processor cannot do it";
+        }
+    }
+
+    static void check(const std::vector<mpDigit>& u, const std::vector<mpDigit>& v, size_t alignment)
+    {
+        Shifted factor(u, alignment);
+        Shifted other(v, alignment / 3);
+        Shifted product(std::vector<mpDigit>(u.size() + v.size(), 0xDEADBEEFU), alignment / 7);
+        GetParam().multiply(product.get(), factor.get(), u.size(), other.get(), v.size());
+        ASSERT_EQ(Natural(product.vector()), Natural(u) * Natural(v)) << u.size() << " by " << v.size();
+        ASSERT_EQ(factor.vector(), u);
+        ASSERT_EQ(other.vector(), v);
+    }
+};
+
+TEST_P(EachKindOfShortLimbs, MultipliesAtEveryLength)
+{
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    for (size_t n = 1; n <= 270 && !HasFailure(); n++)
+    {
+        check(random.number(n), random.number(n), n);
+        check(random.uniformNumber(n), random.number(random.below(270) + 1), n);
+        // The greatest sums.
+        check(std::vector<mpDigit>(n, allOnes), std::vector<mpDigit>(n, allOnes), n);
+        check(std::vector<mpDigit>(n, allOnes), std::vector<mpDigit>(random.below(270) + 1, allOnes), n);
+    }
+}
+
+TEST_P(EachKindOfShortLimbs, MultipliesEveryPairOfShortLengths)
+{
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    for (size_t un = 1; un <= 45 && !HasFailure(); un++)
+    {
+        for (size_t vn = 1; vn <= 45 && !HasFailure(); vn++)
+        {
+            check(random.uniformNumber(un), random.uniformNumber(vn), un);
+        }
+    }
+}
+
+TEST_P(EachKindOfShortLimbs, MultipliesAtLengthsAroundBlocks)
+{
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    for (const size_t un : {259U, 260U, 261U, 519U, 520U, 521U, 1000U})
+    {
+        for (const size_t vn : {1U, 40U, 260U, 261U, 521U, 800U})
+        {
+            check(random.number(un), random.number(vn), un);
+            check(std::vector<mpDigit>(un, allOnes), std::vector<mpDigit>(vn, allOnes), vn);
+        }
+    }
+}
+
+// Each pattern of bits moves a limb over another place of a group.
+TEST_P(EachKindOfShortLimbs, MultipliesPowersOfTwo)
+{
+    for (size_t bit = 0; bit < size_t{32} * 30 && !HasFailure(); bit++)
+    {
+        std::vector<mpDigit> u(30);
+        u[bit / 32] = mpDigit{1} << bit % 32;
+        check(u, std::vector<mpDigit>(30, allOnes), bit);
+        check(std::vector<mpDigit>(30, allOnes), u, bit);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Columns, EachKindOfShortLimbs, testing::ValuesIn(namedShortLimbForms),
+                         [](const auto& instance) { return std::string(instance.param.name); });
+
+#endif
+
 struct NamedSquareForm
 {
     const char* name;
@@ -431,6 +550,16 @@ TEST(Forms, AreTheFastestThatTheProcessorKnows)
     const bool has256 = processorHas({"avx2", "bmi2"});
     EXPECT_EQ(has512Bits(), has512);
     EXPECT_EQ(has256Bits(), has256);
+    const bool hasVnniToo = has512 && processorHas({"avx512_vnni"});
+    EXPECT_EQ(hasVnni(), hasVnniToo);
+#if MP_HAS_WIDE_PAIRS
+    EXPECT_EQ(shortLimbForms(), hasVnniToo ? &shortLimbFormsVnni
+                                : has512   ? &shortLimbForms512Bits
+                                : has256   ? &shortLimbForms256Bits
+                                           : &shortLimbForms128Bits);
+#else
+    EXPECT_EQ(shortLimbForms(), &shortLimbForms128Bits);
+#endif
     EXPECT_EQ(&columnForms(), has512 ? &columnForms512Bits : has256 ? &columnForms256Bits : &columnForms128Bits);
 #endif
 }
