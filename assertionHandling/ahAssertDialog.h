@@ -19,6 +19,8 @@
 
 #include "platform/osWrappers/osFilePath.h"
 
+#pragma GCC visibility push(default)
+
 class wxBoxSizer;
 class wxButton;
 class wxTextCtrl;
@@ -100,5 +102,7 @@ protected:
 
     wxDECLARE_EVENT_TABLE();
 };
+
+#pragma GCC visibility pop
 
 #endif

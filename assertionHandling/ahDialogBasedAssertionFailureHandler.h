@@ -24,6 +24,8 @@
 #include "platform/baseTools/gtPtrVector.h"
 #include "platform/osWrappers/osFilePath.h"
 
+#pragma GCC visibility push(default)
+
 class ahDialogBasedAssertionFailureHandler : public gtIAssertionFailureHandler
 {
 public:
@@ -83,5 +85,7 @@ protected:
     unsigned int _mainThreadId;
     gtPtrVector<ahSourceCodeLocation*> _ignoredSourceLocations;
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -7,6 +7,8 @@
 
 #include "platform/osWrappers/osFilePath.h"
 
+#pragma GCC visibility push(default)
+
 class ahSourceCodeLocation
 {
 public:
@@ -16,5 +18,7 @@ public:
     osFilePath _filePath;  // the source file, as the failed assertion named it
     int _lineNumber;       // the line in it, counted from 1; any number is kept as it is
 };
+
+#pragma GCC visibility pop
 
 #endif

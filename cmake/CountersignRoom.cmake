@@ -30,10 +30,15 @@ function(countersign_target target)
     endif()
 endfunction()
 
-# countersign_room(<room>): for a room's library, whose target is countersign_<room>: targets of projects that include
+# countersign_room(<room> [PLAIN_C] [PUBLIC_HEADERS <file>...]): for a room's library, whose target is countersign_<room>: targets of projects that include
 # this one may not collide. Everybody links its alias countersign::<room>, which is its name in the installed package, too.
 # The include roots are the repository's root and src/, in the build tree as in the installed one.
+#
+# The public headers are those that are installed, and that programs of others may include. Symbols are hidden; what other
+# libraries and programs call is declared between "#pragma GCC visibility push(default)" and pop. PLAIN_C: the library can
+# be used in projects that have no C++.
 function(countersign_room room)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "PLAIN_C" "" "PUBLIC_HEADERS")
     set(target countersign_${room})
     countersign_target(${target})
     target_include_directories(${target} PUBLIC
@@ -41,10 +46,24 @@ function(countersign_room room)
         $<BUILD_INTERFACE:${countersign_SOURCE_DIR}/src>
         $<BUILD_INTERFACE:${countersign_BINARY_DIR}/generated>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/countersign>)
-    target_compile_features(${target} PUBLIC cxx_std_17)
+    if(arg_PUBLIC_HEADERS)
+        set(headers ${arg_PUBLIC_HEADERS})
+        list(TRANSFORM headers PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
+        set(root "${countersign_SOURCE_DIR}")
+        if(CMAKE_CURRENT_SOURCE_DIR STREQUAL "${root}/src")
+            set(root "${root}/src")
+        endif()
+        target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS "${root}" FILES ${headers})
+    endif()
+    if(NOT arg_PLAIN_C)
+        target_compile_features(${target} PUBLIC cxx_std_17)
+    endif()
     add_library(countersign::${room} ALIAS ${target})
     # They share a folder with other people's once they are installed: libcrypto.a, for one, is taken.
     set_target_properties(${target} PROPERTIES
+        C_VISIBILITY_PRESET hidden
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
         EXPORT_NAME ${room}
         OUTPUT_NAME "countersign-${room}"
         VERSION ${countersign_VERSION}

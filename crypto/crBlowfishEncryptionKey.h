@@ -7,6 +7,8 @@
 #ifndef COUNTERSIGN_CRYPTO_CRBLOWFISHENCRYPTIONKEY_H
 #define COUNTERSIGN_CRYPTO_CRBLOWFISHENCRYPTIONKEY_H
 
+#pragma GCC visibility push(default)
+
 // libcrypto's BF_KEY, from <openssl/blowfish.h>.
 struct bf_key_st;
 
@@ -27,5 +29,7 @@ public:
 private:
     bf_key_st* _pKeyRecord;
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -7,6 +7,8 @@
 #ifndef COUNTERSIGN_CRYPTO_CRDIGITS_H
 #define COUNTERSIGN_CRYPTO_CRDIGITS_H
 
+#pragma GCC visibility push(default)
+
 class gtString;
 
 // Characters that a digit has as text.
@@ -54,5 +56,7 @@ private:
     int _amount;
     unsigned int* _pDigits;
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -24,6 +24,8 @@
 #ifndef COUNTERSIGN_CRYPTO_CRRSADIGITALSIGNER_H
 #define COUNTERSIGN_CRYPTO_CRRSADIGITALSIGNER_H
 
+#pragma GCC visibility push(default)
+
 class crRSAEncryptionKey;
 class gtString;
 class osFilePath;
@@ -74,5 +76,7 @@ private:
     unsigned int* _pDigestDigits;
     int _amountOfDigestDigits;
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -23,6 +23,8 @@
 #ifndef COUNTERSIGN_CRYPTO_CRRSAENCRYPTIONKEY_H
 #define COUNTERSIGN_CRYPTO_CRRSAENCRYPTIONKEY_H
 
+#pragma GCC visibility push(default)
+
 class gtString;
 
 class crRSAEncryptionKey
@@ -85,5 +87,7 @@ private:
     int _amountOfNumberBits;
     int _amountOfAllocatedDigits;  // of each array
 };
+
+#pragma GCC visibility pop
 
 #endif

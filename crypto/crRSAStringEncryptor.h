@@ -31,6 +31,8 @@
 
 #include <climits>
 
+#pragma GCC visibility push(default)
+
 class crRSAEncryptionKey;
 class gtString;
 
@@ -76,5 +78,7 @@ private:
 
     crRSAEncryptionKey const& _key;
 };
+
+#pragma GCC visibility pop
 
 #endif

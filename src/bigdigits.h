@@ -50,6 +50,9 @@
 #endif
 
 MP_BEGIN_C_LINKAGE
+#if defined(__GNUC__)
+#pragma GCC visibility push(default)
+#endif
 
 /* One digit of base 2^32. */
 typedef uint32_t mpDigit;
@@ -309,6 +312,9 @@ int32_t mpRabinMiller(const mpDigit w[], uint32_t ndigits, uint32_t t);
  * mpRabinMiller; with a t of 0 it is all taken for prime. */
 int32_t mpIsPrime(const mpDigit w[], uint32_t ndigits, uint32_t t);
 
+#if defined(__GNUC__)
+#pragma GCC visibility pop
+#endif
 MP_END_C_LINKAGE
 
 #endif

@@ -14,6 +14,8 @@
 #include "crypto/crRSAEncryptionKey.h"
 #include "platform/baseTools/gtString.h"
 
+#pragma GCC visibility push(default)
+
 enum class hoKeyFileProblem
 {
     None,
@@ -97,5 +99,7 @@ std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, ho
 
 // A number of the key as text, eight characters a digit, the highest digit first.
 gtString hoFixedWidthText(const unsigned int* pDigits, int amountOfDigits);
+
+#pragma GCC visibility pop
 
 #endif

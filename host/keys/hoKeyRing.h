@@ -11,6 +11,8 @@
 #include <memory>
 #include <string>
 
+#pragma GCC visibility push(default)
+
 struct hoLoadedKey
 {
     std::shared_ptr<const hoKey> _pKey;  // null: there is none
@@ -32,5 +34,7 @@ struct hoKeyRing
 // By which two keys are told apart by people: the first eight hexadecimal digits of the SHA-256 of the modulus's
 // fixed-width text. Both halves of a pair have the same.
 std::string hoShortFingerprint(const hoKey& key);
+
+#pragma GCC visibility pop
 
 #endif

@@ -12,6 +12,8 @@
 #include <string_view>
 #include <thread>
 
+#pragma GCC visibility push(default)
+
 constexpr int hoLeastNewKeyBits = 512;
 constexpr int hoUsualNewKeyBits = 2048;
 constexpr int hoMostNewKeyBits = 4096;
@@ -68,5 +70,7 @@ private:
     std::atomic<bool> _isFinished;
     std::thread _thread;  // the last member: it uses the others
 };
+
+#pragma GCC visibility pop
 
 #endif

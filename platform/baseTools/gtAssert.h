@@ -23,6 +23,8 @@
 #ifndef GT_ASSERT_H
 #define GT_ASSERT_H
 
+#pragma GCC visibility push(default)
+
 #define GT_ASSERT(...) GT_ASSERT_AT((__VA_ARGS__), #__VA_ARGS__, GT_ASSERT_FUNCTION, __FILE__, __LINE__)
 
 // text: a const char* that says more about this failure; null is none. It is evaluated only if the condition does not
@@ -74,5 +76,7 @@ extern "C"
 #if defined(__cplusplus)
 }
 #endif
+
+#pragma GCC visibility pop
 
 #endif

@@ -11,6 +11,8 @@
 
 #include "platform/baseTools/gtIAssertionFailureHandler.h"
 
+#pragma GCC visibility push(default)
+
 // From now on the handler hears of every failed assertion, after those that were registered before it. Null, or a
 // handler that is registered already, changes nothing. Throws std::bad_alloc, with nothing changed, without memory.
 void gtRegisterAssertionFailureHandler(gtIAssertionFailureHandler* pHandler);
@@ -40,5 +42,7 @@ constexpr int gtDeepestNestedAssertionFailure = 8;
 
 // How many handlers are registered at this moment.
 int gtAmountOfRegisteredAssertionFailureHandlers();
+
+#pragma GCC visibility pop
 
 #endif

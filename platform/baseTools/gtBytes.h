@@ -7,6 +7,8 @@
 
 #include <string>
 
+#pragma GCC visibility push(default)
+
 inline std::string hoToBytes(const gtString& text)
 {
     return std::string(text.asCharArray(), static_cast<std::size_t>(text.length()));
@@ -16,5 +18,7 @@ inline gtString hoToText(const std::string& bytes)
 {
     return gtString(bytes.data(), static_cast<int>(bytes.size()));
 }
+
+#pragma GCC visibility pop
 
 #endif

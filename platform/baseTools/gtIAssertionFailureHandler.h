@@ -4,6 +4,8 @@
 #ifndef GT_I_ASSERTION_FAILURE_HANDLER_H
 #define GT_I_ASSERTION_FAILURE_HANDLER_H
 
+#pragma GCC visibility push(default)
+
 class gtIAssertionFailureHandler
 {
 public:
@@ -17,5 +19,7 @@ public:
     // A handler must be unregistered before it is destroyed.
     virtual ~gtIAssertionFailureHandler();
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -15,6 +15,8 @@
 #include <utility>
 #include <vector>
 
+#pragma GCC visibility push(default)
+
 template <class T>
 class gtPtrVector
 {
@@ -73,5 +75,7 @@ public:
 private:
     std::vector<T> _elements;
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -20,6 +20,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 class gtString
 {
 public:
@@ -105,5 +107,7 @@ struct std::hash<gtString>
         return std::hash<std::string_view>()(text.asStringView());
     }
 };
+
+#pragma GCC visibility pop
 
 #endif

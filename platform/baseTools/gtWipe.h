@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+#pragma GCC visibility push(default)
+
 class gtString;
 
 // Overwrites the bytes with zeros in a way that the optimiser cannot drop. A null pointer is left alone.
@@ -13,5 +15,7 @@ void gtWipe(void* pBytes, std::size_t amountOfBytes);
 // Overwrites the characters of a text, and makes it empty. Memory that the text has given up before (by growing) is out
 // of reach: reserve what is needed before a secret goes in.
 void gtWipe(gtString& text);
+
+#pragma GCC visibility pop
 
 #endif

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 // Writes the bytes into a new file beside the wanted one, brings it to the disk and only then gives it its name: there
 // is never half a file under that name, and what was there before stays until the new one is whole. Whatever fails, the
 // new file is removed again. A symbolic link to a file is followed when overwriting.
@@ -19,5 +21,7 @@
 // the name with an empty file first. That last way is the only one on which others may see an empty file for a moment.
 // rights: the file's, whatever the umask is; 0: as the umask gives them. Nobody else can open the file before it has them.
 int osWriteFileAtomically(const std::string& path, std::string_view bytes, bool mayOverwrite, unsigned int rights = 0);
+
+#pragma GCC visibility pop
 
 #endif

@@ -3,6 +3,8 @@
 #ifndef OS_CHANNEL_H
 #define OS_CHANNEL_H
 
+#pragma GCC visibility push(default)
+
 class osChannel
 {
 public:
@@ -11,5 +13,7 @@ public:
         OS_BINARY_CHANNEL = 0  // as they are
     };
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -15,6 +15,8 @@
 #include "platform/osWrappers/osChannel.h"
 #include "platform/osWrappers/osFilePath.h"
 
+#pragma GCC visibility push(default)
+
 class osFile
 {
 public:
@@ -77,5 +79,7 @@ private:
     std::size_t _bufferedBegin = 0;    // what the buffer holds and the caller has not had yet
     std::size_t _bufferedEnd = 0;
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -11,6 +11,8 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default)
+
 enum class osFileProblem
 {
     None,
@@ -50,5 +52,7 @@ osFileProblem osReadFileFacts(const gtString& path, osFileFacts& facts);
 // named (what is written beside it belongs beside the link). The path as given when the folder cannot be resolved, when
 // there is no last component ("/", "a/", "..") and when it is empty.
 gtString osAbsolutePath(const gtString& path);
+
+#pragma GCC visibility pop
 
 #endif

@@ -23,6 +23,8 @@
 
 #include "platform/baseTools/gtString.h"
 
+#pragma GCC visibility push(default)
+
 class osFilePath
 {
 public:
@@ -58,5 +60,7 @@ public:
 private:
     gtString _fullPath;
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -5,6 +5,8 @@
 
 #include "platform/osWrappers/osFilePath.h"
 
+#pragma GCC visibility push(default)
+
 // The calling thread's id as the operating system and its debuggers tell it. No two threads that are running at the
 // same time share one. Any thread may call this.
 unsigned int osGetCurrentThreadId();
@@ -49,5 +51,7 @@ void osThrowBreakpointException();
 // system hands core files to. Programs that it starts leave none either until they raise their own limit. Any thread may
 // call this.
 void osWriteNoCoreFiles();
+
+#pragma GCC visibility pop
 
 #endif

@@ -8,6 +8,8 @@
 
 #include "platform/baseTools/gtString.h"
 
+#pragma GCC visibility push(default)
+
 class osTime
 {
 public:
@@ -46,5 +48,7 @@ public:
 private:
     long long _secondsSince1970 = 0;
 };
+
+#pragma GCC visibility pop
 
 #endif
