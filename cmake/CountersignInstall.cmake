@@ -5,116 +5,92 @@
 #
 # What is installed is in parts (cmake --install --component): countersign_cli, countersign_desktop, the shared libraries
 # that both need in countersign_libraries, what programmers link in countersign_development, and the manual with its
-# pictures in countersign_documentation.
+# pictures in countersign_documentation. A project that includes this one by add_subdirectory installs the libraries and
+# what programmers link with itself.
 include(CMakePackageConfigHelpers)
-include(CountersignDesktopFiles)
 
 set(countersignCMakeFolder "${CMAKE_INSTALL_LIBDIR}/cmake/countersign")
 set(countersignHeaders "${CMAKE_INSTALL_INCLUDEDIR}/countersign")
 
-# countersign_install_component(<component> <headers' folder under the root> <target>...)
+# countersign_export_run_path(<target>): in another project, a program that links the shared library finds it after the
+# installation, from the programs' folder as from the libraries'. CMake itself takes the folders that it knows out of what
+# it installs. An option, because these come before CMake's own run path, behind which an empty folder would be left over
+# at the beginning, which is the current one.
+function(countersign_export_run_path target)
+    if(PROJECT_IS_TOP_LEVEL OR CMAKE_SKIP_INSTALL_RPATH OR CMAKE_SKIP_RPATH)
+        return()
+    endif()
+    countersign_run_path(runPath "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+    list(TRANSFORM runPath PREPEND "-Wl,-rpath,")
+    list(JOIN runPath "\n" options)
+    # In a file that the compiler reads, because generators escape a dollar each in its own way.
+    set(file "${PROJECT_BINARY_DIR}/runPathOptions.txt")
+    file(CONFIGURE OUTPUT "${file}" CONTENT "@options@\n" @ONLY)
+    target_link_options(${target} INTERFACE "$<BUILD_INTERFACE:@${file}>")
+endfunction()
+
+# countersign_install_component(<component> <target>...)
 # One export set a component, so that a project that asks for one need not have what the others depend on.
-function(countersign_install_component component headers)
+function(countersign_install_component component)
     foreach(target IN LISTS ARGN)
         get_target_property(type ${target} TYPE)
         if(type STREQUAL "SHARED_LIBRARY")
             countersign_set_run_path(${target} "${CMAKE_INSTALL_FULL_LIBDIR}")
+            countersign_export_run_path(${target})
         endif()
     endforeach()
     install(TARGETS ${ARGN} EXPORT countersign-${component}
         LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT countersign_libraries
             NAMELINK_COMPONENT countersign_development
-        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT countersign_development)
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT countersign_development
+        FILE_SET HEADERS DESTINATION "${countersignHeaders}" COMPONENT countersign_development)
     install(EXPORT countersign-${component} NAMESPACE countersign::
         DESTINATION "${countersignCMakeFolder}" COMPONENT countersign_development)
-    if(headers STREQUAL "src")
-        set(destination "${countersignHeaders}")
-    else()
-        set(destination "${countersignHeaders}/${headers}")
-    endif()
-    install(DIRECTORY "${PROJECT_SOURCE_DIR}/${headers}/" DESTINATION "${destination}"
-        COMPONENT countersign_development FILES_MATCHING PATTERN "*.h")
 endfunction()
 
-# The parts that other projects can ask for.
-set(countersignComponents)
-if(TARGET countersign_platform)
-    countersign_install_component(platform platform countersign_platform countersign_KXBaseTools countersign_KXOSWrappers)
-    list(APPEND countersignComponents platform)
-endif()
-foreach(component IN ITEMS bigdigits crypto assertionHandling)
-    if(TARGET countersign_${component})
-        if(component STREQUAL "bigdigits")
-            countersign_install_component(${component} src countersign_${component})
-        elseif(component STREQUAL "assertionHandling")
-            countersign_install_component(${component} ${component}
-                countersign_${component} countersign_platformToolkit)
-        else()
-            countersign_install_component(${component} ${component} countersign_${component})
-        endif()
-        list(APPEND countersignComponents ${component})
+foreach(component IN LISTS countersignComponents)
+    if(component STREQUAL "platform")
+        countersign_install_component(platform countersign_platform countersign_KXBaseTools countersign_KXOSWrappers)
+    elseif(component STREQUAL "assertionHandling" AND NOT BUILD_SHARED_LIBS)
+        # The archive that it is linked with. The shared library has it inside.
+        countersign_install_component(assertionHandling countersign_assertionHandling countersign_platformToolkit)
+    else()
+        countersign_install_component(${component} countersign_${component})
     endif()
 endforeach()
+install(FILES "${PROJECT_BINARY_DIR}/generated/countersignVersion.h"
+    DESTINATION "${countersignHeaders}" COMPONENT countersign_development)
 
-foreach(program IN ITEMS desktop cli)
-    if(TARGET countersign_${program})
-        countersign_set_run_path(countersign_${program} "${CMAKE_INSTALL_FULL_BINDIR}")
-        install(TARGETS countersign_${program}
-            RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT countersign_${program})
-    endif()
-endforeach()
-
-# The notices of what is compiled into the command line.
-if(TARGET countersign_cli)
-    install(FILES "${PROJECT_SOURCE_DIR}/debian/copyright"
-        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT countersign_cli)
-endif()
-
-# What the desktop needs to know of the application.
-if(TARGET countersign_desktop)
-    set(desktop "${PROJECT_SOURCE_DIR}/desktop")
-    set(id org.countersign.Countersign)
-    install(FILES "${desktop}/${id}.desktop"
-        DESTINATION "${CMAKE_INSTALL_DATADIR}/applications" COMPONENT countersign_desktop)
-    install(FILES "${desktop}/${id}.metainfo.xml"
-        DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo" COMPONENT countersign_desktop)
-    install(FILES "${desktop}/icons/${id}.svg"
-        DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps" COMPONENT countersign_desktop)
-    foreach(size IN ITEMS 16 22 24 32 48 64 128 256)
-        install(FILES "${desktop}/icons/${size}.png" RENAME "${id}.png"
-            DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps" COMPONENT countersign_desktop)
-    endforeach()
-    countersign_install_desktop_files(countersign_desktop)
-    configure_file("${PROJECT_SOURCE_DIR}/docs/man/countersign-desktop.1.in"
-        "${PROJECT_BINARY_DIR}/man/countersign-desktop.1" @ONLY)
-    install(FILES "${PROJECT_BINARY_DIR}/man/countersign-desktop.1"
-        DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT countersign_desktop)
-    install(FILES "${PROJECT_SOURCE_DIR}/docs/manual.html"
-        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT countersign_documentation)
-    install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/images"
-        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT countersign_documentation)
-    # The bus starts the program by its whole path, which is known only when it is installed.
-    install(CODE "
-        set(services \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/dbus-1/services\")
-        file(WRITE \"\$ENV{DESTDIR}\${services}/${id}.service\"
-            \"[D-BUS Service]\\nName=${id}\\nExec=\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/countersign-desktop\\n\")
-        list(APPEND CMAKE_INSTALL_MANIFEST_FILES \"\${services}/${id}.service\")
-        message(STATUS \"Installing: \$ENV{DESTDIR}\${services}/${id}.service\")"
-        COMPONENT countersign_desktop)
-endif()
-
-configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/countersignConfig.cmake.in"
-    "${PROJECT_BINARY_DIR}/countersignConfig.cmake"
-    INSTALL_DESTINATION "${countersignCMakeFolder}")
+set(countersignAreShared ${BUILD_SHARED_LIBS})
+file(RELATIVE_PATH countersignLibrariesFromPackage "/${countersignCMakeFolder}" "/${CMAKE_INSTALL_LIBDIR}")
+configure_file("${CMAKE_CURRENT_LIST_DIR}/countersignConfig.cmake.in" "${PROJECT_BINARY_DIR}/countersignConfig.cmake" @ONLY)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/countersignConfigVersion.cmake"
     COMPATIBILITY SameMinorVersion)
 install(FILES
     "${PROJECT_BINARY_DIR}/countersignConfig.cmake"
     "${PROJECT_BINARY_DIR}/countersignConfigVersion.cmake"
+    "${CMAKE_CURRENT_LIST_DIR}/CountersignComponents.cmake"
     "${CMAKE_CURRENT_LIST_DIR}/CountersignToolkit.cmake"
     DESTINATION "${countersignCMakeFolder}" COMPONENT countersign_development)
 
-# The same for those who use pkg-config. The description's folders follow the file's own place.
+# The same for those who use pkg-config. The description's folders follow the file's own place. Archives need everything
+# that they stand on; shared libraries know it by themselves.
+if(BUILD_SHARED_LIBS)
+    set(countersignCryptoRequires "countersign-platform")
+    set(countersignKeysRequires "countersign-crypto")
+else()
+    set(countersignCryptoRequires "countersign-platform countersign-bigdigits libcrypto")
+    set(countersignKeysRequires "countersign-crypto libcrypto")
+    set(countersignToolkitArchive " -lcountersign-platformToolkit")
+endif()
+# Not where the loader looks by itself.
+if(NOT CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES
+    AND NOT CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_PLATFORM_IMPLICIT_LINK_DIRECTORIES)
+    set(countersignRunPath " -Wl,-rpath,\${libdir}")
+    if(BUILD_SHARED_LIBS)
+        set(countersignBigdigitsRunPath "${countersignRunPath}")
+    endif()
+endif()
 if(TARGET countersign::toolkit AND wxWidgets_CONFIG_EXECUTABLE)
     foreach(kind IN ITEMS cxxflags libs)
         execute_process(COMMAND "${wxWidgets_CONFIG_EXECUTABLE}" --${kind} core base

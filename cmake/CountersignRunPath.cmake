@@ -23,13 +23,14 @@ function(countersign_run_path variable folder libraryFolder)
     endif()
 endfunction()
 
-# countersign_set_run_path(<target> <folder that it is installed in>). The same run path in the build and after the
-# installation, so that the installed file is the one that was tested.
+# countersign_set_run_path(<target> <folder that it is installed in>). Our own build has the same run path before and after
+# the installation, so that the installed file is the one that was tested.
 function(countersign_set_run_path target folder)
     countersign_run_path(runPath "${folder}" "${CMAKE_INSTALL_FULL_LIBDIR}")
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "${runPath}")
-    # A packager who wants no run path (CMAKE_SKIP_INSTALL_RPATH) still gets programs that start in the build folder.
-    if(NOT CMAKE_SKIP_INSTALL_RPATH)
+    # A packager who wants no run path (CMAKE_SKIP_INSTALL_RPATH) still gets programs that start in the build folder. In
+    # other projects' builds the libraries need not lie side by side.
+    if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_SKIP_INSTALL_RPATH)
         set_target_properties(${target} PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
     endif()
 endfunction()

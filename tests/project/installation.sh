@@ -56,6 +56,37 @@ case $case in
             complain "the installed package points back into the sources"
         ;;
 
+    macRunPaths)
+        # What CMake writes for that system, whose loader has another word for a file's own folder. Nothing is compiled: the
+        # compiler's checks are answered beforehand.
+        forMac() {
+            cmake -G Ninja "$@" -DCMAKE_SYSTEM_NAME=Darwin -DCMAKE_SYSTEM_VERSION=22.0.0 \
+                -DCMAKE_C_COMPILER_WORKS=1 -DCMAKE_CXX_COMPILER_WORKS=1 -DCMAKE_HAVE_LIBC_PTHREAD=1 \
+                -DCMAKE_SHARED_LIBRARY_RUNTIME_CXX_FLAG=-Wl,-rpath, -DCMAKE_EXECUTABLE_RUNTIME_CXX_FLAG=-Wl,-rpath, \
+                -DCMAKE_INSTALL_NAME_TOOL="$(command -v true)" >"$here/log" 2>&1 || complain "$(cat "$here/log")"
+        }
+        # What the file that is linked by a build statement gets.
+        runPathsOf() {
+            sed -n "\\|^build $1:|,/^\$/p" "$2/build.ninja" | grep -oE -- '-rpath,[^ ]*' | sed 's/^-rpath,//' | tr '\n' ' '
+        }
+        forMac -S "$source" -B "$here/mac" -DCMAKE_INSTALL_LIBDIR=lib -DCOUNTERSIGN_WITH_TOOLKIT=OFF \
+            -DCOUNTERSIGN_BUILD_DESKTOP=OFF -DCOUNTERSIGN_BUILD_TESTS=OFF
+        found=$(runPathsOf bin/countersign "$here/mac")
+        [ "$found" = "@loader_path/../lib @loader_path " ] || complain "the program's run path: $found"
+        found=$(runPathsOf 'bin/libKXOSWrappers[.0-9]*dylib' "$here/mac")
+        [ "$found" = "@loader_path " ] || complain "the library's run path: $found"
+
+        # In another project the run path is put in by the script that installs.
+        forMac -S "$source/tests/consumers/subproject" -B "$here/sub" -DCMAKE_INSTALL_LIBDIR=lib \
+            -DCOUNTERSIGN_SOURCE="$source"
+        grep -qF -- '-add_rpath "@loader_path"' "$here/sub/countersign/cmake_install.cmake" ||
+            complain "the script that installs gives no run path: $(cat "$here/sub/countersign/cmake_install.cmake")"
+        printf -v expected -- '-Wl,-rpath,@loader_path/../lib\n-Wl,-rpath,@loader_path'
+        [ "$(cat "$here/sub/countersign/runPathOptions.txt")" = "$expected" ] || complain "what other programs get"
+        ! grep -rlF 'ORIGIN' "$here/mac" "$here/sub" --include=build.ninja --include=cmake_install.cmake \
+            --include=runPathOptions.txt || complain "the word of another system's loader"
+        ;;
+
     package)
         if ! command -v dpkg-shlibdeps >/dev/null || ! command -v file >/dev/null; then
             echo "skipped: making a package takes the packages dpkg-dev and file"

@@ -1,25 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// An outside program that has the sources as a subproject: prints the signature of an empty file under a key whose
-// exponent is 1, which is the digest's own layout.
+// An outside program that has the sources as a subproject: prints the digest of a file.
 #include <cstdio>
 
-#include "crypto/crRSADigitalSigner.h"
-#include "crypto/crRSAEncryptionKey.h"
-#include "platform/baseTools/gtString.h"
-#include "platform/osWrappers/osFilePath.h"
+#include "digests.h"
 
 int main(int argc, char** argv)
 {
-    crRSAEncryptionKey key;
-    if (argc != 2 || !key.setKeyFromStringAndFermatPrime(128, gtString("ffffffffffffffffffffffffffffffff"), 1))
-    {
-        return 1;
-    }
-    gtString signature;
-    if (!crRSADigitalSigner(key).getSignature(osFilePath(gtString(argv[1])), signature))
-    {
-        return 1;
-    }
-    std::printf("%s\n", signature.asCharArray());
-    return 0;
+    const std::string digest = (argc == 2) ? digestOf(argv[1]) : std::string();
+    std::printf("%s\n", digest.c_str());
+    return digest.empty() ? 1 : 0;
 }
