@@ -756,7 +756,17 @@ pwd
     sigfillset(&mask);
     ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &mask, &maskBefore), 0);
     const mode_t umaskBefore = ::umask(0027);
+    // The tests themselves may have been started with /dev/null.
+    const int keptInput = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 100);
+    const int input = ::open(nameOf("gedit").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::dup2(input, STDIN_FILENO), STDIN_FILENO);
+    if (input != STDIN_FILENO)
+    {
+        ::close(input);
+    }
     open("/f", 3);
+    ASSERT_TRUE((keptInput < 0) ? ::close(STDIN_FILENO) == 0 : ::dup2(keptInput, STDIN_FILENO) == STDIN_FILENO);
+    ::close(keptInput);
     ::umask(umaskBefore);
     ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr), 0);
     for (std::size_t i = 0; i < ignored.size(); ++i)
