@@ -38,6 +38,14 @@ expectProgramsFindLibraries() {
 }
 
 case $case in
+    options)
+        # README tells of every option, and of none that is not there.
+        inSources=$(sed -nE 's/^(option|set)\((COUNTERSIGN_[A-Z_]+) .*/\2/p' "$source/CMakeLists.txt" | sort)
+        inReadme=$(sed -nE 's/^\| `(COUNTERSIGN_[A-Z_]+)` .*/\1/p' "$source/README.md" | sort)
+        [ -n "$inSources" ] || complain "no options were found"
+        [ "$inSources" = "$inReadme" ] || complain "$(diff <(echo "$inSources") <(echo "$inReadme"))"
+        ;;
+
     buildTree)
         expectProgramsFindLibraries "$build/bin" "$build/bin"
         ;;
