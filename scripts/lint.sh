@@ -98,7 +98,8 @@ for file in "${files[@]}"; do
     case $file in
         *.cpp | *.h | *.c) sources+=("$file") ;;
         *.[1-9] | *.[1-9].in) manualPages+=("$file") ;;
-        *.desktop) entries+=("$file") ;;
+        # File managers' actions have the ending, too.
+        *.desktop) grep -qE '^Type=(Action|Service)$' "$file" || entries+=("$file") ;;
         *.metainfo.xml) metainfo+=("$file") ;;
         *.sh | */completion/*) scripts+=("$file") ;;
         *) [[ $(head -c 64 "$file" | head -n 1 | tr -d '\0') =~ ^#!.*[/\ ](ba|da)?sh ]] && scripts+=("$file") ;;
