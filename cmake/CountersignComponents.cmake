@@ -3,13 +3,14 @@
 include("${CMAKE_CURRENT_LIST_DIR}/CountersignToolkit.cmake")
 
 # Each comes after those that it needs.
-set(countersignAllComponents platform bigdigits crypto keys assertionHandling)
+set(countersignAllComponents platform bigdigits crypto keys assertionHandling assertionReporting)
 
 # countersign_component_needs(<variable> <component>): the components below it.
 function(countersign_component_needs variable component)
     set(needs_crypto platform bigdigits)
     set(needs_keys platform bigdigits crypto)
     set(needs_assertionHandling platform)
+    set(needs_assertionReporting platform assertionHandling)
     set(${variable} ${needs_${component}} PARENT_SCOPE)
 endfunction()
 
@@ -26,7 +27,7 @@ function(countersign_find_dependencies variable component)
         if(NOT OpenSSL_FOUND)
             set(${variable} "OpenSSL 3 (libcrypto) was not found" PARENT_SCOPE)
         endif()
-    elseif(component STREQUAL "assertionHandling")
+    elseif(component MATCHES "^assertion(Handling|Reporting)$")
         countersign_find_toolkit(missing)
         set(${variable} "${missing}" PARENT_SCOPE)
     endif()
@@ -41,7 +42,7 @@ function(countersign_choose_components variable)
     if(NOT asked)
         set(asked ${countersignAllComponents})
         if(NOT COUNTERSIGN_WITH_TOOLKIT)
-            list(REMOVE_ITEM asked assertionHandling)
+            list(REMOVE_ITEM asked assertionHandling assertionReporting)
         endif()
         if(NOT PROJECT_IS_TOP_LEVEL)
             set(mayBeLeftOut TRUE)

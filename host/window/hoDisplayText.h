@@ -9,22 +9,24 @@
 #define COUNTERSIGN_HO_DISPLAY_TEXT_H
 
 #include "platform/baseTools/gtString.h"
+#include "platform/toolkit/gtDisplayText.h"
 
 #include <wx/string.h>
 
 #include <cstddef>
 #include <cstdint>
 
-constexpr std::size_t hoMostCharactersShown = 300;
+constexpr std::size_t hoMostCharactersShown = gtMostCharactersShown;
 
-// The bytes as one harmless line: control characters as their pictures (a line feed as U+240A), invisible characters
-// that change the direction or take no room as U+FFFD, everything else as it is. A text longer than mostCharacters (at
-// least 3) loses its middle: it keeps that length with U+2026 in the gap, and most of what is kept is its beginning.
-// Not empty unless bytes is; not reversible.
-wxString hoDisplayText(const gtString& bytes, std::size_t mostCharacters = hoMostCharactersShown);
-
-// The same of a text that is one already.
-wxString hoHarmlessText(const wxString& text, std::size_t mostCharacters = hoMostCharactersShown);
+// The bytes, or a text that is one already, as one harmless line: see gtDisplayText.
+inline wxString hoDisplayText(const gtString& bytes, std::size_t mostCharacters = hoMostCharactersShown)
+{
+    return gtDisplayText(bytes, mostCharacters);
+}
+inline wxString hoHarmlessText(const wxString& text, std::size_t mostCharacters = hoMostCharactersShown)
+{
+    return gtHarmlessText(text, mostCharacters);
+}
 
 // A size with three figures ("0 bytes", "1 byte", "999 bytes", "1.23 kB", "18.4 EB"; 1 kB is 1000 bytes), and the exact
 // one with its digits in groups ("12,345,678 bytes").
@@ -32,7 +34,10 @@ wxString hoSizeText(std::uint64_t bytes);
 wxString hoExactSizeText(std::uint64_t bytes);
 
 // A number with its digits in groups of three: "12,345".
-wxString hoNumberText(std::uint64_t number);
+inline wxString hoNumberText(std::uint64_t number)
+{
+    return gtNumberText(number);
+}
 
 // Seconds since 1970 as local time, in a shape that sorts: "2026-11-21 01:43" or, exact, "2026-11-21 01:43:07". A time
 // that the calendar does not hold gives "?".

@@ -96,12 +96,35 @@ case $case in
         expect "the program's output" $'000000036362610164646464\n1 handler' "$("$moved/bin/signerWithAssertions")"
         expectCleanRunPath "$moved/bin/signerWithAssertions"
         ;;
+    assertionKit)
+        make assertionKit
+        expected="OnExceptionInMainLoop: Unhandled exception of type std::runtime_error: from a handler
+OnExit: Assertion failure (1 + 1 == 3): a check
+OnExit: Assertion failure (1 + 1 == 3): the toolkit's check"
+        expect "the program's output" "$expected" \
+            "$("$source/scripts/with-display.sh" "$moved/bin/windowWithAssertions" 2>"$here/errors")"
+        [ "$(grep -c ' - Assertion failure: ' "$here/errors")" = 3 ] || complain "$(cat "$here/errors")"
+        PKG_CONFIG_PATH=$(dirname "$(find "$installed" -name countersign-assertionReporting.pc)")
+        export PKG_CONFIG_PATH
+        # shellcheck disable=SC2046
+        c++ -std=c++17 "$consumers/assertionKit/main.cpp" -o "$here/byPkgConfig" \
+            $(pkg-config --cflags --libs countersign-assertionReporting)
+        expect "the program's output" "$expected" \
+            "$("$source/scripts/with-display.sh" "$here/byPkgConfig" 2>"$here/errors")"
+        ;;
     headers)
         # What may be included is a promise: a header that comes or goes is noticed here.
         expected=$(sort <<'END'
 assertionHandling/ahAssertDialog.h
 assertionHandling/ahDialogBasedAssertionFailureHandler.h
 assertionHandling/ahSourceCodeLocation.h
+assertionReporting/arAssertionKit.h
+assertionReporting/arAssertionReport.h
+assertionReporting/arAssertionReportText.h
+assertionReporting/arAssertionReportWindow.h
+assertionReporting/arInteractiveAssertionFailureHandler.h
+assertionReporting/arStackTrace.h
+assertionReporting/arToolkitBridge.h
 bigdigits.h
 countersignVersion.h
 crypto/crBlowfishEncryptionKey.h

@@ -32,21 +32,23 @@ ROOMS = {
     "platform/osWrappers": (["platform/baseTools"], []),
     "platform/toolkit": (PLATFORM, ["wx", "gtk"]),
     "assertionHandling": (PLATFORM + ["platform/toolkit"], ["wx"]),
+    "assertionReporting": (["assertionHandling", "platform/toolkit"] + PLATFORM, ["wx"]),
     "crypto": (["src"] + PLATFORM, ["openssl"]),
     "app": (["assertionHandling", "platform/toolkit"] + PLATFORM, ["wx"]),
     "host/keys": (["crypto"] + PLATFORM, ["openssl"]),
     "host/signing": (["host/keys", "crypto", "src"] + PLATFORM, []),
     "host/documents": (["host/signing"] + PLATFORM, []),
     "host/messages": (["host/keys", "host/signing", "host/documents"] + PLATFORM, []),
-    "host/assertions": (["assertionHandling", "platform/toolkit"] + PLATFORM, ["wx"]),
+    "host/assertions": (["assertionReporting", "assertionHandling", "platform/toolkit"] + PLATFORM, ["wx"]),
     "host/desktop": (PLATFORM, ["glib", "x11"]),
     "host/window": (
-        ENGINES + ["host/assertions", "host/desktop", "crypto", "assertionHandling", "platform/toolkit"] + PLATFORM,
+        ENGINES
+        + ["host/assertions", "host/desktop", "crypto", "assertionReporting", "assertionHandling", "platform/toolkit"] + PLATFORM,
         ["wx", "gtk"],
     ),
     "host": (
         ENGINES
-        + ["host/assertions", "host/desktop", "host/window", "app", "assertionHandling", "platform/toolkit"]
+        + ["host/assertions", "host/desktop", "host/window", "app", "assertionReporting", "assertionHandling", "platform/toolkit"]
         + PLATFORM,
         ["wx"],
     ),

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+// Text and numbers as windows show them.
+//
+// A name can hold anything but NUL: line breaks, terminal commands, marks that turn the direction of what follows, bytes
+// that are no text at all. Whatever of that reaches a window goes through here, so that one row stays one row and nobody
+// can make a name look like another by invisible characters. Pure functions of their arguments and the locale; safe from
+// any thread.
+#ifndef GT_DISPLAY_TEXT_H
+#define GT_DISPLAY_TEXT_H
+
+#include "platform/baseTools/gtString.h"
+
+#include <wx/string.h>
+
+#include <cstddef>
+#include <cstdint>
+
+constexpr std::size_t gtMostCharactersShown = 300;
+
+// The bytes as one harmless line: control characters as their pictures (a line feed as U+240A), invisible characters
+// that change the direction or take no room as U+FFFD, everything else as it is. A text longer than mostCharacters (at
+// least 3) loses its middle: it keeps that length with U+2026 in the gap, and most of what is kept is its beginning.
+// Not empty unless bytes is; not reversible.
+wxString gtDisplayText(const gtString& bytes, std::size_t mostCharacters = gtMostCharactersShown);
+
+// The same of a text that is one already.
+wxString gtHarmlessText(const wxString& text, std::size_t mostCharacters = gtMostCharactersShown);
+
+// A number with its digits in groups of three: "12,345".
+wxString gtNumberText(std::uint64_t number);
+
+#endif
