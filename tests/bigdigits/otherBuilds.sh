@@ -10,7 +10,8 @@ repository=$1
 compiler=$2
 folder=$(mktemp -d) || exit 1
 trap 'rm -rf "$folder"' EXIT
-sources=("$repository/tests/bigdigits/digest.cpp" "$repository/src/bigdigits.cpp")
+digest=$repository/tests/bigdigits/digest.cpp
+module=$repository/src/bigdigits.cpp
 
 # build NAME COMMAND...: sets "result" to what the program prints.
 build() {
@@ -22,12 +23,20 @@ build() {
         echo "left out, its compiler or library is not installed here: $name"
         return 1
     fi
-    "$@" -std=c++17 -I"$repository/src" "${sources[@]}" -o "$folder/program" || { echo "FAILED to build: $name"; exit 1; }
+    # What prints is compiled once for each compiler and word size.
+    local word=() option object
+    for option; do
+        [ "$option" != -m32 ] || word=(-m32)
+    done
+    object=$folder/digest-${1##*/}${word[*]}.o
+    { [ -f "$object" ] || "$1" "${word[@]}" -O1 -std=c++17 -I"$repository/src" -c "$digest" -o "$object"; } &&
+        "$@" -std=c++17 -I"$repository/src" "$object" "$module" -o "$folder/program" ||
+        { echo "FAILED to build: $name"; exit 1; }
     result=$("$folder/program") || { echo "FAILED to run: $name"; exit 1; }
     echo "$result $name"
 }
 
-build "rows only, optimised" "$compiler" -O2 -DMP_WITHOUT_COLUMNS || exit 1
+build "rows only, optimised" "$compiler" -O1 -DMP_WITHOUT_COLUMNS || exit 1
 expected=$result
 
 failures=0
@@ -35,15 +44,15 @@ compare() {
     build "$@" || return 0
     [ "$result" = "$expected" ] || { echo "FAILED: differs: $1"; failures=$((failures + 1)); }
 }
-compare "optimised" "$compiler" -O3
+compare "optimised" "$compiler" -O2
 compare "not optimised" "$compiler" -O0
-compare "for this processor" "$compiler" -O3 -march=native
+compare "for this processor" "$compiler" -O2 -march=native
 compare "signed overflow trapped, unsigned char" "$compiler" -O1 -ftrapv -funsigned-char
 compare "32 bits" "$compiler" -O2 -m32
-compare "32 bits, x87 arithmetic" "$compiler" -O2 -m32 -march=i686 -mfpmath=387
+compare "32 bits, x87 arithmetic" "$compiler" -O1 -m32 -march=i686 -mfpmath=387
 compare "32 bits, not optimised" "$compiler" -O0 -m32
-compare "clang" clang++ -O3
+compare "clang" clang++ -O2
 compare "clang, not optimised" clang++ -O0
 compare "clang, for this processor" clang++ -O2 -march=native
-compare "clang, 32 bits" clang++ -O2 -m32
+compare "clang, 32 bits" clang++ -O1 -m32
 exit "$((failures > 0))"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The program is asked to end at any moment of its work, again and again.
 //
-// COUNTERSIGN_SHUTDOWNS: how often (default 300). The moments are random; COUNTERSIGN_SEED repeats them.
+// COUNTERSIGN_SHUTDOWNS: how often (default 120; scripts/soak.sh: 1000). The moments are random; COUNTERSIGN_SEED repeats them.
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -37,7 +37,7 @@ TEST(Interrupts, LeaveAWholeSignatureOrNoneAtAnyMoment)
     const TemporaryFolder folder;
     makeKeys(folder, 512);
     folder.write("report", "");
-    ASSERT_EQ(truncate((folder / "report").c_str(), 40L * 1000 * 1000), 0);
+    ASSERT_EQ(truncate((folder / "report").c_str(), 16L * 1000 * 1000), 0);
     tsCommand sign;
     sign._folder = folder.path();
     sign._arguments = {COUNTERSIGN_PROGRAM, "sign", "-k", "private.pem", "report"};
@@ -62,7 +62,7 @@ TEST(Interrupts, LeaveAWholeSignatureOrNoneAtAnyMoment)
     std::mt19937 random(static_cast<std::mt19937::result_type>(seed));
     // Somewhat longer, so that the end is among the moments.
     std::uniform_int_distribution<long> moments(0, longest.count() * 5 / 4);
-    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 300);
+    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 120);
     unsigned long interrupted = 0;
     for (unsigned long number = 0; (number < amount) && !HasFailure(); number++)
     {

@@ -2,7 +2,7 @@
 // Hours of use in minutes: files that change are signed and tested, by the command line and in the real window; assertion
 // dialogs come and are answered; documents and windows are opened and closed. Nothing may grow by it or be lost.
 //
-// scripts/soak.sh runs it for long. COUNTERSIGN_SOAK_SECONDS: how long (default 6); COUNTERSIGN_SOAK_WORK: one kind of
+// scripts/soak.sh runs it for long. COUNTERSIGN_SOAK_SECONDS: how long (default 3); COUNTERSIGN_SOAK_WORK: one kind of
 // work alone, by its name below, to find out where something grows.
 #include "skJudgement.h"
 
@@ -45,7 +45,7 @@ constexpr int mostMoments = 400;
 double secondsToRun()
 {
     const char* const pText = std::getenv("COUNTERSIGN_SOAK_SECONDS");
-    return pText == nullptr ? 6 : std::atof(pText);
+    return pText == nullptr ? 3 : std::atof(pText);
 }
 
 // What is written to standard error meanwhile is nobody's concern: every failed assertion writes a line.

@@ -68,8 +68,8 @@ protected:
                        unsigned long seed) const
     {
         std::mt19937 random(static_cast<std::mt19937::result_type>(seed));
-        std::uniform_int_distribution<long> moments(0, 4000);
-        const std::vector<hoDocument> documents = documentsIn(folder, 3000000);
+        std::uniform_int_distribution<long> moments(0, 1500);
+        const std::vector<hoDocument> documents = documentsIn(folder, 1000000);
         std::size_t finished = 0;
         for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
         {

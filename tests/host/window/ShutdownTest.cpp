@@ -2,7 +2,7 @@
 // The end in the middle of work: the window goes while its worker signs or tests, and the program is asked to end by a
 // signal, again and again. No half signature and no temporary file is left behind, and nothing crashes or hangs.
 //
-// COUNTERSIGN_SHUTDOWNS: how often (default: 60 windows, 30 programs by signals, 20 by the loss of their display). The
+// COUNTERSIGN_SHUTDOWNS: how often (default: 24 windows, 12 programs by signals, 8 by the loss of their display; scripts/soak.sh: 1000). The
 // moments are random; COUNTERSIGN_SEED repeats them.
 #include "tests/host/MainFrameFixture.h"
 #include "tests/host/NewKey.h"
@@ -145,7 +145,7 @@ TEST_F(Shutdown, OfTheWindowWhileItWorks)
     }
     hoKeyRing keys;
     keys._private._pKey = _pKey;
-    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 60);
+    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 24);
     unsigned long inTheMiddle = 0;
     for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
     {
@@ -187,7 +187,7 @@ TEST_F(Shutdown, OfTheWindowWhileItWorks)
 TEST_F(Shutdown, OfTheProgramBySignalsWhileItWorks)
 {
     SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(seed()));
-    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 30);
+    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 12);
     int signatures = 0;
     for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
     {
@@ -233,7 +233,7 @@ TEST_F(Shutdown, OfTheProgramWhileItShowsItsProgress)
 TEST_F(Shutdown, OfTheDisplayWhileTheProgramWorks)
 {
     SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(seed()));
-    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 20);
+    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 8);
     for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
     {
         const std::chrono::microseconds moment = randomMoment(60000);
