@@ -24,6 +24,8 @@ if [ "${1:-}" = --work ]; then
 fi
 steps=("$@")
 [ "${#steps[@]}" -gt 0 ] || steps=(build lint compare test)
+# The small system of the last step.
+system=$work/system
 version=$(sed -nE '1s/^countersign \(([^)]*)\) .*/\1/p' "$root/debian/changelog")
 
 # need PROGRAM PACKAGE
@@ -83,8 +85,15 @@ mirror() {
         awk -v release="$1" '$1 == release { print $2; exit }'
 }
 
+leaveSystem() {
+    local folder
+    for folder in "$system/proc" "$system/dev"; do
+        ! mountpoint -q "$folder" || umount "$folder"
+    done
+}
+
 testInstalled() {
-    local system=$work/system release address
+    local release address status
     need autopkgtest autopkgtest
     need debootstrap debootstrap
     [ "$(id -u)" -eq 0 ] || fail "making a small system: it takes root"
@@ -97,13 +106,14 @@ testInstalled() {
         cp -r /etc/apt/apt.conf.d/. "$system/etc/apt/apt.conf.d/"
         step "refreshing its package lists" chroot "$system" apt-get update
     fi
-    trap 'umount "$system/proc" "$system/dev" 2>/dev/null' EXIT
+    trap leaveSystem EXIT
     mount --bind /proc "$system/proc" || fail "giving the system /proc"
     mount --bind /dev "$system/dev" || fail "giving the system /dev"
     say "running debian/tests in $system"
     rm -rf "$work/tests"
     autopkgtest --output-dir "$work/tests" "$work"/packages/*.deb "$work"/packages/*.dsc -- chroot "$system"
-    local status=$?
+    status=$?
+    leaveSystem
     [ "$status" -eq 0 ] || fail "running debian/tests (status $status)"
     say "debian/tests pass on $release"
 }
