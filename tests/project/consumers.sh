@@ -112,6 +112,29 @@ OnExit: Assertion failure (1 + 1 == 3): the toolkit's check"
         expect "the program's output" "$expected" \
             "$("$source/scripts/with-display.sh" "$here/byPkgConfig" 2>"$here/errors")"
         ;;
+    examples)
+        cmake -S "$source/examples" -B "$here/examples" -G Ninja -DCMAKE_PREFIX_PATH="$installed" >"$here/log" 2>&1 ||
+            complain "$(cat "$here/log")"
+        cmake --build "$here/examples" -j 2 >"$here/log" 2>&1 || complain "$(cat "$here/log")"
+        # expectInReadme COMMAND OUTPUT: README shows the command with this output.
+        expectInReadme() {
+            [[ $(cat "$source/README.md") == *"$ $1"$'\n'"$2"$'\n'* ]] ||
+                complain "README shows no '$1' with this output: $2"
+        }
+        openssl genrsa -out "$here/key.pem" 1024 2>"$here/log" || complain "$(cat "$here/log")"
+        chmod 600 "$here/key.pem"
+        expectInReadme "build-examples/powers" "$("$here/examples/powers")"
+        expectInReadme "build-examples/signFile private.pem report.txt" \
+            "$("$here/examples/signFile" "$here/key.pem" "$here/empty")"
+        expectInReadme "build-examples/assertionWindow 2>/dev/null" "$("$source/scripts/with-display.sh" \
+            "$source/tests/project/pressAndDecide.sh" "$here/examples/assertionWindow" 2>"$here/errors")"
+        [ "$(grep -c ' - Assertion failure: ' "$here/errors")" = 2 ] || complain "$(cat "$here/errors")"
+        status=0
+        said=$("$here/examples/testsWithAssertions" --gtest_brief=1) || status=$?
+        [ "$status" = 1 ] || complain "the tests' status is $status: $said"
+        said=$(sed -nE 's|^.*/(testsWithAssertions.cpp:[0-9]+: Failure)|\1|p; /^Assertion failure/p; /^.  PASSED/p' <<<"$said")
+        expectInReadme "build-examples/testsWithAssertions --gtest_brief=1" "$said"
+        ;;
     headers)
         # What may be included is a promise: a header that comes or goes is noticed here.
         expected=$(sort <<'END'
