@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <type_traits>
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -1042,18 +1043,27 @@ MP_INLINE uint64_t spreadLimbs(uint64_t value)
 // A number in short limbs, in room of its own.
 struct ShortLimbs
 {
-    uint16_t room[limbMargin + mostShortLimbs + limbMargin];
+    uint16_t room[limbMargin + mostShortLimbs + limbsPerGroup + limbMargin];
     // Without the zeros that fill up a group.
     size_t size;
 
     MP_INLINE const uint16_t* limbs() const { return room + limbMargin; }
 
-    // Takes a[0..n). With swapped pairs, limb i stands where i ^ 1 would.
+    MP_INLINE void clearBelow() { memset(room, 0, limbMargin * sizeof(uint16_t)); }
+
+    // Limbs from "first" on become zero, to the end of the margin behind "end".
+    MP_INLINE void clear(size_t first, size_t end)
+    {
+        memset(room + limbMargin + first, 0, (end - first + limbMargin) * sizeof(uint16_t));
+    }
+
+    // Takes a[0..n) as limbs from "first" on, filled up to whole groups; returns where these end. With swapped pairs,
+    // limb i stands where i ^ 1 would.
     template <bool isSwapped>
-    MP_INLINE void take(const mpDigit a[], size_t n)
+    MP_INLINE size_t put(size_t first, const mpDigit a[], size_t n)
     {
         constexpr uint64_t everyOther = 0x0000FFFF0000FFFFU;
-        unsigned char octets[longestForShortLimbs * octetsPerDigit + sizeof(uint64_t) + octetsPerGroup];
+        unsigned char octets[(longestForShortLimbs + 1) * octetsPerDigit + sizeof(uint64_t) + octetsPerGroup];
         for (size_t i = 0; isBigEndian && i < n; i++)
         {
             const mpDigit digit = __builtin_bswap32(a[i]);
@@ -1064,16 +1074,14 @@ struct ShortLimbs
             memcpy(octets, a, n * octetsPerDigit);
         }
         memset(octets + n * octetsPerDigit, 0, sizeof(uint64_t) + octetsPerGroup);
-        size = (n * bitsPerDigit + shortLimbBits - 1) / shortLimbBits;
-        memset(room, 0, limbMargin * sizeof(uint16_t));
-        uint16_t* to = room + limbMargin;
+        const size_t end = first + (n * bitsPerDigit + shortLimbBits - 1) / shortLimbBits;
         const unsigned char* from = octets;
-        for (size_t i = 0; i < size; i += limbsPerGroup, to += limbsPerGroup, from += octetsPerGroup)
+        size_t i = first;
+        for (; i < end; i += limbsPerGroup, from += octetsPerGroup)
         {
             for (size_t half = 0; half < 2; half++)
             {
-                const uint64_t word = half == 0 ? loadOctets(from) : loadOctets(from + 6) >> 4;
-                uint64_t four = spreadLimbs(word);
+                uint64_t four = spreadLimbs(half == 0 ? loadOctets(from) : loadOctets(from + 6) >> 4);
                 if (isSwapped != isBigEndian)
                 {
                     four = (four >> 16 & everyOther) | (four & everyOther) << 16;
@@ -1082,10 +1090,20 @@ struct ShortLimbs
                 {
                     four = four >> 32 | four << 32;
                 }
-                memcpy(to + 4 * half, &four, sizeof(four));
+                memcpy(room + limbMargin + i + 4 * half, &four, sizeof(four));
             }
         }
-        memset(to, 0, limbMargin * sizeof(uint16_t));
+        return i;
+    }
+
+    // Takes a[0..n) and nothing else.
+    template <bool isSwapped>
+    MP_INLINE void take(const mpDigit a[], size_t n)
+    {
+        clearBelow();
+        size = (n * bitsPerDigit + shortLimbBits - 1) / shortLimbBits;
+        const size_t end = put<isSwapped>(0, a, n);
+        clear(end, end);
     }
 };
 
@@ -1214,13 +1232,14 @@ struct LimbSums
     mpDigit above[most];
 };
 
-// The columns that are summed up at once: Blocks times the columns of two vectors, which hold the even and the odd ones.
-template <class Pairs>
+// The columns that are summed up at once, at most wanted: some blocks of the columns of two vectors, which hold the even
+// and the odd ones.
+template <class Pairs, size_t wanted = mostColumnsAtOnce>
 struct LimbColumns
 {
     using Vector = typename Pairs::Type;
     static constexpr size_t lanes = sizeof(Vector) / sizeof(mpDigit);
-    static constexpr size_t blocks = std::min<size_t>(4, mostColumnsAtOnce / (2 * lanes));
+    static constexpr size_t blocks = std::min<size_t>(4, wanted / (2 * lanes));
     static constexpr size_t columns = blocks * 2 * lanes;
 
     // What of the sums belongs to the limb of the column, and what is above it.
@@ -1353,9 +1372,10 @@ struct LimbColumns
 constexpr uint64_t mostSplits = mostShortLimbs / (2 * pairsPerLane) + 1;
 static_assert((mostSplits + 1) << (bitsPerDigit - shortLimbBits) <= uint64_t{1} << 23, "sums of parts stay short");
 
-// octets = the number that the sums of so many columns make, the lowest octet first: four columns are 52 bits.
+// octets = the number that the sums of so many columns make, the lowest octet first: four columns are 52 bits. Returns
+// what is carried to the column above these.
 template <class Vector>
-MP_INLINE void takeOctets(unsigned char octets[], const LimbSums& sums, size_t columns)
+MP_INLINE uint64_t takeOctets(unsigned char octets[], const LimbSums& sums, size_t columns)
 {
     using Wide = typename Widened<Vector>::Type;
     uint64_t fours[LimbSums::most / 2];
@@ -1388,6 +1408,7 @@ MP_INLINE void takeOctets(unsigned char octets[], const LimbSums& sums, size_t c
         storeOctets(octets, (low & mask) | high << bits);
         storeOctets(octets + sizeof(uint64_t), (high & mask) >> (64 - bits));
     }
+    return carry + sums.above[columns / 2];
 }
 
 // a[0..n) = the number in octets, the lowest octet first.
@@ -1400,9 +1421,9 @@ MP_INLINE void digitsFromLowOctets(mpDigit a[], size_t n, const unsigned char oc
     }
 }
 
-// w[0..un+vn) = u * v, neither longer than a block.
+// w[0..wn) = u * v modulo B^wn, neither factor longer than a block. wn is at most un + vn.
 template <class Pairs>
-MP_INLINE void multiplyShortLimbs(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
+MP_INLINE void multiplyShortLimbs(mpDigit w[], size_t wn, const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
 {
     ShortLimbs uLimbs;
     ShortLimbs vLimbs;
@@ -1411,7 +1432,7 @@ MP_INLINE void multiplyShortLimbs(mpDigit w[], const mpDigit u[], size_t un, con
     LimbSums sums;
     sums.above[0] = 0;
     size_t columns = 0;
-    for (; columns < uLimbs.size + vLimbs.size; columns += LimbColumns<Pairs>::columns)
+    for (; columns * shortLimbBits < wn * bitsPerDigit; columns += LimbColumns<Pairs>::columns)
     {
         LimbColumns<Pairs> due;
         due.clear();
@@ -1421,7 +1442,7 @@ MP_INLINE void multiplyShortLimbs(mpDigit w[], const mpDigit u[], size_t un, con
     }
     unsigned char octets[LimbSums::most * 2 / limbsPerGroup * octetsPerGroup + sizeof(uint64_t)];
     takeOctets<typename Pairs::Type>(octets, sums, columns);
-    digitsFromLowOctets(w, un + vn, octets);
+    digitsFromLowOctets(w, wn, octets);
 }
 
 // w[0..un+vn) = u * v.
@@ -1430,7 +1451,7 @@ MP_INLINE void multiplyByShortLimbsWith(mpDigit w[], const mpDigit u[], size_t u
 {
     if (std::max(un, vn) <= longestForShortLimbs)
     {
-        multiplyShortLimbs<Pairs>(w, u, un, v, vn);
+        multiplyShortLimbs<Pairs>(w, un + vn, u, un, v, vn);
         return;
     }
     setZero(w, un + vn);
@@ -1441,7 +1462,7 @@ MP_INLINE void multiplyByShortLimbsWith(mpDigit w[], const mpDigit u[], size_t u
         {
             const size_t jn = std::min(vn - j, longestForShortLimbs);
             mpDigit block[2 * longestForShortLimbs];
-            multiplyShortLimbs<Pairs>(block, u + i, in, v + j, jn);
+            multiplyShortLimbs<Pairs>(block, in + jn, u + i, in, v + j, jn);
             // The sum of the blocks so far is not more than the product, so the carry ends within it.
             mpDigit* above = w + i + j + in + jn;
             for (mpDigit carry = add(w + i + j, w + i + j, block, in + jn); carry != 0; above++)
@@ -1452,34 +1473,6 @@ MP_INLINE void multiplyByShortLimbsWith(mpDigit w[], const mpDigit u[], size_t u
         }
     }
 }
-
-struct ShortLimbForms
-{
-    void (*multiply)(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn);
-    // From that many digits on, in both factors, it pays.
-    size_t shortest;
-};
-
-// The same for each kind of processor: MP_SHORT_LIMBS(the name's end, the pairs, where they pay, the attributes).
-// NOLINTBEGIN(bugprone-macro-parentheses)
-#define MP_SHORT_LIMBS(Name, Pairs, shortest, attributes)                                                              \
-    attributes void multiplyShortLimbsBy##Name(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[],           \
-                                               size_t vn)                                                              \
-    {                                                                                                                  \
-        multiplyByShortLimbsWith<Pairs>(w, u, un, v, vn);                                                              \
-    }                                                                                                                  \
-    constexpr ShortLimbForms shortLimbForms##Name = {multiplyShortLimbsBy##Name, shortest};
-// NOLINTEND(bugprone-macro-parentheses)
-
-MP_SHORT_LIMBS(128Bits, Pairs128Bits, 24, )
-
-#if MP_HAS_WIDE_PAIRS
-
-MP_SHORT_LIMBS(256Bits, Pairs256Bits, 24, __attribute__((target("avx2,bmi2"))))
-MP_SHORT_LIMBS(512Bits, Pairs512Bits, 16, __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2"))))
-MP_SHORT_LIMBS(Vnni, PairsVnni, 16, __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,avx512vnni,bmi2"))))
-
-#endif
 
 // A divisor v of n digits is multiplied by a number so that B^(n+2) is hardly more than the product. Then a quotient
 // digit can be read off: it is the highest digit of what is left of the dividend, multiplied by the same number (the
@@ -1544,14 +1537,120 @@ MP_INLINE bool scaleWith(Scaling& scaling, mpDigit complement[], size_t leftOut,
     return isEnough;
 }
 
+// A block of the quotient has that many digits, which are whole limbs, so that the quotient is cut into limbs block by
+// block.
+constexpr size_t quotientDigitsPerBlock = 13;
+constexpr size_t limbsPerBlockOfQuotient = 32;
+static_assert(quotientDigitsPerBlock * bitsPerDigit == limbsPerBlockOfQuotient * shortLimbBits,
+              "a block has whole limbs");
+
+// What is due to the next columns for the known digits of a quotient, by limbs of 13 bits.
+//
+// With j the first unknown digit of the quotient q and w the complement of n digits, these are columns j + n - 13 to
+// j + n - 1. The lowest digit of the block that j begins is j - 12, so the columns are n - 1 digits above it; hence w is
+// shifted so that its digit n - 1 begins with a limb. Limbs of the last block of q come first; limbs that are not known
+// yet are zero.
+//
+// Limbs lie across digits, so products of limbs in the columns wanted are not the products of digits in these columns:
+// some were counted when the columns above were summed up, and some of those were not. That concerns the digits of the
+// block before alone, for which products of digits were counted, since it is limbs for all digits before. So the
+// products of limbs of that block that count a column above are added, and its products of digits that were counted are
+// subtracted; both modulo B^2, for the difference is short.
+template <class Pairs>
+class DueByShortLimbs
+{
+public:
+    // w[0..wn) are the digits of the complement, of which the top one is its digit n - 1. The quotient has qn digits.
+    // None has more than a block.
+    MP_INLINE DueByShortLimbs(const mpDigit w[], size_t wn, size_t qn)
+        : _belowTop(((wn - 1) * bitsPerDigit + shortLimbBits - 1) / shortLimbBits),
+          _end((qn + quotientDigitsPerBlock - 1) / quotientDigitsPerBlock * limbsPerBlockOfQuotient),
+          _known(_end)
+    {
+        mpDigit shifted[longestForShortLimbs + 1];
+        const size_t bits = _belowTop * shortLimbBits - (wn - 1) * bitsPerDigit;
+        shifted[wn] = shiftLeftBits(shifted, w, static_cast<uint32_t>(bits), wn);
+        _complement.take<false>(shifted, wn + 1);
+        _quotient.clearBelow();
+        _quotient.clear(0, _end);
+    }
+
+    // digits[0..13) = the columns, lowest first. Returns what is carried to the column above these, modulo 2^64; it is
+    // negative when what the columns below would carry is missed. counted is the sum of the products of digits of the
+    // block before that count column j + n or j + n + 1, modulo B^2.
+    MP_INLINE uint64_t next(mpDigit digits[quotientDigitsPerBlock], uint64_t counted)
+    {
+        if (_known == _end)
+        {
+            return 0;
+        }
+        unsigned char octets[limbsPerBlockOfQuotient / limbsPerGroup * octetsPerGroup + sizeof(uint64_t)];
+        sum(octets, _known, limbsPerBlockOfQuotient, _belowTop);
+        const uint64_t countedHere = loadOctets(octets);
+        const uint64_t carry = sum(octets, 0, _end, _belowTop + _known - limbsPerBlockOfQuotient);
+        digitsFromLowOctets(digits, quotientDigitsPerBlock, octets);
+        return carry + countedHere - counted;
+    }
+
+    // The next 13 digits of the quotient are known: q[0..13).
+    MP_INLINE void take(const mpDigit q[])
+    {
+        _known -= limbsPerBlockOfQuotient;
+        _quotient.template put<true>(_known, q, quotientDigitsPerBlock);
+    }
+
+private:
+    // octets = 32 columns from "first" on of the product of the complement and so many limbs of the quotient. Returns
+    // what is carried. The limbs are whole blocks, so that no block of columns takes limbs beside them.
+    MP_INLINE uint64_t sum(unsigned char octets[], size_t begin, size_t count, size_t first) const
+    {
+        LimbColumns<Pairs, limbsPerBlockOfQuotient> columns;
+        columns.clear();
+        columns.add(_complement.limbs(), _complement.size, _quotient.limbs() + begin, count, first);
+        columns.split();
+        LimbSums sums;
+        sums.above[0] = 0;
+        columns.put(sums, 0);
+        return takeOctets<typename Pairs::Type>(octets, sums, limbsPerBlockOfQuotient);
+    }
+
+    // Limbs of the complement below its top digit, and limbs of the quotient: all, and from where on they are known.
+    size_t _belowTop;
+    size_t _end;
+    size_t _known;
+    ShortLimbs _complement;
+    ShortLimbs _quotient;
+};
+
+// Instead of pairs of limbs, where columns of digits are used.
+struct NoPairs
+{
+};
+
+template <>
+class DueByShortLimbs<NoPairs>
+{
+public:
+    DueByShortLimbs(const mpDigit[], size_t, size_t) {}
+    uint64_t next(mpDigit[], uint64_t) { return 0; }
+    void take(const mpDigit[]) {}
+};
+
 // Does what divideByRows does, for m < n. Of the multiplied dividend only two digits are known at any time; the others
 // get what is due to them when they come into reach, column by column, and without what columns below would carry to
 // them. So a quotient digit may be one too small, which is seen at the end or, when the next digit does not fit in a
 // digit, at once: then the result is false, and r is untouched.
-template <class Vector>
-MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
-                                   const Scaling& scaling)
+//
+// Pairs and ProductPairs say how limbs are multiplied, one to find the quotient and one to take its product with v.
+template <class Vector, class Pairs, class ProductPairs>
+MP_INLINE bool divideFromTheTop(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
+                                const Scaling& scaling)
 {
+    constexpr bool isByLimbs = !std::is_same<Pairs, NoPairs>::value;
+    constexpr bool isProductByLimbs = !std::is_same<ProductPairs, NoPairs>::value;
+    constexpr size_t step = isByLimbs ? quotientDigitsPerBlock : columnCount;
+    DueByShortLimbs<Pairs> dueByLimbs(scaling.complement, n - scaling.leftOut, m + 1);
+    uint64_t counted = 0;
     const Slices u(r, n + m);
     const Slices w(scaling.complement, n - scaling.leftOut);
     const mpDigit wTop = w.highEnd[columnCount - 1];
@@ -1568,9 +1667,27 @@ MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const 
         const size_t first = j + n - columnCount;
         Columns due = {};
         addColumns<Vector>(due, u, scaling.factor, 0, 3, first);
-        addColumns<Vector>(due, w, q, j + 1, m + 1, first - scaling.leftOut);
+        if (isByLimbs)
+        {
+            mpDigit digits[quotientDigitsPerBlock] = {};
+            const uint64_t above = dueByLimbs.next(digits, counted);
+            if (above >> 63 != 0)
+            {
+                return false;
+            }
+            for (size_t k = 0; k < quotientDigitsPerBlock; k++)
+            {
+                const size_t i = columnCount - quotientDigitsPerBlock + k;
+                due.low[i % 2][i / 2] += digits[k];
+            }
+            due.high[(columnCount - 1) % 2][(columnCount - 1) / 2] += above;
+        }
+        else
+        {
+            addColumns<Vector>(due, w, q, j + 1, m + 1, first - scaling.leftOut);
+        }
         Lanes<Vector> dueSince = {};
-        for (size_t i = columnCount; i > 0 && j > 0; j--)
+        for (size_t i = columnCount; i > columnCount - step && j > 0; j--)
         {
             i--;
             const auto qhat = static_cast<mpDigit>(window >> bitsPerDigit);
@@ -1587,14 +1704,30 @@ MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const 
                 return false;
             }
         }
+        if (isByLimbs && j > 0)
+        {
+            dueByLimbs.take(q + j + 1);
+            constexpr size_t i = columnCount - step;
+            Columns sums = {};
+            addLane(sums, dueSince, i);
+            addLane(sums, dueSince, i + 1);
+            counted = sums.low[i % 2][i / 2] + (sums.high[i % 2][i / 2] << bitsPerDigit) +
+                      (sums.low[(i + 1) % 2][(i + 1) / 2] << bitsPerDigit);
+        }
     }
     q[0] = static_cast<mpDigit>(window >> bitsPerDigit);
 
     // r -= q * v, in the n digits of a remainder.
+    mpDigit borrow = 0;
+    if constexpr (isProductByLimbs)
+    {
+        mpDigit digits[longestForShortLimbs];
+        multiplyShortLimbs<ProductPairs>(digits, n, v, n, q, m + 1);
+        subtract(r, r, digits, n);
+    }
     const Slices slices(v, n);
     uint64_t carry = 0;
-    mpDigit borrow = 0;
-    for (size_t first = 0; first < n; first += columnCount)
+    for (size_t first = isProductByLimbs ? n : 0; first < n; first += columnCount)
     {
         Columns sums = {};
         addColumns<Vector>(sums, slices, q, 0, endOfRows(first, m + 1), first);
@@ -1627,6 +1760,80 @@ MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const 
     }
     return true;
 }
+
+template <class Vector>
+MP_INLINE bool divideByColumnsWith(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
+                                   const Scaling& scaling)
+{
+    return divideFromTheTop<Vector, NoPairs, NoPairs>(q, r, top, v, n, m, scaling);
+}
+
+// n is at most longestForShortLimbs.
+template <class Vector, class Pairs>
+MP_INLINE bool divideByShortLimbsWith(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
+                                      const Scaling& scaling)
+{
+    return divideFromTheTop<Vector, Pairs, Pairs>(q, r, top, v, n, m, scaling);
+}
+
+// The same, but the digits of the quotient are found by columns of digits.
+template <class Vector, class Pairs>
+MP_INLINE bool divideByBothWith(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
+                                const Scaling& scaling)
+{
+    return divideFromTheTop<Vector, NoPairs, Pairs>(q, r, top, v, n, m, scaling);
+}
+
+using QuotientForm = bool (*)(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
+                              const Scaling& scaling);
+
+struct ShortLimbForms
+{
+    void (*multiply)(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn);
+    // For divisors of at most longestForShortLimbs digits: by limbs, and by both limbs and columns of digits.
+    QuotientForm divide;
+    QuotientForm divideByBoth;
+    // From that many digits on they pay: of both factors; of the divisor and of the quotient.
+    size_t shortest;
+    size_t shortestToDivide;
+    size_t shortestToDivideByBoth;
+};
+
+// The same for each kind of processor: MP_SHORT_LIMBS(the name's end, the vector, the pairs for quotients, the pairs for
+// products, the attributes, from where on they pay).
+// NOLINTBEGIN(bugprone-macro-parentheses)
+#define MP_SHORT_LIMBS(Name, Vector, Pairs, ProductPairs, attributes, ...)                                             \
+    attributes void multiplyShortLimbsBy##Name(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[],           \
+                                               size_t vn)                                                              \
+    {                                                                                                                  \
+        multiplyByShortLimbsWith<ProductPairs>(w, u, un, v, vn);                                                       \
+    }                                                                                                                  \
+    attributes bool divideShortLimbsBy##Name(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n,       \
+                                             size_t m, const Scaling& scaling)                                         \
+    {                                                                                                                  \
+        return divideByShortLimbsWith<Vector, Pairs>(q, r, top, v, n, m, scaling);                                     \
+    }                                                                                                                  \
+    attributes bool divideBothBy##Name(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,   \
+                                       const Scaling& scaling)                                                         \
+    {                                                                                                                  \
+        return divideByBothWith<Vector, Pairs>(q, r, top, v, n, m, scaling);                                           \
+    }                                                                                                                  \
+    constexpr ShortLimbForms shortLimbForms##Name = {multiplyShortLimbsBy##Name, divideShortLimbsBy##Name,             \
+                                                     divideBothBy##Name, __VA_ARGS__};
+// NOLINTEND(bugprone-macro-parentheses)
+
+MP_SHORT_LIMBS(128Bits, Vector16, Pairs128Bits, Pairs128Bits, , 24, 56, 20)
+
+#if MP_HAS_WIDE_PAIRS
+
+MP_SHORT_LIMBS(256Bits, Vector32, Pairs256Bits, Pairs256Bits, __attribute__((target("avx2,bmi2"))), 24, 192, 72)
+MP_SHORT_LIMBS(512Bits, Vector64, Pairs512Bits, Pairs512Bits,
+               __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2"))), 16, 192, 40)
+// Sums that wait for each other make this instruction slower than two others in a division.
+MP_SHORT_LIMBS(Vnni, Vector64, Pairs512Bits, PairsVnni,
+               __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,avx512vnni,bmi2"))), 16, 192, 40)
+
+#endif
 
 // The same for each width of the registers: MP_COLUMNS(the name's end, the vector, the functions' attributes).
 // Attributes cannot stand in parentheses. NOLINTBEGIN(bugprone-macro-parentheses)
@@ -1719,11 +1926,13 @@ struct Scaling
 {
 };
 
+constexpr size_t longestForShortLimbs = 0;
+
 struct ColumnForms
 {
     void multiply(mpDigit[], const mpDigit[], size_t, const mpDigit[], size_t) const {}
     bool scale(Scaling&, mpDigit[], size_t, const mpDigit[], size_t) const { return false; }
-    bool divide(mpDigit[], mpDigit[], mpDigit, const mpDigit[], size_t, size_t, const Scaling&) const { return false; }
+    static bool divide(mpDigit[], mpDigit[], mpDigit, const mpDigit[], size_t, size_t, const Scaling&) { return false; }
 };
 
 ColumnForms columnForms()
@@ -1731,10 +1940,17 @@ ColumnForms columnForms()
     return {};
 }
 
+using QuotientForm = bool (*)(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
+                              const Scaling& scaling);
+
 struct ShortLimbForms
 {
     void multiply(mpDigit[], const mpDigit[], size_t, const mpDigit[], size_t) const {}
+    QuotientForm divide;
+    QuotientForm divideByBoth;
     size_t shortest;
+    size_t shortestToDivide;
+    size_t shortestToDivideByBoth;
 };
 
 const ShortLimbForms* shortLimbForms()
@@ -1802,6 +2018,22 @@ void scale(Divisor& divisor, mpDigit room[], mpDigit shortRoom[shortestForLeavin
     }
 }
 
+// For a scaled divisor of n digits and a quotient of so many.
+QuotientForm quotientForm(size_t n, size_t quotientDigits)
+{
+    const ShortLimbForms* pLimbs = shortLimbForms();
+    const size_t shorter = std::min(n, quotientDigits);
+    if (pLimbs != nullptr && n <= longestForShortLimbs && shorter >= pLimbs->shortestToDivide)
+    {
+        return pLimbs->divide;
+    }
+    if (pLimbs != nullptr && n <= longestForShortLimbs && shorter >= pLimbs->shortestToDivideByBoth)
+    {
+        return pLimbs->divideByBoth;
+    }
+    return columnForms().divide;
+}
+
 // q[0..udigits-n] and r[0..udigits) = (top, r) / divisor, for a divisor of n <= udigits digits. (top, r) is the dividend,
 // shifted as the divisor is.
 void divideBy(const Divisor& divisor, mpDigit q[], mpDigit top, mpDigit r[], size_t udigits)
@@ -1821,7 +2053,7 @@ void divideBy(const Divisor& divisor, mpDigit q[], mpDigit top, mpDigit r[], siz
         const size_t part = std::min(count, n);
         count -= part;
         if (!divisor.isScaled || part < fewestDigitsForColumns ||
-            !columnForms().divide(q + count, r + count, top, v, n, part - 1, divisor.scaling))
+            !quotientForm(n, part)(q + count, r + count, top, v, n, part - 1, divisor.scaling))
         {
             divideByRows(q + count, r + count, top, v, n, part - 1);
         }

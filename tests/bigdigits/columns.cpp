@@ -57,6 +57,9 @@ struct Form
     bool (*isThere)();
     // Null for rows.
     const ColumnForms& (*columns)();
+    // Null where divisions do not go by short limbs.
+    bool (*divideByLimbs)(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
+                          const Scaling& scaling) = nullptr;
 
     size_t shortest() const { return columns == nullptr ? 2 : shortestForColumns; }
     void multiply(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn) const
@@ -79,8 +82,12 @@ struct Form
         const size_t leftOut = isLeavingOut && n >= shortestForLeavingOut ? 1 : 0;
         std::vector<mpDigit> complement(n - leftOut);
         Scaling scaling = {};
-        return columns().scale(scaling, complement.data(), leftOut, v, n) &&
-               columns().divide(q, r, top, v, n, m, scaling);
+        if (!columns().scale(scaling, complement.data(), leftOut, v, n))
+        {
+            return false;
+        }
+        const bool isByLimbs = divideByLimbs != nullptr && n <= longestForShortLimbs;
+        return isByLimbs ? divideByLimbs(q, r, top, v, n, m, scaling) : columns().divide(q, r, top, v, n, m, scaling);
     }
 };
 
@@ -113,6 +120,21 @@ const Form forms[] = {
     {"Columns512Bits", has512Bits, []() -> const ColumnForms& { return columnForms512Bits; }},
 #endif
     {"ColumnsForThisProcessor", isAlwaysThere, columnForms},
+    {"PlainLimbs128Bits", isAlwaysThere, columnForms, divideByShortLimbsWith<Vector16, PlainPairs<Vector16>>},
+    {"PlainLimbs256Bits", isAlwaysThere, columnForms, divideByShortLimbsWith<Vector32, PlainPairs<Vector32>>},
+    {"PlainLimbs512Bits", isAlwaysThere, columnForms, divideByShortLimbsWith<Vector64, PlainPairs<Vector64>>},
+    {"PlainBoth256Bits", isAlwaysThere, columnForms, divideByBothWith<Vector32, PlainPairs<Vector32>>},
+    {"PlainBoth512Bits", isAlwaysThere, columnForms, divideByBothWith<Vector64, PlainPairs<Vector64>>},
+    {"Limbs128Bits", isAlwaysThere, columnForms, shortLimbForms128Bits.divide},
+    {"Both128Bits", isAlwaysThere, columnForms, shortLimbForms128Bits.divideByBoth},
+#if MP_HAS_WIDE_PAIRS
+    {"Limbs256Bits", has256Bits, columnForms, shortLimbForms256Bits.divide},
+    {"Both256Bits", has256Bits, columnForms, shortLimbForms256Bits.divideByBoth},
+    {"Limbs512Bits", has512Bits, columnForms, shortLimbForms512Bits.divide},
+    {"Both512Bits", has512Bits, columnForms, shortLimbForms512Bits.divideByBoth},
+    {"LimbsVnni", hasVnni, columnForms, shortLimbFormsVnni.divide},
+    {"BothVnni", hasVnni, columnForms, shortLimbFormsVnni.divideByBoth},
+#endif
 #endif
 };
 
