@@ -64,7 +64,11 @@ lint() {
 
 compare() {
     local other=$work/another-folder-with-a-longer-name difference=0 file
-    unpackSources "$other"
+    # From the same source package: the working tree may have changed meanwhile.
+    rm -rf "$other"
+    mkdir -p "$other" || fail "making the folder $other"
+    step "unpacking the source package" env -C "$other" \
+        dpkg-source --extract "$work/packages/countersign_$version.dsc" "countersign-$version"
     # Without tests, which are in no package, and without a compiler cache, which would hand out what the first build made.
     step "building the packages again" env -C "$other/countersign-$version" LC_ALL=C.UTF-8 LANGUAGE=fr TZ=Asia/Tokyo \
         HOME="$other" CCACHE_DISABLE=1 DEB_BUILD_PROFILES=nocheck DEB_BUILD_OPTIONS='nocheck parallel=1' \
