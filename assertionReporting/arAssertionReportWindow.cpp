@@ -3,7 +3,7 @@
 
 #include "assertionReporting/arAssertionReportText.h"
 #include "assertionReporting/arStackTrace.h"
-#include "platform/baseTools/gtBytes.h"
+#include "platform/baseTools/gtString.h"
 #include "platform/osWrappers/osAtomicFile.h"
 #include "platform/osWrappers/osProcess.h"
 #include "platform/toolkit/gtDisplayText.h"
