@@ -4,6 +4,8 @@
 
 // The cipher is marked as deprecated in libcrypto 3; here it is wanted.
 #define OPENSSL_SUPPRESS_DEPRECATED
+// The headers may not bring bodies of what is defined here.
+#undef _FORTIFY_SOURCE
 
 #include <algorithm>
 #include <cerrno>
