@@ -70,10 +70,6 @@ public:
     // A virtual operation of the toolkit's on macOS; elsewhere the host's desktop integration calls it.
     void MacOpenFile(const wxString& fileName) APPLICATION_SHELL_MAC_OVERRIDE;
 
-    // The process-wide handler, which stays the application's: null before OnInit, after OnExit, and when there was no
-    // memory for it. For a host that puts another handler in its place for a while.
-    ahDialogBasedAssertionFailureHandler* assertionFailureHandler() const { return _pAssertionFailureHandler; }
-
 protected:
     MainFrame* _pMainFrame;
     ahDialogBasedAssertionFailureHandler* _pAssertionFailureHandler;

@@ -13,7 +13,6 @@
 #include "cli/clProgressLine.h"
 #include "cli/clStandardStreams.h"
 #include "cli/clTerminal.h"
-#include "platform/baseTools/gtBytes.h"
 #include "platform/baseTools/gtWipe.h"
 
 namespace
@@ -29,7 +28,7 @@ std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
     const std::string name = clPrintableName(arguments._keyPath);
     clTerminalPassphrase passphrase(name);
     hoKeyFileFacts facts;
-    std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(hoToText(arguments._keyPath), &passphrase, facts);
+    std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(gtString(arguments._keyPath), &passphrase, facts);
     if (pKey == nullptr)
     {
         clComplain(clKeyMessage(name, facts, passphrase.isWithoutTerminal()));
@@ -93,8 +92,8 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
 {
     const std::string name = clPrintableName(file);
     const bool isForOutput = arguments._hasOutput && (arguments._outputPath == standardStream);
-    const gtString path = arguments._hasOutput ? hoToText(arguments._outputPath) : hoSignaturePath(hoToText(file));
-    const std::string signatureName = clPrintableName(hoToBytes(path));
+    const gtString path = arguments._hasOutput ? gtString(arguments._outputPath) : hoSignaturePath(gtString(file));
+    const std::string signatureName = clPrintableName(path.asStdString());
     hoSignatureFileFacts fileFacts;
     if (!isForOutput)
     {
@@ -109,7 +108,7 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
     hoSigningFacts facts;
     {
         clProgressLine progress = progressFor(name);
-        facts = hoSignFile(hoToText(file), key, &progress, signature);
+        facts = hoSignFile(gtString(file), key, &progress, signature);
     }
     if (facts._problem != hoSigningProblem::None)
     {
@@ -118,7 +117,7 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
     }
     if (isForOutput)
     {
-        clWriteOutput(hoToBytes(signature) + "\n");
+        clWriteOutput(signature.asStdString() + "\n");
         return clStatusGood;
     }
     fileFacts = hoWriteSignatureFile(path, signature, arguments._isForced);
@@ -143,15 +142,15 @@ bool readSignature(const clArguments& arguments, const std::string& file, gtStri
             clComplain("standard input: the signature cannot be read: " + clSystemErrorText(error));
             return false;
         }
-        signature = hoToText(input);
+        signature = gtString(input);
         return true;
     }
     const gtString path =
-        arguments._hasSignature ? hoToText(arguments._signaturePath) : hoSignaturePath(hoToText(file));
+        arguments._hasSignature ? gtString(arguments._signaturePath) : hoSignaturePath(gtString(file));
     const hoSignatureFileFacts facts = hoReadSignatureFile(path, signature);
     if (facts._problem != hoSignatureFileProblem::None)
     {
-        clComplain(clSignatureFileMessage(clPrintableName(hoToBytes(path)), facts));
+        clComplain(clSignatureFileMessage(clPrintableName(path.asStdString()), facts));
         return false;
     }
     return true;
@@ -164,7 +163,7 @@ int testFile(const clArguments& arguments, const std::string& file, const hoKey&
     hoSigningFacts facts;
     // A file that is not there is told about before its signature is missed.
     osFileFacts ignored;
-    facts._fileProblem = osReadFileFacts(hoToText(file), ignored);
+    facts._fileProblem = osReadFileFacts(gtString(file), ignored);
     if (facts._fileProblem != osFileProblem::None)
     {
         facts._systemError = errno;
@@ -179,7 +178,7 @@ int testFile(const clArguments& arguments, const std::string& file, const hoKey&
             return clStatusNotChecked;
         }
         clProgressLine progress = progressFor(name);
-        facts = hoTestFile(hoToText(file), key, signature, &progress, isGood);
+        facts = hoTestFile(gtString(file), key, signature, &progress, isGood);
     }
     if (facts._problem != hoSigningProblem::None)
     {
@@ -198,14 +197,14 @@ int digestFile(const clArguments& arguments, const std::string& file, const hoKe
     hoSigningFacts facts;
     {
         clProgressLine progress = progressFor(name);
-        facts = hoDigestOfFile(hoToText(file), key, &progress, digestText);
+        facts = hoDigestOfFile(gtString(file), key, &progress, digestText);
     }
     if (facts._problem != hoSigningProblem::None)
     {
         clComplain(clSigningMessage(name, clPrintableName(arguments._keyPath), key.bits(), facts));
         return clStatusNotChecked;
     }
-    clWriteOutput(hoToBytes(digestText) + ((arguments._files.size() > 1) ? "  " + name : "") + "\n");
+    clWriteOutput(digestText.asStdString() + ((arguments._files.size() > 1) ? "  " + name : "") + "\n");
     return clStatusGood;
 }
 
@@ -214,7 +213,7 @@ bool readText(const clArguments& arguments, gtString& text)
 {
     if (arguments._hasPlainText)
     {
-        text = hoToText(arguments._plainText);
+        text = gtString(arguments._plainText);
         return true;
     }
     std::string input;
@@ -224,7 +223,7 @@ bool readText(const clArguments& arguments, gtString& text)
         clComplain("standard input: cannot be read: " + clSystemErrorText(error));
         return false;
     }
-    text = hoToText(input);
+    text = gtString(input);
     gtWipe(input.data(), input.size());
     return true;
 }
@@ -246,7 +245,7 @@ int encrypt(const clArguments& arguments)
         clComplain(clEncryptionMessage(problem, lengthOfText, hoLongestText(pKey->ownKey()), pKey->bits()));
         return clStatusNotChecked;
     }
-    clWriteOutput(hoToBytes(cipherText) + "\n");
+    clWriteOutput(cipherText.asStdString() + "\n");
     return clStatusGood;
 }
 
@@ -267,7 +266,7 @@ int decrypt(const clArguments& arguments)
                                        pKey->bits()));
         return (problem == hoTextProblem::DoesNotComeOut) ? clStatusNotGood : clStatusNotChecked;
     }
-    clWriteOutput(hoToBytes(text));
+    clWriteOutput(text.asStdString());
     if (clIsOutputATerminal())
     {
         clWriteOutput("\n");
@@ -291,9 +290,10 @@ int printKey(const clArguments& arguments)
     }
     const crRSAEncryptionKey& key = arguments._isPrivateWanted ? pKey->privateKey() : pKey->publicKey();
     clWriteOutput("size " + std::to_string(pKey->bits()) + "\n");
-    clWriteOutput("modulus " + hoToBytes(hoFixedWidthText(key.productDigits(), key.amountOfProductDigits())) + "\n");
+    clWriteOutput("modulus " + (hoFixedWidthText(key.productDigits(), key.amountOfProductDigits())).asStdString() +
+                  "\n");
     gtString exponent = hoFixedWidthText(key.numberDigits(), key.amountOfNumberDigits());
-    clWriteOutput("exponent " + hoToBytes(exponent) + "\n");
+    clWriteOutput("exponent " + exponent.asStdString() + "\n");
     gtWipe(exponent);
     return clStatusGood;
 }

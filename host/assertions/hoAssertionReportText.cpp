@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/assertions/hoAssertionReportText.h"
 
-#include "platform/baseTools/gtBytes.h"
 #include "platform/osWrappers/osTime.h"
 
 namespace
@@ -55,7 +54,7 @@ std::string hoReportTime(std::int64_t seconds)
 {
     gtString text;
     osTime(seconds).timeAsString(text, osTime::DATE_AND_TIME, osTime::LOCAL);
-    return hoToBytes(text);
+    return text.asStdString();
 }
 
 std::vector<std::string> hoAssertionReportLines(const std::vector<hoAssertionRow>& rows, unsigned int mainThreadId)

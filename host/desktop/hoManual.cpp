@@ -3,10 +3,10 @@
 
 #include <filesystem>
 
-std::string hoManualPath(const std::string& program)
+gtString hoManualPath(const gtString& program)
 {
     std::error_code error;
-    std::filesystem::path folder = std::filesystem::path(program).parent_path();
+    std::filesystem::path folder = std::filesystem::path(program.asStdString()).parent_path();
     while (folder.has_relative_path())
     {
         const std::filesystem::path installed = folder / "share/doc/countersign/manual.html";
@@ -23,5 +23,5 @@ std::string hoManualPath(const std::string& program)
         }
         folder = folder.parent_path();
     }
-    return std::string();
+    return gtString();
 }

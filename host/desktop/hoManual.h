@@ -3,11 +3,11 @@
 #ifndef COUNTERSIGN_HO_MANUAL_H
 #define COUNTERSIGN_HO_MANUAL_H
 
-#include <string>
+#include "platform/baseTools/gtString.h"
 
 // The manual that belongs to the program with this absolute path, links resolved: share/doc/countersign/manual.html
 // below a folder that the program is in, however deep (installed), or docs/manual.html of the sources that it was built
 // in. The nearest one; empty when there is none.
-std::string hoManualPath(const std::string& program);
+gtString hoManualPath(const gtString& program);
 
 #endif

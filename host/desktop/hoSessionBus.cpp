@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/desktop/hoSessionBus.h"
 
+#include "host/desktop/hoUriList.h"
+
 #include <gio/gio.h>
 
 #include <cstdlib>
+#include <string>
 #include <utility>
 
 namespace
@@ -61,17 +64,16 @@ std::string addressOfBus()
     return std::string("unix:path=") + escaped.get();
 }
 
-std::string pathOfUri(const char* pUri)
+gtString pathOrUri(const char* pUri)
 {
-    const std::unique_ptr<GFile, Unreference> file(g_file_new_for_uri(pUri));
-    const Text path(g_file_get_path(file.get()));
-    return path ? path.get() : pUri;
+    const gtString path = hoPathOfUri(pUri, hoThisHost());
+    return path.isEmpty() ? gtString(pUri) : path;
 }
 
-std::string uriOfPath(const std::string& path)
+gtString uriOfPath(const gtString& path)
 {
     // Makes a relative path absolute and keeps every byte of it, valid text or not.
-    const std::unique_ptr<GFile, Unreference> file(g_file_new_for_path(path.c_str()));
+    const std::unique_ptr<GFile, Unreference> file(g_file_new_for_path(path.asCharArray()));
     const Text uri(g_file_get_uri(file.get()));
     return uri.get();
 }
@@ -178,7 +180,7 @@ public:
     }
 
     // False when the owner is gone or does not answer in time; "isSlow" tells the second.
-    bool handOver(const std::vector<std::string>& paths, bool& isSlow)
+    bool handOver(const std::vector<gtString>& paths, bool& isSlow)
     {
         GVariant* pArguments = nullptr;
         if (paths.empty())
@@ -189,9 +191,9 @@ public:
         {
             GVariantBuilder uris;
             g_variant_builder_init(&uris, G_VARIANT_TYPE("as"));
-            for (const std::string& path : paths)
+            for (const gtString& path : paths)
             {
-                g_variant_builder_add(&uris, "s", uriOfPath(path).c_str());
+                g_variant_builder_add(&uris, "s", uriOfPath(path).asCharArray());
             }
             pArguments = g_variant_new("(as@a{sv})", &uris, platformData());
         }
@@ -220,7 +222,7 @@ private:
         }
         Connection* pSelf = static_cast<Connection*>(pUserData);
         const std::string method = pMethod;
-        std::vector<std::string> paths;
+        std::vector<gtString> paths;
         if (method == "Open")
         {
             GVariantIter* pUris = nullptr;
@@ -228,7 +230,7 @@ private:
             const gchar* pUri = nullptr;
             while (g_variant_iter_next(pUris, "&s", &pUri) != FALSE)
             {
-                paths.push_back(pathOfUri(pUri));
+                paths.push_back(pathOrUri(pUri));
             }
             g_variant_iter_free(pUris);
         }
@@ -261,7 +263,7 @@ void hoSessionBus::leave()
     _pConnection.reset();
 }
 
-hoSessionBus::Outcome hoSessionBus::start(const std::vector<std::string>& paths, OpenFunction onOpen,
+hoSessionBus::Outcome hoSessionBus::start(const std::vector<gtString>& paths, OpenFunction onOpen,
                                           ActivateFunction onActivate)
 {
     _pConnection = std::make_unique<Connection>();

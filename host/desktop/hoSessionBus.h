@@ -2,15 +2,16 @@
 // The application on the session bus: the one running process owns the application's name and takes documents there,
 // from the desktop and from later starts of itself.
 //
-// No toolkit here, GIO alone. Paths are bytes as the file system knows them; a URI's percent signs are undone before a
-// path leaves this class, and anything that is not a local file comes out as the URI itself, for the window to say
-// that it cannot be opened.
+// No toolkit here, GIO alone. Paths are bytes as the file system knows them; a URI is decoded before a path
+// leaves this class, and one that names no file of this machine (hoPathOfUri) comes out as the URI itself, for the window
+// to say that it cannot be opened.
 #ifndef HO_SESSION_BUS_H
 #define HO_SESSION_BUS_H
 
+#include "platform/baseTools/gtString.h"
+
 #include <functional>
 #include <memory>
-#include <string>
 #include <vector>
 
 class hoSessionBus
@@ -23,7 +24,7 @@ public:
         HANDED_OVER  // another process has taken the documents: nothing is left to do here
     };
 
-    using OpenFunction = std::function<void(const std::vector<std::string>& paths)>;
+    using OpenFunction = std::function<void(const std::vector<gtString>& paths)>;
     using ActivateFunction = std::function<void()>;
 
     hoSessionBus();
@@ -40,7 +41,7 @@ public:
     // after its caller on the bus has its answer, so that they may take their time (open a dialog, for one).
     //
     // An owner that comes to these paths only when this process has given up waiting does not open them.
-    Outcome start(const std::vector<std::string>& paths, OpenFunction onOpen, ActivateFunction onActivate);
+    Outcome start(const std::vector<gtString>& paths, OpenFunction onOpen, ActivateFunction onActivate);
 
     // Gives the name back before the end, so that whoever asks from now on does not ask for nothing: a later start is
     // the first one then.

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/documents/hoDocumentArguments.h"
 
-#include "platform/baseTools/gtBytes.h"
 #include "platform/osWrappers/osFileFacts.h"
 
 #include <fstream>
+#include <string>
 
 namespace
 {
@@ -62,7 +62,7 @@ std::vector<gtString> hoProcessArguments()
     std::string argument;
     while (std::getline(file, argument, '\0'))
     {
-        arguments.push_back(hoToText(argument));
+        arguments.push_back(argument);
     }
     return arguments;
 }

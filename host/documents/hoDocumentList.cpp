@@ -2,15 +2,16 @@
 #include "host/documents/hoDocumentList.h"
 
 #include "host/signing/hoSignatureFile.h"
-#include "platform/baseTools/gtBytes.h"
 
 #include <algorithm>
+#include <string>
 #include <tuple>
 
 namespace
 {
-std::string withoutCase(std::string bytes)
+gtString withoutCase(const gtString& text)
 {
+    std::string bytes = text.asStdString();
     for (char& byte : bytes)
     {
         if (byte >= 'A' && byte <= 'Z')
@@ -26,9 +27,9 @@ struct SortKey
 {
     std::int64_t _number;
     std::int64_t _fraction;
-    std::string _text;
-    std::string _name;
-    std::string _path;
+    gtString _text;
+    gtString _name;
+    gtString _path;
     std::size_t _position;
 };
 
@@ -55,7 +56,7 @@ hoDocumentState stateWithoutFinding(const hoDocument& document)
 
 SortKey keyOf(const hoDocument& document, std::size_t position, hoDocumentList::Column column)
 {
-    SortKey key{0, 0, "", withoutCase(hoToBytes(document.name())), hoToBytes(document._path), position};
+    SortKey key{0, 0, gtString(), withoutCase(document.name()), document._path, position};
     switch (column)
     {
     case hoDocumentList::Column::Name:
@@ -85,7 +86,7 @@ std::size_t hoDocumentList::find(const gtString& path) const
 
 std::size_t hoDocumentList::positionOf(const gtString& absolutePath) const
 {
-    const auto found = _positions.find(hoToBytes(absolutePath));
+    const auto found = _positions.find(absolutePath);
     return found == _positions.end() ? nowhere : found->second;
 }
 
@@ -99,8 +100,7 @@ hoDocumentList::Opening hoDocumentList::open(const gtString& path)
     }
 
     document._path = osAbsolutePath(path);
-    const std::string key = hoToBytes(document._path);
-    const auto found = _positions.find(key);
+    const auto found = _positions.find(document._path);
     if (found != _positions.end())
     {
         refresh(found->second);
@@ -111,7 +111,7 @@ hoDocumentList::Opening hoDocumentList::open(const gtString& path)
     _documents.push_back(document);
     try
     {
-        _positions.emplace(key, position);
+        _positions.emplace(document._path, position);
     }
     catch (...)
     {
@@ -239,10 +239,10 @@ std::uint64_t hoDocumentList::totalSize() const
 
 void hoDocumentList::replaceBy(std::vector<hoDocument>& documents)
 {
-    std::unordered_map<std::string, std::size_t> positions;
+    std::unordered_map<gtString, std::size_t> positions;
     for (std::size_t position = 0; position < documents.size(); ++position)
     {
-        positions.emplace(hoToBytes(documents[position]._path), position);
+        positions.emplace(documents[position]._path, position);
     }
     _documents.swap(documents);
     _positions.swap(positions);

@@ -11,7 +11,6 @@
 #include "host/signing/hoDocument.h"
 
 #include <cstddef>
-#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -81,7 +80,7 @@ private:
     void replaceBy(std::vector<hoDocument>& documents);
 
     std::vector<hoDocument> _documents;
-    std::unordered_map<std::string, std::size_t> _positions;  // by path
+    std::unordered_map<gtString, std::size_t> _positions;  // by path
 };
 
 #endif

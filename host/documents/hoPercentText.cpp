@@ -28,39 +28,37 @@ bool isPlain(char byte)
 }
 }  // namespace
 
-std::string hoToPercentText(const std::string& bytes)
+gtString hoToPercentText(const gtString& bytes)
 {
-    std::string text;
-    for (const char byte : bytes)
+    gtString text;
+    for (const char byte : bytes.asStringView())
     {
         if (isPlain(byte))
         {
-            text += byte;
+            text.append(byte);
         }
         else
         {
             const unsigned int value = static_cast<unsigned char>(byte);
-            text += '%';
-            text += digits[value / 16];
-            text += digits[value % 16];
+            text.append('%').append(digits[value / 16]).append(digits[value % 16]);
         }
     }
     return text;
 }
 
-std::string hoFromPercentText(const std::string& text)
+gtString hoFromPercentText(const gtString& text)
 {
-    std::string bytes;
-    for (std::size_t i = 0; i < text.size(); ++i)
+    gtString bytes;
+    for (int i = 0; i < text.length(); ++i)
     {
-        if (text[i] == '%' && i + 2 < text.size() && valueOf(text[i + 1]) >= 0 && valueOf(text[i + 2]) >= 0)
+        if (text[i] == '%' && i + 2 < text.length() && valueOf(text[i + 1]) >= 0 && valueOf(text[i + 2]) >= 0)
         {
-            bytes += static_cast<char>(valueOf(text[i + 1]) * 16 + valueOf(text[i + 2]));
+            bytes.append(static_cast<char>(valueOf(text[i + 1]) * 16 + valueOf(text[i + 2])));
             i += 2;
         }
         else
         {
-            bytes += text[i];
+            bytes.append(text[i]);
         }
     }
     return bytes;

@@ -4,13 +4,13 @@
 #ifndef COUNTERSIGN_HO_PERCENT_TEXT_H
 #define COUNTERSIGN_HO_PERCENT_TEXT_H
 
-#include <string>
+#include "platform/baseTools/gtString.h"
 
 // Every byte that is not a letter or digit of ASCII or one of "-._~/" as an escape of upper-case digits: the result is
 // safe as a value in a line of text and as the path of a URI.
-std::string hoToPercentText(const std::string& bytes);
+gtString hoToPercentText(const gtString& bytes);
 
 // Escapes become bytes; a '%' without two hexadecimal digits behind it stands for itself, as does every other byte.
-std::string hoFromPercentText(const std::string& text);
+gtString hoFromPercentText(const gtString& text);
 
 #endif

@@ -3,58 +3,45 @@
 
 #include "host/documents/hoPercentText.h"
 
+#include "platform/osWrappers/osAtomicFile.h"
+
 #include <cerrno>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <system_error>
-#include <unistd.h>
 
 namespace
 {
 const std::uintmax_t mostFileBytes = 1024 * 1024;
 
-std::string listName(const std::string& name, std::size_t number)
+gtString listName(const gtString& name, std::size_t number)
 {
-    return name + "." + std::to_string(number);
+    return gtString(name).append('.').append(std::to_string(number));
 }
 
-bool writeAll(int file, const std::string& text)
-{
-    std::size_t done = 0;
-    while (done < text.size())
-    {
-        const ssize_t written = write(file, text.data() + done, text.size() - done);
-        if (written < 0 && errno != EINTR)
-        {
-            return false;
-        }
-        done += written > 0 ? static_cast<std::size_t>(written) : 0;
-    }
-    return fsync(file) == 0;
-}
 }  // namespace
 
-std::string hoSettings::text(const std::string& name, const std::string& fallback) const
+gtString hoSettings::text(const gtString& name, const gtString& fallback) const
 {
     const auto found = _values.find(name);
     return found == _values.end() ? fallback : found->second;
 }
 
-long hoSettings::number(const std::string& name, long fallback, long least, long most) const
+long hoSettings::number(const gtString& name, long fallback, long least, long most) const
 {
-    const std::string digits = text(name);
+    const gtString digits = text(name);
     char* pEnd = nullptr;
     errno = 0;
-    const long value = std::strtol(digits.c_str(), &pEnd, 10);
-    const bool isWhole = !digits.empty() && *pEnd == '\0' && errno == 0;
+    const long value = std::strtol(digits.asCharArray(), &pEnd, 10);
+    const bool isWhole = !digits.isEmpty() && *pEnd == '\0' && errno == 0;
     return isWhole && value >= least && value <= most ? value : fallback;
 }
 
-std::vector<std::string> hoSettings::texts(const std::string& name) const
+std::vector<gtString> hoSettings::texts(const gtString& name) const
 {
-    std::vector<std::string> found;
+    std::vector<gtString> found;
     for (std::size_t number = 1;; ++number)
     {
         const auto value = _values.find(listName(name, number));
@@ -66,7 +53,7 @@ std::vector<std::string> hoSettings::texts(const std::string& name) const
     }
 }
 
-void hoSettings::setTexts(const std::string& name, const std::vector<std::string>& values)
+void hoSettings::setTexts(const gtString& name, const std::vector<gtString>& values)
 {
     for (std::size_t number = 1; _values.erase(listName(name, number)) > 0; ++number)
     {
@@ -77,16 +64,17 @@ void hoSettings::setTexts(const std::string& name, const std::vector<std::string
     }
 }
 
-bool hoSettings::load(const std::string& path)
+bool hoSettings::load(const gtString& path)
 {
     _values.clear();
     std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error) || std::filesystem::file_size(path, error) > mostFileBytes)
+    if (!std::filesystem::is_regular_file(path.asStdString(), error) ||
+        std::filesystem::file_size(path.asStdString(), error) > mostFileBytes)
     {
         return false;
     }
-    std::map<std::string, std::string> values;
-    std::ifstream file(path, std::ios::binary);
+    std::map<gtString, gtString> values;
+    std::ifstream file(path.asStdString(), std::ios::binary);
     std::string line;
     while (std::getline(file, line))
     {
@@ -105,39 +93,25 @@ bool hoSettings::load(const std::string& path)
     return true;
 }
 
-bool hoSettings::save(const std::string& path) const
+bool hoSettings::save(const gtString& path) const
 {
-    // No stream: that would take what there was no memory for as written.
-    std::string text;
+    // No stream: without memory that would fail unnoticed.
+    gtString text;
     for (const auto& [name, value] : _values)
     {
-        text += name + '=' + hoToPercentText(value) + '\n';
+        text.append(name).append('=').append(hoToPercentText(value)).append('\n');
     }
-
     std::error_code error;
-    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    const std::filesystem::path folder = std::filesystem::path(path.asStdString()).parent_path();
     if (!folder.empty())
     {
         std::filesystem::create_directories(folder, error);
     }
-    std::string beside = path + ".XXXXXX";
-    const int file = mkstemp(beside.data());
-    if (file < 0)
-    {
-        return false;
-    }
-    bool isWritten = writeAll(file, text);
-    // Interrupted, it is closed all the same.
-    isWritten = (close(file) == 0 || errno == EINTR) && isWritten;
-    isWritten = isWritten && std::rename(beside.c_str(), path.c_str()) == 0;
-    if (!isWritten)
-    {
-        unlink(beside.c_str());
-    }
-    return isWritten;
+    const unsigned int ownersAlone = 0600;
+    return osWriteFileAtomically(path, text.asStringView(), true, ownersAlone) == 0;
 }
 
-std::string hoUserSettingsPath()
+gtString hoUserSettingsPath()
 {
     const std::string below = "/countersign/settings";
     const char* pFolder = std::getenv("XDG_CONFIG_HOME");

@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/keys/hoKeyFile.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <new>
-#include <string>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,67 +20,13 @@
 #include <openssl/pem.h>
 
 #include "crypto/crDigits.h"
+#include "host/keys/hoLibcryptoMemory.h"
 #include "platform/baseTools/gtWipe.h"
 
 namespace
 {
 
 constexpr int bitsPerDigit = 32;
-
-// libcrypto frees what it has decoded without overwriting it, so its memory comes from here: with its size in front, and
-// overwritten whenever it is given back.
-constexpr std::size_t sizeOfHeader = alignof(std::max_align_t);
-static_assert(sizeOfHeader >= sizeof(std::size_t), "the header holds a size");
-
-extern "C" void* hoAllocateForLibcrypto(std::size_t size, const char* /*pFile*/, int /*line*/)
-{
-    auto* pBlock = (size > SIZE_MAX - sizeOfHeader) ? nullptr : static_cast<char*>(std::malloc(size + sizeOfHeader));
-    if (pBlock == nullptr)
-    {
-        return nullptr;
-    }
-    std::memcpy(pBlock, &size, sizeof(size));
-    return pBlock + sizeOfHeader;
-}
-
-extern "C" void hoFreeForLibcrypto(void* pMemory, const char* /*pFile*/, int /*line*/)
-{
-    if (pMemory != nullptr)
-    {
-        char* pBlock = static_cast<char*>(pMemory) - sizeOfHeader;
-        std::size_t size = 0;
-        std::memcpy(&size, pBlock, sizeof(size));
-        gtWipe(pMemory, size);
-        std::free(pBlock);
-    }
-}
-
-extern "C" void* hoReallocateForLibcrypto(void* pMemory, std::size_t size, const char* pFile, int line)
-{
-    if (pMemory == nullptr)
-    {
-        return hoAllocateForLibcrypto(size, pFile, line);
-    }
-    if (size == 0)
-    {
-        hoFreeForLibcrypto(pMemory, pFile, line);
-        return nullptr;
-    }
-    void* pNewMemory = hoAllocateForLibcrypto(size, pFile, line);
-    if (pNewMemory != nullptr)
-    {
-        std::size_t oldSize = 0;
-        std::memcpy(&oldSize, static_cast<char*>(pMemory) - sizeOfHeader, sizeof(oldSize));
-        std::memcpy(pNewMemory, pMemory, std::min(size, oldSize));
-        hoFreeForLibcrypto(pMemory, pFile, line);
-    }
-    return pNewMemory;
-}
-
-// libcrypto takes this before it has allocated anything only, and nothing guards it against another thread that begins to
-// use it at that moment: so it is done before main, while there is one thread.
-const int isLibcryptoOverwriting =
-    CRYPTO_set_mem_functions(hoAllocateForLibcrypto, hoReallocateForLibcrypto, hoFreeForLibcrypto);
 
 template <class T, void (*release)(T*)>
 struct Releaser
@@ -110,6 +52,7 @@ public:
     SecretBytes(const SecretBytes&) = delete;
     SecretBytes& operator=(const SecretBytes&) = delete;
     char* bytes() { return _pBytes.get(); }
+    std::size_t size() const { return _size; }
 
 private:
     std::size_t _size;
@@ -142,6 +85,8 @@ private:
     int _descriptor = -1;
 };
 
+constexpr std::string_view beginOfPem = "-----BEGIN ";
+
 // The first PEM block that is called some kind of key.
 struct PemBlock
 {
@@ -156,20 +101,19 @@ bool endsWith(std::string_view text, std::string_view end)
 
 PemBlock findKeyBlock(std::string_view text)
 {
-    constexpr std::string_view begin = "-----BEGIN ";
     constexpr std::string_view dashes = "-----";
-    std::size_t position = text.find(begin);
+    std::size_t position = text.find(beginOfPem);
     while (position != std::string_view::npos)
     {
         const std::string_view block = text.substr(position);
-        const std::string_view rest = block.substr(begin.size());
+        const std::string_view rest = block.substr(beginOfPem.size());
         const std::string_view line = rest.substr(0, rest.find('\n'));
         const std::string_view label = line.substr(0, line.find(dashes));
         if (endsWith(label, "PRIVATE KEY") || endsWith(label, "PUBLIC KEY"))
         {
             return {label, block};
         }
-        position = text.find(begin, position + begin.size());
+        position = text.find(beginOfPem, position + beginOfPem.size());
     }
     return {};
 }
@@ -278,11 +222,11 @@ bool isExponent(const Number& number, const Number& modulus)
 
 bool isFolderOpenToOthers(const gtString& path)
 {
-    const std::string bytes(path.asCharArray(), static_cast<std::size_t>(path.length()));
+    const std::string_view bytes = path.asStringView();
     const std::size_t slash = bytes.rfind('/');
-    const std::string folder = (slash == std::string::npos) ? "." : bytes.substr(0, slash + 1);
+    const gtString folder = (slash == std::string_view::npos) ? gtString(".") : gtString(bytes.substr(0, slash + 1));
     struct stat status = {};
-    if (::stat(folder.c_str(), &status) != 0)
+    if (::stat(folder.asCharArray(), &status) != 0)
     {
         return false;
     }
@@ -319,6 +263,48 @@ hoKeyFileProblem readWholeFile(int descriptor, long size, char* pBytes, int& sys
     // Nothing of an older file may stand behind what was read.
     std::memset(pBytes + done, 0, static_cast<std::size_t>(size - done));
     return hoKeyFileProblem::None;
+}
+
+// The bytes of the file; null, and the facts say why, when they cannot be had or are too many.
+std::unique_ptr<SecretBytes> readKeyFile(const gtString& path, hoKeyFileFacts& facts)
+{
+    if (std::strlen(path.asCharArray()) != static_cast<std::size_t>(path.length()))
+    {
+        facts._problem = hoKeyFileProblem::CannotBeRead;
+        facts._systemError = EINVAL;
+        return nullptr;
+    }
+    const OpenDescriptor file(path.asCharArray());
+    struct stat status = {};
+    if ((file.get() < 0) || (::fstat(file.get(), &status) != 0))
+    {
+        facts._problem = hoKeyFileProblem::CannotBeRead;
+        facts._systemError = errno;
+        return nullptr;
+    }
+    if (!S_ISREG(status.st_mode))
+    {
+        facts._problem = S_ISDIR(status.st_mode) ? hoKeyFileProblem::IsFolder : hoKeyFileProblem::NotRegular;
+        return nullptr;
+    }
+    if (status.st_size > hoLargestKeyFile)
+    {
+        facts._problem = hoKeyFileProblem::TooLarge;
+        return nullptr;
+    }
+    auto pBytes = std::make_unique<SecretBytes>(static_cast<std::size_t>(status.st_size));
+    if (pBytes->bytes() == nullptr)
+    {
+        throw std::bad_alloc();
+    }
+    facts._problem = readWholeFile(file.get(), status.st_size, pBytes->bytes(), facts._systemError);
+    if (facts._problem != hoKeyFileProblem::None)
+    {
+        return nullptr;
+    }
+    facts._isOpenToOthers = (status.st_mode & (S_IRWXG | S_IRWXO)) != 0;
+    facts._isFolderOpenToOthers = isFolderOpenToOthers(path);
+    return pBytes;
 }
 
 }  // namespace
@@ -396,6 +382,7 @@ std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, ho
     hoKeyFileFacts begun;
     begun._isOpenToOthers = facts._isOpenToOthers;
     begun._isFolderOpenToOthers = facts._isFolderOpenToOthers;
+    begun._isLibcryptoMemoryWiped = hoIsLibcryptoMemoryWiped();
     facts = begun;
     const PemBlock block = findKeyBlock(std::string_view(pBytes, static_cast<std::size_t>(amountOfBytes)));
     if (block._label.empty())
@@ -444,44 +431,32 @@ std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, ho
 std::unique_ptr<const hoKey> hoLoadKeyFile(const gtString& path, hoIPassphraseSource* pSource, hoKeyFileFacts& facts)
 {
     facts = hoKeyFileFacts();
-    if (std::strlen(path.asCharArray()) != static_cast<std::size_t>(path.length()))
+    std::unique_ptr<SecretBytes> pBytes;
+    try
     {
-        facts._problem = hoKeyFileProblem::CannotBeRead;
-        facts._systemError = EINVAL;
-        return nullptr;
+        pBytes = readKeyFile(path, facts);
+        return pBytes == nullptr ? nullptr
+                                 : hoLoadKey(pBytes->bytes(), static_cast<int>(pBytes->size()), pSource, facts);
     }
-    const OpenDescriptor file(path.asCharArray());
-    struct stat status = {};
-    if ((file.get() < 0) || (::fstat(file.get(), &status) != 0))
-    {
-        facts._problem = hoKeyFileProblem::CannotBeRead;
-        facts._systemError = errno;
-        return nullptr;
-    }
-    if (!S_ISREG(status.st_mode))
-    {
-        facts._problem = S_ISDIR(status.st_mode) ? hoKeyFileProblem::IsFolder : hoKeyFileProblem::NotRegular;
-        return nullptr;
-    }
-    if (status.st_size > hoLargestKeyFile)
-    {
-        facts._problem = hoKeyFileProblem::TooLarge;
-        return nullptr;
-    }
-    SecretBytes bytes(static_cast<std::size_t>(status.st_size));
-    if (bytes.bytes() == nullptr)
+    catch (const std::bad_alloc&)
     {
         facts._problem = hoKeyFileProblem::NoMemory;
         return nullptr;
     }
-    facts._problem = readWholeFile(file.get(), status.st_size, bytes.bytes(), facts._systemError);
-    if (facts._problem != hoKeyFileProblem::None)
+}
+
+bool hoIsKeyFile(const gtString& path)
+{
+    hoKeyFileFacts facts;
+    const std::unique_ptr<SecretBytes> pBytes = readKeyFile(path, facts);
+    if (pBytes == nullptr)
     {
-        return nullptr;
+        return false;
     }
-    facts._isOpenToOthers = (status.st_mode & (S_IRWXG | S_IRWXO)) != 0;
-    facts._isFolderOpenToOthers = isFolderOpenToOthers(path);
-    return hoLoadKey(bytes.bytes(), static_cast<int>(status.st_size), pSource, facts);
+    const std::string_view text(pBytes->bytes(), pBytes->size());
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    return first != std::string_view::npos && text.substr(first, beginOfPem.size()) == beginOfPem &&
+           !findKeyBlock(text)._label.empty();
 }
 
 std::unique_ptr<const hoKey> hoKey::publicHalf() const

@@ -2,10 +2,11 @@
 // RSA keys from PEM files: private or public, PKCS#1 or PKCS#8, encrypted or not, as "openssl genrsa", "openssl rsa
 // -pubout" and "openssl rsa -RSAPublicKey_out" write them.
 //
-// What is found is told as facts; the wording is up to the command line and the window. Nothing here throws, prints,
-// waits (a named pipe is refused) or touches a file other than by reading it. What held a private number or a
-// passphrase is overwritten with zeros before it is given back; for that, libcrypto gets an allocator that overwrites,
-// before main, in every program that loads keys from here. Calls may run on any threads.
+// Results are facts; the wording is up to the command line and the window. Nothing here prints, waits (a named pipe is
+// refused) or touches a file other than by reading it. Without memory the loaders say NoMemory, and the other functions
+// throw std::bad_alloc; nothing else is thrown but what a passphrase source throws. What held a private number or a
+// passphrase is overwritten with zeros before it is given back, by libcrypto, too (see hoLibcryptoMemory.h). Calls may
+// run on any threads.
 #ifndef COUNTERSIGN_HO_KEY_FILE_H
 #define COUNTERSIGN_HO_KEY_FILE_H
 
@@ -49,6 +50,9 @@ struct hoKeyFileFacts
     // everybody may write to that, or a group that is not this process's own; and it is no folder like /tmp, in which
     // everybody keeps to what is theirs.
     bool _isFolderOpenToOthers = false;
+
+    // What libcrypto has read was overwritten; false if something in the program used libcrypto before main.
+    bool _isLibcryptoMemoryWiped = true;
 };
 
 // Where passphrases come from.
@@ -96,6 +100,11 @@ std::unique_ptr<const hoKey> hoLoadKeyFile(const gtString& path, hoIPassphraseSo
 // The same from bytes that the caller has read (and overwrites).
 std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, hoIPassphraseSource* pSource,
                                        hoKeyFileFacts& facts);
+
+// Whether the file reads as a PEM file of keys: it can be read, is no larger than hoLargestKeyFile, begins with a PEM
+// block (blanks and empty lines before it do not count), and holds one with a key. Whether that key can be loaded is not
+// looked at.
+bool hoIsKeyFile(const gtString& path);
 
 // A number of the key as text, eight characters a digit, the highest digit first.
 gtString hoFixedWidthText(const unsigned int* pDigits, int amountOfDigits);

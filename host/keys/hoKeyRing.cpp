@@ -3,7 +3,7 @@
 
 #include <openssl/evp.h>
 
-std::string hoShortFingerprint(const hoKey& key)
+gtString hoShortFingerprint(const hoKey& key)
 {
     const crRSAEncryptionKey& half = key.publicKey();
     const gtString text = hoFixedWidthText(half.productDigits(), half.amountOfProductDigits());
@@ -12,7 +12,7 @@ std::string hoShortFingerprint(const hoKey& key)
     if (EVP_Digest(text.asCharArray(), static_cast<std::size_t>(text.length()), digest, &length, EVP_sha256(),
                    nullptr) != 1)
     {
-        return "";
+        return gtString();
     }
     const unsigned int shownBytes = 4;
     gtString shown;
@@ -20,5 +20,5 @@ std::string hoShortFingerprint(const hoKey& key)
     {
         shown.appendFormattedString("%02x", static_cast<unsigned int>(digest[i]));
     }
-    return shown.asCharArray();
+    return shown;
 }

@@ -9,7 +9,6 @@
 #include "host/keys/hoKeyFile.h"
 
 #include <memory>
-#include <string>
 
 #pragma GCC visibility push(default)
 
@@ -33,7 +32,7 @@ struct hoKeyRing
 
 // By which two keys are told apart by people: the first eight hexadecimal digits of the SHA-256 of the modulus's
 // fixed-width text. Both halves of a pair have the same.
-std::string hoShortFingerprint(const hoKey& key);
+gtString hoShortFingerprint(const hoKey& key);
 
 #pragma GCC visibility pop
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/keys/hoNewKeyPair.h"
 
-#include "platform/baseTools/gtBytes.h"
 #include "platform/osWrappers/osAtomicFile.h"
 
 #include <openssl/bio.h>
@@ -11,6 +10,7 @@
 
 #include <cerrno>
 #include <new>
+#include <utility>
 
 namespace
 {
@@ -38,7 +38,8 @@ void hoNewKeyPair::Deleter::operator()(void* pKey) const
     EVP_PKEY_free(static_cast<EVP_PKEY*>(pKey));
 }
 
-hoNewKeyPair::hoNewKeyPair(int bits) : _bits(bits), _systemError(0), _isCancelled(false), _isFinished(false)
+hoNewKeyPair::hoNewKeyPair(int bits, std::function<void()> onFinished)
+    : _bits(bits), _onFinished(std::move(onFinished)), _systemError(0), _isCancelled(false), _isFinished(false)
 {
     _thread = std::thread(&hoNewKeyPair::run, this);
 }
@@ -70,6 +71,10 @@ void hoNewKeyPair::run()
         _pKey.reset();
     }
     _isFinished = true;
+    if (_onFinished)
+    {
+        _onFinished();
+    }
 }
 
 hoNewKeyPair::Writing hoNewKeyPair::writePrivateKey(const gtString& path, std::string_view passphrase,
@@ -107,8 +112,8 @@ hoNewKeyPair::Writing hoNewKeyPair::writeFile(const gtString& path, unsigned int
 {
     try
     {
-        _systemError = osWriteFileAtomically(
-            hoToBytes(path), std::string_view(pBytes, static_cast<std::size_t>(length)), mayOverwrite, rights);
+        _systemError = osWriteFileAtomically(path, std::string_view(pBytes, static_cast<std::size_t>(length)),
+                                             mayOverwrite, rights);
     }
     catch (const std::bad_alloc&)
     {

@@ -8,6 +8,7 @@
 #include "platform/baseTools/gtString.h"
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string_view>
 #include <thread>
@@ -35,8 +36,9 @@ public:
         Failed   // systemError() tells why
     };
 
-    // Begins at once. hoIsNewKeySize(bits) must hold. Throws std::system_error where the system gives no thread.
-    explicit hoNewKeyPair(int bits);
+    // Begins at once. hoIsNewKeySize(bits) must hold. Throws std::system_error where the system gives no thread, and
+    // std::bad_alloc. onFinished: called on the thread inside when isFinished has become true; it may not throw.
+    explicit hoNewKeyPair(int bits, std::function<void()> onFinished = nullptr);
     // Cancels, waits for the thread, and forgets the key.
     ~hoNewKeyPair();
     hoNewKeyPair(const hoNewKeyPair&) = delete;
@@ -64,6 +66,7 @@ private:
     Writing writeFile(const gtString& path, unsigned int rights, bool mayOverwrite, const char* pBytes, long length);
 
     const int _bits;
+    const std::function<void()> _onFinished;
     int _systemError;
     std::unique_ptr<void, Deleter> _pKey;  // libcrypto's; the thread's until it is finished
     std::atomic<bool> _isCancelled;

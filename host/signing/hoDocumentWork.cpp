@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
+#include <utility>
 
 namespace
 {
@@ -24,11 +25,13 @@ osFileFacts signatureFacts(const gtString& path)
 }
 }  // namespace
 
-hoDocumentWork::hoDocumentWork(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite)
+hoDocumentWork::hoDocumentWork(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite,
+                               std::function<void()> onChange)
     : _kind(kind),
       _documents(documents),
       _keys(keys),
       _mayOverwrite(mayOverwrite),
+      _onChange(std::move(onChange)),
       _bytesInAll(0),
       _isCancelled(false),
       _isFinished(false),
@@ -79,6 +82,7 @@ std::vector<hoWorkOutcome> hoDocumentWork::takeOutcomes()
 bool hoDocumentWork::onProgress(unsigned long long bytesDone, unsigned long long)
 {
     _bytesOfDocument = bytesDone;
+    notify();
     return !_isCancelled;
 }
 
@@ -105,13 +109,25 @@ void hoDocumentWork::run()
             outcome._signing._problem = hoSigningProblem::NoMemory;
             outcome._stamp = hoDocumentStamp{hoDocumentState::NotTested, {}, {}};
         }
-        const std::lock_guard<std::mutex> lock(_mutex);
-        _isKnown[i] = outcome._signing._problem != hoSigningProblem::Cancelled;
-        _bytesBefore += document._facts._size;
-        _bytesOfDocument = 0;
-        ++_documentsDone;
+        {
+            const std::lock_guard<std::mutex> lock(_mutex);
+            _isKnown[i] = outcome._signing._problem != hoSigningProblem::Cancelled;
+            _bytesBefore += document._facts._size;
+            _bytesOfDocument = 0;
+            ++_documentsDone;
+        }
+        notify();
     }
     _isFinished = true;
+    notify();
+}
+
+void hoDocumentWork::notify() const
+{
+    if (_onChange)
+    {
+        _onChange();
+    }
 }
 
 void hoDocumentWork::sign(const hoDocument& document, hoWorkOutcome& outcome)

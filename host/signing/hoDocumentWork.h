@@ -14,6 +14,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -54,7 +55,10 @@ public:
 
     // mayOverwrite: signatures that are there are replaced; otherwise such a document's outcome has the signature
     // file's problem Exists. Throws std::bad_alloc, and std::system_error where the system gives no thread.
-    hoDocumentWork(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite);
+    // onChange: called on the thread inside after each change of what the functions below give, and a last time when
+    // isFinished has become true; it may neither throw nor call this object.
+    hoDocumentWork(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite,
+                   std::function<void()> onChange = nullptr);
     // Cancels, and waits for the thread.
     ~hoDocumentWork() override;
     hoDocumentWork(const hoDocumentWork&) = delete;
@@ -78,6 +82,7 @@ private:
     bool onProgress(unsigned long long bytesDone, unsigned long long bytesInAll) override;
 
     void run();
+    void notify() const;
     // What is found goes into the outcome, which has its path already.
     void sign(const hoDocument& document, hoWorkOutcome& outcome);
     void test(const hoDocument& document, hoWorkOutcome& outcome);
@@ -87,6 +92,7 @@ private:
     const std::vector<hoDocument> _documents;
     const Keys _keys;
     const bool _mayOverwrite;
+    const std::function<void()> _onChange;
     std::uint64_t _bytesInAll;
 
     std::atomic<bool> _isCancelled;

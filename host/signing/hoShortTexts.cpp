@@ -4,7 +4,6 @@
 #include "crypto/crDigits.h"
 #include "crypto/crRSAEncryptionKey.h"
 #include "crypto/crRSAStringEncryptor.h"
-#include "platform/baseTools/gtBytes.h"
 
 #include <cstddef>
 #include <cstdio>
@@ -15,7 +14,7 @@ namespace
 const std::size_t bytesInALine = 16;
 
 // How many bytes the character at the position has; 0 when there is none that is well formed.
-std::size_t lengthOfCharacter(const std::string& bytes, std::size_t position)
+std::size_t lengthOfCharacter(std::string_view bytes, std::size_t position)
 {
     const auto at = [&](std::size_t index) { return static_cast<unsigned char>(bytes[index]); };
     const unsigned int first = at(position);
@@ -59,17 +58,17 @@ hoReadableText hoDecryptForReading(const crRSAEncryptionKey& key, const gtString
     else if (result._problem == hoTextProblem::DoesNotComeOut)
     {
         // Its form has been found right: with blanks around it and nothing else.
-        const std::string cipher = hoToBytes(cipherText);
+        const std::string_view cipher = cipherText.asStringView();
         const std::size_t begin = cipher.find_first_not_of(" \t\r\n");
         result._bytes.reserve(hoLongestText(key));
-        static_cast<void>(crRSAStringEncryptor(key).decrypt(hoToText(cipher.substr(begin)), result._bytes));
+        static_cast<void>(crRSAStringEncryptor(key).decrypt(cipher.substr(begin), result._bytes));
     }
     return result;
 }
 
 bool hoIsReadable(const gtString& bytes)
 {
-    const std::string text = hoToBytes(bytes);
+    const std::string_view text = bytes.asStringView();
     std::size_t position = 0;
     while (position < text.size())
     {
@@ -83,9 +82,9 @@ bool hoIsReadable(const gtString& bytes)
     return true;
 }
 
-std::string hoHexDump(const gtString& bytes)
+gtString hoHexDump(const gtString& bytes)
 {
-    const std::string all = hoToBytes(bytes);
+    const std::string_view all = bytes.asStringView();
     std::string dump;
     for (std::size_t begin = 0; begin < all.size(); begin += bytesInALine)
     {

@@ -9,8 +9,6 @@
 #include "host/signing/hoTextEncryption.h"
 #include "platform/baseTools/gtString.h"
 
-#include <string>
-
 struct hoReadableText
 {
     hoTextProblem _problem = hoTextProblem::None;
@@ -25,6 +23,6 @@ bool hoIsReadable(const gtString& bytes);
 
 // Sixteen bytes a line, each line with an end: "00000010  61 62 ..  |ab.|", as hexdump -C writes them but for its last
 // line. What is not printable ASCII is a dot on the right. Empty for no bytes.
-std::string hoHexDump(const gtString& bytes);
+gtString hoHexDump(const gtString& bytes);
 
 #endif

@@ -7,7 +7,6 @@
 #include <string>
 #include <sys/stat.h>
 
-#include "platform/baseTools/gtBytes.h"
 #include "platform/osWrappers/osAtomicFile.h"
 #include "platform/osWrappers/osFile.h"
 
@@ -58,7 +57,7 @@ hoSignatureFileFacts hoReadSignatureFile(const gtString& path, gtString& signatu
         }
         text.resize(amountRead);
         text.resize(text.find_last_not_of(" \t\r\n") + 1);
-        signature = hoToText(text);
+        signature = gtString(text);
         return hoSignatureFileFacts();
     }
     catch (const std::bad_alloc&)
@@ -94,7 +93,7 @@ hoSignatureFileFacts hoWriteSignatureFile(const gtString& path, const gtString& 
         {
             return check;
         }
-        const int error = osWriteFileAtomically(hoToBytes(path), hoToBytes(signature) + "\n", mayOverwrite);
+        const int error = osWriteFileAtomically(path, gtString(signature).append('\n').asStringView(), mayOverwrite);
         if (error != 0)
         {
             return (!mayOverwrite && (error == EEXIST)) ? problemFacts(hoSignatureFileProblem::Exists, 0)

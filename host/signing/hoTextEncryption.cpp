@@ -5,14 +5,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "bigdigits.h"
 #include "crypto/crDigits.h"
 #include "crypto/crRSAEncryptionKey.h"
 #include "crypto/crRSAStringEncryptor.h"
-#include "platform/baseTools/gtBytes.h"
 #include "platform/baseTools/gtWipe.h"
 
 namespace
@@ -41,12 +40,13 @@ bool isBelowModulus(const crRSAEncryptionKey& key, const gtString& text)
     return mpCompare(digits.digits(), key.productDigits(), static_cast<unsigned int>(amountOfDigits)) < 0;
 }
 
-std::string withoutBlanksAround(const gtString& text)
+std::string_view withoutBlanksAround(const gtString& text)
 {
-    const std::string bytes = hoToBytes(text);
+    const std::string_view bytes = text.asStringView();
     const char* pBlanks = " \t\r\n";
     const std::size_t begin = bytes.find_first_not_of(pBlanks);
-    return (begin == std::string::npos) ? "" : bytes.substr(begin, bytes.find_last_not_of(pBlanks) + 1 - begin);
+    return (begin == std::string_view::npos) ? std::string_view()
+                                             : bytes.substr(begin, bytes.find_last_not_of(pBlanks) + 1 - begin);
 }
 
 }  // namespace
@@ -89,7 +89,7 @@ hoTextProblem hoDecryptText(const crRSAEncryptionKey& key, const gtString& ciphe
 {
     try
     {
-        std::string cipher = withoutBlanksAround(cipherText);
+        const std::string_view cipher = withoutBlanksAround(cipherText);
         if ((cipher.size() < crCharactersPerDigit) ||
             (cipher.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos))
         {
@@ -111,7 +111,7 @@ hoTextProblem hoDecryptText(const crRSAEncryptionKey& key, const gtString& ciphe
         const auto wholeBlock = static_cast<unsigned int>(longest);
         gtString wholeCipher;
         crAppendDigits(wholeCipher, &wholeBlock, 1);
-        wholeCipher.append(cipher.c_str() + crCharactersPerDigit);
+        wholeCipher.append(cipher.substr(crCharactersPerDigit));
         gtString plain;
         plain.reserve(hoLongestText(key));
         bool isShortOfMemory = false;

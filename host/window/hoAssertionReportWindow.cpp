@@ -2,9 +2,8 @@
 #include "host/window/hoAssertionReportWindow.h"
 
 #include "host/assertions/hoAssertionReportText.h"
+#include "host/window/hoClipboard.h"
 #include "host/window/hoDisplayText.h"
-#include "host/window/hoTextDialog.h"
-#include "platform/baseTools/gtBytes.h"
 #include "platform/osWrappers/osAtomicFile.h"
 #include "platform/osWrappers/osProcess.h"
 #include "platform/toolkit/gtTextConversion.h"
@@ -58,7 +57,7 @@ const int pauseAfterShowing = 100;  // milliseconds
 gtString nameOf(const std::string& path)
 {
     const std::size_t start = path.rfind('/') + 1;
-    return hoToText(start == path.size() ? path : path.substr(start));
+    return gtString(start == path.size() ? path : path.substr(start));
 }
 
 wxString amountText(std::uint64_t amount, const char* one, const char* many)
@@ -122,7 +121,7 @@ private:
         case COLUMN_DECISION:
             return hoDecisionWord(row._decision);
         default:
-            return hoDisplayText(hoToText(row._message));
+            return hoDisplayText(gtString(row._message));
         }
     }
 
@@ -191,12 +190,12 @@ hoAssertionReportWindow::~hoAssertionReportWindow()
     _pReport->setListener(nullptr);
 }
 
-bool hoAssertionReportWindow::saveAs(const std::string& path)
+bool hoAssertionReportWindow::saveAs(const gtString& path)
 {
-    const int error = osWriteFileAtomically(path, hoToBytes(gtBytesFromText(text(false))), true);
+    const int error = osWriteFileAtomically(path, gtBytesFromText(text(false)).asStringView(), true);
     if (error != 0)
     {
-        wxMessageBox("The report could not be written to " + hoDisplayText(hoToText(path)) + ": " +
+        wxMessageBox("The report could not be written to " + hoDisplayText(path) + ": " +
                          gtTextFromBytes(std::strerror(error)) + ".",
                      "Assertion report", wxOK | wxICON_ERROR, this);
     }
@@ -242,7 +241,7 @@ wxString hoAssertionReportWindow::text(bool isOnlySelected) const
     // Line by line: bytes that are no text in one do not touch the others.
     for (const std::string& line : hoAssertionReportLines(rows.empty() ? _rows : rows, _pList->mainThreadId()))
     {
-        text += gtTextFromBytes(hoToText(line)) + "\n";
+        text += gtTextFromBytes(gtString(line)) + "\n";
     }
     return text;
 }
@@ -265,6 +264,6 @@ void hoAssertionReportWindow::OnSave(wxCommandEvent&)
                         "Text with tabs (*.tsv)|*.tsv|All files|*", wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
     if (dialog.ShowModal() == wxID_OK)
     {
-        saveAs(hoToBytes(gtPathBytesFromText(dialog.GetPath())));
+        saveAs(gtPathBytesFromText(dialog.GetPath()));
     }
 }

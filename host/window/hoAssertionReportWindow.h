@@ -8,13 +8,13 @@
 #define COUNTERSIGN_HO_ASSERTION_REPORT_WINDOW_H
 
 #include "host/assertions/hoAssertionReport.h"
+#include "platform/baseTools/gtString.h"
 #include "platform/toolkit/gtMainThreadCall.h"
 
 #include <wx/dialog.h>
 #include <wx/timer.h>
 
 #include <memory>
-#include <string>
 #include <vector>
 
 class hoAssertionReportList;
@@ -32,7 +32,7 @@ public:
 
     // Writes all rows to the file, in UTF-8, whole or not at all; what is there is replaced. Says in a message what
     // went wrong.
-    bool saveAs(const std::string& path);
+    bool saveAs(const gtString& path);
 
     // Whether something has changed that is not shown yet.
     bool isBehind() const { return _isChanged; }

@@ -5,17 +5,6 @@
 
 #include <utility>
 
-#include <unistd.h>
-
-namespace
-{
-std::string hostName()
-{
-    char name[256] = "";
-    return gethostname(name, sizeof name - 1) == 0 ? name : "";
-}
-}  // namespace
-
 hoDocumentDropTarget::hoDocumentDropTarget(wxWindow& window, DropFunction onDrop)
     : wxDropTarget(new wxCustomDataObject(wxDF_FILENAME)),
       _window(window),
@@ -30,12 +19,12 @@ wxDragResult hoDocumentDropTarget::OnData(wxCoord, wxCoord, wxDragResult propose
     {
         return wxDragNone;
     }
-    drop(std::string(static_cast<const char*>(_pData->GetData()), _pData->GetSize()));
+    drop(std::string_view(static_cast<const char*>(_pData->GetData()), _pData->GetSize()));
     return proposed;
 }
 
-void hoDocumentDropTarget::drop(const std::string& text)
+void hoDocumentDropTarget::drop(const gtString& text)
 {
     // The other program waits for this drop to end: no message may come up before that.
-    _window.CallAfter([onDrop = _onDrop, list = hoReadUriList(text, hostName())] { onDrop(list); });
+    _window.CallAfter([onDrop = _onDrop, list = hoReadUriList(text, hoThisHost())] { onDrop(list); });
 }

@@ -3,7 +3,7 @@
 #ifndef COUNTERSIGN_HO_DOCUMENT_DROP_TARGET_H
 #define COUNTERSIGN_HO_DOCUMENT_DROP_TARGET_H
 
-#include "host/documents/hoUriList.h"
+#include "host/desktop/hoUriList.h"
 
 #include <wx/dnd.h>
 
@@ -21,7 +21,7 @@ public:
     wxDragResult OnData(wxCoord x, wxCoord y, wxDragResult proposed) override;
 
     // What a drop of this text (text/uri-list) does.
-    void drop(const std::string& text);
+    void drop(const gtString& text);
 
 private:
     wxWindow& _window;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoFolderWatcher.h"
 
-#include "platform/baseTools/gtBytes.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/evtloop.h>
@@ -22,9 +21,9 @@ const long shareOfTime = 10;  // looking takes a tenth of the time at most
 // Not the reading of files: that changes nothing, and those who read most are we.
 const int changes = wxFSW_EVENT_ALL & ~wxFSW_EVENT_ACCESS;
 
-wxFileName folderName(const std::string& folder)
+wxFileName folderName(const gtString& folder)
 {
-    return wxFileName::DirName(gtPathTextFromBytes(hoToText(folder)));
+    return wxFileName::DirName(gtPathTextFromBytes(folder));
 }
 }  // namespace
 
@@ -41,7 +40,7 @@ hoFolderWatcher::hoFolderWatcher(std::function<void()> onChange)
                 });
 }
 
-void hoFolderWatcher::watch(const std::set<std::string>& folders)
+void hoFolderWatcher::watch(const std::set<gtString>& folders)
 {
     if (wxEventLoopBase::GetActive() == nullptr || (folders.empty() && _folders.empty()))
     {
@@ -61,12 +60,12 @@ void hoFolderWatcher::watch(const std::set<std::string>& folders)
     }
     // A folder that cannot be watched is no news for the user.
     const wxLogNull silence;
-    std::set<std::string> gone;
+    std::set<gtString> gone;
     for (auto folder = _folders.begin(); folder != _folders.end();)
     {
         // A folder that went away takes its watch along: one that comes back is a new one.
         std::error_code error;
-        const bool isKept = folders.count(*folder) > 0 && std::filesystem::is_directory(*folder, error);
+        const bool isKept = folders.count(*folder) > 0 && std::filesystem::is_directory(folder->asStdString(), error);
         if (isKept)
         {
             ++folder;
@@ -78,7 +77,7 @@ void hoFolderWatcher::watch(const std::set<std::string>& folders)
         }
     }
     unwatch(gone);
-    for (const std::string& folder : folders)
+    for (const gtString& folder : folders)
     {
         if (_folders.count(folder) == 0 && _pWatcher->Add(folderName(folder), changes))
         {
@@ -88,7 +87,7 @@ void hoFolderWatcher::watch(const std::set<std::string>& folders)
 }
 
 // The toolkit drops the watch of a folder that is deleted by itself, and takes it for a mistake to be asked for it again.
-void hoFolderWatcher::unwatch(const std::set<std::string>& folders)
+void hoFolderWatcher::unwatch(const std::set<gtString>& folders)
 {
     if (folders.empty())
     {
@@ -97,7 +96,7 @@ void hoFolderWatcher::unwatch(const std::set<std::string>& folders)
     wxArrayString texts;
     _pWatcher->GetWatchedPaths(&texts);
     const std::set<wxString> watched(texts.begin(), texts.end());
-    for (const std::string& folder : folders)
+    for (const gtString& folder : folders)
     {
         const wxFileName name = folderName(folder);
         if (watched.count(name.GetFullPath()) > 0)

@@ -8,13 +8,14 @@
 #ifndef COUNTERSIGN_HO_FOLDER_WATCHER_H
 #define COUNTERSIGN_HO_FOLDER_WATCHER_H
 
+#include "platform/baseTools/gtString.h"
+
 #include <wx/fswatcher.h>
 #include <wx/timer.h>
 
 #include <functional>
 #include <memory>
 #include <set>
-#include <string>
 
 class hoFolderWatcher
 {
@@ -24,13 +25,13 @@ public:
     hoFolderWatcher& operator=(const hoFolderWatcher&) = delete;
 
     // Watches these folders (absolute paths) and no others. An event loop must be running.
-    void watch(const std::set<std::string>& folders);
+    void watch(const std::set<gtString>& folders);
 
 private:
-    void unwatch(const std::set<std::string>& folders);
+    void unwatch(const std::set<gtString>& folders);
 
     std::function<void()> _onChange;
-    std::set<std::string> _folders;  // that are watched
+    std::set<gtString> _folders;  // that are watched
     wxTimer _timer;
     int _pause;  // milliseconds between a change and telling of it
     // The last member: it tells of what it has not told yet when it goes away.

@@ -4,7 +4,6 @@
 #include "countersignVersion.h"
 #include "host/desktop/hoManual.h"
 #include "host/window/hoDisplayText.h"
-#include "platform/baseTools/gtBytes.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/aboutdlg.h>
@@ -32,18 +31,18 @@ void hoShowAbout(wxWindow* pParent)
     wxAboutBox(info, pParent);
 }
 
-void hoShowManual(wxWindow* pParent, const std::string& program)
+void hoShowManual(wxWindow* pParent, const gtString& program)
 {
-    const std::string manual = hoManualPath(program);
-    if (manual.empty())
+    const gtString manual = hoManualPath(program);
+    if (manual.isEmpty())
     {
         wxMessageBox("The manual is not there. It is installed with the program, as "
                      "share/doc/countersign/manual.html; installing Countersign anew brings it back.",
                      "Manual", wxOK | wxICON_ERROR, pParent);
     }
-    else if (!wxLaunchDefaultApplication(gtPathTextFromBytes(hoToText(manual))))
+    else if (!wxLaunchDefaultApplication(gtPathTextFromBytes(manual)))
     {
-        wxMessageBox("There is no program to open the manual with. It is " + hoDisplayText(hoToText(manual)) +
+        wxMessageBox("There is no program to open the manual with. It is " + hoDisplayText(manual) +
                          " and can be read in any browser.",
                      "Manual", wxOK | wxICON_ERROR, pParent);
     }

@@ -3,9 +3,9 @@
 #ifndef COUNTERSIGN_HO_HELP_H
 #define COUNTERSIGN_HO_HELP_H
 
-#include <wx/string.h>
+#include "platform/baseTools/gtString.h"
 
-#include <string>
+#include <wx/string.h>
 
 class wxWindow;
 
@@ -16,6 +16,6 @@ void hoShowAbout(wxWindow* pParent);
 
 // Opens the manual in the desktop's default program. When there is none, or no program for it, a message says so.
 // program: the absolute path of this program, links resolved.
-void hoShowManual(wxWindow* pParent, const std::string& program);
+void hoShowManual(wxWindow* pParent, const gtString& program);
 
 #endif

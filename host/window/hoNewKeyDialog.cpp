@@ -3,7 +3,6 @@
 
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoTypedSecret.h"
-#include "platform/baseTools/gtBytes.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/button.h>
@@ -21,7 +20,7 @@
 
 namespace
 {
-const int pollInterval = 50;  // milliseconds
+const int pulseInterval = 50;  // milliseconds
 const int fileWidth = 380;
 const int bitsOffered[] = {512, 1024, 2048, 3072, 4096};
 
@@ -41,7 +40,8 @@ hoNewKeyDialog::hoNewKeyDialog(wxWindow* pParent, const gtString& folder)
       _pAgain(nullptr),
       _pGauge(nullptr),
       _pSaid(nullptr),
-      _pCreate(nullptr)
+      _pCreate(nullptr),
+      _call([this] { onFinished(); })
 {
     auto* pBrowse = new wxButton(this, wxID_ANY, "&Browse...");
     _pPassphrase = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_PASSWORD);
@@ -62,14 +62,14 @@ hoNewKeyDialog::hoNewKeyDialog(wxWindow* pParent, const gtString& folder)
     _pPassphrase->SetName("passphrase");
     _pAgain->SetName("again");
     _pSaid->SetName("said");
-    _pFile->ChangeValue(gtPathTextFromBytes(hoToText(hoToBytes(folder) + "countersign-key.pem")));
+    _pFile->ChangeValue(gtPathTextFromBytes(gtString(folder).append("countersign-key.pem")));
     _pFile->SetToolTip("The private key's file; the public key goes beside it, with .pub before .pem");
 
     pBrowse->Bind(wxEVT_BUTTON, &hoNewKeyDialog::OnBrowse, this);
     _pCreate->Bind(wxEVT_BUTTON, &hoNewKeyDialog::OnCreate, this);
     pCancel->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cancel(); });
     Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { cancel(); });
-    _timer.Bind(wxEVT_TIMER, &hoNewKeyDialog::OnTimer, this);
+    _pulse.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { _pGauge->Pulse(); });
 
     auto* pFileRow = new wxBoxSizer(wxHORIZONTAL);
     _pFile->SetMinSize(FromDIP(wxSize(fileWidth, -1)));
@@ -108,13 +108,14 @@ gtString hoNewKeyDialog::privateKeyPath() const
 
 gtString hoNewKeyDialog::publicKeyPath() const
 {
-    std::string path = hoToBytes(privateKeyPath());
-    const std::string ending = ".pem";
-    if (path.size() > ending.size() && path.compare(path.size() - ending.size(), ending.size(), ending) == 0)
+    const gtString path = privateKeyPath();
+    std::string_view stem = path.asStringView();
+    const std::string_view ending = ".pem";
+    if (stem.size() > ending.size() && stem.substr(stem.size() - ending.size()) == ending)
     {
-        path.erase(path.size() - ending.size());
+        stem.remove_suffix(ending.size());
     }
-    return hoToText(path + ".pub" + ending);
+    return gtString(stem).append(".pub").append(ending);
 }
 
 void hoNewKeyDialog::OnBrowse(wxCommandEvent&)
@@ -137,7 +138,7 @@ void hoNewKeyDialog::OnCreate(wxCommandEvent&)
     say("Making the key pair...");
     try
     {
-        _pPair = std::make_unique<hoNewKeyPair>(typedBits());
+        _pPair = std::make_unique<hoNewKeyPair>(typedBits(), [this] { _call.request(); });
     }
     catch (const std::system_error& error)
     {
@@ -145,17 +146,16 @@ void hoNewKeyDialog::OnCreate(wxCommandEvent&)
         return;
     }
     setBusy(true);
-    _timer.Start(pollInterval);
+    _pulse.Start(pulseInterval);
 }
 
-void hoNewKeyDialog::OnTimer(wxTimerEvent&)
+void hoNewKeyDialog::onFinished()
 {
-    _pGauge->Pulse();
     if (_pPair == nullptr || !_pPair->isFinished())
     {
         return;
     }
-    _timer.Stop();
+    _pulse.Stop();
     if (_pPair->isMade())
     {
         writeFiles();
@@ -173,7 +173,7 @@ void hoNewKeyDialog::OnTimer(wxTimerEvent&)
 
 void hoNewKeyDialog::cancel()
 {
-    _timer.Stop();
+    _pulse.Stop();
     _pPair.reset();
     EndModal(wxID_CANCEL);
 }

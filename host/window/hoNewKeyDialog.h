@@ -4,6 +4,7 @@
 #define COUNTERSIGN_HO_NEW_KEY_DIALOG_H
 
 #include "host/keys/hoNewKeyPair.h"
+#include "platform/toolkit/gtMainThreadCall.h"
 
 #include <wx/dialog.h>
 #include <wx/timer.h>
@@ -28,7 +29,7 @@ public:
 private:
     void OnBrowse(wxCommandEvent& event);
     void OnCreate(wxCommandEvent& event);
-    void OnTimer(wxTimerEvent& event);
+    void onFinished();
     void cancel();
     // The size that is chosen or typed, with or without the word behind it; 0 when it is no number.
     int typedBits() const;
@@ -39,9 +40,8 @@ private:
     void say(const wxString& text);
     void setBusy(bool isBusy);
 
-    std::unique_ptr<hoNewKeyPair> _pPair;  // while it is being made
     bool _mayOverwrite;
-    wxTimer _timer;
+    wxTimer _pulse;  // moves the gauge while the pair is being made
     wxComboBox* _pBits;
     wxTextCtrl* _pFile;
     wxTextCtrl* _pPassphrase;
@@ -49,6 +49,8 @@ private:
     wxGauge* _pGauge;
     wxStaticText* _pSaid;
     wxButton* _pCreate;
+    gtMainThreadCall _call;                // when the pair is finished
+    std::unique_ptr<hoNewKeyPair> _pPair;  // while it is being made; the last member, its thread uses _call
 };
 
 #endif

@@ -2,7 +2,6 @@
 #include "host/window/hoSigningWords.h"
 
 #include "host/window/hoDisplayText.h"
-#include "platform/baseTools/gtBytes.h"
 
 #include <cerrno>
 #include <system_error>
@@ -152,7 +151,7 @@ wxString hoStateText(hoDocumentState state, bool canTest)
 
 wxString hoKeyProblemText(const gtString& path, const hoKeyFileFacts& facts)
 {
-    const wxString name = wxUniChar(0x201C) + hoDisplayText(hoLastComponent(path), 60) + wxUniChar(0x201D);
+    const wxString name = hoQuotedText(hoDisplayText(hoLastComponent(path), 60));
     switch (facts._problem)
     {
     case hoKeyFileProblem::None:
@@ -193,14 +192,14 @@ wxString hoKeyText(const hoLoadedKey& key, bool isPrivate)
         return wxString();
     }
     const wxString kind = isPrivate ? "private" : "public";
-    return wxString::Format("%d-bit %s key ", key._pKey->bits(), kind) + hoShortFingerprint(*key._pKey) + ", " +
-           hoDisplayText(hoLastComponent(key._path), 40);
+    return wxString::Format("%d-bit %s key ", key._pKey->bits(), kind) + hoShortFingerprint(*key._pKey).asCharArray() +
+           ", " + hoDisplayText(hoLastComponent(key._path), 40);
 }
 
 hoWorkSummary hoKeyWarning(const hoLoadedKey& key)
 {
     hoWorkSummary warning = {wxString(), hoDisplayText(key._path) + "\n", false};
-    const wxString name = wxUniChar(0x201C) + hoDisplayText(hoLastComponent(key._path), 60) + wxUniChar(0x201D);
+    const wxString name = hoQuotedText(hoDisplayText(hoLastComponent(key._path), 60));
     if (key._isFolderOpenToOthers)
     {
         warning._line = "Others than you may put another key in the place of " + name + ".";
@@ -266,8 +265,13 @@ wxString hoAmountText(std::size_t amount, const char* one, const char* many)
 
 gtString hoLastComponent(const gtString& path)
 {
-    const std::string bytes = hoToBytes(path);
-    const std::size_t separator = bytes.rfind('/');
-    const std::size_t start = separator == std::string::npos ? 0 : separator + 1;
-    return start == bytes.size() ? path : hoToText(bytes.substr(start));
+    const std::string_view bytes = path.asStringView();
+    // Without a separator, from the beginning: the largest position and one are 0.
+    const std::size_t start = bytes.rfind('/') + 1;
+    return start == bytes.size() ? path : gtString(bytes.substr(start));
+}
+
+wxString hoQuotedText(const wxString& text)
+{
+    return wxUniChar(0x201C) + text + wxUniChar(0x201D);
 }

@@ -42,4 +42,7 @@ wxString hoAmountText(std::size_t amount, const char* one, const char* many);
 // The last component of a path, for a message; the whole path when that is empty.
 gtString hoLastComponent(const gtString& path);
 
+// The text between double quotation marks.
+wxString hoQuotedText(const wxString& text);
+
 #endif

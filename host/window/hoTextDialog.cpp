@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoTextDialog.h"
 
+#include "host/window/hoClipboard.h"
+
 #include <wx/button.h>
-#include <wx/clipbrd.h>
-#include <wx/dataobj.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
@@ -34,15 +34,4 @@ hoTextDialog::hoTextDialog(wxWindow* pParent, const wxString& title, const wxStr
     CentreOnParent();
     pClose->SetDefault();
     pClose->SetFocus();
-}
-
-bool hoCopyText(const wxString& text)
-{
-    const wxClipboardLocker clipboard;
-    if (!clipboard || !wxTheClipboard->SetData(new wxTextDataObject(text)))
-    {
-        return false;
-    }
-    wxTheClipboard->Flush();
-    return true;
 }

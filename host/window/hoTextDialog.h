@@ -12,7 +12,4 @@ public:
     hoTextDialog(wxWindow* pParent, const wxString& title, const wxString& heading, const wxString& text);
 };
 
-// Puts a text on the clipboard, where it stays when the application ends. False when the clipboard is not to be had.
-bool hoCopyText(const wxString& text);
-
 #endif

@@ -2,6 +2,7 @@
 #include "host/window/hoTextsDialog.h"
 
 #include "host/signing/hoShortTexts.h"
+#include "host/window/hoClipboard.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoSigningWords.h"
 #include "host/window/hoTextDialog.h"
@@ -214,6 +215,6 @@ void hoTextsDialog::say(const wxString& text)
 void hoTextsDialog::sayWithBytes(const wxString& text, const gtString& bytes)
 {
     say(text);
-    hoTextDialog(this, "No text", text + " These bytes come out:", wxString::FromAscii(hoHexDump(bytes).c_str()))
+    hoTextDialog(this, "No text", text + " These bytes come out:", wxString::FromAscii(hoHexDump(bytes).asCharArray()))
         .ShowModal();
 }

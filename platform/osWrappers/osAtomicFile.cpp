@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
+#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -133,10 +134,10 @@ void bringFolderToDisk(const std::string& folder)
 
 }  // namespace
 
-int osWriteFileAtomically(const std::string& path, std::string_view bytes, bool mayOverwrite, unsigned int rights)
+int osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite, unsigned int rights)
 {
     struct stat status = {};
-    if (::stat(path.c_str(), &status) == 0)
+    if (::stat(path.asCharArray(), &status) == 0)
     {
         if (!S_ISREG(status.st_mode))
         {
@@ -147,7 +148,7 @@ int osWriteFileAtomically(const std::string& path, std::string_view bytes, bool 
             return EEXIST;
         }
     }
-    const std::string wanted = mayOverwrite ? followLinks(path) : path;
+    const std::string wanted = mayOverwrite ? followLinks(path.asStdString()) : path.asStdString();
     // Whatever takes memory comes before there is a file to clean up.
     const std::string folder = folderOf(wanted);
     std::string newPath;

@@ -6,7 +6,8 @@
 #ifndef OS_ATOMIC_FILE_H
 #define OS_ATOMIC_FILE_H
 
-#include <string>
+#include "platform/baseTools/gtString.h"
+
 #include <string_view>
 
 #pragma GCC visibility push(default)
@@ -20,7 +21,7 @@
 // given by a hard link, or where there are none by a renaming that replaces nothing, or where there is neither, by taking
 // the name with an empty file first. That last way is the only one on which others may see an empty file for a moment.
 // rights: the file's, whatever the umask is; 0: as the umask gives them. Nobody else can open the file before it has them.
-int osWriteFileAtomically(const std::string& path, std::string_view bytes, bool mayOverwrite, unsigned int rights = 0);
+int osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite, unsigned int rights = 0);
 
 #pragma GCC visibility pop
 

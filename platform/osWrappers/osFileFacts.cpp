@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/osWrappers/osFileFacts.h"
 
-#include "platform/baseTools/gtBytes.h"
-
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -69,9 +68,9 @@ bool holdsNul(const gtString& path)
 
 bool isAddress(const gtString& path)
 {
-    const std::string text = hoToBytes(path);
+    const std::string_view text = path.asStringView();
     const std::size_t end = text.find("://");
-    return end != std::string::npos && end > 0 && text.find('/') > end;
+    return end != std::string_view::npos && end > 0 && text.find('/') > end;
 }
 }  // namespace
 
@@ -127,7 +126,7 @@ osFileProblem osReadFileFacts(const gtString& path, osFileFacts& facts)
 
 gtString osAbsolutePath(const gtString& path)
 {
-    const std::string given = hoToBytes(path);
+    const std::string given = path.asStdString();
     const std::size_t lastSeparator = given.rfind('/');
     const std::string name = lastSeparator == std::string::npos ? given : given.substr(lastSeparator + 1);
     if (name.empty() || name == "." || name == ".." || holdsNul(path))
@@ -146,5 +145,5 @@ gtString osAbsolutePath(const gtString& path)
     {
         absolute.append('/');
     }
-    return absolute.append(hoToText(name));
+    return absolute.append(gtString(name));
 }

@@ -9,7 +9,6 @@
 #include "cliTestSupport.h"
 #include "crypto/crRSAEncryptionKey.h"
 #include "host/keys/hoKeyFile.h"
-#include "platform/baseTools/gtBytes.h"
 
 namespace
 {
@@ -36,13 +35,13 @@ protected:
     std::string encrypted(const std::string& text) const
     {
         gtString cipher;
-        EXPECT_EQ(hoEncryptText(_pKey->publicKey(), hoToText(text), cipher), hoTextProblem::None) << text.size();
-        return hoToBytes(cipher);
+        EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString(text), cipher), hoTextProblem::None) << text.size();
+        return cipher.asStdString();
     }
 
     hoTextProblem decrypt(const std::string& cipher, gtString& text) const
     {
-        return hoDecryptText(_pKey->privateKey(), hoToText(cipher), text);
+        return hoDecryptText(_pKey->privateKey(), gtString(cipher), text);
     }
 
     TemporaryFolder _folder;
@@ -64,22 +63,22 @@ TEST_F(TextEncryption, BringsBackEveryLengthUpToTheLimit)
         EXPECT_EQ(cipher.size(), (length == 0) ? 8U : 136U);
         gtString back("left over");
         EXPECT_EQ(decrypt(cipher, back), hoTextProblem::None);
-        EXPECT_EQ(hoToBytes(back), text);
+        EXPECT_EQ(back.asStdString(), text);
     }
 }
 
 TEST_F(TextEncryption, RefusesWhatWouldNotComeBack)
 {
     gtString cipher("kept");
-    EXPECT_EQ(hoEncryptText(_pKey->publicKey(), hoToText(std::string(64, 'x')), cipher), hoTextProblem::TooLong);
+    EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString(std::string(64, 'x')), cipher), hoTextProblem::TooLong);
     EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString("a\0b", 3), cipher), hoTextProblem::HoldsNul);
-    EXPECT_EQ(hoEncryptText(_pKey->publicKey(), hoToText(std::string(62, 'x') + "\xff"), cipher),
+    EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString(std::string(62, 'x') + "\xff"), cipher),
               hoTextProblem::TooLargeForKey);
     EXPECT_EQ(cipher, gtString("kept"));
     // One byte less, and the filler is on top.
     gtString back;
     EXPECT_EQ(decrypt(encrypted(std::string(61, 'x') + "\xff"), back), hoTextProblem::None);
-    EXPECT_EQ(hoToBytes(back), std::string(61, 'x') + "\xff");
+    EXPECT_EQ(back.asStdString(), std::string(61, 'x') + "\xff");
 }
 
 TEST_F(TextEncryption, DecryptsWhatWasCopiedWithBlanks)
@@ -120,8 +119,8 @@ TEST_F(TextEncryption, FindsWrongKeysAndDamage)
     for (std::size_t length = 1; length < 60; length++)
     {
         const std::string cipher = encrypted(std::string(length, 'x'));
-        EXPECT_EQ(hoDecryptText(_pOther->privateKey(), hoToText(cipher), back), hoTextProblem::DoesNotComeOut);
-        EXPECT_EQ(hoDecryptText(_pKey->publicKey(), hoToText(cipher), back), hoTextProblem::DoesNotComeOut);
+        EXPECT_EQ(hoDecryptText(_pOther->privateKey(), gtString(cipher), back), hoTextProblem::DoesNotComeOut);
+        EXPECT_EQ(hoDecryptText(_pKey->publicKey(), gtString(cipher), back), hoTextProblem::DoesNotComeOut);
         std::string damaged = cipher;
         damaged[8 + length] = (damaged[8 + length] == '0') ? '1' : '0';
         EXPECT_EQ(decrypt(damaged, back), hoTextProblem::DoesNotComeOut);

@@ -40,7 +40,7 @@ ROOMS = {
     "host/documents": (["host/signing"] + PLATFORM, []),
     "host/messages": (["host/keys", "host/signing", "host/documents"] + PLATFORM, []),
     "host/assertions": (["assertionReporting", "assertionHandling", "platform/toolkit"] + PLATFORM, ["wx"]),
-    "host/desktop": (PLATFORM, ["glib", "x11"]),
+    "host/desktop": (["host/documents", "app", "platform/toolkit"] + PLATFORM, ["wx", "glib", "x11"]),
     "host/window": (
         ENGINES
         + ["host/assertions", "host/desktop", "crypto", "assertionReporting", "assertionHandling", "platform/toolkit"] + PLATFORM,
@@ -48,7 +48,7 @@ ROOMS = {
     ),
     "host": (
         ENGINES
-        + ["host/assertions", "host/desktop", "host/window", "app", "assertionReporting", "assertionHandling", "platform/toolkit"]
+        + ["host/assertions", "host/desktop", "host/window", "assertionReporting", "assertionHandling", "platform/toolkit"]
         + PLATFORM,
         ["wx"],
     ),
@@ -139,6 +139,8 @@ CASES = [
     ("host/window/a.cpp", "<gtk/gtk.h>", True),
     ("host/desktop/a.cpp", '"host/window/b.h"', False),
     ("host/MainFrame.cpp", '"host/window/b.h"', True),
+    ("host/MainFrame.cpp", '"app/ApplicationShell.h"', False),
+    ("host/desktop/a.cpp", '"app/ApplicationShell.h"', True),
     ("crypto/a.cpp", '"host/keys/b.h"', False),
     ("crypto/a.cpp", '  "bigdigits.h"', True),
     ("src/bigdigits.cpp", '"platform/baseTools/gtString.h"', False),

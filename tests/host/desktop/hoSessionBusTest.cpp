@@ -20,12 +20,12 @@ using Outcome = hoSessionBus::Outcome;
 // What came in on one connection, in order: one entry a request.
 struct Requests
 {
-    std::vector<std::vector<std::string>> opened;
+    std::vector<std::vector<gtString>> opened;
     int activations = 0;
 
     hoSessionBus::OpenFunction onOpen()
     {
-        return [this](const std::vector<std::string>& paths) { opened.push_back(paths); };
+        return [this](const std::vector<gtString>& paths) { opened.push_back(paths); };
     }
     hoSessionBus::ActivateFunction onActivate()
     {
@@ -83,7 +83,7 @@ void meanwhile(const std::function<void()>& work)
 }
 
 // What a later start with these paths comes to while the requests it makes are answered here.
-Outcome startAnother(const std::vector<std::string>& paths, Requests& requests)
+Outcome startAnother(const std::vector<gtString>& paths, Requests& requests)
 {
     Outcome outcome = Outcome::FIRST;
     meanwhile(
@@ -138,11 +138,15 @@ TEST_F(SessionBusTest, aStrangersOpenBringsPathsWithTheirPercentSignsUndone)
     int status = -1;
     meanwhile(
         [&]
-        { status = gdbusCall("Open \"['file:///a%20b', 'file:///100%25', 'file:///%C3%A9%FF', 'x-web://h/p']\" {}"); });
+        {
+            status = gdbusCall("Open \"['file:///a%20b', 'file:///100%25', 'file:///%C3%A9%FF', 'x-web://h/p', "
+                               "'file://elsewhere.invalid/p']\" {}");
+        });
     EXPECT_EQ(status, 0);
     ASSERT_TRUE(runUntil([&] { return !requests.opened.empty(); }));
     ASSERT_EQ(requests.opened.size(), 1U);
-    const std::vector<std::string> expected = {"/a b", "/100%", "/\xC3\xA9\xFF", "x-web://h/p"};
+    const std::vector<gtString> expected = {"/a b", "/100%", "/\xC3\xA9\xFF", "x-web://h/p",
+                                            "file://elsewhere.invalid/p"};
     EXPECT_EQ(requests.opened[0], expected);
 }
 
@@ -167,12 +171,12 @@ TEST_F(SessionBusTest, aSecondStartHandsItsDocumentsOver)
     hoSessionBus bus;
     ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
 
-    const std::vector<std::string> paths = {"/with blank", "/100%",    "/\xC3\xA9", "/\xFF\xFE",
-                                            "/new\nline",  "relative", "-v"};
+    const std::vector<gtString> paths = {"/with blank", "/100%",    "/\xC3\xA9", "/\xFF\xFE",
+                                         "/new\nline",  "relative", "-v"};
     Requests second;
     EXPECT_EQ(startAnother(paths, second), Outcome::HANDED_OVER);
     ASSERT_TRUE(runUntil([&] { return !first.opened.empty(); }));
-    std::vector<std::string> expected = paths;
+    std::vector<gtString> expected = paths;
     char folder[4096];
     ASSERT_NE(getcwd(folder, sizeof folder), nullptr);
     expected[5] = std::string(folder) + "/relative";
@@ -209,7 +213,7 @@ TEST_F(SessionBusTest, aHundredRequestsAtOnceAllArriveInTheirOrder)
     Requests first;
     hoSessionBus bus;
     ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
-    std::vector<std::string> many;
+    std::vector<gtString> many;
     many.reserve(100);
     for (int i = 0; i < 100; ++i)
     {
@@ -224,7 +228,7 @@ TEST_F(SessionBusTest, aHundredRequestsAtOnceAllArriveInTheirOrder)
     meanwhile(
         [&]
         {
-            for (const std::string& path : many)
+            for (const gtString& path : many)
             {
                 hoSessionBus other;
                 other.start({path}, first.onOpen(), first.onActivate());
@@ -234,7 +238,7 @@ TEST_F(SessionBusTest, aHundredRequestsAtOnceAllArriveInTheirOrder)
     EXPECT_EQ(first.opened[0], many);
     for (std::size_t i = 0; i < many.size(); ++i)
     {
-        EXPECT_EQ(first.opened[i + 1], std::vector<std::string>{many[i]});
+        EXPECT_EQ(first.opened[i + 1], std::vector<gtString>{many[i]});
     }
 }
 
@@ -258,7 +262,7 @@ TEST_F(SessionBusTest, anOwnerThatDoesNotAnswerIsNotWaitedForForever)
         });
     EXPECT_EQ(outcome, Outcome::HANDED_OVER);
     ASSERT_TRUE(runUntil([&] { return !first.opened.empty(); }));
-    EXPECT_EQ(first.opened, std::vector<std::vector<std::string>>{{"/b"}});
+    EXPECT_EQ(first.opened, std::vector<std::vector<gtString>>{{"/b"}});
 }
 
 TEST_F(SessionBusTest, whoeverWaitsForAnOwnerThatLeavesIsTheNextOne)
@@ -291,7 +295,7 @@ TEST_F(SessionBusTest, whatNoMessageHoldsIsNotHandedOver)
     hoSessionBus bus;
     ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
     // More than the bus allows in one list.
-    const std::vector<std::string> paths(8000, "/" + std::string(3000, '%'));
+    const std::vector<gtString> paths(8000, "/" + std::string(3000, '%'));
     Requests second;
     EXPECT_EQ(startAnother(paths, second), Outcome::NO_BUS);
     EXPECT_TRUE(first.opened.empty());

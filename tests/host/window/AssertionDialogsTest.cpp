@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The Developer menu: the interactive handler in the silent one's place.
+// The Developer menu: the interactive handler beside the silent one.
 #include "tests/host/MainFrameFixture.h"
 
 #include "assertionHandling/ahAssertDialog.h"
@@ -84,8 +84,8 @@ TEST_F(AssertionDialogs, ComeAndGoByTheMenu)
 {
     start();
     switchByMenu(true);
-    // The one handler has taken the other's place.
-    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
+    // The silent one stays registered.
+    EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 2);
     dialogsDuring("alt+i", [] { fail(1); });
 
     switchByMenu(false);
@@ -108,7 +108,8 @@ TEST_F(AssertionDialogs, AreReachedByTheMenu)
         .perform("check and leave it",
                  [&]
                  {
-                     EXPECT_THAT(tsTopModalDialog()->GetLabel().utf8_string(), HasSubstr("Assert in: MainFrame.cpp"));
+                     EXPECT_THAT(tsTopModalDialog()->GetLabel().utf8_string(),
+                                 HasSubstr("Assert in: hoAssertionController.cpp"));
                      isAnswered = true;
                      tsPressKeys("alt+i");
                  })

@@ -42,7 +42,7 @@ protected:
         std::string text;
         for (const std::string& path : paths)
         {
-            text += "file://" + hoToPercentText(path) + "\r\n";
+            text += "file://" + hoToPercentText(path).asStdString() + "\r\n";
         }
         dynamic_cast<hoDocumentDropTarget&>(*_pFrame->GetDropTarget()).drop(text);
     }

@@ -1,0 +1,364 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/hoDocumentsView.h"
+
+#include "host/window/hoClipboard.h"
+#include "host/window/hoCommands.h"
+#include "host/window/hoDocumentListCtrl.h"
+#include "host/window/hoIcons.h"
+#include "host/window/hoMenuBar.h"
+#include "platform/toolkit/gtTextConversion.h"
+
+#include <wx/filedlg.h>
+#include <wx/panel.h>
+#include <wx/settings.h>
+#include <wx/sizer.h>
+#include <wx/statbmp.h>
+#include <wx/stattext.h>
+#include <wx/wupdlock.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace
+{
+enum Page
+{
+    PAGE_EMPTY = 0,
+    PAGE_LIST = 1
+};
+
+const wxSize pictureSize(64, 64);
+
+wxPanel* makeEmptyPage(wxWindow* pParent)
+{
+    auto* pPage = new wxPanel(pParent);
+    auto* pPicture = new wxStaticBitmap(pPage, wxID_ANY, hoApplicationPicture().GetBitmap(pPage->FromDIP(pictureSize)));
+    auto* pLine = new wxStaticText(pPage, wxID_ANY, "Drop documents here, or choose File > Open (Ctrl+O).");
+    pLine->SetName("emptyLine");
+    pPage->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
+    pLine->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOXTEXT));
+
+    auto* pTop = new wxBoxSizer(wxVERTICAL);
+    pTop->AddStretchSpacer(2);
+    pTop->Add(pPicture, wxSizerFlags().CentreHorizontal());
+    pTop->Add(pLine, wxSizerFlags().CentreHorizontal().TripleBorder());
+    pTop->AddStretchSpacer(3);
+    pPage->SetSizer(pTop);
+    return pPage;
+}
+}  // namespace
+
+hoDocumentsView::hoDocumentsView(wxWindow* pParent, Callbacks callbacks)
+    : wxSimplebook(pParent),
+      _callbacks(std::move(callbacks)),
+      _watcher([this] { refreshDocuments(); }),
+      _pList(nullptr),
+      _canTest(false)
+{
+    AddPage(makeEmptyPage(this), "empty");
+    SetMinSize(wxSize(1, 1));
+}
+
+std::vector<gtString> hoDocumentsView::chooseDocuments(const gtString& folder)
+{
+    std::vector<gtString> paths;
+    wxFileDialog dialog(this, "Open documents", gtPathTextFromBytes(folder), wxString(),
+                        wxFileSelectorDefaultWildcardStr, wxFD_OPEN | wxFD_MULTIPLE);
+    if (dialog.ShowModal() == wxID_OK)
+    {
+        wxArrayString pathTexts;
+        dialog.GetPaths(pathTexts);
+        for (const wxString& pathText : pathTexts)
+        {
+            paths.push_back(gtPathBytesFromText(pathText));
+        }
+    }
+    return paths;
+}
+
+std::size_t hoDocumentsView::open(const gtString& path)
+{
+    const hoDocumentList::Opening opening = _documents.open(path);
+    if (opening._problem != osFileProblem::None)
+    {
+        _callbacks._onRefused(path, opening._problem);
+    }
+    else
+    {
+        if (opening._isNew)
+        {
+            // New documents come last, so the rows are no longer in the order of a column.
+            list().RemoveSortIndicator();
+        }
+        list().showChanges();
+        _callbacks._onOpened(_documents[opening._position]);
+    }
+    _callbacks._onChange();
+    return opening._position;
+}
+
+void hoDocumentsView::openAskedFor(const gtString& path)
+{
+    const std::size_t row = open(path);
+    if (row != hoDocumentList::nowhere)
+    {
+        _askedFor.push_back(_documents[row]._path);
+    }
+}
+
+void hoDocumentsView::openAndSelect(const std::vector<gtString>& paths)
+{
+    std::vector<std::size_t> rows;
+    {
+        const wxWindowUpdateLocker noPainting(this);
+        for (const gtString& path : paths)
+        {
+            const std::size_t row = open(path);
+            if (row != hoDocumentList::nowhere)
+            {
+                rows.push_back(row);
+            }
+        }
+    }
+    select(rows);
+}
+
+void hoDocumentsView::select(const std::vector<std::size_t>& rows)
+{
+    if (!rows.empty())
+    {
+        list();
+        ChangeSelection(PAGE_LIST);
+        list().select(rows);
+        list().SetFocus();
+    }
+}
+
+void hoDocumentsView::selectPaths(const std::vector<gtString>& absolutePaths)
+{
+    std::vector<std::size_t> rows;
+    for (const gtString& path : absolutePaths)
+    {
+        const std::size_t row = _documents.positionOf(path);
+        if (row != hoDocumentList::nowhere)
+        {
+            rows.push_back(row);
+        }
+    }
+    select(rows);
+}
+
+void hoDocumentsView::selectAll()
+{
+    if (_pList != nullptr)
+    {
+        _pList->SetFocus();
+        _pList->selectAll();
+    }
+}
+
+std::size_t hoDocumentsView::amountSelected() const
+{
+    return _pList == nullptr ? 0 : static_cast<std::size_t>(_pList->GetSelectedItemCount());
+}
+
+std::vector<gtString> hoDocumentsView::selectedPaths() const
+{
+    std::vector<gtString> paths;
+    if (_pList != nullptr)
+    {
+        for (const std::size_t row : _pList->selected())
+        {
+            paths.push_back(_documents[row]._path);
+        }
+    }
+    return paths;
+}
+
+std::size_t hoDocumentsView::copySelectedPaths() const
+{
+    const std::vector<gtString> paths = selectedPaths();
+    wxString text;
+    for (const gtString& path : paths)
+    {
+        text += (text.empty() ? "" : "\n") + gtTextFromBytes(path);
+    }
+    return !paths.empty() && hoCopyText(text) ? paths.size() : 0;
+}
+
+std::vector<hoDocument> hoDocumentsView::documentsToProcess(bool areAllWanted)
+{
+    std::vector<std::size_t> rows;
+    if (!areAllWanted && _pList != nullptr)
+    {
+        rows = _pList->selected();
+    }
+    const std::size_t amount = rows.empty() ? _documents.size() : rows.size();
+    std::vector<hoDocument> documents;
+    documents.reserve(amount);
+    for (std::size_t i = 0; i < amount; ++i)
+    {
+        const std::size_t position = rows.empty() ? i : rows[i];
+        _documents.refresh(position);
+        documents.push_back(_documents[position]);
+    }
+    return documents;
+}
+
+void hoDocumentsView::closeSelected()
+{
+    const std::vector<std::size_t> rows = _pList == nullptr ? std::vector<std::size_t>() : _pList->selected();
+    if (rows.empty())
+    {
+        return;
+    }
+    _documents.close(rows);
+    list().showChanges();
+    // The row that takes the place of the closed one is selected, so that a key pressed again closes the next.
+    list().select(_documents.isEmpty() ? std::vector<std::size_t>()
+                                       : std::vector<std::size_t>{std::min(rows.front(), _documents.size() - 1)});
+    _callbacks._onChange();
+}
+
+void hoDocumentsView::closeAll()
+{
+    _documents.closeAll();
+    list().showChanges();
+    _callbacks._onChange();
+}
+
+void hoDocumentsView::refreshDocuments()
+{
+    bool isChanged = false;
+    for (std::size_t position = 0; position < _documents.size(); ++position)
+    {
+        isChanged = _documents.refresh(position) || isChanged;
+    }
+    if (isChanged)
+    {
+        list().showChanges();
+        _callbacks._onChange();
+    }
+    watchFolders();
+}
+
+void hoDocumentsView::watchFolders()
+{
+    std::set<gtString> folders;
+    for (std::size_t position = 0; position < _documents.size(); ++position)
+    {
+        folders.insert(_documents[position].folder());
+    }
+    _watcher.watch(folders);
+}
+
+void hoDocumentsView::showOutcomes(const std::vector<hoWorkOutcome>& outcomes)
+{
+    for (const hoWorkOutcome& outcome : outcomes)
+    {
+        _documents.setStamp(outcome._path, outcome._stamp);
+    }
+    list().showChanges();
+}
+
+void hoDocumentsView::forgetStates(bool canTest)
+{
+    _canTest = canTest;
+    _documents.forgetStates();
+    if (_pList != nullptr)
+    {
+        _pList->setCanTest(canTest);
+        _pList->showChanges();
+    }
+    _callbacks._onChange();
+}
+
+void hoDocumentsView::showChanges()
+{
+    const int page = _documents.isEmpty() ? PAGE_EMPTY : PAGE_LIST;
+    if (GetSelection() != page)
+    {
+        if (page == PAGE_LIST)
+        {
+            list();
+        }
+        ChangeSelection(static_cast<std::size_t>(page));
+    }
+    selectPaths(std::exchange(_askedFor, {}));
+    watchFolders();
+}
+
+void hoDocumentsView::setColumnWidths(const std::vector<int>& widths)
+{
+    _columnWidths = widths;
+    if (_pList != nullptr)
+    {
+        _pList->setColumnWidths(widths);
+    }
+}
+
+std::vector<int> hoDocumentsView::columnWidths() const
+{
+    return _pList == nullptr ? std::vector<int>() : _pList->columnWidths();
+}
+
+hoDocumentListCtrl& hoDocumentsView::list()
+{
+    if (_pList == nullptr)
+    {
+        _pList = new hoDocumentListCtrl(this, _documents);
+        AddPage(_pList, "documents");
+        // The rows scroll: the window may be narrower than all columns together.
+        _pList->SetMinSize(wxSize(1, 1));
+        _pList->setCanTest(_canTest);
+        _pList->setColumnWidths(_columnWidths);
+        bindList();
+    }
+    return *_pList;
+}
+
+void hoDocumentsView::bindList()
+{
+    _pList->Bind(wxEVT_LIST_COL_CLICK, &hoDocumentsView::OnColumnClick, this);
+    _pList->Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent&) { _callbacks._onChange(); });
+    _pList->Bind(wxEVT_LIST_ITEM_DESELECTED, [this](wxListEvent&) { _callbacks._onChange(); });
+    _pList->Bind(wxEVT_LIST_KEY_DOWN,
+                 [this](wxListEvent& event)
+                 {
+                     if (event.GetKeyCode() == WXK_DELETE || event.GetKeyCode() == WXK_NUMPAD_DELETE)
+                     {
+                         GetParent()->GetEventHandler()->QueueEvent(new wxCommandEvent(wxEVT_MENU, ID_CLOSE_DOCUMENTS));
+                     }
+                     event.Skip();
+                 });
+    _pList->Bind(wxEVT_CONTEXT_MENU,
+                 [this](wxContextMenuEvent&)
+                 {
+                     wxMenu menu;
+                     hoFillContextMenu(menu);
+                     list().PopupMenu(&menu);
+                 });
+}
+
+void hoDocumentsView::OnColumnClick(wxListEvent& event)
+{
+    const int column = event.GetColumn();
+    if (column < 0)
+    {
+        return;
+    }
+    const std::vector<gtString> paths = selectedPaths();
+    const bool isAscending = list().GetUpdatedAscendingSortIndicator(column);
+    _documents.sort(hoDocumentListCtrl::columnAt(column), isAscending);
+    list().ShowSortIndicator(column, isAscending);
+    list().showChanges();
+
+    std::vector<std::size_t> rows;
+    rows.reserve(paths.size());
+    for (const gtString& path : paths)
+    {
+        rows.push_back(_documents.positionOf(path));
+    }
+    std::sort(rows.begin(), rows.end());
+    list().select(rows);
+}

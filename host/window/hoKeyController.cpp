@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/hoKeyController.h"
+
+#include "host/window/hoDisplayText.h"
+#include "host/window/hoKeyLoading.h"
+#include "host/window/hoNewKeyDialog.h"
+#include "platform/toolkit/gtTextConversion.h"
+
+#include <wx/filedlg.h>
+#include <wx/msgdlg.h>
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace
+{
+const std::size_t mostNameCharacters = 60;
+const char* const folderSetting = "keyFolder";
+
+void showError(wxWindow& parent, const wxString& text)
+{
+    wxMessageDialog(&parent, text, "Countersign", wxOK | wxICON_ERROR).ShowModal();
+}
+}  // namespace
+
+hoKeyController::hoKeyController(wxWindow& parent, hoSettings& settings, Callbacks callbacks)
+    : _parent(parent), _settings(settings), _callbacks(std::move(callbacks))
+{
+}
+
+void hoKeyController::setKeys(const hoKeyRing& keys)
+{
+    _keys = keys;
+    _callbacks._onChange();
+}
+
+void hoKeyController::chooseKey(Half half)
+{
+    wxFileDialog dialog(&_parent, half == Half::Private ? "Load a private key" : "Load a public key",
+                        gtPathTextFromBytes(_settings.text(folderSetting)), wxString(),
+                        "PEM files (*.pem)|*.pem;*.PEM|All files|*", wxFD_OPEN | wxFD_FILE_MUST_EXIST);
+    if (dialog.ShowModal() == wxID_OK)
+    {
+        loadKey(gtPathBytesFromText(dialog.GetPath()), half);
+    }
+}
+
+void hoKeyController::loadKey(const gtString& path, Half half)
+{
+    hoKeyFileFacts facts;
+    hoLoadedKey loaded = hoLoadKeyAsking(&_parent, path, facts);
+    if (loaded._pKey == nullptr)
+    {
+        if (facts._problem != hoKeyFileProblem::PassphraseNeeded)
+        {
+            showError(_parent, hoKeyProblemText(path, facts));
+        }
+        return;
+    }
+    if (half == Half::Private && !loaded._pKey->hasPrivateKey())
+    {
+        const wxString name = hoQuotedText(hoDisplayText(hoLastComponent(path), mostNameCharacters));
+        showError(_parent, name + " holds a public key, which cannot sign. Load it as a public key to test with it.");
+        return;
+    }
+    const std::string_view bytes = path.asStringView();
+    _settings.setText(folderSetting, bytes.substr(0, bytes.rfind('/') + 1));
+    hoKeyRing keys = _keys;
+    const bool isPrivate = half == Half::Private || (half == Half::Any && loaded._pKey->hasPrivateKey());
+    if (!isPrivate)
+    {
+        // The private half is not needed and does not stay in memory.
+        loaded._pKey = loaded._pKey->publicHalf();
+    }
+    (isPrivate ? keys._private : keys._public) = loaded;
+    setKeys(keys);
+    const hoWorkSummary warning = isPrivate ? hoKeyWarning(loaded) : hoWorkSummary();
+    if (!warning._line.empty())
+    {
+        _callbacks._onWarning(warning);
+    }
+}
+
+void hoKeyController::makeKeyPair()
+{
+    std::error_code error;
+    const std::string folder = std::filesystem::current_path(error).string() + "/";
+    hoNewKeyDialog dialog(&_parent, _settings.text(folderSetting, folder));
+    if (dialog.ShowModal() == wxID_OK)
+    {
+        _callbacks._onNotice("New key pair: " + hoDisplayText(dialog.privateKeyPath()));
+        loadKey(dialog.privateKeyPath(), Half::Private);
+    }
+}

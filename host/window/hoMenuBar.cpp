@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/hoMenuBar.h"
+
+#include "host/window/hoCommands.h"
+#include "host/window/hoDisplayText.h"
+
+#include <wx/frame.h>
+
+namespace
+{
+const std::size_t mostPathCharacters = 120;
+
+wxMenu* makeFileMenu(wxMenu* pRecentMenu)
+{
+    auto* pMenu = new wxMenu;
+    pMenu->Append(wxID_OPEN, "&Open...\tCtrl+O", "Open documents, several at once");
+    pMenu->AppendSubMenu(pRecentMenu, "Open &recent", "Open a document that was open before");
+    pMenu->AppendSeparator();
+    pMenu->Append(ID_CLOSE_DOCUMENTS, "&Close\tCtrl+W", "Take the selected documents out of the list; the files stay");
+    pMenu->Append(ID_CLOSE_ALL_DOCUMENTS, "Close &all\tCtrl+Shift+W",
+                  "Take all documents out of the list; the files stay");
+    pMenu->AppendSeparator();
+    pMenu->Append(wxID_EXIT, "&Quit\tCtrl+Q", "Close the window and end the application");
+    return pMenu;
+}
+
+wxMenu* makeEditMenu()
+{
+    auto* pMenu = new wxMenu;
+    pMenu->Append(ID_COPY_PATH, "&Copy path\tCtrl+C", "Copy the paths of the selected documents, one a line");
+    pMenu->Append(wxID_SELECTALL, "Select &all\tCtrl+A", "Select all documents");
+    return pMenu;
+}
+
+wxMenu* makeKeyMenu()
+{
+    auto* pMenu = new wxMenu;
+    pMenu->Append(ID_LOAD_PRIVATE_KEY, "Load p&rivate key...\tCtrl+K", "Load the key that signs, from a PEM file");
+    pMenu->Append(ID_LOAD_PUBLIC_KEY, "Load p&ublic key...\tCtrl+Shift+K",
+                  "Load the key that tests somebody's signatures, from a PEM file");
+    pMenu->AppendSeparator();
+    pMenu->Append(ID_NEW_KEY_PAIR, "&New key pair...", "Make a private key and its public partner");
+    pMenu->Append(ID_TEXTS, "&Texts...\tCtrl+E", "Encrypt and decrypt short texts with the loaded keys");
+    pMenu->AppendSeparator();
+    pMenu->Append(ID_FORGET_KEYS, "&Forget keys", "Take the loaded keys out of memory; their files stay");
+    return pMenu;
+}
+
+wxMenu* makeSignatureMenu()
+{
+    auto* pMenu = new wxMenu;
+    pMenu->Append(ID_SIGN, "&Sign\tCtrl+S", "Sign the selected documents, or all if none is selected");
+    pMenu->Append(ID_TEST, "&Test\tCtrl+T", "Test the signatures of the selected documents, or all");
+    pMenu->AppendSeparator();
+    pMenu->Append(ID_SIGN_ALL, "Sign &all\tCtrl+Shift+S", "Sign all documents");
+    pMenu->Append(ID_TEST_ALL, "Test a&ll\tCtrl+Shift+T", "Test the signatures of all documents");
+    return pMenu;
+}
+
+wxMenu* makeDeveloperMenu()
+{
+    auto* pMenu = new wxMenu;
+    pMenu->AppendCheckItem(ID_ASSERTION_DIALOGS, "&Assertion dialogs",
+                           "Show a dialog for each failed assertion instead of staying silent");
+    pMenu->Append(ID_FAIL_ASSERTION, "&Fail an assertion", "Fail one assertion, to see what happens then");
+    pMenu->AppendSeparator();
+    pMenu->Append(ID_ASSERTION_REPORT, "Assertion &report...",
+                  "Show where assertions have failed while there were dialogs for them");
+    return pMenu;
+}
+
+wxMenu* makeHelpMenu()
+{
+    auto* pMenu = new wxMenu;
+    pMenu->Append(wxID_HELP, "&Manual\tF1", "Open the manual in the desktop's program for it");
+    pMenu->Append(wxID_ABOUT, "&About Countersign", "What this application is, and what it is not");
+    return pMenu;
+}
+}  // namespace
+
+hoMenuBar::hoMenuBar() : _pRecentMenu(new wxMenu)
+{
+    Append(makeFileMenu(_pRecentMenu), "&File");
+    Append(makeEditMenu(), "&Edit");
+    Append(makeKeyMenu(), "&Key");
+    Append(makeSignatureMenu(), "&Signature");
+    Append(makeDeveloperMenu(), "&Developer");
+    Append(makeHelpMenu(), "&Help");
+    showRecentDocuments({});
+}
+
+void hoMenuBar::showRecentDocuments(const std::vector<gtString>& paths)
+{
+    while (_pRecentMenu->GetMenuItemCount() > 0)
+    {
+        _pRecentMenu->Destroy(_pRecentMenu->FindItemByPosition(0));
+    }
+    if (paths.empty())
+    {
+        _pRecentMenu->Append(ID_CLEAR_RECENT, "None yet")->Enable(false);
+        return;
+    }
+    int number = 0;
+    for (const gtString& path : paths)
+    {
+        const wxString label = hoDisplayText(path, mostPathCharacters);
+        const wxString mnemonic = number < 9 ? wxString::Format("&%d  ", number + 1) : wxString("1&0  ");
+        _pRecentMenu->Append(ID_RECENT_FIRST + number, mnemonic + wxControl::EscapeMnemonics(label));
+        ++number;
+    }
+    _pRecentMenu->AppendSeparator();
+    _pRecentMenu->Append(ID_CLEAR_RECENT, "&Clear this list", "Forget which documents were open before");
+}
+
+void hoMenuBar::followConditions(wxFrame& frame, const Conditions& conditions)
+{
+    const auto enable = [&frame](int id, const std::function<bool()>& isEnabled)
+    {
+        frame.Bind(
+            wxEVT_UPDATE_UI, [isEnabled](wxUpdateUIEvent& event) { event.Enable(isEnabled()); }, id);
+    };
+
+    enable(ID_CLOSE_DOCUMENTS, conditions._hasSelection);
+    enable(ID_COPY_PATH, conditions._hasSelection);
+    enable(ID_CLOSE_ALL_DOCUMENTS, conditions._hasDocuments);
+    enable(wxID_SELECTALL, conditions._hasDocuments);
+    enable(ID_SIGN, conditions._canSign);
+    enable(ID_SIGN_ALL, conditions._canSign);
+    enable(ID_TEST, conditions._canTest);
+    enable(ID_TEST_ALL, conditions._canTest);
+    enable(ID_FORGET_KEYS, conditions._hasKeys);
+    frame.Bind(
+        wxEVT_UPDATE_UI,
+        [isChecked = conditions._hasAssertionDialogs](wxUpdateUIEvent& event) { event.Check(isChecked()); },
+        ID_ASSERTION_DIALOGS);
+}
+
+void hoFillContextMenu(wxMenu& menu)
+{
+    menu.Append(ID_SIGN, "&Sign");
+    menu.Append(ID_TEST, "&Test");
+    menu.AppendSeparator();
+    menu.Append(ID_COPY_PATH, "&Copy path");
+    menu.Append(ID_CLOSE_DOCUMENTS, "C&lose");
+}

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/hoMessageBar.h"
+
+#include "host/window/hoCommands.h"
+#include "host/window/hoDisplayText.h"
+#include "host/window/hoTextDialog.h"
+
+#include <wx/frame.h>
+#include <wx/infobar.h>
+#include <wx/sizer.h>
+
+#include <algorithm>
+
+namespace
+{
+const std::size_t mostNameCharacters = 60;
+const std::size_t mostRefusalsListed = 1000;
+}  // namespace
+
+hoMessageBar::hoMessageBar(wxFrame& frame) : _frame(frame), _pBar(nullptr) {}
+
+void hoMessageBar::addRefusal(const gtString& path, osFileProblem problem)
+{
+    _refusals.emplace_back(path, problem);
+}
+
+void hoMessageBar::clear()
+{
+    _refusals.clear();
+    _result = hoWorkSummary();
+    _keyWarning = hoWorkSummary();
+}
+
+void hoMessageBar::dismiss()
+{
+    clear();
+    show();
+}
+
+void hoMessageBar::show()
+{
+    if (!_refusals.empty())
+    {
+        bar().ShowMessage(refusalText(), wxICON_ERROR);
+    }
+    else if (!_result._line.empty())
+    {
+        bar().ShowMessage(_result._line, _result._isAllWell ? wxICON_INFORMATION : wxICON_WARNING);
+    }
+    else if (!_keyWarning._line.empty())
+    {
+        bar().ShowMessage(_keyWarning._line, wxICON_WARNING);
+    }
+    else if (_pBar != nullptr && _pBar->IsShown())
+    {
+        _pBar->Dismiss();
+    }
+}
+
+wxString hoMessageBar::refusalText() const
+{
+    if (_refusals.empty())
+    {
+        return wxString();
+    }
+    if (_refusals.size() > 1)
+    {
+        return hoNumberText(_refusals.size()) + " documents could not be opened.";
+    }
+    const auto& [path, problem] = _refusals.front();
+    return "Cannot open " + hoQuotedText(hoDisplayText(hoLastComponent(path), mostNameCharacters)) + ": " +
+           hoFileProblemText(problem) + ".";
+}
+
+wxInfoBar& hoMessageBar::bar()
+{
+    if (_pBar == nullptr)
+    {
+        wxWindow* const pBelow = _frame.GetSizer()->GetItem(std::size_t(0))->GetWindow();
+        _pBar = new wxInfoBar(&_frame);
+        _pBar->AddButton(ID_SHOW_DETAILS, "Details...");
+        _pBar->AddButton(wxID_CLOSE, "Dismiss");
+        _pBar->Bind(wxEVT_BUTTON, &hoMessageBar::OnDetails, this, ID_SHOW_DETAILS);
+        _pBar->Bind(
+            wxEVT_BUTTON, [this](wxCommandEvent&) { dismiss(); }, wxID_CLOSE);
+        _frame.GetSizer()->Insert(0, _pBar, wxSizerFlags().Expand());
+        // The keyboard reaches it before the documents, because it stands above them.
+        _pBar->MoveBeforeInTabOrder(pBelow);
+    }
+    return *_pBar;
+}
+
+void hoMessageBar::showRefusals()
+{
+    wxString text;
+    const std::size_t listed = std::min(_refusals.size(), mostRefusalsListed);
+    for (std::size_t i = 0; i < listed; ++i)
+    {
+        text += hoDisplayText(_refusals[i].first) + "\n    " + hoFileProblemText(_refusals[i].second) + "\n";
+    }
+    if (listed < _refusals.size())
+    {
+        text += "and " + hoNumberText(_refusals.size() - listed) + " more\n";
+    }
+    const wxString heading =
+        hoAmountText(_refusals.size(), "document could not be opened:", "documents could not be opened:");
+    hoTextDialog(&_frame, "Documents that could not be opened", heading, text).ShowModal();
+}
+
+void hoMessageBar::OnDetails(wxCommandEvent&)
+{
+    if (_refusals.empty())
+    {
+        const hoWorkSummary& shown = _result._line.empty() ? _keyWarning : _result;
+        hoTextDialog(&_frame, "Details", shown._line, shown._details).ShowModal();
+    }
+    else
+    {
+        showRefusals();
+    }
+    dismiss();
+}

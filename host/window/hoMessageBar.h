@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+// The bar above the documents: one message at a time, with its details in a dialog. It waits for the user and never
+// blocks.
+//
+// Documents that could not be opened come first, then the result of the last signing or testing, then a warning about a
+// private key. What is set here is shown by show(), so that many changes of one event are one message. The native bar is
+// made when there is something to show. Main thread only.
+#ifndef COUNTERSIGN_HO_MESSAGE_BAR_H
+#define COUNTERSIGN_HO_MESSAGE_BAR_H
+
+#include "host/window/hoSigningWords.h"
+
+#include <utility>
+#include <vector>
+
+class wxCommandEvent;
+class wxFrame;
+class wxInfoBar;
+
+class hoMessageBar
+{
+public:
+    // The frame must outlive this object. When a message is shown for the first time the frame has a sizer, and the bar
+    // becomes the first item of it.
+    explicit hoMessageBar(wxFrame& frame);
+    hoMessageBar(const hoMessageBar&) = delete;
+    hoMessageBar& operator=(const hoMessageBar&) = delete;
+
+    void addRefusal(const gtString& path, osFileProblem problem);
+    void setResult(const hoWorkSummary& result) { _result = result; }
+    void setKeyWarning(const hoWorkSummary& warning) { _keyWarning = warning; }
+    void clear();
+    // Forgets every message, and takes the bar away.
+    void dismiss();
+
+    // Shows the message that comes first, or takes the bar away when there is none.
+    void show();
+
+    // What is to be said of each; empty, or with an empty line, when there is nothing.
+    wxString refusalText() const;
+    const hoWorkSummary& result() const { return _result; }
+    const hoWorkSummary& keyWarning() const { return _keyWarning; }
+
+private:
+    wxInfoBar& bar();
+    void showRefusals();
+    void OnDetails(wxCommandEvent& event);
+
+    wxFrame& _frame;
+    wxInfoBar* _pBar;                                           // belongs to the frame; null until it is needed
+    std::vector<std::pair<gtString, osFileProblem>> _refusals;  // the documents that could not be opened
+    hoWorkSummary _result;
+    hoWorkSummary _keyWarning;
+};
+
+#endif

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/hoSigningController.h"
+
+#include "host/window/hoProgressDialog.h"
+#include "platform/toolkit/gtMainThreadCall.h"
+
+#include <wx/msgdlg.h>
+
+#include <system_error>
+#include <utility>
+
+namespace
+{
+const int patienceWithJob = 500;   // milliseconds until a progress dialog appears
+const int pauseAfterShowing = 50;  // milliseconds: a job of many small documents must not keep the window from painting
+
+bool isSameKey(const hoLoadedKey& left, const hoLoadedKey& right)
+{
+    return left._pKey == right._pKey;
+}
+}  // namespace
+
+hoSigningController::hoSigningController(wxWindow& parent, const hoKeyRing& keys, Callbacks callbacks)
+    : _parent(parent), _keys(keys), _callbacks(std::move(callbacks)), _isChanged(false), _pProgressDialog(nullptr)
+{
+    _pause.Bind(wxEVT_TIMER,
+                [this](wxTimerEvent&)
+                {
+                    if (_isChanged)
+                    {
+                        follow();
+                    }
+                });
+    _patience.Bind(wxEVT_TIMER,
+                   [this](wxTimerEvent&)
+                   {
+                       if (_pWork != nullptr && _pProgressDialog == nullptr)
+                       {
+                           _pProgressDialog = new hoProgressDialog(&_parent, *_pWork);
+                           _pProgressDialog->Show();
+                       }
+                   });
+}
+
+hoSigningController::~hoSigningController() = default;
+
+bool hoSigningController::canBegin(hoDocumentWork::Kind kind) const
+{
+    return _pWork == nullptr && (kind == hoDocumentWork::Kind::Sign ? _keys.canSign() : _keys.canTest());
+}
+
+void hoSigningController::begin(hoDocumentWork::Kind kind, const std::vector<hoDocument>& documents)
+{
+    bool mayOverwrite = false;
+    if (!canBegin(kind) || (kind == hoDocumentWork::Kind::Sign && !askAboutSignatures(documents, mayOverwrite)))
+    {
+        return;
+    }
+    _callbacks._onBegin();
+    if (_pCall == nullptr)
+    {
+        _pCall = std::make_unique<gtMainThreadCall>([this] { onWorkChange(); });
+    }
+    _outcomes.clear();
+    _workKeys = _keys;
+    try
+    {
+        _pWork = std::make_unique<hoDocumentWork>(kind, documents,
+                                                  hoDocumentWork::Keys{_keys._private._pKey, _keys._public._pKey},
+                                                  mayOverwrite, [pCall = _pCall.get()] { pCall->request(); });
+    }
+    catch (const std::system_error& error)
+    {
+        wxMessageDialog(&_parent,
+                        "The work cannot be begun now: " + wxString::FromUTF8(error.code().message()) +
+                            ". Try again when fewer programs are running.",
+                        "Countersign", wxOK | wxICON_ERROR)
+            .ShowModal();
+        return;
+    }
+    _patience.StartOnce(patienceWithJob);
+}
+
+bool hoSigningController::askAboutSignatures(const std::vector<hoDocument>& documents, bool& mayOverwrite)
+{
+    std::size_t alreadySigned = 0;
+    for (const hoDocument& document : documents)
+    {
+        const hoSignatureFileFacts signature = hoCheckSignaturePath(hoSignaturePath(document._path), false);
+        alreadySigned += signature._problem == hoSignatureFileProblem::Exists ? 1 : 0;
+    }
+    if (alreadySigned == 0)
+    {
+        return true;
+    }
+    wxMessageDialog question(
+        &_parent,
+        hoAmountText(alreadySigned, "document has a signature already.", "documents have signatures already."),
+        "Countersign", wxYES_NO | wxCANCEL | wxICON_QUESTION);
+    question.SetExtendedMessage("Signing again replaces what is in the .sig file beside the document.");
+    question.SetYesNoCancelLabels("&Replace", "&Keep", "&Cancel");
+    const int answer = question.ShowModal();
+    mayOverwrite = answer == wxID_YES;
+    // Another job may have begun while the question was up.
+    return answer != wxID_CANCEL && canBegin(hoDocumentWork::Kind::Sign);
+}
+
+void hoSigningController::stop()
+{
+    _patience.Stop();
+    _pause.Stop();
+    closeProgressDialog();
+    _pWork.reset();
+    _workKeys = hoKeyRing();
+    _outcomes.clear();
+}
+
+void hoSigningController::onWorkChange()
+{
+    _isChanged = true;
+    if (!_pause.IsRunning())
+    {
+        follow();
+    }
+}
+
+void hoSigningController::follow()
+{
+    _isChanged = false;
+    if (_pWork == nullptr)
+    {
+        return;
+    }
+    _pause.StartOnce(pauseAfterShowing);
+    // Asked before the outcomes are taken, so that none of a finished job is left behind.
+    const bool isFinished = _pWork->isFinished();
+    const std::vector<hoWorkOutcome> outcomes = _pWork->takeOutcomes();
+    _outcomes.insert(_outcomes.end(), outcomes.begin(), outcomes.end());
+    if (!outcomes.empty() && isSameKey(_workKeys._private, _keys._private) &&
+        isSameKey(_workKeys._public, _keys._public))
+    {
+        _callbacks._onOutcomes(outcomes);
+    }
+    if (isFinished)
+    {
+        end();
+    }
+    else if (_pProgressDialog != nullptr)
+    {
+        _pProgressDialog->showProgress();
+    }
+}
+
+void hoSigningController::end()
+{
+    const hoWorkSummary summary = hoSummaryOf(_pWork->kind(), _outcomes, _pWork->isCancelled());
+    stop();
+    _callbacks._onEnd(summary);
+}
+
+void hoSigningController::closeProgressDialog()
+{
+    if (_pProgressDialog != nullptr)
+    {
+        _pProgressDialog->Destroy();
+        _pProgressDialog = nullptr;
+    }
+}

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+// Signs and tests documents for the main window: asks what is to be asked, runs the job, shows its progress, and sums
+// up what came of it. One job at a time. Main thread only.
+#ifndef COUNTERSIGN_HO_SIGNING_CONTROLLER_H
+#define COUNTERSIGN_HO_SIGNING_CONTROLLER_H
+
+#include "host/keys/hoKeyRing.h"
+#include "host/signing/hoDocumentWork.h"
+#include "host/window/hoSigningWords.h"
+
+#include <wx/timer.h>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class gtMainThreadCall;
+class hoProgressDialog;
+class wxWindow;
+
+class hoSigningController
+{
+public:
+    struct Callbacks
+    {
+        std::function<void()> _onBegin;
+        // What has been found since the last call, as long as the keys are the ones that the job began with.
+        std::function<void(const std::vector<hoWorkOutcome>& outcomes)> _onOutcomes;
+        std::function<void(const hoWorkSummary& summary)> _onEnd;  // also of a job that was cancelled
+    };
+
+    // The parent of the dialogs must outlive this object, and so must the keys, which may change at any time.
+    hoSigningController(wxWindow& parent, const hoKeyRing& keys, Callbacks callbacks);
+    // Gives up the job, without a callback.
+    ~hoSigningController();
+    hoSigningController(const hoSigningController&) = delete;
+    hoSigningController& operator=(const hoSigningController&) = delete;
+
+    bool isAtWork() const { return _pWork != nullptr; }
+    bool canBegin(hoDocumentWork::Kind kind) const;
+
+    // Asks whether signatures that are there are to be replaced, and begins. Nothing happens if canBegin is false, or
+    // if the user cancels.
+    void begin(hoDocumentWork::Kind kind, const std::vector<hoDocument>& documents);
+
+    // Gives up the job, without a callback. When this returns nothing is written any more.
+    void stop();
+    // The same where the toolkit can no longer be used. Leaves the object fit for nothing but this.
+    void abandon() { _pWork.reset(); }
+
+private:
+    // Whether to go on, and whether signatures are to be replaced.
+    bool askAboutSignatures(const std::vector<hoDocument>& documents, bool& mayOverwrite);
+    void onWorkChange();
+    void follow();
+    void end();
+    void closeProgressDialog();
+
+    wxWindow& _parent;
+    const hoKeyRing& _keys;
+    const Callbacks _callbacks;
+    hoKeyRing _workKeys;                   // that the job began with
+    std::vector<hoWorkOutcome> _outcomes;  // so far
+    wxTimer _patience;                     // until a progress dialog appears
+    wxTimer _pause;                        // while it runs changes are only noted
+    bool _isChanged;
+    hoProgressDialog* _pProgressDialog;        // null while there is none
+    std::unique_ptr<gtMainThreadCall> _pCall;  // from the first job on
+    // The last member: its thread uses _pCall.
+    std::unique_ptr<hoDocumentWork> _pWork;  // null when nothing is being signed or tested
+};
+
+#endif

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/hoStatusBar.h"
+
+#include "host/window/hoDisplayText.h"
+#include "host/window/hoSigningWords.h"
+
+namespace
+{
+enum Field
+{
+    FIELD_NOTICE = 0,
+    FIELD_KEYS,
+    FIELD_DOCUMENTS,
+    FIELD_COUNT
+};
+}  // namespace
+
+hoStatusBar::hoStatusBar(wxWindow* pParent) : wxStatusBar(pParent)
+{
+    // Negative: shares of the width.
+    const int widths[FIELD_COUNT] = {-4, -5, -4};
+    SetFieldsCount(FIELD_COUNT, widths);
+}
+
+void hoStatusBar::showNotice(const wxString& text)
+{
+    SetStatusText(text, FIELD_NOTICE);
+}
+
+void hoStatusBar::showKeys(const hoKeyRing& keys)
+{
+    const wxString privateKey = hoKeyText(keys._private, true);
+    const wxString publicKey = hoKeyText(keys._public, false);
+    const bool areBoth = !privateKey.empty() && !publicKey.empty();
+    const wxString text = privateKey + (areBoth ? "; " : "") + publicKey;
+    SetStatusText(text.empty() ? wxString("No key") : text, FIELD_KEYS);
+}
+
+void hoStatusBar::showDocuments(const hoDocumentList& documents, std::size_t amountSelected)
+{
+    wxString text = "No documents";
+    if (!documents.isEmpty())
+    {
+        text = hoAmountText(documents.size(), "document", "documents") + ", " + hoSizeText(documents.totalSize());
+        if (amountSelected > 0)
+        {
+            text += ", " + hoNumberText(amountSelected) + " selected";
+        }
+    }
+    SetStatusText(text, FIELD_DOCUMENTS);
+}

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+// The main window's status bar: what has just been done, the loaded keys, the documents. Main thread only.
+#ifndef COUNTERSIGN_HO_STATUS_BAR_H
+#define COUNTERSIGN_HO_STATUS_BAR_H
+
+#include "host/documents/hoDocumentList.h"
+#include "host/keys/hoKeyRing.h"
+
+#include <wx/statusbr.h>
+
+class hoStatusBar : public wxStatusBar
+{
+public:
+    // For wxFrame::SetStatusBar.
+    explicit hoStatusBar(wxWindow* pParent);
+
+    // The first field stays until it is written again, or a menu is looked through.
+    void showNotice(const wxString& text);
+    void showKeys(const hoKeyRing& keys);
+    void showDocuments(const hoDocumentList& documents, std::size_t amountSelected);
+};
+
+#endif

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/hoWindowMemory.h"
+
+#include "host/window/hoDisplayText.h"
+
+#include <wx/frame.h>
+
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace
+{
+const std::size_t mostColumns = 20;
+const int mostColumnWidth = 10000;
+
+std::string placeSetting(const wxString& name)
+{
+    return ("window." + name).ToStdString();
+}
+
+std::string columnSetting(std::size_t column)
+{
+    return "column." + std::to_string(column);
+}
+
+// The toolkit's numbers of a window's place, to the settings and back.
+class PlaceWriter : public wxTopLevelWindow::GeometrySerializer
+{
+public:
+    explicit PlaceWriter(hoSettings& settings) : _settings(settings) {}
+
+    bool SaveField(const wxString& name, int value) const override
+    {
+        _settings.setNumber(placeSetting(name), value);
+        return true;
+    }
+    bool RestoreField(const wxString&, int*) override { return false; }
+
+private:
+    hoSettings& _settings;
+};
+
+class PlaceReader : public wxTopLevelWindow::GeometrySerializer
+{
+public:
+    explicit PlaceReader(const hoSettings& settings) : _settings(settings) {}
+
+    bool SaveField(const wxString&, int) const override { return false; }
+    bool RestoreField(const wxString& name, int* pValue) override
+    {
+        const long none = -1000000;
+        const long most = 100000;
+        const long value = _settings.number(placeSetting(name), none, -most, most);
+        if (value == none)
+        {
+            return false;
+        }
+        *pValue = static_cast<int>(value);
+        return true;
+    }
+
+private:
+    const hoSettings& _settings;
+};
+}  // namespace
+
+hoWindowMemory::hoWindowMemory(std::function<void(const wxString& text)> onProblem)
+    : _onProblem(std::move(onProblem)), _canSave(true)
+{
+}
+
+void hoWindowMemory::load()
+{
+    const gtString path = hoUserSettingsPath();
+    std::error_code error;
+    _canSave = _settings.load(path) || !std::filesystem::exists(path.asStdString(), error);
+    if (!_canSave)
+    {
+        _onProblem("What was remembered cannot be read and stays as it is: " + hoDisplayText(path));
+    }
+    const std::vector<gtString> recent = _settings.texts("recent");
+    for (auto document = recent.rbegin(); document != recent.rend(); ++document)
+    {
+        _recent.add(*document);
+    }
+}
+
+std::vector<int> hoWindowMemory::columnWidths() const
+{
+    std::vector<int> widths;
+    for (std::size_t column = 1; column <= mostColumns; ++column)
+    {
+        widths.push_back(static_cast<int>(_settings.number(columnSetting(column), 0, 0, mostColumnWidth)));
+    }
+    return widths;
+}
+
+void hoWindowMemory::restorePlace(wxFrame& frame, const wxSize& usualSize) const
+{
+    const wxSize made = frame.GetSize();
+    PlaceReader reader(_settings);
+    if (!frame.RestoreToGeometry(reader))
+    {
+        frame.SetSize(usualSize);
+    }
+    else if (frame.GetSize() == made)
+    {
+        // The size that a window is made with leaves no room for its borders, and the toolkit does nothing when the same
+        // size is set again.
+        frame.SetSize(made + wxSize(1, 1));
+        frame.SetSize(made);
+    }
+}
+
+void hoWindowMemory::save(const wxFrame& frame, const std::vector<int>& columnWidths)
+{
+    _settings.setTexts("recent", _recent.paths());
+    std::size_t column = 0;
+    for (const int width : columnWidths)
+    {
+        _settings.setNumber(columnSetting(++column), width);
+    }
+    // In its first moments on the screen a window may be smaller than its least size.
+    const bool hasItsSize = frame.GetSize().x >= frame.GetMinSize().x && frame.GetSize().y >= frame.GetMinSize().y;
+    if (frame.IsShown() && !frame.IsIconized() && hasItsSize)
+    {
+        frame.SaveGeometry(PlaceWriter(_settings));
+    }
+    const gtString file = hoUserSettingsPath();
+    if (!file.isEmpty() && _canSave && !_settings.save(file))
+    {
+        _onProblem("What to remember could not be written to " + hoDisplayText(file));
+    }
+}

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+// The view of the documents, and what it reports.
+#include "tests/host/window/BareFrame.h"
+
+#include "host/window/hoDocumentsView.h"
+
+#include <gmock/gmock.h>
+#include <wx/listctrl.h>
+
+namespace
+{
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class DocumentsView : public BareFrame
+{
+protected:
+    void SetUp() override
+    {
+        BareFrame::SetUp();
+        _pView =
+            new hoDocumentsView(_pFrame, {[this](const gtString& path, osFileProblem) { _refused.push_back(path); },
+                                          [this](const hoDocument& document) { _opened.push_back(document._path); },
+                                          [this] { ++_changes; }});
+        showWith(_pView);
+    }
+
+    wxListCtrl* list() const { return dynamic_cast<wxListCtrl*>(wxWindow::FindWindowByName("documents", _pView)); }
+    std::vector<gtString> selected() const
+    {
+        std::vector<gtString> paths;
+        const std::vector<hoDocument> documents = _pView->documentsToProcess(false);
+        for (const hoDocument& document : documents)
+        {
+            paths.push_back(document._path);
+        }
+        return _pView->amountSelected() == 0 ? std::vector<gtString>() : paths;
+    }
+
+    hoDocumentsView* _pView = nullptr;
+    std::vector<gtString> _refused;
+    std::vector<gtString> _opened;
+    int _changes = 0;
+};
+}  // namespace
+
+TEST_F(DocumentsView, HasNoListWithoutDocuments)
+{
+    EXPECT_EQ(list(), nullptr);
+    EXPECT_THAT(_pView->columnWidths(), IsEmpty());
+    _pView->select({});
+    _pView->selectAll();
+    _pView->showChanges();
+    EXPECT_EQ(list(), nullptr);
+    EXPECT_EQ(_pView->copySelectedPaths(), 0U);
+}
+
+TEST_F(DocumentsView, ReportsWhatItOpensAndWhatItCannot)
+{
+    const gtString a = _folder.write("a", "text");
+    const gtString missing = _folder.path("missing");
+    _pView->openAndSelect({a, missing});
+    EXPECT_THAT(_opened, ElementsAre(a));
+    EXPECT_THAT(_refused, ElementsAre(missing));
+    EXPECT_GE(_changes, 2);
+    EXPECT_THAT(selected(), ElementsAre(a));
+    EXPECT_EQ(_pView->documents().size(), 1U);
+}
+
+TEST_F(DocumentsView, SelectsWhatWasAskedForWhenTheEventIsDealtWith)
+{
+    const gtString a = _folder.write("a", "text");
+    const gtString b = _folder.write("b", "text");
+    _pView->open(a);
+    _pView->openAskedFor(b);
+    EXPECT_THAT(selected(), IsEmpty());
+    _pView->showChanges();
+    EXPECT_THAT(selected(), ElementsAre(b));
+}
+
+TEST_F(DocumentsView, SelectsTheNextDocumentAfterClosingOne)
+{
+    const gtString a = _folder.write("a", "text");
+    const gtString b = _folder.write("b", "text");
+    const gtString c = _folder.write("c", "text");
+    _pView->openAndSelect({a, b, c});
+    _pView->select({1});
+    _pView->closeSelected();
+    EXPECT_THAT(selected(), ElementsAre(c));
+    EXPECT_EQ(_pView->documents().size(), 2U);
+    _pView->closeAll();
+    _pView->showChanges();
+    EXPECT_TRUE(_pView->documents().isEmpty());
+    EXPECT_EQ(_pView->GetSelection(), 0);
+}
+
+TEST_F(DocumentsView, GivesAllDocumentsWhenNoneIsSelectedOrAllAreWanted)
+{
+    _pView->open(_folder.write("a", "text"));
+    _pView->open(_folder.write("b", "text"));
+    EXPECT_EQ(_pView->documentsToProcess(false).size(), 2U);
+    _pView->select({1});
+    EXPECT_EQ(_pView->documentsToProcess(false).size(), 1U);
+    EXPECT_EQ(_pView->documentsToProcess(true).size(), 2U);
+}
+
+TEST_F(DocumentsView, KeepsColumnWidthsForTheList)
+{
+    _pView->setColumnWidths({123, 0, 77});
+    _pView->open(_folder.write("a", "text"));
+    ASSERT_GE(_pView->columnWidths().size(), 3U);
+    EXPECT_EQ(_pView->columnWidths()[0], 123);
+    EXPECT_GT(_pView->columnWidths()[1], 0);
+    EXPECT_EQ(_pView->columnWidths()[2], 77);
+}
+
+TEST_F(DocumentsView, NoticesADocumentThatIsGone)
+{
+    _pView->open(_folder.write("a", "text"));
+    _pView->showChanges();
+    const int before = _changes;
+    std::filesystem::remove(_folder.path("a"));
+    _pView->refreshDocuments();
+    EXPECT_EQ(_pView->documents()[0]._stamp._state, hoDocumentState::CannotBeRead);
+    EXPECT_EQ(_changes, before + 1);
+}

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+// Loading of keys without a main window.
+#include "tests/host/window/BareFrame.h"
+
+#include "host/keys/hoNewKeyPair.h"
+#include "host/window/hoKeyController.h"
+
+#include <sys/stat.h>
+
+namespace
+{
+using Half = hoKeyController::Half;
+
+class KeyController : public BareFrame
+{
+protected:
+    void SetUp() override
+    {
+        BareFrame::SetUp();
+        hoNewKeyPair pair(512);
+        while (!pair.isFinished())
+        {
+            std::this_thread::yield();
+        }
+        ASSERT_EQ(pair.writePrivateKey(_folder.path("private"), "", false), hoNewKeyPair::Writing::Done);
+        ASSERT_EQ(pair.writePublicKey(_folder.path("public"), false), hoNewKeyPair::Writing::Done);
+        ASSERT_EQ(chmod(_folder.path().c_str(), 0700), 0);
+        _pController = std::make_unique<hoKeyController>(
+            *_pFrame, _settings,
+            hoKeyController::Callbacks{[this] { ++_changes; },
+                                       [this](const hoWorkSummary& warning) { _warnings.push_back(warning._line); },
+                                       [](const wxString&) {}});
+    }
+
+    hoSettings _settings;
+    std::unique_ptr<hoKeyController> _pController;
+    int _changes = 0;
+    std::vector<wxString> _warnings;
+};
+}  // namespace
+
+TEST_F(KeyController, LoadsTheHalfThatIsWanted)
+{
+    _pController->loadKey(_folder.path("private"), Half::Any);
+    EXPECT_TRUE(_pController->keys().canSign());
+    EXPECT_EQ(_pController->keys()._public._pKey, nullptr);
+    _pController->loadKey(_folder.path("public"), Half::Any);
+    EXPECT_NE(_pController->keys()._public._pKey, nullptr);
+    EXPECT_EQ(_changes, 2);
+    EXPECT_TRUE(_warnings.empty());
+    EXPECT_EQ(_settings.text("keyFolder"), _folder.path() + "/");
+
+    _pController->setKeys(hoKeyRing());
+    _pController->loadKey(_folder.path("private"), Half::Public);
+    EXPECT_FALSE(_pController->keys().canSign());
+    ASSERT_NE(_pController->keys()._public._pKey, nullptr);
+    EXPECT_FALSE(_pController->keys()._public._pKey->hasPrivateKey()) << "the private half stays in memory";
+}
+
+TEST_F(KeyController, WarnsOfAPrivateKeyThatOthersMayRead)
+{
+    ASSERT_EQ(chmod(_folder.path("private").c_str(), 0644), 0);
+    _pController->loadKey(_folder.path("private"), Half::Private);
+    EXPECT_TRUE(_pController->keys().canSign());
+    EXPECT_EQ(_warnings.size(), 1U);
+    _pController->loadKey(_folder.path("private"), Half::Public);
+    EXPECT_EQ(_warnings.size(), 1U);
+}

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: Apache-2.0
+// The menus' commands and conditions, and the status bar's fields.
+#include "tests/host/NewKey.h"
+#include "tests/host/window/BareFrame.h"
+
+#include "host/window/hoCommands.h"
+#include "host/window/hoMenuBar.h"
+#include "host/window/hoStatusBar.h"
+
+namespace
+{
+using MenuBar = BareFrame;
+using StatusBar = BareFrame;
+
+std::string label(const wxMenuBar& bar, int id)
+{
+    const wxMenuItem* const pItem = bar.FindItem(id);
+    return pItem == nullptr ? "" : pItem->GetItemLabelText().utf8_string();
+}
+}  // namespace
+
+TEST_F(MenuBar, ListsRecentDocuments)
+{
+    auto* pBar = new hoMenuBar;
+    _pFrame->SetMenuBar(pBar);
+    EXPECT_EQ(label(*pBar, ID_CLEAR_RECENT), "None yet");
+    EXPECT_FALSE(pBar->FindItem(ID_CLEAR_RECENT)->IsEnabled());
+
+    pBar->showRecentDocuments({"/a&b", "/c\nd"});
+    EXPECT_EQ(label(*pBar, ID_RECENT_FIRST), "1  /a&b");
+    EXPECT_EQ(label(*pBar, ID_RECENT_FIRST + 1), "2  /c\u240ad");
+    EXPECT_EQ(label(*pBar, ID_CLEAR_RECENT), "Clear this list");
+    pBar->showRecentDocuments({});
+    EXPECT_EQ(pBar->FindItem(ID_RECENT_FIRST), nullptr);
+}
+
+TEST_F(MenuBar, EnablesCommandsAsTheConditionsSay)
+{
+    auto* pBar = new hoMenuBar;
+    _pFrame->SetMenuBar(pBar);
+    bool hasDocuments = false;
+    bool hasSelection = false;
+    bool hasKeys = false;
+    bool canSign = false;
+    bool canTest = false;
+    bool hasDialogs = false;
+    hoMenuBar::followConditions(*_pFrame,
+                                {[&] { return hasDocuments; }, [&] { return hasSelection; }, [&] { return hasKeys; },
+                                 [&] { return canSign; }, [&] { return canTest; }, [&] { return hasDialogs; }});
+    const std::vector<std::pair<int, bool*>> dependent = {{ID_CLOSE_ALL_DOCUMENTS, &hasDocuments},
+                                                          {wxID_SELECTALL, &hasDocuments},
+                                                          {ID_CLOSE_DOCUMENTS, &hasSelection},
+                                                          {ID_COPY_PATH, &hasSelection},
+                                                          {ID_FORGET_KEYS, &hasKeys},
+                                                          {ID_SIGN, &canSign},
+                                                          {ID_SIGN_ALL, &canSign},
+                                                          {ID_TEST, &canTest},
+                                                          {ID_TEST_ALL, &canTest}};
+    for (const bool value : {true, false})
+    {
+        for (bool* pCondition : {&hasDocuments, &hasSelection, &hasKeys, &canSign, &canTest})
+        {
+            *pCondition = value;
+            for (const auto& [id, pOther] : dependent)
+            {
+                wxUpdateUIEvent event(id);
+                _pFrame->ProcessWindowEvent(event);
+                EXPECT_TRUE(event.GetSetEnabled());
+                EXPECT_EQ(event.GetEnabled(), *pOther) << label(*pBar, id);
+            }
+        }
+    }
+    hasDialogs = true;
+    wxUpdateUIEvent event(ID_ASSERTION_DIALOGS);
+    _pFrame->ProcessWindowEvent(event);
+    EXPECT_TRUE(event.GetChecked());
+}
+
+TEST_F(StatusBar, SaysWhatThereIs)
+{
+    auto* pBar = new hoStatusBar(_pFrame);
+    _pFrame->SetStatusBar(pBar);
+    hoDocumentList documents;
+    pBar->showDocuments(documents, 0);
+    pBar->showKeys(hoKeyRing());
+    EXPECT_EQ(pBar->GetStatusText(2), "No documents");
+    EXPECT_EQ(pBar->GetStatusText(1), "No key");
+
+    documents.open(_folder.write("a", "text"));
+    documents.open(_folder.write("b", "texts"));
+    pBar->showDocuments(documents, 1);
+    EXPECT_EQ(pBar->GetStatusText(2), "2 documents, 9 bytes, 1 selected");
+    hoKeyRing keys;
+    keys._private._pKey = newKey(512);
+    keys._private._path = "/keys/mine.pem";
+    pBar->showKeys(keys);
+    EXPECT_TRUE(pBar->GetStatusText(1).StartsWith("512-bit private key "));
+    pBar->showNotice("done");
+    EXPECT_EQ(pBar->GetStatusText(0), "done");
+}

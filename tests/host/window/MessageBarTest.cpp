@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+// Which message comes first, and what becomes of the others.
+#include "tests/host/window/BareFrame.h"
+
+#include "host/window/hoMessageBar.h"
+
+#include <wx/infobar.h>
+#include <wx/panel.h>
+
+namespace
+{
+class MessageBar : public BareFrame
+{
+protected:
+    wxInfoBar* nativeBar() const
+    {
+        for (wxWindow* pChild : _pFrame->GetChildren())
+        {
+            if (auto* pBar = dynamic_cast<wxInfoBar*>(pChild))
+            {
+                return pBar;
+            }
+        }
+        return nullptr;
+    }
+};
+}  // namespace
+
+TEST_F(MessageBar, IsNotMadeWithoutAMessage)
+{
+    showWith(new wxPanel(_pFrame));
+    hoMessageBar bar(*_pFrame);
+    bar.show();
+    EXPECT_EQ(nativeBar(), nullptr);
+    EXPECT_TRUE(bar.refusalText().empty());
+}
+
+TEST_F(MessageBar, ComesAndGoesAboveTheRest)
+{
+    auto* pPanel = new wxPanel(_pFrame);
+    showWith(pPanel);
+    hoMessageBar bar(*_pFrame);
+    bar.setResult({"1 document: 1 signed.", "details", true});
+    EXPECT_EQ(nativeBar(), nullptr) << "only show() shows";
+    bar.show();
+    ASSERT_NE(nativeBar(), nullptr);
+    const wxInfoBar& native = *nativeBar();
+    tsRunUntil("the bar is shown", [&] { return native.IsShownOnScreen(); });
+    EXPECT_EQ(_pFrame->GetSizer()->GetItem(std::size_t(0))->GetWindow(), &native);
+    EXPECT_EQ(_pFrame->GetSizer()->GetItem(std::size_t(1))->GetWindow(), pPanel);
+
+    bar.dismiss();
+    EXPECT_FALSE(native.IsShown());
+    EXPECT_TRUE(bar.result()._line.empty());
+}
+
+TEST_F(MessageBar, CountsDocumentsThatCouldNotBeOpened)
+{
+    hoMessageBar bar(*_pFrame);
+    bar.addRefusal("/a/folder", osFileProblem::IsFolder);
+    EXPECT_EQ(bar.refusalText().utf8_string(),
+              "Cannot open \u201cfolder\u201d: " + hoFileProblemText(osFileProblem::IsFolder).utf8_string() + ".");
+    bar.addRefusal("/a/other", osFileProblem::NotThere);
+    EXPECT_EQ(bar.refusalText(), "2 documents could not be opened.");
+    bar.clear();
+    EXPECT_TRUE(bar.refusalText().empty());
+}
+
+TEST_F(MessageBar, ForgetsEveryKindOfMessage)
+{
+    hoMessageBar bar(*_pFrame);
+    bar.addRefusal("/a", osFileProblem::NotThere);
+    bar.setResult({"result", "", false});
+    bar.setKeyWarning({"warning", "", false});
+    EXPECT_EQ(bar.keyWarning()._line, "warning");
+    bar.clear();
+    EXPECT_TRUE(bar.refusalText().empty());
+    EXPECT_TRUE(bar.result()._line.empty());
+    EXPECT_TRUE(bar.keyWarning()._line.empty());
+}

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+// Jobs from beginning to end, without a main window.
+#include "tests/host/NewKey.h"
+#include "tests/host/window/BareFrame.h"
+
+#include "host/documents/hoDocumentList.h"
+#include "host/window/hoSigningController.h"
+
+namespace
+{
+using Kind = hoDocumentWork::Kind;
+
+class SigningController : public BareFrame
+{
+protected:
+    void SetUp() override
+    {
+        BareFrame::SetUp();
+        _pController = std::make_unique<hoSigningController>(
+            *_pFrame, _keys,
+            hoSigningController::Callbacks{[this] { ++_begun; },
+                                           [this](const std::vector<hoWorkOutcome>& outcomes)
+                                           { _outcomes += outcomes.size(); },
+                                           [this](const hoWorkSummary& summary) { _ends.push_back(summary); }});
+    }
+    void TearDown() override
+    {
+        _pController.reset();
+        BareFrame::TearDown();
+    }
+
+    std::vector<hoDocument> documents(int amount)
+    {
+        hoDocumentList list;
+        std::vector<hoDocument> documents;
+        for (int number = 0; number < amount; ++number)
+        {
+            list.open(_folder.write("document" + std::to_string(number), "text"));
+            documents.push_back(list[static_cast<std::size_t>(number)]);
+        }
+        return documents;
+    }
+
+    void waitForEnd(std::size_t amount)
+    {
+        tsRunUntil("the job ends", [&] { return _ends.size() == amount; });
+    }
+
+    hoKeyRing _keys;
+    std::unique_ptr<hoSigningController> _pController;
+    int _begun = 0;
+    std::size_t _outcomes = 0;
+    std::vector<hoWorkSummary> _ends;
+};
+}  // namespace
+
+TEST_F(SigningController, BeginsNothingWithoutAKey)
+{
+    EXPECT_FALSE(_pController->canBegin(Kind::Sign));
+    EXPECT_FALSE(_pController->canBegin(Kind::Test));
+    _pController->begin(Kind::Sign, documents(1));
+    EXPECT_FALSE(_pController->isAtWork());
+    EXPECT_EQ(_begun, 0);
+}
+
+TEST_F(SigningController, ReportsEveryDocumentAndTheEnd)
+{
+    _keys._private._pKey = newKey(512);
+    _pController->begin(Kind::Sign, documents(50));
+    EXPECT_EQ(_begun, 1);
+    EXPECT_TRUE(_pController->isAtWork());
+    EXPECT_FALSE(_pController->canBegin(Kind::Sign)) << "one job at a time";
+    waitForEnd(1);
+    EXPECT_FALSE(_pController->isAtWork());
+    EXPECT_EQ(_outcomes, 50U);
+    ASSERT_EQ(_ends.size(), 1U);
+    EXPECT_TRUE(_ends[0]._isAllWell);
+    EXPECT_TRUE(std::filesystem::exists(_folder.path("document49.sig")));
+
+    _pController->begin(Kind::Test, documents(50));
+    waitForEnd(2);
+    EXPECT_EQ(_outcomes, 100U);
+}
+
+TEST_F(SigningController, ReportsNoOutcomeOfKeysThatAreGone)
+{
+    _keys._private._pKey = newKey(512);
+    _pController->begin(Kind::Sign, documents(3));
+    _keys = hoKeyRing();
+    waitForEnd(1);
+    EXPECT_EQ(_outcomes, 0U);
+}
+
+TEST_F(SigningController, StopsWithoutACallback)
+{
+    _keys._private._pKey = newKey(512);
+    _pController->begin(Kind::Sign, documents(3));
+    _pController->stop();
+    EXPECT_FALSE(_pController->isAtWork());
+    tsRunEvents();
+    EXPECT_TRUE(_ends.empty());
+    EXPECT_TRUE(_pController->canBegin(Kind::Sign));
+}
