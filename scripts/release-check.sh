@@ -3,7 +3,8 @@
 # Does what takes too long for ./test.sh --all, and writes into docs/release-check.md what came of each step.
 #
 #   scripts/release-check.sh [--again] [STEP...]     for example: scripts/release-check.sh builds.clang fresh.trixie
-#   scripts/release-check.sh --list
+#   scripts/release-check.sh --list      names the steps
+#   scripts/release-check.sh --table     runs nothing; the page names each step, with what came of it if it has been run
 #
 # Without STEP, all of them, which takes many hours: it may be stopped at any time. What has passed for this commit is not
 # done once more (--again: it is); a change of docs/release-check.md alone makes no other commit of it. Each step's
@@ -44,10 +45,12 @@ mutants scripts/mutate.sh
 steps=$(sed '/^$/d' <<<"$steps")
 
 again=
+table=
 wanted=()
 for argument; do
     case $argument in
         --again) again=yes ;;
+        --table) table=yes ;;
         --list)
             cut -d ' ' -f 1 <<<"$steps"
             exit 0
@@ -109,6 +112,7 @@ lastWord() {
 }
 
 writePage "" ""
+[ -z "$table" ] || exit 0
 failed=()
 for name in "${wanted[@]}"; do
     if [ -z "$again" ] && [[ $(row "$name") == "| passed | $commit |"* ]]; then

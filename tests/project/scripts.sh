@@ -370,6 +370,9 @@ case $case in
             grep -qxE -- "$1" "$copy/docs/release-check.md" || complain "no row '$1' in: $(cat "$copy/docs/release-check.md")"
         }
         day=$(date +%F)
+        releaseCheck --table || complain "the table failed"
+        expectRow "\\| .lint. \\| not run \\| \\| \\| \\| \\|"
+        [ ! -e "$here/calls" ] || complain "it ran something for the table"
         releaseCheck lint builds.lto || complain "it failed"
         expectRow "\\| .lint. \\| passed \\| $commit \\| ($day|$(date +%F)) \\| [0-9]+\\.[0-9] \\| nothing  to mend \\|"
         expectRow "\\| .builds.lto. \\| skipped \\| $commit \\| .* \\| lto: SKIPPED, there is none \\|"
