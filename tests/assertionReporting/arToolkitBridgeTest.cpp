@@ -128,7 +128,7 @@ TEST(ToolkitBridge, ReportsExceptionsOfTheMainLoopAndGoesOn)
     throwInTheLoop(std::string("a string"));
     throwInTheLoop(42);
     const std::string start = "OnExceptionInMainLoop: Unhandled exception of type ";
-        // Each by a handler and by a call.
+    // Each by a handler and by a call.
     std::vector<std::string> expected;
     for (const char* pText : {"std::runtime_error: what it says", "std::string: a string", "int"})
     {
