@@ -13,7 +13,8 @@ namespace
 {
 
 constexpr std::size_t amountOfRegisters = 8;
-constexpr std::uint32_t mostDigits = 24;
+// Enough for the ways that long numbers go: columns, limbs, and quotients by both.
+constexpr std::uint32_t mostDigits = 80;
 constexpr int mostInstructions = 60;
 
 // A number of the stranger.

@@ -1,4 +1,39 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// SECTIONS, from plain to fast; each uses those above it:
+//
+//   Memory         allocation, wiping of memory and of the stack
+//   Rows           one digit times a number: short products and quotients, and what all faster forms are tested against
+//   Squares        by rows, by 64-bit words, by limbs of 52 bits
+//   Shifts         by less than a digit
+//   Division       of two digits by one in halves, of a number by one digit, of a number by rows
+//   Columns        products and quotients, sixteen columns of digits at once
+//   Short limbs    products and quotients by limbs of 13 bits, two products at once
+//   Octets and text, Modular arithmetic, Primality
+//   The functions of the interface
+//
+// A product (multiply) goes by rows when both factors have fewer than 16 digits; else by short limbs where the processor
+// multiplies and adds pairs of them and both factors are long enough for that (ShortLimbForms); else by columns.
+//
+// A square (square) is free in its method: limbs of 52 bits in vectors where the processor multiplies those, else words
+// of 64 bits, else rows.
+//
+// A division (divide) shifts the divisor in place until its top bit is set. Where divisor and quotient are long enough,
+// scale prepares the divisor, and the quotient is found from the top by columns or short limbs (divideFromTheTop), at
+// most as many digits at a time as the divisor has. When that meets a case that it cannot settle, it says so with the
+// dividend untouched, and divideByRows does it. Powers prepare their modulus once.
+//
+// Digits are multiplied by their halves: no product in multiplication, division and powers is wider than 32 bits, and
+// limbs of 13 bits are less than halves. Sums of products are wider. Only squares and texts use wide products.
+//
+// Bounds, and what keeps them:
+//
+//   rowsPerLane            columns: lanes of 32 bits take three halves from each row
+//   longestForColumns      columns: a sum of 64 bits takes all rows of a column (see there)
+//   pairsPerLane           short limbs: lanes of 32 bits take so many pairs of products
+//   mostSplits             short limbs: sums of split lanes, four columns at a time, stay below 2^64
+//   limbsPerBlock          limbs of 52 bits: sums of low and high halves stay below 2^64
+//   unknown                division: what the window has not got (see divideFromTheTop)
 #include "bigdigits.h"
 
 #include <algorithm>
@@ -730,7 +765,10 @@ void divideByRows(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size
 constexpr bool isBigEndian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
 constexpr size_t columnCount = 16;
 constexpr size_t shortestForColumns = columnCount;
-// The sum of a column, twice as wide as a digit, has this much room.
+// A column has at most that many rows. Lanes are added to its sum after rowsPerLane rows, that is 2^14 times at most; each
+// time the low word gets less than 2^33, and the high word less than 2^33 and 2^16 times a lane, which is 2^48. So the
+// low words stay below 2^47 and the high ones below 2^62 + 2^47, and takeDigits, which adds one of each and a carry,
+// stays below 2^63.
 constexpr size_t longestForColumns = size_t{1} << 28;
 constexpr size_t shortestForLeavingOut = columnCount + 1;
 // A lane takes three halves from each row.
@@ -1477,6 +1515,21 @@ MP_INLINE void multiplyByShortLimbsWith(mpDigit w[], const mpDigit u[], size_t u
 // A divisor v of n digits is multiplied by a number so that B^(n+2) is hardly more than the product. Then a quotient
 // digit can be read off: it is the highest digit of what is left of the dividend, multiplied by the same number (the
 // method is Svoboda's, 1963).
+//
+// The factor f. Let H be one more than the three highest digits of v. As the top bit of v is set, B^3/2 < H <= B^3. For
+// H = B^3 the factor is B^2, else f = floor((B^5 - 1) / H): at least B^2 and less than 2 B^2, so its highest digit is 1.
+//
+// The complement c = B^(n+2) - f v. Write f = (B^5 - 1 - rest) / H with rest < H, and v = (H - 1 + part) B^(n-3) with
+// part < 1. Then
+//
+//   c  =  (1 + rest + (B^5 - 1 - rest) (1 - part) / H) B^(n-3),
+//
+// which is above 0, and below (H + B^5 / H) B^(n-3), since rest is at most H - 1. That is less than B^n unless H exceeds
+// B^3 - B^5 / H, which is about B^3 - B^2: at most one divisor in 2^31 has such an H, and scaleWith looks at c itself. It
+// returns false when c has more than n digits. With H = B^3, c is at most B^2 B^(n-3).
+//
+// The lowest digit of c may be left out (leftOut): digit a of the quotient times that digit counts column a, which is
+// below n; and columns below n are missing from the window anyway (see divideFromTheTop).
 struct Scaling
 {
     // The number. Its highest digit is 1.
@@ -1640,6 +1693,26 @@ public:
 // get what is due to them when they come into reach, column by column, and without what columns below would carry to
 // them. So a quotient digit may be one too small, which is seen at the end or, when the next digit does not fit in a
 // digit, at once: then the result is false, and r is untouched.
+//
+// What is left of the multiplied dividend. With u the dividend and q the digits of the quotient that are known, it is
+// L = f u - q f v = f u - q B^(n+2) + q c. A digit q_j is read off at column j + n + 2 and left out of the window there;
+// q_j c is then due to column j + n - 1 and those below it. What the window does not have is only ever due to it, so
+// no digit is too large.
+//
+// What the window misses at the end, in units of its lower digit, which is column n + 1. "low" is not added: it has the
+// low words of column n, which are summed up three times (due to f u, to q and to the last digits), below 2^33 in 2^14
+// rows, and the low word of one more product: less than n / 2^13 + 7 units. Columns below n are missing as far as they
+// are not settled: each has at most n products of q c and 3 of f u, so together they are less than (n + 3) (B - 1)^2
+// (B^(n-1) + B^(n-2) + ...), less than n + 3 units. c times the last digit is less than one unit. As n is at least 16,
+// all this is less than 2n + 8 units, which is "unknown". (By short limbs more is settled: below the columns summed up
+// there are at most 2^10 products of 26 bits a column of limbs, together less than 2^24 units of the lowest of these
+// columns, so less than one of a digit above it.)
+//
+// So L is at least the lower digit of the window, and less than that plus "unknown", in these units. If that is at most
+// B - 1, then L < B^(n+2) - B^(n+1) < f v: the quotient is exact. If not, L differs from B^(n+2), and from f v, by at most
+// unknown + 1 units of B^(n+1). As f is at least B^2, the remainder differs from v by at most (unknown + 1) B^(n-1), which
+// is far below v / 2, for v is at least B^n / 2 and n at most 2^28. So after v is subtracted, the top bit tells whether
+// the result is negative, and then the quotient was exact; else it was one too small, and not more.
 //
 // Pairs and ProductPairs say how limbs are multiplied, one to find the quotient and one to take its product with v.
 template <class Vector, class Pairs, class ProductPairs>
