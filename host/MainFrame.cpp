@@ -39,8 +39,14 @@ MainFrame::MainFrame()
                 {
                     _messageBar.setResult(summary);
                     showChangesSoon();
-                }}),
-      _assertions(*this, [this](const wxString& text) { _pStatusBar->showNotice(text); }),
+                },
+                [this] { return !_assertions.isDeciding(); }}),
+      _assertions(*this, {[this](const wxString& text) { _pStatusBar->showNotice(text); },
+                          [this]
+                          {
+                              _signing.stop();
+                              _memory.save(*this, _pView->columnWidths());
+                          }}),
       _areChangesPending(false),
       _isRecentChanged(false),
       _isFrontWanted(false)

@@ -1,31 +1,52 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoAssertionController.h"
 
-#include "host/window/hoAssertionReportWindow.h"
-#include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
+#include "assertionReporting/arAssertionReportWindow.h"
+#include "platform/baseTools/gtAssert.h"
+#include "platform/osWrappers/osProcess.h"
 
+#include <string>
 #include <utility>
 
-hoAssertionController::hoAssertionController(wxWindow& parent, std::function<void(const wxString& text)> onNotice)
-    : _parent(parent), _onNotice(std::move(onNotice)), _pReportWindow(nullptr)
+namespace
 {
+
+// Where the sources of this program are, if the compiler was given whole paths.
+std::string sourceFolder()
+{
+    const std::string file = __FILE__;
+    const std::string name = "/host/window/hoAssertionController.cpp";
+    return file.size() > name.size() ? file.substr(0, file.size() - name.size()) : std::string();
+}
+
+}  // namespace
+
+hoAssertionController::hoAssertionController(wxWindow& parent, Callbacks callbacks)
+    : _parent(parent), _callbacks(std::move(callbacks)), _pReportWindow(nullptr)
+{
+    _kit.bridgeToolkit();
+    _kit.setBeforeEnd(_callbacks._onEnd);
+    const std::string folder = sourceFolder();
+    if (!folder.empty())
+    {
+        osAddSourceCodeFolder(osFilePath(gtString(folder)));
+    }
 }
 
 void hoAssertionController::failAssertion()
 {
     if (!hasDialogs())
     {
-        _onNotice("An assertion failed, and its handler stayed silent");
+        _callbacks._onNotice("An assertion failed, and its handler stayed silent");
     }
-    gtTriggerAssertonFailureHandler("OnFailAssertion", __FILE__, __LINE__,
-                                    "Assertion failure (this one was asked for in the Developer menu)");
+    GT_ASSERT_AT(false, "this one was asked for in the Developer menu", "OnFailAssertion", __FILE__, __LINE__);
 }
 
 void hoAssertionController::showReport()
 {
     if (_pReportWindow == nullptr)
     {
-        _pReportWindow = new hoAssertionReportWindow(&_parent, _switch.report());
+        _pReportWindow = _kit.makeReportWindow(&_parent);
     }
     _pReportWindow->Show();
     _pReportWindow->Raise();

@@ -34,7 +34,15 @@ hoSigningController::hoSigningController(wxWindow& parent, const hoKeyRing& keys
     _patience.Bind(wxEVT_TIMER,
                    [this](wxTimerEvent&)
                    {
-                       if (_pWork != nullptr && _pProgressDialog == nullptr)
+                       if (_pWork == nullptr || _pProgressDialog != nullptr)
+                       {
+                           return;
+                       }
+                       if (_callbacks._mayShowProgress && !_callbacks._mayShowProgress())
+                       {
+                           _patience.StartOnce();
+                       }
+                       else
                        {
                            _pProgressDialog = new hoProgressDialog(&_parent, *_pWork);
                            _pProgressDialog->Show();

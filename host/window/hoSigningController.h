@@ -27,6 +27,8 @@ public:
         // What has been found since the last call, as long as the keys are the ones that the job began with.
         std::function<void(const std::vector<hoWorkOutcome>& outcomes)> _onOutcomes;
         std::function<void(const hoWorkSummary& summary)> _onEnd;  // also of a job that was cancelled
+        // Whether the window of the progress may appear now, and with it take the keyboard; empty: it may.
+        std::function<bool()> _mayShowProgress = {};
     };
 
     // The parent of the dialogs must outlive this object, and so must the keys, which may change at any time.

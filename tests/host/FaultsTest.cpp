@@ -5,8 +5,8 @@
 #include "tests/host/SystemFault.h"
 #include "tests/support/TemporaryFolder.h"
 
-#include "host/assertions/hoAssertionReport.h"
-#include "host/assertions/hoAssertionReportText.h"
+#include "assertionReporting/arAssertionReport.h"
+#include "assertionReporting/arAssertionReportText.h"
 #include "host/documents/hoDocumentList.h"
 #include "host/documents/hoRecentDocuments.h"
 #include "host/documents/hoSettings.h"
@@ -403,11 +403,11 @@ TEST_F(WindowEngineFaults, MissingMemoryLeavesTheListAsItWas)
 
 TEST_F(WindowEngineFaults, MissingMemoryLeavesTheReportAsItWas)
 {
-    std::unique_ptr<hoAssertionReport> pReport;
+    std::unique_ptr<arAssertionReport> pReport;
     const std::string text(100, 't');
     const auto prepare = [&]
     {
-        pReport = std::make_unique<hoAssertionReport>();
+        pReport = std::make_unique<arAssertionReport>();
         pReport->record("f", "/a.c", 1, "m", 1, 1);
     };
     const auto check = [&](bool isThrown)
@@ -425,8 +425,8 @@ TEST_F(WindowEngineFaults, MissingMemoryLeavesTheReportAsItWas)
                   prepare, [&] { pReport->record(text.c_str(), "/a.c", 1, text.c_str(), 1, 2); }, check),
               1);
     prepare();
-    const std::vector<hoAssertionRow> rows = pReport->rows();
-    EXPECT_GT(failEachAllocation([] {}, [&] { static_cast<void>(hoAssertionReportLines(rows, 1)); },
+    const std::vector<arAssertionRow> rows = pReport->rows();
+    EXPECT_GT(failEachAllocation([] {}, [&] { static_cast<void>(arAssertionReportLines(rows, 1)); },
                                  [](bool isThrown) { EXPECT_TRUE(isThrown); }),
               3);
 }

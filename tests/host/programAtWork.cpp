@@ -2,14 +2,17 @@
 // The application with its real window, at work from its start on: it signs and tests its documents again and again, for
 // the tests to end it in the middle. It writes a line to standard output when it begins.
 //
-//   program_at_work KEY-FILE work|question|progress|lost DOCUMENT...
+//   program_at_work KEY-FILE work|question|progress|lost|exit DOCUMENT...
 //
 // work: signs, tests, removes the signatures, and so on. question: asks whether to replace signatures, which nobody
 // answers. progress: signs until it is ended, which takes documents that are large enough. lost: like work, and the
-// signal SIGUSR1 cuts its connection to the display.
+// signal SIGUSR1 cuts its connection to the display. exit: like work, and the signal SIGUSR1 fails an assertion, whose
+// dialog is answered with Exit.
 #include "app/ApplicationShell.h"
+#include "assertionHandling/ahAssertDialog.h"
 #include "host/MainFrame.h"
 #include "host/keys/hoKeyFile.h"
+#include "platform/baseTools/gtAssert.h"
 
 #include <wx/init.h>
 #include <wx/menu.h>
@@ -29,6 +32,7 @@ namespace
 const char* keyFile = nullptr;
 int displayConnection = -1;
 std::string mode;
+volatile std::sig_atomic_t isExitWanted = 0;
 
 class AtWork : public ApplicationShell
 {
@@ -48,6 +52,11 @@ public:
             displayConnection = ConnectionNumber(gdk_x11_get_default_xdisplay());
             static_cast<void>(std::signal(SIGUSR1, [](int) { shutdown(displayConnection, SHUT_RDWR); }));
         }
+        if (mode == "exit")
+        {
+            static_cast<void>(std::signal(SIGUSR1, [](int) { isExitWanted = 1; }));
+            _pMainFrame->setAssertionDialogs(true);
+        }
         _timer.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { goOn(); });
         _timer.Start(1);
         return true;
@@ -56,6 +65,16 @@ public:
 private:
     void goOn()
     {
+        if (isExitWanted == 1)
+        {
+            isExitWanted = 2;
+            // Not from within the timer, which would be silent in the dialog's loop.
+            CallAfter([] { GT_ASSERT(isExitWanted == 0); });
+        }
+        if (auto* pDialog = isExitWanted == 2 ? assertDialog() : nullptr)
+        {
+            pDialog->EndModal(AH_EXIT_BUTTON_ID);
+        }
         const hoDocumentList& documents = _pMainFrame->documents();
         if (documents.isEmpty() || _pMainFrame->isAtWork())
         {
@@ -82,7 +101,20 @@ private:
         _isSigned = !_isSigned;
     }
 
-    static bool isSigningAndTesting() { return mode == "work" || mode == "lost"; }
+    static bool isSigningAndTesting() { return mode == "work" || mode == "lost" || mode == "exit"; }
+
+    static ahAssertDialog* assertDialog()
+    {
+        for (wxWindow* pWindow : wxTopLevelWindows)
+        {
+            auto* pDialog = dynamic_cast<ahAssertDialog*>(pWindow);
+            if (pDialog != nullptr && pDialog->IsModal())
+            {
+                return pDialog;
+            }
+        }
+        return nullptr;
+    }
 
     void choose(const char* pItem)
     {

@@ -39,16 +39,15 @@ ROOMS = {
     "host/signing": (["host/keys", "crypto", "src"] + PLATFORM, []),
     "host/documents": (["host/signing"] + PLATFORM, []),
     "host/messages": (["host/keys", "host/signing", "host/documents"] + PLATFORM, []),
-    "host/assertions": (["assertionReporting", "assertionHandling", "platform/toolkit"] + PLATFORM, ["wx"]),
     "host/desktop": (["host/documents", "app", "platform/toolkit"] + PLATFORM, ["wx", "glib", "x11"]),
     "host/window": (
         ENGINES
-        + ["host/assertions", "host/desktop", "crypto", "assertionReporting", "assertionHandling", "platform/toolkit"] + PLATFORM,
+        + ["host/desktop", "crypto", "assertionReporting", "assertionHandling", "platform/toolkit"] + PLATFORM,
         ["wx", "gtk"],
     ),
     "host": (
         ENGINES
-        + ["host/assertions", "host/desktop", "host/window", "assertionReporting", "assertionHandling", "platform/toolkit"]
+        + ["host/desktop", "host/window", "assertionReporting", "assertionHandling", "platform/toolkit"]
         + PLATFORM,
         ["wx"],
     ),

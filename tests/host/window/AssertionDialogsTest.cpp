@@ -3,8 +3,8 @@
 #include "tests/host/MainFrameFixture.h"
 
 #include "assertionHandling/ahAssertDialog.h"
-#include "host/assertions/hoAssertionReport.h"
-#include "host/assertions/hoInteractiveAssertionFailureHandler.h"
+#include "assertionReporting/arAssertionReport.h"
+#include "assertionReporting/arInteractiveAssertionFailureHandler.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "tests/support/tsCaughtErrors.h"
 
@@ -130,6 +130,26 @@ TEST_F(AssertionDialogs, StayAwayFromAnIgnoredLocation)
     EXPECT_EQ(occurrences(_errors.take(), " line "), 3U);
 }
 
+TEST_F(AssertionDialogs, StayAwayFromAnIgnoredLocationHoweverOftenTheyAreSwitched)
+{
+    start();
+    _pFrame->setAssertionDialogs(true);
+    dialogsDuring("Return", [] { fail(7); });
+    _pFrame->setAssertionDialogs(false);
+    _pFrame->setAssertionDialogs(true);
+    fail(7);
+    EXPECT_EQ(tsTopModalDialog(), nullptr);
+    EXPECT_EQ(occurrences(_errors.take(), " line "), 2U);
+}
+
+TEST_F(AssertionDialogs, ComeForTheToolkitsAssertionsToo)
+{
+    start();
+    _pFrame->setAssertionDialogs(true);
+    dialogsDuring("alt+i", [] { wxASSERT(1 + 1 == 3); });
+    EXPECT_EQ(occurrences(_errors.take(), "Assertion failure (1 + 1 == 3)"), 1U);
+}
+
 TEST_F(AssertionDialogs, OfAnotherThreadComeOnTheMainOne)
 {
     start();
@@ -231,7 +251,7 @@ TEST_F(AssertionDialogs, SurviveTheWindowsEndWhileOneIsUp)
 TEST_F(AssertionDialogs, KeepErrno)
 {
     start();
-    hoInteractiveAssertionFailureHandler handler(0, std::make_shared<hoAssertionReport>());
+    arInteractiveAssertionFailureHandler handler(0, std::make_shared<arAssertionReport>());
     errno = EXDEV;
     handler.onAssertionFailure(nullptr, nullptr, 3, nullptr);
     EXPECT_EQ(errno, EXDEV);

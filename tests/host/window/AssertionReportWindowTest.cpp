@@ -3,7 +3,7 @@
 #include "tests/host/MainFrameFixture.h"
 
 #include "assertionHandling/ahAssertDialog.h"
-#include "host/window/hoAssertionReportWindow.h"
+#include "assertionReporting/arAssertionReportWindow.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "tests/support/tsCaughtErrors.h"
 
@@ -69,15 +69,15 @@ protected:
         tsRunUntil("the report shows all there is",
                    [this]
                    {
-                       const hoAssertionReportWindow* const pWindow = window();
+                       const arAssertionReportWindow* const pWindow = window();
                        return pWindow == nullptr || !pWindow->isBehind();
                    });
     }
-    hoAssertionReportWindow* window() const
+    arAssertionReportWindow* window() const
     {
         for (wxWindow* pChild : _pFrame->GetChildren())
         {
-            if (auto* pWindow = dynamic_cast<hoAssertionReportWindow*>(pChild))
+            if (auto* pWindow = dynamic_cast<arAssertionReportWindow*>(pChild))
             {
                 return pWindow;
             }
@@ -119,7 +119,7 @@ protected:
 TEST_F(AssertionReportWindow, SaysThatThereIsNothing)
 {
     startWithReport();
-    EXPECT_EQ(heading(), "No assertion has failed while Developer > Assertion dialogs was on.");
+    EXPECT_EQ(heading(), "No assertion has failed while there were dialogs for them.");
     EXPECT_THAT(column(PLACE), IsEmpty());
     EXPECT_FALSE(isEnabled(wxID_COPY));
     EXPECT_FALSE(isEnabled(wxID_SAVEAS));
@@ -235,7 +235,7 @@ TEST_F(AssertionReportWindow, IsCopied)
     tsPressKeys("ctrl+c");
     tsRunUntil("one row is copied", [] { return clipboardText().Freq('\n') == 2; });
     EXPECT_THAT(clipboardText().utf8_string(), HasSubstr("\n/source/aFile.cpp\t8\t1\t"));
-    EXPECT_THAT(clipboardText().utf8_string(), HasSubstr("\tignore\taFunction\tAssertion failure (x != 0)\n"));
+    EXPECT_THAT(clipboardText().utf8_string(), HasSubstr("\tignore\taFunction\tAssertion failure (x != 0)\t"));
 }
 
 TEST_F(AssertionReportWindow, IsSaved)
@@ -267,7 +267,7 @@ TEST_F(AssertionReportWindow, IsSaved)
     fail(7, "not \xff UTF-8");
     settle();
     EXPECT_TRUE(window()->saveAs(path));
-    EXPECT_THAT(_folder.read("report.tsv"), HasSubstr("\tnot \xc3\xbf UTF-8\n"));
+    EXPECT_THAT(_folder.read("report.tsv"), HasSubstr("\tnot \xc3\xbf UTF-8\t"));
 }
 
 TEST_F(AssertionReportWindow, SaysWhyItCannotBeSaved)

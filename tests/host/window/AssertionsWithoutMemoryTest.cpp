@@ -3,9 +3,9 @@
 #include "tests/host/MainFrameFixture.h"
 
 #include "assertionHandling/ahAssertDialog.h"
-#include "host/assertions/hoAssertionReport.h"
-#include "host/assertions/hoInteractiveAssertionFailureHandler.h"
-#include "host/window/hoAssertionReportWindow.h"
+#include "assertionReporting/arAssertionReport.h"
+#include "assertionReporting/arAssertionReportWindow.h"
+#include "assertionReporting/arInteractiveAssertionFailureHandler.h"
 #include "platform/osWrappers/osProcess.h"
 #include "tests/support/failingAllocation.h"
 #include "tests/support/tsCaughtErrors.h"
@@ -60,24 +60,24 @@ protected:
         return lines;
     }
 
-    hoAssertionRow rowOf(int line)
+    arAssertionRow rowOf(int line)
     {
-        const std::vector<hoAssertionRow> rows = _pReport->rows();
+        const std::vector<arAssertionRow> rows = _pReport->rows();
         const auto row = std::find_if(rows.begin(), rows.end(), [&](const auto& one) { return one._line == line; });
-        return row == rows.end() ? hoAssertionRow() : *row;
+        return row == rows.end() ? arAssertionRow() : *row;
     }
 
     const tsCaughtErrors _errors;
-    const std::shared_ptr<hoAssertionReport> _pReport = std::make_shared<hoAssertionReport>();
-    const std::shared_ptr<hoInteractiveAssertionFailureHandler> _pHandler =
-        std::make_shared<hoInteractiveAssertionFailureHandler>(osGetCurrentThreadId(), _pReport);
+    const std::shared_ptr<arAssertionReport> _pReport = std::make_shared<arAssertionReport>();
+    const std::shared_ptr<arInteractiveAssertionFailureHandler> _pHandler =
+        std::make_shared<arInteractiveAssertionFailureHandler>(osGetCurrentThreadId(), _pReport);
 };
 }  // namespace
 
 TEST_F(AssertionsWithoutMemory, LeaveTheWindowAndTheNextOnesAsTheyAre)
 {
     start();
-    hoAssertionReportWindow window(_pFrame, _pReport);
+    arAssertionReportWindow window(_pFrame, _pReport);
     window.Show();
     tsRunUntil("the report has the keyboard", [&] { return tsHasKeyboard(window); });
     const int plenty = 100000;
@@ -102,7 +102,7 @@ TEST_F(AssertionsWithoutMemory, LeaveTheWindowAndTheNextOnesAsTheyAre)
             EXPECT_THAT(lines, testing::ElementsAre(broken, whole));
         }
         settle();
-        EXPECT_EQ(rowOf(whole)._decision, hoAssertionDecision::Ignore);
+        EXPECT_EQ(rowOf(whole)._decision, arAssertionDecision::Ignore);
         EXPECT_EQ(rowOf(whole)._count, 1U);
         EXPECT_LE(rowOf(broken)._count, 1U);
     }

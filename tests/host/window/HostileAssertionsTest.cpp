@@ -4,8 +4,8 @@
 #include "tests/host/MainFrameFixture.h"
 
 #include "assertionHandling/ahAssertDialog.h"
-#include "host/assertions/hoInteractiveAssertionFailureHandler.h"
-#include "host/window/hoAssertionReportWindow.h"
+#include "assertionReporting/arAssertionReportWindow.h"
+#include "assertionReporting/arInteractiveAssertionFailureHandler.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "tests/support/tsCaughtErrors.h"
 
@@ -156,7 +156,7 @@ TEST_F(HostileAssertions, OfOnePlaceWaitOnce)
 TEST_F(HostileAssertions, OfManyPlacesWaitUpToALimit)
 {
     startWithDialogs();
-    const int most = static_cast<int>(hoInteractiveAssertionFailureHandler::mostWaiting);
+    const int most = static_cast<int>(arInteractiveAssertionFailureHandler::mostWaiting);
     std::thread(
         [=]
         {
@@ -168,7 +168,7 @@ TEST_F(HostileAssertions, OfManyPlacesWaitUpToALimit)
         .join();
     const std::vector<std::string> titles = endDialogsUntil(
         "all that waited were decided", AH_IGNORE_BUTTON_ID,
-        [&](std::size_t amount) { return amount == hoInteractiveAssertionFailureHandler::mostWaiting; });
+        [&](std::size_t amount) { return amount == arInteractiveAssertionFailureHandler::mostWaiting; });
     EXPECT_EQ(std::set<std::string>(titles.begin(), titles.end()).size(), titles.size());
     EXPECT_THAT(titles.back(), HasSubstr("Line: " + std::to_string(most)));
     // There is room again, for what fails from now on.

@@ -204,6 +204,22 @@ TEST_F(Shutdown, OfTheProgramBySignalsWhileItWorks)
     checkSettings();
 }
 
+TEST_F(Shutdown, OfTheProgramByAnAssertionsDialogWhileItWorks)
+{
+    SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(seed()));
+    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 12);
+    for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
+    {
+        const std::chrono::microseconds moment = randomMoment(60000);
+        removeSignatures();
+        const tsOutcome outcome = tsRunSignalled(programAtWork("exit"), SIGUSR1, moment, true);
+        SCOPED_TRACE(std::to_string(number) + ": after " + std::to_string(moment.count()) + " us: " + outcome._errors);
+        EXPECT_EQ(outcome._exitStatus, 0) << outcome._signal;
+        checkFolder();
+    }
+    checkSettings();
+}
+
 TEST_F(Shutdown, OfTheProgramWhileItAsks)
 {
     for (const int signal : {SIGTERM, SIGHUP, SIGINT})

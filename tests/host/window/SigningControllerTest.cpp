@@ -4,7 +4,10 @@
 #include "tests/host/window/BareFrame.h"
 
 #include "host/documents/hoDocumentList.h"
+#include "host/window/hoProgressDialog.h"
 #include "host/window/hoSigningController.h"
+
+#include <algorithm>
 
 namespace
 {
@@ -21,7 +24,12 @@ protected:
             hoSigningController::Callbacks{[this] { ++_begun; },
                                            [this](const std::vector<hoWorkOutcome>& outcomes)
                                            { _outcomes += outcomes.size(); },
-                                           [this](const hoWorkSummary& summary) { _ends.push_back(summary); }});
+                                           [this](const hoWorkSummary& summary) { _ends.push_back(summary); },
+                                           [this]
+                                           {
+                                               ++_progressQuestions;
+                                               return _mayShowProgress;
+                                           }});
     }
     void TearDown() override
     {
@@ -49,6 +57,8 @@ protected:
     hoKeyRing _keys;
     std::unique_ptr<hoSigningController> _pController;
     int _begun = 0;
+    int _progressQuestions = 0;
+    bool _mayShowProgress = true;
     std::size_t _outcomes = 0;
     std::vector<hoWorkSummary> _ends;
 };
@@ -89,6 +99,28 @@ TEST_F(SigningController, ReportsNoOutcomeOfKeysThatAreGone)
     _keys = hoKeyRing();
     waitForEnd(1);
     EXPECT_EQ(_outcomes, 0U);
+}
+
+TEST_F(SigningController, HoldsTheProgressBackUntilItMayAppear)
+{
+    const auto hasProgress = []
+    {
+        return std::any_of(wxTopLevelWindows.begin(), wxTopLevelWindows.end(),
+                           [](const wxWindow* pWindow)
+                           { return dynamic_cast<const hoProgressDialog*>(pWindow) != nullptr && pWindow->IsShown(); });
+    };
+    _keys._private._pKey = newKey(512);
+    const std::vector<hoDocument> one = documents(1);
+    // Of holes alone: it takes longer than the test.
+    std::filesystem::resize_file(_folder.path("document0"), 1ULL << 40);
+    _mayShowProgress = false;
+    _pController->begin(Kind::Sign, one);
+    tsRunUntil("it was asked twice", [this] { return _progressQuestions == 2; });
+    EXPECT_FALSE(hasProgress());
+    _mayShowProgress = true;
+    tsRunUntil("the progress is there", hasProgress);
+    _pController->stop();
+    EXPECT_FALSE(std::filesystem::exists(_folder.path("document0.sig")));
 }
 
 TEST_F(SigningController, StopsWithoutACallback)

@@ -5,8 +5,8 @@
 #include "tests/host/NewKey.h"
 #include "tests/host/SystemFault.h"
 
-#include "host/assertions/hoAssertionReport.h"
-#include "host/window/hoAssertionReportWindow.h"
+#include "assertionReporting/arAssertionReport.h"
+#include "assertionReporting/arAssertionReportWindow.h"
 #include "host/window/hoNewKeyDialog.h"
 
 #include <gmock/gmock.h>
@@ -153,9 +153,9 @@ TEST_F(WindowFaults, SaysThatWorkCouldNotBegin)
 TEST_F(WindowFaults, SaysThatAReportCouldNotBeWritten)
 {
     startWithDocument();
-    const auto pReport = std::make_shared<hoAssertionReport>();
+    const auto pReport = std::make_shared<arAssertionReport>();
     pReport->record("f", "/a.c", 1, "m", 1, 1);
-    hoAssertionReportWindow window(_pFrame, pReport);
+    arAssertionReportWindow window(_pFrame, pReport);
     const std::string path = _folder.write("documents/report", "old");
     EXPECT_TRUE(hasMessageDuring(
         [&]

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Assertions that fail on many threads while dialogs come and go, for the thread sanitizer to look at too. No window of
 // the host's is needed: the dialogs are the kit's.
-#include "host/assertions/hoAssertionReport.h"
-#include "host/assertions/hoInteractiveAssertionFailureHandler.h"
+#include "assertionReporting/arAssertionReport.h"
+#include "assertionReporting/arInteractiveAssertionFailureHandler.h"
 
 #include "assertionHandling/ahAssertDialog.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
@@ -45,7 +45,7 @@ protected:
 
     void switchOn()
     {
-        _pHandler = std::make_shared<hoInteractiveAssertionFailureHandler>(osGetCurrentThreadId(), _pReport);
+        _pHandler = std::make_shared<arInteractiveAssertionFailureHandler>(osGetCurrentThreadId(), _pReport);
         gtRegisterAssertionFailureHandler(_pHandler.get());
     }
     void switchOff()
@@ -132,8 +132,8 @@ protected:
     };
 
     const tsCaughtErrors _errors;
-    const std::shared_ptr<hoAssertionReport> _pReport = std::make_shared<hoAssertionReport>();
-    std::shared_ptr<hoInteractiveAssertionFailureHandler> _pHandler;
+    const std::shared_ptr<arAssertionReport> _pReport = std::make_shared<arAssertionReport>();
+    std::shared_ptr<arInteractiveAssertionFailureHandler> _pHandler;
     int _answers = 0;
 };
 }  // namespace
@@ -155,7 +155,7 @@ TEST_F(AssertionThreads, FailWhileDialogsComeAndGo)
         tsRunUntil("enough dialogs were answered",
                    [&]
                    {
-                       for (const hoAssertionRow& row : _pReport->rows())
+                       for (const arAssertionRow& row : _pReport->rows())
                        {
                            EXPECT_LE(row._count, threads.failures() + 3);
                        }
@@ -169,9 +169,9 @@ TEST_F(AssertionThreads, FailWhileDialogsComeAndGo)
     EXPECT_GT(changes, 0);
     EXPECT_GE(_pReport->amountOfFailures(), static_cast<std::uint64_t>(dialogs));
     bool isDecided = false;
-    for (const hoAssertionRow& row : _pReport->rows())
+    for (const arAssertionRow& row : _pReport->rows())
     {
-        isDecided = isDecided || row._decision == hoAssertionDecision::IgnoreAll;
+        isDecided = isDecided || row._decision == arAssertionDecision::IgnoreAll;
     }
     EXPECT_TRUE(isDecided);
 }
@@ -219,7 +219,7 @@ TEST_F(AssertionThreads, FailWhileTheHandlerComesAndGoes)
 TEST_F(AssertionThreads, KeepTheHandlerWhoseDialogIsUp)
 {
     std::thread([] { gtTriggerAssertonFailureHandler("run", "/source/file.cpp", 1, "message"); }).join();
-    const std::weak_ptr<hoInteractiveAssertionFailureHandler> pHandler = _pHandler;
+    const std::weak_ptr<arInteractiveAssertionFailureHandler> pHandler = _pHandler;
     tsRunUntil("the dialog has come and gone",
                [&]
                {
@@ -234,5 +234,5 @@ TEST_F(AssertionThreads, KeepTheHandlerWhoseDialogIsUp)
                });
     EXPECT_TRUE(pHandler.expired());
     ASSERT_EQ(_pReport->rows().size(), 1U);
-    EXPECT_EQ(_pReport->rows()[0]._decision, hoAssertionDecision::Ignore);
+    EXPECT_EQ(_pReport->rows()[0]._decision, arAssertionDecision::Ignore);
 }
