@@ -44,6 +44,7 @@
 #include <cstring>
 #include <ctime>
 #include <type_traits>
+#include <utility>
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -222,32 +223,55 @@ MP_INLINE uint64_t product(mpDigit x, mpDigit y)
 // Rows: one digit times a number. This is how short products and quotients are formed, and what the columns below are
 // tested against.
 
-// w[0..n) += u[0..n) * d. Returns the carry digit.
-mpDigit rowMultiplyAdd(mpDigit w[], const mpDigit u[], size_t n, mpDigit d)
+// x * d, for a d of 16 bits when isHalf.
+template <bool isHalf>
+MP_INLINE uint64_t productWith(mpDigit x, mpDigit d)
+{
+    if (isHalf)
+    {
+        return uint64_t{(x & halfMask) * d} + (uint64_t{(x >> bitsPerHalf) * d} << bitsPerHalf);
+    }
+    return product(x, d);
+}
+
+template <bool isHalf>
+MP_INLINE mpDigit rowMultiplyAddWith(mpDigit w[], const mpDigit u[], size_t n, mpDigit d)
 {
     mpDigit carry = 0;
     for (size_t i = 0; i < n; i++)
     {
         // At most (B-1)^2 + 2(B-1), which is B^2 - 1.
-        const uint64_t t = product(u[i], d) + carry + w[i];
+        const uint64_t t = productWith<isHalf>(u[i], d) + carry + w[i];
         w[i] = static_cast<mpDigit>(t);
         carry = static_cast<mpDigit>(t >> bitsPerDigit);
     }
     return carry;
 }
 
-// w[0..n) -= v[0..n) * d. Returns the borrow digit.
-mpDigit rowMultiplySubtract(mpDigit w[], const mpDigit v[], size_t n, mpDigit d)
+template <bool isHalf>
+MP_INLINE mpDigit rowMultiplySubtractWith(mpDigit w[], const mpDigit v[], size_t n, mpDigit d)
 {
     mpDigit borrow = 0;
     for (size_t i = 0; i < n; i++)
     {
-        const uint64_t t = product(v[i], d) + borrow;
+        const uint64_t t = productWith<isHalf>(v[i], d) + borrow;
         const auto low = static_cast<mpDigit>(t);
         borrow = static_cast<mpDigit>(t >> bitsPerDigit) + (w[i] < low ? 1 : 0);
         w[i] -= low;
     }
     return borrow;
+}
+
+// w[0..n) += u[0..n) * d. Returns the carry digit.
+mpDigit rowMultiplyAdd(mpDigit w[], const mpDigit u[], size_t n, mpDigit d)
+{
+    return d <= halfMask ? rowMultiplyAddWith<true>(w, u, n, d) : rowMultiplyAddWith<false>(w, u, n, d);
+}
+
+// w[0..n) -= v[0..n) * d. Returns the borrow digit.
+mpDigit rowMultiplySubtract(mpDigit w[], const mpDigit v[], size_t n, mpDigit d)
+{
+    return d <= halfMask ? rowMultiplySubtractWith<true>(w, v, n, d) : rowMultiplySubtractWith<false>(w, v, n, d);
 }
 
 int32_t compare(const mpDigit a[], const mpDigit b[], size_t n)
@@ -2486,6 +2510,50 @@ MP_OWN_FRAME void modularPower(mpDigit y[], const mpDigit x[], const mpDigit e[]
     clearAndFree(value, n);
 }
 
+// A step of Euclid's algorithm whose quotient is a single digit, as nearly all are: u = u modulo v, in place, without
+// shifting either. u and v have n digits. False, with nothing done, when v has less than two digits or the quotient may
+// be longer.
+bool divideByShortQuotient(mpDigit& q, mpDigit u[], const mpDigit v[], size_t n)
+{
+    const size_t vn = significantDigits(v, n);
+    const size_t un = significantDigits(u, n);
+    // A digit of u above v that is no less than the highest digit of v would be cut off by the shift.
+    if (vn < 2 || un > vn + 1 || (un > vn && u[vn] >= v[vn - 1]))
+    {
+        return false;
+    }
+    // The highest digits, as they would stand when v is shifted until its top bit is set.
+    const uint32_t shift = leadingZeroBits(v[vn - 1]);
+    const auto shifted = [shift](const mpDigit a[], size_t i, size_t size)
+    {
+        const mpDigit high = i < size ? a[i] : 0;
+        return shift == 0 || i == 0 ? high << shift : high << shift | a[i - 1] >> (bitsPerDigit - shift);
+    };
+    const mpDigit vHigh = shifted(v, vn - 1, vn);
+    const mpDigit top = shifted(u, vn, un);
+    if (top >= vHigh)
+    {
+        return false;
+    }
+    q = estimateQuotient(top, shifted(u, vn - 1, un), shifted(u, vn - 2, un), vHigh, shifted(v, vn - 2, vn));
+    if (q != 0)
+    {
+        const mpDigit borrow = rowMultiplySubtract(u, v, vn, q);
+        const mpDigit above = un > vn ? u[vn] : 0;
+        if (un > vn)
+        {
+            u[vn] = 0;
+        }
+        if (above != borrow)
+        {
+            // Once too often.
+            q--;
+            add(u, u, v, vn);
+        }
+    }
+    return true;
+}
+
 MP_OWN_FRAME int32_t modularInverse(mpDigit inv[], const mpDigit u[], const mpDigit v[], uint32_t ndigits)
 {
     const size_t n = ndigits;
@@ -2498,27 +2566,40 @@ MP_OWN_FRAME int32_t modularInverse(mpDigit inv[], const mpDigit u[], const mpDi
     mpDigit* q = allocateDigits(n);
     mpDigit* w = allocateDigits(uint64_t{2} * ndigits);
 
-    mpSetDigit(ucoef, 1, ndigits);
+    ucoef[0] = 1;
     setEqual(urem, u, n);
     setEqual(vrem, v, n);
     // The coefficients change their sign with every round, so one flag stands for all signs.
     bool negative = false;
-    while (mpIsZero(vrem, ndigits) == 0)
+    while (significantDigits(vrem, n) != 0)
     {
         negative = !negative;
-        mpDivide(q, trem, urem, ndigits, vrem, ndigits);
-        // Quotients are short, and zero digits of the second factor cost nothing.
-        mpMultiply(w, vcoef, q, ndigits);
         // No coefficient exceeds v before the last round, and what that one forms for vcoef is not used.
-        mpAdd(tcoef, ucoef, w, ndigits);
-        setEqual(ucoef, vcoef, n);
-        setEqual(vcoef, tcoef, n);
-        setEqual(urem, vrem, n);
-        setEqual(vrem, trem, n);
+        mpDigit digit = 0;
+        if (divideByShortQuotient(digit, urem, vrem, n))
+        {
+            const size_t size = significantDigits(vcoef, n);
+            mpDigit carry = rowMultiplyAdd(ucoef, vcoef, size, digit);
+            for (size_t i = size; carry != 0 && i < n; i++)
+            {
+                ucoef[i] += carry;
+                carry = ucoef[i] < carry ? 1 : 0;
+            }
+        }
+        else
+        {
+            divide(q, trem, urem, n, vrem, n);
+            multiply(w, vcoef, q, n);
+            add(tcoef, ucoef, w, n);
+            std::swap(urem, trem);
+            std::swap(ucoef, tcoef);
+        }
+        std::swap(ucoef, vcoef);
+        std::swap(urem, vrem);
     }
     if (negative)
     {
-        mpSubtract(inv, v, ucoef, ndigits);
+        subtract(inv, v, ucoef, n);
     }
     else
     {
@@ -2547,16 +2628,27 @@ MP_OWN_FRAME void greatestCommonDivisor(mpDigit g[], const mpDigit x[], const mp
     const size_t n = ndigits;
     mpDigit* xx = allocateDigits(n);
     mpDigit* yy = allocateDigits(n);
-
     setEqual(xx, x, n);
     setEqual(yy, y, n);
-    setEqual(g, yy, n);
-    while (mpIsZero(xx, ndigits) == 0)
+    if (significantDigits(xx, n) != 0)
     {
-        setEqual(g, xx, n);
-        modulo(xx, yy, n, xx, n);
-        setEqual(yy, g, n);
+        // For remainders, once for all rounds.
+        mpDigit* quotient = allocateDigits(n);
+        mpDigit* remainder = allocateDigits(n);
+        do
+        {
+            mpDigit digit = 0;
+            if (!divideByShortQuotient(digit, yy, xx, n))
+            {
+                divide(quotient, remainder, yy, n, xx, n);
+                std::swap(yy, remainder);
+            }
+            std::swap(xx, yy);
+        } while (significantDigits(xx, n) != 0);
+        clearAndFree(quotient, n);
+        clearAndFree(remainder, n);
     }
+    setEqual(g, yy, n);
 
     clearAndFree(xx, n);
     clearAndFree(yy, n);
