@@ -15,6 +15,10 @@ mkdir -p "$images" || fail "making the folder $images"
 
 step "taking docs/images/assertion-dialog.png" \
     "$root/scripts/with-display.sh" "$programs/picture_assertion_dialog" "$images/assertion-dialog.png"
+step "taking docs/images/assertion-dialog-dark.png" env GTK_THEME=Adwaita:dark \
+    "$root/scripts/with-display.sh" "$programs/picture_assertion_dialog" "$images/assertion-dialog-dark.png"
+step "taking docs/images/assertion-dialog-high-contrast.png" env GTK_THEME=HighContrast \
+    "$root/scripts/with-display.sh" "$programs/picture_assertion_dialog" "$images/assertion-dialog-high-contrast.png"
 
 # The main window, with settings and documents of its own.
 files=$(mktemp -d /tmp/countersign.XXXXXX) || fail "making a temporary folder"
