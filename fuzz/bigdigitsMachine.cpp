@@ -14,7 +14,7 @@ namespace
 
 constexpr std::size_t amountOfRegisters = 8;
 // Enough for the ways that long numbers go: columns, limbs, and quotients by both.
-constexpr std::uint32_t mostDigits = 80;
+constexpr std::uint32_t mostDigits = 48;
 constexpr int mostInstructions = 60;
 
 // A number of the stranger.
