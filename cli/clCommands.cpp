@@ -7,12 +7,13 @@
 #include <memory>
 #include <unistd.h>
 
+#include "cli/clAdvice.h"
 #include "cli/clInterrupt.h"
-#include "cli/clMessages.h"
 #include "cli/clPrintableName.h"
 #include "cli/clProgressLine.h"
 #include "cli/clStandardStreams.h"
 #include "cli/clTerminal.h"
+#include "host/messages/hoMessages.h"
 #include "platform/baseTools/gtWipe.h"
 
 namespace
@@ -23,6 +24,18 @@ const char* const standardStream = "-";
 // A text from standard input is not read beyond this; nothing near it can be encrypted.
 constexpr std::size_t longestInput = 1024 * 1024;
 
+void complain(const std::string& name, const gtString& reason, const std::string& advice = std::string())
+{
+    clComplain(name + ": " + reason.asStdString() + advice);
+}
+
+void complainOfSigning(const clArguments& arguments, const std::string& name, const hoSigningFacts& facts)
+{
+    const bool isTheKeys =
+        facts._problem == hoSigningProblem::NoPrivateKey || facts._problem == hoSigningProblem::KeyTooSmall;
+    complain(isTheKeys ? clPrintableName(arguments._keyPath) : name, hoSigningReason(facts));
+}
+
 std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
 {
     const std::string name = clPrintableName(arguments._keyPath);
@@ -31,11 +44,11 @@ std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
     std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(gtString(arguments._keyPath), &passphrase, facts);
     if (pKey == nullptr)
     {
-        clComplain(clKeyMessage(name, facts, passphrase.isWithoutTerminal()));
+        complain(name, hoKeyFileReason(facts), clKeyAdvice(facts, passphrase.isWithoutTerminal()));
     }
     else if (pKey->hasPrivateKey() && facts._isOpenToOthers)
     {
-        clComplain(clOpenKeyWarning(name));
+        complain("warning: " + name, hoOpenKeyWarning());
     }
     if ((pKey != nullptr) && (arguments._command == clCommand::Test))
     {
@@ -93,14 +106,14 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
     const std::string name = clPrintableName(file);
     const bool isForOutput = arguments._hasOutput && (arguments._outputPath == standardStream);
     const gtString path = arguments._hasOutput ? gtString(arguments._outputPath) : hoSignaturePath(gtString(file));
-    const std::string signatureName = clPrintableName(path.asStdString());
+    const std::string signatureName = clPrintableName(path);
     hoSignatureFileFacts fileFacts;
     if (!isForOutput)
     {
         fileFacts = hoCheckSignaturePath(path, arguments._isForced);
         if (fileFacts._problem != hoSignatureFileProblem::None)
         {
-            clComplain(clSignatureFileMessage(signatureName, fileFacts));
+            complain(signatureName, hoSignatureFileReason(fileFacts), clSignatureFileAdvice(fileFacts));
             return clStatusNotChecked;
         }
     }
@@ -112,7 +125,7 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
     }
     if (facts._problem != hoSigningProblem::None)
     {
-        clComplain(clSigningMessage(name, clPrintableName(arguments._keyPath), key.bits(), facts));
+        complainOfSigning(arguments, name, facts);
         return clStatusNotChecked;
     }
     if (isForOutput)
@@ -123,7 +136,7 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
     fileFacts = hoWriteSignatureFile(path, signature, arguments._isForced);
     if (fileFacts._problem != hoSignatureFileProblem::None)
     {
-        clComplain(clSignatureFileMessage(signatureName, fileFacts));
+        complain(signatureName, hoSignatureFileReason(fileFacts), clSignatureFileAdvice(fileFacts));
         return clStatusNotChecked;
     }
     clWriteOutput(name + ": signed, " + signatureName + "\n");
@@ -139,7 +152,7 @@ bool readSignature(const clArguments& arguments, const std::string& file, gtStri
         const int error = clReadInput(input, static_cast<std::size_t>(hoLargestSignatureFile));
         if (error != 0)
         {
-            clComplain("standard input: the signature cannot be read: " + clSystemErrorText(error));
+            clComplain("standard input: the signature cannot be read: " + hoSystemErrorText(error).asStdString());
             return false;
         }
         signature = gtString(input);
@@ -150,7 +163,7 @@ bool readSignature(const clArguments& arguments, const std::string& file, gtStri
     const hoSignatureFileFacts facts = hoReadSignatureFile(path, signature);
     if (facts._problem != hoSignatureFileProblem::None)
     {
-        clComplain(clSignatureFileMessage(clPrintableName(path.asStdString()), facts));
+        complain(clPrintableName(path), hoSignatureFileReason(facts), clSignatureFileAdvice(facts));
         return false;
     }
     return true;
@@ -182,7 +195,7 @@ int testFile(const clArguments& arguments, const std::string& file, const hoKey&
     }
     if (facts._problem != hoSigningProblem::None)
     {
-        clComplain(clSigningMessage(name, clPrintableName(arguments._keyPath), key.bits(), facts));
+        complainOfSigning(arguments, name, facts);
         clWriteOutput(name + ": not tested\n");
         return clStatusNotChecked;
     }
@@ -201,7 +214,7 @@ int digestFile(const clArguments& arguments, const std::string& file, const hoKe
     }
     if (facts._problem != hoSigningProblem::None)
     {
-        clComplain(clSigningMessage(name, clPrintableName(arguments._keyPath), key.bits(), facts));
+        complainOfSigning(arguments, name, facts);
         return clStatusNotChecked;
     }
     clWriteOutput(digestText.asStdString() + ((arguments._files.size() > 1) ? "  " + name : "") + "\n");
@@ -220,7 +233,7 @@ bool readText(const clArguments& arguments, gtString& text)
     const int error = clReadInput(input, longestInput);
     if (error != 0)
     {
-        clComplain("standard input: cannot be read: " + clSystemErrorText(error));
+        clComplain("standard input: cannot be read: " + hoSystemErrorText(error).asStdString());
         return false;
     }
     text = gtString(input);
@@ -242,7 +255,7 @@ int encrypt(const clArguments& arguments)
     gtWipe(text);
     if (problem != hoTextProblem::None)
     {
-        clComplain(clEncryptionMessage(problem, lengthOfText, hoLongestText(pKey->ownKey()), pKey->bits()));
+        clComplain(hoEncryptionReason(problem, pKey->ownKey(), lengthOfText).asStdString());
         return clStatusNotChecked;
     }
     clWriteOutput(cipherText.asStdString() + "\n");
@@ -261,10 +274,14 @@ int decrypt(const clArguments& arguments)
     const hoTextProblem problem = hoDecryptText(pKey->ownKey(), cipherText, text);
     if (problem != hoTextProblem::None)
     {
-        clComplain(clDecryptionMessage(problem, cipherText.length(), hoLengthOfCipherText(pKey->ownKey()),
-                                       hoLongestText(pKey->ownKey()), clPrintableName(arguments._keyPath),
-                                       pKey->bits()));
-        return (problem == hoTextProblem::DoesNotComeOut) ? clStatusNotGood : clStatusNotChecked;
+        const gtString reason = hoDecryptionReason(problem, pKey->ownKey(), cipherText.length());
+        if (problem == hoTextProblem::DoesNotComeOut)
+        {
+            complain(clPrintableName(arguments._keyPath), reason);
+            return clStatusNotGood;
+        }
+        clComplain(reason.asStdString());
+        return clStatusNotChecked;
     }
     clWriteOutput(text.asStdString());
     if (clIsOutputATerminal())
@@ -337,7 +354,7 @@ int clPerform(const clArguments& arguments)
     const int error = clFlushOutput();
     if (error != 0)
     {
-        clComplain("standard output: cannot be written: " + clSystemErrorText(error));
+        clComplain("standard output: cannot be written: " + hoSystemErrorText(error).asStdString());
         return clStatusNotChecked;
     }
     return status;

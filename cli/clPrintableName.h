@@ -5,8 +5,10 @@
 
 #include <string>
 
-// The name with control characters, backslashes and bytes that are no UTF-8 written as in C: \n, \t, \\, \x1b. Different
-// names stay different.
-std::string clPrintableName(const std::string& name);
+#include "platform/baseTools/gtString.h"
+
+// The name with every character that is not harmless (gtCharacters.h), backslashes, and bytes that are no UTF-8 written
+// as in C: \n, \t, \\, \x1b. Different names stay different.
+std::string clPrintableName(const gtString& name);
 
 #endif

@@ -38,7 +38,4 @@ private:
     bool _isShown = false;
 };
 
-// 999 bytes, 1.0 KB, 23 MB: three digits at most, thousands of bytes.
-std::string clAmountOfBytes(unsigned long long bytes);
-
 #endif

@@ -3,15 +3,17 @@
 
 #include "host/desktop/hoApplicationArguments.h"
 #include "host/keys/hoKeyFile.h"
+#include "host/messages/hoNumbers.h"
 #include "host/window/hoCommands.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoDocumentDropTarget.h"
+#include "host/window/hoEncryptionDialog.h"
 #include "host/window/hoHelp.h"
 #include "host/window/hoIcons.h"
 #include "host/window/hoMenuBar.h"
 #include "host/window/hoStatusBar.h"
-#include "host/window/hoTextsDialog.h"
 #include "platform/osWrappers/osProcess.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/sizer.h>
 
@@ -30,12 +32,12 @@ MainFrame::MainFrame()
       _messageBar(*this),
       _memory([this](const wxString& text) { _pStatusBar->showNotice(text); }),
       _keys(*this, _memory.settings(),
-            {[this] { onKeysChanged(); }, [this](const hoWorkSummary& warning) { onKeyWarning(warning); },
+            {[this] { onKeysChanged(); }, [this](const hoSummary& warning) { onKeyWarning(warning); },
              [this](const wxString& text) { _pStatusBar->showNotice(text); }}),
       _signing(*this, _keys.keys(),
                {[this] { _messageBar.dismiss(); },
-                [this](const std::vector<hoWorkOutcome>& outcomes) { _pView->showOutcomes(outcomes); },
-                [this](const hoWorkSummary& summary)
+                [this](const std::vector<hoSigningOutcome>& outcomes) { _pView->showOutcomes(outcomes); },
+                [this](const hoSummary& summary)
                 {
                     _messageBar.setResult(summary);
                     showChangesSoon();
@@ -130,7 +132,7 @@ void MainFrame::makeWindow()
 
 void MainFrame::bindCommands()
 {
-    using Kind = hoDocumentWork::Kind;
+    using Kind = hoSigningJob::Kind;
     using Half = hoKeyController::Half;
     const auto on = [this](int id, auto action)
     {
@@ -156,7 +158,7 @@ void MainFrame::bindCommands()
     on(ID_LOAD_PRIVATE_KEY, [this] { _keys.chooseKey(Half::Private); });
     on(ID_LOAD_PUBLIC_KEY, [this] { _keys.chooseKey(Half::Public); });
     on(ID_NEW_KEY_PAIR, [this] { _keys.makeKeyPair(); });
-    on(ID_TEXTS, [this] { hoTextsDialog(this, keys()).ShowModal(); });
+    on(ID_TEXTS, [this] { hoEncryptionDialog(this, keys()).ShowModal(); });
     on(ID_FORGET_KEYS, [this] { _keys.setKeys(hoKeyRing()); });
 
     on(ID_SIGN, [this] { _signing.begin(Kind::Sign, _pView->documentsToProcess(false)); });
@@ -174,7 +176,7 @@ void MainFrame::bindCommands()
 
 void MainFrame::bindEvents()
 {
-    using Kind = hoDocumentWork::Kind;
+    using Kind = hoSigningJob::Kind;
     hoMenuBar::followConditions(*this,
                                 {[this] { return !documents().isEmpty(); },
                                  [this] { return _pView->amountSelected() > 0; }, [this] { return keys().canTest(); },
@@ -222,7 +224,7 @@ void MainFrame::OnCopyPath(wxCommandEvent&)
     const std::size_t amount = _pView->copySelectedPaths();
     if (amount > 0)
     {
-        _pStatusBar->showNotice(hoAmountText(amount, "path copied", "paths copied"));
+        _pStatusBar->showNotice(gtTextFromBytes(hoAmountText(amount, "path copied", "paths copied")));
     }
 }
 
@@ -245,11 +247,11 @@ void MainFrame::openDropped(const hoUriList& list)
 
 void MainFrame::onKeysChanged()
 {
-    _messageBar.setKeyWarning(hoWorkSummary());
+    _messageBar.setKeyWarning(hoSummary());
     _pView->forgetStates(keys().canTest());
 }
 
-void MainFrame::onKeyWarning(const hoWorkSummary& warning)
+void MainFrame::onKeyWarning(const hoSummary& warning)
 {
     // It takes the place of a result, which was found with another key.
     _messageBar.clear();

@@ -52,8 +52,8 @@ public:
 
     // What the bar above the list says, of each kind of message; see hoMessageBar.
     wxString refusalMessage() const { return _messageBar.refusalText(); }
-    const hoWorkSummary& workMessage() const { return _messageBar.result(); }
-    const hoWorkSummary& keyWarning() const { return _messageBar.keyWarning(); }
+    const hoSummary& workMessage() const { return _messageBar.result(); }
+    const hoSummary& keyWarning() const { return _messageBar.keyWarning(); }
 
     // The keys that are loaded. What was found with other ones is no longer shown.
     const hoKeyRing& keys() const { return _keys.keys(); }
@@ -77,7 +77,7 @@ private:
     void openNow(const std::vector<gtString>& paths);
     void openDropped(const hoUriList& list);
     void onKeysChanged();
-    void onKeyWarning(const hoWorkSummary& warning);
+    void onKeyWarning(const hoSummary& warning);
     void comeToFront();
 
     // Rows and states are shown at once. Messages, status and recent documents are shown once the present event is dealt

@@ -29,7 +29,7 @@ std::vector<gtString> applicationArguments()
         // A document that arrived before the window is kept as a path text.
         return {gtPathBytesFromText(texts[0])};
     }
-    return hoWithLostArguments(arguments, ofProcess, isLostArgument);
+    return hoRestoreLostArguments(arguments, ofProcess, isLostArgument);
 }
 }  // namespace
 

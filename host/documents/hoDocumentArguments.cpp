@@ -38,8 +38,9 @@ std::vector<gtString> hoDocumentArguments(const std::vector<gtString>& arguments
     return documents;
 }
 
-std::vector<gtString> hoWithLostArguments(const std::vector<gtString>& toolkits, const std::vector<gtString>& process,
-                                          const std::function<bool(const gtString&)>& isLost)
+std::vector<gtString> hoRestoreLostArguments(const std::vector<gtString>& toolkits,
+                                             const std::vector<gtString>& process,
+                                             const std::function<bool(const gtString&)>& isLost)
 {
     std::vector<gtString> all;
     std::size_t taken = 0;

@@ -18,8 +18,9 @@ std::vector<gtString> hoDocumentArguments(const std::vector<gtString>& arguments
 // express. The toolkit's arguments with those dropped ones back in their places: an argument of the process that the
 // toolkit does not have is taken when isLost says so. When the toolkit's arguments do not come from the process's own
 // ones in this way they are returned as they are.
-std::vector<gtString> hoWithLostArguments(const std::vector<gtString>& toolkits, const std::vector<gtString>& process,
-                                          const std::function<bool(const gtString&)>& isLost);
+std::vector<gtString> hoRestoreLostArguments(const std::vector<gtString>& toolkits,
+                                             const std::vector<gtString>& process,
+                                             const std::function<bool(const gtString&)>& isLost);
 
 // The arguments that the process was started with, as the system keeps them; none where it does not tell.
 std::vector<gtString> hoProcessArguments();

@@ -4,6 +4,7 @@
 #include "crypto/crDigits.h"
 #include "crypto/crRSAEncryptionKey.h"
 #include "crypto/crRSAStringEncryptor.h"
+#include "platform/baseTools/gtUtf8.h"
 
 #include <cstddef>
 #include <cstdio>
@@ -12,38 +13,6 @@ namespace
 {
 
 const std::size_t bytesInALine = 16;
-
-// How many bytes the character at the position has; 0 when there is none that is well formed.
-std::size_t lengthOfCharacter(std::string_view bytes, std::size_t position)
-{
-    const auto at = [&](std::size_t index) { return static_cast<unsigned char>(bytes[index]); };
-    const unsigned int first = at(position);
-    if (first < 0x80U)
-    {
-        return 1;
-    }
-    const std::size_t length = first >= 0xF0U ? 4 : (first >= 0xE0U ? 3 : 2);
-    if (first < 0xC2U || first > 0xF4U || position + length > bytes.size())
-    {
-        return 0;
-    }
-    // The second byte rules out overlong forms, surrogates and what lies beyond U+10FFFF.
-    const unsigned int second = at(position + 1);
-    const unsigned int least = first == 0xE0U ? 0xA0U : (first == 0xF0U ? 0x90U : 0x80U);
-    const unsigned int most = first == 0xEDU ? 0x9FU : (first == 0xF4U ? 0x8FU : 0xBFU);
-    if (second < least || second > most)
-    {
-        return 0;
-    }
-    for (std::size_t i = 2; i < length; ++i)
-    {
-        if ((at(position + i) & 0xC0U) != 0x80U)
-        {
-            return 0;
-        }
-    }
-    return length;
-}
 
 }  // namespace
 
@@ -69,17 +38,7 @@ hoReadableText hoDecryptForReading(const crRSAEncryptionKey& key, const gtString
 bool hoIsReadable(const gtString& bytes)
 {
     const std::string_view text = bytes.asStringView();
-    std::size_t position = 0;
-    while (position < text.size())
-    {
-        const std::size_t length = text[position] == '\0' ? 0 : lengthOfCharacter(text, position);
-        if (length == 0)
-        {
-            return false;
-        }
-        position += length;
-    }
-    return true;
+    return text.find('\0') == std::string_view::npos && gtIsUtf8(text);
 }
 
 gtString hoHexDump(const gtString& bytes)

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Signature files: one line with the signature's text, beside the signed file and with its name and ".sig".
 //
-// Nothing here throws or prints. Calls on different files may run on any threads.
+// Nothing here prints, and nothing throws but hoSignaturePath (std::bad_alloc). Calls on different files may run on any
+// threads.
 #ifndef COUNTERSIGN_HO_SIGNATURE_FILE_H
 #define COUNTERSIGN_HO_SIGNATURE_FILE_H
 
@@ -32,14 +33,12 @@ gtString hoSignaturePath(const gtString& path);
 // The signature's text, without blanks and line ends behind it. What it says is not looked at.
 hoSignatureFileFacts hoReadSignatureFile(const gtString& path, gtString& signature);
 
-// Whether hoWriteSignatureFile would refuse the name because of what is there; nothing is written. Saves reading a file
-// whose signature could not be put down.
+// Whether hoWriteSignatureFile would refuse the name because of what is there; nothing is written. To be asked before a
+// file is read whose signature could not be written.
 hoSignatureFileFacts hoCheckSignaturePath(const gtString& path, bool mayOverwrite);
 
-// Writes a line with the signature into a new file beside the wanted one, brings it to the disk and only then gives it
-// its name: there is never half a signature under that name, and what was there before stays until the new one is whole.
-// Whatever fails, the new file is removed again. A symbolic link to a file is followed.
-// Two that write at the same time without mayOverwrite do not overwrite each other where the file system has hard links.
+// Writes a line with the signature, whole or not at all, as osWriteFileAtomically does: a symbolic link to a file is
+// followed, and two that write at the same time without mayOverwrite do not overwrite each other.
 hoSignatureFileFacts hoWriteSignatureFile(const gtString& path, const gtString& signature, bool mayOverwrite);
 
 #endif

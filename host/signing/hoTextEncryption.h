@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Encrypts and decrypts short texts with the string encryptor, and refuses what would not come back.
+// Encrypts and decrypts short texts with the string encryptor, and refuses what could not be decrypted again.
 //
 // Facts come back; the wording is up to the window and the command line. Nothing here throws or prints; safe from any
 // thread, any number with the same key.

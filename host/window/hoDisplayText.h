@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Text, sizes and times as the windows show them.
+// Foreign texts and times as the windows show them.
 //
 // A document's name can hold anything but NUL and '/': line breaks, terminal commands, marks that turn the direction of
 // what follows, bytes that are no text at all. Whatever of that reaches a window goes through here, so that one row
@@ -26,17 +26,6 @@ inline wxString hoDisplayText(const gtString& bytes, std::size_t mostCharacters 
 inline wxString hoHarmlessText(const wxString& text, std::size_t mostCharacters = hoMostCharactersShown)
 {
     return gtHarmlessText(text, mostCharacters);
-}
-
-// A size with three figures ("0 bytes", "1 byte", "999 bytes", "1.23 kB", "18.4 EB"; 1 kB is 1000 bytes), and the exact
-// one with its digits in groups ("12,345,678 bytes").
-wxString hoSizeText(std::uint64_t bytes);
-wxString hoExactSizeText(std::uint64_t bytes);
-
-// A number with its digits in groups of three: "12,345".
-inline wxString hoNumberText(std::uint64_t number)
-{
-    return gtNumberText(number);
 }
 
 // Seconds since 1970 as local time, in a shape that sorts: "2026-11-21 01:43" or, exact, "2026-11-21 01:43:07". A time

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoDocumentListCtrl.h"
 
+#include "host/messages/hoMessages.h"
+#include "host/messages/hoNumbers.h"
 #include "host/window/hoDisplayText.h"
-#include "host/window/hoSigningWords.h"
 #include "host/window/hoStateIcons.h"
+#include "host/window/hoSummary.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/headerctrl.h>
 
@@ -152,8 +155,9 @@ hoDocumentList::Column hoDocumentListCtrl::columnAt(int column)
 wxString hoDocumentListCtrl::tooltipOf(std::size_t row) const
 {
     const hoDocument& document = _documents[row];
-    return hoDisplayText(document._path) + "\n" + hoStateText(document._stamp._state, _canTest) + ", " +
-           hoExactSizeText(document._facts._size) + ", modified " + hoTimeText(document._facts._modifiedSeconds, true);
+    return hoDisplayText(document._path) + "\n" + gtTextFromBytes(hoStateText(document._stamp._state, _canTest)) +
+           ", " + gtTextFromBytes(hoExactSizeText(document._facts._size)) + ", modified " +
+           hoTimeText(document._facts._modifiedSeconds, true);
 }
 
 wxString hoDocumentListCtrl::OnGetItemText(long row, long column) const
@@ -169,9 +173,9 @@ wxString hoDocumentListCtrl::OnGetItemText(long row, long column) const
     case hoDocumentList::Column::Name:
         return hoDisplayText(document.name());
     case hoDocumentList::Column::State:
-        return hoStateText(document._stamp._state, _canTest);
+        return gtTextFromBytes(hoStateText(document._stamp._state, _canTest));
     case hoDocumentList::Column::Size:
-        return hoSizeText(document._facts._size);
+        return gtTextFromBytes(hoSizeText(document._facts._size));
     case hoDocumentList::Column::Modified:
         return hoTimeText(document._facts._modifiedSeconds);
     case hoDocumentList::Column::Path:

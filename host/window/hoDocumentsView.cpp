@@ -252,9 +252,9 @@ void hoDocumentsView::watchFolders()
     _watcher.watch(folders);
 }
 
-void hoDocumentsView::showOutcomes(const std::vector<hoWorkOutcome>& outcomes)
+void hoDocumentsView::showOutcomes(const std::vector<hoSigningOutcome>& outcomes)
 {
-    for (const hoWorkOutcome& outcome : outcomes)
+    for (const hoSigningOutcome& outcome : outcomes)
     {
         _documents.setStamp(outcome._path, outcome._stamp);
     }

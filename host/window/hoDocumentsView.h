@@ -8,7 +8,7 @@
 #define COUNTERSIGN_HO_DOCUMENTS_VIEW_H
 
 #include "host/documents/hoDocumentList.h"
-#include "host/signing/hoDocumentWork.h"
+#include "host/signing/hoSigningJob.h"
 #include "host/window/hoFolderWatcher.h"
 
 #include <wx/simplebook.h>
@@ -58,7 +58,7 @@ public:
     void refreshDocuments();
 
     // What signing or testing has found.
-    void showOutcomes(const std::vector<hoWorkOutcome>& outcomes);
+    void showOutcomes(const std::vector<hoSigningOutcome>& outcomes);
     // Drops all that was found. canTest: whether a key is loaded now that could find anything.
     void forgetStates(bool canTest);
 

@@ -75,7 +75,7 @@ void hoKeyController::loadKey(const gtString& path, Half half)
     }
     (isPrivate ? keys._private : keys._public) = loaded;
     setKeys(keys);
-    const hoWorkSummary warning = isPrivate ? hoKeyWarning(loaded) : hoWorkSummary();
+    const hoSummary warning = isPrivate ? hoKeyWarning(loaded) : hoSummary();
     if (!warning._line.empty())
     {
         _callbacks._onWarning(warning);

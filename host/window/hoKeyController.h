@@ -5,7 +5,7 @@
 
 #include "host/documents/hoSettings.h"
 #include "host/keys/hoKeyRing.h"
-#include "host/window/hoSigningWords.h"
+#include "host/window/hoSummary.h"
 
 #include <functional>
 
@@ -24,8 +24,8 @@ public:
 
     struct Callbacks
     {
-        std::function<void()> _onChange;                               // of the keys
-        std::function<void(const hoWorkSummary& warning)> _onWarning;  // about a private key that has just been loaded
+        std::function<void()> _onChange;                           // of the keys
+        std::function<void(const hoSummary& warning)> _onWarning;  // about a private key that has just been loaded
         std::function<void(const wxString& text)> _onNotice;
     };
 

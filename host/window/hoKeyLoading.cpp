@@ -3,7 +3,7 @@
 
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoPassphraseDialog.h"
-#include "host/window/hoSigningWords.h"
+#include "host/window/hoSummary.h"
 
 #include <algorithm>
 
@@ -43,7 +43,7 @@ hoLoadedKey hoLoadKeyAsking(wxWindow* pParent, const gtString& path, hoKeyFileFa
         Asker asker(pParent, question);
         facts = hoKeyFileFacts();
         loaded._pKey = hoLoadKeyFile(path, &asker, facts);
-        question = "That was another passphrase. Passphrase of " + name + ":";
+        question = "Wrong passphrase. Passphrase of " + name + ":";
     } while (facts._problem == hoKeyFileProblem::WrongPassphrase);
     loaded._path = path;
     loaded._isOpenToOthers = facts._isPrivate && facts._isOpenToOthers;

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoMessageBar.h"
 
+#include "host/messages/hoMessages.h"
+#include "host/messages/hoNumbers.h"
 #include "host/window/hoCommands.h"
+#include "host/window/hoDetailsDialog.h"
 #include "host/window/hoDisplayText.h"
-#include "host/window/hoTextDialog.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/frame.h>
 #include <wx/infobar.h>
@@ -27,8 +30,8 @@ void hoMessageBar::addRefusal(const gtString& path, osFileProblem problem)
 void hoMessageBar::clear()
 {
     _refusals.clear();
-    _result = hoWorkSummary();
-    _keyWarning = hoWorkSummary();
+    _result = hoSummary();
+    _keyWarning = hoSummary();
 }
 
 void hoMessageBar::dismiss()
@@ -65,11 +68,11 @@ wxString hoMessageBar::refusalText() const
     }
     if (_refusals.size() > 1)
     {
-        return hoNumberText(_refusals.size()) + " documents could not be opened.";
+        return gtTextFromBytes(hoNumberText(_refusals.size())) + " documents could not be opened.";
     }
     const auto& [path, problem] = _refusals.front();
     return "Cannot open " + hoQuotedText(hoDisplayText(hoLastComponent(path), mostNameCharacters)) + ": " +
-           hoFileProblemText(problem) + ".";
+           gtTextFromBytes(hoFileReason(problem)) + ".";
 }
 
 wxInfoBar& hoMessageBar::bar()
@@ -96,23 +99,24 @@ void hoMessageBar::showRefusals()
     const std::size_t listed = std::min(_refusals.size(), mostRefusalsListed);
     for (std::size_t i = 0; i < listed; ++i)
     {
-        text += hoDisplayText(_refusals[i].first) + "\n    " + hoFileProblemText(_refusals[i].second) + "\n";
+        text +=
+            hoDisplayText(_refusals[i].first) + "\n    " + gtTextFromBytes(hoFileReason(_refusals[i].second)) + "\n";
     }
     if (listed < _refusals.size())
     {
-        text += "and " + hoNumberText(_refusals.size() - listed) + " more\n";
+        text += "and " + gtTextFromBytes(hoNumberText(_refusals.size() - listed)) + " more\n";
     }
-    const wxString heading =
-        hoAmountText(_refusals.size(), "document could not be opened:", "documents could not be opened:");
-    hoTextDialog(&_frame, "Documents that could not be opened", heading, text).ShowModal();
+    const wxString heading = gtTextFromBytes(
+        hoAmountText(_refusals.size(), "document could not be opened:", "documents could not be opened:"));
+    hoDetailsDialog(&_frame, "Documents that could not be opened", heading, text).ShowModal();
 }
 
 void hoMessageBar::OnDetails(wxCommandEvent&)
 {
     if (_refusals.empty())
     {
-        const hoWorkSummary& shown = _result._line.empty() ? _keyWarning : _result;
-        hoTextDialog(&_frame, "Details", shown._line, shown._details).ShowModal();
+        const hoSummary& shown = _result._line.empty() ? _keyWarning : _result;
+        hoDetailsDialog(&_frame, "Details", shown._line, shown._details).ShowModal();
     }
     else
     {

@@ -8,7 +8,7 @@
 #ifndef COUNTERSIGN_HO_MESSAGE_BAR_H
 #define COUNTERSIGN_HO_MESSAGE_BAR_H
 
-#include "host/window/hoSigningWords.h"
+#include "host/window/hoSummary.h"
 
 #include <utility>
 #include <vector>
@@ -27,8 +27,8 @@ public:
     hoMessageBar& operator=(const hoMessageBar&) = delete;
 
     void addRefusal(const gtString& path, osFileProblem problem);
-    void setResult(const hoWorkSummary& result) { _result = result; }
-    void setKeyWarning(const hoWorkSummary& warning) { _keyWarning = warning; }
+    void setResult(const hoSummary& result) { _result = result; }
+    void setKeyWarning(const hoSummary& warning) { _keyWarning = warning; }
     void clear();
     // Forgets every message, and takes the bar away.
     void dismiss();
@@ -38,8 +38,8 @@ public:
 
     // What is to be said of each; empty, or with an empty line, when there is nothing.
     wxString refusalText() const;
-    const hoWorkSummary& result() const { return _result; }
-    const hoWorkSummary& keyWarning() const { return _keyWarning; }
+    const hoSummary& result() const { return _result; }
+    const hoSummary& keyWarning() const { return _keyWarning; }
 
 private:
     wxInfoBar& bar();
@@ -49,8 +49,8 @@ private:
     wxFrame& _frame;
     wxInfoBar* _pBar;                                           // belongs to the frame; null until it is needed
     std::vector<std::pair<gtString, osFileProblem>> _refusals;  // the documents that could not be opened
-    hoWorkSummary _result;
-    hoWorkSummary _keyWarning;
+    hoSummary _result;
+    hoSummary _keyWarning;
 };
 
 #endif

@@ -47,7 +47,7 @@ hoNewKeyDialog::hoNewKeyDialog(wxWindow* pParent, const gtString& folder)
     _pPassphrase = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_PASSWORD);
     _pAgain = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_PASSWORD);
     _pGauge = new wxGauge(this, wxID_ANY, 100);
-    _pSaid = new wxStaticText(this, wxID_ANY, "Without a passphrase the private key lies open in its file.");
+    _pSaid = new wxStaticText(this, wxID_ANY, "Without a passphrase the private key is not encrypted in its file.");
     _pCreate = new wxButton(this, wxID_OK, "C&reate");
     auto* pCancel = new wxButton(this, wxID_CANCEL);
 
@@ -131,7 +131,7 @@ void hoNewKeyDialog::OnBrowse(wxCommandEvent&)
 
 void hoNewKeyDialog::OnCreate(wxCommandEvent&)
 {
-    if (_pPair != nullptr || !isInputUsable() || !mayWrite(privateKeyPath()) || !mayWrite(publicKeyPath()))
+    if (_pPair != nullptr || !isInputUsable() || !askToReplace(privateKeyPath()) || !askToReplace(publicKeyPath()))
     {
         return;
     }
@@ -213,7 +213,7 @@ bool hoNewKeyDialog::isInputUsable()
     return true;
 }
 
-bool hoNewKeyDialog::mayWrite(const gtString& path)
+bool hoNewKeyDialog::askToReplace(const gtString& path)
 {
     struct stat entry;
     if (lstat(path.asCharArray(), &entry) != 0)

@@ -35,7 +35,8 @@ private:
     int typedBits() const;
     // False, and the dialog says why, when the input cannot be used.
     bool isInputUsable();
-    bool mayWrite(const gtString& path);
+    // Whether the file may be written: it is not there, or the user agrees to replace it.
+    bool askToReplace(const gtString& path);
     void writeFiles();
     void say(const wxString& text);
     void setBusy(bool isBusy);

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoProgressDialog.h"
 
+#include "host/messages/hoNumbers.h"
 #include "host/window/hoDisplayText.h"
-#include "host/window/hoSigningWords.h"
+#include "host/window/hoSummary.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 #include <algorithm>
 
@@ -17,9 +19,8 @@ const int gaugeRange = 1000;
 const int width = 420;
 }  // namespace
 
-hoProgressDialog::hoProgressDialog(wxWindow* pParent, hoDocumentWork& work)
-    : wxDialog(pParent, wxID_ANY,
-               work.kind() == hoDocumentWork::Kind::Sign ? "Signing documents" : "Testing documents"),
+hoProgressDialog::hoProgressDialog(wxWindow* pParent, hoSigningJob& work)
+    : wxDialog(pParent, wxID_ANY, work.kind() == hoSigningJob::Kind::Sign ? "Signing documents" : "Testing documents"),
       _work(work),
       _pDocument(new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                                   wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_MIDDLE)),
@@ -45,17 +46,18 @@ hoProgressDialog::hoProgressDialog(wxWindow* pParent, hoDocumentWork& work)
 
 void hoProgressDialog::showProgress()
 {
-    const hoDocumentWork::Progress progress = _work.progress();
-    const wxString number = hoNumberText(std::min(progress._documentsDone + 1, _work.amountOfDocuments()));
-    _pDocument->SetLabelText(number + " of " + hoNumberText(_work.amountOfDocuments()) + ": " +
+    const hoSigningJob::Progress progress = _work.progress();
+    const wxString number =
+        gtTextFromBytes(hoNumberText(std::min(progress._documentsDone + 1, _work.amountOfDocuments())));
+    _pDocument->SetLabelText(number + " of " + gtTextFromBytes(hoNumberText(_work.amountOfDocuments())) + ": " +
                              hoDisplayText(hoLastComponent(progress._path), 80));
     const double part = progress._bytesInAll == 0
                             ? 0
                             : static_cast<double>(progress._bytesDone) / static_cast<double>(progress._bytesInAll);
     _pGauge->SetValue(static_cast<int>(part * gaugeRange));
-    _pBytes->SetLabelText(_work.isCancelled()
-                              ? wxString("Cancelling...")
-                              : hoSizeText(progress._bytesDone) + " of " + hoSizeText(progress._bytesInAll));
+    _pBytes->SetLabelText(_work.isCancelled() ? wxString("Cancelling...")
+                                              : gtTextFromBytes(hoSizeText(progress._bytesDone)) + " of " +
+                                                    gtTextFromBytes(hoSizeText(progress._bytesInAll)));
 }
 
 void hoProgressDialog::cancel()

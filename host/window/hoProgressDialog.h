@@ -3,7 +3,7 @@
 #ifndef COUNTERSIGN_HO_PROGRESS_DIALOG_H
 #define COUNTERSIGN_HO_PROGRESS_DIALOG_H
 
-#include "host/signing/hoDocumentWork.h"
+#include "host/signing/hoSigningJob.h"
 
 #include <wx/dialog.h>
 
@@ -15,7 +15,7 @@ class hoProgressDialog : public wxDialog
 public:
     // The work must outlive the dialog. Cancel, Escape and the close box cancel the work; whoever made the dialog
     // destroys it when the work has ended.
-    hoProgressDialog(wxWindow* pParent, hoDocumentWork& work);
+    hoProgressDialog(wxWindow* pParent, hoSigningJob& work);
 
     // Takes the work's present progress.
     void showProgress();
@@ -23,7 +23,7 @@ public:
 private:
     void cancel();
 
-    hoDocumentWork& _work;
+    hoSigningJob& _work;
     wxStaticText* _pDocument;
     wxGauge* _pGauge;
     wxStaticText* _pBytes;

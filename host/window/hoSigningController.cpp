@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoSigningController.h"
 
+#include "host/messages/hoNumbers.h"
 #include "host/window/hoProgressDialog.h"
 #include "platform/toolkit/gtMainThreadCall.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/msgdlg.h>
 
@@ -34,7 +36,7 @@ hoSigningController::hoSigningController(wxWindow& parent, const hoKeyRing& keys
     _patience.Bind(wxEVT_TIMER,
                    [this](wxTimerEvent&)
                    {
-                       if (_pWork == nullptr || _pProgressDialog != nullptr)
+                       if (_pJob == nullptr || _pProgressDialog != nullptr)
                        {
                            return;
                        }
@@ -44,7 +46,7 @@ hoSigningController::hoSigningController(wxWindow& parent, const hoKeyRing& keys
                        }
                        else
                        {
-                           _pProgressDialog = new hoProgressDialog(&_parent, *_pWork);
+                           _pProgressDialog = new hoProgressDialog(&_parent, *_pJob);
                            _pProgressDialog->Show();
                        }
                    });
@@ -52,30 +54,30 @@ hoSigningController::hoSigningController(wxWindow& parent, const hoKeyRing& keys
 
 hoSigningController::~hoSigningController() = default;
 
-bool hoSigningController::canBegin(hoDocumentWork::Kind kind) const
+bool hoSigningController::canBegin(hoSigningJob::Kind kind) const
 {
-    return _pWork == nullptr && (kind == hoDocumentWork::Kind::Sign ? _keys.canSign() : _keys.canTest());
+    return _pJob == nullptr && (kind == hoSigningJob::Kind::Sign ? _keys.canSign() : _keys.canTest());
 }
 
-void hoSigningController::begin(hoDocumentWork::Kind kind, const std::vector<hoDocument>& documents)
+void hoSigningController::begin(hoSigningJob::Kind kind, const std::vector<hoDocument>& documents)
 {
     bool mayOverwrite = false;
-    if (!canBegin(kind) || (kind == hoDocumentWork::Kind::Sign && !askAboutSignatures(documents, mayOverwrite)))
+    if (!canBegin(kind) || (kind == hoSigningJob::Kind::Sign && !askAboutSignatures(documents, mayOverwrite)))
     {
         return;
     }
     _callbacks._onBegin();
     if (_pCall == nullptr)
     {
-        _pCall = std::make_unique<gtMainThreadCall>([this] { onWorkChange(); });
+        _pCall = std::make_unique<gtMainThreadCall>([this] { onJobChange(); });
     }
     _outcomes.clear();
-    _workKeys = _keys;
+    _jobKeys = _keys;
     try
     {
-        _pWork = std::make_unique<hoDocumentWork>(kind, documents,
-                                                  hoDocumentWork::Keys{_keys._private._pKey, _keys._public._pKey},
-                                                  mayOverwrite, [pCall = _pCall.get()] { pCall->request(); });
+        _pJob = std::make_unique<hoSigningJob>(kind, documents,
+                                               hoSigningJob::Keys{_keys._private._pKey, _keys._public._pKey},
+                                               mayOverwrite, [pCall = _pCall.get()] { pCall->request(); });
     }
     catch (const std::system_error& error)
     {
@@ -101,16 +103,16 @@ bool hoSigningController::askAboutSignatures(const std::vector<hoDocument>& docu
     {
         return true;
     }
-    wxMessageDialog question(
-        &_parent,
-        hoAmountText(alreadySigned, "document has a signature already.", "documents have signatures already."),
-        "Countersign", wxYES_NO | wxCANCEL | wxICON_QUESTION);
+    wxMessageDialog question(&_parent,
+                             gtTextFromBytes(hoAmountText(alreadySigned, "document has a signature already.",
+                                                          "documents have signatures already.")),
+                             "Countersign", wxYES_NO | wxCANCEL | wxICON_QUESTION);
     question.SetExtendedMessage("Signing again replaces what is in the .sig file beside the document.");
     question.SetYesNoCancelLabels("&Replace", "&Keep", "&Cancel");
     const int answer = question.ShowModal();
     mayOverwrite = answer == wxID_YES;
     // Another job may have begun while the question was up.
-    return answer != wxID_CANCEL && canBegin(hoDocumentWork::Kind::Sign);
+    return answer != wxID_CANCEL && canBegin(hoSigningJob::Kind::Sign);
 }
 
 void hoSigningController::stop()
@@ -118,12 +120,12 @@ void hoSigningController::stop()
     _patience.Stop();
     _pause.Stop();
     closeProgressDialog();
-    _pWork.reset();
-    _workKeys = hoKeyRing();
+    _pJob.reset();
+    _jobKeys = hoKeyRing();
     _outcomes.clear();
 }
 
-void hoSigningController::onWorkChange()
+void hoSigningController::onJobChange()
 {
     _isChanged = true;
     if (!_pause.IsRunning())
@@ -135,17 +137,16 @@ void hoSigningController::onWorkChange()
 void hoSigningController::follow()
 {
     _isChanged = false;
-    if (_pWork == nullptr)
+    if (_pJob == nullptr)
     {
         return;
     }
     _pause.StartOnce(pauseAfterShowing);
     // Asked before the outcomes are taken, so that none of a finished job is left behind.
-    const bool isFinished = _pWork->isFinished();
-    const std::vector<hoWorkOutcome> outcomes = _pWork->takeOutcomes();
+    const bool isFinished = _pJob->isFinished();
+    const std::vector<hoSigningOutcome> outcomes = _pJob->takeOutcomes();
     _outcomes.insert(_outcomes.end(), outcomes.begin(), outcomes.end());
-    if (!outcomes.empty() && isSameKey(_workKeys._private, _keys._private) &&
-        isSameKey(_workKeys._public, _keys._public))
+    if (!outcomes.empty() && isSameKey(_jobKeys._private, _keys._private) && isSameKey(_jobKeys._public, _keys._public))
     {
         _callbacks._onOutcomes(outcomes);
     }
@@ -161,7 +162,7 @@ void hoSigningController::follow()
 
 void hoSigningController::end()
 {
-    const hoWorkSummary summary = hoSummaryOf(_pWork->kind(), _outcomes, _pWork->isCancelled());
+    const hoSummary summary = hoSummaryOf(_pJob->kind(), _outcomes, _pJob->isCancelled());
     stop();
     _callbacks._onEnd(summary);
 }

@@ -5,8 +5,8 @@
 #define COUNTERSIGN_HO_SIGNING_CONTROLLER_H
 
 #include "host/keys/hoKeyRing.h"
-#include "host/signing/hoDocumentWork.h"
-#include "host/window/hoSigningWords.h"
+#include "host/signing/hoSigningJob.h"
+#include "host/window/hoSummary.h"
 
 #include <wx/timer.h>
 
@@ -25,8 +25,8 @@ public:
     {
         std::function<void()> _onBegin;
         // What has been found since the last call, as long as the keys are the ones that the job began with.
-        std::function<void(const std::vector<hoWorkOutcome>& outcomes)> _onOutcomes;
-        std::function<void(const hoWorkSummary& summary)> _onEnd;  // also of a job that was cancelled
+        std::function<void(const std::vector<hoSigningOutcome>& outcomes)> _onOutcomes;
+        std::function<void(const hoSummary& summary)> _onEnd;  // also of a job that was cancelled
         // Whether the window of the progress may appear now, and with it take the keyboard; empty: it may.
         std::function<bool()> _mayShowProgress = {};
     };
@@ -38,22 +38,22 @@ public:
     hoSigningController(const hoSigningController&) = delete;
     hoSigningController& operator=(const hoSigningController&) = delete;
 
-    bool isAtWork() const { return _pWork != nullptr; }
-    bool canBegin(hoDocumentWork::Kind kind) const;
+    bool isAtWork() const { return _pJob != nullptr; }
+    bool canBegin(hoSigningJob::Kind kind) const;
 
     // Asks whether signatures that are there are to be replaced, and begins. Nothing happens if canBegin is false, or
     // if the user cancels.
-    void begin(hoDocumentWork::Kind kind, const std::vector<hoDocument>& documents);
+    void begin(hoSigningJob::Kind kind, const std::vector<hoDocument>& documents);
 
     // Gives up the job, without a callback. When this returns nothing is written any more.
     void stop();
     // The same where the toolkit can no longer be used. Leaves the object fit for nothing but this.
-    void abandon() { _pWork.reset(); }
+    void abandon() { _pJob.reset(); }
 
 private:
     // Whether to go on, and whether signatures are to be replaced.
     bool askAboutSignatures(const std::vector<hoDocument>& documents, bool& mayOverwrite);
-    void onWorkChange();
+    void onJobChange();
     void follow();
     void end();
     void closeProgressDialog();
@@ -61,15 +61,15 @@ private:
     wxWindow& _parent;
     const hoKeyRing& _keys;
     const Callbacks _callbacks;
-    hoKeyRing _workKeys;                   // that the job began with
-    std::vector<hoWorkOutcome> _outcomes;  // so far
-    wxTimer _patience;                     // until a progress dialog appears
-    wxTimer _pause;                        // while it runs changes are only noted
+    hoKeyRing _jobKeys;                       // that the job began with
+    std::vector<hoSigningOutcome> _outcomes;  // so far
+    wxTimer _patience;                        // until a progress dialog appears
+    wxTimer _pause;                           // while it runs changes are only noted
     bool _isChanged;
     hoProgressDialog* _pProgressDialog;        // null while there is none
     std::unique_ptr<gtMainThreadCall> _pCall;  // from the first job on
     // The last member: its thread uses _pCall.
-    std::unique_ptr<hoDocumentWork> _pWork;  // null when nothing is being signed or tested
+    std::unique_ptr<hoSigningJob> _pJob;  // null when nothing is being signed or tested
 };
 
 #endif

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoStatusBar.h"
 
+#include "host/messages/hoNumbers.h"
 #include "host/window/hoDisplayText.h"
-#include "host/window/hoSigningWords.h"
+#include "host/window/hoSummary.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 namespace
 {
@@ -41,10 +43,11 @@ void hoStatusBar::showDocuments(const hoDocumentList& documents, std::size_t amo
     wxString text = "No documents";
     if (!documents.isEmpty())
     {
-        text = hoAmountText(documents.size(), "document", "documents") + ", " + hoSizeText(documents.totalSize());
+        text = gtTextFromBytes(hoAmountText(documents.size(), "document", "documents")) + ", " +
+               gtTextFromBytes(hoSizeText(documents.totalSize()));
         if (amountSelected > 0)
         {
-            text += ", " + hoNumberText(amountSelected) + " selected";
+            text += ", " + gtTextFromBytes(hoNumberText(amountSelected)) + " selected";
         }
     }
     SetStatusText(text, FIELD_DOCUMENTS);

@@ -32,7 +32,7 @@ std::string followLinks(const std::string& path)
     return (pRealPath == nullptr) ? path : pRealPath.get();
 }
 
-// A new, empty file with a name of its own in the folder; -1 when there is none to be had.
+// A new, empty file with a name of its own in the folder; -1 when the system refuses.
 int createBeside(const std::string& folder, unsigned int rights, std::string& path)
 {
     const mode_t rightsAtFirst = (rights == 0) ? 0666 : 0600;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Puts a whole file down under a name, or nothing.
+// Writes a file whole or not at all.
 //
-// Nothing here throws but std::bad_alloc, prints, or leaves anything behind when it fails. Calls on different files may
+// Nothing here prints, throws anything but std::bad_alloc, or leaves anything behind when it fails. Calls on different files may
 // run on any threads.
 #ifndef OS_ATOMIC_FILE_H
 #define OS_ATOMIC_FILE_H

@@ -1,42 +1,37 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/toolkit/gtDisplayText.h"
 
+#include "platform/baseTools/gtCharacters.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 namespace
 {
 const wxUniChar replacement(0xFFFD);
-const wxUint32 firstPicture = 0x203C;
 
-// Characters that cannot be seen and change how their neighbours are seen.
-bool isInvisible(wxUint32 character)
+wxUniChar pictureOfControl(wxUint32 control)
 {
-    return (character >= 0x80 && character <= 0x9F) || character == 0xAD || character == 0x34F || character == 0x61C ||
-           character == 0x115F || character == 0x1160 || character == 0x17B4 || character == 0x17B5 ||
-           (character >= 0x180B && character <= 0x180F) || character == 0x3164 || character == 0xFFA0 ||
-           (character >= 0x1D173 && character <= 0x1D17A) || (character >= 0xE0100 && character <= 0xE01EF) ||
-           (character >= 0x200B && character <= 0x200F) || (character >= 0x202A && character <= 0x202E) ||
-           (character >= 0x2060 && character <= 0x206F) || character == 0xFEFF ||
-           (character >= 0xFFF0 && character <= 0xFFFB) || (character >= 0xE0000 && character <= 0xE007F);
+    const wxUint32 firstControlPicture = 0x2400;
+    if (control < 0x20)
+    {
+        return wxUniChar(firstControlPicture + control);
+    }
+    return control == 0x7F ? wxUniChar(0x2421) : replacement;
 }
 
-wxUniChar harmless(wxUniChar character)
+wxUniChar harmless(wxUint32 character, wxUint32 before)
 {
-    const wxUint32 value = character.GetValue();
-    const wxUint32 firstControlPicture = 0x2400;
-    if (value < 0x20)
+    switch (gtKindOfCharacter(character, before))
     {
-        return wxUniChar(firstControlPicture + value);
-    }
-    if (value == 0x7F)
-    {
-        return wxUniChar(0x2421);
-    }
-    if (value == 0x2028 || value == 0x2029)
-    {
+    case gtCharacterKind::Harmless:
+        break;
+    case gtCharacterKind::Control:
+        return pictureOfControl(character);
+    case gtCharacterKind::LineSeparator:
         return wxUniChar(0x2424);
+    case gtCharacterKind::Invisible:
+        return replacement;
     }
-    return isInvisible(value) ? replacement : character;
+    return wxUniChar(character);
 }
 
 wxString withoutMiddle(const wxString& text, std::size_t mostCharacters)
@@ -61,9 +56,7 @@ wxString gtHarmlessText(const wxString& text, std::size_t mostCharacters)
     wxUint32 before = 0;
     for (const wxUniChar character : withoutMiddle(gtShowableText(text), mostCharacters))
     {
-        // Behind a picture they say whether it is coloured; behind a letter they say nothing.
-        const bool isVariation = character.GetValue() >= 0xFE00 && character.GetValue() <= 0xFE0F;
-        line += isVariation && before < firstPicture ? replacement : harmless(character);
+        line += harmless(character.GetValue(), before);
         before = character.GetValue();
     }
     return line;

@@ -154,7 +154,7 @@ TEST_F(Faults, OfLinksReplaceNothing)
         sign._prepare = [&] { setenv("COUNTERSIGN_WITHOUT", without.c_str(), 1); };
         const tsOutcome outcome = tsRun(sign);
         EXPECT_EQ(outcome._exitStatus, 2) << without;
-        EXPECT_THAT(outcome._errors, ::testing::HasSubstr("is there already and was kept")) << without;
+        EXPECT_THAT(outcome._errors, ::testing::HasSubstr("it exists already and was kept")) << without;
         char target[100] = {};
         EXPECT_EQ(readlink((_folder / "report.sig").c_str(), target, sizeof(target)), 7) << without;
         EXPECT_EQ(_folder.names(), (std::vector<std::string>{"changed", "changed.sig", "private.pem", "public.pem",

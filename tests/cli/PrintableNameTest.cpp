@@ -26,6 +26,17 @@ TEST(PrintableName, EscapesWhatATerminalObeys)
     EXPECT_EQ(clPrintableName("\xE2\x81\xA6"), "\\xe2\\x81\\xa6");
 }
 
+TEST(PrintableName, EscapesWhatCannotBeSeen)
+{
+    EXPECT_EQ(clPrintableName("a\xD8\x9C"), "a\\xd8\\x9c");           // U+061C
+    EXPECT_EQ(clPrintableName("a\xE2\x80\x8B"), "a\\xe2\\x80\\x8b");  // U+200B
+    EXPECT_EQ(clPrintableName("a\xC2\xAD"), "a\\xc2\\xad");           // U+00AD
+    EXPECT_EQ(clPrintableName("a\xEF\xBB\xBF"), "a\\xef\\xbb\\xbf");  // U+FEFF
+    EXPECT_EQ(clPrintableName("a\xEF\xB8\x8F"), "a\\xef\\xb8\\x8f");  // U+FE0F behind a letter
+    const std::string heart = "\xE2\x9D\xA4\xEF\xB8\x8F";             // and behind a picture
+    EXPECT_EQ(clPrintableName(heart), heart);
+}
+
 TEST(PrintableName, EscapesWhatIsNoUtf8)
 {
     EXPECT_EQ(clPrintableName("\xff"), "\\xff");

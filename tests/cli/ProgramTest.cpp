@@ -144,7 +144,7 @@ TEST_F(Program, KeepsSignaturesUnlessForced)
     _folder.write("report", "contents");
     _folder.write("report.sig", "old");
     const tsOutcome refused = run({"sign", "-k", "private.pem", "report"});
-    expectFailure(refused, {"report.sig: is there already", "--force"});
+    expectFailure(refused, {"report.sig: it exists already", "--force"});
     EXPECT_EQ(refused._output, "");
     EXPECT_EQ(_folder.read("report.sig"), "old");
     outputOf({"sign", "-k", "private.pem", "--force", "report"});
@@ -195,10 +195,10 @@ TEST_F(Program, TellsWhatIsNoFile)
     }
     for (const char* pCommand : {"test", "digest"})
     {
-        expectFailure(run({pCommand, "-k", "public.pem", "folder"}), {"folder: is a directory"});
-        expectFailure(run({pCommand, "-k", "public.pem", "pipe"}), {"pipe: is a pipe"});
+        expectFailure(run({pCommand, "-k", "public.pem", "folder"}), {"folder: it is a folder"});
+        expectFailure(run({pCommand, "-k", "public.pem", "pipe"}), {"pipe: it is a pipe"});
     }
-    expectFailure(run({"sign", "-f", "-k", "private.pem", "folder"}), {"folder: is a directory"});
+    expectFailure(run({"sign", "-f", "-k", "private.pem", "folder"}), {"folder: it is a folder"});
     EXPECT_EQ(_folder.read("folder.sig"), "x");
     // What is wrong with one file does not keep it from the others.
     _folder.write("good", "contents");
@@ -218,7 +218,7 @@ TEST_F(Program, TellsReadErrors)
     }
     _folder.write("a.sig", "x");
     expectFailure(run({"test", "-k", "public.pem", "-s", "a.sig", "/proc/self/mem"}),
-                  {"/proc/self/mem: cannot be read: Input/output error"});
+                  {"/proc/self/mem: it cannot be read: Input/output error"});
     _folder.write("a", "x");
     expectFailure(run({"test", "-k", "public.pem", "-s", "/proc/self/mem", "a"}),
                   {"/proc/self/mem: the signature cannot be read: Input/output error"});
@@ -235,8 +235,8 @@ TEST_F(Program, TellsWhatIsNoKey)
     runOpenSSL(_folder, {"ecparam", "-name", "prime256v1", "-genkey", "-noout", "-out", "ec.pem"});
     runOpenSSL(_folder, {"genrsa", "-out", "odd.pem", "1000"});
     const std::pair<std::string, std::string> cases[] = {
-        {"missing.pem", "No such file"}, {"folder", "is a directory"}, {"no.pem", "no PEM key"},
-        {"ec.pem", "not an RSA key"},    {"odd.pem", "1000 bits"},     {"two\nlines", "two\\nlines"}};
+        {"missing.pem", "No such file"}, {"folder", "is a folder"}, {"no.pem", "no PEM key"},
+        {"ec.pem", "not an RSA key"},    {"odd.pem", "1000 bits"},  {"two\nlines", "two\\nlines"}};
     for (const auto& [name, words] : cases)
     {
         for (const char* pCommand : {"sign", "test", "digest", "encrypt", "decrypt"})
@@ -247,7 +247,7 @@ TEST_F(Program, TellsWhatIsNoKey)
         }
         expectFailure(run({"key", "-k", name}), {words});
     }
-    expectFailure(run({"sign", "-k", "public.pem", "report"}), {"public.pem: is a public key", "private"});
+    expectFailure(run({"sign", "-k", "public.pem", "report"}), {"public.pem: the key is a public one", "private"});
     expectFailure(run({"key", "-p", "-k", "public.pem"}), {"public.pem: is a public key"});
     EXPECT_FALSE(_folder.has("report.sig"));
 }
@@ -319,7 +319,7 @@ TEST_F(Program, TellsWhatIsNoCipherText)
     expectFailure(run({"decrypt", "-k", "private.pem", twoBlocks}), {"520 characters", "127 bytes at most"});
     runOpenSSL(_folder, {"genrsa", "-out", "other.pem", "1024"});
     const tsOutcome outcome = run({"decrypt", "-k", "other.pem", cipher});
-    expectFailure(outcome, {"other.pem: does not decrypt"}, 1);
+    expectFailure(outcome, {"other.pem: this text is another key's"}, 1);
     EXPECT_EQ(outcome._output, "");
 }
 
@@ -385,7 +385,7 @@ TEST_F(Program, AsksForPassphrasesOnTheTerminal)
     tsCommand withoutTerminal = command({"sign", "-f", "-k", "locked.pem", "report"});
     withoutTerminal._prepare = [] { setsid(); };
     withoutTerminal._input = "open sesame\n";
-    expectFailure(tsRun(withoutTerminal), {"locked.pem: is encrypted", "no terminal"});
+    expectFailure(tsRun(withoutTerminal), {"locked.pem: it is encrypted", "no terminal"});
 }
 
 TEST_F(Program, WritesNoCoreFile)
@@ -453,7 +453,7 @@ TEST_F(Program, ShowsItsProgressOnATerminalAndCanBeInterrupted)
     bool isSent = false;
     sign._type = [&](const std::string& printed, pid_t process)
     {
-        if (!isSent && (printed.find(" % of 68 GB  huge") != std::string::npos))
+        if (!isSent && (printed.find(" % of 68.7 GB  huge") != std::string::npos))
         {
             isSent = true;
             kill(process, SIGTERM);

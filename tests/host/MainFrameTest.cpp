@@ -233,8 +233,9 @@ TEST_F(MainWindow, OpensWhatIsDropped)
     settle();
     EXPECT_THAT(rows(), ElementsAre("a b.txt", "\xc3\xbf.txt"));
     EXPECT_EQ(selectedRows().size(), 2U);
-    EXPECT_EQ(_pFrame->refusalMessage().utf8_string(), "Cannot open \xe2\x80\x9c"
-                                                       "c\xe2\x80\x9d: only files can be opened, no addresses.");
+    EXPECT_EQ(_pFrame->refusalMessage().utf8_string(),
+              "Cannot open \xe2\x80\x9c"
+              "c\xe2\x80\x9d: it is not on this machine; choose a file that is.");
 }
 
 TEST_F(MainWindow, OpensWhatTheFileDialogGives)

@@ -38,7 +38,7 @@ ROOMS = {
     "host/keys": (["crypto"] + PLATFORM, ["openssl"]),
     "host/signing": (["host/keys", "crypto", "src"] + PLATFORM, []),
     "host/documents": (["host/signing"] + PLATFORM, []),
-    "host/messages": (["host/keys", "host/signing", "host/documents"] + PLATFORM, []),
+    "host/messages": (["host/keys", "host/signing", "host/documents", "crypto"] + PLATFORM, []),
     "host/desktop": (["host/documents", "app", "platform/toolkit"] + PLATFORM, ["wx", "glib", "x11"]),
     "host/window": (
         ENGINES

@@ -39,7 +39,7 @@ std::vector<std::string> documents(const std::vector<std::string>& arguments, co
 std::vector<std::string> withLost(const std::vector<std::string>& toolkits, const std::vector<std::string>& process)
 {
     const auto isLost = [](const gtString& argument) { return argument.asCharArray()[0] == '\xff'; };
-    return plain(hoWithLostArguments(texts(toolkits), texts(process), isLost));
+    return plain(hoRestoreLostArguments(texts(toolkits), texts(process), isLost));
 }
 }  // namespace
 

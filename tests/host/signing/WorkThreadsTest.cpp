@@ -7,7 +7,7 @@
 
 #include "host/documents/hoDocumentList.h"
 #include "host/keys/hoNewKeyPair.h"
-#include "host/signing/hoDocumentWork.h"
+#include "host/signing/hoSigningJob.h"
 
 #include <gtest/gtest.h>
 
@@ -73,14 +73,14 @@ protected:
         std::size_t finished = 0;
         for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
         {
-            const auto kind = number % 2 == 0 ? hoDocumentWork::Kind::Sign : hoDocumentWork::Kind::Test;
+            const auto kind = number % 2 == 0 ? hoSigningJob::Kind::Sign : hoSigningJob::Kind::Test;
             std::size_t outcomes = 0;
             {
-                hoDocumentWork work(kind, documents, {pKey, number % 3 == 0 ? pKey : nullptr}, true);
+                hoSigningJob work(kind, documents, {pKey, number % 3 == 0 ? pKey : nullptr}, true);
                 const Clock::time_point end = Clock::now() + std::chrono::microseconds(moments(random));
                 while (Clock::now() < end)
                 {
-                    const hoDocumentWork::Progress progress = work.progress();
+                    const hoSigningJob::Progress progress = work.progress();
                     EXPECT_LE(progress._bytesDone, progress._bytesInAll);
                     EXPECT_LE(progress._documentsDone, documents.size());
                     outcomes += work.takeOutcomes().size();

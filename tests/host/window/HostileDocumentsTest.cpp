@@ -7,8 +7,8 @@
 #include "host/documents/hoPercentText.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoDocumentDropTarget.h"
+#include "host/window/hoEncryptionDialog.h"
 #include "host/window/hoProgressDialog.h"
-#include "host/window/hoTextsDialog.h"
 
 #include <gmock/gmock.h>
 #include <wx/clipbrd.h>
@@ -214,12 +214,12 @@ TEST_F(HostileDocuments, ThatAreNoFilesAreRefusedWithoutWaiting)
     std::filesystem::create_symlink("loop.txt", _many.path("loop.txt"));
     std::filesystem::create_symlink("nowhere", _many.path("dangling.txt"));
     const std::vector<std::pair<std::string, const char*>> refused = {
-        {pipe, "it is a pipe, a socket or a device and not a document"},
-        {_many.path("link to a pipe.txt"), "it is a pipe, a socket or a device and not a document"},
-        {socketPath, "it is a pipe, a socket or a device and not a document"},
-        {"/dev/zero", "it is a pipe, a socket or a device and not a document"},
-        {_many.path("zero.txt"), "it is a pipe, a socket or a device and not a document"},
-        {_many.path("folder.txt"), "it is a folder; open the files in it instead"},
+        {pipe, "it is a pipe, a socket or a device, not a file"},
+        {_many.path("link to a pipe.txt"), "it is a pipe, a socket or a device, not a file"},
+        {socketPath, "it is a pipe, a socket or a device, not a file"},
+        {"/dev/zero", "it is a pipe, a socket or a device, not a file"},
+        {_many.path("zero.txt"), "it is a pipe, a socket or a device, not a file"},
+        {_many.path("folder.txt"), "it is a folder; choose the files in it"},
         {_many.path("loop.txt"), "its symbolic links lead in a circle"},
         {_many.path("dangling.txt"), "there is no such file"},
     };
@@ -381,7 +381,7 @@ TEST_F(HostileDocuments, HaveKeysWithNamesOfAnyKind)
     settle();
     EXPECT_THAT(status(1), HasSubstr(shown.substr(0, 20)));
 
-    hoTextsDialog texts(_pFrame, _pFrame->keys());
+    hoEncryptionDialog texts(_pFrame, _pFrame->keys());
     EXPECT_THAT(seenLabel(wxWindow::FindWindowByName("keys", &texts)), HasSubstr(", " + shown + "."));
 }
 
@@ -389,7 +389,7 @@ TEST_F(HostileDocuments, LeaveTheTextsAlone)
 {
     start();
     useKey();
-    hoTextsDialog texts(_pFrame, _pFrame->keys());
+    hoEncryptionDialog texts(_pFrame, _pFrame->keys());
     auto* pPlain = dynamic_cast<wxTextCtrl*>(wxWindow::FindWindowByName("plain", &texts));
     auto* pCipher = dynamic_cast<wxTextCtrl*>(wxWindow::FindWindowByName("cipher", &texts));
     tsScript script;
@@ -402,12 +402,9 @@ TEST_F(HostileDocuments, LeaveTheTextsAlone)
                      tsRunEvents();
                      tsPressKeys("alt+d");
                  })
-        .waitUntil("it is told",
-                   [&]
-                   {
-                       return wxWindow::FindWindowByName("said", &texts)->GetLabel() ==
-                              "This is not as long as a cipher text of this key.";
-                   })
+        .waitUntil(
+            "it is told",
+            [&] { return wxWindow::FindWindowByName("said", &texts)->GetLabel().StartsWith("The cipher text has "); })
         .perform("leave", [] { tsPressKeys("Escape"); })
         .start();
     texts.ShowModal();

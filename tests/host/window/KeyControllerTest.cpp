@@ -28,7 +28,7 @@ protected:
         _pController = std::make_unique<hoKeyController>(
             *_pFrame, _settings,
             hoKeyController::Callbacks{[this] { ++_changes; },
-                                       [this](const hoWorkSummary& warning) { _warnings.push_back(warning._line); },
+                                       [this](const hoSummary& warning) { _warnings.push_back(warning._line); },
                                        [](const wxString&) {}});
     }
 

@@ -2,6 +2,7 @@
 // Which message comes first, and what becomes of the others.
 #include "tests/host/window/BareFrame.h"
 
+#include "host/messages/hoMessages.h"
 #include "host/window/hoMessageBar.h"
 
 #include <wx/infobar.h>
@@ -59,7 +60,7 @@ TEST_F(MessageBar, CountsDocumentsThatCouldNotBeOpened)
     hoMessageBar bar(*_pFrame);
     bar.addRefusal("/a/folder", osFileProblem::IsFolder);
     EXPECT_EQ(bar.refusalText().utf8_string(),
-              "Cannot open \u201cfolder\u201d: " + hoFileProblemText(osFileProblem::IsFolder).utf8_string() + ".");
+              "Cannot open \u201cfolder\u201d: " + hoFileReason(osFileProblem::IsFolder).asStdString() + ".");
     bar.addRefusal("/a/other", osFileProblem::NotThere);
     EXPECT_EQ(bar.refusalText(), "2 documents could not be opened.");
     bar.clear();

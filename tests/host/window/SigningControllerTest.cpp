@@ -11,7 +11,7 @@
 
 namespace
 {
-using Kind = hoDocumentWork::Kind;
+using Kind = hoSigningJob::Kind;
 
 class SigningController : public BareFrame
 {
@@ -22,9 +22,9 @@ protected:
         _pController = std::make_unique<hoSigningController>(
             *_pFrame, _keys,
             hoSigningController::Callbacks{[this] { ++_begun; },
-                                           [this](const std::vector<hoWorkOutcome>& outcomes)
+                                           [this](const std::vector<hoSigningOutcome>& outcomes)
                                            { _outcomes += outcomes.size(); },
-                                           [this](const hoWorkSummary& summary) { _ends.push_back(summary); },
+                                           [this](const hoSummary& summary) { _ends.push_back(summary); },
                                            [this]
                                            {
                                                ++_progressQuestions;
@@ -60,7 +60,7 @@ protected:
     int _progressQuestions = 0;
     bool _mayShowProgress = true;
     std::size_t _outcomes = 0;
-    std::vector<hoWorkSummary> _ends;
+    std::vector<hoSummary> _ends;
 };
 }  // namespace
 

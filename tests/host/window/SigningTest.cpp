@@ -3,10 +3,10 @@
 #include "tests/host/MainFrameFixture.h"
 #include "tests/host/NewKey.h"
 
+#include "host/window/hoDetailsDialog.h"
 #include "host/window/hoDocumentDropTarget.h"
 #include "host/window/hoProgressDialog.h"
 #include "host/window/hoStateIcons.h"
-#include "host/window/hoTextDialog.h"
 
 #include <gmock/gmock.h>
 #include <wx/combobox.h>
@@ -48,7 +48,7 @@ TEST_F(Signing, NeedsAKey)
     start({"countersign-desktop", _folder.write("a.txt", "x"), _folder.write("b.txt", "x")});
     _folder.write("b.txt.sig", "00");
     openAskedFor(_folder.path("b.txt"));
-    EXPECT_THAT(rows(1), ElementsAre("Not signed", "No key to tell"));
+    EXPECT_THAT(rows(1), ElementsAre("Not signed", "No key loaded"));
     EXPECT_EQ(status(1), "No key");
     tsPressKeys("ctrl+s");
     // Comes after it.
@@ -202,7 +202,7 @@ TEST_F(Signing, AsksForThePassphraseUntilItFits)
     script.waitUntil("the passphrase is asked for", [&] { return isAsking("Passphrase of locked.pem"); })
         .perform("give a wrong one", [] { tsType("wrong"); })
         .perform("press Return", [] { tsPressKeys("Return"); })
-        .waitUntil("it is asked for again", [&] { return isAsking("another passphrase"); })
+        .waitUntil("it is asked for again", [&] { return isAsking("Wrong passphrase"); })
         .perform("give the right one", [] { tsType("open sesame"); })
         .perform("press Return", [] { tsPressKeys("Return"); })
         .start();
@@ -227,7 +227,7 @@ TEST_F(Signing, SaysWhyAKeyIsNotLoaded)
     hoKeyFileFacts facts;
     facts._problem = hoKeyFileProblem::NoKey;
     EXPECT_EQ(hoKeyProblemText("/x/no\n.pem", facts).utf8_string(),
-              "There is no PEM key in \xe2\x80\x9cno\xe2\x90\x8a.pem\xe2\x80\x9d.");
+              "Cannot load \xe2\x80\x9cno\xe2\x90\x8a.pem\xe2\x80\x9d: there is no PEM key in it.");
 }
 
 TEST_F(Signing, TellsDroppedKeysByTheirContent)
@@ -437,7 +437,7 @@ TEST_F(Signing, EncryptsAndDecryptsShortTexts)
         .waitUntil("the bytes are shown",
                    []
                    {
-                       const auto* pDialog = dynamic_cast<hoTextDialog*>(tsTopModalDialog());
+                       const auto* pDialog = dynamic_cast<hoDetailsDialog*>(tsTopModalDialog());
                        return pDialog != nullptr && tsHasKeyboard(*pDialog);
                    })
         .perform("leave them", [] { tsPressKeys("Escape"); })
@@ -445,7 +445,7 @@ TEST_F(Signing, EncryptsAndDecryptsShortTexts)
                    []
                    {
                        const auto* pDialog = dynamic_cast<wxTopLevelWindow*>(tsTopModalDialog());
-                       return pDialog != nullptr && dynamic_cast<const hoTextDialog*>(pDialog) == nullptr &&
+                       return pDialog != nullptr && dynamic_cast<const hoDetailsDialog*>(pDialog) == nullptr &&
                               tsHasKeyboard(*pDialog);
                    })
         .waitUntil("the damage is told", [&] { return label("said").find("damaged") != std::string::npos; })
@@ -458,10 +458,7 @@ TEST_F(Signing, EncryptsAndDecryptsShortTexts)
         .start();
     tsPressKeys("ctrl+e");
     tsRunUntil("the dialog was used", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
-    EXPECT_THAT(counts, ElementsAre("0 of 127 bytes",
-                                    "128 of 127 bytes: too long for this key, it would not come back and cannot be "
-                                    "encrypted",
-                                    "11 of 127 bytes"));
+    EXPECT_THAT(counts, ElementsAre("0 of 127 bytes", "128 of 127 bytes: too long for this key", "11 of 127 bytes"));
 }
 
 TEST_F(Signing, WarnsOfPrivateKeysThatOthersCanGetAt)
@@ -483,13 +480,13 @@ TEST_F(Signing, WarnsOfPrivateKeysThatOthersCanGetAt)
     EXPECT_TRUE(_pFrame->keys().canSign());
     EXPECT_EQ(warning(), "");
     load("b.pem", 0640, 0755);
-    EXPECT_EQ(warning(), "Others than you may read or change \xe2\x80\x9c"
-                         "b.pem\xe2\x80\x9d, a private key.");
+    EXPECT_EQ(warning(), "Others may read or change the private key \xe2\x80\x9c"
+                         "b.pem\xe2\x80\x9d.");
     EXPECT_THAT(details(), HasSubstr("chmod 600"));
     EXPECT_THAT(details(), testing::Not(HasSubstr("folder")));
     EXPECT_TRUE(_pFrame->keys().canSign()) << "it is a warning";
     load("c.pem", 0600, 0757);
-    EXPECT_EQ(warning(), "Others than you may put another key in the place of \xe2\x80\x9c"
+    EXPECT_EQ(warning(), "Others may replace the private key \xe2\x80\x9c"
                          "c.pem\xe2\x80\x9d.");
     EXPECT_THAT(details(), HasSubstr("folder"));
     // As in /tmp.

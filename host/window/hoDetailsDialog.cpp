@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/window/hoTextDialog.h"
+#include "host/window/hoDetailsDialog.h"
 
 #include "host/window/hoClipboard.h"
 
@@ -8,7 +8,8 @@
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 
-hoTextDialog::hoTextDialog(wxWindow* pParent, const wxString& title, const wxString& heading, const wxString& text)
+hoDetailsDialog::hoDetailsDialog(wxWindow* pParent, const wxString& title, const wxString& heading,
+                                 const wxString& text)
     : wxDialog(pParent, wxID_ANY, title, wxDefaultPosition, wxDefaultSize, wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER)
 {
     auto* pHeading = new wxStaticText(this, wxID_ANY, heading);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Encrypts and decrypts short texts with the loaded keys: the plain text above, the cipher text below.
 // Nothing that is typed or decrypted here is kept anywhere.
-#ifndef COUNTERSIGN_HO_TEXTS_DIALOG_H
-#define COUNTERSIGN_HO_TEXTS_DIALOG_H
+#ifndef COUNTERSIGN_HO_ENCRYPTION_DIALOG_H
+#define COUNTERSIGN_HO_ENCRYPTION_DIALOG_H
 
 #include "host/keys/hoKeyRing.h"
 
@@ -11,11 +11,11 @@
 class wxStaticText;
 class wxTextCtrl;
 
-class hoTextsDialog : public wxDialog
+class hoEncryptionDialog : public wxDialog
 {
 public:
     // The public key encrypts, and without one the private key's partner; the private key decrypts.
-    hoTextsDialog(wxWindow* pParent, const hoKeyRing& keys);
+    hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys);
 
 private:
     const crRSAEncryptionKey* encryptingKey() const;

@@ -5,7 +5,7 @@
 
 #include "host/documents/hoDocumentList.h"
 #include "host/keys/hoKeyRing.h"
-#include "host/signing/hoDocumentWork.h"
+#include "host/signing/hoSigningJob.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@
 
 namespace
 {
-using Kind = hoDocumentWork::Kind;
+using Kind = hoSigningJob::Kind;
 
 class DocumentWork : public testing::Test
 {
@@ -47,20 +47,20 @@ protected:
         return documents;
     }
 
-    std::vector<hoWorkOutcome> perform(Kind kind, const hoDocumentWork::Keys& keys, bool mayOverwrite = false)
+    std::vector<hoSigningOutcome> perform(Kind kind, const hoSigningJob::Keys& keys, bool mayOverwrite = false)
     {
-        hoDocumentWork work(kind, all(), keys, mayOverwrite);
+        hoSigningJob work(kind, all(), keys, mayOverwrite);
         while (!work.isFinished())
         {
             std::this_thread::yield();
         }
-        const hoDocumentWork::Progress progress = work.progress();
+        const hoSigningJob::Progress progress = work.progress();
         EXPECT_EQ(progress._bytesDone, progress._bytesInAll);
         EXPECT_EQ(progress._documentsDone, _list.size());
         EXPECT_TRUE(progress._path.isEmpty());
-        std::vector<hoWorkOutcome> outcomes = work.takeOutcomes();
+        std::vector<hoSigningOutcome> outcomes = work.takeOutcomes();
         EXPECT_TRUE(work.takeOutcomes().empty());
-        for (const hoWorkOutcome& outcome : outcomes)
+        for (const hoSigningOutcome& outcome : outcomes)
         {
             _list.setStamp(outcome._path, outcome._stamp);
         }
@@ -153,7 +153,7 @@ TEST_F(DocumentWork, OverwritesNothingUnasked)
 {
     open("a", "some text");
     _folder.write("a.sig", "precious");
-    const std::vector<hoWorkOutcome> kept = perform(Kind::Sign, {mine, nullptr});
+    const std::vector<hoSigningOutcome> kept = perform(Kind::Sign, {mine, nullptr});
     ASSERT_EQ(kept.size(), 1U);
     EXPECT_EQ(kept[0]._signatureFile._problem, hoSignatureFileProblem::Exists);
     EXPECT_EQ(std::filesystem::file_size(_folder.path("a.sig")), 8U);
@@ -166,7 +166,7 @@ TEST_F(DocumentWork, GoesOnAfterADocumentThatCannotBeRead)
     open("a", "1");
     open("b", "2");
     std::filesystem::remove(_folder.path("a"));
-    const std::vector<hoWorkOutcome> outcomes = perform(Kind::Sign, {mine, nullptr});
+    const std::vector<hoSigningOutcome> outcomes = perform(Kind::Sign, {mine, nullptr});
     ASSERT_EQ(outcomes.size(), 2U);
     EXPECT_EQ(outcomes[0]._signing._problem, hoSigningProblem::FileCannotBeRead);
     EXPECT_EQ(state(0), hoDocumentState::CannotBeRead);
@@ -179,7 +179,7 @@ TEST_F(DocumentWork, CanBeCancelled)
     open("huge", "");
     std::filesystem::resize_file(_folder.path("huge"), 64ULL << 30);
     ASSERT_TRUE(_list.refresh(0));
-    hoDocumentWork work(Kind::Sign, all(), {mine, nullptr}, false);
+    hoSigningJob work(Kind::Sign, all(), {mine, nullptr}, false);
     while (work.progress()._bytesDone == 0)
     {
         std::this_thread::yield();
@@ -201,7 +201,7 @@ TEST_F(DocumentWork, EndsWhenItIsDestroyed)
     std::filesystem::resize_file(_folder.path("huge"), 64ULL << 30);
     _list.refresh(0);
     {
-        const hoDocumentWork work(Kind::Sign, all(), {mine, nullptr}, false);
+        const hoSigningJob work(Kind::Sign, all(), {mine, nullptr}, false);
     }
     EXPECT_FALSE(std::filesystem::exists(_folder.path("huge.sig")));
 }

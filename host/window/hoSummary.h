@@ -1,20 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the window says about keys, signatures and what became of a work. Pure functions.
-#ifndef COUNTERSIGN_HO_SIGNING_WORDS_H
-#define COUNTERSIGN_HO_SIGNING_WORDS_H
+// What the window says about keys and about the result of a job. Pure functions.
+#ifndef COUNTERSIGN_HO_SUMMARY_H
+#define COUNTERSIGN_HO_SUMMARY_H
 
 #include "host/keys/hoKeyRing.h"
-#include "host/signing/hoDocumentWork.h"
+#include "host/signing/hoSigningJob.h"
 
 #include <wx/string.h>
 
 #include <vector>
-
-// Why a document cannot be opened or read, to follow its name and a colon.
-wxString hoFileProblemText(osFileProblem problem);
-
-// The state as a word or two. canTest: there is a key that could tell.
-wxString hoStateText(hoDocumentState state, bool canTest);
 
 // Why a key file was not loaded, as a sentence with the file's name.
 wxString hoKeyProblemText(const gtString& path, const hoKeyFileFacts& facts);
@@ -23,7 +17,7 @@ wxString hoKeyProblemText(const gtString& path, const hoKeyFileFacts& facts);
 wxString hoKeyText(const hoLoadedKey& key, bool isPrivate);
 
 // What the bar above the list says: one line, what its Details show, and whether nothing of it needs looking at.
-struct hoWorkSummary
+struct hoSummary
 {
     wxString _line;
     wxString _details;
@@ -31,13 +25,10 @@ struct hoWorkSummary
 };
 
 // A warning if others can get at a private key through its file or folder; an empty line if they cannot.
-hoWorkSummary hoKeyWarning(const hoLoadedKey& key);
+hoSummary hoKeyWarning(const hoLoadedKey& key);
 
-// What a work came to, in one line ("5 documents tested: 3 good, 2 bad."), and document by document.
-hoWorkSummary hoSummaryOf(hoDocumentWork::Kind kind, const std::vector<hoWorkOutcome>& outcomes, bool isCancelled);
-
-// "1 document", "2,000 documents".
-wxString hoAmountText(std::size_t amount, const char* one, const char* many);
+// The result of a job in one line ("5 documents tested: 3 good, 2 bad."), and document by document.
+hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcome>& outcomes, bool isCancelled);
 
 // The last component of a path, for a message; the whole path when that is empty.
 gtString hoLastComponent(const gtString& path);

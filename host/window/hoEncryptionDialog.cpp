@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/window/hoTextsDialog.h"
+#include "host/window/hoEncryptionDialog.h"
 
+#include "host/messages/hoMessages.h"
+#include "host/messages/hoNumbers.h"
 #include "host/signing/hoShortTexts.h"
 #include "host/window/hoClipboard.h"
+#include "host/window/hoDetailsDialog.h"
 #include "host/window/hoDisplayText.h"
-#include "host/window/hoSigningWords.h"
-#include "host/window/hoTextDialog.h"
+#include "host/window/hoSummary.h"
 #include "platform/baseTools/gtWipe.h"
 #include "platform/toolkit/gtTextConversion.h"
 #include "platform/toolkit/gtTextLayout.h"
@@ -15,7 +17,17 @@
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 
-hoTextsDialog::hoTextsDialog(wxWindow* pParent, const hoKeyRing& keys)
+namespace
+{
+// A reason with a capital and a full stop.
+wxString sentence(const gtString& reason)
+{
+    const wxString text = gtTextFromBytes(reason);
+    return text.Left(1).Upper() + text.Mid(1) + ".";
+}
+}  // namespace
+
+hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
     : wxDialog(pParent, wxID_ANY, "Texts", wxDefaultPosition, wxDefaultSize, wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
       _keys(keys),
       _pPlain(nullptr),
@@ -104,19 +116,19 @@ hoTextsDialog::hoTextsDialog(wxWindow* pParent, const hoKeyRing& keys)
     _pPlain->SetFocus();
 }
 
-const crRSAEncryptionKey* hoTextsDialog::encryptingKey() const
+const crRSAEncryptionKey* hoEncryptionDialog::encryptingKey() const
 {
     const std::shared_ptr<const hoKey>& pKey =
         _keys._public._pKey != nullptr ? _keys._public._pKey : _keys._private._pKey;
     return pKey == nullptr ? nullptr : &pKey->publicKey();
 }
 
-const crRSAEncryptionKey* hoTextsDialog::decryptingKey() const
+const crRSAEncryptionKey* hoEncryptionDialog::decryptingKey() const
 {
     return _keys._private._pKey == nullptr ? nullptr : &_keys._private._pKey->privateKey();
 }
 
-void hoTextsDialog::encrypt()
+void hoEncryptionDialog::encrypt()
 {
     if (encryptingKey() == nullptr)
     {
@@ -125,35 +137,27 @@ void hoTextsDialog::encrypt()
     gtString text = gtBytesFromText(_pPlain->GetValue());
     gtString cipherText;
     const hoTextProblem problem = hoEncryptText(*encryptingKey(), text, cipherText);
+    const int length = text.length();
     gtWipe(text);
-    switch (problem)
+    if (problem == hoTextProblem::None)
     {
-    case hoTextProblem::None:
         _pCipher->ChangeValue(wxString::FromAscii(cipherText.asCharArray()));
         say("Encrypted.");
-        break;
-    case hoTextProblem::TooLong:
-        say("The text is too long for this key: it would not come back.");
-        break;
-    case hoTextProblem::HoldsNul:
-        say("The text holds a NUL character, and would end there.");
-        break;
-    case hoTextProblem::TooLargeForKey:
-        say("This text of the greatest length would not come back; make it one byte shorter.");
-        break;
-    default:
-        say("There is not enough memory.");
-        break;
+    }
+    else
+    {
+        say(sentence(hoEncryptionReason(problem, *encryptingKey(), length)));
     }
 }
 
-void hoTextsDialog::decrypt()
+void hoEncryptionDialog::decrypt()
 {
     if (decryptingKey() == nullptr)
     {
         return;
     }
-    hoReadableText found = hoDecryptForReading(*decryptingKey(), gtBytesFromText(_pCipher->GetValue()));
+    const gtString cipherText = gtBytesFromText(_pCipher->GetValue());
+    hoReadableText found = hoDecryptForReading(*decryptingKey(), cipherText);
     switch (found._problem)
     {
     case hoTextProblem::None:
@@ -167,29 +171,23 @@ void hoTextsDialog::decrypt()
             sayWithBytes("What came out is no valid text (UTF-8).", found._bytes);
         }
         break;
-    case hoTextProblem::NotACipherText:
-        say("This is not a cipher text: that has hexadecimal characters and nothing else.");
-        break;
-    case hoTextProblem::OtherSize:
-        say("This is not as long as a cipher text of this key.");
-        break;
     case hoTextProblem::DoesNotComeOut:
-        sayWithBytes("Another key's cipher text, or a damaged one.", found._bytes);
+        sayWithBytes("This text is another key's, or damaged.", found._bytes);
         break;
     default:
-        say("There is not enough memory.");
+        say(sentence(hoDecryptionReason(found._problem, *decryptingKey(), cipherText.length())));
         break;
     }
     gtWipe(found._bytes);
     showCount();
 }
 
-void hoTextsDialog::copy(const wxTextCtrl* pText, const wxString& what)
+void hoEncryptionDialog::copy(const wxTextCtrl* pText, const wxString& what)
 {
-    say(hoCopyText(pText->GetValue()) ? "Copied the " + what + "." : wxString("The clipboard is not to be had."));
+    say(hoCopyText(pText->GetValue()) ? "Copied the " + what + "." : wxString("The clipboard is not available."));
 }
 
-void hoTextsDialog::showCount()
+void hoEncryptionDialog::showCount()
 {
     if (encryptingKey() == nullptr)
     {
@@ -197,24 +195,25 @@ void hoTextsDialog::showCount()
     }
     const int length = gtBytesFromText(_pPlain->GetValue()).length();
     const int most = hoLongestText(*encryptingKey());
-    wxString count =
-        hoNumberText(static_cast<std::uint64_t>(length)) + " of " + hoExactSizeText(static_cast<std::uint64_t>(most));
+    wxString count = gtTextFromBytes(hoNumberText(static_cast<std::uint64_t>(length))) + " of " +
+                     gtTextFromBytes(hoExactSizeText(static_cast<std::uint64_t>(most)));
     if (length > most)
     {
-        count += ": too long for this key, it would not come back and cannot be encrypted";
+        count += ": too long for this key";
     }
     _pCount->SetLabelText(count);
 }
 
-void hoTextsDialog::say(const wxString& text)
+void hoEncryptionDialog::say(const wxString& text)
 {
     _pSaid->SetLabelText(text);
 }
 
 // In a window of their own: what was typed above stays.
-void hoTextsDialog::sayWithBytes(const wxString& text, const gtString& bytes)
+void hoEncryptionDialog::sayWithBytes(const wxString& text, const gtString& bytes)
 {
     say(text);
-    hoTextDialog(this, "No text", text + " These bytes come out:", wxString::FromAscii(hoHexDump(bytes).asCharArray()))
+    hoDetailsDialog(this, "No text",
+                    text + " These bytes come out:", wxString::FromAscii(hoHexDump(bytes).asCharArray()))
         .ShowModal();
 }

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Signing and testing of many documents on a thread of their own.
 //
-// A work is made, runs at once, and is asked from time to time what it has found: outcomes come in the order of the
-// documents, as facts, one of each document that was not given up; what there is no memory for is one, too. The keys are
-// shared with whoever else has them. All functions are for the thread that made the
-// work; the thread inside is nobody else's business, and it is over when the destructor returns.
-#ifndef COUNTERSIGN_HO_DOCUMENT_WORK_H
-#define COUNTERSIGN_HO_DOCUMENT_WORK_H
+// A job runs as soon as it is made. Outcomes come in the order of the documents, as facts, one for each document that was
+// not cancelled; a lack of memory is an outcome, too. The keys are shared with whoever else has them. All functions are
+// for the thread that made the job. The thread inside has ended when the destructor returns.
+#ifndef COUNTERSIGN_HO_SIGNING_JOB_H
+#define COUNTERSIGN_HO_SIGNING_JOB_H
 
 #include "host/signing/hoDocument.h"
 #include "host/signing/hoFileSigning.h"
@@ -20,7 +19,7 @@
 #include <thread>
 #include <vector>
 
-struct hoWorkOutcome
+struct hoSigningOutcome
 {
     gtString _path;
     hoDocumentStamp _stamp;   // the state, and what it was established on
@@ -28,7 +27,7 @@ struct hoWorkOutcome
     hoSignatureFileFacts _signatureFile;
 };
 
-class hoDocumentWork : private hoIProgress
+class hoSigningJob : private hoIProgress
 {
 public:
     enum class Kind
@@ -57,12 +56,12 @@ public:
     // file's problem Exists. Throws std::bad_alloc, and std::system_error where the system gives no thread.
     // onChange: called on the thread inside after each change of what the functions below give, and a last time when
     // isFinished has become true; it may neither throw nor call this object.
-    hoDocumentWork(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite,
-                   std::function<void()> onChange = nullptr);
+    hoSigningJob(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite,
+                 std::function<void()> onChange = nullptr);
     // Cancels, and waits for the thread.
-    ~hoDocumentWork() override;
-    hoDocumentWork(const hoDocumentWork&) = delete;
-    hoDocumentWork& operator=(const hoDocumentWork&) = delete;
+    ~hoSigningJob() override;
+    hoSigningJob(const hoSigningJob&) = delete;
+    hoSigningJob& operator=(const hoSigningJob&) = delete;
 
     Kind kind() const { return _kind; }
     std::size_t amountOfDocuments() const { return _documents.size(); }
@@ -76,7 +75,7 @@ public:
 
     Progress progress() const;
     // The outcomes since the last call.
-    std::vector<hoWorkOutcome> takeOutcomes();
+    std::vector<hoSigningOutcome> takeOutcomes();
 
 private:
     bool onProgress(unsigned long long bytesDone, unsigned long long bytesInAll) override;
@@ -84,9 +83,9 @@ private:
     void run();
     void notify() const;
     // What is found goes into the outcome, which has its path already.
-    void sign(const hoDocument& document, hoWorkOutcome& outcome);
-    void test(const hoDocument& document, hoWorkOutcome& outcome);
-    bool isGood(const gtString& path, const gtString& signature, hoWorkOutcome& outcome);
+    void sign(const hoDocument& document, hoSigningOutcome& outcome);
+    void test(const hoDocument& document, hoSigningOutcome& outcome);
+    bool testWithKeys(const gtString& path, const gtString& signature, hoSigningOutcome& outcome);
 
     const Kind _kind;
     const std::vector<hoDocument> _documents;
@@ -102,7 +101,7 @@ private:
     std::uint64_t _bytesBefore;
     std::size_t _documentsDone;
     // One a document from the start, so that no memory is needed to tell that there was none.
-    std::vector<hoWorkOutcome> _outcomes;
+    std::vector<hoSigningOutcome> _outcomes;
     std::vector<bool> _isKnown;  // whether there is an outcome of the document
     std::size_t _taken;          // documents whose outcomes were given
 

@@ -4,9 +4,9 @@
 #include "tests/host/NewKey.h"
 
 #include "host/signing/hoShortTexts.h"
+#include "host/window/hoDetailsDialog.h"
 #include "host/window/hoDocumentDropTarget.h"
-#include "host/window/hoTextDialog.h"
-#include "host/window/hoTextsDialog.h"
+#include "host/window/hoEncryptionDialog.h"
 
 #include <gmock/gmock.h>
 #include <wx/button.h>
@@ -46,7 +46,7 @@ protected:
     }
     static bool isUp()
     {
-        const auto* pDialog = dynamic_cast<hoTextsDialog*>(tsTopModalDialog());
+        const auto* pDialog = dynamic_cast<hoEncryptionDialog*>(tsTopModalDialog());
         return pDialog != nullptr && tsHasKeyboard(*pDialog);
     }
     static wxTextCtrl& box(const char* name)
@@ -167,8 +167,7 @@ TEST_F(TextsDialog, RefusesATextOverTheLimit)
         .perform("read why",
                  []
                  {
-                     EXPECT_EQ(label("count"),
-                               "65 of 63 bytes: too long for this key, it would not come back and cannot be encrypted");
+                     EXPECT_EQ(label("count"), "65 of 63 bytes: too long for this key");
                      tsPressKeys("alt+e");
                      // Comes after it.
                      tsType("x");
@@ -200,7 +199,7 @@ TEST_F(TextsDialog, ShowsBytesWhereThereIsNoText)
         .waitUntil("the bytes are shown",
                    []
                    {
-                       const auto* pBytes = dynamic_cast<hoTextDialog*>(tsTopModalDialog());
+                       const auto* pBytes = dynamic_cast<hoDetailsDialog*>(tsTopModalDialog());
                        return pBytes != nullptr && tsHasKeyboard(*pBytes);
                    })
         .perform("read them",

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 // A dialog that shows a longer text to read and to copy.
-#ifndef COUNTERSIGN_HO_TEXT_DIALOG_H
-#define COUNTERSIGN_HO_TEXT_DIALOG_H
+#ifndef COUNTERSIGN_HO_DETAILS_DIALOG_H
+#define COUNTERSIGN_HO_DETAILS_DIALOG_H
 
 #include <wx/dialog.h>
 
-class hoTextDialog : public wxDialog
+class hoDetailsDialog : public wxDialog
 {
 public:
     // heading: one line above the text. The text must be harmless already (hoDisplayText) and may have many lines.
-    hoTextDialog(wxWindow* pParent, const wxString& title, const wxString& heading, const wxString& text);
+    hoDetailsDialog(wxWindow* pParent, const wxString& title, const wxString& heading, const wxString& text);
 };
 
 #endif

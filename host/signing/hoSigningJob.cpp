@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "host/signing/hoDocumentWork.h"
+#include "host/signing/hoSigningJob.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -25,8 +25,8 @@ osFileFacts signatureFacts(const gtString& path)
 }
 }  // namespace
 
-hoDocumentWork::hoDocumentWork(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite,
-                               std::function<void()> onChange)
+hoSigningJob::hoSigningJob(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite,
+                           std::function<void()> onChange)
     : _kind(kind),
       _documents(documents),
       _keys(keys),
@@ -47,16 +47,16 @@ hoDocumentWork::hoDocumentWork(Kind kind, const std::vector<hoDocument>& documen
         _bytesInAll += _documents[i]._facts._size;
         _outcomes[i]._path = _documents[i]._path;
     }
-    _thread = std::thread(&hoDocumentWork::run, this);
+    _thread = std::thread(&hoSigningJob::run, this);
 }
 
-hoDocumentWork::~hoDocumentWork()
+hoSigningJob::~hoSigningJob()
 {
     cancel();
     _thread.join();
 }
 
-hoDocumentWork::Progress hoDocumentWork::progress() const
+hoSigningJob::Progress hoSigningJob::progress() const
 {
     const std::lock_guard<std::mutex> lock(_mutex);
     const std::uint64_t done = _bytesBefore + _bytesOfDocument;
@@ -64,10 +64,10 @@ hoDocumentWork::Progress hoDocumentWork::progress() const
     return {done, std::max(done, _bytesInAll), _documentsDone, path};
 }
 
-std::vector<hoWorkOutcome> hoDocumentWork::takeOutcomes()
+std::vector<hoSigningOutcome> hoSigningJob::takeOutcomes()
 {
     const std::lock_guard<std::mutex> lock(_mutex);
-    std::vector<hoWorkOutcome> outcomes;
+    std::vector<hoSigningOutcome> outcomes;
     outcomes.reserve(_documentsDone - _taken);
     for (; _taken < _documentsDone; ++_taken)
     {
@@ -79,20 +79,20 @@ std::vector<hoWorkOutcome> hoDocumentWork::takeOutcomes()
     return outcomes;
 }
 
-bool hoDocumentWork::onProgress(unsigned long long bytesDone, unsigned long long)
+bool hoSigningJob::onProgress(unsigned long long bytesDone, unsigned long long)
 {
     _bytesOfDocument = bytesDone;
     notify();
     return !_isCancelled;
 }
 
-void hoDocumentWork::run()
+void hoSigningJob::run()
 {
     for (std::size_t i = 0; i < _documents.size() && !_isCancelled; ++i)
     {
         const hoDocument& document = _documents[i];
         // Nobody looks at it before it is done.
-        hoWorkOutcome& outcome = _outcomes[i];
+        hoSigningOutcome& outcome = _outcomes[i];
         try
         {
             if (_kind == Kind::Sign)
@@ -122,7 +122,7 @@ void hoDocumentWork::run()
     notify();
 }
 
-void hoDocumentWork::notify() const
+void hoSigningJob::notify() const
 {
     if (_onChange)
     {
@@ -130,7 +130,7 @@ void hoDocumentWork::notify() const
     }
 }
 
-void hoDocumentWork::sign(const hoDocument& document, hoWorkOutcome& outcome)
+void hoSigningJob::sign(const hoDocument& document, hoSigningOutcome& outcome)
 {
     outcome._stamp = document._stamp;
     const gtString signaturePath = hoSignaturePath(document._path);
@@ -157,7 +157,7 @@ void hoDocumentWork::sign(const hoDocument& document, hoWorkOutcome& outcome)
     }
 }
 
-void hoDocumentWork::test(const hoDocument& document, hoWorkOutcome& outcome)
+void hoSigningJob::test(const hoDocument& document, hoSigningOutcome& outcome)
 {
     const osFileFacts signatureBefore = signatureFacts(document._path);
     gtString signature;
@@ -174,7 +174,7 @@ void hoDocumentWork::test(const hoDocument& document, hoWorkOutcome& outcome)
         return;
     }
 
-    const bool good = isGood(document._path, signature, outcome);
+    const bool good = testWithKeys(document._path, signature, outcome);
     outcome._stamp._file = outcome._signing._file;
     outcome._stamp._signature = signatureBefore;
     if (outcome._signing._problem == hoSigningProblem::FileCannotBeRead)
@@ -196,7 +196,7 @@ void hoDocumentWork::test(const hoDocument& document, hoWorkOutcome& outcome)
 }
 
 // Leaves the state of a good signature in the outcome.
-bool hoDocumentWork::isGood(const gtString& path, const gtString& signature, hoWorkOutcome& outcome)
+bool hoSigningJob::testWithKeys(const gtString& path, const gtString& signature, hoSigningOutcome& outcome)
 {
     const hoKey* const pMine = _keys._pPrivateKey.get();
     const hoKey* const pTheirs = _keys._pPublicKey.get();

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "cli/clAdvice.h"
+
+#include <cerrno>
+
+std::string clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal)
+{
+    switch (facts._problem)
+    {
+    case hoKeyFileProblem::NoKey:
+    case hoKeyFileProblem::NotRsa:
+        return "; openssl genrsa makes one";
+    case hoKeyFileProblem::PassphraseNeeded:
+        return isWithoutTerminal ? "; there is no terminal to ask for it on" : "";
+    default:
+        return "";
+    }
+}
+
+std::string clSignatureFileAdvice(const hoSignatureFileFacts& facts)
+{
+    switch (facts._problem)
+    {
+    case hoSignatureFileProblem::CannotBeRead:
+        return facts._systemError == ENOENT ? "; countersign sign makes one, --signature names another" : "";
+    case hoSignatureFileProblem::Exists:
+        return "; --force overwrites it";
+    case hoSignatureFileProblem::NotRegular:
+        return "; name a file with --output";
+    case hoSignatureFileProblem::CannotBeWritten:
+        return "; --output puts it elsewhere";
+    default:
+        return "";
+    }
+}

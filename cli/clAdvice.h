@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+// What to do about a problem on the command line, to stand behind its reason (host/messages/hoMessages.h). Each begins with
+// "; ", and is empty where there is nothing to do.
+#ifndef COUNTERSIGN_CL_ADVICE_H
+#define COUNTERSIGN_CL_ADVICE_H
+
+#include <string>
+
+#include "host/keys/hoKeyFile.h"
+#include "host/signing/hoSignatureFile.h"
+
+// isWithoutTerminal: the passphrase could not be asked for.
+std::string clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal);
+
+std::string clSignatureFileAdvice(const hoSignatureFileFacts& facts);
+
+#endif

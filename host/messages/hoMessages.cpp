@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/messages/hoMessages.h"
+
+#include "crypto/crRSAEncryptionKey.h"
+#include "host/messages/hoNumbers.h"
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+namespace
+{
+
+const char* const noMemory = "there is not enough memory";
+
+gtString bitsText(int bits)
+{
+    return gtString(std::to_string(bits)).append(" bits");
+}
+
+gtString bytesText(int bytes)
+{
+    return hoExactSizeText(static_cast<std::uint64_t>(bytes));
+}
+
+// Bits of the digits that a key has.
+int bitsOf(const crRSAEncryptionKey& key)
+{
+    const int bitsPerDigit = 32;
+    return key.amountOfProductDigits() * bitsPerDigit;
+}
+
+gtString because(const char* pText, int systemError)
+{
+    return gtString(pText).append(": ").append(hoSystemErrorText(systemError));
+}
+
+}  // namespace
+
+gtString hoSystemErrorText(int systemError)
+{
+    // Other than strerror, this may be called from any thread.
+    return std::generic_category().message(systemError);
+}
+
+gtString hoFileReason(osFileProblem problem, int systemError)
+{
+    switch (problem)
+    {
+    case osFileProblem::None:
+        break;
+    case osFileProblem::NoName:
+        return "the name is empty";
+    case osFileProblem::NotThere:
+        return "there is no such file";
+    case osFileProblem::NotLocal:
+        return "it is not on this machine; choose a file that is";
+    case osFileProblem::NotPermitted:
+        return "you may not read it";
+    case osFileProblem::IsFolder:
+        return "it is a folder; choose the files in it";
+    case osFileProblem::NotRegular:
+        return "it is a pipe, a socket or a device, not a file";
+    case osFileProblem::NameTooLong:
+        return "the name is longer than the system allows";
+    case osFileProblem::TooManyLinks:
+        return "its symbolic links lead in a circle";
+    case osFileProblem::CannotBeRead:
+        return systemError == 0 ? gtString("the system cannot read it") : because("it cannot be read", systemError);
+    }
+    return gtString();
+}
+
+gtString hoKeyFileReason(const hoKeyFileFacts& facts)
+{
+    switch (facts._problem)
+    {
+    case hoKeyFileProblem::None:
+        break;
+    case hoKeyFileProblem::CannotBeRead:
+        return because("the key cannot be read", facts._systemError);
+    case hoKeyFileProblem::IsFolder:
+        return "it is a folder, not a key; choose a PEM file";
+    case hoKeyFileProblem::NotRegular:
+        return "it is a pipe, a socket or a device, not a key; choose a PEM file";
+    case hoKeyFileProblem::TooLarge:
+        return "it is too large for a key; choose a PEM file";
+    case hoKeyFileProblem::NoKey:
+        return "there is no PEM key in it";
+    case hoKeyFileProblem::OpenSshFormat:
+        return "it is a key in OpenSSH's own format; ssh-keygen -p -m PEM -f FILE turns a copy into PEM";
+    case hoKeyFileProblem::NotRsa:
+        return "it is not an RSA key";
+    case hoKeyFileProblem::PassphraseNeeded:
+        return "it is encrypted, and no passphrase was given";
+    case hoKeyFileProblem::WrongPassphrase:
+        return "wrong passphrase";
+    case hoKeyFileProblem::Damaged:
+        return "the key in it is damaged";
+    case hoKeyFileProblem::SizeNotSupported:
+        return gtString("the key has ")
+            .append(bitsText(facts._bits))
+            .append("; keys have a multiple of 32, up to ")
+            .append(std::to_string(hoLargestKeyBits));
+    case hoKeyFileProblem::NoMemory:
+        return noMemory;
+    }
+    return gtString();
+}
+
+gtString hoSigningReason(const hoSigningFacts& facts)
+{
+    switch (facts._problem)
+    {
+    case hoSigningProblem::None:
+        break;
+    case hoSigningProblem::NoPrivateKey:
+        return "the key is a public one, and signing takes a private key";
+    case hoSigningProblem::KeyTooSmall:
+        return gtString("the key is too small for files, which take ")
+            .append(bitsText(hoSmallestSigningKeyBits))
+            .append(" or more");
+    case hoSigningProblem::FileCannotBeRead:
+        return hoFileReason(facts._fileProblem, facts._systemError);
+    case hoSigningProblem::FileChanged:
+        return "it was changed while it was being read; try again when nothing writes to it";
+    case hoSigningProblem::Cancelled:
+        return "interrupted";
+    case hoSigningProblem::SelfTestFailed:
+        return "the new signature does not test good and was discarded; something is wrong with this machine";
+    case hoSigningProblem::NoMemory:
+        return noMemory;
+    }
+    return gtString();
+}
+
+gtString hoSignatureFileReason(const hoSignatureFileFacts& facts)
+{
+    switch (facts._problem)
+    {
+    case hoSignatureFileProblem::None:
+        break;
+    case hoSignatureFileProblem::CannotBeRead:
+        return facts._systemError == ENOENT ? gtString("there is no such signature")
+                                            : because("the signature cannot be read", facts._systemError);
+    case hoSignatureFileProblem::TooLarge:
+        return "it is too large for a signature";
+    case hoSignatureFileProblem::Exists:
+        return "it exists already and was kept";
+    case hoSignatureFileProblem::NotRegular:
+        return "it is a folder or a device, and is not overwritten";
+    case hoSignatureFileProblem::CannotBeWritten:
+        return because("the signature cannot be written", facts._systemError);
+    case hoSignatureFileProblem::NoMemory:
+        return noMemory;
+    }
+    return gtString();
+}
+
+gtString hoEncryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key, int length)
+{
+    switch (problem)
+    {
+    case hoTextProblem::TooLong:
+        return gtString("the text has ")
+            .append(bytesText(length))
+            // A reader may have stopped long before the end of the text.
+            .append(length > 2 * hoLongestText(key) ? " or more" : "")
+            .append(", and a key of ")
+            .append(bitsText(bitsOf(key)))
+            .append(" takes ")
+            .append(std::to_string(hoLongestText(key)))
+            .append(" at most");
+    case hoTextProblem::HoldsNul:
+        return "the text holds a NUL byte, and would end there when it is decrypted";
+    case hoTextProblem::TooLargeForKey:
+        return "the text is as long as the key takes, and its last byte is too high; make it one byte shorter";
+    case hoTextProblem::NoMemory:
+        return noMemory;
+    default:
+        return gtString();
+    }
+}
+
+gtString hoDecryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key, int length)
+{
+    switch (problem)
+    {
+    case hoTextProblem::NotACipherText:
+        return "this is not a cipher text, which has hexadecimal characters and nothing else";
+    case hoTextProblem::OtherSize:
+        return gtString("the cipher text has ")
+            .append(hoAmountText(static_cast<std::uint64_t>(length), "character", "characters"))
+            .append("; one for a key of ")
+            .append(bitsText(bitsOf(key)))
+            .append(" has ")
+            .append(std::to_string(hoLengthOfCipherText(key)))
+            .append(" and begins with the length of its text, ")
+            .append(bytesText(hoLongestText(key)))
+            .append(" at most");
+    case hoTextProblem::DoesNotComeOut:
+        return "this text is another key's, or damaged; it takes the partner of the key that encrypted it";
+    case hoTextProblem::NoMemory:
+        return noMemory;
+    default:
+        return gtString();
+    }
+}
+
+gtString hoStateText(hoDocumentState state, bool canTest)
+{
+    switch (state)
+    {
+    case hoDocumentState::NotSigned:
+        return "Not signed";
+    case hoDocumentState::NotTested:
+        return canTest ? "Not tested" : "No key loaded";
+    case hoDocumentState::SignedByMe:
+        return "Signed by me";
+    case hoDocumentState::Good:
+        return "Good";
+    case hoDocumentState::Bad:
+        return "Bad";
+    case hoDocumentState::Changed:
+        return "Changed since";
+    case hoDocumentState::CannotBeRead:
+        return "Cannot be read";
+    }
+    return gtString();
+}
+
+gtString hoOpenKeyWarning()
+{
+    return "others may read or change this private key; chmod 600 keeps it to you";
+}
+
+gtString hoOpenFolderWarning()
+{
+    return "others may replace this private key, because they may write to its folder; chmod 700 keeps that to you";
+}

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+// Every problem and verdict in words, once for the window and the command line.
+//
+// A reason is a clause without a subject's name and without a full stop, to stand behind a name and a colon: "it is a
+// folder; choose the files in it". Empty when there is no problem. UTF-8. Plain functions; safe from any thread; only
+// std::bad_alloc comes out.
+#ifndef COUNTERSIGN_HO_MESSAGES_H
+#define COUNTERSIGN_HO_MESSAGES_H
+
+#include "host/keys/hoKeyFile.h"
+#include "host/signing/hoDocument.h"
+#include "host/signing/hoFileSigning.h"
+#include "host/signing/hoSignatureFile.h"
+#include "host/signing/hoTextEncryption.h"
+
+// What the system says of one of its error numbers.
+gtString hoSystemErrorText(int systemError);
+
+// systemError: of CannotBeRead; 0 if it is not known.
+gtString hoFileReason(osFileProblem problem, int systemError = 0);
+
+gtString hoKeyFileReason(const hoKeyFileFacts& facts);
+gtString hoSigningReason(const hoSigningFacts& facts);
+gtString hoSignatureFileReason(const hoSignatureFileFacts& facts);
+
+// key: the one that encrypts, or decrypts. length: of the text, or of the cipher text.
+gtString hoEncryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key, int length);
+gtString hoDecryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key, int length);
+
+// The state as a word or two, with a capital. canTest: a key is loaded that could tell.
+gtString hoStateText(hoDocumentState state, bool canTest);
+
+// Warnings about a private key, to stand behind its name and a colon.
+gtString hoOpenKeyWarning();
+gtString hoOpenFolderWarning();
+
+#endif
