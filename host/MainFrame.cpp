@@ -78,16 +78,12 @@ MainFrame::MainFrame()
 
 void MainFrame::openFilePath(const gtString& path, bool isAskedFor)
 {
-    if (_pView == nullptr)
+    if (_pView != nullptr && isAskedFor)
     {
-        return;
-    }
-    _isFrontWanted = _isFrontWanted || isAskedFor;
-    if (isAskedFor)
-    {
+        _isFrontWanted = true;
         _pView->openAskedFor(path);
     }
-    else
+    else if (_pView != nullptr)
     {
         _pView->open(path);
     }
@@ -271,9 +267,8 @@ void MainFrame::comeToFront()
 
 void MainFrame::showChangesSoon()
 {
-    if (!_areChangesPending)
+    if (!std::exchange(_areChangesPending, true))
     {
-        _areChangesPending = true;
         CallAfter(&MainFrame::showChangesNow);
     }
 }
@@ -298,9 +293,8 @@ void MainFrame::showChangesNow()
 
 void MainFrame::endAllJobs()
 {
-    // What came from now on would be opened in a window that goes away.
+    // What comes from now on would be opened in a window that goes away.
     _instance.leave();
-    // The job ends here, and not among the remains of the window.
     _signing.stop();
     _memory.save(*this, _pView->columnWidths());
 }
