@@ -88,8 +88,8 @@ for file in "$@"; do
     checked+=$(nm --undefined-only "$file"; nm -D --undefined-only "$file" 2>/dev/null)
 done
 if has -D_FORTIFY_SOURCE; then
-    # Which calls can be checked is up to the compiler, so not every file has one; memory, texts and descriptors do.
-    for call in memcpy vsnprintf read; do
+    # Which calls can be checked is up to the compiler, so not every file has one; memory, texts and paths do.
+    for call in memcpy vsnprintf realpath; do
         grep -qE " __${call}_chk" <<<"$checked" || complain "no file calls the checked form of $call"
     done
 fi

@@ -225,14 +225,18 @@ protected:
     {
         const SilentStandardError silent;
         _pFrame->setAssertionDialogs(true);
-        int line = 0;
-        const auto fail = [&line]
-        { gtTriggerAssertonFailureHandler("aFunction", "/source/aFile.cpp", ++line, "Assertion failure (soaked)"); };
+        const auto failIn = [](int line)
+        { gtTriggerAssertonFailureHandler("aFunction", "/source/aFile.cpp", line, "Assertion failure (soaked)"); };
+        const auto fail = [&failIn] { failIn(1); };
+        const auto failIgnored = [&failIn] { failIn(2); };
         answer([] { tsPressKeys("alt+i"); }, fail);
-        answer([] { tsPressKeys("Return"); }, fail);
-        // Ignored since: no dialog comes.
-        line = 1;
-        fail();
+        // Ignored for the rest of the run: no dialog comes.
+        if (!_isLineIgnored)
+        {
+            answer([] { tsPressKeys("Return"); }, failIgnored);
+            _isLineIgnored = true;
+        }
+        failIgnored();
         answer([] { tsRunProgram({"wmctrl", "-c", "Assert in: aFile.cpp"}); }, fail);
         answer([] { tsClick(*wxWindow::FindWindowById(AH_IGNORE_BUTTON_ID, dialog())); }, fail);
         std::thread(fail).join();
@@ -282,6 +286,8 @@ protected:
         closeWindow();
         wxGetApp().OnExit();
         startWindow();
+        // What is ignored for the rest of the run goes with the window.
+        _isLineIgnored = false;
         ++_operations;
     }
 
@@ -354,6 +360,7 @@ protected:
 
     int _rounds = 0;
     double _operations = 0;
+    bool _isLineIgnored = false;
 };
 }  // namespace
 
