@@ -157,9 +157,11 @@ crypto/crRSAStringEncryptor.h
 host/keys/hoKeyFile.h
 platform/baseTools/gtAssert.h
 platform/baseTools/gtAssertionFailureHandlerRegistry.h
+platform/baseTools/gtCharacters.h
 platform/baseTools/gtIAssertionFailureHandler.h
 platform/baseTools/gtPtrVector.h
 platform/baseTools/gtString.h
+platform/baseTools/gtUtf8.h
 platform/baseTools/gtWipe.h
 platform/osWrappers/osAtomicFile.h
 platform/osWrappers/osChannel.h
@@ -238,7 +240,7 @@ END
             '(mp|sp)[A-Z][A-Za-z0-9]*$|conv_to_base$|ceilToUnsigned$|copyright_notice$'
         # Digit functions and new keys are for our own libraries and programs.
         expectOnlyPublicSymbols "$libraries/libcountersign-crypto.so" 'cr[A-Z]'
-        expectOnlyPublicSymbols "$libraries/libcountersign-keys.so" 'ho(Load|Key|NewKeyPair|IPassphraseSource|FixedWidthText|ShortFingerprint)'
+        expectOnlyPublicSymbols "$libraries/libcountersign-keys.so" 'ho(Load|Key|Is(KeyFile|LibcryptoMemoryWiped)|NewKeyPair|IPassphraseSource|FixedWidthText|ShortFingerprint)'
         # And the package of shared libraries: whoever links it needs nothing of what they stand on.
         installed=$moved
         moved="$here/third place"
