@@ -286,25 +286,29 @@ TEST(Key, HasZerosWhereAGroupIsNoNumber)
 // Whatever became of the load.
 TEST(Key, KeepsTheBitCountsAsTheyWereGiven)
 {
-    crRSAEncryptionKey key;
-    EXPECT_EQ(key.amountOfProductBits(), 0);
-    EXPECT_EQ(key.amountOfNumberBits(), 0);
+    const crRSAEncryptionKey empty;
+    EXPECT_EQ(empty.amountOfProductBits(), 0);
+    EXPECT_EQ(empty.amountOfNumberBits(), 0);
     for (const int bits : {1000, 31, 33, -1, -31, -32, -33, INT_MAX, INT_MIN, INT_MIN + 1})
     {
-        EXPECT_FALSE(key.setKeyFromStrings(bits, "", 32, ""));
-        EXPECT_EQ(key.amountOfProductBits(), bits);
-        EXPECT_EQ(key.amountOfProductDigits(), bits / 32);
-        EXPECT_EQ(key.amountOfNumberBits(), 32);
-        EXPECT_EQ(key.amountOfNumberDigits(), 1);
-        EXPECT_FALSE(key.setKeyFromStrings(64, "", bits, ""));
-        EXPECT_EQ(key.amountOfProductBits(), 64);
-        EXPECT_EQ(key.amountOfNumberBits(), bits);
-        EXPECT_EQ(key.amountOfNumberDigits(), bits / 32);
-        EXPECT_FALSE(key.setKeyFromStringAndFermatPrime(bits, "", 3));
-        EXPECT_EQ(key.amountOfProductBits(), bits);
-        EXPECT_EQ(key.amountOfNumberBits(), bits);
-        EXPECT_EQ(key.amountOfProductDigits(), bits / 32);
-        EXPECT_EQ(key.amountOfNumberDigits(), bits / 32);
+        // A key for each load: what a load leaves is not given back by the next one.
+        crRSAEncryptionKey product;
+        EXPECT_FALSE(product.setKeyFromStrings(bits, "", 32, ""));
+        EXPECT_EQ(product.amountOfProductBits(), bits);
+        EXPECT_EQ(product.amountOfProductDigits(), bits / 32);
+        EXPECT_EQ(product.amountOfNumberBits(), 32);
+        EXPECT_EQ(product.amountOfNumberDigits(), 1);
+        crRSAEncryptionKey number;
+        EXPECT_FALSE(number.setKeyFromStrings(64, "", bits, ""));
+        EXPECT_EQ(number.amountOfProductBits(), 64);
+        EXPECT_EQ(number.amountOfNumberBits(), bits);
+        EXPECT_EQ(number.amountOfNumberDigits(), bits / 32);
+        crRSAEncryptionKey fermat;
+        EXPECT_FALSE(fermat.setKeyFromStringAndFermatPrime(bits, "", 3));
+        EXPECT_EQ(fermat.amountOfProductBits(), bits);
+        EXPECT_EQ(fermat.amountOfNumberBits(), bits);
+        EXPECT_EQ(fermat.amountOfProductDigits(), bits / 32);
+        EXPECT_EQ(fermat.amountOfNumberDigits(), bits / 32);
     }
     crRSAEncryptionKey loaded;
     ASSERT_TRUE(loaded.setKeyFromStrings(128, toText(countingHex(4)), 64, toText(countingHex(2))));
