@@ -108,7 +108,8 @@ TEST_F(WindowFaults, SaysThatASignatureCouldNotBeWritten)
         workWith("ctrl+s");
         EXPECT_TRUE(broken.hasHappened()) << pCall;
         EXPECT_EQ(message(), "1 document: 1 could not be signed.") << pCall;
-        EXPECT_THAT(details(), HasSubstr("large.sig: the signature cannot be written: No space left on device")) << pCall;
+        EXPECT_THAT(details(), HasSubstr("large.sig: the signature cannot be written: No space left on device"))
+            << pCall;
         EXPECT_EQ(amountOfFiles(), 1U) << pCall;
         EXPECT_EQ(rows(1)[0], "Not signed") << pCall;
         workWith("ctrl+t");
