@@ -244,7 +244,7 @@ TEST(Key, ReadsEachGroupByItself)
 {
     const crRSAEncryptionKey key;
     unsigned int digits[4] = {1, 2, 3, 4};
-    // A group that does not begin with a hexadecimal character leaves its digit as it is, even where blanks or a sign
+    // A digit keeps its value where its group starts with anything else than a digit of base 16, even where blanks or a sign
     // might be skipped or where the next group could be drawn in.
     ASSERT_TRUE(key.readDigitsFromHexString(digits, 4,
                                             "xyz12345"
