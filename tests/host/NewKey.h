@@ -25,7 +25,7 @@ inline std::string newKeyText(int bits, bool isPublic = false, const std::string
                                                                  static_cast<int>(passphrase.size()), nullptr, nullptr);
     char* pBytes = nullptr;
     const long length = BIO_get_mem_data(pText, &pBytes);
-    const std::string text =
+    std::string text =
         written == 1 && pBytes != nullptr ? std::string(pBytes, static_cast<std::size_t>(length)) : std::string();
     BIO_free(pText);
     EVP_PKEY_free(pKey);
