@@ -60,8 +60,8 @@ public:
     // Reads count digits from text of exactly 8 * count characters; with any other length (so with every count below 0)
     // the array is left alone and the result is false. A count of 0 takes the empty text and is true.
     // Each group of eight characters is read by itself, up to the first character that is not hexadecimal. It may begin
-    // with 0x, as with sscanf, but not with a blank or a sign. A GROUP THAT DOES NOT BEGIN WITH A HEXADECIMAL CHARACTER
-    // LEAVES ITS DIGIT AS IT IS, and the result is true all the same. (The set operations read into arrays of zeros, so
+    // with 0x, as with sscanf, but not with a blank or a sign. WHERE A GROUP STARTS WITH ANY OTHER CHARACTER, ITS DIGIT
+    // KEEPS ITS VALUE, and the result is true all the same. (The set operations read into arrays of zeros, so
     // such a digit of a key is 0.)
     bool readDigitsFromHexString(unsigned int* digits, int count, const gtString& hex) const;
 
