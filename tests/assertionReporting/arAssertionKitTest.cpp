@@ -108,8 +108,9 @@ protected:
             .utf8_string();
     }
 
-    // The first editor that is looked for tells what it is asked to open.
-    std::string openedBy(const std::function<void()>& action)
+    // The first editor that is looked for tells what it is asked to open. The action ends when the condition that it is
+    // given holds: the editor was called.
+    std::string openedBy(const std::function<void(const std::function<bool()>&)>& action)
     {
         const std::string editor = _folder.path("code");
         std::ofstream(editor) << "#!/bin/sh\nprintf '%s ' \"$@\" > \"$0.part\" && mv \"$0.part\" \"$0.called\"\n";
@@ -117,8 +118,7 @@ protected:
         const char* const pPath = std::getenv("PATH");
         const std::string before(pPath == nullptr ? "" : pPath);
         setenv("PATH", (_folder.path("") + ":" + before).c_str(), 1);
-        action();
-        tsRunUntil("the editor was called", [&] { return std::filesystem::exists(editor + ".called"); });
+        action([&] { return std::filesystem::exists(editor + ".called"); });
         setenv("PATH", before.c_str(), 1);
         std::stringstream arguments;
         arguments << std::ifstream(editor + ".called").rdbuf();
@@ -276,17 +276,18 @@ TEST_F(AssertionKitWindow, OpensTheSourceByReturnAndDoubleClick)
     show();
     list().SetFocus();
     list().SetItemState(0, wxLIST_STATE_SELECTED | wxLIST_STATE_FOCUSED, wxLIST_STATE_SELECTED | wxLIST_STATE_FOCUSED);
-    EXPECT_EQ(openedBy([] { tsPressKeys("Return"); }), "--goto source/aFile.cpp:7 ");
+    const auto byReturn = [](const std::function<bool()>& wasCalled)
+    {
+        tsPressKeys("Return");
+        tsRunUntil("Return calls the editor", wasCalled);
+    };
+    EXPECT_EQ(openedBy(byReturn), "--goto source/aFile.cpp:7 ");
     EXPECT_TRUE(_pWindow->IsShown());
 
     wxRect rect;
     ASSERT_TRUE(list().GetItemRect(0, rect));
     const wxPoint place = list().ClientToScreen(rect.GetPosition() + wxPoint(30, rect.height / 2));
-    EXPECT_EQ(openedBy(
-                  [&]
-                  {
-                      tsRunProgram({"xdotool", "mousemove", std::to_string(place.x), std::to_string(place.y), "click",
-                                    "--repeat", "2", "--delay", "50", "1"});
-                  }),
-              "--goto source/aFile.cpp:7 ");
+    const auto byDoubleClick = [&](const std::function<bool()>& wasCalled)
+    { tsDoubleClickAtUntil(place, "a double click calls the editor", wasCalled); };
+    EXPECT_EQ(openedBy(byDoubleClick), "--goto source/aFile.cpp:7 ");
 }

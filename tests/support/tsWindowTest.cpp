@@ -16,6 +16,7 @@
 #include <wx/app.h>
 #include <wx/dialog.h>
 #include <wx/evtloop.h>
+#include <wx/stopwatch.h>
 #include <wx/timer.h>
 #include <wx/toplevel.h>
 
@@ -27,6 +28,7 @@ namespace
 {
 
 const int pollInterval = 10;
+const int pauseAfterDoubleClick = 5000;  // milliseconds
 
 #ifdef __WXGTK__
 
@@ -286,6 +288,26 @@ void tsClickAt(const wxPoint& screenPosition)
     EXPECT_EQ(tsRunProgram({"xdotool", "mousemove", std::to_string(screenPosition.x), std::to_string(screenPosition.y),
                             "click", "1"}),
               0);
+}
+
+void tsDoubleClickAtUntil(const wxPoint& screenPosition, const std::string& what,
+                          const std::function<bool()>& condition)
+{
+    std::unique_ptr<wxStopWatch> pSinceClicks;
+    tsRunUntil(what,
+               [&]
+               {
+                   const bool holds = condition();
+                   if (!holds && (!pSinceClicks || pSinceClicks->Time() > pauseAfterDoubleClick))
+                   {
+                       EXPECT_EQ(tsRunProgram({"xdotool", "mousemove", std::to_string(screenPosition.x),
+                                               std::to_string(screenPosition.y), "click", "--repeat", "2", "--delay",
+                                               "50", "1"}),
+                                 0);
+                       pSinceClicks = std::make_unique<wxStopWatch>();
+                   }
+                   return holds;
+               });
 }
 
 int tsRunProgram(const std::initializer_list<std::string>& arguments, std::string* pOutput)

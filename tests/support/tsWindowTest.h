@@ -80,6 +80,11 @@ void tsType(const std::string& text);
 void tsClick(const wxWindow& window);
 void tsClickAt(const wxPoint& screenPosition);
 
+// Double clicks there until the condition holds: on a busy machine the second click of a pair may come too late for the
+// toolkit. For what a further double click does not spoil.
+void tsDoubleClickAtUntil(const wxPoint& screenPosition, const std::string& what,
+                          const std::function<bool()>& condition);
+
 // Runs a program found in PATH with these arguments (no shell) until it ends: its exit status, -1 if it did not run.
 // What it writes to standard output goes to *pOutput.
 int tsRunProgram(const std::initializer_list<std::string>& arguments, std::string* pOutput = nullptr);
