@@ -8,7 +8,7 @@ set -u
 exec awk '
 function expect(name, elsewhere) { forms[++amount] = name; advice[name] = elsewhere }
 function note(name, result) {
-    if (!(name in advice)) expect(name)
+    if (!(name in advice)) expect(name, there "instructions for it")
     if (result == "FAILED" || (result == "OK" && results[name] != "FAILED") || results[name] == "") results[name] = result
 }
 BEGIN {
