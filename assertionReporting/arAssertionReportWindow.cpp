@@ -218,14 +218,14 @@ arAssertionReportWindow::~arAssertionReportWindow()
 
 bool arAssertionReportWindow::saveAs(const std::string& path)
 {
-    const int error = osWriteFileAtomically(path, gtBytesFromText(text(false)).asCharArray(), true);
-    if (error != 0)
+    const osWritingResult writing = osWriteFileAtomically(path, gtBytesFromText(text(false)).asCharArray(), true);
+    if (!writing.isOk())
     {
         wxMessageBox("The report could not be written to " + gtDisplayText(gtString(path)) + ": " +
-                         gtTextFromBytes(std::strerror(error)) + ".",
+                         gtTextFromBytes(std::strerror(writing._systemError)) + ".",
                      "Assertion report", wxOK | wxICON_ERROR, this);
     }
-    return error == 0;
+    return writing.isOk();
 }
 
 // Every showing asks to be told of the next change, which may be there already.

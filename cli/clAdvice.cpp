@@ -17,7 +17,7 @@ std::string clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal)
     }
 }
 
-std::string clSignatureFileAdvice(const hoSignatureFileFacts& facts)
+std::string clSignatureFileAdvice(const hoSignatureFileResult& facts)
 {
     switch (facts._problem)
     {

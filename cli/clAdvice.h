@@ -12,6 +12,6 @@
 // isWithoutTerminal: the passphrase could not be asked for.
 std::string clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal);
 
-std::string clSignatureFileAdvice(const hoSignatureFileFacts& facts);
+std::string clSignatureFileAdvice(const hoSignatureFileResult& facts);
 
 #endif

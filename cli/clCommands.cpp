@@ -2,7 +2,6 @@
 #include "cli/clCommands.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <memory>
 #include <unistd.h>
@@ -107,13 +106,13 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
     const bool isForOutput = arguments._hasOutput && (arguments._outputPath == standardStream);
     const gtString path = arguments._hasOutput ? gtString(arguments._outputPath) : hoSignaturePath(gtString(file));
     const std::string signatureName = clPrintableName(path);
-    hoSignatureFileFacts fileFacts;
+    hoSignatureFileResult signatureFile;
     if (!isForOutput)
     {
-        fileFacts = hoCheckSignaturePath(path, arguments._isForced);
-        if (fileFacts._problem != hoSignatureFileProblem::None)
+        signatureFile = hoCheckSignaturePath(path, arguments._isForced);
+        if (!signatureFile.isOk())
         {
-            complain(signatureName, hoSignatureFileReason(fileFacts), clSignatureFileAdvice(fileFacts));
+            complain(signatureName, hoSignatureFileReason(signatureFile), clSignatureFileAdvice(signatureFile));
             return clStatusNotChecked;
         }
     }
@@ -123,7 +122,7 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
         clProgressLine progress = progressFor(name);
         facts = hoSignFile(gtString(file), key, &progress, signature);
     }
-    if (facts._problem != hoSigningProblem::None)
+    if (!facts.isOk())
     {
         complainOfSigning(arguments, name, facts);
         return clStatusNotChecked;
@@ -133,10 +132,10 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
         clWriteOutput(signature.asStdString() + "\n");
         return clStatusGood;
     }
-    fileFacts = hoWriteSignatureFile(path, signature, arguments._isForced);
-    if (fileFacts._problem != hoSignatureFileProblem::None)
+    signatureFile = hoWriteSignatureFile(path, signature, arguments._isForced);
+    if (!signatureFile.isOk())
     {
-        complain(signatureName, hoSignatureFileReason(fileFacts), clSignatureFileAdvice(fileFacts));
+        complain(signatureName, hoSignatureFileReason(signatureFile), clSignatureFileAdvice(signatureFile));
         return clStatusNotChecked;
     }
     clWriteOutput(name + ": signed, " + signatureName + "\n");
@@ -160,8 +159,8 @@ bool readSignature(const clArguments& arguments, const std::string& file, gtStri
     }
     const gtString path =
         arguments._hasSignature ? gtString(arguments._signaturePath) : hoSignaturePath(gtString(file));
-    const hoSignatureFileFacts facts = hoReadSignatureFile(path, signature);
-    if (facts._problem != hoSignatureFileProblem::None)
+    const hoSignatureFileResult facts = hoReadSignatureFile(path, signature);
+    if (!facts.isOk())
     {
         complain(clPrintableName(path), hoSignatureFileReason(facts), clSignatureFileAdvice(facts));
         return false;
@@ -176,11 +175,10 @@ int testFile(const clArguments& arguments, const std::string& file, const hoKey&
     hoSigningFacts facts;
     // A file that is not there is told about before its signature is missed.
     osFileFacts ignored;
-    facts._fileProblem = osReadFileFacts(gtString(file), ignored);
-    if (facts._fileProblem != osFileProblem::None)
+    const osFileResult reading = osReadFileFacts(gtString(file), ignored);
+    if (!reading.isOk())
     {
-        facts._systemError = errno;
-        facts._problem = hoSigningProblem::FileCannotBeRead;
+        facts = hoSigningFacts(reading);
     }
     else
     {
@@ -193,7 +191,7 @@ int testFile(const clArguments& arguments, const std::string& file, const hoKey&
         clProgressLine progress = progressFor(name);
         facts = hoTestFile(gtString(file), key, signature, &progress, isGood);
     }
-    if (facts._problem != hoSigningProblem::None)
+    if (!facts.isOk())
     {
         complainOfSigning(arguments, name, facts);
         clWriteOutput(name + ": not tested\n");
@@ -212,7 +210,7 @@ int digestFile(const clArguments& arguments, const std::string& file, const hoKe
         clProgressLine progress = progressFor(name);
         facts = hoDigestOfFile(gtString(file), key, &progress, digestText);
     }
-    if (facts._problem != hoSigningProblem::None)
+    if (!facts.isOk())
     {
         complainOfSigning(arguments, name, facts);
         return clStatusNotChecked;
@@ -250,12 +248,12 @@ int encrypt(const clArguments& arguments)
         return clStatusNotChecked;
     }
     gtString cipherText;
-    const hoTextProblem problem = hoEncryptText(pKey->ownKey(), text, cipherText);
+    const hoTextResult result = hoEncryptText(pKey->ownKey(), text, cipherText);
     const int lengthOfText = text.length();
     gtWipe(text);
-    if (problem != hoTextProblem::None)
+    if (!result.isOk())
     {
-        clComplain(hoEncryptionReason(problem, pKey->ownKey(), lengthOfText).asStdString());
+        clComplain(hoEncryptionReason(result._problem, pKey->ownKey(), lengthOfText).asStdString());
         return clStatusNotChecked;
     }
     clWriteOutput(cipherText.asStdString() + "\n");
@@ -271,11 +269,11 @@ int decrypt(const clArguments& arguments)
         return clStatusNotChecked;
     }
     gtString text;
-    const hoTextProblem problem = hoDecryptText(pKey->ownKey(), cipherText, text);
-    if (problem != hoTextProblem::None)
+    const hoTextResult result = hoDecryptText(pKey->ownKey(), cipherText, text);
+    if (!result.isOk())
     {
-        const gtString reason = hoDecryptionReason(problem, pKey->ownKey(), cipherText.length());
-        if (problem == hoTextProblem::DoesNotComeOut)
+        const gtString reason = hoDecryptionReason(result._problem, pKey->ownKey(), cipherText.length());
+        if (result._problem == hoTextProblem::DoesNotComeOut)
         {
             complain(clPrintableName(arguments._keyPath), reason);
             return clStatusNotGood;

@@ -95,9 +95,9 @@ void MainFrame::makeWindow()
     SetIcons(hoApplicationIcons());
     _pMenuBar = new hoMenuBar;
     SetMenuBar(_pMenuBar);
-    _pView = new hoDocumentsView(this, {[this](const gtString& path, osFileProblem problem)
+    _pView = new hoDocumentsView(this, {[this](const gtString& path, const osFileResult& result)
                                         {
-                                            _messageBar.addRefusal(path, problem);
+                                            _messageBar.addRefusal(path, result);
                                             _isRecentChanged =
                                                 _memory.recentDocuments().remove(path) || _isRecentChanged;
                                         },

@@ -12,9 +12,8 @@ bool isSameFile(const gtString& left, const gtString& right)
 {
     osFileFacts leftFacts;
     osFileFacts rightFacts;
-    return osReadFileFacts(left, leftFacts) == osFileProblem::None &&
-           osReadFileFacts(right, rightFacts) == osFileProblem::None && leftFacts._device == rightFacts._device &&
-           leftFacts._fileNumber == rightFacts._fileNumber;
+    return osReadFileFacts(left, leftFacts).isOk() && osReadFileFacts(right, rightFacts).isOk() &&
+           leftFacts._device == rightFacts._device && leftFacts._fileNumber == rightFacts._fileNumber;
 }
 }  // namespace
 

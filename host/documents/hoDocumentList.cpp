@@ -50,8 +50,8 @@ osFileFacts signatureFacts(const hoDocument& document)
 hoDocumentState stateWithoutFinding(const hoDocument& document)
 {
     osFileFacts facts;
-    const osFileProblem problem = osReadFileFacts(hoSignaturePath(document._path), facts);
-    return problem == osFileProblem::NotThere ? hoDocumentState::NotSigned : hoDocumentState::NotTested;
+    const osFileResult result = osReadFileFacts(hoSignaturePath(document._path), facts);
+    return result._problem == osFileProblem::NotThere ? hoDocumentState::NotSigned : hoDocumentState::NotTested;
 }
 
 SortKey keyOf(const hoDocument& document, std::size_t position, hoDocumentList::Column column)
@@ -93,10 +93,10 @@ std::size_t hoDocumentList::positionOf(const gtString& absolutePath) const
 hoDocumentList::Opening hoDocumentList::open(const gtString& path)
 {
     hoDocument document;
-    const osFileProblem problem = osReadFileFacts(path, document._facts);
-    if (problem != osFileProblem::None)
+    const osFileResult result = osReadFileFacts(path, document._facts);
+    if (!result.isOk())
     {
-        return {problem, nowhere, false};
+        return {result, nowhere, false};
     }
 
     document._path = osAbsolutePath(path);
@@ -104,7 +104,7 @@ hoDocumentList::Opening hoDocumentList::open(const gtString& path)
     if (found != _positions.end())
     {
         refresh(found->second);
-        return {osFileProblem::None, found->second, false};
+        return {result, found->second, false};
     }
     document._stamp._state = stateWithoutFinding(document);
     const std::size_t position = _documents.size();
@@ -118,7 +118,7 @@ hoDocumentList::Opening hoDocumentList::open(const gtString& path)
         _documents.pop_back();
         throw;
     }
-    return {osFileProblem::None, position, true};
+    return {result, position, true};
 }
 
 bool hoDocumentList::refresh(std::size_t position)
@@ -126,7 +126,7 @@ bool hoDocumentList::refresh(std::size_t position)
     hoDocument& document = _documents[position];
     osFileFacts facts = document._facts;
     hoDocumentState state = document._stamp._state;
-    if (osReadFileFacts(document._path, facts) != osFileProblem::None)
+    if (!osReadFileFacts(document._path, facts).isOk())
     {
         state = hoDocumentState::CannotBeRead;
     }

@@ -21,9 +21,9 @@ public:
 
     struct Opening
     {
-        osFileProblem _problem;  // None: the document is in the list
-        std::size_t _position;   // where it is; nowhere if it could not be opened
-        bool _isNew;             // whether this call brought it
+        osFileResult _result;   // ok: the document is in the list
+        std::size_t _position;  // where it is; nowhere if it could not be opened
+        bool _isNew;            // whether this call brought it
     };
 
     enum class Column

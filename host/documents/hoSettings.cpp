@@ -108,7 +108,7 @@ bool hoSettings::save(const gtString& path) const
         std::filesystem::create_directories(folder, error);
     }
     const unsigned int ownersAlone = 0600;
-    return osWriteFileAtomically(path, text.asStringView(), true, ownersAlone) == 0;
+    return osWriteFileAtomically(path, text.asStringView(), true, ownersAlone).isOk();
 }
 
 gtString hoUserSettingsPath()

@@ -14,6 +14,7 @@
 
 #include "crypto/crRSAEncryptionKey.h"
 #include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osResult.h"
 
 #pragma GCC visibility push(default)
 
@@ -37,10 +38,8 @@ enum class hoKeyFileProblem
 constexpr long hoLargestKeyFile = 1024 * 1024;
 constexpr int hoLargestKeyBits = 16384;
 
-struct hoKeyFileFacts
+struct hoKeyFileFacts : osResult<hoKeyFileProblem>
 {
-    hoKeyFileProblem _problem = hoKeyFileProblem::None;
-    int _systemError = 0;          // of CannotBeRead
     int _bits = 0;                 // the modulus, as soon as it is known, also when its size is not supported
     bool _isPrivate = false;       // the file has both halves
     bool _isEncrypted = false;     // a passphrase was asked for

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/keys/hoNewKeyPair.h"
 
-#include "platform/osWrappers/osAtomicFile.h"
-
 #include <openssl/bio.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
@@ -31,6 +29,26 @@ Bio secureMemory()
 {
     return Bio(BIO_new(BIO_s_secmem()));
 }
+
+osWritingResult noMemory()
+{
+    return osWritingResult(osWritingProblem::CannotBeWritten, ENOMEM);
+}
+
+osWritingResult writeFile(const gtString& path, unsigned int rights, bool mayOverwrite, const Bio& pText)
+{
+    char* pBytes = nullptr;
+    const long length = BIO_get_mem_data(pText.get(), &pBytes);
+    try
+    {
+        return osWriteFileAtomically(path, std::string_view(pBytes, static_cast<std::size_t>(length)), mayOverwrite,
+                                     rights);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return noMemory();
+    }
+}
 }  // namespace
 
 void hoNewKeyPair::Deleter::operator()(void* pKey) const
@@ -39,7 +57,7 @@ void hoNewKeyPair::Deleter::operator()(void* pKey) const
 }
 
 hoNewKeyPair::hoNewKeyPair(int bits, std::function<void()> onFinished)
-    : _bits(bits), _onFinished(std::move(onFinished)), _systemError(0), _isCancelled(false), _isFinished(false)
+    : _bits(bits), _onFinished(std::move(onFinished)), _isCancelled(false), _isFinished(false)
 {
     _thread = std::thread(&hoNewKeyPair::run, this);
 }
@@ -77,51 +95,26 @@ void hoNewKeyPair::run()
     }
 }
 
-hoNewKeyPair::Writing hoNewKeyPair::writePrivateKey(const gtString& path, std::string_view passphrase,
-                                                    bool mayOverwrite)
+osWritingResult hoNewKeyPair::writePrivateKey(const gtString& path, std::string_view passphrase,
+                                              bool mayOverwrite) const
 {
     const Bio pText = secureMemory();
     const EVP_CIPHER* const pCipher = passphrase.empty() ? nullptr : EVP_aes_256_cbc();
-    char* pBytes = nullptr;
     if (pText == nullptr ||
         PEM_write_bio_PKCS8PrivateKey(pText.get(), static_cast<EVP_PKEY*>(_pKey.get()), pCipher, passphrase.data(),
                                       static_cast<int>(passphrase.size()), nullptr, nullptr) != 1)
     {
-        _systemError = ENOMEM;
-        return Writing::Failed;
+        return noMemory();
     }
-    const long length = BIO_get_mem_data(pText.get(), &pBytes);
-    return writeFile(path, 0600, mayOverwrite, pBytes, length);
+    return writeFile(path, 0600, mayOverwrite, pText);
 }
 
-hoNewKeyPair::Writing hoNewKeyPair::writePublicKey(const gtString& path, bool mayOverwrite)
+osWritingResult hoNewKeyPair::writePublicKey(const gtString& path, bool mayOverwrite) const
 {
     const Bio pText = secureMemory();
-    char* pBytes = nullptr;
     if (pText == nullptr || PEM_write_bio_PUBKEY(pText.get(), static_cast<EVP_PKEY*>(_pKey.get())) != 1)
     {
-        _systemError = ENOMEM;
-        return Writing::Failed;
+        return noMemory();
     }
-    const long length = BIO_get_mem_data(pText.get(), &pBytes);
-    return writeFile(path, 0644, mayOverwrite, pBytes, length);
-}
-
-hoNewKeyPair::Writing hoNewKeyPair::writeFile(const gtString& path, unsigned int rights, bool mayOverwrite,
-                                              const char* pBytes, long length)
-{
-    try
-    {
-        _systemError = osWriteFileAtomically(path, std::string_view(pBytes, static_cast<std::size_t>(length)),
-                                             mayOverwrite, rights);
-    }
-    catch (const std::bad_alloc&)
-    {
-        _systemError = ENOMEM;
-    }
-    if (_systemError == 0)
-    {
-        return Writing::Done;
-    }
-    return _systemError == EEXIST ? Writing::Exists : Writing::Failed;
+    return writeFile(path, 0644, mayOverwrite, pText);
 }

@@ -6,6 +6,7 @@
 #define COUNTERSIGN_HO_NEW_KEY_PAIR_H
 
 #include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osAtomicFile.h"
 
 #include <atomic>
 #include <functional>
@@ -29,13 +30,6 @@ constexpr bool hoIsNewKeySize(int bits)
 class hoNewKeyPair
 {
 public:
-    enum class Writing
-    {
-        Done,
-        Exists,  // a file of that name is there and overwriting was not allowed
-        Failed   // systemError() tells why
-    };
-
     // Begins at once. hoIsNewKeySize(bits) must hold. Throws std::system_error where the system gives no thread, and
     // std::bad_alloc. onFinished: called on the thread inside when isFinished has become true; it may not throw.
     explicit hoNewKeyPair(int bits, std::function<void()> onFinished = nullptr);
@@ -50,11 +44,10 @@ public:
     bool isMade() const { return _isFinished && _pKey != nullptr; }
 
     // Writes the private key (PKCS#8; encrypted if the passphrase is not empty), readable and writable by its owner
-    // alone, or the public one, with rights 644. As osWriteFileAtomically does: there is never half a key, and what is there
-    // and no regular file is not replaced in any case. isMade() must be true.
-    Writing writePrivateKey(const gtString& path, std::string_view passphrase, bool mayOverwrite);
-    Writing writePublicKey(const gtString& path, bool mayOverwrite);
-    int systemError() const { return _systemError; }
+    // alone, or the public one, with rights 644. Both write as osWriteFileAtomically does. Too little memory is
+    // CannotBeWritten with ENOMEM. isMade() must be true.
+    osWritingResult writePrivateKey(const gtString& path, std::string_view passphrase, bool mayOverwrite) const;
+    osWritingResult writePublicKey(const gtString& path, bool mayOverwrite) const;
 
 private:
     struct Deleter
@@ -63,11 +56,9 @@ private:
     };
 
     void run();
-    Writing writeFile(const gtString& path, unsigned int rights, bool mayOverwrite, const char* pBytes, long length);
 
     const int _bits;
     const std::function<void()> _onFinished;
-    int _systemError;
     std::unique_ptr<void, Deleter> _pKey;  // libcrypto's; the thread's until it is finished
     std::atomic<bool> _isCancelled;
     std::atomic<bool> _isFinished;

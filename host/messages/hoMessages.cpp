@@ -43,9 +43,9 @@ gtString hoSystemErrorText(int systemError)
     return std::generic_category().message(systemError);
 }
 
-gtString hoFileReason(osFileProblem problem, int systemError)
+gtString hoFileReason(const osFileResult& result)
 {
-    switch (problem)
+    switch (result._problem)
     {
     case osFileProblem::None:
         break;
@@ -66,7 +66,8 @@ gtString hoFileReason(osFileProblem problem, int systemError)
     case osFileProblem::TooManyLinks:
         return "its symbolic links lead in a circle";
     case osFileProblem::CannotBeRead:
-        return systemError == 0 ? gtString("the system cannot read it") : because("it cannot be read", systemError);
+        return result._systemError == 0 ? gtString("the system cannot read it")
+                                        : because("it cannot be read", result._systemError);
     }
     return gtString();
 }
@@ -121,7 +122,7 @@ gtString hoSigningReason(const hoSigningFacts& facts)
             .append(bitsText(hoSmallestSigningKeyBits))
             .append(" or more");
     case hoSigningProblem::FileCannotBeRead:
-        return hoFileReason(facts._fileProblem, facts._systemError);
+        return hoFileReason(osFileResult(facts._fileProblem, facts._systemError));
     case hoSigningProblem::FileChanged:
         return "it was changed while it was being read; try again when nothing writes to it";
     case hoSigningProblem::Cancelled:
@@ -134,7 +135,7 @@ gtString hoSigningReason(const hoSigningFacts& facts)
     return gtString();
 }
 
-gtString hoSignatureFileReason(const hoSignatureFileFacts& facts)
+gtString hoSignatureFileReason(const hoSignatureFileResult& facts)
 {
     switch (facts._problem)
     {
@@ -153,6 +154,23 @@ gtString hoSignatureFileReason(const hoSignatureFileFacts& facts)
         return because("the signature cannot be written", facts._systemError);
     case hoSignatureFileProblem::NoMemory:
         return noMemory;
+    }
+    return gtString();
+}
+
+gtString hoWritingReason(const osWritingResult& result)
+{
+    switch (result._problem)
+    {
+    case osWritingProblem::None:
+        break;
+    case osWritingProblem::Exists:
+        return "it exists already and was kept";
+    case osWritingProblem::IsFolder:
+    case osWritingProblem::NotRegular:
+        return "it is a folder or a device, and is not overwritten";
+    case osWritingProblem::CannotBeWritten:
+        return because("it cannot be written", result._systemError);
     }
     return gtString();
 }

@@ -12,16 +12,18 @@
 #include "host/signing/hoFileSigning.h"
 #include "host/signing/hoSignatureFile.h"
 #include "host/signing/hoTextEncryption.h"
+#include "platform/osWrappers/osAtomicFile.h"
 
 // What the system says of one of its error numbers.
 gtString hoSystemErrorText(int systemError);
 
-// systemError: of CannotBeRead; 0 if it is not known.
-gtString hoFileReason(osFileProblem problem, int systemError = 0);
-
+gtString hoFileReason(const osFileResult& result);
 gtString hoKeyFileReason(const hoKeyFileFacts& facts);
 gtString hoSigningReason(const hoSigningFacts& facts);
-gtString hoSignatureFileReason(const hoSignatureFileFacts& facts);
+gtString hoSignatureFileReason(const hoSignatureFileResult& facts);
+
+// The same of a file that is written: why it was not.
+gtString hoWritingReason(const osWritingResult& result);
 
 // key: the one that encrypts, or decrypts. length: of the text, or of the cipher text.
 gtString hoEncryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key, int length);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/signing/hoFileSigning.h"
 
-#include <cerrno>
 #include <memory>
 #include <new>
 
@@ -16,19 +15,9 @@ namespace
 // enough for a lively progress.
 constexpr unsigned long bytesAtOnce = 1024 * 1024;
 
-hoSigningFacts problemFacts(hoSigningProblem problem)
+hoSigningFacts readError(const osFile& file)
 {
-    hoSigningFacts facts;
-    facts._problem = problem;
-    return facts;
-}
-
-hoSigningFacts fileFacts(osFileProblem problem, int systemError)
-{
-    hoSigningFacts facts = problemFacts(hoSigningProblem::FileCannotBeRead);
-    facts._fileProblem = problem;
-    facts._systemError = systemError;
-    return facts;
+    return hoSigningFacts(osFileResult(osFileProblem::CannotBeRead, file.errorNumber()));
 }
 
 // Reads the open file to its end into the signer's digest.
@@ -39,7 +28,7 @@ hoSigningFacts foldOpenFile(osFile& file, crRSADigitalSigner& signer, hoIProgres
     const std::unique_ptr<char[]> pBuffer(new (std::nothrow) char[bufferSize]);
     if (pBuffer == nullptr)
     {
-        return problemFacts(hoSigningProblem::NoMemory);
+        return hoSigningProblem::NoMemory;
     }
     unsigned long long size = 0;
     file.fileSize(size);
@@ -51,37 +40,36 @@ hoSigningFacts foldOpenFile(osFile& file, crRSADigitalSigner& signer, hoIProgres
         done += amountRead;
         if ((pProgress != nullptr) && !pProgress->onProgress(done, size))
         {
-            return problemFacts(hoSigningProblem::Cancelled);
+            return hoSigningProblem::Cancelled;
         }
     }
     if (file.hasReadError())
     {
-        return fileFacts(osFileProblem::CannotBeRead, file.errorNumber());
+        return readError(file);
     }
     // Less than there was at the start: it has shrunk, though nothing may tell by now.
-    return problemFacts((done < size) ? hoSigningProblem::FileChanged : hoSigningProblem::None);
+    return done < size ? hoSigningProblem::FileChanged : hoSigningProblem::None;
 }
 
 // The file must be the same before and after: otherwise the digest may be one that no file ever had.
 hoSigningFacts foldFile(const gtString& path, crRSADigitalSigner& signer, hoIProgress* pProgress)
 {
     osFileFacts before;
-    const osFileProblem problem = osReadFileFacts(path, before);
-    if (problem != osFileProblem::None)
+    const osFileResult reading = osReadFileFacts(path, before);
+    if (!reading.isOk())
     {
-        return fileFacts(problem, errno);
+        return hoSigningFacts(reading);
     }
     osFile file;
     if (!file.open(osFilePath(path), osChannel::OS_BINARY_CHANNEL, osFile::OS_OPEN_TO_READ))
     {
-        return fileFacts(osFileProblem::CannotBeRead, file.errorNumber());
+        return readError(file);
     }
     hoSigningFacts facts = foldOpenFile(file, signer, pProgress);
     osFileFacts after;
-    if ((facts._problem == hoSigningProblem::None) &&
-        ((osReadFileFacts(path, after) != osFileProblem::None) || (after != before)))
+    if (facts.isOk() && (!osReadFileFacts(path, after).isOk() || after != before))
     {
-        facts = problemFacts(hoSigningProblem::FileChanged);
+        facts = hoSigningProblem::FileChanged;
     }
     facts._file = before;
     return facts;
@@ -92,15 +80,15 @@ hoSigningFacts digestOfFile(const gtString& path, const hoKey& key, hoIProgress*
 {
     if (key.bits() < hoSmallestSigningKeyBits)
     {
-        return problemFacts(hoSigningProblem::KeyTooSmall);
+        return hoSigningProblem::KeyTooSmall;
     }
     crRSADigitalSigner signer(key.publicKey());
     if (!signer.createMessageDigestDigits())
     {
-        return problemFacts(hoSigningProblem::NoMemory);
+        return hoSigningProblem::NoMemory;
     }
     const hoSigningFacts facts = foldFile(path, signer, pProgress);
-    if (facts._problem == hoSigningProblem::None)
+    if (facts.isOk())
     {
         signer.messageDigestToString(digestText);
     }
@@ -124,35 +112,40 @@ bool isSignatureOf(const gtString& digestText, const hoKey& key, const gtString&
 
 hoIProgress::~hoIProgress() = default;
 
+hoSigningFacts::hoSigningFacts(const osFileResult& reading)
+    : osResult(hoSigningProblem::FileCannotBeRead, reading._systemError), _fileProblem(reading._problem)
+{
+}
+
 hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoIProgress* pProgress, gtString& signature)
 {
     if (!key.hasPrivateKey())
     {
-        return problemFacts(hoSigningProblem::NoPrivateKey);
+        return hoSigningProblem::NoPrivateKey;
     }
     try
     {
         gtString digestText;
         const hoSigningFacts facts = digestOfFile(path, key, pProgress, digestText);
-        if (facts._problem != hoSigningProblem::None)
+        if (!facts.isOk())
         {
             return facts;
         }
         gtString newSignature;
         if (!crRSAStringEncryptor(key.privateKey()).encrypt(digestText, newSignature))
         {
-            return problemFacts(hoSigningProblem::NoMemory);
+            return hoSigningProblem::NoMemory;
         }
         if (!isSignatureOf(digestText, key, newSignature))
         {
-            return problemFacts(hoSigningProblem::SelfTestFailed);
+            return hoSigningProblem::SelfTestFailed;
         }
         signature = newSignature;
         return facts;
     }
     catch (const std::bad_alloc&)
     {
-        return problemFacts(hoSigningProblem::NoMemory);
+        return hoSigningProblem::NoMemory;
     }
 }
 
@@ -164,12 +157,12 @@ hoSigningFacts hoTestFile(const gtString& path, const hoKey& key, const gtString
     {
         gtString digestText;
         const hoSigningFacts facts = digestOfFile(path, key, pProgress, digestText);
-        isGood = (facts._problem == hoSigningProblem::None) && isSignatureOf(digestText, key, signature);
+        isGood = facts.isOk() && isSignatureOf(digestText, key, signature);
         return facts;
     }
     catch (const std::bad_alloc&)
     {
-        return problemFacts(hoSigningProblem::NoMemory);
+        return hoSigningProblem::NoMemory;
     }
 }
 
@@ -179,7 +172,7 @@ hoSigningFacts hoDigestOfFile(const gtString& path, const hoKey& key, hoIProgres
     {
         gtString newText;
         const hoSigningFacts facts = digestOfFile(path, key, pProgress, newText);
-        if (facts._problem == hoSigningProblem::None)
+        if (facts.isOk())
         {
             digestText = newText;
         }
@@ -187,6 +180,6 @@ hoSigningFacts hoDigestOfFile(const gtString& path, const hoKey& key, hoIProgres
     }
     catch (const std::bad_alloc&)
     {
-        return problemFacts(hoSigningProblem::NoMemory);
+        return hoSigningProblem::NoMemory;
     }
 }

@@ -10,6 +10,7 @@
 #include "host/keys/hoKeyFile.h"
 #include "platform/baseTools/gtString.h"
 #include "platform/osWrappers/osFileFacts.h"
+#include "platform/osWrappers/osResult.h"
 
 enum class hoSigningProblem
 {
@@ -25,12 +26,15 @@ enum class hoSigningProblem
 
 constexpr int hoSmallestSigningKeyBits = 128;
 
-struct hoSigningFacts
+struct hoSigningFacts : osResult<hoSigningProblem>
 {
-    hoSigningProblem _problem = hoSigningProblem::None;
     osFileProblem _fileProblem = osFileProblem::None;
-    int _systemError = 0;
-    osFileFacts _file;  // the file that was read, when the problem is None
+    osFileFacts _file;  // the file that was read, when there is no problem
+
+    using osResult::osResult;
+    hoSigningFacts() = default;
+    // The file cannot be read, for this reason.
+    explicit hoSigningFacts(const osFileResult& reading);
 };
 
 // Is told how far the reading of a file has got.
@@ -44,10 +48,10 @@ public:
 };
 
 // The signature of the file under the private key. It is tested with the public key before it is given out. signature is
-// written only when the problem is None; pProgress may be null.
+// written only when there is no problem; pProgress may be null.
 hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoIProgress* pProgress, gtString& signature);
 
-// Whether the signature is that of the file; isGood is true only when the problem is None. A signature that is malformed
+// Whether the signature is that of the file; isGood is true only when there is no problem. A signature that is malformed
 // or of another key is not good, which is no problem.
 hoSigningFacts hoTestFile(const gtString& path, const hoKey& key, const gtString& signature, hoIProgress* pProgress,
                           bool& isGood);

@@ -19,8 +19,8 @@ const std::size_t bytesInALine = 16;
 hoReadableText hoDecryptForReading(const crRSAEncryptionKey& key, const gtString& cipherText)
 {
     hoReadableText result;
-    result._problem = hoDecryptText(key, cipherText, result._bytes);
-    if (result._problem == hoTextProblem::None)
+    static_cast<hoTextResult&>(result) = hoDecryptText(key, cipherText, result._bytes);
+    if (result.isOk())
     {
         result._isText = hoIsReadable(result._bytes);
     }

@@ -9,9 +9,8 @@
 #include "host/signing/hoTextEncryption.h"
 #include "platform/baseTools/gtString.h"
 
-struct hoReadableText
+struct hoReadableText : hoTextResult
 {
-    hoTextProblem _problem = hoTextProblem::None;
     bool _isText = false;  // without a problem, and _bytes can be shown as text
     gtString _bytes;       // without a problem, and with DoesNotComeOut, what there is; else empty
 };

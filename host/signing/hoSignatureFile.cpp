@@ -13,17 +13,9 @@
 namespace
 {
 
-hoSignatureFileFacts problemFacts(hoSignatureFileProblem problem, int systemError)
+hoSignatureFileResult cannotBeWritten(int systemError)
 {
-    hoSignatureFileFacts facts;
-    facts._problem = problem;
-    facts._systemError = systemError;
-    return facts;
-}
-
-hoSignatureFileFacts cannotBeWritten(int systemError)
-{
-    return problemFacts(hoSignatureFileProblem::CannotBeWritten, systemError);
+    return hoSignatureFileResult(hoSignatureFileProblem::CannotBeWritten, systemError);
 }
 
 }  // namespace
@@ -35,38 +27,38 @@ gtString hoSignaturePath(const gtString& path)
     return result;
 }
 
-hoSignatureFileFacts hoReadSignatureFile(const gtString& path, gtString& signature)
+hoSignatureFileResult hoReadSignatureFile(const gtString& path, gtString& signature)
 {
     try
     {
         osFile file;
         if (!file.open(osFilePath(path), osChannel::OS_BINARY_CHANNEL, osFile::OS_OPEN_TO_READ))
         {
-            return problemFacts(hoSignatureFileProblem::CannotBeRead, file.errorNumber());
+            return hoSignatureFileResult(hoSignatureFileProblem::CannotBeRead, file.errorNumber());
         }
         std::string text(hoLargestSignatureFile + 1, '\0');
         unsigned long amountRead = 0;
         static_cast<void>(file.readAvailableData(text.data(), text.size(), amountRead));
         if (file.hasReadError())
         {
-            return problemFacts(hoSignatureFileProblem::CannotBeRead, file.errorNumber());
+            return hoSignatureFileResult(hoSignatureFileProblem::CannotBeRead, file.errorNumber());
         }
         if (amountRead > static_cast<unsigned long>(hoLargestSignatureFile))
         {
-            return problemFacts(hoSignatureFileProblem::TooLarge, 0);
+            return hoSignatureFileProblem::TooLarge;
         }
         text.resize(amountRead);
         text.resize(text.find_last_not_of(" \t\r\n") + 1);
         signature = gtString(text);
-        return hoSignatureFileFacts();
+        return hoSignatureFileProblem::None;
     }
     catch (const std::bad_alloc&)
     {
-        return problemFacts(hoSignatureFileProblem::NoMemory, 0);
+        return hoSignatureFileProblem::NoMemory;
     }
 }
 
-hoSignatureFileFacts hoCheckSignaturePath(const gtString& path, bool mayOverwrite)
+hoSignatureFileResult hoCheckSignaturePath(const gtString& path, bool mayOverwrite)
 {
     if (std::strlen(path.asCharArray()) != static_cast<std::size_t>(path.length()))
     {
@@ -75,34 +67,42 @@ hoSignatureFileFacts hoCheckSignaturePath(const gtString& path, bool mayOverwrit
     struct stat status = {};
     if (::stat(path.asCharArray(), &status) != 0)
     {
-        return hoSignatureFileFacts();
+        return hoSignatureFileProblem::None;
     }
     if (!S_ISREG(status.st_mode))
     {
-        return problemFacts(hoSignatureFileProblem::NotRegular, 0);
+        return hoSignatureFileProblem::NotRegular;
     }
-    return problemFacts(mayOverwrite ? hoSignatureFileProblem::None : hoSignatureFileProblem::Exists, 0);
+    return mayOverwrite ? hoSignatureFileProblem::None : hoSignatureFileProblem::Exists;
 }
 
-hoSignatureFileFacts hoWriteSignatureFile(const gtString& path, const gtString& signature, bool mayOverwrite)
+hoSignatureFileResult hoWriteSignatureFile(const gtString& path, const gtString& signature, bool mayOverwrite)
 {
     try
     {
-        const hoSignatureFileFacts check = hoCheckSignaturePath(path, mayOverwrite);
-        if (check._problem != hoSignatureFileProblem::None)
+        const hoSignatureFileResult check = hoCheckSignaturePath(path, mayOverwrite);
+        if (!check.isOk())
         {
             return check;
         }
-        const int error = osWriteFileAtomically(path, gtString(signature).append('\n').asStringView(), mayOverwrite);
-        if (error != 0)
+        const osWritingResult writing =
+            osWriteFileAtomically(path, gtString(signature).append('\n').asStringView(), mayOverwrite);
+        switch (writing._problem)
         {
-            return (!mayOverwrite && (error == EEXIST)) ? problemFacts(hoSignatureFileProblem::Exists, 0)
-                                                        : cannotBeWritten(error);
+        case osWritingProblem::None:
+            return hoSignatureFileProblem::None;
+        case osWritingProblem::Exists:
+            return hoSignatureFileProblem::Exists;
+        case osWritingProblem::IsFolder:
+        case osWritingProblem::NotRegular:
+            return hoSignatureFileProblem::NotRegular;
+        case osWritingProblem::CannotBeWritten:
+            break;
         }
-        return hoSignatureFileFacts();
+        return cannotBeWritten(writing._systemError);
     }
     catch (const std::bad_alloc&)
     {
-        return problemFacts(hoSignatureFileProblem::NoMemory, 0);
+        return hoSignatureFileProblem::NoMemory;
     }
 }

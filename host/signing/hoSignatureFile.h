@@ -7,6 +7,7 @@
 #define COUNTERSIGN_HO_SIGNATURE_FILE_H
 
 #include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osResult.h"
 
 enum class hoSignatureFileProblem
 {
@@ -21,24 +22,20 @@ enum class hoSignatureFileProblem
 
 constexpr long hoLargestSignatureFile = 1024 * 1024;
 
-struct hoSignatureFileFacts
-{
-    hoSignatureFileProblem _problem = hoSignatureFileProblem::None;
-    int _systemError = 0;  // of CannotBeRead and CannotBeWritten
-};
+using hoSignatureFileResult = osResult<hoSignatureFileProblem>;
 
 // The name of the file's signature file.
 gtString hoSignaturePath(const gtString& path);
 
 // The signature's text, without blanks and line ends behind it. What it says is not looked at.
-hoSignatureFileFacts hoReadSignatureFile(const gtString& path, gtString& signature);
+hoSignatureFileResult hoReadSignatureFile(const gtString& path, gtString& signature);
 
 // Whether hoWriteSignatureFile would refuse the name because of what is there; nothing is written. To be asked before a
 // file is read whose signature could not be written.
-hoSignatureFileFacts hoCheckSignaturePath(const gtString& path, bool mayOverwrite);
+hoSignatureFileResult hoCheckSignaturePath(const gtString& path, bool mayOverwrite);
 
 // Writes a line with the signature, whole or not at all, as osWriteFileAtomically does: a symbolic link to a file is
 // followed, and two that write at the same time without mayOverwrite do not overwrite each other.
-hoSignatureFileFacts hoWriteSignatureFile(const gtString& path, const gtString& signature, bool mayOverwrite);
+hoSignatureFileResult hoWriteSignatureFile(const gtString& path, const gtString& signature, bool mayOverwrite);
 
 #endif

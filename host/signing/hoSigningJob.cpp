@@ -135,14 +135,14 @@ void hoSigningJob::sign(const hoDocument& document, hoSigningOutcome& outcome)
     outcome._stamp = document._stamp;
     const gtString signaturePath = hoSignaturePath(document._path);
     outcome._signatureFile = hoCheckSignaturePath(signaturePath, _mayOverwrite);
-    if (outcome._signatureFile._problem != hoSignatureFileProblem::None)
+    if (!outcome._signatureFile.isOk())
     {
         return;
     }
 
     gtString signature;
     outcome._signing = hoSignFile(document._path, *_keys._pPrivateKey, this, signature);
-    if (outcome._signing._problem != hoSigningProblem::None)
+    if (!outcome._signing.isOk())
     {
         if (outcome._signing._problem == hoSigningProblem::FileCannotBeRead)
         {
@@ -162,14 +162,14 @@ void hoSigningJob::test(const hoDocument& document, hoSigningOutcome& outcome)
     const osFileFacts signatureBefore = signatureFacts(document._path);
     gtString signature;
     outcome._signatureFile = hoReadSignatureFile(hoSignaturePath(document._path), signature);
-    if (outcome._signatureFile._problem != hoSignatureFileProblem::None)
+    if (!outcome._signatureFile.isOk())
     {
         const bool isMissing = outcome._signatureFile._problem == hoSignatureFileProblem::CannotBeRead &&
                                outcome._signatureFile._systemError == ENOENT;
         outcome._stamp._state = isMissing ? hoDocumentState::NotSigned : hoDocumentState::NotTested;
         if (isMissing)
         {
-            outcome._signatureFile = hoSignatureFileFacts();
+            outcome._signatureFile = hoSignatureFileResult();
         }
         return;
     }
@@ -181,7 +181,7 @@ void hoSigningJob::test(const hoDocument& document, hoSigningOutcome& outcome)
     {
         outcome._stamp._state = hoDocumentState::CannotBeRead;
     }
-    else if (outcome._signing._problem != hoSigningProblem::None)
+    else if (!outcome._signing.isOk())
     {
         outcome._stamp._state = hoDocumentState::NotTested;
     }
@@ -210,7 +210,7 @@ bool hoSigningJob::testWithKeys(const gtString& path, const gtString& signature,
         }
         bool good = false;
         outcome._signing = hoTestFile(path, *pKey, signature, this, good);
-        if (outcome._signing._problem != hoSigningProblem::None)
+        if (!outcome._signing.isOk())
         {
             return false;
         }

@@ -24,7 +24,7 @@ struct hoSigningOutcome
     gtString _path;
     hoDocumentStamp _stamp;   // the state, and what it was established on
     hoSigningFacts _signing;  // why it could not be established, if it could not
-    hoSignatureFileFacts _signatureFile;
+    hoSignatureFileResult _signatureFile;
 };
 
 class hoSigningJob : private hoIProgress

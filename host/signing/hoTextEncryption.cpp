@@ -61,7 +61,7 @@ int hoLengthOfCipherText(const crRSAEncryptionKey& key)
     return crCharactersPerDigit * (1 + key.amountOfProductDigits());
 }
 
-hoTextProblem hoEncryptText(const crRSAEncryptionKey& key, const gtString& text, gtString& cipherText)
+hoTextResult hoEncryptText(const crRSAEncryptionKey& key, const gtString& text, gtString& cipherText)
 {
     if (text.length() > hoLongestText(key))
     {
@@ -85,7 +85,7 @@ hoTextProblem hoEncryptText(const crRSAEncryptionKey& key, const gtString& text,
     return crRSAStringEncryptor(key).encrypt(text, cipherText) ? hoTextProblem::None : hoTextProblem::NoMemory;
 }
 
-hoTextProblem hoDecryptText(const crRSAEncryptionKey& key, const gtString& cipherText, gtString& text)
+hoTextResult hoDecryptText(const crRSAEncryptionKey& key, const gtString& cipherText, gtString& text)
 {
     try
     {

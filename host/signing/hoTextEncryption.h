@@ -7,6 +7,7 @@
 #define COUNTERSIGN_HO_TEXT_ENCRYPTION_H
 
 #include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osResult.h"
 
 class crRSAEncryptionKey;
 
@@ -22,18 +23,20 @@ enum class hoTextProblem
     NoMemory
 };
 
+using hoTextResult = osResult<hoTextProblem>;
+
 // The most bytes that come back with this key: all of a block but the marker.
 int hoLongestText(const crRSAEncryptionKey& key);
 
 // The characters of a cipher text with this key, if the text is not empty.
 int hoLengthOfCipherText(const crRSAEncryptionKey& key);
 
-// cipherText is written only when the problem is None.
-hoTextProblem hoEncryptText(const crRSAEncryptionKey& key, const gtString& text, gtString& cipherText);
+// cipherText is written only when there is no problem.
+hoTextResult hoEncryptText(const crRSAEncryptionKey& key, const gtString& text, gtString& cipherText);
 
-// text is written only when the problem is None. Blanks and line ends around the cipher text, as copying leaves them,
+// text is written only when there is no problem. Blanks and line ends around the cipher text, as copying leaves them,
 // do no harm. A wrong key is found out by what fills the block behind the text, so hardly ever missed; only a text of
 // the greatest length leaves nothing to look at but its length.
-hoTextProblem hoDecryptText(const crRSAEncryptionKey& key, const gtString& cipherText, gtString& text);
+hoTextResult hoDecryptText(const crRSAEncryptionKey& key, const gtString& cipherText, gtString& text);
 
 #endif

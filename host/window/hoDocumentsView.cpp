@@ -79,9 +79,9 @@ std::vector<gtString> hoDocumentsView::chooseDocuments(const gtString& folder)
 std::size_t hoDocumentsView::open(const gtString& path)
 {
     const hoDocumentList::Opening opening = _documents.open(path);
-    if (opening._problem != osFileProblem::None)
+    if (!opening._result.isOk())
     {
-        _callbacks._onRefused(path, opening._problem);
+        _callbacks._onRefused(path, opening._result);
     }
     else
     {

@@ -24,9 +24,9 @@ class hoDocumentsView : public wxSimplebook
 public:
     struct Callbacks
     {
-        std::function<void(const gtString& path, osFileProblem problem)> _onRefused;  // it could not be opened
-        std::function<void(const hoDocument& document)> _onOpened;                    // also if it was open already
-        std::function<void()> _onChange;  // documents, their states, or what is selected
+        std::function<void(const gtString& path, const osFileResult& result)> _onRefused;  // it could not be opened
+        std::function<void(const hoDocument& document)> _onOpened;  // also if it was open already
+        std::function<void()> _onChange;                            // documents, their states, or what is selected
     };
 
     hoDocumentsView(wxWindow* pParent, Callbacks callbacks);

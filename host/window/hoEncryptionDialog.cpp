@@ -136,17 +136,17 @@ void hoEncryptionDialog::encrypt()
     }
     gtString text = gtBytesFromText(_pPlain->GetValue());
     gtString cipherText;
-    const hoTextProblem problem = hoEncryptText(*encryptingKey(), text, cipherText);
+    const hoTextResult result = hoEncryptText(*encryptingKey(), text, cipherText);
     const int length = text.length();
     gtWipe(text);
-    if (problem == hoTextProblem::None)
+    if (result.isOk())
     {
         _pCipher->ChangeValue(wxString::FromAscii(cipherText.asCharArray()));
         say("Encrypted.");
     }
     else
     {
-        say(sentence(hoEncryptionReason(problem, *encryptingKey(), length)));
+        say(sentence(hoEncryptionReason(result._problem, *encryptingKey(), length)));
     }
 }
 

@@ -22,9 +22,9 @@ const std::size_t mostRefusalsListed = 1000;
 
 hoMessageBar::hoMessageBar(wxFrame& frame) : _frame(frame), _pBar(nullptr) {}
 
-void hoMessageBar::addRefusal(const gtString& path, osFileProblem problem)
+void hoMessageBar::addRefusal(const gtString& path, const osFileResult& result)
 {
-    _refusals.emplace_back(path, problem);
+    _refusals.emplace_back(path, result);
 }
 
 void hoMessageBar::clear()

@@ -26,7 +26,7 @@ public:
     hoMessageBar(const hoMessageBar&) = delete;
     hoMessageBar& operator=(const hoMessageBar&) = delete;
 
-    void addRefusal(const gtString& path, osFileProblem problem);
+    void addRefusal(const gtString& path, const osFileResult& result);
     void setResult(const hoSummary& result) { _result = result; }
     void setKeyWarning(const hoSummary& warning) { _keyWarning = warning; }
     void clear();
@@ -47,8 +47,8 @@ private:
     void OnDetails(wxCommandEvent& event);
 
     wxFrame& _frame;
-    wxInfoBar* _pBar;                                           // belongs to the frame; null until it is needed
-    std::vector<std::pair<gtString, osFileProblem>> _refusals;  // the documents that could not be opened
+    wxInfoBar* _pBar;                                          // belongs to the frame; null until it is needed
+    std::vector<std::pair<gtString, osFileResult>> _refusals;  // the documents that could not be opened
     hoSummary _result;
     hoSummary _keyWarning;
 };

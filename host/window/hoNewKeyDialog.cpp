@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoNewKeyDialog.h"
 
+#include "host/messages/hoMessages.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoTypedSecret.h"
 #include "platform/toolkit/gtTextConversion.h"
@@ -237,21 +238,18 @@ bool hoNewKeyDialog::askToReplace(const gtString& path)
 void hoNewKeyDialog::writeFiles()
 {
     gtString path = privateKeyPath();
-    hoNewKeyPair::Writing writing = _pPair->writePrivateKey(path, hoTypedSecret(*_pPassphrase).text(), _mayOverwrite);
-    if (writing == hoNewKeyPair::Writing::Done)
+    osWritingResult writing = _pPair->writePrivateKey(path, hoTypedSecret(*_pPassphrase).text(), _mayOverwrite);
+    if (writing.isOk())
     {
         path = publicKeyPath();
         writing = _pPair->writePublicKey(path, _mayOverwrite);
     }
-    if (writing == hoNewKeyPair::Writing::Done)
+    if (writing.isOk())
     {
         EndModal(wxID_OK);
         return;
     }
-    say(hoDisplayText(path, 60) +
-        (writing == hoNewKeyPair::Writing::Exists
-             ? wxString(" is there already and was kept.")
-             : " cannot be written: " + wxString::FromUTF8(std::generic_category().message(_pPair->systemError()))));
+    say(hoDisplayText(path, 60) + ": " + gtTextFromBytes(hoWritingReason(writing)) + ".");
 }
 
 void hoNewKeyDialog::say(const wxString& text)

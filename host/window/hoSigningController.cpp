@@ -96,7 +96,7 @@ bool hoSigningController::askAboutSignatures(const std::vector<hoDocument>& docu
     std::size_t alreadySigned = 0;
     for (const hoDocument& document : documents)
     {
-        const hoSignatureFileFacts signature = hoCheckSignaturePath(hoSignaturePath(document._path), false);
+        const hoSignatureFileResult signature = hoCheckSignaturePath(hoSignaturePath(document._path), false);
         alreadySigned += signature._problem == hoSignatureFileProblem::Exists ? 1 : 0;
     }
     if (alreadySigned == 0)

@@ -10,11 +10,11 @@ namespace
 {
 wxString outcomeText(const hoSigningOutcome& outcome)
 {
-    if (outcome._signing._problem != hoSigningProblem::None)
+    if (!outcome._signing.isOk())
     {
         return gtTextFromBytes(hoSigningReason(outcome._signing));
     }
-    if (outcome._signatureFile._problem != hoSignatureFileProblem::None)
+    if (!outcome._signatureFile.isOk())
     {
         return hoDisplayText(hoLastComponent(hoSignaturePath(outcome._path)), 60) + ": " +
                gtTextFromBytes(hoSignatureFileReason(outcome._signatureFile));
@@ -95,8 +95,7 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
     for (const hoSigningOutcome& outcome : outcomes)
     {
         const bool isKept = outcome._signatureFile._problem == hoSignatureFileProblem::Exists;
-        const bool isFailed = outcome._signing._problem != hoSigningProblem::None ||
-                              (outcome._signatureFile._problem != hoSignatureFileProblem::None && !isKept);
+        const bool isFailed = !outcome._signing.isOk() || (!outcome._signatureFile.isOk() && !isKept);
         const hoDocumentState state = outcome._stamp._state;
         kept += isKept ? 1U : 0U;
         failed += isFailed || (!isKept && state == hoDocumentState::Changed) ? 1U : 0U;

@@ -132,20 +132,32 @@ void bringFolderToDisk(const std::string& folder)
     }
 }
 
+osWritingResult exists()
+{
+    return osWritingResult(osWritingProblem::Exists, EEXIST);
+}
+
+osWritingResult refusal(int error)
+{
+    return osWritingResult(osWritingProblem::CannotBeWritten, error);
+}
+
 }  // namespace
 
-int osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite, unsigned int rights)
+osWritingResult osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite,
+                                      unsigned int rights)
 {
     struct stat status = {};
     if (::stat(path.asCharArray(), &status) == 0)
     {
         if (!S_ISREG(status.st_mode))
         {
-            return S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+            return S_ISDIR(status.st_mode) ? osWritingResult(osWritingProblem::IsFolder, EISDIR)
+                                           : osWritingResult(osWritingProblem::NotRegular, EINVAL);
         }
         if (!mayOverwrite)
         {
-            return EEXIST;
+            return exists();
         }
     }
     const std::string wanted = mayOverwrite ? followLinks(path.asStdString()) : path.asStdString();
@@ -155,18 +167,20 @@ int osWriteFileAtomically(const gtString& path, std::string_view bytes, bool may
     const int descriptor = createBeside(folder, rights, newPath);
     if (descriptor < 0)
     {
-        return errno;
+        return refusal(errno);
     }
     int error = ((rights != 0) && (::fchmod(descriptor, rights) != 0)) ? errno : writeWhole(descriptor, bytes);
     if ((::close(descriptor) != 0) && (error == 0) && (errno != EINTR))
     {
         error = errno;
     }
+    bool isTaken = false;
     if (error == 0)
     {
         if (!mayOverwrite)
         {
             error = nameWithoutOverwriting(newPath, wanted);
+            isTaken = error == EEXIST;
         }
         else if (::rename(newPath.c_str(), wanted.c_str()) != 0)
         {
@@ -176,8 +190,8 @@ int osWriteFileAtomically(const gtString& path, std::string_view bytes, bool may
     if (error != 0)
     {
         ::unlink(newPath.c_str());
-        return error;
+        return isTaken ? exists() : refusal(error);
     }
     bringFolderToDisk(folder);
-    return 0;
+    return osWritingResult();
 }

@@ -7,21 +7,35 @@
 #define OS_ATOMIC_FILE_H
 
 #include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osResult.h"
 
 #include <string_view>
 
 #pragma GCC visibility push(default)
 
+enum class osWritingProblem
+{
+    None,
+    Exists,          // something has that name, and overwriting was not allowed
+    IsFolder,        // a folder has that name
+    NotRegular,      // a pipe, a socket or a device has that name
+    CannotBeWritten  // the system refused
+};
+
+// A problem has a system error in any case: EEXIST, EISDIR and EINVAL stand for those that are found without the system.
+
+using osWritingResult = osResult<osWritingProblem>;
+
 // Writes the bytes into a new file beside the wanted one, brings it to the disk and only then gives it its name: there
 // is never half a file under that name, and what was there before stays until the new one is whole. Whatever fails, the
 // new file is removed again. A symbolic link to a file is followed when overwriting.
-// 0, or the system's error number: EEXIST when there is something and mayOverwrite is false; EISDIR or EINVAL for a
-// folder or another thing that is no regular file, which is not replaced in any case.
+// What is there and no regular file is not replaced in any case.
 // Two that write at the same time without mayOverwrite do not overwrite each other, on any file system: the name is
 // given by a hard link, or where there are none by a renaming that replaces nothing, or where there is neither, by taking
 // the name with an empty file first. That last way is the only one on which others may see an empty file for a moment.
 // rights: the file's, whatever the umask is; 0: as the umask gives them. Nobody else can open the file before it has them.
-int osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite, unsigned int rights = 0);
+osWritingResult osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite,
+                                      unsigned int rights = 0);
 
 #pragma GCC visibility pop
 

@@ -32,6 +32,11 @@ osFileProblem problemOf(int error)
     }
 }
 
+osFileResult refusal(int error)
+{
+    return osFileResult(problemOf(error), error);
+}
+
 osFileProblem problemOfKind(const struct stat& entry)
 {
     if (S_ISDIR(entry.st_mode))
@@ -82,7 +87,7 @@ bool osFileFacts::operator==(const osFileFacts& other) const
            _fileNumber == other._fileNumber;
 }
 
-osFileProblem osReadFileFacts(const gtString& path, osFileFacts& facts)
+osFileResult osReadFileFacts(const gtString& path, osFileFacts& facts)
 {
     if (path.isEmpty())
     {
@@ -96,13 +101,13 @@ osFileProblem osReadFileFacts(const gtString& path, osFileFacts& facts)
     struct stat entry;
     if (stat(path.asCharArray(), &entry) != 0)
     {
-        const osFileProblem problem = problemOf(errno);
-        return problem == osFileProblem::NotThere && isAddress(path) ? osFileProblem::NotLocal : problem;
+        const osFileResult result = refusal(errno);
+        return result._problem == osFileProblem::NotThere && isAddress(path) ? osFileProblem::NotLocal : result;
     }
-    osFileProblem problem = problemOfKind(entry);
-    if (problem != osFileProblem::None)
+    osFileResult result = problemOfKind(entry);
+    if (!result.isOk())
     {
-        return problem;
+        return result;
     }
 
     // The name may have passed to a pipe in between: opening must not wait for its other end.
@@ -113,15 +118,15 @@ osFileProblem osReadFileFacts(const gtString& path, osFileFacts& facts)
     } while ((file < 0) && (errno == EINTR));
     if (file < 0)
     {
-        return problemOf(errno);
+        return refusal(errno);
     }
-    problem = fstat(file, &entry) == 0 ? problemOfKind(entry) : problemOf(errno);
+    result = fstat(file, &entry) == 0 ? osFileResult(problemOfKind(entry)) : refusal(errno);
     close(file);
-    if (problem == osFileProblem::None)
+    if (result.isOk())
     {
         facts = factsOf(entry);
     }
-    return problem;
+    return result;
 }
 
 gtString osAbsolutePath(const gtString& path)

@@ -8,6 +8,7 @@
 #define OS_FILE_FACTS_H
 
 #include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osResult.h"
 
 #include <cstdint>
 
@@ -27,6 +28,8 @@ enum class osFileProblem
     CannotBeRead   // anything else that the system refuses
 };
 
+using osFileResult = osResult<osFileProblem>;
+
 // Two readings of the same file that compare equal mean that its bytes are still the ones of the first reading, as far
 // as a file system can tell without reading them.
 struct osFileFacts
@@ -44,8 +47,8 @@ struct osFileFacts
 };
 
 // Reads the facts of the regular file at path, following symbolic links, and makes sure that it may be read.
-// facts is written only when the result is osFileProblem::None.
-osFileProblem osReadFileFacts(const gtString& path, osFileFacts& facts);
+// facts is written only when there is no problem.
+osFileResult osReadFileFacts(const gtString& path, osFileFacts& facts);
 
 // path made absolute: the folder with its symbolic links and dots resolved, then the last component as given. Two
 // spellings of the same entry of the same folder thus become equal, while a symbolic link stays the document that was

@@ -52,7 +52,7 @@ TEST_F(Secrets, OfAKeyAreGoneWithIt)
         EXPECT_EQ(hoSignFile(gtString((_folder / "report").c_str()), *pKey, nullptr, signature)._problem,
                   hoSigningProblem::None);
         gtString cipher;
-        EXPECT_EQ(hoEncryptText(pKey->privateKey(), "text", cipher), hoTextProblem::None);
+        EXPECT_EQ(hoEncryptText(pKey->privateKey(), "text", cipher)._problem, hoTextProblem::None);
         EXPECT_EQ(tsTimesInMemory(secrets[0]), 1) << "there is one place for a private exponent";
         pKey.reset();
         for (const tsSecret& secret : secrets)

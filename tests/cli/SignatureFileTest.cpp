@@ -127,7 +127,7 @@ TEST_F(SignatureFile, ReplacesNothingButFiles)
 
 TEST_F(SignatureFile, NeedsAFolder)
 {
-    const hoSignatureFileFacts facts = hoWriteSignatureFile(path("missing/a.sig"), "new", false);
+    const hoSignatureFileResult facts = hoWriteSignatureFile(path("missing/a.sig"), "new", false);
     EXPECT_EQ(facts._problem, hoSignatureFileProblem::CannotBeWritten);
     EXPECT_EQ(facts._systemError, ENOENT);
     EXPECT_EQ(hoWriteSignatureFile("", "new", false)._problem, hoSignatureFileProblem::CannotBeWritten);
@@ -148,8 +148,8 @@ TEST_F(SignatureFile, LeavesNothingBehindWhenItCannotBeWritten)
     tight.rlim_cur = 2;
     ASSERT_NE(signal(SIGXFSZ, SIG_IGN), SIG_ERR);
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tight), 0);
-    const hoSignatureFileFacts overwriting = hoWriteSignatureFile(path("a.sig"), "a new signature", true);
-    const hoSignatureFileFacts writing = hoWriteSignatureFile(path("b.sig"), "a new signature", false);
+    const hoSignatureFileResult overwriting = hoWriteSignatureFile(path("a.sig"), "a new signature", true);
+    const hoSignatureFileResult writing = hoWriteSignatureFile(path("b.sig"), "a new signature", false);
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
     EXPECT_EQ(overwriting._problem, hoSignatureFileProblem::CannotBeWritten);
     EXPECT_EQ(overwriting._systemError, EFBIG);

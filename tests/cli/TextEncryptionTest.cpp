@@ -35,11 +35,12 @@ protected:
     std::string encrypted(const std::string& text) const
     {
         gtString cipher;
-        EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString(text), cipher), hoTextProblem::None) << text.size();
+        EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString(text), cipher)._problem, hoTextProblem::None)
+            << text.size();
         return cipher.asStdString();
     }
 
-    hoTextProblem decrypt(const std::string& cipher, gtString& text) const
+    hoTextResult decrypt(const std::string& cipher, gtString& text) const
     {
         return hoDecryptText(_pKey->privateKey(), gtString(cipher), text);
     }
@@ -62,7 +63,7 @@ TEST_F(TextEncryption, BringsBackEveryLengthUpToTheLimit)
         const std::string cipher = encrypted(text);
         EXPECT_EQ(cipher.size(), (length == 0) ? 8U : 136U);
         gtString back("left over");
-        EXPECT_EQ(decrypt(cipher, back), hoTextProblem::None);
+        EXPECT_EQ(decrypt(cipher, back)._problem, hoTextProblem::None);
         EXPECT_EQ(back.asStdString(), text);
     }
 }
@@ -70,28 +71,29 @@ TEST_F(TextEncryption, BringsBackEveryLengthUpToTheLimit)
 TEST_F(TextEncryption, RefusesWhatWouldNotComeBack)
 {
     gtString cipher("kept");
-    EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString(std::string(64, 'x')), cipher), hoTextProblem::TooLong);
-    EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString("a\0b", 3), cipher), hoTextProblem::HoldsNul);
-    EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString(std::string(62, 'x') + "\xff"), cipher),
+    EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString(std::string(64, 'x')), cipher)._problem,
+              hoTextProblem::TooLong);
+    EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString("a\0b", 3), cipher)._problem, hoTextProblem::HoldsNul);
+    EXPECT_EQ(hoEncryptText(_pKey->publicKey(), gtString(std::string(62, 'x') + "\xff"), cipher)._problem,
               hoTextProblem::TooLargeForKey);
     EXPECT_EQ(cipher, gtString("kept"));
     // One byte less, and the filler is on top.
     gtString back;
-    EXPECT_EQ(decrypt(encrypted(std::string(61, 'x') + "\xff"), back), hoTextProblem::None);
+    EXPECT_EQ(decrypt(encrypted(std::string(61, 'x') + "\xff"), back)._problem, hoTextProblem::None);
     EXPECT_EQ(back.asStdString(), std::string(61, 'x') + "\xff");
 }
 
 TEST_F(TextEncryption, DecryptsWhatWasCopiedWithBlanks)
 {
     gtString back;
-    EXPECT_EQ(decrypt(" \n" + encrypted("copied") + "\r\n ", back), hoTextProblem::None);
+    EXPECT_EQ(decrypt(" \n" + encrypted("copied") + "\r\n ", back)._problem, hoTextProblem::None);
     EXPECT_EQ(back, gtString("copied"));
     std::string upperCase = encrypted("copied");
     for (char& character : upperCase)
     {
         character = static_cast<char>(toupper(character));
     }
-    EXPECT_EQ(decrypt(upperCase, back), hoTextProblem::None);
+    EXPECT_EQ(decrypt(upperCase, back)._problem, hoTextProblem::None);
     EXPECT_EQ(back, gtString("copied"));
 }
 
@@ -102,13 +104,13 @@ TEST_F(TextEncryption, RefusesWhatIsNoCipherText)
     for (const std::string& text : {std::string(), std::string("0000000"), std::string("no cipher text"),
                                     cipher.substr(0, 40) + " " + cipher.substr(40), "0x" + cipher.substr(2)})
     {
-        EXPECT_EQ(decrypt(text, back), hoTextProblem::NotACipherText) << text;
+        EXPECT_EQ(decrypt(text, back)._problem, hoTextProblem::NotACipherText) << text;
     }
     for (const std::string& text :
          {cipher.substr(0, 135), cipher + "0", "00000000" + cipher.substr(8), "00000040" + cipher.substr(8),
           "ffffffff" + cipher.substr(8), std::string("00000004"), std::string("000000001")})
     {
-        EXPECT_EQ(decrypt(text, back), hoTextProblem::OtherSize) << text;
+        EXPECT_EQ(decrypt(text, back)._problem, hoTextProblem::OtherSize) << text;
     }
     EXPECT_EQ(back, gtString("kept"));
 }
@@ -119,13 +121,13 @@ TEST_F(TextEncryption, FindsWrongKeysAndDamage)
     for (std::size_t length = 1; length < 60; length++)
     {
         const std::string cipher = encrypted(std::string(length, 'x'));
-        EXPECT_EQ(hoDecryptText(_pOther->privateKey(), gtString(cipher), back), hoTextProblem::DoesNotComeOut);
-        EXPECT_EQ(hoDecryptText(_pKey->publicKey(), gtString(cipher), back), hoTextProblem::DoesNotComeOut);
+        EXPECT_EQ(hoDecryptText(_pOther->privateKey(), gtString(cipher), back)._problem, hoTextProblem::DoesNotComeOut);
+        EXPECT_EQ(hoDecryptText(_pKey->publicKey(), gtString(cipher), back)._problem, hoTextProblem::DoesNotComeOut);
         std::string damaged = cipher;
         damaged[8 + length] = (damaged[8 + length] == '0') ? '1' : '0';
-        EXPECT_EQ(decrypt(damaged, back), hoTextProblem::DoesNotComeOut);
+        EXPECT_EQ(decrypt(damaged, back)._problem, hoTextProblem::DoesNotComeOut);
     }
     // A length that is too long takes fillers for text; one that is too short finds text among them.
-    EXPECT_EQ(decrypt("00000003" + encrypted("four").substr(8), back), hoTextProblem::DoesNotComeOut);
+    EXPECT_EQ(decrypt("00000003" + encrypted("four").substr(8), back)._problem, hoTextProblem::DoesNotComeOut);
     EXPECT_EQ(back, gtString("kept"));
 }

@@ -507,14 +507,14 @@ TEST_F(WindowEngineFaults, LeaveAWholeKeyOrTheOneBefore)
         std::this_thread::yield();
     }
     ASSERT_TRUE(pair.isMade());
-    ASSERT_EQ(pair.writePrivateKey(_folder.path("key.pem").c_str(), "", false), hoNewKeyPair::Writing::Done);
+    ASSERT_EQ(pair.writePrivateKey(_folder.path("key.pem").c_str(), "", false)._problem, osWritingProblem::None);
     const std::string whole = _folder.read("key.pem");
     int amount = 0;
     for (const std::string& before : {std::string(), std::string("old")})
     {
         for (const Fault& fault : faults)
         {
-            hoNewKeyPair::Writing writing = hoNewKeyPair::Writing::Failed;
+            osWritingResult writing;
             amount += failEach(
                 _folder.path(), fault,
                 [&]
@@ -530,8 +530,8 @@ TEST_F(WindowEngineFaults, LeaveAWholeKeyOrTheOneBefore)
                 {
                     const std::string now = contentsOf(_folder)["key.pem"];
                     EXPECT_TRUE(now == before || now == whole) << now;
-                    EXPECT_TRUE(writing != hoNewKeyPair::Writing::Done || now == whole);
-                    EXPECT_TRUE(writing == hoNewKeyPair::Writing::Done || pair.systemError() != 0);
+                    EXPECT_TRUE(!writing.isOk() || now == whole);
+                    EXPECT_TRUE(writing.isOk() || writing._systemError != 0);
                     EXPECT_LE(contentsOf(_folder).size(), 5U);
                 });
         }

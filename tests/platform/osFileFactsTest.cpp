@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -22,7 +24,7 @@ gtString text(const std::string& bytes)
 osFileProblem problemOf(const std::string& path)
 {
     osFileFacts facts;
-    return osReadFileFacts(text(path), facts);
+    return osReadFileFacts(text(path), facts)._problem;
 }
 
 std::string absolute(const std::string& path)
@@ -41,7 +43,7 @@ TEST(FileFacts, AreThoseOfTheFile)
     ASSERT_EQ(stat(path.c_str(), &entry), 0);
 
     osFileFacts facts;
-    ASSERT_EQ(osReadFileFacts(text(path), facts), osFileProblem::None);
+    ASSERT_EQ(osReadFileFacts(text(path), facts)._problem, osFileProblem::None);
     EXPECT_EQ(facts._size, 12U);
     EXPECT_EQ(facts._modifiedSeconds, 1234567890);
     EXPECT_EQ(facts._modifiedNanoseconds, 123456789);
@@ -54,7 +56,7 @@ TEST(FileFacts, AnEmptyFileIsADocument)
     const TemporaryFolder folder;
     osFileFacts facts;
     facts._size = 7;
-    EXPECT_EQ(osReadFileFacts(text(folder.write("empty", "")), facts), osFileProblem::None);
+    EXPECT_EQ(osReadFileFacts(text(folder.write("empty", "")), facts)._problem, osFileProblem::None);
     EXPECT_EQ(facts._size, 0U);
 }
 
@@ -65,9 +67,9 @@ TEST(FileFacts, TellAChangedFileEvenIfSizeAndTimeAreTheSame)
     const struct timespec times[2] = {{1000000000, 5}, {1234567890, 123456789}};
     ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
     osFileFacts before;
-    ASSERT_EQ(osReadFileFacts(text(path), before), osFileProblem::None);
+    ASSERT_EQ(osReadFileFacts(text(path), before)._problem, osFileProblem::None);
     osFileFacts same;
-    ASSERT_EQ(osReadFileFacts(text(path), same), osFileProblem::None);
+    ASSERT_EQ(osReadFileFacts(text(path), same)._problem, osFileProblem::None);
     EXPECT_EQ(before, same);
 
     // Another file under the same name, with the same size and time.
@@ -75,7 +77,7 @@ TEST(FileFacts, TellAChangedFileEvenIfSizeAndTimeAreTheSame)
     ASSERT_EQ(utimensat(AT_FDCWD, other.c_str(), times, 0), 0);
     std::filesystem::rename(other, path);
     osFileFacts after;
-    ASSERT_EQ(osReadFileFacts(text(path), after), osFileProblem::None);
+    ASSERT_EQ(osReadFileFacts(text(path), after)._problem, osFileProblem::None);
     EXPECT_NE(before, after);
 }
 
@@ -119,6 +121,20 @@ TEST(FileFacts, NameWhatIsWrongWithAPath)
     EXPECT_EQ(problemOf(folder.path("dangling")), osFileProblem::NotThere);
 }
 
+TEST(FileFacts, TellTheSystemsErrorWhereTheSystemRefuses)
+{
+    const TemporaryFolder folder;
+    osFileFacts facts;
+    errno = EAGAIN;
+    EXPECT_EQ(osReadFileFacts(text(folder.path("missing")), facts)._systemError, ENOENT);
+    EXPECT_EQ(osReadFileFacts(text(folder.write("file", "x") + "/below"), facts)._systemError, ENOTDIR);
+    // The rest is found without the system.
+    errno = EAGAIN;
+    EXPECT_EQ(osReadFileFacts("", facts)._systemError, 0);
+    EXPECT_EQ(osReadFileFacts(text(folder.path()), facts)._systemError, 0);
+    EXPECT_EQ(osReadFileFacts(text(folder.path("file")), facts)._systemError, 0);
+}
+
 TEST(FileFacts, RefuseWhatMayNotBeRead)
 {
     const TemporaryFolder folder;
@@ -141,7 +157,7 @@ TEST(FileFacts, AreNotTouchedByAFailure)
 {
     osFileFacts facts;
     facts._size = 42;
-    EXPECT_EQ(osReadFileFacts(text("/"), facts), osFileProblem::IsFolder);
+    EXPECT_EQ(osReadFileFacts(text("/"), facts)._problem, osFileProblem::IsFolder);
     EXPECT_EQ(facts._size, 42U);
 }
 

@@ -34,7 +34,7 @@ protected:
         ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
         const std::size_t before = _list.size();
         const hoDocumentList::Opening opening = _list.open(path.c_str());
-        EXPECT_EQ(opening._problem, osFileProblem::None);
+        EXPECT_EQ(opening._result._problem, osFileProblem::None);
         EXPECT_EQ(opening._position, before);
         EXPECT_TRUE(opening._isNew);
         EXPECT_EQ(_list.size(), before + 1);
@@ -73,7 +73,7 @@ TEST_F(DocumentList, FindsADocumentThatIsOpenAlready)
     for (const std::string& path : {_folder.path("a"), _folder.path("./a"), _folder.path("here/here/a")})
     {
         const hoDocumentList::Opening opening = _list.open(path.c_str());
-        EXPECT_EQ(opening._problem, osFileProblem::None);
+        EXPECT_EQ(opening._result._problem, osFileProblem::None);
         EXPECT_EQ(opening._position, 0U);
         EXPECT_FALSE(opening._isNew);
         EXPECT_EQ(_list.find(path.c_str()), 0U);
@@ -95,7 +95,7 @@ TEST_F(DocumentList, HasNoRowForWhatCannotBeOpened)
     for (const std::string& path : {std::string(), _folder.path(), _folder.path("pipe"), _folder.path("missing")})
     {
         const hoDocumentList::Opening opening = _list.open(path.c_str());
-        EXPECT_NE(opening._problem, osFileProblem::None);
+        EXPECT_NE(opening._result._problem, osFileProblem::None);
         EXPECT_EQ(opening._position, hoDocumentList::nowhere);
         EXPECT_FALSE(opening._isNew);
     }
@@ -106,7 +106,7 @@ TEST_F(DocumentList, KeepsADocumentWhoseFileWentAway)
 {
     openNew("a", "five!");
     std::filesystem::remove(_folder.path("a"));
-    EXPECT_EQ(_list.open(_folder.path("a").c_str())._problem, osFileProblem::NotThere);
+    EXPECT_EQ(_list.open(_folder.path("a").c_str())._result._problem, osFileProblem::NotThere);
     EXPECT_EQ(_list.size(), 1U);
     EXPECT_EQ(_list[0]._facts._size, 5U);
 }

@@ -12,7 +12,6 @@
 
 namespace
 {
-using Writing = hoNewKeyPair::Writing;
 
 class Source : public hoIPassphraseSource
 {
@@ -45,8 +44,8 @@ TEST(NewKeyPair, CanBeLoaded)
     hoNewKeyPair pair(1024);
     waitFor(pair);
     ASSERT_TRUE(pair.isMade());
-    ASSERT_EQ(pair.writePrivateKey(folder.path("key").c_str(), "", false), Writing::Done);
-    ASSERT_EQ(pair.writePublicKey(folder.path("pub").c_str(), false), Writing::Done);
+    ASSERT_EQ(pair.writePrivateKey(folder.path("key").c_str(), "", false)._problem, osWritingProblem::None);
+    ASSERT_EQ(pair.writePublicKey(folder.path("pub").c_str(), false)._problem, osWritingProblem::None);
     EXPECT_EQ(rights(folder.path("key")), 0600U);
     EXPECT_EQ(rights(folder.path("pub")), 0644U);
 
@@ -67,7 +66,7 @@ TEST(NewKeyPair, CanBeEncrypted)
     const TemporaryFolder folder;
     hoNewKeyPair pair(512);
     waitFor(pair);
-    ASSERT_EQ(pair.writePrivateKey(folder.path("key").c_str(), "sesame", false), Writing::Done);
+    ASSERT_EQ(pair.writePrivateKey(folder.path("key").c_str(), "sesame", false)._problem, osWritingProblem::None);
     hoKeyFileFacts facts;
     EXPECT_EQ(hoLoadKeyFile(folder.path("key").c_str(), nullptr, facts), nullptr);
     EXPECT_EQ(facts._problem, hoKeyFileProblem::PassphraseNeeded);
@@ -81,11 +80,12 @@ TEST(NewKeyPair, ReplacesNothingUnasked)
     folder.write("key", "precious");
     hoNewKeyPair pair(512);
     waitFor(pair);
-    EXPECT_EQ(pair.writePrivateKey(folder.path("key").c_str(), "", false), Writing::Exists);
+    EXPECT_EQ(pair.writePrivateKey(folder.path("key").c_str(), "", false)._problem, osWritingProblem::Exists);
     EXPECT_EQ(std::filesystem::file_size(folder.path("key")), 8U);
-    EXPECT_EQ(pair.writePrivateKey(folder.path("nowhere/key").c_str(), "", false), Writing::Failed);
-    EXPECT_EQ(pair.systemError(), ENOENT);
-    EXPECT_EQ(pair.writePrivateKey(folder.path("key").c_str(), "", true), Writing::Done);
+    const osWritingResult writing = pair.writePrivateKey(folder.path("nowhere/key").c_str(), "", false);
+    EXPECT_EQ(writing._problem, osWritingProblem::CannotBeWritten);
+    EXPECT_EQ(writing._systemError, ENOENT);
+    EXPECT_EQ(pair.writePrivateKey(folder.path("key").c_str(), "", true)._problem, osWritingProblem::None);
     EXPECT_GT(std::filesystem::file_size(folder.path("key")), 100U);
     EXPECT_EQ(rights(folder.path("key")), 0600U);
     int entries = 0;

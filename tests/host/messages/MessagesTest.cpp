@@ -26,10 +26,10 @@ TEST(Messages, TellFileProblemsApart)
     std::set<gtString> seen;
     for (int problem = 1; problem <= static_cast<int>(osFileProblem::CannotBeRead); ++problem)
     {
-        expectReason(hoFileReason(static_cast<osFileProblem>(problem), EIO), seen);
+        expectReason(hoFileReason(osFileResult(static_cast<osFileProblem>(problem), EIO)), seen);
     }
     EXPECT_TRUE(hoFileReason(osFileProblem::None).isEmpty());
-    EXPECT_EQ(hoFileReason(osFileProblem::CannotBeRead, EIO), "it cannot be read: Input/output error");
+    EXPECT_EQ(hoFileReason(osFileResult(osFileProblem::CannotBeRead, EIO)), "it cannot be read: Input/output error");
     EXPECT_EQ(hoFileReason(osFileProblem::CannotBeRead), "the system cannot read it");
 }
 
@@ -65,7 +65,7 @@ TEST(Messages, TellSigningProblemsApart)
 TEST(Messages, TellSignatureFileProblemsApart)
 {
     std::set<gtString> seen;
-    hoSignatureFileFacts facts;
+    hoSignatureFileResult facts;
     facts._systemError = EACCES;
     for (int problem = 1; problem <= static_cast<int>(hoSignatureFileProblem::NoMemory); ++problem)
     {
@@ -75,6 +75,16 @@ TEST(Messages, TellSignatureFileProblemsApart)
     facts._problem = hoSignatureFileProblem::CannotBeRead;
     facts._systemError = ENOENT;
     EXPECT_EQ(hoSignatureFileReason(facts), "there is no such signature");
+}
+
+TEST(Messages, SayWhyAFileWasNotWritten)
+{
+    EXPECT_TRUE(hoWritingReason(osWritingResult()).isEmpty());
+    EXPECT_EQ(hoWritingReason(osWritingResult(osWritingProblem::Exists, EEXIST)), "it exists already and was kept");
+    EXPECT_EQ(hoWritingReason(osWritingResult(osWritingProblem::CannotBeWritten, ENOSPC)),
+              "it cannot be written: No space left on device");
+    EXPECT_EQ(hoWritingReason(osWritingResult(osWritingProblem::IsFolder, EISDIR)),
+              hoWritingReason(osWritingResult(osWritingProblem::NotRegular, EINVAL)));
 }
 
 TEST(Messages, TellTextProblemsApart)

@@ -16,7 +16,7 @@ gtString text(const std::string& bytes)
 gtString encrypted(const hoKey& key, const std::string& bytes)
 {
     gtString cipher;
-    EXPECT_EQ(hoEncryptText(key.publicKey(), text(bytes), cipher), hoTextProblem::None);
+    EXPECT_EQ(hoEncryptText(key.publicKey(), text(bytes), cipher)._problem, hoTextProblem::None);
     return cipher;
 }
 }  // namespace

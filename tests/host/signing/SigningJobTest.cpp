@@ -34,7 +34,7 @@ protected:
 
     void open(const std::string& name, const std::string& contents)
     {
-        ASSERT_EQ(_list.open(_folder.write(name, contents).c_str())._problem, osFileProblem::None);
+        ASSERT_EQ(_list.open(_folder.write(name, contents).c_str())._result._problem, osFileProblem::None);
     }
 
     std::vector<hoDocument> all() const

@@ -43,7 +43,7 @@ protected:
         for (const std::size_t size : {std::size_t(0), std::size_t(1000), longest, std::size_t(2000)})
         {
             const std::string path = _folder.write(folder + "/" + std::to_string(size), std::string(size, 'x'));
-            EXPECT_EQ(list.open(path.c_str())._problem, osFileProblem::None);
+            EXPECT_EQ(list.open(path.c_str())._result._problem, osFileProblem::None);
         }
         std::vector<hoDocument> documents;
         for (std::size_t i = 0; i < list.size(); ++i)
@@ -104,7 +104,7 @@ protected:
         for (const hoDocument& document : documents)
         {
             gtString signature;
-            const hoSignatureFileFacts facts = hoReadSignatureFile(hoSignaturePath(document._path), signature);
+            const hoSignatureFileResult facts = hoReadSignatureFile(hoSignaturePath(document._path), signature);
             if (facts._problem == hoSignatureFileProblem::None)
             {
                 bool isGood = false;
@@ -162,7 +162,7 @@ TEST_F(WorkThreads, NewKeyPairsAreGivenUpAtAnyMoment)
         if (pair.isMade())
         {
             ++made;
-            EXPECT_EQ(pair.writePrivateKey(_folder.path("key.pem").c_str(), "", true), hoNewKeyPair::Writing::Done);
+            EXPECT_EQ(pair.writePrivateKey(_folder.path("key.pem").c_str(), "", true)._problem, osWritingProblem::None);
         }
     }
     EXPECT_EQ(filesIn(_folder.path()), made > 0 ? 1U : 0U);

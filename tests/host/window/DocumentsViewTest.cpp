@@ -18,10 +18,10 @@ protected:
     void SetUp() override
     {
         BareFrame::SetUp();
-        _pView =
-            new hoDocumentsView(_pFrame, {[this](const gtString& path, osFileProblem) { _refused.push_back(path); },
-                                          [this](const hoDocument& document) { _opened.push_back(document._path); },
-                                          [this] { ++_changes; }});
+        _pView = new hoDocumentsView(_pFrame,
+                                     {[this](const gtString& path, const osFileResult&) { _refused.push_back(path); },
+                                      [this](const hoDocument& document) { _opened.push_back(document._path); },
+                                      [this] { ++_changes; }});
         showWith(_pView);
     }
 

@@ -183,7 +183,7 @@ TEST_F(TextsDialog, ShowsBytesWhereThereIsNoText)
     hoKeyFileFacts facts;
     const auto pKey = hoLoadKey(keyText.data(), static_cast<int>(keyText.size()), nullptr, facts);
     gtString cipher;
-    ASSERT_EQ(hoEncryptText(pKey->publicKey(), "a\xff\xfe", cipher), hoTextProblem::None);
+    ASSERT_EQ(hoEncryptText(pKey->publicKey(), "a\xff\xfe", cipher)._problem, hoTextProblem::None);
     startWithKey(keyText);
     wxString dump;
     tsScript script;

@@ -22,8 +22,8 @@ protected:
         {
             std::this_thread::yield();
         }
-        ASSERT_EQ(pair.writePrivateKey(_folder.path("private"), "", false), hoNewKeyPair::Writing::Done);
-        ASSERT_EQ(pair.writePublicKey(_folder.path("public"), false), hoNewKeyPair::Writing::Done);
+        ASSERT_EQ(pair.writePrivateKey(_folder.path("private"), "", false)._problem, osWritingProblem::None);
+        ASSERT_EQ(pair.writePublicKey(_folder.path("public"), false)._problem, osWritingProblem::None);
         ASSERT_EQ(chmod(_folder.path().c_str(), 0700), 0);
         _pController = std::make_unique<hoKeyController>(
             *_pFrame, _settings,
