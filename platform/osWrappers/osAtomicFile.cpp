@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/osWrappers/osAtomicFile.h"
 
+#include "platform/osWrappers/osWriteAll.h"
+
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -13,7 +16,10 @@
 namespace
 {
 
-constexpr int attemptsAtAName = 100;
+// Leftovers of programs that were ended may have many of the names.
+constexpr int attemptsAtAName = 1000;
+// As many as the system follows.
+constexpr int mostLinks = 40;
 
 std::string folderOf(const std::string& path)
 {
@@ -21,7 +27,7 @@ std::string folderOf(const std::string& path)
     return (slash == std::string::npos) ? "." : path.substr(0, slash + 1);
 }
 
-// Where the bytes really go: the end of a chain of links, if there is a file at it.
+// Where the bytes really go: the end of a chain of links, whether or not there is a file at it.
 std::string followLinks(const std::string& path)
 {
     struct Freed
@@ -29,7 +35,23 @@ std::string followLinks(const std::string& path)
         void operator()(char* pText) const { std::free(pText); }
     };
     const std::unique_ptr<char, Freed> pRealPath(::realpath(path.c_str(), nullptr));
-    return (pRealPath == nullptr) ? path : pRealPath.get();
+    if (pRealPath != nullptr)
+    {
+        return pRealPath.get();
+    }
+    std::string end = path;
+    for (int links = 0; links < mostLinks; ++links)
+    {
+        char target[PATH_MAX];
+        const ssize_t length = ::readlink(end.c_str(), target, sizeof target);
+        if (length <= 0)
+        {
+            break;
+        }
+        const std::string next(target, static_cast<std::size_t>(length));
+        end = next[0] == '/' || end.find('/') == std::string::npos ? next : folderOf(end) + next;
+    }
+    return end;
 }
 
 // A new, empty file with a name of its own in the folder; -1 when the system refuses.
@@ -48,25 +70,6 @@ int createBeside(const std::string& folder, unsigned int rights, std::string& pa
         }
     }
     return -1;
-}
-
-// 0, or the system's error number.
-int writeWhole(int descriptor, std::string_view bytes)
-{
-    std::size_t done = 0;
-    while (done < bytes.size())
-    {
-        const ssize_t amount = ::write(descriptor, bytes.data() + done, bytes.size() - done);
-        if (amount >= 0)
-        {
-            done += static_cast<std::size_t>(amount);
-        }
-        else if (errno != EINTR)
-        {
-            return errno;
-        }
-    }
-    return (::fsync(descriptor) == 0) ? 0 : errno;
 }
 
 // Renames, or EEXIST if there is something under the name already; another error where the system or the file system
@@ -147,8 +150,19 @@ osWritingResult refusal(int error)
 osWritingResult osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite,
                                       unsigned int rights)
 {
+    if (path.asStringView().find('\0') != std::string_view::npos)
+    {
+        return refusal(EINVAL);
+    }
     struct stat status = {};
-    if (::stat(path.asCharArray(), &status) == 0)
+    if (::stat(path.asCharArray(), &status) != 0)
+    {
+        if (errno != ENOENT)
+        {
+            return refusal(errno);
+        }
+    }
+    else
     {
         if (!S_ISREG(status.st_mode))
         {
@@ -169,7 +183,11 @@ osWritingResult osWriteFileAtomically(const gtString& path, std::string_view byt
     {
         return refusal(errno);
     }
-    int error = ((rights != 0) && (::fchmod(descriptor, rights) != 0)) ? errno : writeWhole(descriptor, bytes);
+    int error = ((rights != 0) && (::fchmod(descriptor, rights) != 0)) ? errno : osWriteAll(descriptor, bytes);
+    if (error == 0 && ::fsync(descriptor) != 0)
+    {
+        error = errno;
+    }
     if ((::close(descriptor) != 0) && (error == 0) && (errno != EINTR))
     {
         error = errno;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/osWrappers/osProcess.h"
 
+#include "platform/osWrappers/osWriteAll.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -338,26 +340,10 @@ std::string failureLine(const osFilePath& filePath, int lineNumber, const char* 
     return line + "\" at line " + std::to_string(lineNumber) + ": " + pReason + "\n";
 }
 
-void writeWhole(int descriptor, const char* pText, std::size_t length)
-{
-    while (length > 0)
-    {
-        const ssize_t amount = ::write(descriptor, pText, length);
-        if (amount > 0)
-        {
-            pText += amount;
-            length -= static_cast<std::size_t>(amount);
-        }
-        else if ((amount == 0) || (errno != EINTR))
-        {
-            return;
-        }
-    }
-}
-
 void writeToStderr(const std::string& text)
 {
-    writeWhole(STDERR_FILENO, text.data(), text.size());
+    // If standard error is gone there is nobody left to tell.
+    static_cast<void>(osWriteAll(STDERR_FILENO, text));
 }
 
 // What follows runs in child processes of a program that may have many threads: only functions that are safe in signal
@@ -401,7 +387,7 @@ void becomeEditor(const std::vector<Command>& commands, const std::string& allFa
     {
         static_cast<void>(::execve(command.pointers[0], command.pointers.data(), processEnvironment()));
     }
-    writeWhole(keptStderr, allFailedLine.data(), allFailedLine.size());
+    static_cast<void>(osWriteAll(keptStderr, allFailedLine));
 }
 
 // Blocks all signals of the thread while it lives, so that none of the program's handlers runs in a child.

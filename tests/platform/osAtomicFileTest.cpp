@@ -50,6 +50,65 @@ TEST(WholeFile, FollowsALink)
     EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link")));
 }
 
+TEST(WholeFile, FollowsALinkToNothing)
+{
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.path("below"));
+    std::filesystem::create_symlink("../target", folder.path("below/second"));
+    std::filesystem::create_symlink("below/second", folder.path("first"));
+    EXPECT_EQ(osWriteFileAtomically(folder.path("first"), "taken", false)._problem, osWritingProblem::Exists);
+    EXPECT_EQ(osWriteFileAtomically(folder.path("first"), "new", true)._problem, osWritingProblem::None);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("first")));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("below/second")));
+    EXPECT_EQ(folder.read("target"), "new");
+
+    std::filesystem::create_symlink(folder.path("absolute target"), folder.path("absolute"));
+    EXPECT_EQ(osWriteFileAtomically(folder.path("absolute"), "new", true)._problem, osWritingProblem::None);
+    EXPECT_EQ(folder.read("absolute target"), "new");
+}
+
+TEST(WholeFile, KeepsALinkThatLeadsNowhere)
+{
+    const TemporaryFolder folder;
+    std::filesystem::create_symlink("circle", folder.path("circle"));
+    EXPECT_EQ(osWriteFileAtomically(folder.path("circle"), "x", true)._systemError, ELOOP);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("circle")));
+    std::filesystem::create_symlink("missing/target", folder.path("deep"));
+    EXPECT_EQ(osWriteFileAtomically(folder.path("deep"), "x", true)._systemError, ENOENT);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("deep")));
+    EXPECT_EQ(amountOfFiles(folder), 2);
+}
+
+TEST(WholeFile, FindsATemporaryNameAmongLeftovers)
+{
+    const TemporaryFolder folder;
+    const auto leave = [&folder](int from, int to)
+    {
+        for (int i = from; i < to; ++i)
+        {
+            folder.write(".countersign-" + std::to_string(getpid()) + "-" + std::to_string(i) + ".tmp", "");
+        }
+    };
+    leave(0, 150);
+    EXPECT_EQ(osWriteFileAtomically(folder.path("a"), "x", false)._problem, osWritingProblem::None);
+    leave(150, 1000);
+    // None is left. This is not the answer that something has the wanted name.
+    const osWritingResult result = osWriteFileAtomically(folder.path("b"), "x", false);
+    EXPECT_EQ(result._problem, osWritingProblem::CannotBeWritten);
+    EXPECT_EQ(result._systemError, EEXIST);
+    EXPECT_EQ(amountOfFiles(folder), 1001);
+}
+
+TEST(WholeFile, CannotHaveANulInItsName)
+{
+    const TemporaryFolder folder;
+    const gtString path(gtString(folder.path("a")).append(gtString("\0b", 2)));
+    const osWritingResult result = osWriteFileAtomically(path, "x", true);
+    EXPECT_EQ(result._problem, osWritingProblem::CannotBeWritten);
+    EXPECT_EQ(result._systemError, EINVAL);
+    EXPECT_EQ(amountOfFiles(folder), 0);
+}
+
 TEST(WholeFile, ReplacesNothingButFiles)
 {
     const TemporaryFolder folder;
