@@ -14,6 +14,7 @@
 #include "cli/clTerminal.h"
 #include "host/messages/hoMessages.h"
 #include "platform/baseTools/gtWipe.h"
+#include "platform/osWrappers/osWriteAll.h"
 
 namespace
 {
@@ -65,11 +66,8 @@ std::chrono::milliseconds now()
 
 void writeProgress(const std::string& text)
 {
-    if (::write(STDERR_FILENO, text.data(), text.size()) < 0)
-    {
-        // A terminal that is gone needs no progress.
-        return;
-    }
+    // A terminal that is gone needs no progress.
+    static_cast<void>(osWriteAll(STDERR_FILENO, text, clIsInterrupted));
 }
 
 clProgressLine progressFor(const std::string& name)

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "cli/clInterrupt.h"
+#include "platform/osWrappers/osWriteAll.h"
 
 namespace
 {
@@ -14,24 +15,6 @@ constexpr std::size_t bytesAtOnce = 65536;
 
 std::string outputBuffer;
 int outputError = 0;
-
-int writeAll(int descriptor, const std::string& text)
-{
-    std::size_t done = 0;
-    while (done < text.size())
-    {
-        const ssize_t amount = ::write(descriptor, text.data() + done, text.size() - done);
-        if (amount >= 0)
-        {
-            done += static_cast<std::size_t>(amount);
-        }
-        else if ((errno != EINTR) || clIsInterrupted())
-        {
-            return errno;
-        }
-    }
-    return 0;
-}
 
 }  // namespace
 
@@ -46,7 +29,7 @@ void clWriteOutput(const std::string& text)
 
 int clFlushOutput()
 {
-    const int error = writeAll(STDOUT_FILENO, outputBuffer);
+    const int error = osWriteAll(STDOUT_FILENO, outputBuffer, clIsInterrupted);
     outputBuffer.clear();
     if (outputError == 0)
     {
@@ -59,7 +42,7 @@ void clComplain(const std::string& text)
 {
     // Results come before what is said about them, where both go to the same place.
     static_cast<void>(clFlushOutput());
-    static_cast<void>(writeAll(STDERR_FILENO, "countersign: " + text + "\n"));
+    static_cast<void>(osWriteAll(STDERR_FILENO, "countersign: " + text + "\n", clIsInterrupted));
 }
 
 int clReadInput(std::string& bytes, std::size_t limit)

@@ -8,17 +8,15 @@
 #include <unistd.h>
 
 #include "cli/clInterrupt.h"
+#include "platform/osWrappers/osWriteAll.h"
 
 namespace
 {
 
 void print(int terminal, const std::string& text)
 {
-    if (::write(terminal, text.data(), text.size()) < 0)
-    {
-        // Somebody who cannot be asked does not answer, either; reading will tell.
-        return;
-    }
+    // Somebody who cannot be asked does not answer, either; reading will tell.
+    static_cast<void>(osWriteAll(terminal, text, clIsInterrupted));
 }
 
 // A line without its end: its length, or -1 when it does not fit, there is none, or the program shall end.
