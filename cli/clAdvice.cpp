@@ -3,7 +3,7 @@
 
 #include <cerrno>
 
-std::string clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal)
+gtString clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal)
 {
     switch (facts._problem)
     {
@@ -17,7 +17,7 @@ std::string clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal)
     }
 }
 
-std::string clSignatureFileAdvice(const hoSignatureFileResult& facts)
+gtString clSignatureFileAdvice(const hoSignatureFileResult& facts)
 {
     switch (facts._problem)
     {

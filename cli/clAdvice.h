@@ -4,14 +4,12 @@
 #ifndef COUNTERSIGN_CL_ADVICE_H
 #define COUNTERSIGN_CL_ADVICE_H
 
-#include <string>
-
 #include "host/keys/hoKeyFile.h"
 #include "host/signing/hoSignatureFile.h"
 
 // isWithoutTerminal: the passphrase could not be asked for.
-std::string clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal);
+gtString clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal);
 
-std::string clSignatureFileAdvice(const hoSignatureFileResult& facts);
+gtString clSignatureFileAdvice(const hoSignatureFileResult& facts);
 
 #endif

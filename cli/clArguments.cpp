@@ -2,6 +2,8 @@
 #include "cli/clArguments.h"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 
@@ -14,16 +16,22 @@ namespace
 // The parser takes an argument that stands in brackets for a list. With a mark behind them they are what they are.
 constexpr char mark = '\x1f';
 
-std::string marked(const std::string& argument)
+std::string marked(const gtString& text)
 {
+    std::string argument = text.asStdString();
     const bool isBracketed = (argument.size() > 1) && (argument.front() == '[') && (argument.back() == ']');
     const bool hasMark = !argument.empty() && (argument.back() == mark);
-    return (isBracketed || hasMark) ? argument + mark : argument;
+    if (isBracketed || hasMark)
+    {
+        argument += mark;
+    }
+    return argument;
 }
 
-std::string unmarked(const std::string& argument)
+gtString unmarked(std::string_view argument)
 {
-    return (!argument.empty() && (argument.back() == mark)) ? argument.substr(0, argument.size() - 1) : argument;
+    const bool hasMark = !argument.empty() && argument.back() == mark;
+    return argument.substr(0, argument.size() - (hasMark ? 1 : 0));
 }
 
 const char* const mainFooter = R"(Examples:
@@ -78,12 +86,22 @@ const char* const digestFooter = R"(Examples:
 
 The digest depends on the key's size only. With more than one file each line ends with two blanks and the name.)";
 
+// What CLI11 fills in. It speaks std::string.
+struct ParsedValues
+{
+    std::string _keyPath;
+    std::vector<std::string> _files;
+    std::string _outputPath;
+    std::string _signaturePath;
+    std::string _plainText;
+};
+
 // CLI11 needs addresses that stay.
 class Parser
 {
 public:
     Parser();
-    clArguments parse(const std::vector<std::string>& arguments);
+    clArguments parse(const std::vector<gtString>& arguments);
 
 private:
     CLI::App* addCommand(clCommand command, const std::string& name, const std::string& description,
@@ -91,11 +109,13 @@ private:
     void addFiles(CLI::App* pCommand, const std::string& description);
     void addText(CLI::App* pCommand, const std::string& description);
     void checkWhatParserCannot(clArguments& result) const;
-    std::string wrongUse(const std::string& what) const;
+    gtString wrongUse(const gtString& what) const;
 
     CLI::App _app{"Signs and tests files, and encrypts short texts, with RSA keys from PEM files.", "countersign"};
     std::vector<std::pair<clCommand, CLI::App*>> _commands;
-    clArguments _result;
+    ParsedValues _values;
+    bool _isForced = false;
+    bool _isPrivateWanted = false;
     CLI::Option* _pOutput = nullptr;
     CLI::Option* _pSignature = nullptr;
     std::vector<CLI::Option*> _texts;
@@ -111,15 +131,15 @@ Parser::Parser()
     CLI::App* pSign = addCommand(clCommand::Sign, "sign", "Sign files: write FILE.sig beside each FILE", signFooter,
                                  "The private key, a PEM file");
     _pOutput =
-        pSign->add_option("-o,--output", _result._outputPath,
+        pSign->add_option("-o,--output", _values._outputPath,
                           "Where the signature of a single FILE goes instead; - for standard output, also of many");
     _pOutput->type_name("PATH");
-    pSign->add_flag("-f,--force", _result._isForced, "Overwrite signatures that are there already");
+    pSign->add_flag("-f,--force", _isForced, "Overwrite signatures that are there already");
     addFiles(pSign, "The files to sign");
 
     CLI::App* pTest = addCommand(clCommand::Test, "test", "Test files against FILE.sig beside each FILE", testFooter,
                                  "The public key, a PEM file (of a private key the public half is taken)");
-    _pSignature = pTest->add_option("-s,--signature", _result._signaturePath,
+    _pSignature = pTest->add_option("-s,--signature", _values._signaturePath,
                                     "Where the signature of a single FILE is instead; - for standard input");
     _pSignature->type_name("PATH");
     addFiles(pTest, "The files to test");
@@ -133,7 +153,7 @@ Parser::Parser()
 
     CLI::App* pKey = addCommand(clCommand::Key, "key", "Print a key's size, modulus and exponent", keyFooter,
                                 "The key, a PEM file, private or public");
-    pKey->add_flag("-p,--private", _result._isPrivateWanted, "Print the private exponent");
+    pKey->add_flag("-p,--private", _isPrivateWanted, "Print the private exponent");
 
     addFiles(addCommand(clCommand::Digest, "digest", "Print the digest text of files", digestFooter,
                         "A key of the size that shall sign, a PEM file, private or public"),
@@ -146,22 +166,22 @@ CLI::App* Parser::addCommand(clCommand command, const std::string& name, const s
     CLI::App* pCommand = _app.add_subcommand(name, description);
     pCommand->set_help_flag("-h,--help", "Print this help and end");
     pCommand->footer(footer);
-    pCommand->add_option("-k,--key", _result._keyPath, keyDescription)->type_name("PEM")->required();
+    pCommand->add_option("-k,--key", _values._keyPath, keyDescription)->type_name("PEM")->required();
     _commands.emplace_back(command, pCommand);
     return pCommand;
 }
 
 void Parser::addFiles(CLI::App* pCommand, const std::string& description)
 {
-    pCommand->add_option("FILE", _result._files, description)->type_name("")->required();
+    pCommand->add_option("FILE", _values._files, description)->type_name("")->required();
 }
 
 void Parser::addText(CLI::App* pCommand, const std::string& description)
 {
-    _texts.push_back(pCommand->add_option("TEXT", _result._plainText, description)->type_name(""));
+    _texts.push_back(pCommand->add_option("TEXT", _values._plainText, description)->type_name(""));
 }
 
-clArguments Parser::parse(const std::vector<std::string>& arguments)
+clArguments Parser::parse(const std::vector<gtString>& arguments)
 {
     // The parser takes the last argument first.
     std::vector<std::string> backwards;
@@ -184,19 +204,20 @@ clArguments Parser::parse(const std::vector<std::string>& arguments)
     {
         clArguments result;
         result._command = clCommand::ShowText;
-        result._text = std::string(version.what()) + "\n";
+        result._text = gtString(version.what()).append('\n');
         return result;
     }
     catch (const CLI::Error& error)
     {
         clArguments result;
         const bool isUnknown = _app.get_subcommands().empty() && !arguments.empty();
-        result._text = wrongUse(isUnknown ? "there is no command or option " + clPrintableName(arguments.front())
-                                          : clPrintableName(error.what()));
+        result._text =
+            wrongUse(isUnknown ? gtString("there is no command or option ").append(clPrintableName(arguments.front()))
+                               : clPrintableName(error.what()));
         return result;
     }
 
-    clArguments result = _result;
+    clArguments result;
     for (const auto& [command, pCommand] : _commands)
     {
         if (pCommand->parsed())
@@ -204,14 +225,16 @@ clArguments Parser::parse(const std::vector<std::string>& arguments)
             result._command = command;
         }
     }
-    for (std::string& file : result._files)
+    for (const std::string& file : _values._files)
     {
-        file = unmarked(file);
+        result._files.push_back(unmarked(file));
     }
-    result._keyPath = unmarked(result._keyPath);
-    result._outputPath = unmarked(result._outputPath);
-    result._signaturePath = unmarked(result._signaturePath);
-    result._plainText = unmarked(result._plainText);
+    result._keyPath = unmarked(_values._keyPath);
+    result._outputPath = unmarked(_values._outputPath);
+    result._signaturePath = unmarked(_values._signaturePath);
+    result._plainText = unmarked(_values._plainText);
+    result._isForced = _isForced;
+    result._isPrivateWanted = _isPrivateWanted;
     result._hasOutput = _pOutput->count() > 0;
     result._hasSignature = _pSignature->count() > 0;
     result._hasPlainText =
@@ -226,37 +249,39 @@ void Parser::checkWhatParserCannot(clArguments& result) const
     {
         return;
     }
-    if (result._hasOutput && (result._outputPath != "-"))
+    const gtString files = gtString(" names one signature, but there are ")
+                               .append(std::to_string(result._files.size()))
+                               .append(" files; ");
+    if (result._hasOutput && result._outputPath != "-")
     {
-        result._text = wrongUse("--output names one signature, but there are " + std::to_string(result._files.size()) +
-                                " files; sign them one by one, or leave --output out");
+        result._text =
+            wrongUse(gtString("--output").append(files).append("sign them one by one, or leave --output out"));
         result._command = clCommand::WrongUse;
     }
     else if (result._hasSignature)
     {
         result._text =
-            wrongUse("--signature names one signature, but there are " + std::to_string(result._files.size()) +
-                     " files; test them one by one, or leave --signature out");
+            wrongUse(gtString("--signature").append(files).append("test them one by one, or leave --signature out"));
         result._command = clCommand::WrongUse;
     }
 }
 
-std::string Parser::wrongUse(const std::string& what) const
+gtString Parser::wrongUse(const gtString& what) const
 {
-    std::string name = "countersign";
+    gtString text = gtString("countersign: ").append(what).append("\nSee countersign");
     for (const auto& [command, pCommand] : _commands)
     {
         if (pCommand->parsed())
         {
-            name += " " + pCommand->get_name();
+            text.append(' ').append(pCommand->get_name());
         }
     }
-    return "countersign: " + what + "\nSee " + name + " --help\n";
+    return text.append(" --help\n");
 }
 
 }  // namespace
 
-clArguments clParseArguments(const std::vector<std::string>& arguments)
+clArguments clParseArguments(const std::vector<gtString>& arguments)
 {
     return Parser().parse(arguments);
 }

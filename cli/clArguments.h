@@ -3,7 +3,8 @@
 #ifndef COUNTERSIGN_CL_ARGUMENTS_H
 #define COUNTERSIGN_CL_ARGUMENTS_H
 
-#include <string>
+#include "platform/baseTools/gtString.h"
+
 #include <vector>
 
 enum class clCommand
@@ -21,20 +22,20 @@ enum class clCommand
 struct clArguments
 {
     clCommand _command = clCommand::WrongUse;
-    std::string _text = {};                // of ShowText and WrongUse, ready to be printed
-    std::string _keyPath = {};             // --key
-    std::vector<std::string> _files = {};  // FILE...
-    bool _hasOutput = false;               // --output
-    std::string _outputPath = {};
+    gtString _text;                // of ShowText and WrongUse, ready to be printed
+    gtString _keyPath;             // --key
+    std::vector<gtString> _files;  // FILE...
+    bool _hasOutput = false;       // --output
+    gtString _outputPath;
     bool _isForced = false;      // --force
     bool _hasSignature = false;  // --signature
-    std::string _signaturePath = {};
+    gtString _signaturePath;
     bool _isPrivateWanted = false;  // --private
     bool _hasPlainText = false;     // TEXT
-    std::string _plainText = {};
+    gtString _plainText;
 };
 
-// Understands the arguments that follow the program's name. Never throws, but for missing memory.
-clArguments clParseArguments(const std::vector<std::string>& arguments);
+// Parses the arguments that follow the program's name. Never throws, but for missing memory.
+clArguments clParseArguments(const std::vector<gtString>& arguments);
 
 #endif

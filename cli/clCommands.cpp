@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
+#include <string>
 #include <unistd.h>
 
 #include "cli/clAdvice.h"
@@ -22,14 +23,14 @@ namespace
 const char* const standardStream = "-";
 
 // A text from standard input is not read beyond this; nothing near it can be encrypted.
-constexpr std::size_t longestInput = 1024 * 1024;
+constexpr int longestInput = 1024 * 1024;
 
-void complain(const std::string& name, const gtString& reason, const std::string& advice = std::string())
+void complain(const gtString& name, const gtString& reason, const gtString& advice = gtString())
 {
-    clComplain(name + ": " + reason.asStdString() + advice);
+    clComplain(gtString(name).append(": ").append(reason).append(advice));
 }
 
-void complainOfSigning(const clArguments& arguments, const std::string& name, const hoSigningFacts& facts)
+void complainOfSigning(const clArguments& arguments, const gtString& name, const hoSigningFacts& facts)
 {
     const bool isTheKeys =
         facts._problem == hoSigningProblem::NoPrivateKey || facts._problem == hoSigningProblem::KeyTooSmall;
@@ -38,17 +39,17 @@ void complainOfSigning(const clArguments& arguments, const std::string& name, co
 
 std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
 {
-    const std::string name = clPrintableName(arguments._keyPath);
+    const gtString name = clPrintableName(arguments._keyPath);
     clTerminalPassphrase passphrase(name);
     hoKeyFileFacts facts;
-    std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(gtString(arguments._keyPath), &passphrase, facts);
+    std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(arguments._keyPath, &passphrase, facts);
     if (pKey == nullptr)
     {
         complain(name, hoKeyFileReason(facts), clKeyAdvice(facts, passphrase.isWithoutTerminal()));
     }
     else if (pKey->hasPrivateKey() && facts._isOpenToOthers)
     {
-        complain("warning: " + name, hoOpenKeyWarning());
+        complain(gtString("warning: ").append(name), hoOpenKeyWarning());
     }
     if ((pKey != nullptr) && (arguments._command == clCommand::Test))
     {
@@ -64,13 +65,13 @@ std::chrono::milliseconds now()
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
 }
 
-void writeProgress(const std::string& text)
+void writeProgress(const gtString& text)
 {
     // A terminal that is gone needs no progress.
-    static_cast<void>(osWriteAll(STDERR_FILENO, text, clIsInterrupted));
+    static_cast<void>(osWriteAll(STDERR_FILENO, text.asStringView(), clIsInterrupted));
 }
 
-clProgressLine progressFor(const std::string& name)
+clProgressLine progressFor(const gtString& name)
 {
     const int columns = clColumnsOfStandardError();
     return clProgressLine(name, columns, now, (columns > 0) ? writeProgress : clProgressLine::Writer(),
@@ -87,7 +88,7 @@ int performOnFiles(const clArguments& arguments, Work work)
         return clStatusNotChecked;
     }
     int status = clStatusGood;
-    for (const std::string& file : arguments._files)
+    for (const gtString& file : arguments._files)
     {
         status = std::max(status, work(file, *pKey));
         if (clIsInterrupted())
@@ -98,12 +99,12 @@ int performOnFiles(const clArguments& arguments, Work work)
     return status;
 }
 
-int signFile(const clArguments& arguments, const std::string& file, const hoKey& key)
+int signFile(const clArguments& arguments, const gtString& file, const hoKey& key)
 {
-    const std::string name = clPrintableName(file);
+    const gtString name = clPrintableName(file);
     const bool isForOutput = arguments._hasOutput && (arguments._outputPath == standardStream);
-    const gtString path = arguments._hasOutput ? gtString(arguments._outputPath) : hoSignaturePath(gtString(file));
-    const std::string signatureName = clPrintableName(path);
+    const gtString path = arguments._hasOutput ? arguments._outputPath : hoSignaturePath(file);
+    const gtString signatureName = clPrintableName(path);
     hoSignatureFileResult signatureFile;
     if (!isForOutput)
     {
@@ -118,7 +119,7 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
     hoSigningFacts facts;
     {
         clProgressLine progress = progressFor(name);
-        facts = hoSignFile(gtString(file), key, &progress, signature);
+        facts = hoSignFile(file, key, &progress, signature);
     }
     if (!facts.isOk())
     {
@@ -127,7 +128,7 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
     }
     if (isForOutput)
     {
-        clWriteOutput(signature.asStdString() + "\n");
+        clWriteOutput(signature.append('\n'));
         return clStatusGood;
     }
     signatureFile = hoWriteSignatureFile(path, signature, arguments._isForced);
@@ -136,27 +137,23 @@ int signFile(const clArguments& arguments, const std::string& file, const hoKey&
         complain(signatureName, hoSignatureFileReason(signatureFile), clSignatureFileAdvice(signatureFile));
         return clStatusNotChecked;
     }
-    clWriteOutput(name + ": signed, " + signatureName + "\n");
+    clWriteOutput(gtString(name).append(": signed, ").append(signatureName).append('\n'));
     return clStatusGood;
 }
 
 // Whether the signature could be had.
-bool readSignature(const clArguments& arguments, const std::string& file, gtString& signature)
+bool readSignature(const clArguments& arguments, const gtString& file, gtString& signature)
 {
     if (arguments._hasSignature && (arguments._signaturePath == standardStream))
     {
-        std::string input;
-        const int error = clReadInput(input, static_cast<std::size_t>(hoLargestSignatureFile));
+        const int error = clReadInput(signature, static_cast<int>(hoLargestSignatureFile));
         if (error != 0)
         {
-            clComplain("standard input: the signature cannot be read: " + hoSystemErrorText(error).asStdString());
-            return false;
+            complain("standard input: the signature cannot be read", hoSystemErrorText(error));
         }
-        signature = gtString(input);
-        return true;
+        return error == 0;
     }
-    const gtString path =
-        arguments._hasSignature ? gtString(arguments._signaturePath) : hoSignaturePath(gtString(file));
+    const gtString path = arguments._hasSignature ? arguments._signaturePath : hoSignaturePath(file);
     const hoSignatureFileResult facts = hoReadSignatureFile(path, signature);
     if (!facts.isOk())
     {
@@ -166,14 +163,14 @@ bool readSignature(const clArguments& arguments, const std::string& file, gtStri
     return true;
 }
 
-int testFile(const clArguments& arguments, const std::string& file, const hoKey& key)
+int testFile(const clArguments& arguments, const gtString& file, const hoKey& key)
 {
-    const std::string name = clPrintableName(file);
+    const gtString name = clPrintableName(file);
     bool isGood = false;
     hoSigningFacts facts;
     // A file that is not there is told about before its signature is missed.
     osFileFacts ignored;
-    const osFileResult reading = osReadFileFacts(gtString(file), ignored);
+    const osFileResult reading = osReadFileFacts(file, ignored);
     if (!reading.isOk())
     {
         facts = hoSigningFacts(reading);
@@ -183,37 +180,41 @@ int testFile(const clArguments& arguments, const std::string& file, const hoKey&
         gtString signature;
         if (!readSignature(arguments, file, signature))
         {
-            clWriteOutput(name + ": not tested\n");
+            clWriteOutput(gtString(name).append(": not tested\n"));
             return clStatusNotChecked;
         }
         clProgressLine progress = progressFor(name);
-        facts = hoTestFile(gtString(file), key, signature, &progress, isGood);
+        facts = hoTestFile(file, key, signature, &progress, isGood);
     }
     if (!facts.isOk())
     {
         complainOfSigning(arguments, name, facts);
-        clWriteOutput(name + ": not tested\n");
+        clWriteOutput(gtString(name).append(": not tested\n"));
         return clStatusNotChecked;
     }
-    clWriteOutput(name + (isGood ? ": good\n" : ": BAD\n"));
+    clWriteOutput(gtString(name).append(isGood ? ": good\n" : ": BAD\n"));
     return isGood ? clStatusGood : clStatusNotGood;
 }
 
-int digestFile(const clArguments& arguments, const std::string& file, const hoKey& key)
+int digestFile(const clArguments& arguments, const gtString& file, const hoKey& key)
 {
-    const std::string name = clPrintableName(file);
+    const gtString name = clPrintableName(file);
     gtString digestText;
     hoSigningFacts facts;
     {
         clProgressLine progress = progressFor(name);
-        facts = hoDigestOfFile(gtString(file), key, &progress, digestText);
+        facts = hoDigestOfFile(file, key, &progress, digestText);
     }
     if (!facts.isOk())
     {
         complainOfSigning(arguments, name, facts);
         return clStatusNotChecked;
     }
-    clWriteOutput(digestText.asStdString() + ((arguments._files.size() > 1) ? "  " + name : "") + "\n");
+    if (arguments._files.size() > 1)
+    {
+        digestText.append("  ").append(name);
+    }
+    clWriteOutput(digestText.append('\n'));
     return clStatusGood;
 }
 
@@ -222,19 +223,15 @@ bool readText(const clArguments& arguments, gtString& text)
 {
     if (arguments._hasPlainText)
     {
-        text = gtString(arguments._plainText);
+        text = arguments._plainText;
         return true;
     }
-    std::string input;
-    const int error = clReadInput(input, longestInput);
+    const int error = clReadInput(text, longestInput);
     if (error != 0)
     {
-        clComplain("standard input: cannot be read: " + hoSystemErrorText(error).asStdString());
-        return false;
+        complain("standard input: cannot be read", hoSystemErrorText(error));
     }
-    text = gtString(input);
-    gtWipe(input.data(), input.size());
-    return true;
+    return error == 0;
 }
 
 int encrypt(const clArguments& arguments)
@@ -251,10 +248,10 @@ int encrypt(const clArguments& arguments)
     gtWipe(text);
     if (!result.isOk())
     {
-        clComplain(hoEncryptionReason(result._problem, pKey->ownKey(), lengthOfText).asStdString());
+        clComplain(hoEncryptionReason(result._problem, pKey->ownKey(), lengthOfText));
         return clStatusNotChecked;
     }
-    clWriteOutput(cipherText.asStdString() + "\n");
+    clWriteOutput(cipherText.append('\n'));
     return clStatusGood;
 }
 
@@ -276,10 +273,10 @@ int decrypt(const clArguments& arguments)
             complain(clPrintableName(arguments._keyPath), reason);
             return clStatusNotGood;
         }
-        clComplain(reason.asStdString());
+        clComplain(reason);
         return clStatusNotChecked;
     }
-    clWriteOutput(text.asStdString());
+    clWriteOutput(text);
     if (clIsOutputATerminal())
     {
         clWriteOutput("\n");
@@ -297,25 +294,24 @@ int printKey(const clArguments& arguments)
     }
     if (arguments._isPrivateWanted && !pKey->hasPrivateKey())
     {
-        clComplain(clPrintableName(arguments._keyPath) +
-                   ": is a public key and has no private exponent; leave --private out");
+        complain(clPrintableName(arguments._keyPath),
+                 "is a public key and has no private exponent; leave --private out");
         return clStatusNotChecked;
     }
     const crRSAEncryptionKey& key = arguments._isPrivateWanted ? pKey->privateKey() : pKey->publicKey();
-    clWriteOutput("size " + std::to_string(pKey->bits()) + "\n");
-    clWriteOutput("modulus " + (hoFixedWidthText(key.productDigits(), key.amountOfProductDigits())).asStdString() +
-                  "\n");
     gtString exponent = hoFixedWidthText(key.numberDigits(), key.amountOfNumberDigits());
-    clWriteOutput("exponent " + exponent.asStdString() + "\n");
+    clWriteOutput(gtString("size ").append(std::to_string(pKey->bits())).append("\nmodulus "));
+    clWriteOutput(hoFixedWidthText(key.productDigits(), key.amountOfProductDigits()).append("\nexponent "));
+    clWriteOutput(exponent.append('\n'));
     gtWipe(exponent);
     return clStatusGood;
 }
 
 int perform(const clArguments& arguments)
 {
-    const auto on = [&arguments](int (*work)(const clArguments&, const std::string&, const hoKey&))
+    const auto on = [&arguments](int (*work)(const clArguments&, const gtString&, const hoKey&))
     {
-        return performOnFiles(arguments, [&arguments, work](const std::string& file, const hoKey& key)
+        return performOnFiles(arguments, [&arguments, work](const gtString& file, const hoKey& key)
                               { return work(arguments, file, key); });
     };
     switch (arguments._command)
@@ -350,7 +346,7 @@ int clPerform(const clArguments& arguments)
     const int error = clFlushOutput();
     if (error != 0)
     {
-        clComplain("standard output: cannot be written: " + hoSystemErrorText(error).asStdString());
+        complain("standard output: cannot be written", hoSystemErrorText(error));
         return clStatusNotChecked;
     }
     return status;

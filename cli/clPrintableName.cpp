@@ -11,35 +11,35 @@
 namespace
 {
 
-void appendEscaped(std::string& result, unsigned char byte)
+void appendEscaped(gtString& result, unsigned char byte)
 {
     switch (byte)
     {
     case '\n':
-        result += "\\n";
+        result.append("\\n");
         break;
     case '\r':
-        result += "\\r";
+        result.append("\\r");
         break;
     case '\t':
-        result += "\\t";
+        result.append("\\t");
         break;
     case '\\':
-        result += "\\\\";
+        result.append("\\\\");
         break;
     default:
-        result += "\\x";
-        result += "0123456789abcdef"[byte >> 4];
-        result += "0123456789abcdef"[byte & 0xf];
+        result.append("\\x");
+        result.append("0123456789abcdef"[byte >> 4]);
+        result.append("0123456789abcdef"[byte & 0xf]);
         break;
     }
 }
 
 }  // namespace
 
-std::string clPrintableName(const gtString& name)
+gtString clPrintableName(const gtString& name)
 {
-    std::string result;
+    gtString result;
     std::string_view rest = name.asStringView();
     std::uint32_t before = 0;
     while (!rest.empty())
@@ -49,7 +49,7 @@ std::string clPrintableName(const gtString& name)
         const std::uint32_t codePoint = length == 0 ? 0 : gtCodePointOfUtf8Character(character);
         if (length > 0 && codePoint != '\\' && gtKindOfCharacter(codePoint, before) == gtCharacterKind::Harmless)
         {
-            result += character;
+            result.append(character);
         }
         else
         {

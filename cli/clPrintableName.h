@@ -3,12 +3,10 @@
 #ifndef COUNTERSIGN_CL_PRINTABLE_NAME_H
 #define COUNTERSIGN_CL_PRINTABLE_NAME_H
 
-#include <string>
-
 #include "platform/baseTools/gtString.h"
 
 // The name with every character that is not harmless (gtCharacters.h), backslashes, and bytes that are no UTF-8 written
 // as in C: \n, \t, \\, \x1b. Different names stay different.
-std::string clPrintableName(const gtString& name);
+gtString clPrintableName(const gtString& name);
 
 #endif

@@ -2,6 +2,7 @@
 #include "cli/clProgressLine.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 #include "host/messages/hoNumbers.h"
@@ -16,7 +17,7 @@ const char* const clearLine = "\r\033[K";
 
 }  // namespace
 
-clProgressLine::clProgressLine(std::string name, int columns, Clock clock, Writer writer,
+clProgressLine::clProgressLine(gtString name, int columns, Clock clock, Writer writer,
                                std::function<bool()> isCancelled)
     : _name(std::move(name)),
       _columns(columns),
@@ -44,9 +45,10 @@ bool clProgressLine::onProgress(unsigned long long bytesDone, unsigned long long
         _next = now + betweenLines;
         _isShown = true;
         const auto percent = static_cast<int>(static_cast<double>(bytesDone) * 100.0 / static_cast<double>(bytesInAll));
-        const std::string line = std::to_string(percent) + " % of " + hoSizeText(bytesInAll).asStdString() + "  ";
-        const auto room = static_cast<std::size_t>(std::max(_columns - 1 - static_cast<int>(line.size()), 0));
-        _writer(clearLine + line + std::string(gtBeginningOfUtf8(_name, room)));
+        const gtString line =
+            gtString(std::to_string(percent)).append(" % of ").append(hoSizeText(bytesInAll)).append("  ");
+        const auto room = static_cast<std::size_t>(std::max(_columns - 1 - line.length(), 0));
+        _writer(gtString(clearLine).append(line).append(gtBeginningOfUtf8(_name.asStringView(), room)));
     }
     return true;
 }

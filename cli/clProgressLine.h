@@ -6,7 +6,6 @@
 
 #include <chrono>
 #include <functional>
-#include <string>
 
 #include "host/signing/hoFileSigning.h"
 
@@ -14,11 +13,11 @@ class clProgressLine : public hoIProgress
 {
 public:
     using Clock = std::function<std::chrono::milliseconds()>;
-    using Writer = std::function<void(const std::string&)>;
+    using Writer = std::function<void(const gtString&)>;
 
     // name is shown as it is and cut where the line would get too long. Without a writer nothing is shown. isCancelled is
     // asked each time.
-    clProgressLine(std::string name, int columns, Clock clock, Writer writer, std::function<bool()> isCancelled);
+    clProgressLine(gtString name, int columns, Clock clock, Writer writer, std::function<bool()> isCancelled);
     ~clProgressLine() override;
     clProgressLine(const clProgressLine&) = delete;
     clProgressLine& operator=(const clProgressLine&) = delete;
@@ -29,7 +28,7 @@ public:
     void clear();
 
 private:
-    std::string _name;
+    gtString _name;
     int _columns;
     Clock _clock;
     Writer _writer;

@@ -11,17 +11,17 @@
 namespace
 {
 
-constexpr std::size_t bytesAtOnce = 65536;
+constexpr int bytesAtOnce = 65536;
 
-std::string outputBuffer;
+gtString outputBuffer;
 int outputError = 0;
 
 }  // namespace
 
-void clWriteOutput(const std::string& text)
+void clWriteOutput(const gtString& text)
 {
-    outputBuffer += text;
-    if (outputBuffer.size() >= bytesAtOnce)
+    outputBuffer.append(text);
+    if (outputBuffer.length() >= bytesAtOnce)
     {
         static_cast<void>(clFlushOutput());
     }
@@ -29,8 +29,8 @@ void clWriteOutput(const std::string& text)
 
 int clFlushOutput()
 {
-    const int error = osWriteAll(STDOUT_FILENO, outputBuffer, clIsInterrupted);
-    outputBuffer.clear();
+    const int error = osWriteAll(STDOUT_FILENO, outputBuffer.asStringView(), clIsInterrupted);
+    outputBuffer.makeEmpty();
     if (outputError == 0)
     {
         outputError = error;
@@ -38,26 +38,28 @@ int clFlushOutput()
     return outputError;
 }
 
-void clComplain(const std::string& text)
+void clComplain(const gtString& text)
 {
     // Results come before what is said about them, where both go to the same place.
     static_cast<void>(clFlushOutput());
-    static_cast<void>(osWriteAll(STDERR_FILENO, "countersign: " + text + "\n", clIsInterrupted));
+    const gtString line = gtString("countersign: ").append(text).append('\n');
+    static_cast<void>(osWriteAll(STDERR_FILENO, line.asStringView(), clIsInterrupted));
 }
 
-int clReadInput(std::string& bytes, std::size_t limit)
+int clReadInput(gtString& bytes, int limit)
 {
     char buffer[4096];
-    while (bytes.size() < limit)
+    while (bytes.length() < limit)
     {
         if (!clWaitForInput(STDIN_FILENO))
         {
             return EINTR;
         }
-        const ssize_t amount = ::read(STDIN_FILENO, buffer, std::min(sizeof(buffer), limit - bytes.size()));
+        const ssize_t amount =
+            ::read(STDIN_FILENO, buffer, std::min(sizeof(buffer), static_cast<std::size_t>(limit - bytes.length())));
         if (amount > 0)
         {
-            bytes.append(buffer, static_cast<std::size_t>(amount));
+            bytes.append(buffer, static_cast<int>(amount));
         }
         else if (amount == 0)
         {

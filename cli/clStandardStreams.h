@@ -3,20 +3,19 @@
 #ifndef COUNTERSIGN_CL_STANDARD_STREAMS_H
 #define COUNTERSIGN_CL_STANDARD_STREAMS_H
 
-#include <cstddef>
-#include <string>
+#include "platform/baseTools/gtString.h"
 
 // Writes to standard output. Failures are kept for clFlushOutput.
-void clWriteOutput(const std::string& text);
+void clWriteOutput(const gtString& text);
 
 // Brings what was written to its place: 0, or the system's error number if any of it did not get there.
 int clFlushOutput();
 
 // Writes "countersign: ", the text and a line end to standard error.
-void clComplain(const std::string& text);
+void clComplain(const gtString& text);
 
 // All of standard input, or its first bytes up to the limit. 0, or the system's error number: EINTR after a signal that
 // asks to end.
-int clReadInput(std::string& bytes, std::size_t limit);
+int clReadInput(gtString& bytes, int limit);
 
 #endif

@@ -13,10 +13,10 @@
 namespace
 {
 
-void print(int terminal, const std::string& text)
+void print(int terminal, const gtString& text)
 {
     // Somebody who cannot be asked does not answer, either; reading will tell.
-    static_cast<void>(osWriteAll(terminal, text, clIsInterrupted));
+    static_cast<void>(osWriteAll(terminal, text.asStringView(), clIsInterrupted));
 }
 
 // A line without its end: its length, or -1 when it does not fit, there is none, or the program shall end.
@@ -71,7 +71,7 @@ int clTerminalPassphrase::getPassphrase(char* pBuffer, int size)
     silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     silent.c_lflag |= static_cast<tcflag_t>(ECHONL);
     ::tcsetattr(terminal, TCSAFLUSH, &silent);
-    print(terminal, "Passphrase for " + _name + ": ");
+    print(terminal, gtString("Passphrase for ").append(_name).append(": "));
     const int length = readLine(terminal, pBuffer, size);
     ::tcsetattr(terminal, TCSAFLUSH, &settings);
     if (length < 0)

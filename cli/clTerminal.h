@@ -3,8 +3,6 @@
 #ifndef COUNTERSIGN_CL_TERMINAL_H
 #define COUNTERSIGN_CL_TERMINAL_H
 
-#include <string>
-
 #include "host/keys/hoKeyFile.h"
 
 // Asks for the passphrase of a key file on the terminal, without showing what is typed, whatever standard input and
@@ -13,7 +11,7 @@ class clTerminalPassphrase : public hoIPassphraseSource
 {
 public:
     // name is what the question calls the file.
-    explicit clTerminalPassphrase(const std::string& name) : _name(name) {}
+    explicit clTerminalPassphrase(const gtString& name) : _name(name) {}
 
     int getPassphrase(char* pBuffer, int size) override;
 
@@ -21,7 +19,7 @@ public:
     bool isWithoutTerminal() const { return _isWithoutTerminal; }
 
 private:
-    std::string _name;
+    gtString _name;
     bool _isWithoutTerminal = false;
 };
 

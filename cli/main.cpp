@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The program countersign. Everything it does is in the library beside it.
 #include <exception>
-#include <string>
 #include <vector>
 
 #include "cli/clArguments.h"
@@ -17,8 +16,7 @@ int main(int argc, char** argv)
         // A core file would hold the private key.
         osWriteNoCoreFiles();
         clCatchInterrupts();
-        const int status =
-            clPerform(clParseArguments(std::vector<std::string>(argv + ((argc > 0) ? 1 : 0), argv + argc)));
+        const int status = clPerform(clParseArguments(std::vector<gtString>(argv + ((argc > 0) ? 1 : 0), argv + argc)));
         clEndIfInterrupted();
         return status;
     }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // Any arguments: a command with what it needs, or a text. And any name made printable.
-#include <string>
 #include <vector>
 
 #include "cli/clArguments.h"
@@ -10,7 +9,7 @@
 int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
 {
     FuzzInput input(pBytes, size);
-    std::vector<std::string> arguments;
+    std::vector<gtString> arguments;
     while (!input.isEmpty() && (arguments.size() < 40))
     {
         arguments.push_back(input.upTo('\0'));
@@ -20,7 +19,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     {
     case clCommand::WrongUse:
     case clCommand::ShowText:
-        FUZZ_CHECK(!result._text.empty() && (result._text.back() == '\n'));
+        FUZZ_CHECK(!result._text.isEmpty() && (result._text[result._text.length() - 1] == '\n'));
         break;
     case clCommand::Sign:
     case clCommand::Test:
@@ -35,16 +34,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     }
 
     // What stands behind the dashes arrives as it is.
-    std::vector<std::string> files = arguments;
+    std::vector<gtString> files = arguments;
     if (!files.empty())
     {
         files.insert(files.begin(), {"digest", "--key", "k", "--"});
         const clArguments digest = clParseArguments(files);
         FUZZ_CHECK((digest._command == clCommand::Digest) && (digest._files == arguments));
     }
-    for (const std::string& argument : arguments)
+    for (const gtString& argument : arguments)
     {
-        for (const char character : clPrintableName(argument))
+        const gtString name = clPrintableName(argument);
+        for (const char character : name.asStringView())
         {
             FUZZ_CHECK((static_cast<unsigned char>(character) >= 0x20) && (character != 0x7F));
         }

@@ -8,7 +8,7 @@ TEST(Arguments, AreUnderstood)
     const clArguments sign = clParseArguments({"sign", "--key", "k.pem", "-f", "-o", "out", "file"});
     EXPECT_EQ(sign._command, clCommand::Sign);
     EXPECT_EQ(sign._keyPath, "k.pem");
-    EXPECT_EQ(sign._files, std::vector<std::string>{"file"});
+    EXPECT_EQ(sign._files, std::vector<gtString>{"file"});
     EXPECT_TRUE(sign._isForced);
     EXPECT_TRUE(sign._hasOutput);
     EXPECT_EQ(sign._outputPath, "out");
@@ -21,7 +21,7 @@ TEST(Arguments, AreUnderstood)
         "--signature=s",
     });
     EXPECT_EQ(test._command, clCommand::Test);
-    EXPECT_EQ(test._files, std::vector<std::string>{"a"});
+    EXPECT_EQ(test._files, std::vector<gtString>{"a"});
     EXPECT_TRUE(test._hasSignature);
     EXPECT_EQ(test._signaturePath, "s");
     EXPECT_FALSE(test._hasOutput);
@@ -36,23 +36,23 @@ TEST(Arguments, AreUnderstood)
     EXPECT_EQ(clParseArguments({"key", "-k", "k"})._command, clCommand::Key);
     EXPECT_FALSE(clParseArguments({"key", "-k", "k"})._isPrivateWanted);
     EXPECT_TRUE(clParseArguments({"key", "-k", "k", "--private"})._isPrivateWanted);
-    EXPECT_EQ(clParseArguments({"digest", "-k", "k", "f", "g"})._files, (std::vector<std::string>{"f", "g"}));
+    EXPECT_EQ(clParseArguments({"digest", "-k", "k", "f", "g"})._files, (std::vector<gtString>{"f", "g"}));
 }
 
 TEST(Arguments, TakeOddNamesAsTheyAre)
 {
-    const std::vector<std::string> names = {"[a,b]",    "[]",    "[",       "a b",       "two\nlines", "-dash", "--key",
-                                            "--",       "\x1f",  "[a]\x1f", "x\x1f\x1f", "",           "%%",    "{}",
-                                            "\xff\xfe", "@file", "sign",    "a=b",       "'quoted'",   "\"q\"", "#"};
+    const std::vector<gtString> names = {"[a,b]",    "[]",    "[",       "a b",       "two\nlines", "-dash", "--key",
+                                         "--",       "\x1f",  "[a]\x1f", "x\x1f\x1f", "",           "%%",    "{}",
+                                         "\xff\xfe", "@file", "sign",    "a=b",       "'quoted'",   "\"q\"", "#"};
     for (const char* pCommand : {"sign", "test", "digest"})
     {
-        std::vector<std::string> arguments = {pCommand, "--key", "[k]", "--"};
+        std::vector<gtString> arguments = {pCommand, "--key", "[k]", "--"};
         arguments.insert(arguments.end(), names.begin(), names.end());
         const clArguments result = clParseArguments(arguments);
         EXPECT_EQ(result._files, names) << result._text;
         EXPECT_EQ(result._keyPath, "[k]");
     }
-    for (const std::string& name : names)
+    for (const gtString& name : names)
     {
         const clArguments result = clParseArguments({"encrypt", "--key", "k", "--", name});
         EXPECT_EQ(result._command, clCommand::Encrypt) << name << result._text;
@@ -61,12 +61,12 @@ TEST(Arguments, TakeOddNamesAsTheyAre)
     }
     EXPECT_EQ(clParseArguments({"sign", "--key=-odd.pem", "f"})._keyPath, "-odd.pem");
     EXPECT_EQ(clParseArguments({"sign", "--key", "k", "--output", "-", "f"})._outputPath, "-");
-    EXPECT_EQ(clParseArguments({"sign", "--key", "k", "-"})._files, std::vector<std::string>{"-"});
+    EXPECT_EQ(clParseArguments({"sign", "--key", "k", "-"})._files, std::vector<gtString>{"-"});
 }
 
 TEST(Arguments, ThatAreWrongAreToldAbout)
 {
-    const std::vector<std::vector<std::string>> wrong = {
+    const std::vector<std::vector<gtString>> wrong = {
         {},
         {"bogus"},
         {""},
@@ -88,14 +88,14 @@ TEST(Arguments, ThatAreWrongAreToldAbout)
         {"digest", "--key", "k"},
         {"sign", "--key", "k", "f", "test", "--key", "k", "--bogus"},
     };
-    for (const std::vector<std::string>& arguments : wrong)
+    for (const std::vector<gtString>& arguments : wrong)
     {
         const clArguments result = clParseArguments(arguments);
-        EXPECT_EQ(result._command, clCommand::WrongUse) << (arguments.empty() ? "" : arguments.back());
-        EXPECT_EQ(result._text.substr(0, 13), "countersign: ");
-        EXPECT_NE(result._text.find("--help"), std::string::npos);
+        EXPECT_EQ(result._command, clCommand::WrongUse) << (arguments.empty() ? gtString() : arguments.back());
+        EXPECT_EQ(result._text.asStringView().substr(0, 13), "countersign: ");
+        EXPECT_NE(result._text.asStringView().find("--help"), std::string_view::npos);
     }
-    EXPECT_NE(clParseArguments({"bogus\n"})._text.find("bogus\\n"), std::string::npos);
+    EXPECT_NE(clParseArguments({"bogus\n"})._text.asStringView().find("bogus\\n"), std::string_view::npos);
 }
 
 TEST(Arguments, AskForTexts)
@@ -106,11 +106,12 @@ TEST(Arguments, AskForTexts)
         {
             const clArguments result = clParseArguments({pCommand, pHelp});
             EXPECT_EQ(result._command, clCommand::ShowText);
-            EXPECT_NE(result._text.find("Examples:"), std::string::npos) << pCommand;
-            EXPECT_NE(result._text.find(std::string("countersign ") + pCommand), std::string::npos) << pCommand;
+            EXPECT_NE(result._text.asStringView().find("Examples:"), std::string_view::npos) << pCommand;
+            EXPECT_NE(result._text.asStringView().find(std::string("countersign ") + pCommand), std::string_view::npos)
+                << pCommand;
         }
     }
     EXPECT_EQ(clParseArguments({"--help"})._command, clCommand::ShowText);
     EXPECT_EQ(clParseArguments({"--version"})._command, clCommand::ShowText);
-    EXPECT_EQ(clParseArguments({"--version"})._text.substr(0, 12), "countersign ");
+    EXPECT_EQ(clParseArguments({"--version"})._text.asStringView().substr(0, 12), "countersign ");
 }

@@ -51,7 +51,7 @@ TEST(PrintableName, EscapesWhatIsNoUtf8)
 
 TEST(PrintableName, KeepsDifferentNamesDifferent)
 {
-    std::set<std::string> seen;
+    std::set<gtString> seen;
     for (unsigned int first = 0; first < 256; first++)
     {
         for (unsigned int second = 0; second < 256; second++)

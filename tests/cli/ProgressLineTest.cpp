@@ -15,7 +15,7 @@ struct Stage
     clProgressLine line(const std::string& name, int columns)
     {
         return clProgressLine(
-            name, columns, [this] { return now; }, [this](const std::string& text) { shown += text; },
+            name, columns, [this] { return now; }, [this](const gtString& text) { shown += text.asStringView(); },
             [this] { return isCancelled; });
     }
 };
