@@ -6,11 +6,11 @@
 namespace
 {
 
-std::string keptText(const char* pText)
+gtString keptText(const char* pText)
 {
     if (pText == nullptr)
     {
-        return std::string();
+        return gtString();
     }
     std::size_t length = strnlen(pText, arAssertionReport::mostTextBytes + 1);
     if (length > arAssertionReport::mostTextBytes)
@@ -23,12 +23,12 @@ std::string keptText(const char* pText)
             --length;
         }
     }
-    return std::string(pText, length);
+    return gtString(pText, static_cast<int>(length));
 }
 
-std::pair<std::string, int> placeOf(const char* file, int line)
+std::pair<gtString, int> placeOf(const char* file, int line)
 {
-    return {file == nullptr ? "" : file, line};
+    return {gtString(file), line};
 }
 
 }  // namespace
@@ -36,9 +36,9 @@ std::pair<std::string, int> placeOf(const char* file, int line)
 void arAssertionReport::record(const char* function, const char* file, int line, const char* message,
                                unsigned int threadId, std::int64_t seconds, std::vector<std::uintptr_t> stack)
 {
-    std::pair<std::string, int> place = placeOf(file, line);
-    std::string keptFunction = keptText(function);
-    std::string keptMessage = keptText(message);
+    std::pair<gtString, int> place = placeOf(file, line);
+    gtString keptFunction = keptText(function);
+    gtString keptMessage = keptText(message);
 
     const std::lock_guard<std::mutex> lock(_mutex);
     const auto position = _positions.find(place);
@@ -63,8 +63,8 @@ void arAssertionReport::record(const char* function, const char* file, int line,
             _rows.push_back(std::move(row));
         }
         arAssertionRow& row = position == _positions.end() ? _rows.back() : _rows[position->second];
-        row._function.swap(keptFunction);
-        row._message.swap(keptMessage);
+        std::swap(row._function, keptFunction);
+        std::swap(row._message, keptMessage);
         row._stack.swap(stack);
         ++row._count;
         row._lastSeconds = seconds;
@@ -72,18 +72,18 @@ void arAssertionReport::record(const char* function, const char* file, int line,
         row._threadId = threadId;
     }
     ++_amountOfFailures;
-    tell();
+    notify();
 }
 
 void arAssertionReport::decide(const char* file, int line, arAssertionDecision decision)
 {
-    const std::pair<std::string, int> place = placeOf(file, line);
+    const std::pair<gtString, int> place = placeOf(file, line);
     const std::lock_guard<std::mutex> lock(_mutex);
     const auto position = _positions.find(place);
     if (position != _positions.end())
     {
         _rows[position->second]._decision = decision;
-        tell();
+        notify();
     }
 }
 
@@ -91,7 +91,7 @@ std::vector<arAssertionRow> arAssertionReport::rows()
 {
     const std::lock_guard<std::mutex> lock(_mutex);
     std::vector<arAssertionRow> copies(_rows);
-    _isToldOfChange = false;
+    _isListenerNotified = false;
     return copies;
 }
 
@@ -113,11 +113,11 @@ void arAssertionReport::setListener(std::function<void()> listener)
     _listener.swap(listener);
 }
 
-void arAssertionReport::tell()
+void arAssertionReport::notify()
 {
-    if (_listener && !_isToldOfChange)
+    if (_listener && !_isListenerNotified)
     {
-        _isToldOfChange = true;
+        _isListenerNotified = true;
         _listener();
     }
 }

@@ -6,12 +6,13 @@
 #ifndef AR_ASSERTION_REPORT_H
 #define AR_ASSERTION_REPORT_H
 
+#include "platform/baseTools/gtString.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <mutex>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -31,10 +32,10 @@ enum class arAssertionDecision
 
 struct arAssertionRow
 {
-    std::string _file;
+    gtString _file;
     int _line = 0;
-    std::string _function;                                      // of the last failure
-    std::string _message;                                       // the same
+    gtString _function;                                         // of the last failure
+    gtString _message;                                          // the same
     std::uint64_t _count = 0;                                   // of failures
     std::int64_t _firstSeconds = 0;                             // since 1970
     std::int64_t _lastSeconds = 0;                              // the same
@@ -73,15 +74,15 @@ public:
     void setListener(std::function<void()> listener);
 
 private:
-    void tell();
+    void notify();
 
     mutable std::mutex _mutex;  // guards the rest
     std::vector<arAssertionRow> _rows;
-    std::map<std::pair<std::string, int>, std::size_t> _positions;
+    std::map<std::pair<gtString, int>, std::size_t> _positions;
     std::uint64_t _amountOfFailures = 0;
     std::uint64_t _amountWithoutRow = 0;
     std::function<void()> _listener;
-    bool _isToldOfChange = false;
+    bool _isListenerNotified = false;
 };
 
 #pragma GCC visibility pop

@@ -4,12 +4,16 @@
 #include "assertionReporting/arStackTrace.h"
 #include "platform/osWrappers/osTime.h"
 
+#include <string>
+#include <utility>
+
 namespace
 {
 
-std::string onOneLine(std::string text)
+gtString onOneLine(const gtString& text)
 {
-    for (char& byte : text)
+    std::string line = text.asStdString();
+    for (char& byte : line)
     {
         const auto value = static_cast<unsigned char>(byte);
         if (value < 0x20U || value == 0x7FU)
@@ -17,15 +21,15 @@ std::string onOneLine(std::string text)
             byte = ' ';
         }
     }
-    return text;
+    return line;
 }
 
-std::string stackOnOneLine(const std::vector<std::uintptr_t>& stack)
+gtString stackOnOneLine(const std::vector<std::uintptr_t>& stack)
 {
-    std::string text;
-    for (const std::string& frame : arStackLines(stack))
+    gtString text;
+    for (const gtString& frame : arStackLines(stack))
     {
-        text += (text.empty() ? "" : "; ") + onOneLine(frame);
+        text.append(text.isEmpty() ? "" : "; ").append(onOneLine(frame));
     }
     return text;
 }
@@ -56,30 +60,40 @@ const char* arDecisionWord(arAssertionDecision decision)
     return "none";
 }
 
-std::string arThreadWords(const arAssertionRow& row, unsigned int mainThreadId)
+gtString arThreadWords(const arAssertionRow& row, unsigned int mainThreadId)
 {
     const std::string number = std::to_string(row._threadId);
-    return (row._threadId == mainThreadId ? "main (" + number + ")" : number) +
-           (row._isOfSeveralThreads ? ", others" : "");
+    const bool isMain = row._threadId == mainThreadId;
+    return gtString(isMain ? "main (" : "")
+        .append(number)
+        .append(isMain ? ")" : "")
+        .append(row._isOfSeveralThreads ? ", others" : "");
 }
 
-std::string arReportTime(std::int64_t seconds)
+gtString arReportTime(std::int64_t seconds)
 {
     gtString text;
     osTime(seconds).timeAsString(text, osTime::DATE_AND_TIME, osTime::LOCAL);
-    return std::string(text.asCharArray());
+    return text;
 }
 
-std::vector<std::string> arAssertionReportLines(const std::vector<arAssertionRow>& rows, unsigned int mainThreadId)
+std::vector<gtString> arAssertionReportLines(const std::vector<arAssertionRow>& rows, unsigned int mainThreadId)
 {
-    std::vector<std::string> lines = {"File\tLine\tCount\tFirst\tLast\tThread\tDecision\tFunction\tReason\tStack"};
+    std::vector<gtString> lines = {"File\tLine\tCount\tFirst\tLast\tThread\tDecision\tFunction\tReason\tStack"};
     lines.reserve(rows.size() + 1);
     for (const arAssertionRow& row : rows)
     {
-        lines.push_back(onOneLine(row._file) + "\t" + std::to_string(row._line) + "\t" + std::to_string(row._count) +
-                        "\t" + arReportTime(row._firstSeconds) + "\t" + arReportTime(row._lastSeconds) + "\t" +
-                        arThreadWords(row, mainThreadId) + "\t" + arDecisionWord(row._decision) + "\t" +
-                        onOneLine(row._function) + "\t" + onOneLine(row._message) + "\t" + stackOnOneLine(row._stack));
+        const gtString fields[] = {onOneLine(row._file),           std::to_string(row._line),
+                                   std::to_string(row._count),     arReportTime(row._firstSeconds),
+                                   arReportTime(row._lastSeconds), arThreadWords(row, mainThreadId),
+                                   arDecisionWord(row._decision),  onOneLine(row._function),
+                                   onOneLine(row._message),        stackOnOneLine(row._stack)};
+        gtString line;
+        for (const gtString& field : fields)
+        {
+            line.append(&field == fields ? "" : "\t").append(field);
+        }
+        lines.push_back(std::move(line));
     }
     return lines;
 }

@@ -6,7 +6,6 @@
 
 #include "assertionReporting/arAssertionReport.h"
 
-#include <string>
 #include <vector>
 
 #pragma GCC visibility push(default)
@@ -15,15 +14,15 @@
 const char* arDecisionWord(arAssertionDecision decision);
 
 // "1234", "main (1234)", and behind it ", others" where other threads have failed before.
-std::string arThreadWords(const arAssertionRow& row, unsigned int mainThreadId);
+gtString arThreadWords(const arAssertionRow& row, unsigned int mainThreadId);
 
 // Seconds since 1970 as local time: "2026-11-21 01:43:07".
-std::string arReportTime(std::int64_t seconds);
+gtString arReportTime(std::int64_t seconds);
 
 // A line with the columns' names and one for each row, all without a line end: file, line, count, first, last, thread,
 // decision, function, reason, stack (its frames with "; " between them) with a tab between them. Control characters inside a text are blanks, so a row is one line
 // and a column one column; other bytes stay as they are.
-std::vector<std::string> arAssertionReportLines(const std::vector<arAssertionRow>& rows, unsigned int mainThreadId);
+std::vector<gtString> arAssertionReportLines(const std::vector<arAssertionRow>& rows, unsigned int mainThreadId);
 
 #pragma GCC visibility pop
 

@@ -60,10 +60,11 @@ const wxSize listSize(980, 220);
 const wxSize stackSize(980, 140);
 const int pauseAfterShowing = 100;  // milliseconds
 
-gtString nameOf(const std::string& path)
+gtString nameOf(const gtString& path)
 {
-    const std::size_t start = path.rfind('/') + 1;
-    return gtString(start == path.size() ? path : path.substr(start));
+    const std::string_view bytes = path.asStringView();
+    const std::size_t start = bytes.rfind('/') + 1;
+    return start == bytes.size() ? path : gtString(bytes.substr(start));
 }
 
 void copyText(const wxString& text)
@@ -129,15 +130,15 @@ private:
         case COLUMN_COUNT:
             return gtNumberText(row._count);
         case COLUMN_FIRST:
-            return arReportTime(row._firstSeconds);
+            return gtTextFromBytes(arReportTime(row._firstSeconds));
         case COLUMN_LAST:
-            return arReportTime(row._lastSeconds);
+            return gtTextFromBytes(arReportTime(row._lastSeconds));
         case COLUMN_THREAD:
-            return arThreadWords(row, _mainThreadId);
+            return gtTextFromBytes(arThreadWords(row, _mainThreadId));
         case COLUMN_DECISION:
             return arDecisionWord(row._decision);
         default:
-            return gtDisplayText(gtString(row._message));
+            return gtDisplayText(row._message);
         }
     }
 
@@ -216,12 +217,12 @@ arAssertionReportWindow::~arAssertionReportWindow()
     _pReport->setListener(nullptr);
 }
 
-bool arAssertionReportWindow::saveAs(const std::string& path)
+bool arAssertionReportWindow::saveAs(const gtString& path)
 {
-    const osWritingResult writing = osWriteFileAtomically(path, gtBytesFromText(text(false)).asCharArray(), true);
+    const osWritingResult writing = osWriteFileAtomically(path, gtBytesFromText(text(false)).asStringView(), true);
     if (!writing.isOk())
     {
-        wxMessageBox("The report could not be written to " + gtDisplayText(gtString(path)) + ": " +
+        wxMessageBox("The report could not be written to " + gtDisplayText(path) + ": " +
                          gtTextFromBytes(std::strerror(writing._systemError)) + ".",
                      "Assertion report", wxOK | wxICON_ERROR, this);
     }
@@ -275,9 +276,9 @@ void arAssertionReportWindow::showStack()
     _shownStack = stack;
     wxString text;
     int number = 0;
-    for (const std::string& line : arStackLines(stack))
+    for (const gtString& line : arStackLines(stack))
     {
-        text += wxString::Format("%2d  ", number++) + gtDisplayText(gtString(line)) + "\n";
+        text += wxString::Format("%2d  ", number++) + gtDisplayText(line) + "\n";
     }
     if (text.empty() && pRow != nullptr)
     {
@@ -292,7 +293,7 @@ void arAssertionReportWindow::openSource(long position) const
     if (position >= 0 && static_cast<std::size_t>(position) < _rows.size())
     {
         const arAssertionRow& row = _rows[static_cast<std::size_t>(position)];
-        osOpenFileInSourceCodeEditor(osFilePath(gtString(row._file)), row._line);
+        osOpenFileInSourceCodeEditor(osFilePath(row._file), row._line);
     }
 }
 
@@ -301,9 +302,9 @@ wxString arAssertionReportWindow::text(bool isOnlySelected) const
     std::vector<arAssertionRow> rows = isOnlySelected ? _pList->selected() : std::vector<arAssertionRow>();
     wxString text;
     // Line by line: bytes that are no text in one do not touch the others.
-    for (const std::string& line : arAssertionReportLines(rows.empty() ? _rows : rows, _pList->mainThreadId()))
+    for (const gtString& line : arAssertionReportLines(rows.empty() ? _rows : rows, _pList->mainThreadId()))
     {
-        text += gtTextFromBytes(gtString(line)) + "\n";
+        text += gtTextFromBytes(line) + "\n";
     }
     return text;
 }
@@ -326,6 +327,6 @@ void arAssertionReportWindow::OnSave(wxCommandEvent&)
                         "Text with tabs (*.tsv)|*.tsv|All files|*", wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
     if (dialog.ShowModal() == wxID_OK)
     {
-        saveAs(gtPathBytesFromText(dialog.GetPath()).asCharArray());
+        saveAs(gtPathBytesFromText(dialog.GetPath()));
     }
 }

@@ -37,7 +37,7 @@ public:
 
     // Writes all rows to the file, in UTF-8, whole or not at all; what is there is replaced. Says in a message what
     // went wrong.
-    bool saveAs(const std::string& path);
+    bool saveAs(const gtString& path);
 
     // Whether something has changed that is not shown yet.
     bool isBehind() const { return _isChanged; }

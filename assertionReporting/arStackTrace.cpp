@@ -9,6 +9,7 @@
 #include <dlfcn.h>
 #include <memory>
 #include <new>
+#include <string>
 
 #if defined(AR_HAS_BACKTRACE)
 #include <backtrace.h>
@@ -190,9 +191,9 @@ bool arHasStacks()
 #endif
 }
 
-std::vector<std::string> arStackLines(const std::vector<std::uintptr_t>& stack)
+std::vector<gtString> arStackLines(const std::vector<std::uintptr_t>& stack)
 {
-    std::vector<std::string> lines;
+    std::vector<gtString> lines;
     for (const std::uintptr_t address : stack)
     {
         std::vector<Frame> frames = framesOf(address);

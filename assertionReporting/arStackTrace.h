@@ -6,9 +6,10 @@
 #ifndef AR_STACK_TRACE_H
 #define AR_STACK_TRACE_H
 
+#include "platform/baseTools/gtString.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #pragma GCC visibility push(default)
@@ -25,7 +26,7 @@ bool arHasStacks();
 // A line for each call: "function at file:line", as much of it as the program's debugging information tells; else the
 // library that it lies in, or the bare address. The frames in which the failed check is reported, which are the same for
 // all, are left out. Lets std::bad_alloc out. The first call reads the debugging information and takes a while.
-std::vector<std::string> arStackLines(const std::vector<std::uintptr_t>& stack);
+std::vector<gtString> arStackLines(const std::vector<std::uintptr_t>& stack);
 
 #pragma GCC visibility pop
 

@@ -5,18 +5,18 @@
 #include "platform/baseTools/gtAssert.h"
 #include "platform/osWrappers/osProcess.h"
 
-#include <string>
+#include <string_view>
 #include <utility>
 
 namespace
 {
 
 // Where the sources of this program are, if the compiler was given whole paths.
-std::string sourceFolder()
+gtString sourceFolder()
 {
-    const std::string file = __FILE__;
-    const std::string name = "/host/window/hoAssertionController.cpp";
-    return file.size() > name.size() ? file.substr(0, file.size() - name.size()) : std::string();
+    const std::string_view file = __FILE__;
+    const std::string_view name = "/host/window/hoAssertionController.cpp";
+    return file.substr(0, file.size() > name.size() ? file.size() - name.size() : 0);
 }
 
 }  // namespace
@@ -26,10 +26,10 @@ hoAssertionController::hoAssertionController(wxWindow& parent, Callbacks callbac
 {
     _kit.bridgeToolkit();
     _kit.setBeforeEnd(_callbacks._onEnd);
-    const std::string folder = sourceFolder();
-    if (!folder.empty())
+    const gtString folder = sourceFolder();
+    if (!folder.isEmpty())
     {
-        osAddSourceCodeFolder(osFilePath(gtString(folder)));
+        osAddSourceCodeFolder(osFilePath(folder));
     }
 }
 

@@ -141,7 +141,7 @@ void hoEncryptionDialog::encrypt()
     gtWipe(text);
     if (result.isOk())
     {
-        _pCipher->ChangeValue(wxString::FromAscii(cipherText.asCharArray()));
+        _pCipher->ChangeValue(gtTextFromBytes(cipherText));
         say("Encrypted.");
     }
     else
@@ -213,7 +213,5 @@ void hoEncryptionDialog::say(const wxString& text)
 void hoEncryptionDialog::sayWithBytes(const wxString& text, const gtString& bytes)
 {
     say(text);
-    hoDetailsDialog(this, "No text",
-                    text + " These bytes come out:", wxString::FromAscii(hoHexDump(bytes).asCharArray()))
-        .ShowModal();
+    hoDetailsDialog(this, "No text", text + " These bytes come out:", gtTextFromBytes(hoHexDump(bytes))).ShowModal();
 }

@@ -143,7 +143,7 @@ void hoNewKeyDialog::OnCreate(wxCommandEvent&)
     }
     catch (const std::system_error& error)
     {
-        say("The key pair cannot be made now: " + wxString::FromUTF8(error.code().message()) + ".");
+        say("The key pair cannot be made now: " + gtTextFromBytes(error.code().message()) + ".");
         return;
     }
     setBusy(true);

@@ -82,7 +82,7 @@ void hoSigningController::begin(hoSigningJob::Kind kind, const std::vector<hoDoc
     catch (const std::system_error& error)
     {
         wxMessageDialog(&_parent,
-                        "The work cannot be begun now: " + wxString::FromUTF8(error.code().message()) +
+                        "The work cannot be begun now: " + gtTextFromBytes(error.code().message()) +
                             ". Try again when fewer programs are running.",
                         "Countersign", wxOK | wxICON_ERROR)
             .ShowModal();

@@ -63,8 +63,8 @@ wxString hoKeyText(const hoLoadedKey& key, bool isPrivate)
         return wxString();
     }
     const wxString kind = isPrivate ? "private" : "public";
-    return wxString::Format("%d-bit %s key ", key._pKey->bits(), kind) + hoShortFingerprint(*key._pKey).asCharArray() +
-           ", " + hoDisplayText(hoLastComponent(key._path), 40);
+    return wxString::Format("%d-bit %s key ", key._pKey->bits(), kind) +
+           gtTextFromBytes(hoShortFingerprint(*key._pKey)) + ", " + hoDisplayText(hoLastComponent(key._path), 40);
 }
 
 hoSummary hoKeyWarning(const hoLoadedKey& key)

@@ -2,6 +2,7 @@
 #include "host/window/hoWindowMemory.h"
 
 #include "host/window/hoDisplayText.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/frame.h>
 
@@ -15,12 +16,12 @@ namespace
 const std::size_t mostColumns = 20;
 const int mostColumnWidth = 10000;
 
-std::string placeSetting(const wxString& name)
+gtString placeSetting(const wxString& name)
 {
-    return ("window." + name).ToStdString();
+    return gtBytesFromText("window." + name);
 }
 
-std::string columnSetting(std::size_t column)
+gtString columnSetting(std::size_t column)
 {
     return "column." + std::to_string(column);
 }

@@ -130,6 +130,17 @@ protected:
     arAssertionReportWindow* const _pWindow;
 };
 
+// As text that matchers take.
+std::vector<std::string> linesOf(const std::vector<std::uintptr_t>& stack)
+{
+    std::vector<std::string> lines;
+    for (const gtString& line : arStackLines(stack))
+    {
+        lines.push_back(line.asStdString());
+    }
+    return lines;
+}
+
 }  // namespace
 
 TEST_F(AssertionKit, RegistersOneHandlerForTheRun)
@@ -169,9 +180,9 @@ TEST_F(AssertionKit, KeepsTheStackOfTheLastFailure)
     }
     failWithDialog("Return");
     ASSERT_FALSE(row()._stack.empty());
-    EXPECT_THAT(arStackLines(row()._stack)[0], HasSubstr("failDeepInside"));
+    EXPECT_THAT(linesOf(row()._stack)[0], HasSubstr("failDeepInside"));
     std::thread(&failDeepInside).join();
-    const std::vector<std::string> ofThread = arStackLines(row()._stack);
+    const std::vector<std::string> ofThread = linesOf(row()._stack);
     EXPECT_THAT(ofThread[0], HasSubstr("failDeepInside"));
     EXPECT_THAT(ofThread, testing::Not(testing::Contains(HasSubstr("TestBody"))));
 }

@@ -18,7 +18,7 @@ std::string reportedAs(const std::string& text)
 {
     arAssertionReport report;
     report.record("f", "a.cpp", 1, text.c_str(), mainThread, 0);
-    return report.rows().at(0)._message;
+    return report.rows().at(0)._message.asStdString();
 }
 }  // namespace
 

@@ -68,11 +68,22 @@ public:
     std::vector<std::uintptr_t> stack;
 };
 
+// As text that matchers take.
+std::vector<std::string> linesOf(const std::vector<std::uintptr_t>& stack)
+{
+    std::vector<std::string> lines;
+    for (const gtString& line : arStackLines(stack))
+    {
+        lines.push_back(line.asStdString());
+    }
+    return lines;
+}
+
 }  // namespace
 
 TEST_F(StackTrace, NamesTheCallsFromTheInnermostOn)
 {
-    const std::vector<std::string> lines = arStackLines(outerCall(2));
+    const std::vector<std::string> lines = linesOf(outerCall(2));
     ASSERT_GT(lines.size(), 5U);
     EXPECT_THAT(lines[0], HasSubstr("innermostCall"));
     EXPECT_THAT(lines[1], HasSubstr("outerCall"));
@@ -85,7 +96,7 @@ TEST_F(StackTrace, NamesTheCallsFromTheInnermostOn)
 TEST_F(StackTrace, TellsFileAndLine)
 {
     const int line = __LINE__ + 1;
-    const std::vector<std::string> lines = arStackLines(outerCall(0));
+    const std::vector<std::string> lines = linesOf(outerCall(0));
     ASSERT_GT(lines.size(), 3U);
     EXPECT_THAT(lines[2], HasSubstr("arStackTraceTest.cpp:" + std::to_string(line)));
 }
@@ -94,7 +105,7 @@ TEST_F(StackTrace, BeginsWithTheCheckThatFailed)
 {
     StackTaker taker;
     EXPECT_TRUE(failingCall());
-    const std::vector<std::string> lines = arStackLines(taker.stack);
+    const std::vector<std::string> lines = linesOf(taker.stack);
     ASSERT_GT(lines.size(), 2U);
     EXPECT_THAT(lines[0], HasSubstr("failingCall"));
     EXPECT_THAT(lines[1], HasSubstr("BeginsWithTheCheckThatFailed"));
@@ -104,7 +115,7 @@ TEST_F(StackTrace, IsOfTheCallingThread)
 {
     std::vector<std::uintptr_t> stack;
     std::thread([&] { stack = outerCall(0); }).join();
-    const std::vector<std::string> lines = arStackLines(stack);
+    const std::vector<std::string> lines = linesOf(stack);
     EXPECT_THAT(lines, testing::Contains(HasSubstr("innermostCall")));
     EXPECT_THAT(lines, testing::Not(testing::Contains(HasSubstr("RUN_ALL_TESTS"))));
 }
@@ -124,6 +135,6 @@ TEST_F(StackTrace, IsEmptyWithoutMemory)
 
 TEST_F(StackTrace, ShowsAddressesThatNobodyKnows)
 {
-    EXPECT_THAT(arStackLines({}), IsEmpty());
-    EXPECT_THAT(arStackLines({0x10}), testing::ElementsAre("0x10"));
+    EXPECT_THAT(linesOf({}), IsEmpty());
+    EXPECT_THAT(linesOf({0x10}), testing::ElementsAre("0x10"));
 }

@@ -156,7 +156,7 @@ void writeReportAndEnd()
 {
     for (const arAssertionRow& row : pReportAtEnd->rows())
     {
-        std::fprintf(stderr, "row: %s, %s, %s\n", row._function.c_str(), row._message.c_str(),
+        std::fprintf(stderr, "row: %s, %s, %s\n", row._function.asCharArray(), row._message.asCharArray(),
                      row._decision == arAssertionDecision::Terminated ? "terminated" : "another decision");
     }
     std::_Exit(7);

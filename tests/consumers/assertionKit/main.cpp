@@ -47,7 +47,7 @@ private:
     {
         for (const arAssertionRow& row : _pKit->report()->rows())
         {
-            std::printf("%s: %s\n", row._function.c_str(), row._message.c_str());
+            std::printf("%s: %s\n", row._function.asCharArray(), row._message.asCharArray());
         }
         _pKit.reset();
         return 0;
