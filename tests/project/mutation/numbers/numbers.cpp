@@ -1,55 +1,66 @@
 #include "numbers/numbers.h"
 
-#include <utility>
-
-int greatestCommonDivisor(int a, int b)
-{
-    if (a < b)
-    {
-        std::swap(a, b);
-    }
-    while (b != 0)
-    {
-        const int rest = a % b;
-        a = b;
-        b = rest;
-    }
-    return a;
-}
-
 bool isMorning(int hour)
 {
     return hour < 12;
 }
 
-// Nobody asks for parts of size 0, which the compiler sees when it optimises more than a little.
-static int wholeParts(int amount, int size)
+// Without it, nothing fails but the address sanitizer, which finds the leak.
+void dispose(const int* pNumber)
 {
-    if (size == 0)
+    delete pNumber;
+}
+
+// Nobody asks for it, and an empty value is the same program.
+Season firstSeason()
+{
+    return Season::Winter;
+}
+
+Season lastSeason()
+{
+    return Season::Summer;
+}
+
+static int difference(int a, int b = 0)
+{
+    return a - b;
+}
+
+// Nobody asks for a difference from anything but 0.
+int differenceOf(int a, int b)
+{
+    return difference(a, b);
+}
+
+bool areDifferent(int a, int b)
+{
+    return difference(a, b) != 0;
+}
+
+static void add(int& number)
+{
+    number++;
+}
+
+void addTwice(int& number)
+{
+    add(number);
+    add(number);
+}
+
+// Nobody looks at the number afterwards.
+void addUnseen(int& number)
+{
+    add(number);
+}
+
+// Without its end, it hangs.
+void clear(int& number)
+{
+    for (;;)
     {
-        return 0;
+        number = 0;
+        break;
     }
-    return amount / size;
-}
-
-int daysOf(int hours)
-{
-    return wholeParts(hours, 24);
-}
-
-int hoursOf(int minutes)
-{
-    return wholeParts(minutes, 60);
-}
-
-bool contains(const int* pNumbers, int amount, int wanted)
-{
-    for (int i = 0; i < amount; i++)
-    {
-        if (pNumbers[i] == wanted)
-        {
-            return true;
-        }
-    }
-    return false;
 }

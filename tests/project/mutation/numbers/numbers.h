@@ -1,22 +1,20 @@
 #ifndef NUMBERS_H
 #define NUMBERS_H
 
-// Of two numbers that are not negative.
-int greatestCommonDivisor(int a, int b);
-
-// Hours are counted from 0.
-bool isMorning(int hour);
-
-// Whole ones.
-int daysOf(int hours);
-int hoursOf(int minutes);
-
-// For the tests' own use: no source of the library makes anything of it.
-inline bool isAfternoon(int hour)
+enum class Season
 {
-    return hour > 12;
-}
+    Winter,
+    Summer
+};
 
-bool contains(const int* pNumbers, int amount, int wanted);
+bool isMorning(int hour);
+void dispose(const int* pNumber);
+Season firstSeason();
+Season lastSeason();
+int differenceOf(int a, int b);
+bool areDifferent(int a, int b);
+void addTwice(int& number);
+void addUnseen(int& number);
+void clear(int& number);
 
 #endif

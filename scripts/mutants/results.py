@@ -1,0 +1,40 @@
+# SPDX-License-Identifier: Apache-2.0
+"""What became of each mutant, kept in a file for later runs, and shown in a table."""
+import collections
+
+# uncompiled: the compiler or the linker refuses it. same: the object code is the unchanged one. caught: a test fails,
+# crashes or hangs. equivalent: no test notices it, and the list says why. survived: no test notices it.
+STATES = ["uncompiled", "same", "caught", "equivalent", "survived"]
+
+
+class Results:
+    def __init__(self, path, keeps):
+        self.path, self.of = path, {}
+        lines = path.read_text().splitlines() if keeps and path.exists() else []
+        for state, by, *key in (line.split("\t") for line in lines):
+            self.of[tuple(key)] = (state, by)
+        if not keeps:
+            path.write_text("")
+
+    def set(self, key, state, by):
+        self.of[key] = (state, by)
+        with open(self.path, "a") as sink:
+            sink.write("\t".join([state, by, *key]) + "\n")
+
+    def counts(self, keys):
+        return collections.Counter(self.of[key][0] for key in keys if key in self.of)
+
+
+def table(rows):
+    """rows: (room, mutants, counts)"""
+    if len(rows) > 1:
+        rows = [*rows, ("all", sum(r[1] for r in rows), sum((r[2] for r in rows), collections.Counter()))]
+    heads = ["room", "mutants", "tried", *STATES, "caught of those that differ"]
+    lines = [heads]
+    for room, mutants, counts in rows:
+        differing = counts["caught"] + counts["survived"]
+        percent = f"{100 * counts['caught'] / differing:.1f} %" if differing else "-"
+        lines.append([room, str(mutants), str(counts.total()), *(str(counts[state]) for state in STATES), percent])
+    widths = [max(len(line[i]) for line in lines) for i in range(len(heads))]
+    return "\n".join("  ".join([line[0].ljust(widths[0]), *(w.rjust(n) for w, n in zip(line[1:], widths[1:]))])
+                     for line in lines)  # fmt: skip
