@@ -2,7 +2,7 @@
 #include "platform/baseTools/gtAssert.h"
 
 #include <cerrno>
-#include <new>
+#include <exception>
 
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "platform/baseTools/gtString.h"
@@ -20,9 +20,9 @@ int gtReportFailedAssertion(const char* functionName, const char* fileName, int 
             wholeMessage.append(message).append(": ").append(text);
             pMessage = wholeMessage.asCharArray();
         }
-        catch (const std::bad_alloc&)
+        catch (const std::exception&)
         {
-            // The condition alone says enough.
+            // No memory, or more than a text holds. The condition alone says enough.
         }
     }
     // Allocating may have changed it, and handlers are to find that of the failing code.

@@ -63,8 +63,8 @@ extern "C"
 {
 #endif
 
-    // An assertion failed: the registered handlers hear of it, with the message, or "MESSAGE: TEXT" if there is a text (of
-    // which nothing comes through if there is no memory to put them together). Any argument may be null. Gives 0, so that it
+    // An assertion failed: the registered handlers hear of it, with the message, or "MESSAGE: TEXT" if there is a text (which
+    // is left out where both together find no memory or are more than a gtString holds). Any argument may be null. Gives 0, so that it
     // can stand for the check that failed. The same as gtTriggerAssertonFailureHandler, callable from C.
     int gtReportFailedAssertion(const char* functionName, const char* fileName, int lineNumber, const char* message,
                                 const char* text)

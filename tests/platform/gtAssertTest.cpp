@@ -2,11 +2,15 @@
 #include "platform/baseTools/gtAssert.h"
 
 #include <cerrno>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <vector>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -267,6 +271,50 @@ TEST(Assert, WithoutMemoryTheConditionIsReportedAlone)
     }
     EXPECT_EQ(handler.amount, 1);
     EXPECT_TRUE(handler.lastMessage);
+}
+
+// One page of characters, over and over: more than a gtString holds, in hardly any memory.
+class EndlessText
+{
+public:
+    EndlessText()
+    {
+        const int page = memfd_create("text", 0);
+        _isMade = page >= 0 && _pText != MAP_FAILED && ftruncate(page, pieceLength) == 0;
+        for (std::size_t begin = 0; _isMade && begin < length; begin += pieceLength)
+        {
+            _isMade = mmap(_pText + begin, pieceLength, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, page, 0) !=
+                      MAP_FAILED;
+        }
+        static_cast<void>(close(page));
+        if (_isMade)
+        {
+            std::memset(_pText, 't', pieceLength);
+        }
+    }
+    EndlessText(const EndlessText&) = delete;
+    EndlessText& operator=(const EndlessText&) = delete;
+    ~EndlessText() { munmap(_pText, length + pieceLength); }
+
+    // Behind the pieces is memory of zeros.
+    const char* characters() const { return _isMade ? _pText : nullptr; }
+
+private:
+    static constexpr std::size_t pieceLength = std::size_t{1} << 20;
+    static constexpr std::size_t length = std::size_t{1} << 31;
+
+    char* const _pText = static_cast<char*>(
+        mmap(nullptr, length + pieceLength, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
+    bool _isMade = false;
+};
+
+TEST(Assert, TextOfMoreBytesThanATextHoldsIsLeftOut)
+{
+    const EndlessText text;
+    ASSERT_NE(text.characters(), nullptr);
+    Recorder recorder;
+    EXPECT_FALSE(GT_ASSERT_EX(1 == 2, text.characters()));
+    EXPECT_THAT(recorder.messages(), ElementsAre("Assertion failure (1 == 2)"));
 }
 
 TEST(Assert, TakesNullWhereverThereIsText)
