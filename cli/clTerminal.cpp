@@ -52,13 +52,40 @@ int readLine(int terminal, char* pBuffer, int size)
     }
 }
 
+// False when they could not be set. A signal may interrupt the waiting for what is written still.
+bool setTerminal(int terminal, const struct termios& settings)
+{
+    while (::tcsetattr(terminal, TCSAFLUSH, &settings) != 0)
+    {
+        if (errno != EINTR)
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Switches off that the terminal shows what is typed, and stores its settings of before. False where there is no terminal,
+// or it cannot be done.
+bool silence(int terminal, struct termios& settings)
+{
+    if ((terminal < 0) || (::tcgetattr(terminal, &settings) != 0))
+    {
+        return false;
+    }
+    struct termios silent = settings;
+    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    silent.c_lflag |= static_cast<tcflag_t>(ECHONL);
+    return setTerminal(terminal, silent);
+}
+
 }  // namespace
 
 int clTerminalPassphrase::getPassphrase(char* pBuffer, int size)
 {
     const int terminal = ::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY);
     struct termios settings = {};
-    if ((terminal < 0) || (::tcgetattr(terminal, &settings) != 0))
+    if (!silence(terminal, settings))
     {
         _isWithoutTerminal = true;
         if (terminal >= 0)
@@ -67,13 +94,10 @@ int clTerminalPassphrase::getPassphrase(char* pBuffer, int size)
         }
         return -1;
     }
-    struct termios silent = settings;
-    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    silent.c_lflag |= static_cast<tcflag_t>(ECHONL);
-    ::tcsetattr(terminal, TCSAFLUSH, &silent);
     print(terminal, gtString("Passphrase for ").append(_name).append(": "));
     const int length = readLine(terminal, pBuffer, size);
-    ::tcsetattr(terminal, TCSAFLUSH, &settings);
+    // Nobody is left to hear that this fails.
+    static_cast<void>(setTerminal(terminal, settings));
     if (length < 0)
     {
         print(terminal, "\n");

@@ -5,8 +5,8 @@
 
 #include "host/keys/hoKeyFile.h"
 
-// Asks for the passphrase of a key file on the terminal, without showing what is typed, whatever standard input and
-// output are.
+// Asks for the passphrase of a key file on the terminal, whatever standard input and output are. Does not ask where the
+// terminal would show what is typed.
 class clTerminalPassphrase : public hoIPassphraseSource
 {
 public:

@@ -225,6 +225,21 @@ TEST_F(Faults, GiveNoOtherCipherText)
     }
 }
 
+// A terminal that goes on showing what is typed is not asked on.
+TEST_F(Faults, ShowNoPassphrase)
+{
+    runOpenSSL(_folder, {"rsa", "-in", "private.pem", "-aes256", "-passout", "pass:sesame", "-out", "locked.pem"});
+    tsCommand key = command({"key", "-k", "locked.pem"});
+    key._hasTerminal = true;
+    key._prepare = [] { setenv("COUNTERSIGN_FAULT", ("tcsetattr:1:" + std::to_string(EIO)).c_str(), 1); };
+    key._type = [](const std::string& printed, pid_t)
+    { return std::string(printed.find("Passphrase") == std::string::npos ? "" : "sesame\n"); };
+    const tsOutcome outcome = tsRun(key);
+    EXPECT_EQ(outcome._exitStatus, 2);
+    EXPECT_THAT(outcome._printed, ::testing::Not(::testing::HasSubstr("Passphrase for")));
+    EXPECT_THAT(outcome._printed, ::testing::HasSubstr("no terminal"));
+}
+
 // There are many hundreds of these; some will do.
 TEST_F(Faults, OfTheParserAreTold)
 {

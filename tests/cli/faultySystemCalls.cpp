@@ -7,7 +7,8 @@
 //   COUNTERSIGN_WITHOUT=<call>,...              these always fail, as on a file system that does not have them: link and
 //                                               renameat2
 //
-// Calls: open, read, write, fsync, close, link, rename, renameat2, fstat, stat, realpath; new for the allocations from the first
+// Calls: open, read, write, fsync, close, link, rename, renameat2, fstat, stat, realpath,
+// tcsetattr; new for the allocations from the first
 // opened file on, parse for those from the start of main on (to be exact from its first pipe: nobody catches what static
 // objects throw).
 
@@ -22,6 +23,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "tests/support/failingAllocation.h"
@@ -226,6 +228,13 @@ extern "C"
     int stat64(const char* pPath, struct stat64* pStatus) noexcept
     {
         return hasFailed("stat") ? -1 : next<int (*)(const char*, struct stat64*)>("stat64")(pPath, pStatus);
+    }
+
+    int tcsetattr(int descriptor, int when, const struct termios* pSettings) noexcept
+    {
+        return hasFailed("tcsetattr")
+                   ? -1
+                   : next<int (*)(int, int, const struct termios*)>("tcsetattr")(descriptor, when, pSettings);
     }
 
     char* realpath(const char* pPath, char* pResolved) noexcept
