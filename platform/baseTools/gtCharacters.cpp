@@ -24,6 +24,7 @@ constexpr Range invisible[] = {
     {0xFEFF, 0xFEFF},    // byte order mark
     {0xFFA0, 0xFFA0},    // half-width Hangul filler
     {0xFFF0, 0xFFFB},    // annotations
+    {0x1BCA0, 0x1BCA3},  // shorthand formatting
     {0x1D173, 0x1D17A},  // musical formatting
     {0xE0000, 0xE007F},  // tags
     {0xE0100, 0xE01EF},  // variation selectors of ideographs

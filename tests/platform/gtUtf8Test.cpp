@@ -83,7 +83,7 @@ TEST(Characters, AreHarmlessControlsOrInvisible)
         EXPECT_EQ(gtKindOfCharacter(codePoint, 0), gtCharacterKind::Harmless) << codePoint;
     }
     for (const std::uint32_t codePoint :
-         {0xADU, 0x61CU, 0x200BU, 0x200FU, 0x202EU, 0x2066U, 0xFEFFU, 0xE0001U, 0xE01EFU})
+         {0xADU, 0x61CU, 0x200BU, 0x200FU, 0x202EU, 0x2066U, 0xFEFFU, 0x1BCA0U, 0x1BCA3U, 0xE0001U, 0xE01EFU})
     {
         EXPECT_EQ(gtKindOfCharacter(codePoint, 0), gtCharacterKind::Invisible) << codePoint;
     }
