@@ -2,8 +2,11 @@
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <cstring>
+#include <string_view>
 
 #include <wx/strconv.h>
+
+#include "platform/baseTools/gtUtf8.h"
 
 namespace
 {
@@ -13,69 +16,6 @@ const wxUint32 privateUseOfBytes = 0x100000;
 
 const wxUint32 replacementCharacter = 0xFFFD;
 const wxUint32 pictureOfNul = 0x2400;
-
-// The length of the well-formed UTF-8 sequence that pBytes[0..length) begins with (Unicode 15.0, table 3-7), 0 if it
-// begins with none. The toolkit's own decoder lets overlong sequences, surrogates and code points beyond the last pass.
-std::size_t sequenceLength(const unsigned char* pBytes, std::size_t length)
-{
-    const unsigned char lead = pBytes[0];
-    std::size_t sequence = 0;
-    unsigned char low = 0x80;
-    unsigned char high = 0xBF;
-    if (lead < 0x80)
-    {
-        sequence = 1;
-    }
-    else if (lead < 0xC2)
-    {
-        return 0;
-    }
-    else if (lead <= 0xDF)
-    {
-        sequence = 2;
-    }
-    else if (lead <= 0xEF)
-    {
-        sequence = 3;
-        low = lead == 0xE0 ? 0xA0 : low;
-        high = lead == 0xED ? 0x9F : high;
-    }
-    else if (lead <= 0xF4)
-    {
-        sequence = 4;
-        low = lead == 0xF0 ? 0x90 : low;
-        high = lead == 0xF4 ? 0x8F : high;
-    }
-    if (sequence > length)
-    {
-        return 0;
-    }
-    for (std::size_t i = 1; i < sequence; i++)
-    {
-        if (pBytes[i] < low || pBytes[i] > high)
-        {
-            return 0;
-        }
-        low = 0x80;
-        high = 0xBF;
-    }
-    return sequence;
-}
-
-// The code point of a well-formed sequence.
-wxUint32 codePointOf(const unsigned char* pBytes, std::size_t sequence)
-{
-    if (sequence == 1)
-    {
-        return pBytes[0];
-    }
-    wxUint32 codePoint = pBytes[0] & (0x7Fu >> sequence);
-    for (std::size_t i = 1; i < sequence; i++)
-    {
-        codePoint = (codePoint << 6) | (pBytes[i] & 0x3Fu);
-    }
-    return codePoint;
-}
 
 void appendByte(gtString& bytes, wxUint32 byte)
 {
@@ -157,22 +97,22 @@ wxString gtShowableText(const wxString& text)
 
 wxString gtPathTextFromBytes(const gtString& path)
 {
-    const auto* pBytes = reinterpret_cast<const unsigned char*>(path.asCharArray());
-    const std::size_t length = static_cast<std::size_t>(path.length());
     wxString text;
-    for (std::size_t i = 0; i < length;)
+    std::string_view rest = path.asStringView();
+    while (!rest.empty())
     {
-        const std::size_t sequence = sequenceLength(pBytes + i, length - i);
-        const wxUint32 codePoint = sequence == 0 ? 0 : codePointOf(pBytes + i, sequence);
-        if (sequence == 0 || standsForByte(codePoint))
+        // The toolkit's own decoder lets overlong forms and surrogates pass.
+        const std::size_t length = gtLengthOfUtf8Character(rest);
+        const wxUint32 codePoint = length == 0 ? 0 : gtCodePointOfUtf8Character(rest.substr(0, length));
+        if (length == 0 || standsForByte(codePoint))
         {
-            text += wxUniChar(privateUseOfBytes + pBytes[i]);
-            i++;
+            text += wxUniChar(privateUseOfBytes + static_cast<unsigned char>(rest.front()));
+            rest.remove_prefix(1);
         }
         else
         {
             text += wxUniChar(codePoint);
-            i += sequence;
+            rest.remove_prefix(length);
         }
     }
     return text;
