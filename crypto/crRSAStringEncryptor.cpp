@@ -46,7 +46,7 @@ void layOutText(unsigned char* pBuffer, int amountOfBytes, int bytesPerBlock, co
 
 // Appends to a text that has room for so many bytes, and makes more room if need be. A text that grows by itself would
 // give its memory back with the plain text in it. Returns whether there was memory.
-bool hasAppended(gtString& output, int& room, const char* pText, int lengthOfText)
+bool tryToAppend(gtString& output, int& room, const char* pText, int lengthOfText)
 {
     try
     {
@@ -192,7 +192,7 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output,
         pPlainText[1 + std::min(lengthOfText, amountOfDigits * bytesPerDigit)] = '\0';
         const auto length = static_cast<int>(std::strlen(pPlainText + 1));
         const bool isWithinLimit = length <= longestOutput - output.length();
-        isShortOfMemory = isWithinLimit && !hasAppended(output, room, pPlainText + 1, length);
+        isShortOfMemory = isWithinLimit && !tryToAppend(output, room, pPlainText + 1, length);
         if (!isWithinLimit || isShortOfMemory)
         {
             gtWipe(output);
