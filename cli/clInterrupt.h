@@ -4,7 +4,8 @@
 #define COUNTERSIGN_CL_INTERRUPT_H
 
 // From now on the first such signal is only noted, and calls of the system that wait come back early. A second one ends
-// the program at once: what is at hand may take long (a passphrase that is stretched a million times).
+// the program at once: what is at hand may take long (a passphrase that is stretched a million times). Signals that are
+// ignored (nohup) stay ignored. Where the system has no descriptors to give, nothing changes.
 void clCatchInterrupts();
 
 bool clIsInterrupted();

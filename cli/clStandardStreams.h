@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Standard input, output and error, with every failure told.
+// Standard input, output and error. Failures of the first two are returned; those of standard error have nobody to be
+// told to.
 #ifndef COUNTERSIGN_CL_STANDARD_STREAMS_H
 #define COUNTERSIGN_CL_STANDARD_STREAMS_H
 
@@ -14,7 +15,7 @@ int clFlushOutput();
 // Writes "countersign: ", the text and a line end to standard error.
 void clComplain(const gtString& text);
 
-// All of standard input, or its first bytes up to the limit. 0, or the system's error number: EINTR after a signal that
+// Appends all of standard input, until the bytes reach the limit. 0, or the system's error number: EINTR after a signal that
 // asks to end.
 int clReadInput(gtString& bytes, int limit);
 

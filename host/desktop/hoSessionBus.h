@@ -34,8 +34,9 @@ public:
     hoSessionBus& operator=(const hoSessionBus&) = delete;
 
     // Claims the name. Where another process has it, that one is asked to open the paths, or to come to the front if
-    // there are none; relative paths are taken from the current folder. Blocks until the bus has answered, some
-    // seconds at the most. Call it once.
+    // there are none; relative paths are taken from the current folder. Blocks until the bus has answered:
+    // some seconds at the most where it and the owner of the name work, half a minute where neither answers any more, and
+    // longer only if the bus takes the connection and then says nothing. Call it once.
     //
     // The two functions are called from GLib's main loop of the calling thread, never from inside start(), each
     // after its caller on the bus has its answer, so that they may take their time (open a dialog, for one).

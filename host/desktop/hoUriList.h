@@ -8,7 +8,7 @@
 
 #include <vector>
 
-// The name of this machine on the network.
+// The name of this machine on the network; empty if the system does not tell.
 gtString hoThisHost();
 
 // The bytes of the path that a URI names; empty if it names no file of this machine. A file is local when the scheme is
@@ -23,7 +23,7 @@ struct hoUriList
 };
 
 // Takes apart the text of a list (text/uri-list): one URI a line, lines that begin with '#' are remarks. Lines end in
-// CR LF or LF; blanks around an entry and NULs at the end do not count.
+// CR LF or LF; blanks around an entry do not count. The list ends at the first NUL, which some programs put behind it.
 hoUriList hoReadUriList(const gtString& text, const gtString& thisHost);
 
 #endif

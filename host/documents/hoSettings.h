@@ -2,8 +2,8 @@
 // What the application remembers between runs: names with values, in one small text file of the user's.
 //
 // Names hold ASCII letters, digits, '.', '-' and '_'; values are any bytes, escaped in the file (hoToPercentText). One
-// line is one setting, "name=value". Never put a key, a passphrase or a document's contents here. Owned and used by one
-// thread.
+// line is one setting, "name=value". Other names must not be used: nobody checks. Never put a key, a passphrase or a
+// document's contents here. Only std::bad_alloc comes out. Owned and used by one thread.
 #ifndef COUNTERSIGN_HO_SETTINGS_H
 #define COUNTERSIGN_HO_SETTINGS_H
 

@@ -96,7 +96,8 @@ private:
 // encrypted files need a passphrase that nobody gives.
 std::unique_ptr<const hoKey> hoLoadKeyFile(const gtString& path, hoIPassphraseSource* pSource, hoKeyFileFacts& facts);
 
-// The same from bytes that the caller has read (and overwrites).
+// The same from bytes that the caller has read (and overwrites). What the facts say of the file and its folder
+// (_isOpenToOthers, _isFolderOpenToOthers) stays as the caller has set it.
 std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, hoIPassphraseSource* pSource,
                                        hoKeyFileFacts& facts);
 

@@ -31,7 +31,7 @@ struct hoKeyRing
 };
 
 // By which two keys are told apart by people: the first eight hexadecimal digits of the SHA-256 of the modulus's
-// fixed-width text. Both halves of a pair have the same.
+// fixed-width text. Both halves of a pair have the same. Empty if libcrypto has no memory. Throws std::bad_alloc.
 gtString hoShortFingerprint(const hoKey& key);
 
 #pragma GCC visibility pop

@@ -73,6 +73,7 @@ public:
     // No outcome comes any more but those that takeOutcomes() has not given yet.
     bool isFinished() const { return _isFinished; }
 
+    // Both throw std::bad_alloc, with nothing lost.
     Progress progress() const;
     // The outcomes since the last call.
     std::vector<hoSigningOutcome> takeOutcomes();

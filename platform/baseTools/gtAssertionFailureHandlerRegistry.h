@@ -29,7 +29,7 @@ void gtUnRegisterAssertionFailureHandler(gtIAssertionFailureHandler* pHandler);
 // that is registered meanwhile hears of the next failure.
 //
 // If no handler was called, the failure is one line on standard error, "FILE:LINE: FUNCTION: MESSAGE", in which null
-// reads as "(null)" and control characters as blanks. The same line is written
+// reads as "(null)" and ASCII's control characters as blanks. The same line is written
 // - if a handler lets an exception out, which ends here and keeps no other handler from being called;
 // - for a failure that is nested in gtDeepestNestedAssertionFailure calls of handlers on this thread, which none of
 //   them hears of: handlers that fail in handling failures come to an end.

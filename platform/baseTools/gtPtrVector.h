@@ -59,7 +59,8 @@ public:
     const T* end() const noexcept { return _elements.data() + _elements.size(); }
 
     // Deletes the objects, first to last, and leaves the vector empty. It is empty before the first object is deleted:
-    // a destructor that looks at the vector, or adds to it, does no harm; what it adds stays.
+    // a destructor that looks at the vector, or adds to it, does no harm; what it adds stays. (It must not add to a
+    // vector that is being destroyed or assigned to: nobody would delete that.)
     void deleteElementsAndClear() noexcept
     {
         static_assert(std::is_destructible<typename std::remove_pointer<T>::type>::value,

@@ -13,7 +13,7 @@
 // The bytes of the character that the text begins with; 0 if it begins with none. NUL is a character.
 std::size_t gtLengthOfUtf8Character(std::string_view text);
 
-// The code point of a character of that length.
+// The code point of one whole character, as gtLengthOfUtf8Character measures it. The caller must give no other bytes.
 std::uint32_t gtCodePointOfUtf8Character(std::string_view character);
 
 bool gtIsUtf8(std::string_view text);

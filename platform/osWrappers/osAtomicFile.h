@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Writes a file whole or not at all.
 //
-// Nothing here prints, throws anything but std::bad_alloc, or leaves anything behind when it fails. Calls on different files may
-// run on any threads.
+// Nothing here prints, throws anything but std::bad_alloc, or leaves anything behind when it fails. Calls may run on any
+// threads, on one file, too: the last one to rename wins.
 #ifndef OS_ATOMIC_FILE_H
 #define OS_ATOMIC_FILE_H
 
@@ -24,13 +24,11 @@ enum class osWritingProblem
 
 // A problem has a system error in any case: EEXIST, EISDIR and EINVAL stand for those that are found without the system.
 // CannotBeWritten has EINVAL for a path with a NUL, and EEXIST when no temporary name is free.
-
 using osWritingResult = osResult<osWritingProblem>;
 
 // Writes the bytes into a new file beside the wanted one, brings it to the disk and only then gives it its name: there
 // is never half a file under that name, and what was there before stays until the new one is whole. Whatever fails, the
-// new file is removed again. A symbolic link is followed when
-// overwriting, also one to a file that does not exist yet.
+// new file is removed again. A symbolic link is followed when overwriting, also one to a file that does not exist yet.
 // What is there and no regular file is not replaced in any case.
 // Two that write at the same time without mayOverwrite do not overwrite each other, on any file system: the name is
 // given by a hard link, or where there are none by a renaming that replaces nothing, or where there is neither, by taking

@@ -53,7 +53,7 @@ osFileResult osReadFileFacts(const gtString& path, osFileFacts& facts);
 // path made absolute: the folder with its symbolic links and dots resolved, then the last component as given. Two
 // spellings of the same entry of the same folder thus become equal, while a symbolic link stays the document that was
 // named (what is written beside it belongs beside the link). The path as given when the folder cannot be resolved, when
-// there is no last component ("/", "a/", "..") and when it is empty.
+// there is no last component ("/", "a/", ".."), when it holds a NUL and when it is empty. Throws std::bad_alloc.
 gtString osAbsolutePath(const gtString& path);
 
 #pragma GCC visibility pop

@@ -36,8 +36,8 @@ void osOpenFileInSourceCodeEditor(const osFilePath& filePath, int lineNumber);
 // Throws std::bad_alloc, with nothing changed, without memory. Any thread may call this.
 void osAddSourceCodeFolder(const osFilePath& folder);
 
-// Whether a debugger, or anything else that traces, is attached to this process now. Any thread may call this; it takes no
-// memory, and leaves errno changed.
+// Whether a debugger, or anything else that traces, is attached to this process now. Any thread may call this. Allocates
+// nothing; may change errno. False where the system does not tell.
 bool osIsDebuggerAttached();
 
 // Raises the trap (SIGTRAP) on the calling thread. A debugger stops there, and execution goes on behind the call when

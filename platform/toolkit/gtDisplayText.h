@@ -17,8 +17,9 @@
 
 constexpr std::size_t gtMostCharactersShown = 300;
 
-// The bytes as one harmless line: control characters as their pictures (a line feed as U+240A), invisible characters
-// that change the direction or take no room as U+FFFD, everything else as it is. A text longer than mostCharacters (at
+// The bytes as one harmless line: ASCII's control characters as their pictures (a line feed as U+240A), U+2028 and U+2029
+// as U+2424, other control characters (U+0080 to U+009F) and invisible ones that change the direction or take no room as
+// U+FFFD, everything else as it is. A text longer than mostCharacters (at
 // least 3) loses its middle: it keeps that length with U+2026 in the gap, and most of what is kept is its beginning.
 // Not empty unless bytes is; not reversible.
 wxString gtDisplayText(const gtString& bytes, std::size_t mostCharacters = gtMostCharactersShown);

@@ -27,8 +27,8 @@ constexpr std::size_t gtMostDetected = 10000;
 
 // To be called once after the text of a control with wxTE_AUTO_URL has been written with styles of its own: those hide
 // the control's own way to mark a URL on some platforms. There the URLs of the text become blue and underlined,
-// everything else about them and the text, the insertion point and the default style stay as they are. In a line that
-// holds more than a thousand of them, those are.
+// everything else about them and the text, the insertion point and the default style stay as they are. Of a line's URLs
+// only the first thousand are marked, as each one takes longer than the one before.
 void gtHighlightUrls(wxTextCtrl* pTextCtrl);
 
 #endif
