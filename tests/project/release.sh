@@ -98,14 +98,20 @@ case $case in
         [ -f LICENSE ] || complain "LICENSE is not there"
         [ -e .git ] || { echo "skipped: which files are ours is known in a repository only" && exit 77; }
         # In the first lines, and nothing else than this licence. Metadata are free for all, as software centres ask.
-        while read -r file; do
-            line=$(head -n 5 "$file" | grep -m 1 -o 'SPDX-License-Identifier: .*' | sed 's/ *\(-->\|\*\/\)$//')
-            case $file in
-                *.metainfo.xml) [ "$line" = 'SPDX-License-Identifier: CC0-1.0' ] ;;
-                *) [ "$line" = 'SPDX-License-Identifier: Apache-2.0' ] ;;
-            esac || complain "$file says '$line'"
-        done < <(git ls-files '*.cpp' '*.h' '*.c' '*.sh' '*.py' '*.cmake' '*.cmake.in' '*CMakeLists.txt' '*.xml' \
-            'desktop/actions/*' ':!tests/project/mutation')
+        wrong=$(git ls-files -z '*.cpp' '*.h' '*.c' '*.sh' '*.py' '*.cmake' '*.cmake.in' '*CMakeLists.txt' '*.xml' \
+            'desktop/actions/*' ':!tests/project/mutation' | xargs -0 awk '
+            FNR > 5 { nextfile }
+            match($0, /SPDX-License-Identifier: .*/) && !(FILENAME in said) {
+                said[FILENAME] = substr($0, RSTART, RLENGTH)
+                sub(/ *(-->|\*\/)$/, "", said[FILENAME])
+            }
+            END {
+                for (i = 1; i < ARGC; ++i) {
+                    licence = ARGV[i] ~ /\.metainfo\.xml$/ ? "CC0-1.0" : "Apache-2.0"
+                    if (said[ARGV[i]] != "SPDX-License-Identifier: " licence) print ARGV[i] " says \"" said[ARGV[i]] "\""
+                }
+            }')
+        [ -z "$wrong" ] || complain "$wrong"
         ;;
 
     screenshotsAreThere)
