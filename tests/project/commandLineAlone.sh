@@ -20,7 +20,7 @@ launcher=()
 if command -v ccache >/dev/null 2>&1; then
     launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 fi
-cmake -S "$source" -B "$here/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_DISABLE_FIND_PACKAGE_wxWidgets=ON \
+cmake -S "$source" -B "$here/build" -G Ninja -DCMAKE_BUILD_TYPE= -DCMAKE_DISABLE_FIND_PACKAGE_wxWidgets=ON \
     -DCOUNTERSIGN_WITH_TOOLKIT=OFF -DCOUNTERSIGN_BUILD_DESKTOP=OFF -DCOUNTERSIGN_BUILD_TESTS=OFF \
     "${launcher[@]}" >"$here/log" 2>&1 || complain "$(cat "$here/log")"
 cmake --build "$here/build" >"$here/log" 2>&1 || complain "$(tail -n 60 "$here/log")"

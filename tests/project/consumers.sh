@@ -30,6 +30,10 @@ if [ "$case" = install ]; then
     exit 0
 fi
 installed=$2 source=$3
+# Several build the same sources of ours.
+if command -v ccache >/dev/null 2>&1; then
+    export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+fi
 consumers=$source/tests/consumers
 libraries=$(dirname "$(find "$installed" -name 'libKXBaseTools.so' | head -n 1)")
 : >"$here/empty"
