@@ -3,9 +3,9 @@
 # Builds and runs the tests. Installs what is missing first.
 #
 #   ./test.sh [CTEST-ARGUMENT...]          all tests but the long ones
-#   ./test.sh --all [CTEST-ARGUMENT...]    all tests but those of the release check
+#   ./test.sh --all [CTEST-ARGUMENT...]    all tests
 #   ./test.sh -R REGEX                     the tests with such names, long ones too; builds only the programs that have any
-#   ./test.sh -L REGEX                     the same by label: a room (a folder of tests/), window, long, release
+#   ./test.sh -L REGEX                     the same by label: a room (a folder of tests/), window, long
 #   COUNTERSIGN_PRESET=asan ./test.sh      with another preset than release: debug, asan, tsan
 #
 # Long tests are those that build a tree or a compiler's variant, or take minutes.
@@ -52,14 +52,12 @@ while [ "$#" -gt 0 ]; do
     esac
     [ "$#" -eq 0 ] || shift
 done
-if [ -z "$isChosenOtherwise" ] && [ "${#names[@]}${#labels[@]}" = 00 ]; then
-    tier='^long$'
-    [ -z "$hasAll" ] || tier='^release$'
+if [ -z "$hasAll$isChosenOtherwise" ] && [ "${#names[@]}${#labels[@]}" = 00 ]; then
     # ctest leaves out what all of these match.
     if [ "${#excluded[@]}" -gt 0 ]; then
-        excluded=("${excluded[@]/%/|$tier}")
+        excluded=("${excluded[@]/%/|^long$}")
     else
-        excluded=("$tier")
+        excluded=('^long$')
     fi
 fi
 for label in "${excluded[@]}"; do

@@ -19,7 +19,6 @@ soakMinutes=${COUNTERSIGN_SOAK_MINUTES:-60}
 # A name and a command a line.
 steps="
 tests ./test.sh --all
-tests.release ./test.sh -L ^release$
 tests.debug env COUNTERSIGN_PRESET=debug ./test.sh
 lint scripts/lint.sh --all
 coverage scripts/coverage.sh
