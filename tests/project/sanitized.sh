@@ -16,7 +16,7 @@ tests=()
 if [ "$preset" = tsan ]; then
     # Where there is one thread, there is nothing to find.
     targets=(--target test_bigdigits test_baseTools test_osWrappers test_osProcess test_assertion_handler test_crypto
-        test_commandLine test_hostEngine test_hostFaults test_assertionThreads test_hostWindow)
+        test_commandLine test_hostEngine test_hostFaults test_assertionThreads test_hostWindow test_main_thread_call)
     tests=(-R '[Tt]hread|Registry|AtATime|IsWonByOneOfMany|DocumentWork|NewKeyPair')
 fi
 export LSAN_OPTIONS=suppressions=$suppressions/leaks.txt:print_suppressions=0
