@@ -37,6 +37,23 @@ void complainOfSigning(const clArguments& arguments, const gtString& name, const
     complain(isTheKeys ? clPrintableName(arguments._keyPath) : name, hoSigningReason(facts));
 }
 
+void warnOfPrivateKey(const gtString& name, const hoKeyFileFacts& facts)
+{
+    const gtString warning = gtString("warning: ").append(name);
+    if (facts._isOpenToOthers)
+    {
+        complain(warning, hoOpenKeyWarning());
+    }
+    if (facts._isFolderOpenToOthers)
+    {
+        complain(warning, hoOpenFolderWarning());
+    }
+    if (!facts._isLibcryptoMemoryWiped)
+    {
+        complain(warning, hoLibcryptoMemoryWarning());
+    }
+}
+
 std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
 {
     const gtString name = clPrintableName(arguments._keyPath);
@@ -47,9 +64,9 @@ std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
     {
         complain(name, hoKeyFileReason(facts), clKeyAdvice(facts, passphrase.isWithoutTerminal()));
     }
-    else if (pKey->hasPrivateKey() && facts._isOpenToOthers)
+    else if (pKey->hasPrivateKey())
     {
-        complain(gtString("warning: ").append(name), hoOpenKeyWarning());
+        warnOfPrivateKey(name, facts);
     }
     if ((pKey != nullptr) && (arguments._command == clCommand::Test))
     {

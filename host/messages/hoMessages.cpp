@@ -256,3 +256,9 @@ gtString hoOpenFolderWarning()
 {
     return "others may replace this private key, because they may write to its folder; chmod 700 keeps that to you";
 }
+
+gtString hoLibcryptoMemoryWarning()
+{
+    return "traces of this private key stay in memory, because another library used libcrypto before this program did; "
+           "start it without LD_PRELOAD";
+}

@@ -35,5 +35,6 @@ gtString hoStateText(hoDocumentState state, bool canTest);
 // Warnings about a private key, to stand behind its name and a colon.
 gtString hoOpenKeyWarning();
 gtString hoOpenFolderWarning();
+gtString hoLibcryptoMemoryWarning();
 
 #endif

@@ -278,6 +278,30 @@ TEST_F(Program, WarnsOfKeysThatOthersMayRead)
     EXPECT_EQ(outputOf({"test", "-k", "public.pem", "report"}), "report: good\n");
 }
 
+TEST_F(Program, WarnsOfKeysThatOthersMayReplace)
+{
+    _folder.write("report", "contents");
+    ASSERT_EQ(chmod(_folder.path().c_str(), 0777), 0);
+    const tsOutcome outcome = run({"sign", "-k", "private.pem", "report"});
+    EXPECT_EQ(outcome._exitStatus, 0);
+    EXPECT_THAT(outcome._errors, HasSubstr("warning: private.pem: others may replace"));
+    ASSERT_EQ(chmod(_folder.path().c_str(), 0755), 0);
+    EXPECT_EQ(run({"sign", "-f", "-k", "private.pem", "report"})._errors, "");
+}
+
+TEST_F(Program, WarnsOfKeysThatLibcryptoDoesNotOverwrite)
+{
+    _folder.write("report", "contents");
+    tsCommand sign = command({"sign", "-k", "private.pem", "report"});
+    sign._prepare = [] { setenv("LD_PRELOAD", COUNTERSIGN_EARLY_USER, 1); };
+    const tsOutcome outcome = tsRun(sign);
+    EXPECT_EQ(outcome._exitStatus, 0);
+    EXPECT_THAT(outcome._errors, HasSubstr("warning: private.pem: traces of this private key stay in memory"));
+    tsCommand test = command({"test", "-k", "public.pem", "report"});
+    test._prepare = sign._prepare;
+    EXPECT_EQ(tsRun(test)._errors, "");
+}
+
 TEST_F(Program, EncryptsAndDecrypts)
 {
     const std::string cipher = outputOf({"encrypt", "-k", "public.pem", "at noon"});
