@@ -109,7 +109,7 @@ TEST_F(Program, TestsManyAndTellsTheWorst)
     ASSERT_EQ(unlink((_folder / "a.sig").c_str()), 0);
     outcome = run({"test", "-k", "public.pem", "a", "b", "c"});
     EXPECT_EQ(outcome._output, "a: not tested\nb: BAD\nc: good\n");
-    expectFailure(outcome, {"a.sig: there is no such signature"});
+    expectFailure(outcome, {"a.sig: there is no such signature", "countersign sign makes one"});
 }
 
 TEST_F(Program, TakesEveryName)
@@ -472,7 +472,8 @@ TEST_F(Program, ShowsItsProgressOnATerminalAndCanBeInterrupted)
 {
     _folder.write("huge", "");
     ASSERT_EQ(truncate((_folder / "huge").c_str(), 64LL * 1024 * 1024 * 1024), 0);
-    tsCommand sign = command({"sign", "-k", "private.pem", "huge"});
+    _folder.write("next", "");
+    tsCommand sign = command({"sign", "-k", "private.pem", "huge", "next"});
     sign._hasTerminal = true;
     bool isSent = false;
     sign._type = [&](const std::string& printed, pid_t process)
@@ -488,8 +489,34 @@ TEST_F(Program, ShowsItsProgressOnATerminalAndCanBeInterrupted)
     EXPECT_TRUE(isSent) << outcome._printed;
     EXPECT_EQ(outcome._signal, SIGTERM);
     EXPECT_THAT(outcome._printed, HasSubstr("huge: interrupted"));
+    EXPECT_THAT(outcome._printed, ::testing::Not(HasSubstr("next"))) << "nothing more was to be begun";
     EXPECT_EQ(outcome._output, "");
-    EXPECT_EQ(_folder.names(), (std::vector<std::string>{"huge", "private.pem", "public.pem"}));
+    EXPECT_EQ(_folder.names(), (std::vector<std::string>{"huge", "next", "private.pem", "public.pem"}));
+}
+
+// As nohup does.
+TEST_F(Program, GoesOnAfterSignalsThatItWasToldToIgnore)
+{
+    _folder.write("huge", "");
+    ASSERT_EQ(truncate((_folder / "huge").c_str(), 64LL * 1024 * 1024 * 1024), 0);
+    tsCommand sign = command({"sign", "-k", "private.pem", "huge"});
+    sign._hasTerminal = true;
+    sign._prepare = [] { signal(SIGHUP, SIG_IGN); };
+    std::size_t ignoredAt = 0;
+    sign._type = [&](const std::string& printed, pid_t process)
+    {
+        const std::size_t progress = printed.rfind(" % of ");
+        if (progress == std::string::npos || progress == ignoredAt)
+        {
+            return std::string();
+        }
+        kill(process, ignoredAt == 0 ? SIGHUP : SIGTERM);
+        ignoredAt = progress;
+        return std::string();
+    };
+    const tsOutcome outcome = tsRun(sign);
+    EXPECT_GT(ignoredAt, 0U) << outcome._printed;
+    EXPECT_EQ(outcome._signal, SIGTERM);
 }
 
 TEST_F(Program, TellsThatTheDiskIsFull)
