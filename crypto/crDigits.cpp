@@ -15,15 +15,15 @@ namespace
 // The value of a hexadecimal character, or -1.
 int hexadecimalValue(char character)
 {
-    if ((character >= '0') && (character <= '9'))
+    if (character >= '0' && character <= '9')
     {
         return character - '0';
     }
-    if ((character >= 'a') && (character <= 'f'))
+    if (character >= 'a' && character <= 'f')
     {
         return character - 'a' + 10;
     }
-    if ((character >= 'A') && (character <= 'F'))
+    if (character >= 'A' && character <= 'F')
     {
         return character - 'A' + 10;
     }
@@ -33,16 +33,16 @@ int hexadecimalValue(char character)
 // What the function isspace says of it in the C locale.
 bool isBlank(char character)
 {
-    return (character == ' ') || ((character >= '\t') && (character <= '\r'));
+    return character == ' ' || (character >= '\t' && character <= '\r');
 }
 
 // At most so many characters.
 unsigned int readDigit(const char* pCharacters, int amountOfCharacters)
 {
     unsigned int digit = 0;
-    for (int i = 0; i < amountOfCharacters; i++)
+    for (int i = 0; i < amountOfCharacters; ++i)
     {
-        const bool isPrefix = (i == 1) && (digit == 0) && ((pCharacters[i] == 'x') || (pCharacters[i] == 'X'));
+        const bool isPrefix = i == 1 && digit == 0 && (pCharacters[i] == 'x' || pCharacters[i] == 'X');
         const int value = isPrefix ? 0 : hexadecimalValue(pCharacters[i]);
         if (value < 0)
         {
@@ -85,12 +85,12 @@ unsigned int crReadDigit(const char* pCharacters)
 unsigned int crScanDigit(const char* pCharacters)
 {
     int taken = 0;
-    while ((taken < crCharactersPerDigit) && isBlank(pCharacters[taken]))
+    while (taken < crCharactersPerDigit && isBlank(pCharacters[taken]))
     {
-        taken++;
+        ++taken;
     }
-    const bool hasMinus = (taken < crCharactersPerDigit) && (pCharacters[taken] == '-');
-    const bool hasPlus = (taken < crCharactersPerDigit) && (pCharacters[taken] == '+');
+    const bool hasMinus = taken < crCharactersPerDigit && pCharacters[taken] == '-';
+    const bool hasPlus = taken < crCharactersPerDigit && pCharacters[taken] == '+';
     taken += (hasMinus || hasPlus) ? 1 : 0;
     const unsigned int digit = readDigit(pCharacters + taken, crCharactersPerDigit - taken);
     return hasMinus ? 0U - digit : digit;
@@ -105,7 +105,7 @@ void crAppendDigits(gtString& text, const unsigned int* pDigits, int amount)
     // Growing would leave pieces behind.
     text.reserve(text.length() + amount * crCharactersPerDigit);
     char characters[crCharactersPerDigit];
-    for (int i = 0; i < amount; i++)
+    for (int i = 0; i < amount; ++i)
     {
         char* pNext = characters;
         for (int shift = 28; shift >= 0; shift -= 4)

@@ -45,7 +45,7 @@ struct WipedText
 
 }  // namespace
 
-crRSADigitalSigner::crRSADigitalSigner(crRSAEncryptionKey const& key)
+crRSADigitalSigner::crRSADigitalSigner(const crRSAEncryptionKey& key)
     : _key(key), _pDigestDigits(nullptr), _amountOfDigestDigits(0)
 {
 }
@@ -69,14 +69,14 @@ void crRSADigitalSigner::deleteMessageDigestDigits()
     _pDigestDigits = nullptr;
 }
 
-bool crRSADigitalSigner::createFileMessageDigest(osFilePath const& file)
+bool crRSADigitalSigner::createFileMessageDigest(const osFilePath& file)
 {
     osFile openFile;
     if (!openFile.open(file, osChannel::OS_BINARY_CHANNEL, osFile::OS_OPEN_TO_READ))
     {
         return false;
     }
-    if ((_pDigestDigits == nullptr) && (_amountOfDigestDigits != 0))
+    if (_pDigestDigits == nullptr && _amountOfDigestDigits != 0)
     {
         return false;
     }
@@ -113,35 +113,35 @@ void crRSADigitalSigner::addToMessageDigest(const char* pBytes, unsigned long am
     if (bytesOfAllLanes != 0)
     {
         unsigned char lanes[laneBytes] = {};
-        for (unsigned long left = amountOfBytes / bytesOfAllLanes; left != 0; left--)
+        for (unsigned long left = amountOfBytes / bytesOfAllLanes; left != 0; --left)
         {
             const unsigned char* pSecond = pNext + bytesSideBySide;
             const unsigned char* pThird = pSecond + bytesSideBySide;
             const unsigned char* pFourth = pThird + bytesSideBySide;
-            for (unsigned long i = 0; i < bytesSideBySide; i++)
+            for (unsigned long i = 0; i < bytesSideBySide; ++i)
             {
                 lanes[i] = static_cast<unsigned char>(lanes[i] ^ pNext[i] ^ pSecond[i] ^ pThird[i] ^ pFourth[i]);
             }
             pNext += bytesOfAllLanes;
         }
         amountOfBytes %= bytesOfAllLanes;
-        for (unsigned long i = 0; i < bytesSideBySide; i++)
+        for (unsigned long i = 0; i < bytesSideBySide; ++i)
         {
             const unsigned long byte = i % bytesAtOnce;
             _pDigestDigits[byte / bytesPerDigit] ^= static_cast<unsigned int>(lanes[i]) << (8 * (byte % bytesPerDigit));
         }
         gtWipe(lanes, sizeof(lanes));
     }
-    for (unsigned long left = amountOfBytes / bytesAtOnce; left != 0; left--)
+    for (unsigned long left = amountOfBytes / bytesAtOnce; left != 0; --left)
     {
-        for (int i = 0; i < _amountOfDigestDigits; i++)
+        for (int i = 0; i < _amountOfDigestDigits; ++i)
         {
             _pDigestDigits[i] ^= digitFromBytes(pNext + static_cast<long>(i) * bytesPerDigit);
         }
         pNext += bytesAtOnce;
     }
     amountOfBytes %= bytesAtOnce;
-    for (unsigned long i = 0; i < amountOfBytes; i++)
+    for (unsigned long i = 0; i < amountOfBytes; ++i)
     {
         _pDigestDigits[i / bytesPerDigit] ^= static_cast<unsigned int>(pNext[i]) << (8 * (i % bytesPerDigit));
     }
@@ -149,7 +149,7 @@ void crRSADigitalSigner::addToMessageDigest(const char* pBytes, unsigned long am
 
 int crRSADigitalSigner::amountOfDigestBytes() const
 {
-    return (_pDigestDigits == nullptr) ? 0 : _amountOfDigestDigits * bytesPerDigit;
+    return _pDigestDigits == nullptr ? 0 : _amountOfDigestDigits * bytesPerDigit;
 }
 
 void crRSADigitalSigner::messageDigestToString(gtString& output)
@@ -161,7 +161,7 @@ void crRSADigitalSigner::messageDigestToString(gtString& output)
     }
 }
 
-bool crRSADigitalSigner::getSignature(osFilePath const& file, gtString& signature)
+bool crRSADigitalSigner::getSignature(const osFilePath& file, gtString& signature)
 {
     bool succeeded = false;
     try
@@ -181,7 +181,7 @@ bool crRSADigitalSigner::getSignature(osFilePath const& file, gtString& signatur
     return succeeded;
 }
 
-bool crRSADigitalSigner::testSignature(osFilePath const& file, gtString const& signature)
+bool crRSADigitalSigner::testSignature(const osFilePath& file, const gtString& signature)
 {
     bool isGood = false;
     try
@@ -195,7 +195,7 @@ bool crRSADigitalSigner::testSignature(osFilePath const& file, gtString const& s
             // A signature of a megabyte can ask for a gigabyte of output.
             isGood = crRSAStringEncryptor(_key).decrypt(signature, decrypted._text, isShortOfMemory,
                                                         digest._text.length()) &&
-                     !isShortOfMemory && (decrypted._text == digest._text);
+                     !isShortOfMemory && decrypted._text == digest._text;
         }
     }
     catch (const std::bad_alloc&)

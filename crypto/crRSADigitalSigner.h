@@ -33,7 +33,7 @@ class osFilePath;
 class crRSADigitalSigner
 {
 public:
-    explicit crRSADigitalSigner(crRSAEncryptionKey const& key);
+    explicit crRSADigitalSigner(const crRSAEncryptionKey& key);
     // Releases the digest.
     ~crRSADigitalSigner();
 
@@ -50,7 +50,7 @@ public:
     // Folds the file into the digest as it stands: the digest is not cleared before. False when the file cannot be
     // opened, when there is no memory, and when createMessageDigestDigits has failed. Without a digest, or with an
     // empty one, nothing is folded, and the result tells whether the file can be opened.
-    bool createFileMessageDigest(osFilePath const& file);
+    bool createFileMessageDigest(const osFilePath& file);
 
     // Folds bytes into the digest, the first of them on the digest's first byte; what is longer than the digest goes
     // round. A file may be folded piece by piece when every piece but the last is a multiple of amountOfDigestBytes()
@@ -65,14 +65,14 @@ public:
 
     // The signature of the file, for a key of 1024 bits 264 characters. The output is touched by success only. A digest
     // that createMessageDigestDigits made is leaked; the signer has none afterwards, whatever the result.
-    bool getSignature(osFilePath const& file, gtString& signature);
+    bool getSignature(const osFilePath& file, gtString& signature);
 
     // Whether the signature, decrypted, is the text of the file's digest. False, too, when it is malformed or the file
     // cannot be read. The digest is dealt with as by getSignature.
-    bool testSignature(osFilePath const& file, gtString const& signature);
+    bool testSignature(const osFilePath& file, const gtString& signature);
 
 private:
-    crRSAEncryptionKey const& _key;
+    const crRSAEncryptionKey& _key;
     unsigned int* _pDigestDigits;
     int _amountOfDigestDigits;
 };

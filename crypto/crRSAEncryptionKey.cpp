@@ -71,13 +71,13 @@ const unsigned int* crRSAEncryptionKey::numberDigits() const
 bool crRSAEncryptionKey::isUsable() const
 {
     const int amount = amountOfProductDigits();
-    if ((_pProductDigits == nullptr) || (_pNumberDigits == nullptr) || (amount != _amountOfAllocatedDigits))
+    if (_pProductDigits == nullptr || _pNumberDigits == nullptr || amount != _amountOfAllocatedDigits)
     {
         return false;
     }
     // There are no arrays for an amount below 0.
     const auto amountOfDigits = static_cast<unsigned int>(amount);
-    return (mpSizeof(_pProductDigits, amountOfDigits) > 0) && (mpSizeof(_pNumberDigits, amountOfDigits) > 0);
+    return mpSizeof(_pProductDigits, amountOfDigits) > 0 && mpSizeof(_pNumberDigits, amountOfDigits) > 0;
 }
 
 bool crRSAEncryptionKey::readDigitsFromHexString(unsigned int* digits, int count, const gtString& hex) const
@@ -87,7 +87,7 @@ bool crRSAEncryptionKey::readDigitsFromHexString(unsigned int* digits, int count
         return false;
     }
     const char* pCharacters = hex.asCharArray();
-    for (int i = 0; i < count; i++)
+    for (int i = 0; i < count; ++i)
     {
         if (crBeginsWithDigit(pCharacters))
         {
@@ -103,7 +103,7 @@ bool crRSAEncryptionKey::setKeyFromStrings(int productBits, const gtString& prod
 {
     _amountOfProductBits = productBits;
     _amountOfNumberBits = numberBits;
-    if ((productBits % bitsPerDigit != 0) || (numberBits % bitsPerDigit != 0) || (numberBits > productBits))
+    if (productBits % bitsPerDigit != 0 || numberBits % bitsPerDigit != 0 || numberBits > productBits)
     {
         return false;
     }
@@ -120,7 +120,7 @@ bool crRSAEncryptionKey::setKeyFromStringAndFermatPrime(int bits, const gtString
 {
     _amountOfProductBits = bits;
     _amountOfNumberBits = bits;
-    if ((bits % bitsPerDigit != 0) || !allocateArrays())
+    if (bits % bitsPerDigit != 0 || !allocateArrays())
     {
         return false;
     }
@@ -140,5 +140,5 @@ bool crRSAEncryptionKey::allocateArrays()
     _pNumberDigits = crAllocateDigits(amount);
     // With one array missing, there is only the other to wipe, and it is still all zero.
     _amountOfAllocatedDigits = amount;
-    return (_pProductDigits != nullptr) && (_pNumberDigits != nullptr);
+    return _pProductDigits != nullptr && _pNumberDigits != nullptr;
 }

@@ -32,11 +32,11 @@ constexpr int maximalAmountOfClaimedDigits = crRSAStringEncryptor::maximalAmount
 void layOutText(unsigned char* pBuffer, int amountOfBytes, int bytesPerBlock, const char* pText, int lengthOfText)
 {
     int j = 0;
-    for (int taken = 0; (taken < lengthOfText) && (j < amountOfBytes);)
+    for (int taken = 0; taken < lengthOfText && j < amountOfBytes;)
     {
         pBuffer[j++] = marker;
         const int room = bytesPerBlock - 1;
-        const int now = (lengthOfText - taken < room) ? lengthOfText - taken : room;
+        const int now = lengthOfText - taken < room ? lengthOfText - taken : room;
         std::memcpy(pBuffer + j, pText + taken, static_cast<std::size_t>(now));
         taken += now;
         j += now;
@@ -53,7 +53,7 @@ bool tryToAppend(gtString& output, int& room, const char* pText, int lengthOfTex
         const int wanted = output.length() + lengthOfText;
         if (wanted > room)
         {
-            room = std::max(wanted, (room <= longestText / 2) ? 2 * room : longestText);
+            room = std::max(wanted, room <= longestText / 2 ? 2 * room : longestText);
             gtString larger;
             larger.reserve(room);
             larger.append(output);
@@ -71,7 +71,7 @@ bool tryToAppend(gtString& output, int& room, const char* pText, int lengthOfTex
 
 }  // namespace
 
-crRSAStringEncryptor::crRSAStringEncryptor(crRSAEncryptionKey const& key) : _key(key) {}
+crRSAStringEncryptor::crRSAStringEncryptor(const crRSAEncryptionKey& key) : _key(key) {}
 
 int crRSAStringEncryptor::amountOfDigitsForHoldingText(int lengthOfText) const
 {
@@ -91,7 +91,7 @@ int crRSAStringEncryptor::amountOfDigitsForHoldingText(int lengthOfText) const
     return digitsPerBlock * blocks;
 }
 
-bool crRSAStringEncryptor::encrypt(gtString const& text, gtString& output) const
+bool crRSAStringEncryptor::encrypt(const gtString& text, gtString& output) const
 {
     if (!_key.isUsable())
     {
@@ -106,7 +106,7 @@ bool crRSAStringEncryptor::encrypt(gtString const& text, gtString& output) const
     crTemporaryDigits cipher(amountOfDigits);
     {
         crTemporaryDigits plain(amountOfDigits);
-        if ((plain.digits() == nullptr) || (cipher.digits() == nullptr))
+        if (plain.digits() == nullptr || cipher.digits() == nullptr)
         {
             return false;
         }
@@ -133,13 +133,13 @@ bool crRSAStringEncryptor::encrypt(gtString const& text, gtString& output) const
     return true;
 }
 
-bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output) const
+bool crRSAStringEncryptor::decrypt(const gtString& cipherText, gtString& output) const
 {
     bool isShortOfMemory = false;
     return decrypt(cipherText, output, isShortOfMemory);
 }
 
-bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output, bool& isShortOfMemory,
+bool crRSAStringEncryptor::decrypt(const gtString& cipherText, gtString& output, bool& isShortOfMemory,
                                    int enough) const
 {
     isShortOfMemory = false;
@@ -169,12 +169,12 @@ bool crRSAStringEncryptor::decrypt(gtString const& cipherText, gtString& output,
     }
     crTemporaryDigits plain(amountOfDigits + 1);
     crTemporaryDigits cipher(amountOfDigits);
-    if ((plain.digits() == nullptr) || (cipher.digits() == nullptr))
+    if (plain.digits() == nullptr || cipher.digits() == nullptr)
     {
         isShortOfMemory = true;
         return true;
     }
-    for (int i = 0; i < amountOfDigits; i++)
+    for (int i = 0; i < amountOfDigits; ++i)
     {
         // The text's end is a digit of zero.
         const int position = std::min((1 + i) * crCharactersPerDigit, cipherText.length());

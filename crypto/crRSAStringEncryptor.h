@@ -42,7 +42,7 @@ public:
     // 64 MiB, for each of the buffers and for the output of decrypt where digits are missing.
     static constexpr int maximalAmountOfClaimedBytes = 64 * 1024 * 1024;
 
-    explicit crRSAStringEncryptor(crRSAEncryptionKey const& key);
+    explicit crRSAStringEncryptor(const crRSAEncryptionKey& key);
     ~crRSAStringEncryptor() = default;
 
     // The digits of the buffers for a text of so many bytes, a multiple of D. Computed in single precision, as ever,
@@ -54,7 +54,7 @@ public:
     // Bytes beyond what amountOfDigitsForHoldingText makes room for are not encrypted, though the length counts them.
     // The empty text gives eight zeros. output may be text itself.
     // False when there is no memory for a buffer; the output is untouched then.
-    bool encrypt(gtString const& text, gtString& output) const;
+    bool encrypt(const gtString& text, gtString& output) const;
 
     // The length at the front decides on the layout, but not on more: digits that the cipher text does not carry are
     // zero, characters behind those asked for are not looked at, and the length passes through an int (ffffffff is -1,
@@ -66,17 +66,17 @@ public:
     // THE TEXT: a damaged cipher text or a wrong key gives whatever the arithmetic gives, and no memory gives an
     // empty output. What output held is overwritten. output must not be cipherText itself, which would be emptied
     // before it is read.
-    bool decrypt(gtString const& cipherText, gtString& output) const;
+    bool decrypt(const gtString& cipherText, gtString& output) const;
 
     // The same for those who must know: isShortOfMemory tells whether the output is empty for want of memory, and so
     // says nothing about the cipher text. (The limits and a key that is not usable do not count here.) As soon as the
     // output has more than enough bytes, no further block is computed: for those who know how long the text must be.
-    bool decrypt(gtString const& cipherText, gtString& output, bool& isShortOfMemory, int enough = INT_MAX) const;
+    bool decrypt(const gtString& cipherText, gtString& output, bool& isShortOfMemory, int enough = INT_MAX) const;
 
 private:
     void transformBlock(unsigned int* pResult, const unsigned int* pBlock) const;
 
-    crRSAEncryptionKey const& _key;
+    const crRSAEncryptionKey& _key;
 };
 
 #pragma GCC visibility pop

@@ -19,7 +19,7 @@ using Digits = std::vector<mpDigit>;
 std::string withoutLeadingZeros(const std::string& text)
 {
     const std::size_t first = text.find_first_not_of('0');
-    return (first == std::string::npos) ? "" : text.substr(first);
+    return first == std::string::npos ? "" : text.substr(first);
 }
 
 std::string textOf(const mpz_t number, int base)
@@ -33,13 +33,13 @@ std::string textOf(const mpz_t number, int base)
 void checkText(const Digits& digits, std::uint32_t room, int base, const std::string& expected)
 {
     const auto n = static_cast<std::uint32_t>(digits.size());
-    const auto convert = (base == 10) ? mpConvToDecimal : mpConvToHex;
+    const auto convert = base == 10 ? mpConvToDecimal : mpConvToHex;
     FUZZ_CHECK(convert(digits.data(), n, nullptr, 0) == expected.size());
     std::vector<char> buffer(room + 8U, '#');
     FUZZ_CHECK(convert(digits.data(), n, buffer.data(), room) == expected.size());
     // Zero writes its two characters even where there is room for one.
-    const std::uint32_t written = ((room == 1) && (expected == "0")) ? 2 : room;
-    for (std::size_t i = written; i < buffer.size(); i++)
+    const std::uint32_t written = (room == 1 && expected == "0") ? 2 : room;
+    for (std::size_t i = written; i < buffer.size(); ++i)
     {
         FUZZ_CHECK(buffer[i] == '#');
     }
@@ -63,7 +63,7 @@ void checkNumber(FuzzInput& input)
 
     const std::uint32_t octetsRoom = input.byte();
     std::vector<unsigned char> octets(octetsRoom + 1U, 0x5A);
-    const auto needed = static_cast<std::uint32_t>((mpz_sgn(number) == 0) ? 0 : (mpz_sizeinbase(number, 2) + 7) / 8);
+    const auto needed = static_cast<std::uint32_t>(mpz_sgn(number) == 0 ? 0 : (mpz_sizeinbase(number, 2) + 7) / 8);
     FUZZ_CHECK(mpConvToOctets(digits.data(), n, octets.data(), octetsRoom) == needed);
     FUZZ_CHECK(octets[octetsRoom] == 0x5A);
     mpz_t back;
@@ -81,8 +81,8 @@ void checkNumber(FuzzInput& input)
 
     mpz_import(number, n, -1, sizeof(mpDigit), 0, 0, digits.data());
     const std::uint32_t textRoom = input.byte();
-    checkText(digits, textRoom, 10, (n == 0) ? "" : textOf(number, 10));
-    checkText(digits, textRoom, 16, (n == 0) ? "" : textOf(number, 16));
+    checkText(digits, textRoom, 10, n == 0 ? "" : textOf(number, 10));
+    checkText(digits, textRoom, 16, n == 0 ? "" : textOf(number, 16));
     FUZZ_CHECK(conv_to_base(digits.data(), n, nullptr, 0, 2 + input.byte() % 8U) == 0);
     mpz_clear(back);
     mpz_clear(number);
@@ -100,7 +100,7 @@ void checkTextToNumber(FuzzInput& input)
     std::string hexadecimal;
     for (const char character : text)
     {
-        if ((character >= '0') && (character <= '9'))
+        if (character >= '0' && character <= '9')
         {
             decimal += character;
         }
@@ -111,17 +111,17 @@ void checkTextToNumber(FuzzInput& input)
     }
     for (const int base : {10, 16})
     {
-        if ((base == 10) && (decimal.size() > mostDecimalDigits))
+        if (base == 10 && decimal.size() > mostDecimalDigits)
         {
             continue;
         }
         Digits digits(n, 0xA5A5A5A5U);
-        const auto convert = (base == 10) ? mpConvFromDecimal : mpConvFromHex;
+        const auto convert = base == 10 ? mpConvFromDecimal : mpConvFromHex;
         const std::uint32_t count = convert(digits.data(), n, text.c_str());
         FUZZ_CHECK(count <= n);
         mpz_t number;
         mpz_init_set_ui(number, 0);
-        const std::string significant = withoutLeadingZeros((base == 10) ? decimal : hexadecimal);
+        const std::string significant = withoutLeadingZeros(base == 10 ? decimal : hexadecimal);
         if (!significant.empty())
         {
             FUZZ_CHECK(mpz_set_str(number, significant.c_str(), base) == 0);

@@ -66,7 +66,7 @@ public:
 
     void run()
     {
-        for (int i = 0; (i < mostInstructions) && !_input.isEmpty(); i++)
+        for (int i = 0; i < mostInstructions && !_input.isEmpty(); ++i)
         {
             performOne();
         }
@@ -87,7 +87,7 @@ private:
                 digit = _input.word();
                 break;
             case 1:
-                digit = ((_input.byte() & 1U) != 0) ? 0xFFFFFFFFU : 0;
+                digit = (_input.byte() & 1U) != 0 ? 0xFFFFFFFFU : 0;
                 break;
             case 2:
                 digit = 0x80000000U >> (_input.byte() % 32U);
@@ -149,7 +149,7 @@ void Machine::performOne()
     {
         const mpDigit borrow = mpSubtract(result.data(), first.data(), second.data(), n);
         mpz_sub(expected.get(), u.get(), v.get());
-        FUZZ_CHECK(borrow == ((mpz_sgn(expected.get()) < 0) ? 1U : 0U));
+        FUZZ_CHECK(borrow == (mpz_sgn(expected.get()) < 0 ? 1U : 0U));
         cutTo(expected, n);
         FUZZ_CHECK(agree(result, expected));
         break;
@@ -171,7 +171,7 @@ void Machine::performOne()
         FUZZ_CHECK(agree(product, expected));
         // The lower or the upper half goes on.
         const long half = n;
-        const long from = ((_input.byte() & 1U) != 0) ? half : 0;
+        const long from = (_input.byte() & 1U) != 0 ? half : 0;
         result.assign(product.begin() + from, product.begin() + from + half);
         break;
     }
@@ -252,7 +252,7 @@ void Machine::performOne()
         const mpDigit digit = _input.word();
         const mpDigit borrow = mpShortSub(result.data(), first.data(), digit, n);
         mpz_sub_ui(expected.get(), u.get(), digit);
-        FUZZ_CHECK(borrow == ((mpz_sgn(expected.get()) < 0) ? 1U : 0U));
+        FUZZ_CHECK(borrow == (mpz_sgn(expected.get()) < 0 ? 1U : 0U));
         cutTo(expected, n);
         FUZZ_CHECK(agree(result, expected));
         break;
@@ -273,12 +273,12 @@ void Machine::performOne()
     {
         const mpDigit digit = _input.word();
         FUZZ_CHECK(mpShortMod(first.data(), digit, n) ==
-                   ((digit == 0) ? 0 : static_cast<mpDigit>(mpz_fdiv_ui(u.get(), digit))));
+                   (digit == 0 ? 0 : static_cast<mpDigit>(mpz_fdiv_ui(u.get(), digit))));
         const Digits before = result;
         const mpDigit remainder = mpShortDiv(result.data(), first.data(), digit, n);
         if (digit == 0)
         {
-            FUZZ_CHECK((remainder == 0) && (result == before));
+            FUZZ_CHECK(remainder == 0 && result == before);
         }
         else
         {
@@ -290,15 +290,15 @@ void Machine::performOne()
     case 18:
     {
         const int compared = mpz_cmp(u.get(), v.get());
-        FUZZ_CHECK(mpCompare(first.data(), second.data(), n) == ((compared > 0) ? 1 : (compared < 0) ? -1 : 0));
-        FUZZ_CHECK(mpEqual(first.data(), second.data(), n) == ((compared == 0) ? 1 : 0));
-        FUZZ_CHECK(mpIsZero(first.data(), n) == ((mpz_sgn(u.get()) == 0) ? 1 : 0));
-        const std::uint32_t bits = (mpz_sgn(u.get()) == 0) ? 0 : static_cast<std::uint32_t>(mpz_sizeinbase(u.get(), 2));
+        FUZZ_CHECK(mpCompare(first.data(), second.data(), n) == (compared > 0 ? 1 : compared < 0 ? -1 : 0));
+        FUZZ_CHECK(mpEqual(first.data(), second.data(), n) == (compared == 0 ? 1 : 0));
+        FUZZ_CHECK(mpIsZero(first.data(), n) == (mpz_sgn(u.get()) == 0 ? 1 : 0));
+        const std::uint32_t bits = mpz_sgn(u.get()) == 0 ? 0 : static_cast<std::uint32_t>(mpz_sizeinbase(u.get(), 2));
         FUZZ_CHECK(mpBitLength(first.data(), n) == bits);
         FUZZ_CHECK(mpSizeof(first.data(), n) == (bits + 31) / 32);
         const mpDigit digit = _input.word();
         const int comparedToDigit = mpz_cmp_ui(u.get(), digit);
-        FUZZ_CHECK(mpShortCmp(first.data(), digit, n) == ((comparedToDigit > 0) ? 1 : (comparedToDigit < 0) ? -1 : 0));
+        FUZZ_CHECK(mpShortCmp(first.data(), digit, n) == (comparedToDigit > 0 ? 1 : comparedToDigit < 0 ? -1 : 0));
         break;
     }
     default:
@@ -321,7 +321,7 @@ void Machine::divide(Digits& quotient, Digits& remainder, const Digits& dividend
     Digits writableDivisor = divisor;
     const int answer = mpDivide(quotient.data(), remainder.data(), dividend.data(), n, writableDivisor.data(), n);
     FUZZ_CHECK(writableDivisor == divisor);
-    FUZZ_CHECK(answer == ((mpz_sgn(v.get()) == 0) ? -1 : 0));
+    FUZZ_CHECK(answer == (mpz_sgn(v.get()) == 0 ? -1 : 0));
     if (answer == 0)
     {
         mpz_fdiv_qr(q.get(), r.get(), u.get(), v.get());
@@ -359,7 +359,7 @@ void Machine::performModular(std::uint8_t instruction, Digits& result, const Dig
         if (hasModulus)
         {
             mpz_powm(expected.get(), u.get(), v.get(), m.get());
-            FUZZ_CHECK(agree(result, (mpz_cmp_ui(v.get(), 1) == 0) ? u : expected));
+            FUZZ_CHECK(agree(result, mpz_cmp_ui(v.get(), 1) == 0 ? u : expected));
         }
         break;
     case 21:

@@ -80,20 +80,20 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     const bool isWild = kind >= 250;
     gtString modulus;
     gtString exponent;
-    for (int i = 0; i < digits; i++)
+    for (int i = 0; i < digits; ++i)
     {
         modulus.appendFormattedString("%08x", input.word());
-        exponent.appendFormattedString("%08x", (isShort && (i + 1 < digits)) ? 0U : input.word());
+        exponent.appendFormattedString("%08x", (isShort && i + 1 < digits) ? 0U : input.word());
     }
     crRSAEncryptionKey key;
     FUZZ_CHECK(key.setKeyFromStrings(digits * 32, modulus, digits * 32, exponent));
     const crRSAStringEncryptor encryptor(key);
 
     std::string text = input.rest();
-    text.resize((text.size() < longestText) ? text.size() : longestText);
+    text.resize(text.size() < longestText ? text.size() : longestText);
     const gtString given(text.data(), static_cast<int>(text.size()));
     std::string toDecrypt = text;
-    for (std::size_t i = 0; !isWild && (i < 4) && (i < toDecrypt.size()); i++)
+    for (std::size_t i = 0; !isWild && i < 4 && i < toDecrypt.size(); ++i)
     {
         toDecrypt[i] = '0';
     }
@@ -105,7 +105,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     gtString cipher("kept");
     if (!encryptor.encrypt(given, cipher))
     {
-        FUZZ_CHECK(!key.isUsable() && (cipher == gtString("kept")));
+        FUZZ_CHECK(!key.isUsable() && cipher == gtString("kept"));
         return 0;
     }
     const int amountOfDigits = encryptor.amountOfDigitsForHoldingText(given.length());

@@ -34,14 +34,14 @@ public:
         {
             return 0;
         }
-        _left--;
+        --_left;
         return *_pBytes++;
     }
 
     std::uint32_t word()
     {
         std::uint32_t result = 0;
-        for (int i = 0; i < 4; i++)
+        for (int i = 0; i < 4; ++i)
         {
             result = (result << 8) | byte();
         }
@@ -51,7 +51,7 @@ public:
     // So many bytes, or all that are left.
     std::string bytes(std::size_t amount)
     {
-        const std::size_t taken = (amount < _left) ? amount : _left;
+        const std::size_t taken = amount < _left ? amount : _left;
         std::string result(reinterpret_cast<const char*>(_pBytes), taken);
         _pBytes += taken;
         _left -= taken;

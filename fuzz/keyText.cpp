@@ -23,7 +23,7 @@ int anyBits(FuzzInput& input)
         return (kind % 40) * 32;
     }
     const auto wild = static_cast<int>(input.word());
-    return (wild > 1000000) ? wild % 1000000 : wild;
+    return wild > 1000000 ? wild % 1000000 : wild;
 }
 
 unsigned int expectedDigit(const std::string& text, std::size_t group)
@@ -32,7 +32,7 @@ unsigned int expectedDigit(const std::string& text, std::size_t group)
     const std::string whole = text.substr(group * 8, 8);
     const std::string characters = whole.substr(0, whole.find('\0'));
     unsigned int digit = 0;
-    if (characters.empty() || (std::isxdigit(static_cast<unsigned char>(characters[0])) == 0))
+    if (characters.empty() || std::isxdigit(static_cast<unsigned char>(characters[0])) == 0)
     {
         return 0;
     }
@@ -44,9 +44,9 @@ unsigned int expectedDigit(const std::string& text, std::size_t group)
 void checkDigits(const unsigned int* pDigits, int all, int amount, const std::string& text)
 {
     const bool isRead = static_cast<long long>(amount) * 8 == static_cast<long long>(text.size());
-    for (int i = 0; i < all; i++)
+    for (int i = 0; i < all; ++i)
     {
-        const bool isWithin = isRead && (i < amount);
+        const bool isWithin = isRead && i < amount;
         FUZZ_CHECK(pDigits[i] == (isWithin ? expectedDigit(text, static_cast<std::size_t>(amount - 1 - i)) : 0));
     }
 }
@@ -65,8 +65,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     // Half of the time with the right length, which would hardly ever be met.
     if ((prime & 1U) != 0)
     {
-        product.resize((productBits > 0) ? static_cast<std::size_t>(productBits / 32) * 8 : 0, '7');
-        number.resize((numberBits > 0) ? static_cast<std::size_t>(numberBits / 32) * 8 : 0, '3');
+        product.resize(productBits > 0 ? static_cast<std::size_t>(productBits / 32) * 8 : 0, '7');
+        number.resize(numberBits > 0 ? static_cast<std::size_t>(numberBits / 32) * 8 : 0, '3');
     }
     const gtString productText(product.data(), static_cast<int>(product.size()));
     const gtString numberText(number.data(), static_cast<int>(number.size()));
@@ -76,10 +76,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
                                    : key.setKeyFromStrings(productBits, productText, numberBits, numberText);
     FUZZ_CHECK(key.amountOfProductDigits() == productBits / 32);
     FUZZ_CHECK(key.amountOfNumberDigits() == (isFermat ? productBits : numberBits) / 32);
-    const bool isPossible = (productBits % 32 == 0) && (productBits >= 0) &&
-                            (isFermat || ((numberBits % 32 == 0) && (numberBits <= productBits)));
-    const bool hasLengths = (static_cast<long long>(productBits) / 4 == productText.length()) &&
-                            (isFermat || (static_cast<long long>(numberBits) / 4 == numberText.length()));
+    const bool isPossible =
+        productBits % 32 == 0 && productBits >= 0 && (isFermat || (numberBits % 32 == 0 && numberBits <= productBits));
+    const bool hasLengths = static_cast<long long>(productBits) / 4 == productText.length() &&
+                            (isFermat || static_cast<long long>(numberBits) / 4 == numberText.length());
     FUZZ_CHECK(isLoaded == (isPossible && hasLengths));
     FUZZ_CHECK((key.productDigits() != nullptr) == isPossible);
     if (isPossible)

@@ -52,7 +52,7 @@ struct Operands
         m[0] |= 1;
         mpMultiply(wide.data(), x.data(), e.data(), n);
         const Digits* numbers[] = {&x, &e, &m, &wide};
-        for (int i = 0; i < 4; i++)
+        for (int i = 0; i < 4; ++i)
         {
             mpz_init(gmp[i]);
             mpz_import(gmp[i], numbers[i]->size(), -1, sizeof(mpDigit), 0, 0, numbers[i]->data());
@@ -70,7 +70,7 @@ struct Operands
     Operands& operator=(const Operands&) = delete;
     ~Operands()
     {
-        for (int i = 0; i < 4; i++)
+        for (int i = 0; i < 4; ++i)
         {
             mpz_clear(gmp[i]);
             BN_free(bn[i]);
@@ -201,7 +201,7 @@ void addText(uint32_t characters, int base)
     const std::string size = "/" + std::to_string(characters) + " characters/";
     auto text = std::make_shared<std::string>();
     std::mt19937 engine(characters);
-    for (uint32_t i = 0; i < characters; i++)
+    for (uint32_t i = 0; i < characters; ++i)
     {
         *text += "0123456789abcdef"[engine() % static_cast<unsigned>(base)];
     }
@@ -230,7 +230,7 @@ void addThreads()
     const auto work = [a]
     {
         Digits y(a->n);
-        for (int i = 0; i < 4; i++)
+        for (int i = 0; i < 4; ++i)
         {
             mpModExp(y.data(), a->x.data(), a->e.data(), a->m.data(), a->n);
         }

@@ -28,7 +28,7 @@ void spMultiply(mpDigit p[2], mpDigit x, mpDigit y)
     p[0] += shifted;
     if (p[0] < shifted)
     {
-        p[1]++;
+        ++p[1];
     }
 }
 
@@ -39,7 +39,7 @@ void spMultSub(mpDigit& high, mpDigit& low, mpDigit qhat, mpDigit v1, mpDigit v0
     low -= p;
     if (low > allOnes - p)
     {
-        high--;
+        --high;
     }
     high -= upper >> 16;
 }
@@ -50,11 +50,11 @@ mpDigit spDivideStep(mpDigit& low, mpDigit next, mpDigit v, mpDigit v1, mpDigit 
     mpDigit rhat = low - qhat * v1;
     if (qhat == 0x10000U || qhat * v0 > (rhat << 16 | next))
     {
-        qhat--;
+        --qhat;
         rhat += v1;
         if (rhat < 0x10000U && qhat * v0 > (rhat << 16 | next))
         {
-            qhat--;
+            --qhat;
         }
     }
     mpDigit high = low >> 16;
@@ -62,7 +62,7 @@ mpDigit spDivideStep(mpDigit& low, mpDigit next, mpDigit v, mpDigit v1, mpDigit 
     spMultSub(high, low, qhat, v1, v0);
     if (high >> 16 != 0)
     {
-        qhat--;
+        --qhat;
         low += v;
     }
     return qhat;
@@ -77,7 +77,7 @@ mpDigit spDivide(mpDigit& q, mpDigit& r, const mpDigit u[2], mpDigit v)
     mpDigit overflow = u3 < v1 ? 0 : 1;
     if (overflow > 0 && v0 > ((u3 - v1) << 16 | u2))
     {
-        overflow--;
+        --overflow;
     }
     mpDigit high = 0;
     mpDigit low = u[1];
@@ -86,7 +86,7 @@ mpDigit spDivide(mpDigit& q, mpDigit& r, const mpDigit u[2], mpDigit v)
         spMultSub(high, low, overflow, v1, v0);
         if (high >> 16 != 0)
         {
-            overflow--;
+            --overflow;
             low += v;
         }
     }
@@ -110,7 +110,7 @@ bool qhatTooBig(mpDigit qhat, mpDigit rhat, mpDigit vNext, mpDigit uNext)
 mpDigit multiplySubtract(mpDigit w[], const mpDigit v[], mpDigit q, uint32_t n)
 {
     mpDigit borrow = 0;
-    for (uint32_t i = 0; i < n; i++)
+    for (uint32_t i = 0; i < n; ++i)
     {
         mpDigit t[2];
         spMultiply(t, q, v[i]);
@@ -119,7 +119,7 @@ mpDigit multiplySubtract(mpDigit w[], const mpDigit v[], mpDigit q, uint32_t n)
         w[i] -= t[0];
         if (w[i] > allOnes - t[0])
         {
-            borrow++;
+            ++borrow;
         }
         borrow += t[1];
     }
@@ -131,7 +131,7 @@ mpDigit multiplySubtract(mpDigit w[], const mpDigit v[], mpDigit q, uint32_t n)
 void multiply(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t n)
 {
     mpSetZero(w, 2 * n);
-    for (uint32_t j = 0; j < n; j++)
+    for (uint32_t j = 0; j < n; ++j)
     {
         if (v[j] == 0)
         {
@@ -139,19 +139,19 @@ void multiply(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t n)
             continue;
         }
         mpDigit k = 0;
-        for (uint32_t i = 0; i < n; i++)
+        for (uint32_t i = 0; i < n; ++i)
         {
             mpDigit t[2];
             spMultiply(t, u[i], v[j]);
             t[0] += k;
             if (t[0] < k)
             {
-                t[1]++;
+                ++t[1];
             }
             t[0] += w[i + j];
             if (t[0] < w[i + j])
             {
-                t[1]++;
+                ++t[1];
             }
             w[i + j] = t[0];
             k = t[1];
@@ -163,20 +163,20 @@ void multiply(mpDigit w[], const mpDigit u[], const mpDigit v[], uint32_t n)
 void square(mpDigit w[], const mpDigit x[], uint32_t n)
 {
     mpSetZero(w, 2 * n);
-    for (uint32_t i = 0; i < n; i++)
+    for (uint32_t i = 0; i < n; ++i)
     {
         mpDigit t[2];
         spMultiply(t, x[i], x[i]);
         t[0] += w[2 * i];
         if (t[0] < w[2 * i])
         {
-            t[1]++;
+            ++t[1];
         }
         w[2 * i] = t[0];
         // What is carried has a bit more than a digit: a product is added twice.
         mpDigit k = t[1];
         mpDigit kBit = 0;
-        for (uint32_t j = i + 1; j < n; j++)
+        for (uint32_t j = i + 1; j < n; ++j)
         {
             spMultiply(t, x[i], x[j]);
             mpDigit bit = t[1] >> 31;
@@ -187,23 +187,23 @@ void square(mpDigit w[], const mpDigit x[], uint32_t n)
             t[0] += w[i + j];
             if (t[0] < w[i + j])
             {
-                carry++;
+                ++carry;
             }
             t[1] += carry;
             if (t[1] < carry)
             {
-                bit++;
+                ++bit;
             }
             t[1] += kBit;
             if (t[1] < kBit)
             {
-                bit++;
+                ++bit;
             }
             w[i + j] = t[0];
             k = t[1];
             kBit = bit;
         }
-        for (uint32_t j = i + n; j < 2 * n && (k != 0 || kBit != 0); j++)
+        for (uint32_t j = i + n; j < 2 * n && (k != 0 || kBit != 0); ++j)
         {
             w[j] += k;
             k = kBit + (w[j] < k ? 1 : 0);
@@ -228,7 +228,7 @@ void divide(mpDigit q[], mpDigit r[], const mpDigit u[], uint32_t udigits, mpDig
     uint32_t shift = 0;
     for (mpDigit mask = 0x80000000U; (v[n - 1] & mask) == 0; mask >>= 1)
     {
-        shift++;
+        ++shift;
     }
     mpShiftLeft(v, v, shift, n);
     mpDigit top = mpShiftLeft(r, u, shift, n + m);
@@ -246,11 +246,11 @@ void divide(mpDigit q[], mpDigit r[], const mpDigit u[], uint32_t udigits, mpDig
         }
         if (isTested && qhat != 0 && qhatTooBig(qhat, rhat, v[n - 2], r[j + n - 2]))
         {
-            qhat--;
+            --qhat;
             rhat += v[n - 1];
             if (rhat >= v[n - 1] && qhatTooBig(qhat, rhat, v[n - 2], r[j + n - 2]))
             {
-                qhat--;
+                --qhat;
             }
         }
         if (qhat != 0)
@@ -260,7 +260,7 @@ void divide(mpDigit q[], mpDigit r[], const mpDigit u[], uint32_t udigits, mpDig
         q[j] = qhat;
         if (top != 0)
         {
-            q[j]--;
+            --q[j];
             mpAdd(r + j, r + j, v, n);
         }
         top = r[j + n - 1];

@@ -82,7 +82,7 @@ bool beginNextCall(Registry& reg, RunningCall& call, std::uint64_t afterNumber, 
     const std::lock_guard<std::mutex> lock(reg.mutex);
     for (const Registration& registration : reg.registrations)
     {
-        if ((registration.number > afterNumber) && (registration.number <= lastNumber))
+        if (registration.number > afterNumber && registration.number <= lastNumber)
         {
             call.pHandler = registration.pHandler;
             call.registrationNumber = registration.number;
@@ -112,10 +112,10 @@ class Line
 public:
     void add(const char* pText)
     {
-        for (const char* p = (pText == nullptr) ? "(null)" : pText; *p != '\0'; ++p)
+        for (const char* p = pText == nullptr ? "(null)" : pText; *p != '\0'; ++p)
         {
             const unsigned char c = static_cast<unsigned char>(*p);
-            put(((c < ' ') || (c == 127)) ? ' ' : *p);
+            put((c < ' ' || c == 127) ? ' ' : *p);
         }
     }
 
@@ -167,7 +167,7 @@ void gtRegisterAssertionFailureHandler(gtIAssertionFailureHandler* pHandler)
 {
     Registry& reg = registry();
     const std::lock_guard<std::mutex> lock(reg.mutex);
-    if ((pHandler != nullptr) && (find(reg, pHandler) == reg.registrations.end()))
+    if (pHandler != nullptr && find(reg, pHandler) == reg.registrations.end())
     {
         reg.registrations.push_back({pHandler, reg.lastNumber + 1});
         ++reg.lastNumber;
@@ -193,7 +193,7 @@ void gtUnRegisterAssertionFailureHandler(gtIAssertionFailureHandler* pHandler)
     {
         for (const RunningCall* pCall = reg.pRunningCalls; pCall != nullptr; pCall = pCall->pNext)
         {
-            if ((pCall->pHandler == pHandler) && (pCall->registrationNumber <= lastNumber) &&
+            if (pCall->pHandler == pHandler && pCall->registrationNumber <= lastNumber &&
                 !(isWithinHandler && pCall->isThreadWaiting))
             {
                 return true;

@@ -17,12 +17,12 @@ constexpr std::size_t longestText = INT_MAX;
 
 std::size_t lengthOf(const char* pChars)
 {
-    return (pChars == nullptr) ? 0 : std::strlen(pChars);
+    return pChars == nullptr ? 0 : std::strlen(pChars);
 }
 
 std::size_t lengthOf(const char* pChars, int length)
 {
-    return (pChars == nullptr) ? 0 : static_cast<std::size_t>(std::max(length, 0));
+    return pChars == nullptr ? 0 : static_cast<std::size_t>(std::max(length, 0));
 }
 
 [[noreturn]] void throwTooLong()
@@ -148,7 +148,7 @@ gtString& gtString::appendFormattedString(const char* pFormat, ...)
     va_start(sameArguments, pFormat);
     const int sameLength = std::vsnprintf(pLongResult.get(), size, pFormat, sameArguments);
     va_end(sameArguments);
-    return (sameLength == length) ? append(pLongResult.get(), length) : *this;
+    return sameLength == length ? append(pLongResult.get(), length) : *this;
 }
 
 gtString& gtString::makeEmpty() noexcept

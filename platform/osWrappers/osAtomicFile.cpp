@@ -24,7 +24,7 @@ constexpr int mostLinks = 40;
 std::string folderOf(const std::string& path)
 {
     const std::size_t slash = path.rfind('/');
-    return (slash == std::string::npos) ? "." : path.substr(0, slash + 1);
+    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
 // Where the bytes really go: the end of a chain of links, whether or not there is a file at it.
@@ -48,8 +48,9 @@ std::string followLinks(const std::string& path)
         {
             break;
         }
-        const std::string next(target, static_cast<std::size_t>(length));
-        end = next[0] == '/' || end.find('/') == std::string::npos ? next : folderOf(end) + next;
+        // A relative target begins at the link's folder.
+        end.resize(target[0] == '/' ? 0 : end.rfind('/') + 1);
+        end.append(target, static_cast<std::size_t>(length));
     }
     return end;
 }
@@ -57,14 +58,14 @@ std::string followLinks(const std::string& path)
 // A new, empty file with a name of its own in the folder; -1 when the system refuses.
 int createBeside(const std::string& folder, unsigned int rights, std::string& path)
 {
-    const mode_t rightsAtFirst = (rights == 0) ? 0666 : 0600;
-    for (int attempt = 0; attempt < attemptsAtAName; attempt++)
+    const mode_t rightsAtFirst = rights == 0 ? 0666 : 0600;
+    for (int attempt = 0; attempt < attemptsAtAName; ++attempt)
     {
         // Its own number keeps processes apart, counting keeps the threads and the leftovers apart.
-        path = folder + ((folder == ".") ? "/" : "") + ".countersign-" + std::to_string(::getpid()) + "-" +
+        path = folder + (folder == "." ? "/" : "") + ".countersign-" + std::to_string(::getpid()) + "-" +
                std::to_string(attempt) + ".tmp";
         const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, rightsAtFirst);
-        if ((descriptor >= 0) || ((errno != EEXIST) && (errno != EINTR)))
+        if (descriptor >= 0 || (errno != EEXIST && errno != EINTR))
         {
             return descriptor;
         }
@@ -77,9 +78,9 @@ int createBeside(const std::string& folder, unsigned int rights, std::string& pa
 int renameWithoutReplacing(const std::string& newPath, const std::string& path)
 {
 #if defined(__linux__)
-    return (::renameat2(AT_FDCWD, newPath.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) ? 0 : errno;
+    return ::renameat2(AT_FDCWD, newPath.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0 ? 0 : errno;
 #elif defined(__APPLE__)
-    return (::renamex_np(newPath.c_str(), path.c_str(), RENAME_EXCL) == 0) ? 0 : errno;
+    return ::renamex_np(newPath.c_str(), path.c_str(), RENAME_EXCL) == 0 ? 0 : errno;
 #else
     return ENOSYS;
 #endif
@@ -92,7 +93,7 @@ int renameOverOwnFile(const std::string& newPath, const std::string& path)
     do
     {
         descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    } while ((descriptor < 0) && (errno == EINTR));
+    } while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0)
     {
         return errno;
@@ -121,7 +122,7 @@ int nameWithoutOverwriting(const std::string& newPath, const std::string& path)
     }
     // Some file systems have no hard links.
     const int error = renameWithoutReplacing(newPath, path);
-    return ((error == EINVAL) || (error == ENOSYS) || (error == EOPNOTSUPP)) ? renameOverOwnFile(newPath, path) : error;
+    return (error == EINVAL || error == ENOSYS || error == EOPNOTSUPP) ? renameOverOwnFile(newPath, path) : error;
 }
 
 // A name that is not on the disk yet is not lost with the power. Not every file system can do it; it is no failure.
@@ -183,12 +184,12 @@ osWritingResult osWriteFileAtomically(const gtString& path, std::string_view byt
     {
         return refusal(errno);
     }
-    int error = ((rights != 0) && (::fchmod(descriptor, rights) != 0)) ? errno : osWriteAll(descriptor, bytes);
+    int error = (rights != 0 && ::fchmod(descriptor, rights) != 0) ? errno : osWriteAll(descriptor, bytes);
     if (error == 0 && ::fsync(descriptor) != 0)
     {
         error = errno;
     }
-    if ((::close(descriptor) != 0) && (error == 0) && (errno != EINTR))
+    if (::close(descriptor) != 0 && error == 0 && errno != EINTR)
     {
         error = errno;
     }

@@ -21,7 +21,7 @@ int openForReading(const char* pPath)
     {
         // Without waiting, as a pipe would wait for its writer; and a terminal does not become the program's.
         descriptor = ::open(pPath, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    } while ((descriptor < 0) && (errno == EINTR));
+    } while (descriptor < 0 && errno == EINTR);
     return descriptor;
 }
 
@@ -31,7 +31,7 @@ ssize_t readFrom(int descriptor, char* pBuffer, std::size_t bufferSize)
     do
     {
         amount = ::read(descriptor, pBuffer, bufferSize);
-    } while ((amount < 0) && (errno == EINTR));
+    } while (amount < 0 && errno == EINTR);
     return amount;
 }
 
@@ -48,7 +48,7 @@ int prepareRegularFile(int descriptor)
         return S_ISDIR(status.st_mode) ? EISDIR : ENOTSUP;
     }
     const int flags = ::fcntl(descriptor, F_GETFL);
-    return ((flags == -1) || (::fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != 0)) ? errno : 0;
+    return (flags == -1 || ::fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != 0) ? errno : 0;
 }
 }  // namespace
 
@@ -68,8 +68,8 @@ bool osFile::open(const osFilePath& path, osChannel::osChannelType channelType, 
     _hasReadError = false;
     _isAtEnd = false;
     const char* pPath = path.asCharArray();
-    if ((channelType != osChannel::OS_BINARY_CHANNEL) || (openMode != OS_OPEN_TO_READ) ||
-        (std::strlen(pPath) != static_cast<std::size_t>(path.length())))
+    if (channelType != osChannel::OS_BINARY_CHANNEL || openMode != OS_OPEN_TO_READ ||
+        std::strlen(pPath) != static_cast<std::size_t>(path.length()))
     {
         _errorNumber = EINVAL;
         return false;
@@ -114,7 +114,7 @@ bool osFile::readAvailableData(char* pBuffer, unsigned long bufferSize, unsigned
         {
             break;
         }
-        else if ((wanted >= bufferCapacity) || !hasBuffer())
+        else if (wanted >= bufferCapacity || !hasBuffer())
         {
             filled += readOnce(pBuffer + filled, wanted);
         }
@@ -142,7 +142,7 @@ void osFile::close() noexcept
 bool osFile::fileSize(unsigned long long& size) const noexcept
 {
     struct stat status;
-    if (!isOpen() || (::fstat(_descriptor, &status) != 0))
+    if (!isOpen() || ::fstat(_descriptor, &status) != 0)
     {
         return false;
     }
@@ -169,6 +169,6 @@ std::size_t osFile::readOnce(char* pBuffer, std::size_t bufferSize) noexcept
         _errorNumber = errno;
         return 0;
     }
-    _isAtEnd = (amount == 0);
+    _isAtEnd = amount == 0;
     return static_cast<std::size_t>(amount);
 }

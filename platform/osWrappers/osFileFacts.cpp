@@ -115,7 +115,7 @@ osFileResult osReadFileFacts(const gtString& path, osFileFacts& facts)
     do
     {
         file = open(path.asCharArray(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    } while ((file < 0) && (errno == EINTR));
+    } while (file < 0 && errno == EINTR);
     if (file < 0)
     {
         return refusal(errno);

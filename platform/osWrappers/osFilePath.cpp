@@ -19,7 +19,7 @@ std::size_t extensionSeparatorIndex(std::string_view component)
     const std::size_t firstOther = component.find_first_not_of(osFilePath::osExtensionSeparator);
     const std::size_t lastSeparator = component.rfind(osFilePath::osExtensionSeparator);
     // Where there are none, they are npos, which is above every index.
-    return (lastSeparator < firstOther) ? std::string_view::npos : lastSeparator;
+    return lastSeparator < firstOther ? std::string_view::npos : lastSeparator;
 }
 
 void assign(gtString& target, std::string_view text)
@@ -40,7 +40,7 @@ void osFilePath::getFileExtension(gtString& fileExtension) const
 {
     const std::string_view component = lastComponent(_fullPath);
     const std::size_t separator = extensionSeparatorIndex(component);
-    assign(fileExtension, (separator == std::string_view::npos) ? std::string_view() : component.substr(separator + 1));
+    assign(fileExtension, separator == std::string_view::npos ? std::string_view() : component.substr(separator + 1));
 }
 
 void osFilePath::getFullFileName(gtString& fullFileName) const

@@ -69,10 +69,10 @@ std::string programPath()
     char path[PATH_MAX] = {};
 #if defined(__APPLE__)
     std::uint32_t size = sizeof path;
-    return (_NSGetExecutablePath(path, &size) == 0) ? path : std::string();
+    return _NSGetExecutablePath(path, &size) == 0 ? path : std::string();
 #else
     const ssize_t length = ::readlink("/proc/self/exe", path, sizeof path - 1);
-    return (length > 0) ? std::string(path, static_cast<std::size_t>(length)) : std::string();
+    return length > 0 ? std::string(path, static_cast<std::size_t>(length)) : std::string();
 #endif
 }
 
@@ -106,19 +106,19 @@ bool isTraced()
     struct kinfo_proc facts = {};
     std::size_t size = sizeof facts;
     int name[] = {CTL_KERN, KERN_PROC, KERN_PROC_PID, ::getpid()};
-    return (::sysctl(name, 4, &facts, &size, nullptr, 0) == 0) && ((facts.kp_proc.p_flag & P_TRACED) != 0);
+    return ::sysctl(name, 4, &facts, &size, nullptr, 0) == 0 && (facts.kp_proc.p_flag & P_TRACED) != 0;
 #else
     // Without memory, which may have run out: this is asked when something has gone wrong.
     char text[4096];
     const int file = ::open("/proc/self/status", O_RDONLY | O_CLOEXEC);
-    const ssize_t length = (file < 0) ? 0 : ::read(file, text, sizeof text - 1);
+    const ssize_t length = file < 0 ? 0 : ::read(file, text, sizeof text - 1);
     if (file >= 0)
     {
         static_cast<void>(::close(file));
     }
     text[std::max<ssize_t>(length, 0)] = '\0';
     const char* const pTracer = std::strstr(text, "\nTracerPid:");
-    return (pTracer != nullptr) && (std::strtol(pTracer + std::strlen("\nTracerPid:"), nullptr, 10) != 0);
+    return pTracer != nullptr && std::strtol(pTracer + std::strlen("\nTracerPid:"), nullptr, 10) != 0;
 #endif
 }
 
@@ -186,12 +186,12 @@ struct Command
 std::vector<std::string> programFolders()
 {
     const char* pPath = std::getenv("PATH");
-    std::string_view path = (pPath == nullptr) ? "/usr/local/bin:/usr/bin:/bin" : pPath;
+    std::string_view path = pPath == nullptr ? "/usr/local/bin:/usr/bin:/bin" : pPath;
     std::vector<std::string> folders;
     while (!path.empty())
     {
         const std::string_view folder = path.substr(0, path.find(':'));
-        if (!folder.empty() && (folder.front() == '/'))
+        if (!folder.empty() && folder.front() == '/')
         {
             folders.emplace_back(folder);
         }
@@ -221,8 +221,8 @@ std::string findProgram(const std::vector<std::string>& folders, const char* pPr
     {
         std::string candidate = folder + "/" + pProgram;
         struct stat status;
-        if ((::stat(candidate.c_str(), &status) == 0) && S_ISREG(status.st_mode) &&
-            (::access(candidate.c_str(), X_OK) == 0) && !isWithoutWindow(candidate))
+        if (::stat(candidate.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+            ::access(candidate.c_str(), X_OK) == 0 && !isWithoutWindow(candidate))
         {
             return candidate;
         }
@@ -295,7 +295,7 @@ std::string foundPath(const std::string& path)
 std::string plainPath(const osFilePath& filePath)
 {
     const std::string path = foundPath({filePath.asCharArray(), static_cast<std::size_t>(filePath.length())});
-    const bool isLikeOption = (path.front() == '-') || (path.front() == '+');
+    const bool isLikeOption = path.front() == '-' || path.front() == '+';
     const bool isLikeAddress = path.find(':') < path.find('/');
     return (isLikeOption || isLikeAddress) ? "./" + path : path;
 }
@@ -335,7 +335,7 @@ std::string failureLine(const osFilePath& filePath, int lineNumber, const char* 
     for (int i = 0; i < filePath.length(); ++i)
     {
         const unsigned char c = static_cast<unsigned char>(filePath.asCharArray()[i]);
-        line += ((c < ' ') || (c == 127)) ? ' ' : filePath.asCharArray()[i];
+        line += (c < ' ' || c == 127) ? ' ' : filePath.asCharArray()[i];
     }
     return line + "\" at line " + std::to_string(lineNumber) + ": " + pReason + "\n";
 }
@@ -372,7 +372,7 @@ void becomeEditor(const std::vector<Command>& commands, const std::string& allFa
     const bool hasStderr = ::dup2(STDERR_FILENO, keptStderr) == keptStderr;
     closeDescriptorsFrom(hasStderr ? firstOther : keptStderr);
     const int null = ::open("/dev/null", O_RDWR);
-    for (int descriptor = STDIN_FILENO; (null >= 0) && (descriptor <= STDERR_FILENO); ++descriptor)
+    for (int descriptor = STDIN_FILENO; null >= 0 && descriptor <= STDERR_FILENO; ++descriptor)
     {
         static_cast<void>(::dup2(null, descriptor));
     }
@@ -434,8 +434,8 @@ bool startDetached(const std::vector<Command>& commands, const std::string& allF
     do
     {
         collected = ::waitpid(between, &status, 0);
-    } while ((collected == -1) && (errno == EINTR));
-    return WIFEXITED(status) && (WEXITSTATUS(status) == 0);
+    } while (collected == -1 && errno == EINTR);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 }  // namespace
 
@@ -446,7 +446,7 @@ unsigned int osGetCurrentThreadId()
 
 void osOpenFileInSourceCodeEditor(const osFilePath& filePath, int lineNumber)
 {
-    if (filePath.isEmpty() || (std::strlen(filePath.asCharArray()) != static_cast<std::size_t>(filePath.length())))
+    if (filePath.isEmpty() || std::strlen(filePath.asCharArray()) != static_cast<std::size_t>(filePath.length()))
     {
         writeToStderr(failureLine(filePath, lineNumber, "no file can have this name"));
         return;

@@ -16,7 +16,7 @@ bool brokenDown(long long secondsSince1970, osTime::TimeZone timeZone, std::tm& 
         return false;
     }
     // The variants that write where they are told: the others share one record between all threads.
-    return ((timeZone == osTime::LOCAL) ? ::localtime_r(&seconds, &result) : ::gmtime_r(&seconds, &result)) != nullptr;
+    return (timeZone == osTime::LOCAL ? ::localtime_r(&seconds, &result) : ::gmtime_r(&seconds, &result)) != nullptr;
 }
 }  // namespace
 
@@ -33,8 +33,8 @@ void osTime::timeAsString(gtString& timeText, TimeFormat timeFormat, TimeZone ti
     if (brokenDown(_secondsSince1970, timeZone, parts))
     {
         const long long year = 1900LL + parts.tm_year;
-        const char* const pSign = (year < 0) ? "-" : "";
-        const long long digits = (year < 0) ? -year : year;
+        const char* const pSign = year < 0 ? "-" : "";
+        const long long digits = year < 0 ? -year : year;
         const int month = parts.tm_mon + 1;
         switch (timeFormat)
         {

@@ -25,7 +25,7 @@ bool beginsLikeUrl(const std::u32string& text, std::size_t begin, std::size_t en
     for (const char* pExpected : urlBeginnings)
     {
         std::size_t i = begin;
-        for (; *pExpected != '\0' && i < end; pExpected++, i++)
+        for (; *pExpected != '\0' && i < end; ++pExpected, ++i)
         {
             const char32_t character = text[i] >= U'A' && text[i] <= U'Z' ? text[i] | 0x20 : text[i];
             if (character != static_cast<char32_t>(*pExpected))
@@ -87,13 +87,13 @@ void gtHighlightUrls(wxTextCtrl* pTextCtrl)
         wordEnd = wordBegin;
         while (wordEnd < text.size() && g_unichar_isspace(text[wordEnd]) == FALSE)
         {
-            wordEnd++;
+            ++wordEnd;
         }
         std::size_t begin = wordBegin;
         std::size_t end = wordEnd;
         while (begin < end && g_unichar_ispunct(text[begin]) != FALSE)
         {
-            begin++;
+            ++begin;
         }
         while (end > begin && g_unichar_ispunct(text[end - 1]) != FALSE && text[end - 1] != U'/')
         {

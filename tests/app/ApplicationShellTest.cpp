@@ -76,13 +76,13 @@ bool wxAppConsoleBase::CheckBuildOptions(const char* optionsSignature, const cha
 
 int wxAppBase::OnExit()
 {
-    amountOfToolkitsExits++;
+    ++amountOfToolkitsExits;
     return 0;
 }
 
 int wxAppConsoleBase::OnExit()
 {
-    amountOfToolkitsExits++;
+    ++amountOfToolkitsExits;
     return 0;
 }
 

@@ -119,7 +119,7 @@ TEST_F(ShellWindow, PassesDocumentsToTheMainWindow)
         wxGetApp().MacOpenFile(gtPathTextFromBytes(gtString(path.c_str())));
     }
     ASSERT_EQ(MainFrame::openedPaths().size(), paths.size());
-    for (std::size_t i = 0; i < paths.size(); i++)
+    for (std::size_t i = 0; i < paths.size(); ++i)
     {
         EXPECT_EQ(MainFrame::openedPaths()[i].first, paths[i]);
         EXPECT_TRUE(MainFrame::openedPaths()[i].second);

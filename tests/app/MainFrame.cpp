@@ -50,7 +50,7 @@ void MainFrame::openFilePath(const gtString& path, bool flag)
 
 void* MainFrame::operator new(std::size_t size)
 {
-    amountOfLive++;
+    ++amountOfLive;
     return ::operator new(size);
 }
 

@@ -27,7 +27,7 @@ void tell(MainFrame& frame)
     hasStarted = true;
     std::printf("window with %d handler\n", gtAmountOfRegisteredAssertionFailureHandlers());
     const wxArrayString& arguments = wxGetApp().argv.GetArguments();
-    for (std::size_t i = 1; i < arguments.size(); i++)
+    for (std::size_t i = 1; i < arguments.size(); ++i)
     {
         std::printf("argument %s\n", gtBytesFromArgument(arguments[i]).asCharArray());
     }

@@ -97,9 +97,9 @@ long amountOfBluePixels(const wxRect& screenRect)
     }
     const wxRect rect = wxRect(picture.GetSize()).Intersect(screenRect);
     long amount = 0;
-    for (int y = rect.GetTop(); y <= rect.GetBottom(); y++)
+    for (int y = rect.GetTop(); y <= rect.GetBottom(); ++y)
     {
-        for (int x = rect.GetLeft(); x <= rect.GetRight(); x++)
+        for (int x = rect.GetLeft(); x <= rect.GetRight(); ++x)
         {
             amount += isBlue(picture.GetRed(x, y), picture.GetGreen(x, y), picture.GetBlue(x, y)) ? 1 : 0;
         }
@@ -135,7 +135,7 @@ std::vector<Piece> runsOf(wxTextCtrl* pControl)
 {
     std::vector<Piece> runs;
     const wxString text = pControl->GetValue();
-    for (std::size_t i = 0; i < text.length(); i++)
+    for (std::size_t i = 0; i < text.length(); ++i)
     {
         wxTextAttr style;
         EXPECT_TRUE(pControl->GetStyle(static_cast<long>(i), style));
@@ -210,7 +210,7 @@ TEST(Dialog, HasAnEventTableOfFiveButtons)
     const OpenDialog dialog;
     const wxEventTable* pTable = dialog.GetEventTable();
     ASSERT_EQ(pTable, &OpenDialog::sm_eventTable);
-    for (int i = 0; i < 5; i++)
+    for (int i = 0; i < 5; ++i)
     {
         const wxEventTableEntry& entry = pTable->entries[i];
         EXPECT_EQ(entry.m_eventType, wxEVT_BUTTON);
@@ -285,7 +285,7 @@ TEST(Dialog, HasFiveButtonsAndNothingElse)
         EXPECT_EQ(pButton->GetId(), ids[i]);
         EXPECT_EQ(pButton->GetLabel(), labels[i]);
         EXPECT_EQ(pButton->GetWindowStyle(), 0);
-        i++;
+        ++i;
     }
     EXPECT_EQ(dialog.GetDefaultItem(), dialog._pIgnoreAllButton);
     EXPECT_EQ(dialog.GetAffirmativeId(), wxID_OK);
@@ -312,7 +312,7 @@ TEST(Dialog, IsLaidOutByTwoSizers)
 
     EXPECT_EQ(dialog._pButtonsSizer->GetOrientation(), wxHORIZONTAL);
     ASSERT_EQ(dialog._pButtonsSizer->GetItemCount(), 5U);
-    for (std::size_t i = 0; i < 5; i++)
+    for (std::size_t i = 0; i < 5; ++i)
     {
         const wxSizerItem* pItem = dialog._pButtonsSizer->GetItem(i);
         EXPECT_EQ(pItem->GetWindow(), dialog.buttons()[i]);
@@ -528,7 +528,7 @@ TEST(DialogReport, IsWrittenInThirteenSteps)
         {wxBLACK, &body, nullptr},         {nullptr, nullptr, "x != 0"},
     };
     ASSERT_EQ(pControl->calls.size(), std::size(steps));
-    for (std::size_t i = 0; i < std::size(steps); i++)
+    for (std::size_t i = 0; i < std::size(steps); ++i)
     {
         const NotingTextCtrl::Call& call = pControl->calls[i];
         ASSERT_EQ(call.isStyle, steps[i].pText == nullptr) << i;
@@ -615,7 +615,7 @@ TEST(DialogReport, MarksEveryKindOfUrl)
               (Urls{"www.a", "www.b", "www.c", "www.d", "www.e"}));
 
     wxString manyInALine;
-    for (int i = 0; i < 1001; i++)
+    for (int i = 0; i < 1001; ++i)
     {
         manyInALine += "www.a ";
     }
@@ -764,9 +764,9 @@ Ink inkOf(const wxImage& picture, const wxRect& rect)
 {
     std::map<unsigned int, int> amounts;
     const wxRect inside = wxRect(picture.GetSize()).Intersect(rect);
-    for (int y = inside.GetTop(); y <= inside.GetBottom(); y++)
+    for (int y = inside.GetTop(); y <= inside.GetBottom(); ++y)
     {
-        for (int x = inside.GetLeft(); x <= inside.GetRight(); x++)
+        for (int x = inside.GetLeft(); x <= inside.GetRight(); ++x)
         {
             amounts[wxColour(picture.GetRed(x, y), picture.GetGreen(x, y), picture.GetBlue(x, y)).GetRGB()]++;
         }
@@ -896,7 +896,7 @@ TEST(DialogLayout, IsNotMovedByLongTexts)
     const std::string longName(1000, 'n');
     // An unbroken word much longer than that takes the toolkit seconds, growing with the square of its length.
     wxString longReason('r', 10000);
-    for (int i = 0; i < 5000; i++)
+    for (int i = 0; i < 5000; ++i)
     {
         longReason += " words and words";
     }
@@ -931,7 +931,7 @@ TEST(DialogIcon, HasFortyColoursAllUsed)
     ASSERT_STREQ(ahAssertDialogIcon[0], "16 16 40 1");
     std::map<char, std::string> palette;
     std::set<std::string> colours;
-    for (int i = 1; i <= 40; i++)
+    for (int i = 1; i <= 40; ++i)
     {
         const std::string line(ahAssertDialogIcon[i]);
         ASSERT_EQ(line.size(), 11U) << line;
@@ -948,7 +948,7 @@ TEST(DialogIcon, HasFortyColoursAllUsed)
     }
 
     std::set<char> used;
-    for (int y = 0; y < 16; y++)
+    for (int y = 0; y < 16; ++y)
     {
         const std::string row(ahAssertDialogIcon[41 + y]);
         ASSERT_EQ(row.size(), 16U) << row;
@@ -967,9 +967,9 @@ TEST(DialogIcon, IsARedSquareWithAWhiteGlyph)
     ASSERT_EQ(image.GetSize(), wxSize(16, 16));
     int amountOfRed = 0;
     int amountOfWhite = 0;
-    for (int y = 0; y < 16; y++)
+    for (int y = 0; y < 16; ++y)
     {
-        for (int x = 0; x < 16; x++)
+        for (int x = 0; x < 16; ++x)
         {
             const int red = image.GetRed(x, y);
             const int green = image.GetGreen(x, y);
@@ -981,7 +981,7 @@ TEST(DialogIcon, IsARedSquareWithAWhiteGlyph)
             amountOfRed += green < 0x60 ? 1 : 0;
             if (green == 0xFF && blue == 0xFF)
             {
-                amountOfWhite++;
+                ++amountOfWhite;
                 EXPECT_TRUE(x >= 4 && x < 12 && y >= 2 && y < 14) << x << ", " << y;
             }
         }

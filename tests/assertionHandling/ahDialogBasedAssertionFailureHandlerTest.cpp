@@ -231,7 +231,7 @@ TEST(Handler, FreesItsLocations)
     {
         const std::string longPath(1000, 'p');
         gtIAssertionFailureHandler* pHandler = new OpenHandler(1);
-        for (int i = 0; i < 100; i++)
+        for (int i = 0; i < 100; ++i)
         {
             static_cast<OpenHandler*>(pHandler)->handleUsersDecision(8002, path(longPath.c_str()), i);
         }
@@ -261,7 +261,7 @@ TEST(Handler, WithoutMemoryALocationIsNotAddedAndNothingIsLost)
     bool hasThrown = false;
     bool isDone = false;
     // Every allocation of the decision fails once, the first to the last.
-    for (long i = 0; !isDone; i++)
+    for (long i = 0; !isDone; ++i)
     {
         ASSERT_LT(i, 20);
         OpenHandler handler(1);

@@ -19,7 +19,7 @@ int failEachAllocation(const std::function<void()>& work, const std::function<vo
 {
     work();  // what is made once and kept is there now
     const long before = amountOfLiveAllocations();
-    for (int number = 0;; number++)
+    for (int number = 0;; ++number)
     {
         bool hasHappened = false;
         {
@@ -107,7 +107,7 @@ TEST(KitFaults, LeaveTheReportToStandardErrorWholeOrOut)
     for (std::size_t at = written.find(" - Assertion failure: "); at != std::string::npos;
          at = written.find(" - Assertion failure: ", at + 1))
     {
-        begun++;
+        ++begun;
         EXPECT_EQ(written.compare(at + 22, rest.size(), rest), 0) << at;
     }
     EXPECT_GE(begun, 2U);

@@ -117,7 +117,7 @@ TEST(HostileTexts, OfNothingButUrlsAreShown)
 TEST(HostileTexts, OfControlCharactersAreShown)
 {
     wxString controls;
-    for (wxUint32 codePoint = 1; codePoint < 0x20; codePoint++)
+    for (wxUint32 codePoint = 1; codePoint < 0x20; ++codePoint)
     {
         controls += codePoint == '\n' || codePoint == '\r' ? wxString() : character(codePoint);
     }

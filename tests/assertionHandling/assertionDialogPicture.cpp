@@ -32,9 +32,9 @@ bool isPainted(const wxRect& screenRect)
     bool hasDark = false;
     bool hasLight = false;
     const wxRect rect = wxRect(picture.GetSize()).Intersect(screenRect);
-    for (int y = rect.GetTop(); y <= rect.GetBottom(); y++)
+    for (int y = rect.GetTop(); y <= rect.GetBottom(); ++y)
     {
-        for (int x = rect.GetLeft(); x <= rect.GetRight(); x++)
+        for (int x = rect.GetLeft(); x <= rect.GetRight(); ++x)
         {
             hasDark = hasDark || picture.GetRed(x, y) < 80;
             hasLight = hasLight || picture.GetRed(x, y) > 200;

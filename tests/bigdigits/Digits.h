@@ -20,7 +20,7 @@ public:
     explicit Digits(size_t n) : _all(n + 2 * guard, rubbish) {}
     explicit Digits(const std::vector<mpDigit>& values) : Digits(values.size())
     {
-        for (size_t i = 0; i < values.size(); i++)
+        for (size_t i = 0; i < values.size(); ++i)
         {
             _all[guard + i] = values[i];
         }
@@ -31,7 +31,7 @@ public:
     Digits& operator=(const Digits&) = delete;
     ~Digits()
     {
-        for (size_t i = 0; i < guard; i++)
+        for (size_t i = 0; i < guard; ++i)
         {
             EXPECT_EQ(_all[i], rubbish) << "written in front of the array";
             EXPECT_EQ(_all[_all.size() - 1 - i], rubbish) << "written behind the array";

@@ -62,7 +62,7 @@ public:
     {
         Natural result;
         Natural next(1);
-        for (; n > 0; n--)
+        for (; n > 0; --n)
         {
             mpz_add(result._value, result._value, next._value);
             mpz_swap(result._value, next._value);

@@ -52,7 +52,7 @@ public:
             result[below(static_cast<uint32_t>(n))] = 1U << below(32);
             break;
         case 2:  // long runs of zero bits and of one bits
-            for (size_t bit = 0, value = below(2), left = 0; bit < 32 * n; bit++, left--)
+            for (size_t bit = 0, value = below(2), left = 0; bit < 32 * n; bit++, --left)
             {
                 if (left == 0)
                 {
@@ -63,7 +63,7 @@ public:
             }
             break;
         case 3:  // a few digits among zeros
-            for (uint32_t count = below(4) + 1; count > 0; count--)
+            for (uint32_t count = below(4) + 1; count > 0; --count)
             {
                 result[below(static_cast<uint32_t>(n))] = digit();
             }
@@ -93,7 +93,7 @@ public:
     std::vector<mpDigit> uniformNumber(size_t n)
     {
         std::vector<mpDigit> result;
-        for (size_t i = 0; i < n; i++)
+        for (size_t i = 0; i < n; ++i)
         {
             result.push_back(uniform());
         }

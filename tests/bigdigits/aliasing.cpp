@@ -17,7 +17,7 @@ protected:
         SCOPED_TRACE(random.trace());
         for (const uint32_t n : {1U, 2U, 3U, 5U, 15U, 16U, 17U, 18U, 20U, 33U, 64U, 100U})
         {
-            for (int i = 0; i < 8 && !HasFailure(); i++)
+            for (int i = 0; i < 8 && !HasFailure(); ++i)
             {
                 SCOPED_TRACE(n);
                 check(n);
@@ -115,7 +115,7 @@ TEST_F(Aliasing, ModMultTakesAFactorThatIsTheModulus)
         {
             const Digits m = number(n);
             const Digits y = number(n);
-            for (int way = 0; way < 3; way++)
+            for (int way = 0; way < 3; ++way)
             {
                 Digits a(n);
                 mpModMult(a, way == 1 ? y : m, way == 0 ? y : m, m, n);
@@ -258,7 +258,7 @@ TEST_F(Aliasing, BitOperationsMayWriteIntoTheirSecondNumber)
 TEST_F(Aliasing, DivisionOfADoubleDigitMayWriteBothResultsIntoIt)
 {
     SCOPED_TRACE(random.trace());
-    for (int i = 0; i < 1000 && !HasFailure(); i++)
+    for (int i = 0; i < 1000 && !HasFailure(); ++i)
     {
         const mpDigit v = random.digit() | 0x80000000U;
         const mpDigit u[2] = {random.digit(), random.digit()};

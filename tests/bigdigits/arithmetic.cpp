@@ -152,7 +152,7 @@ TEST(Subtraction, OfOneFromZeroBorrowsOut)
 
 TEST(Products, OfAllOnes)
 {
-    for (size_t n = 1; n <= 70; n++)
+    for (size_t n = 1; n <= 70; ++n)
     {
         const Digits u(Values(n, allOnes));
         Digits w(2 * n);

@@ -27,7 +27,7 @@ public:
     Shifted& operator=(const Shifted&) = delete;
     ~Shifted()
     {
-        for (size_t i = 0; i < _all.size(); i++)
+        for (size_t i = 0; i < _all.size(); ++i)
         {
             if (i < _offset || i >= _offset + _all.size() - 2 * columns)
             {
@@ -218,7 +218,7 @@ TEST_P(EachForm, MultipliesAtEveryLengthAndAlignment)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (size_t n = GetParam().shortest(); n <= 300 && !HasFailure(); n++)
+    for (size_t n = GetParam().shortest(); n <= 300 && !HasFailure(); ++n)
     {
         SCOPED_TRACE(n);
         for (size_t alignment = n % 3; alignment < 16; alignment += n < 70 ? 1 : 5)
@@ -233,7 +233,7 @@ TEST_P(EachForm, DividesAtEveryLengthAndAlignment)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (size_t n = GetParam().shortest(); n <= 300 && !HasFailure(); n++)
+    for (size_t n = GetParam().shortest(); n <= 300 && !HasFailure(); ++n)
     {
         SCOPED_TRACE(n);
         for (size_t alignment = n % 3; alignment < 16; alignment += n < 70 ? 1 : 5)
@@ -250,7 +250,7 @@ TEST_P(EachForm, DividesUniformNumbersWithoutHelp)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (uint32_t i = casesToRun(3000); i > 0 && !HasFailure(); i--)
+    for (uint32_t i = casesToRun(3000); i > 0 && !HasFailure(); --i)
     {
         const size_t n = GetParam().shortest() + random.below(40);
         std::vector<mpDigit> u = random.uniformNumber(n + random.below(longest(n, 40)));
@@ -264,7 +264,7 @@ TEST_P(EachForm, DividesNearMultiples)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (uint32_t i = casesToRun(20000); i > 0 && !HasFailure(); i--)
+    for (uint32_t i = casesToRun(20000); i > 0 && !HasFailure(); --i)
     {
         const size_t n = GetParam().shortest() + random.below(20);
         const size_t m = random.below(longest(n, 40));
@@ -289,10 +289,10 @@ TEST(Rows, AgreeWithGmpAtEveryLengthAndAlignment)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (size_t n = 0; n <= 300 && !HasFailure(); n++)
+    for (size_t n = 0; n <= 300 && !HasFailure(); ++n)
     {
         SCOPED_TRACE(n);
-        for (size_t alignment = 0; alignment < 16; alignment++)
+        for (size_t alignment = 0; alignment < 16; ++alignment)
         {
             const std::vector<mpDigit> w = random.number(n);
             const std::vector<mpDigit> u = random.number(n);
@@ -321,7 +321,7 @@ TEST_P(EachKindOfColumns, ScaleDivisors)
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
     unsigned scaled = 0;
-    for (uint32_t i = casesToRun(20000); i > 0 && !HasFailure(); i--)
+    for (uint32_t i = casesToRun(20000); i > 0 && !HasFailure(); --i)
     {
         const size_t n = shortestForColumns + random.below(40);
         const size_t leftOut = n >= shortestForLeavingOut ? random.below(2) : 0;
@@ -340,7 +340,7 @@ TEST_P(EachKindOfColumns, ScaleDivisors)
             ASSERT_FALSE(isHighest);
             continue;
         }
-        scaled++;
+        ++scaled;
         ASSERT_EQ(scaling.leftOut, leftOut);
         ASSERT_EQ(scaling.complement, complement.get());
         ASSERT_EQ(scaling.factor[2], 1U);
@@ -412,7 +412,7 @@ TEST_P(EachKindOfShortLimbs, MultipliesAtEveryLength)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (size_t n = 1; n <= 270 && !HasFailure(); n++)
+    for (size_t n = 1; n <= 270 && !HasFailure(); ++n)
     {
         check(random.number(n), random.number(n), n);
         check(random.uniformNumber(n), random.number(random.below(270) + 1), n);
@@ -426,9 +426,9 @@ TEST_P(EachKindOfShortLimbs, MultipliesEveryPairOfShortLengths)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (size_t un = 1; un <= 45 && !HasFailure(); un++)
+    for (size_t un = 1; un <= 45 && !HasFailure(); ++un)
     {
-        for (size_t vn = 1; vn <= 45 && !HasFailure(); vn++)
+        for (size_t vn = 1; vn <= 45 && !HasFailure(); ++vn)
         {
             check(random.uniformNumber(un), random.uniformNumber(vn), un);
         }
@@ -452,7 +452,7 @@ TEST_P(EachKindOfShortLimbs, MultipliesAtLengthsAroundBlocks)
 // Each pattern of bits moves a limb over another place of a group.
 TEST_P(EachKindOfShortLimbs, MultipliesPowersOfTwo)
 {
-    for (size_t bit = 0; bit < size_t{32} * 30 && !HasFailure(); bit++)
+    for (size_t bit = 0; bit < size_t{32} * 30 && !HasFailure(); ++bit)
     {
         std::vector<mpDigit> u(30);
         u[bit / 32] = mpDigit{1} << bit % 32;
@@ -516,10 +516,10 @@ TEST_P(EachSquare, AgreesWithGmpAtEveryLengthAndAlignment)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (size_t n = 0; n <= 300 && !HasFailure(); n++)
+    for (size_t n = 0; n <= 300 && !HasFailure(); ++n)
     {
         SCOPED_TRACE(n);
-        for (size_t alignment = 0; alignment < 16; alignment++)
+        for (size_t alignment = 0; alignment < 16; ++alignment)
         {
             check(random.number(n), alignment);
         }

@@ -323,7 +323,7 @@ TEST(PublishedValues, InDecimal)
 TEST(PublishedValues, OfFactorialsAndFibonacciNumbers)
 {
     Digits factorial{1, 0, 0, 0, 0, 0, 0, 0};
-    for (mpDigit i = 2; i <= 50; i++)
+    for (mpDigit i = 2; i <= 50; ++i)
     {
         EXPECT_EQ(mpShortMult(factorial, factorial, i, 8), 0U);
     }
@@ -332,7 +332,7 @@ TEST(PublishedValues, OfFactorialsAndFibonacciNumbers)
 
     Digits a{0, 0, 0, 0, 0};
     Digits b{1, 0, 0, 0, 0};
-    for (int i = 0; i < 100; i++)
+    for (int i = 0; i < 100; ++i)
     {
         // (a, b) = (b, a + b), twice.
         mpAdd(a, a, b, 5);

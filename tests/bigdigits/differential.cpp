@@ -569,13 +569,13 @@ TEST_P(EachLength, AgreesWithGmp)
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
     const uint32_t tries = casesToRun(10);
-    for (uint32_t n = 0; n <= 300 && !HasFailure(); n++)
+    for (uint32_t n = 0; n <= 300 && !HasFailure(); ++n)
     {
         SCOPED_TRACE(n);
         // The costly ones take the longer lengths in steps.
         const bool isCostly = GetParam().share == 1 || GetParam().check == texts;
         const bool isSkipped = isCostly && n > 64 && n % 20 != 0;
-        for (uint32_t i = 0; i < (isSkipped ? 0 : isCostly ? 1 : tries); i++)
+        for (uint32_t i = 0; i < (isSkipped ? 0 : isCostly ? 1 : tries); ++i)
         {
             GetParam().check(random, n);
         }
@@ -595,7 +595,7 @@ TEST(Differential, AMillionRandomCasesAgreeWithGmp)
         deck.insert(deck.end(), operation.share, &operation);
     }
     const uint32_t count = casesToRun(1000000);
-    for (uint32_t i = 0; i < count && !HasFailure(); i++)
+    for (uint32_t i = 0; i < count && !HasFailure(); ++i)
     {
         const Operation& operation = *deck[random.below(static_cast<uint32_t>(deck.size()))];
         SCOPED_TRACE(operation.name);
@@ -609,7 +609,7 @@ TEST(Differential, ModularPowersWithFullExponentsAgreeWithGmp)
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
     const uint32_t count = casesToRun(2000);
-    for (uint32_t i = 0; i < count && !HasFailure(); i++)
+    for (uint32_t i = 0; i < count && !HasFailure(); ++i)
     {
         modularPowers(random, random.oneIn(100) ? 32 : random.between(1, 8), 32);
     }

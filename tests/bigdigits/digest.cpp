@@ -129,9 +129,9 @@ void run(uint32_t n)
 
 int main()
 {
-    for (uint32_t n = 1; n <= 140; n++)
+    for (uint32_t n = 1; n <= 140; ++n)
     {
-        for (uint32_t i = 0; i < (n < 40 ? 12U : 3U); i++)
+        for (uint32_t i = 0; i < (n < 40 ? 12U : 3U); ++i)
         {
             run(n);
         }

@@ -118,7 +118,7 @@ TEST(Division, TakesEveryWayThroughAQuotientDigit)
     SCOPED_TRACE(random.trace());
     Course course;
     const uint32_t count = casesToRun(100000);
-    for (uint32_t i = 0; i < count && !HasFailure(); i++)
+    for (uint32_t i = 0; i < count && !HasFailure(); ++i)
     {
         const uint32_t n = random.between(2, 6);
         std::vector<mpDigit> v = random.number(n);
@@ -231,7 +231,7 @@ TEST(Division, OfNoDigits)
 
 TEST(Division, GivesTheDivisorBack)
 {
-    for (uint32_t shift = 0; shift < 32; shift++)
+    for (uint32_t shift = 0; shift < 32; ++shift)
     {
         const Digits u{0x12345678U, 0x9ABCDEF0U, 0xFFFFFFFFU, 0x7FFFFFFFU};
         Digits v{0xFFFFFFFFU, 0x80000001U, 0xFFFFFFFFU >> shift, 0};
@@ -301,7 +301,7 @@ TEST(Division, OfDoubleDigitsNearMultiplesAgreesWithGmp)
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
     const uint32_t count = casesToRun(300000);
-    for (uint32_t i = 0; i < count && !HasFailure(); i++)
+    for (uint32_t i = 0; i < count && !HasFailure(); ++i)
     {
         const mpDigit v = random.digit() | 0x80000000U;
         const uint64_t multiple = uint64_t{v} * (random.oneIn(2) ? random.digit() : random.below(4) << 16);

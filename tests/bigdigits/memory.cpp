@@ -18,7 +18,7 @@ TEST(Memory, IsZeroAndReleasedOnce)
 {
     mpDigit* a = mpAlloc(100);
     ASSERT_NE(a, nullptr);
-    for (int i = 0; i < 100; i++)
+    for (int i = 0; i < 100; ++i)
     {
         EXPECT_EQ(a[i], 0U);
         a[i] = 1;
@@ -371,7 +371,7 @@ TEST(OutOfMemoryDeathTest, EndsTheProcessInEachAllocation)
     };
     for (const Call& one : calls)
     {
-        for (int failing = 0; failing < one.allocations; failing++)
+        for (int failing = 0; failing < one.allocations; ++failing)
         {
             EXPECT_EXIT(
                 {

@@ -149,7 +149,7 @@ TEST(Sqrt, WorkedValues)
 
 TEST(Sqrt, OfAllSmallNumbers)
 {
-    for (mpDigit i = 0; i < 5000; i++)
+    for (mpDigit i = 0; i < 5000; ++i)
     {
         const Digits x{i};
         Digits s(1);

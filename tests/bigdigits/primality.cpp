@@ -65,7 +65,7 @@ TEST(RandBetween, StaysInItsRangeAndReachesAllOfIt)
     for (const uint32_t range : {1U, 2U, 3U, 5U, 8U, 9U})
     {
         std::vector<bool> seen(range + 1);
-        for (int i = 0; i < 1000; i++)
+        for (int i = 0; i < 1000; ++i)
         {
             const uint32_t value = spRandBetween(100, 100 + range);
             ASSERT_GE(value, 100U);
@@ -84,7 +84,7 @@ TEST(SimpleRand, SeedsOnlyTheFirstTime)
     EXPECT_EQ(spSimpleRand(9, 9), 9U);
     EXPECT_EQ(generator.seeds(), (std::vector<unsigned int>{1234567}));
     EXPECT_EQ(generator.callsOfRand(), 0U);
-    for (int i = 0; i < 100; i++)
+    for (int i = 0; i < 100; ++i)
     {
         const uint32_t value = spSimpleRand(3, 7);
         EXPECT_GE(value, 3U);
@@ -146,7 +146,7 @@ TEST(RabinMiller, SeedsOnEveryCall)
 TEST(RabinMiller, DrawsTheSameWitnessesWithinASecond)
 {
     // 2047 is a strong pseudoprime to base 2 and to some others: whether one round finds it out depends on the second.
-    for (long second = 1000; second < 1050; second++)
+    for (long second = 1000; second < 1050; ++second)
     {
         const Generator generator({}, second);
         const int32_t first = passesRabinMiller(Natural(2047), 1);
@@ -230,7 +230,7 @@ TEST(RabinMiller, WithoutRoundsEverythingPasses)
 
 TEST(IsPrime, UpTo997IsExactBut2IsNone)
 {
-    for (unsigned long i = 0; i <= 997; i++)
+    for (unsigned long i = 0; i <= 997; ++i)
     {
         const Generator generator;
         EXPECT_EQ(isPrime(Natural(i)), i != 2 && Natural(i).isPrime() ? 1 : 0) << i;
@@ -343,7 +343,7 @@ TEST(IsPrime, OfCarmichaelNumbers)
     }
     // (6k+1)(12k+1)(18k+1) with three primes is one; here with primes that trial division does not reach.
     int found = 0;
-    for (unsigned long k = 170; found < 10; k++)
+    for (unsigned long k = 170; found < 10; ++k)
     {
         const Natural p(6 * k + 1);
         const Natural q(12 * k + 1);
@@ -351,7 +351,7 @@ TEST(IsPrime, OfCarmichaelNumbers)
         if (p.isPrime() && q.isPrime() && r.isPrime())
         {
             EXPECT_EQ(isPrime(p * q * r, 20), 0) << k;
-            found++;
+            ++found;
         }
     }
 }
@@ -361,7 +361,7 @@ TEST(IsPrime, OfRandomNumbersAgreesWithGmp)
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
     const uint32_t count = casesToRun(3000);
-    for (uint32_t i = 0; i < count && !HasFailure(); i++)
+    for (uint32_t i = 0; i < count && !HasFailure(); ++i)
     {
         Natural value(random.number(random.between(1, 4)));
         // 10 rounds let a composite pass once in a million at worst, and among random ones far more rarely.

@@ -39,7 +39,7 @@ TEST(Rounds, AreAsManyAsAreAskedFor)
         {
             // Each of these words is a witness at once.
             std::deque<int> answers;
-            for (uint32_t i = 0; i < rounds; i++)
+            for (uint32_t i = 0; i < rounds; ++i)
             {
                 answers.insert(answers.end(), {static_cast<int>(i), 1, 0, 0});
             }
@@ -63,7 +63,7 @@ TEST(TrialDivision, KnowsAllPrimesFrom3To997)
         {
             continue;
         }
-        primes++;
+        ++primes;
         const Digits w(large * Natural(p), 5);
         // Without rounds, whatever trial division lets pass is a prime.
         EXPECT_EQ(mpIsPrime(w, 5, 0), 0) << p;
@@ -83,7 +83,7 @@ TEST(Seeding, OfThePrimalityTestIsIndependentOfThatOfSimpleRand)
     const Digits w{1009};
     Generator generator({}, 1111);
     using Seeds = std::vector<unsigned int>;
-    for (unsigned call = 1; call < 4; call++)
+    for (unsigned call = 1; call < 4; ++call)
     {
         generator.tellTime(call);
         EXPECT_EQ(mpRabinMiller(w, 1, call % 2), 1);
@@ -171,7 +171,7 @@ TEST(Wiping, OfQuotientsOfEveryKind)
             SCOPED_TRACE(std::to_string(n) + " digits, modulus of " + std::to_string(size));
             Digits m(n);
             mpSetZero(m, n);
-            for (uint32_t i = 0; i < size && i < n; i++)
+            for (uint32_t i = 0; i < size && i < n; ++i)
             {
                 m[i] = random.uniform() | 1;
             }
@@ -314,7 +314,7 @@ long instructionsOf(const std::function<void()>& work)
     {
         if (WSTOPSIG(status) == SIGSTOP)
         {
-            count++;
+            ++count;
             if (count > 0)
             {
                 break;
@@ -322,7 +322,7 @@ long instructionsOf(const std::function<void()>& work)
         }
         else
         {
-            count++;
+            ++count;
         }
         if (ptrace(PTRACE_SINGLESTEP, child, nullptr, nullptr) != 0)
         {

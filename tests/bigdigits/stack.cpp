@@ -109,7 +109,7 @@ TEST(Stack, IsSearchedWithSuccess)
         [&secret]
         {
             volatile uint64_t room[40];
-            for (size_t i = 0; i < 20; i++)
+            for (size_t i = 0; i < 20; ++i)
             {
                 room[i] = secret[i];
             }

@@ -62,7 +62,7 @@ TEST(Threads, ComputeAtOnceWithSharedOperands)
     Digits x(n);
     Digits e(n);
     Digits m(n);
-    for (mpDigit i = 0; i < n; i++)
+    for (mpDigit i = 0; i < n; ++i)
     {
         x[i] = 0x9E3779B9U * (i + 1);
         e[i] = i < 2 ? 0xF0F0F0F1U : 0;
@@ -80,7 +80,7 @@ TEST(Threads, ComputeAtOnceWithSharedOperands)
             [&]
             {
                 result = compute(x, e, m);
-                for (int i = 1; i < rounds && result == expected; i++)
+                for (int i = 1; i < rounds && result == expected; ++i)
                 {
                     result = compute(x, e, m);
                 }

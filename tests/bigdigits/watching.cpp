@@ -65,20 +65,20 @@ void* __wrap_calloc(size_t count, size_t size)
     {
         memory.pointers[memory.count] = pMemory;
         memory.blocks[memory.count] = {count * size, false, false};
-        memory.count++;
+        ++memory.count;
     }
     return pMemory;
 }
 
 void __wrap_free(void* pMemory)
 {
-    for (size_t i = 0; memory.isOn && i < memory.count; i++)
+    for (size_t i = 0; memory.isOn && i < memory.count; ++i)
     {
         if (memory.pointers[i] == pMemory && !memory.blocks[i].isFreed)
         {
             bool isZero = true;
             const auto* pOctets = static_cast<const unsigned char*>(pMemory);
-            for (size_t k = 0; k < memory.blocks[i].size; k++)
+            for (size_t k = 0; k < memory.blocks[i].size; ++k)
             {
                 isZero = isZero && pOctets[k] == 0;
             }
@@ -95,7 +95,7 @@ int __wrap_rand(void)
     {
         return __real_rand();
     }
-    generator.callsOfRand++;
+    ++generator.callsOfRand;
     if (generator.answers.empty())
     {
         return __real_rand();

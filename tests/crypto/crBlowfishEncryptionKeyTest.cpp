@@ -35,9 +35,9 @@ bool haveEqualRecords(const crBlowfishEncryptionKey& first, const crBlowfishEncr
 TEST(BlowfishKey, HoldsTheRecordOfLibcrypto)
 {
     unsigned char bytes[16];
-    for (unsigned int round = 0; round < 50; round++)
+    for (unsigned int round = 0; round < 50; ++round)
     {
-        for (unsigned int i = 0; i < 16; i++)
+        for (unsigned int i = 0; i < 16; ++i)
         {
             bytes[i] = static_cast<unsigned char>(round * 37U + i * i * 11U);
         }
@@ -84,7 +84,7 @@ TEST(BlowfishKey, OfTheSameBytesIsTheSame)
 TEST(BlowfishKey, ChangesWithEveryByte)
 {
     const crBlowfishEncryptionKey original(firstKey);
-    for (unsigned int i = 0; i < 16; i++)
+    for (unsigned int i = 0; i < 16; ++i)
     {
         unsigned char bytes[16];
         std::memcpy(bytes, firstKey, sizeof(bytes));

@@ -18,13 +18,13 @@ namespace
 // sscanf on a copy of the group; a group that does not begin with a hexadecimal character is zero.
 unsigned int digitAsSscanfReadsIt(const std::string& group)
 {
-    if (group.empty() || (std::isxdigit(static_cast<unsigned char>(group[0])) == 0))
+    if (group.empty() || std::isxdigit(static_cast<unsigned char>(group[0])) == 0)
     {
         return 0;
     }
     unsigned int digit = 0;
     // What it is that this looks at is how sscanf converts. NOLINTNEXTLINE(cert-err34-c)
-    return (std::sscanf(group.c_str(), "%8x", &digit) == 1) ? digit : 0;
+    return std::sscanf(group.c_str(), "%8x", &digit) == 1 ? digit : 0;
 }
 
 }  // namespace
@@ -45,7 +45,7 @@ TEST(Digits, AreReadAsSscanfReadsThem)
 TEST(Digits, OfAnyBytesAreReadAsSscanfReadsThem)
 {
     const std::string characters = "0123456789abcdefABCDEFxX -+g\377";
-    for (unsigned int seed = 0; seed < 20000; seed++)
+    for (unsigned int seed = 0; seed < 20000; ++seed)
     {
         std::string group = scrambledBytes(8, seed);
         for (char& character : group)
@@ -104,7 +104,7 @@ TEST(Digits, AreScannedAsSscanfScansThem)
         EXPECT_EQ(crScanDigit(pGroup), expected) << pGroup;
     }
     const std::string characters = "0123456789abcdefABCDEFxX   --++\t\ng\377";
-    for (unsigned int seed = 0; seed < 30000; seed++)
+    for (unsigned int seed = 0; seed < 30000; ++seed)
     {
         std::string group = scrambledBytes(8, seed);
         for (char& character : group)
@@ -153,7 +153,7 @@ TEST(Digits, AreWrittenWithEightCharacters)
     std::vector<unsigned int> digits;
     std::string expected = "kept";
     gtString text("kept");
-    for (unsigned int i = 0; i < 200; i++)
+    for (unsigned int i = 0; i < 200; ++i)
     {
         digits.push_back(i * 0x01020304U);
         expected += hexOf(digits.back(), 8);
@@ -180,7 +180,7 @@ TEST(Digits, AreZeroAtFirst)
 {
     crTemporaryDigits digits(1000);
     ASSERT_NE(digits.digits(), nullptr);
-    for (int i = 0; i < 1000; i++)
+    for (int i = 0; i < 1000; ++i)
     {
         ASSERT_EQ(digits.digits()[i], 0U);
     }

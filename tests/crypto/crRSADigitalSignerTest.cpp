@@ -56,7 +56,7 @@ std::string expectedDigestText(const std::string& contents, int digitsOfKey)
 {
     const int digits = digitsOfKey / 2 - 1;
     std::string digest(static_cast<std::size_t>(digits) * 4, '\0');
-    for (std::size_t i = 0; (i < contents.size()) && !digest.empty(); i++)
+    for (std::size_t i = 0; i < contents.size() && !digest.empty(); ++i)
     {
         char& byte = digest[i % digest.size()];
         byte = static_cast<char>(byte ^ contents[i]);
@@ -64,7 +64,7 @@ std::string expectedDigestText(const std::string& contents, int digitsOfKey)
     std::string text;
     for (std::size_t digit = 0; digit < digest.size(); digit += 4)
     {
-        for (std::size_t i = 4; i > 0; i--)
+        for (std::size_t i = 4; i > 0; --i)
         {
             text += hexOf(static_cast<unsigned char>(digest[digit + i - 1]), 2);
         }
@@ -93,7 +93,7 @@ TEST_F(Signer, SignsTheEmptyFile)
 
 TEST_F(Signer, SignsLikeLibcryptoFilesOfEverySizeAroundARun)
 {
-    for (std::size_t size = 0; size <= 4 * 60 + 1; size++)
+    for (std::size_t size = 0; size <= 4 * 60 + 1; ++size)
     {
         const std::string contents = scrambledBytes(size, static_cast<unsigned int>(size));
         const osFilePath file = _folder.write("file", contents);
@@ -286,7 +286,7 @@ TEST_F(Signer, FindsEveryChangedByte)
 {
     const std::string contents = scrambledBytes(150, 1);
     const std::string signature = signatureOf(_folder.write("file", contents));
-    for (std::size_t i = 0; i < contents.size(); i++)
+    for (std::size_t i = 0; i < contents.size(); ++i)
     {
         std::string changed = contents;
         changed[i] = static_cast<char>(changed[i] ^ (1 << (i % 8)));
@@ -318,14 +318,14 @@ TEST_F(Signer, RefusesMalformedSignatures)
 {
     const osFilePath file = _folder.write("file", "contents");
     const std::string signature = signatureOf(file);
-    for (std::size_t length = 0; length < signature.size(); length++)
+    for (std::size_t length = 0; length < signature.size(); ++length)
     {
         ASSERT_FALSE(isGood(file, signature.substr(0, length))) << length;
     }
-    for (std::size_t i = 0; i < signature.size(); i++)
+    for (std::size_t i = 0; i < signature.size(); ++i)
     {
         std::string changed = signature;
-        changed[i] = (changed[i] == '0') ? '1' : '0';
+        changed[i] = changed[i] == '0' ? '1' : '0';
         ASSERT_FALSE(isGood(file, changed)) << i;
         changed[i] = 'g';
         // A g stands for the end of its group.

@@ -30,7 +30,7 @@ std::string countingHex(int digits)
 {
     std::string hex;
     hex.reserve(static_cast<std::size_t>(digits) * 8);
-    for (int i = 1; i <= digits; i++)
+    for (int i = 1; i <= digits; ++i)
     {
         hex += hexOf(static_cast<unsigned int>(i), 8);
     }
@@ -40,7 +40,7 @@ std::string countingHex(int digits)
 std::vector<unsigned int> countingDigits(int digits)
 {
     std::vector<unsigned int> result;
-    for (int i = digits; i > 0; i--)
+    for (int i = digits; i > 0; --i)
     {
         result.push_back(static_cast<unsigned int>(i));
     }

@@ -163,8 +163,8 @@ TEST(DigitsForText, AreDefinedForEveryLengthAndKey)
         for (const int length : {INT_MIN, INT_MIN + 1, -1000, -5, -4, -3, -2, -1, INT_MAX, INT_MAX - 1, 2000000000})
         {
             const int digits = encryptor.amountOfDigitsForHoldingText(length);
-            EXPECT_EQ(digits % ((bits == 0) ? 1 : bits / 32), 0);
-            EXPECT_TRUE((bits == 0) ? digits == 0 : (length < 0) ? digits <= 0 : digits > 0) << bits << " " << length;
+            EXPECT_EQ(digits % (bits == 0 ? 1 : bits / 32), 0);
+            EXPECT_TRUE(bits == 0 ? digits == 0 : length < 0 ? digits <= 0 : digits > 0) << bits << " " << length;
         }
     }
     crRSAEncryptionKey negative;
@@ -182,7 +182,7 @@ TEST(Encryptor, LaysTheTextOutBehindAMarker)
                                    []
                                    {
                                        std::string filler;
-                                       for (int i = 0; i < 15; i++)
+                                       for (int i = 0; i < 15; ++i)
                                        {
                                            filler += "64646464";
                                        }
@@ -233,7 +233,7 @@ TEST(Encryptor, EncryptsLikeLibcrypto)
     {
         const LoadedPair keys(keyOfPrimes(bits));
         const int block = keys.pair.blockBytes();
-        for (int length = 0; length <= 3 * block; length++)
+        for (int length = 0; length <= 3 * block; ++length)
         {
             const std::string text =
                 scrambledBytes(static_cast<std::size_t>(length), static_cast<unsigned int>(length));
@@ -272,7 +272,7 @@ TEST(Encryptor, EncryptsLikeLibcryptoWithKeysOfOpenSSL)
 TEST(Encryptor, TakesEveryByteValue)
 {
     const LoadedPair keys(keyFromOpenSSL(512));
-    for (unsigned int value = 0; value < 256; value++)
+    for (unsigned int value = 0; value < 256; ++value)
     {
         const std::string text(5, static_cast<char>(value));
         ASSERT_EQ(encrypted(keys.publicKey, text), expectedCipherText(text, keys.pair, keys.pair.publicExponent.get()));
@@ -286,11 +286,11 @@ TEST(Encryptor, TakesEveryByteValue)
 TEST(Encryptor, BringsBackWhatFitsOneBlock)
 {
     const LoadedPair keys(keyFromOpenSSL(1024));
-    for (int length = 0; length <= 127; length++)
+    for (int length = 0; length <= 127; ++length)
     {
         const std::string text = asciiText(static_cast<std::size_t>(length), static_cast<unsigned int>(length));
         const std::string cipher = encrypted(keys.publicKey, text);
-        ASSERT_EQ(cipher.size(), (length == 0) ? 8U : 264U);
+        ASSERT_EQ(cipher.size(), length == 0 ? 8U : 264U);
         ASSERT_EQ(decrypted(keys.privateKey, cipher), text);
     }
     for (const int length : {1, 64, 127})
@@ -304,7 +304,7 @@ TEST(Encryptor, BringsBackWhatFitsOneBlockOfOtherKeys)
 {
     for (const int bits : {32, 64, 96, 512, 2048})
     {
-        const LoadedPair keys((bits < 512) ? keyOfPrimes(bits) : keyFromOpenSSL(bits));
+        const LoadedPair keys(bits < 512 ? keyOfPrimes(bits) : keyFromOpenSSL(bits));
         const auto limit = static_cast<std::size_t>(keys.pair.blockBytes() - 1);
         for (const std::size_t length : {std::size_t(0), std::size_t(1), limit - 1, limit})
         {
@@ -384,7 +384,7 @@ TEST(Encryptor, LeavesOutWhatTheBlocksDoNotHold)
     const TestKeyPair& pair = keyOfPrimes(32);
     crRSAEncryptionKey publicKey;
     pair.loadPublic(publicKey);
-    for (std::size_t length = 14; length < 200; length++)
+    for (std::size_t length = 14; length < 200; ++length)
     {
         const std::string longText = asciiText(length, static_cast<unsigned int>(length));
         ASSERT_EQ(encrypted(publicKey, longText), expectedCipherText(longText, pair, pair.publicExponent.get()));
@@ -447,7 +447,7 @@ TEST(Encryptor, RefusesTextsWhoseCipherTextIsLongerThanATextMayBe)
     gtString text;
     text.reserve(length);
     const gtString part = toText(std::string(1000000, 'x'));
-    for (int i = 0; i < length / 1000000; i++)
+    for (int i = 0; i < length / 1000000; ++i)
     {
         text.append(part);
     }
@@ -478,7 +478,7 @@ TEST(Decryptor, HasNoLimitForWhatCameInFull)
         EXPECT_TRUE(plain == expected) << length;
         // With a character less, the last group has not come in full, and the limit holds.
         EXPECT_EQ(decrypted(key, cipher.substr(0, cipher.size() - 1)).size(),
-                  (expected.size() > 67108864U) ? 0U : expected.size());
+                  expected.size() > 67108864U ? 0U : expected.size());
     }
 }
 
@@ -504,7 +504,7 @@ TEST(Decryptor, TakesOutputsUpToTheLimit)
     // Blocks of one digit. The text grows with each of the first 44, to 177 bytes in the end; what all blocks together
     // append is the limit.
     std::string cipher = "64646401";
-    for (int block = 1; block < 44; block++)
+    for (int block = 1; block < 44; ++block)
     {
         cipher += "64646464";
     }
@@ -516,7 +516,7 @@ TEST(Decryptor, TakesOutputsUpToTheLimit)
         int length = 3 * digits;
         while (crRSAStringEncryptor(key).amountOfDigitsForHoldingText(length) < digits)
         {
-            length++;
+            ++length;
         }
         return hexOf(static_cast<unsigned int>(length), 8);
     };
@@ -545,7 +545,7 @@ TEST(Decryptor, ReadsTheLengthAsSscanfDoes)
                                 "      +3", "\t\n\v\f\r  3", " +0x3   ", "0000003 ", "-fffffd "})
     {
         // The last is -16777213, which is no length.
-        EXPECT_EQ(decrypted(key, pLength + blocks), (pLength[0] == '-') ? "" : "abc") << pLength;
+        EXPECT_EQ(decrypted(key, pLength + blocks), pLength[0] == '-' ? "" : "abc") << pLength;
     }
     // Below zero, and no number at all: nothing of the blocks behind it is drawn in.
     for (const char* pLength : {"-0000003", "      -3", "-3      ", "        ", "       -", "-      3", "+-000003",
@@ -567,10 +567,10 @@ TEST(Decryptor, ReadsDigitsAsSscanfDoes)
     loadIdentity(key, 32);
     for (const char* pDigit : {"63626101", "+3626101", "0x626101", " 3626101", "\n\t 61   "})
     {
-        const unsigned int value = (pDigit[0] == '6')    ? 0x63626101U
-                                   : (pDigit[0] == '0')  ? 0x626101U
-                                   : (pDigit[0] == '\n') ? 0x61U
-                                                         : 0x3626101U;
+        const unsigned int value = pDigit[0] == '6'    ? 0x63626101U
+                                   : pDigit[0] == '0'  ? 0x626101U
+                                   : pDigit[0] == '\n' ? 0x61U
+                                                       : 0x3626101U;
         std::string expected;
         for (unsigned int rest = value >> 8; rest != 0; rest >>= 8)
         {
@@ -597,7 +597,7 @@ TEST(Decryptor, StopsWhenThereIsEnough)
         bool isShortOfMemory = true;
         EXPECT_TRUE(crRSAStringEncryptor(key).decrypt(toText(cipher), output, isShortOfMemory, enough));
         EXPECT_FALSE(isShortOfMemory);
-        EXPECT_EQ(toBytes(output), all.substr(0, (enough < 7) ? 7 : (enough < 22) ? 22 : 37)) << enough;
+        EXPECT_EQ(toBytes(output), all.substr(0, enough < 7 ? 7 : enough < 22 ? 22 : 37)) << enough;
     }
 }
 
@@ -605,7 +605,7 @@ TEST(Decryptor, IsNotImpressedByAWildLength)
 {
     for (const int bits : {32, 512})
     {
-        const LoadedPair keys((bits < 512) ? keyOfPrimes(bits) : keyFromOpenSSL(bits));
+        const LoadedPair keys(bits < 512 ? keyOfPrimes(bits) : keyFromOpenSSL(bits));
         for (const char* pText : {"7735940012345678", "7fffffff12345678", "40000000ffffffff", "0400000012345678"})
         {
             EXPECT_EQ(decrypted(keys.privateKey, pText), "") << pText;
@@ -670,7 +670,7 @@ TEST(Decryptor, ReadsNothingBehindTheCipherText)
 {
     const LoadedPair keys(keyFromOpenSSL(512));
     const std::string cipher = encrypted(keys.publicKey, "cut off");
-    for (std::size_t length = 8; length < cipher.size(); length++)
+    for (std::size_t length = 8; length < cipher.size(); ++length)
     {
         gtString output;
         EXPECT_TRUE(crRSAStringEncryptor(keys.privateKey).decrypt(toText(cipher.substr(0, length)), output));
@@ -737,7 +737,7 @@ TEST(Decryptor, SurvivesAnyText)
     const std::string characters = "0123456789abcdefABCDEFx zg-\377";
     const LoadedPair small(keyOfPrimes(32));
     const LoadedPair large(keyOfPrimes(128));
-    for (unsigned int seed = 0; seed < 3000; seed++)
+    for (unsigned int seed = 0; seed < 3000; ++seed)
     {
         std::string text = scrambledBytes(seed % 300, seed);
         for (char& character : text)
@@ -745,7 +745,7 @@ TEST(Decryptor, SurvivesAnyText)
             character = characters[static_cast<unsigned char>(character) % characters.size()];
         }
         // Mostly lengths that the text could have.
-        if ((text.size() > 8) && (seed % 100 != 0))
+        if (text.size() > 8 && seed % 100 != 0)
         {
             text.replace(0, 5, "00000");
         }

@@ -70,9 +70,9 @@ int secretsGivenBack = 0;
 
 void look(const void* pMemory, std::size_t size)
 {
-    if ((secretLength > 0) && (memmem(pMemory, size, secretBytes, secretLength) != nullptr))
+    if (secretLength > 0 && memmem(pMemory, size, secretBytes, secretLength) != nullptr)
     {
-        secretsGivenBack++;
+        ++secretsGivenBack;
     }
 }
 
@@ -82,7 +82,7 @@ template <class Operation>
 int failEachAllocation(Operation operation)
 {
     int failures = 0;
-    for (;; failures++)
+    for (;; ++failures)
     {
         const OneFailingAllocation failure(failures);
         operation(failure);
@@ -369,7 +369,7 @@ TEST_F(CryptoFaults, SigningAndTestingLeaveNoDigestBehind)
     EXPECT_TRUE(crRSADigitalSigner(_publicKey).testSignature(_file, signature));
     EXPECT_EQ(secretsGivenBack, 0);
     unsigned int digits[4] = {};
-    for (int i = 0; i < 4; i++)
+    for (int i = 0; i < 4; ++i)
     {
         digits[i] = static_cast<unsigned int>(
             std::stoul(std::string(digest.asCharArray() + static_cast<std::ptrdiff_t>(i) * 8, 8), nullptr, 16));
@@ -405,9 +405,9 @@ TEST_F(CryptoFaults, BlowfishRecordsAreWipedWhole)
         [](const void* pMemory, std::size_t)
         {
             const auto* pBytes = static_cast<const unsigned char*>(pMemory);
-            while ((pMemory == pRecord) && (amountOfZeros < sizeof(BF_KEY)) && (pBytes[amountOfZeros] == 0))
+            while (pMemory == pRecord && amountOfZeros < sizeof(BF_KEY) && pBytes[amountOfZeros] == 0)
             {
-                amountOfZeros++;
+                ++amountOfZeros;
             }
         });
     delete pKey;
@@ -470,7 +470,7 @@ TEST_F(CryptoFaults, SignersLeaveNoDigestBehind)
     // The fold of the file, which is what the digits hold: 28 bytes with a key of 512 bits.
     const std::string contents = scrambledBytes(1000, 1);
     std::string digest(28, '\0');
-    for (std::size_t i = 0; i < contents.size(); i++)
+    for (std::size_t i = 0; i < contents.size(); ++i)
     {
         digest[i % 28] = static_cast<char>(digest[i % 28] ^ contents[i]);
     }
@@ -533,7 +533,7 @@ TEST_F(CryptoFaults, SecondDigestLeavesTheFirst)
 TEST_F(CryptoFaults, DigitsGrowIntoRoomThatIsThere)
 {
     unsigned int digits[100];
-    for (unsigned int i = 0; i < 100; i++)
+    for (unsigned int i = 0; i < 100; ++i)
     {
         digits[i] = 0x01234567U + i * 0x01010101U;
     }
@@ -566,7 +566,7 @@ TEST_F(CryptoFaults, DigitsAreWipedDownToTheLastOne)
         const long live = amountOfLiveAllocations();
         unsigned int* pDigits = crAllocateDigits(amount);
         ASSERT_NE(pDigits, nullptr);
-        for (int i = 0; i < amount; i++)
+        for (int i = 0; i < amount; ++i)
         {
             pDigits[i] = 0xA55A1234U;
         }

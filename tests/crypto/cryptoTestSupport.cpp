@@ -73,7 +73,7 @@ TestKeyPair makeKeyOfPrimes(int bits)
         BN_sub_word(p.get(), 1);
         BN_sub_word(q.get(), 1);
         BN_mul(phi.get(), p.get(), q.get(), context.get());
-        if ((BN_num_bits(pair.modulus.get()) == bits) && (BN_cmp(p.get(), q.get()) != 0) &&
+        if (BN_num_bits(pair.modulus.get()) == bits && BN_cmp(p.get(), q.get()) != 0 &&
             (BN_mod_inverse(pair.privateExponent.get(), pair.publicExponent.get(), phi.get(), context.get()) !=
              nullptr))
         {
@@ -172,7 +172,7 @@ std::string expectedCipherText(const std::string& text, const TestKeyPair& pair,
         BN_lebin2bn(reinterpret_cast<const unsigned char*>(plain.data()) + block, pair.blockBytes(), number.get());
         BN_mod_exp(number.get(), number.get(), pExponent, pair.modulus.get(), context.get());
         const std::string highFirst = fixedWidthHex(number.get(), pair.digits());
-        for (int digit = pair.digits() - 1; digit >= 0; digit--)
+        for (int digit = pair.digits() - 1; digit >= 0; --digit)
         {
             cipher += highFirst.substr(static_cast<std::size_t>(digit) * 8, 8);
         }
@@ -217,9 +217,9 @@ std::string stackLeftBy(const std::function<void()>& operation)
         return nullptr;
     };
     std::function<void()> copy = operation;
-    if ((pStack == MAP_FAILED) || (pthread_attr_init(&attributes) != 0) ||
-        (pthread_attr_setstack(&attributes, pStack, size) != 0) ||
-        (pthread_create(&thread, &attributes, pRun, &copy) != 0) || (pthread_join(thread, nullptr) != 0))
+    if (pStack == MAP_FAILED || pthread_attr_init(&attributes) != 0 ||
+        pthread_attr_setstack(&attributes, pStack, size) != 0 ||
+        pthread_create(&thread, &attributes, pRun, &copy) != 0 || pthread_join(thread, nullptr) != 0)
     {
         throw std::runtime_error("no thread with a stack of its own");
     }

@@ -26,12 +26,12 @@ TEST(CryptoThreads, ShareOneKey)
     constexpr unsigned int amountOfThreads = 8;
     std::vector<int> successes(amountOfThreads);
     std::vector<std::thread> threads;
-    for (unsigned int i = 0; i < amountOfThreads; i++)
+    for (unsigned int i = 0; i < amountOfThreads; ++i)
     {
         threads.emplace_back(
             [&, i]
             {
-                for (int round = 0; round < 20; round++)
+                for (int round = 0; round < 20; ++round)
                 {
                     const gtString text = toText("thread " + std::to_string(i) + " round " + std::to_string(round));
                     gtString cipher;
@@ -40,10 +40,9 @@ TEST(CryptoThreads, ShareOneKey)
                     crRSADigitalSigner tester(publicKey);
                     gtString signature;
                     if (sharedEncryptor.encrypt(text, cipher) && sharedDecryptor.decrypt(cipher, plain) &&
-                        (plain == text) && signer.getSignature(file, signature) &&
-                        tester.testSignature(file, signature))
+                        plain == text && signer.getSignature(file, signature) && tester.testSignature(file, signature))
                     {
-                        successes[i]++;
+                        ++successes[i];
                     }
                 }
             });

@@ -24,13 +24,13 @@ void countTrap(int)
 
 int main(int argumentCount, char** arguments)
 {
-    const char* const pWay = (argumentCount > 1) ? arguments[1] : "";
+    const char* const pWay = argumentCount > 1 ? arguments[1] : "";
     if (std::strcmp(pWay, "debugger") == 0)
     {
         std::puts(osIsDebuggerAttached() ? "a debugger" : "no debugger");
         return 0;
     }
-    if ((std::strcmp(pWay, "open") == 0) && (argumentCount > 2))
+    if (std::strcmp(pWay, "open") == 0 && argumentCount > 2)
     {
         osOpenFileInSourceCodeEditor(osFilePath(gtString(arguments[2])), 5);
         return 0;
@@ -39,7 +39,7 @@ int main(int argumentCount, char** arguments)
     {
         static_cast<void>(std::signal(SIGTRAP, countTrap));
     }
-    if ((std::strcmp(pWay, "noCore") == 0) || (std::strcmp(pWay, "crashWithoutCore") == 0))
+    if (std::strcmp(pWay, "noCore") == 0 || std::strcmp(pWay, "crashWithoutCore") == 0)
     {
         osWriteNoCoreFiles();
     }

@@ -108,12 +108,12 @@ std::string stderrOf(const std::function<void()>& action)
     return testing::internal::GetCapturedStderr();
 }
 
-TEST(Registry, hasNoHandlersAtFirst)
+TEST(Registry, HasNoHandlersAtFirst)
 {
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
 }
 
-TEST(Registry, writesOneLineWithoutAHandler)
+TEST(Registry, WritesOneLineWithoutAHandler)
 {
     EXPECT_EQ(stderrOf(failAnAssertion), theLine);
     EXPECT_EQ(stderrOf(
@@ -126,7 +126,7 @@ TEST(Registry, writesOneLineWithoutAHandler)
               "a b.cpp:-3: f: m\n:2147483647: : \n:-2147483648: : \n");
 }
 
-TEST(Registry, lineIsOneLineWhateverTheTexts)
+TEST(Registry, LineIsOneLineWhateverTheTexts)
 {
     EXPECT_EQ(stderrOf([]() { gtTriggerAssertonFailureHandler(nullptr, nullptr, 0, nullptr); }),
               "(null):0: (null): (null)\n");
@@ -135,7 +135,7 @@ TEST(Registry, lineIsOneLineWhateverTheTexts)
         "c  d:1: a b: e f g [1m %s \xc3\xa4\xff\n");
 }
 
-TEST(Registry, lineHasAnyLength)
+TEST(Registry, LineHasAnyLength)
 {
     for (const std::size_t length : {std::size_t(900), std::size_t(1000), std::size_t(1013), std::size_t(1014),
                                      std::size_t(1015), std::size_t(1024), std::size_t(2048), std::size_t(100000)})
@@ -147,7 +147,7 @@ TEST(Registry, lineHasAnyLength)
 }
 
 // A socket that keeps what is written at once apart.
-TEST(Registry, lineIsOneWrite)
+TEST(Registry, LineIsOneWrite)
 {
     int ends[2];
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
@@ -165,7 +165,7 @@ TEST(Registry, lineIsOneWrite)
     EXPECT_EQ(std::string(line, 1024), "c:1: f: " + message + "\n");
 }
 
-TEST(Registry, lineNeedsNoMemory)
+TEST(Registry, LineNeedsNoMemory)
 {
     testing::internal::CaptureStderr();
     {
@@ -175,7 +175,7 @@ TEST(Registry, lineNeedsNoMemory)
     EXPECT_EQ(testing::internal::GetCapturedStderr(), theLine);
 }
 
-TEST(Registry, handsTheArgumentsOverAndWritesNothing)
+TEST(Registry, HandsTheArgumentsOverAndWritesNothing)
 {
     Handler handler;
     gtRegisterAssertionFailureHandler(&handler);
@@ -203,7 +203,7 @@ TEST(Registry, handsTheArgumentsOverAndWritesNothing)
     EXPECT_EQ(handler.calls, 2);
 }
 
-TEST(Registry, callsHandlersInTheOrderOfRegistration)
+TEST(Registry, CallsHandlersInTheOrderOfRegistration)
 {
     std::vector<int> order;
     Handler first([&](Handler&) { order.push_back(1); });
@@ -224,7 +224,7 @@ TEST(Registry, callsHandlersInTheOrderOfRegistration)
     EXPECT_THAT(order, ElementsAre(1, 3, 2));
 }
 
-TEST(Registry, nullTwiceAndStrangersDoNothing)
+TEST(Registry, NullTwiceAndStrangersDoNothing)
 {
     Handler handler;
     Handler stranger;
@@ -249,7 +249,7 @@ TEST(Registry, nullTwiceAndStrangersDoNothing)
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
 }
 
-TEST(Registry, registersNothingWithoutMemory)
+TEST(Registry, RegistersNothingWithoutMemory)
 {
     std::vector<std::unique_ptr<Handler>> handlers;
     bool hasFailed = false;
@@ -278,7 +278,7 @@ TEST(Registry, registersNothingWithoutMemory)
     }
 }
 
-TEST(Registry, passingAFailureOnNeedsNoMemory)
+TEST(Registry, PassingAFailureOnNeedsNoMemory)
 {
     Handler handler;
     gtRegisterAssertionFailureHandler(&handler);
@@ -291,7 +291,7 @@ TEST(Registry, passingAFailureOnNeedsNoMemory)
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
 }
 
-TEST(Registry, keepsErrno)
+TEST(Registry, KeepsErrno)
 {
     std::vector<int> seen;
     const auto action = [&](Handler&)
@@ -324,7 +324,7 @@ TEST(Registry, keepsErrno)
     EXPECT_EQ(afterwards, ENOSPC);
 }
 
-TEST(Registry, handlerMayUnregisterItself)
+TEST(Registry, HandlerMayUnregisterItself)
 {
     Handler after;
     Handler handler([](Handler& self) { gtUnRegisterAssertionFailureHandler(&self); });
@@ -347,14 +347,14 @@ public:
     }
 };
 
-TEST(Registry, handlerMayDestroyItself)
+TEST(Registry, HandlerMayDestroyItself)
 {
     gtRegisterAssertionFailureHandler(new SelfDestroyer);
     failAnAssertion();
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
 }
 
-TEST(Registry, handlerUnregisteredByAnEarlierOneIsNotCalled)
+TEST(Registry, HandlerUnregisteredByAnEarlierOneIsNotCalled)
 {
     Handler later;
     Handler earlier([&](Handler&) { gtUnRegisterAssertionFailureHandler(&later); });
@@ -365,7 +365,7 @@ TEST(Registry, handlerUnregisteredByAnEarlierOneIsNotCalled)
     EXPECT_EQ(later.calls, 0);
 }
 
-TEST(Registry, handlerRegisteredMeanwhileHearsOfTheNextFailure)
+TEST(Registry, HandlerRegisteredMeanwhileHearsOfTheNextFailure)
 {
     Handler late;
     Handler handler([&](Handler&) { gtRegisterAssertionFailureHandler(&late); });
@@ -377,7 +377,7 @@ TEST(Registry, handlerRegisteredMeanwhileHearsOfTheNextFailure)
     EXPECT_EQ(late.calls, 1);
 }
 
-TEST(Registry, handlerThatRegistersItselfAnewIsNotCalledForEver)
+TEST(Registry, HandlerThatRegistersItselfAnewIsNotCalledForEver)
 {
     Handler handler(
         [](Handler& self)
@@ -391,7 +391,7 @@ TEST(Registry, handlerThatRegistersItselfAnewIsNotCalledForEver)
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
 }
 
-TEST(Registry, handlerMayFailAnAssertion)
+TEST(Registry, HandlerMayFailAnAssertion)
 {
     Handler handler(
         [](Handler& self)
@@ -406,7 +406,7 @@ TEST(Registry, handlerMayFailAnAssertion)
     EXPECT_EQ(handler.calls, 3);
 }
 
-TEST(Registry, handlerThatAlwaysFailsComesToAnEnd)
+TEST(Registry, HandlerThatAlwaysFailsComesToAnEnd)
 {
     Handler handler([](Handler&) { failAnAssertion(); });
     gtRegisterAssertionFailureHandler(&handler);
@@ -417,7 +417,7 @@ TEST(Registry, handlerThatAlwaysFailsComesToAnEnd)
     EXPECT_EQ(handler.calls, 16);
 }
 
-TEST(Registry, nestingIsCountedByThread)
+TEST(Registry, NestingIsCountedByThread)
 {
     // Every nested failure happens on a thread of its own, so none is too deep.
     constexpr int depth = 2 * gtDeepestNestedAssertionFailure;
@@ -434,7 +434,7 @@ TEST(Registry, nestingIsCountedByThread)
     EXPECT_EQ(handler.calls, depth);
 }
 
-TEST(Registry, exceptionOfAHandlerEndsThere)
+TEST(Registry, ExceptionOfAHandlerEndsThere)
 {
     Handler thrower([](Handler&) { throw std::runtime_error("thrown by a handler"); });
     Handler after;
@@ -450,7 +450,7 @@ TEST(Registry, exceptionOfAHandlerEndsThere)
     EXPECT_EQ(after.calls, 2);
 }
 
-TEST(Registry, unregisteringWaitsForCallsOnOtherThreads)
+TEST(Registry, UnregisteringWaitsForCallsOnOtherThreads)
 {
     for (int round = 0; round < 200; ++round)
     {
@@ -487,7 +487,7 @@ TEST(Registry, unregisteringWaitsForCallsOnOtherThreads)
     }
 }
 
-TEST(Registry, unregisteringWithinAHandlerWaitsForThreadsThatDoNotWait)
+TEST(Registry, UnregisteringWithinAHandlerWaitsForThreadsThatDoNotWait)
 {
     for (int round = 0; round < 100; ++round)
     {
@@ -528,7 +528,7 @@ TEST(Registry, unregisteringWithinAHandlerWaitsForThreadsThatDoNotWait)
     }
 }
 
-TEST(Registry, secondUnregisteringWaitsAsWell)
+TEST(Registry, SecondUnregisteringWaitsAsWell)
 {
     for (int round = 0; round < 100; ++round)
     {
@@ -555,7 +555,7 @@ TEST(Registry, secondUnregisteringWaitsAsWell)
     }
 }
 
-TEST(Registry, unregisteringDoesNotWaitForCallsOfOtherHandlers)
+TEST(Registry, UnregisteringDoesNotWaitForCallsOfOtherHandlers)
 {
     Event isEntered;
     Event isReleased;
@@ -577,7 +577,7 @@ TEST(Registry, unregisteringDoesNotWaitForCallsOfOtherHandlers)
     EXPECT_EQ(idle.calls, 0);
 }
 
-TEST(Registry, unregisteringDoesNotWaitForCallsOfALaterRegistration)
+TEST(Registry, UnregisteringDoesNotWaitForCallsOfALaterRegistration)
 {
     Event isFirstEntered;
     Event isFirstReleased;
@@ -609,7 +609,7 @@ TEST(Registry, unregisteringDoesNotWaitForCallsOfALaterRegistration)
     second.join();
 }
 
-TEST(Registry, twoThreadsInOneHandlerMayBothUnregisterIt)
+TEST(Registry, TwoThreadsInOneHandlerMayBothUnregisterIt)
 {
     for (int round = 0; round < 200; ++round)
     {
@@ -634,7 +634,7 @@ TEST(Registry, twoThreadsInOneHandlerMayBothUnregisterIt)
     }
 }
 
-TEST(Registry, twoHandlersMayUnregisterEachOther)
+TEST(Registry, TwoHandlersMayUnregisterEachOther)
 {
     for (int round = 0; round < 200; ++round)
     {
@@ -688,7 +688,7 @@ TEST(Registry, twoHandlersMayUnregisterEachOther)
     }
 }
 
-TEST(Registry, fromOutsideAHandlerAWaitingThreadIsWaitedForAsWell)
+TEST(Registry, FromOutsideAHandlerAWaitingThreadIsWaitedForAsWell)
 {
     // One thread is held in the inner handler; a second is in the outer handler and waits there for the first.
     for (int round = 0; round < 50; ++round)
@@ -744,7 +744,7 @@ TEST(Registry, fromOutsideAHandlerAWaitingThreadIsWaitedForAsWell)
     }
 }
 
-TEST(Registry, threadThatHasWaitedIsWaitedForAgain)
+TEST(Registry, ThreadThatHasWaitedIsWaitedForAgain)
 {
     for (int round = 0; round < 50; ++round)
     {
@@ -805,7 +805,7 @@ TEST(Registry, threadThatHasWaitedIsWaitedForAgain)
     }
 }
 
-TEST(Registry, anyThreadMayDoAnythingAtAnyTime)
+TEST(Registry, AnyThreadMayDoAnythingAtAnyTime)
 {
     std::atomic<bool> mustEnd = false;
     Handler permanent;
@@ -866,7 +866,7 @@ TEST(Registry, anyThreadMayDoAnythingAtAnyTime)
 }
 
 // The thread sanitizer sees an amount that is read without the lock.
-TEST(Registry, amountIsReadWhileOthersRegister)
+TEST(Registry, AmountIsReadWhileOthersRegister)
 {
     std::atomic<bool> mustEnd = false;
     std::thread registering(
@@ -882,10 +882,10 @@ TEST(Registry, amountIsReadWhileOthersRegister)
             }
         });
     std::vector<int> times(4);
-    while ((times[0] == 0) || (times[1] == 0))
+    while (times[0] == 0 || times[1] == 0)
     {
         const int amount = gtAmountOfRegisteredAssertionFailureHandlers();
-        ++times[static_cast<std::size_t>((amount >= 0) && (amount <= 2) ? amount : 3)];
+        ++times[static_cast<std::size_t>(amount >= 0 && amount <= 2 ? amount : 3)];
     }
     mustEnd = true;
     registering.join();
@@ -895,7 +895,7 @@ TEST(Registry, amountIsReadWhileOthersRegister)
 
 // Standard error is a pipe that holds less than a line, so that every thread has to wait in the middle of each of its
 // lines, and the others might write there.
-TEST(Registry, linesOfSeveralThreadsStayApart)
+TEST(Registry, LinesOfSeveralThreadsStayApart)
 {
     constexpr std::size_t length = 200000;
     const std::string begin = "c:1: f: ";
@@ -988,13 +988,13 @@ struct FirstToCome
 
 const FirstToCome firstToCome;
 
-TEST(Registry, worksBeforeMain)
+TEST(Registry, WorksBeforeMain)
 {
     EXPECT_EQ(firstToCome.amount, 1);
     EXPECT_EQ(firstToCome.calls, 1);
 }
 
-TEST(RegistryDeathTest, worksWhileStaticObjectsAreDestroyed)
+TEST(RegistryDeathTest, WorksWhileStaticObjectsAreDestroyed)
 {
     EXPECT_EXIT(
         {
@@ -1007,7 +1007,7 @@ TEST(RegistryDeathTest, worksWhileStaticObjectsAreDestroyed)
         ExitedWithCode(5), "^file.cpp:12: function: Assertion failure \\(x\\)\n1 calls, 1 registered");
 }
 
-TEST(RegistryDeathTest, handlerMayEndTheProcess)
+TEST(RegistryDeathTest, HandlerMayEndTheProcess)
 {
     EXPECT_EXIT(
         {

@@ -44,7 +44,7 @@ static_assert(!std::is_copy_assignable<gtPtrVector<int*>>::value, "every object 
 static_assert(std::is_nothrow_move_constructible<gtPtrVector<int*>>::value, "");
 static_assert(std::is_nothrow_move_assignable<gtPtrVector<int*>>::value, "");
 
-TEST(gtPtrVector, startsEmpty)
+TEST(gtPtrVector, StartsEmpty)
 {
     gtPtrVector<int*> vector;
     EXPECT_EQ(vector.size(), 0);
@@ -54,14 +54,14 @@ TEST(gtPtrVector, startsEmpty)
     EXPECT_EQ(vector.size(), 0);
 }
 
-TEST(gtPtrVector, keepsOrderAndDeletesOnceInOrder)
+TEST(gtPtrVector, KeepsOrderAndDeletesOnceInOrder)
 {
     Numbers deleted;
     {
         gtPtrVector<Base*> vector;
         for (int i = 0; i < 100; ++i)
         {
-            vector.push_back((i % 2 == 0) ? new Base(deleted, i) : new Derived(deleted, i));
+            vector.push_back(i % 2 == 0 ? new Base(deleted, i) : new Derived(deleted, i));
             EXPECT_EQ(vector.size(), i + 1);
         }
         EXPECT_FALSE(vector.isEmpty());
@@ -84,7 +84,7 @@ TEST(gtPtrVector, keepsOrderAndDeletesOnceInOrder)
     }
 }
 
-TEST(gtPtrVector, deleteElementsAndClearLeavesItUsable)
+TEST(gtPtrVector, DeleteElementsAndClearLeavesItUsable)
 {
     Numbers deleted;
     gtPtrVector<Base*> vector;
@@ -100,7 +100,7 @@ TEST(gtPtrVector, deleteElementsAndClearLeavesItUsable)
     EXPECT_EQ(deleted, (Numbers{1, 2, 3}));
 }
 
-TEST(gtPtrVector, nullIsAnElement)
+TEST(gtPtrVector, NullIsAnElement)
 {
     Numbers deleted;
     gtPtrVector<Base*> vector;
@@ -114,7 +114,7 @@ TEST(gtPtrVector, nullIsAnElement)
     EXPECT_EQ(deleted, Numbers{1});
 }
 
-TEST(gtPtrVector, elementsCanBeReplacedAndTakenOut)
+TEST(gtPtrVector, ElementsCanBeReplacedAndTakenOut)
 {
     Numbers deleted;
     gtPtrVector<Base*> vector;
@@ -125,7 +125,7 @@ TEST(gtPtrVector, elementsCanBeReplacedAndTakenOut)
     EXPECT_TRUE(deleted.empty());
 }
 
-TEST(gtPtrVector, movesHandTheElementsOver)
+TEST(gtPtrVector, MovesHandTheElementsOver)
 {
     Numbers deleted;
     gtPtrVector<Base*> first;
@@ -150,7 +150,7 @@ TEST(gtPtrVector, movesHandTheElementsOver)
     EXPECT_EQ(deleted, Numbers{2});
 }
 
-TEST(gtPtrVector, objectStaysTheCallersWhenThereIsNoMemory)
+TEST(gtPtrVector, ObjectStaysTheCallersWhenThereIsNoMemory)
 {
     Numbers deleted;
     deleted.reserve(10);
@@ -203,7 +203,7 @@ private:
     bool _isAdding;
 };
 
-TEST(gtPtrVector, isEmptyBeforeTheFirstObjectIsDeleted)
+TEST(gtPtrVector, IsEmptyBeforeTheFirstObjectIsDeleted)
 {
     std::vector<int> sizes;
     gtPtrVector<Meddler*> vector;

@@ -84,7 +84,7 @@ void expectStrongGuarantee(const gtString& before, Change change)
     EXPECT_GT(failures, 1) << "no allocation was made to fail";
 }
 
-TEST(gtString, startsEmpty)
+TEST(gtString, StartsEmpty)
 {
     const gtString text;
     EXPECT_EQ(text.length(), 0);
@@ -93,7 +93,7 @@ TEST(gtString, startsEmpty)
     EXPECT_EQ(text.asCharArray()[0], '\0');
 }
 
-TEST(gtString, takesCharactersUpToTheFirstNul)
+TEST(gtString, TakesCharactersUpToTheFirstNul)
 {
     const gtString text("ab\0c");
     EXPECT_EQ(contents(text), "ab");
@@ -101,7 +101,7 @@ TEST(gtString, takesCharactersUpToTheFirstNul)
     EXPECT_TRUE(gtString("").isEmpty());
 }
 
-TEST(gtString, takesExactlyTheGivenLength)
+TEST(gtString, TakesExactlyTheGivenLength)
 {
     const gtString text("ab\0cdef", 5);
     EXPECT_EQ(text.length(), 5);
@@ -110,7 +110,7 @@ TEST(gtString, takesExactlyTheGivenLength)
     EXPECT_TRUE(gtString("abc", 0).isEmpty());
 }
 
-TEST(gtString, nullPointersAndNegativeLengthsAreEmpty)
+TEST(gtString, NullPointersAndNegativeLengthsAreEmpty)
 {
     EXPECT_TRUE(gtString(pNoChars).isEmpty());
     EXPECT_TRUE(gtString(nullptr, 3).isEmpty());
@@ -125,7 +125,7 @@ TEST(gtString, nullPointersAndNegativeLengthsAreEmpty)
     EXPECT_TRUE(text.isEmpty());
 }
 
-TEST(gtString, keepsEveryByteValue)
+TEST(gtString, KeepsEveryByteValue)
 {
     std::string all;
     for (int value = 0; value < 256; ++value)
@@ -148,7 +148,7 @@ TEST(gtString, keepsEveryByteValue)
     EXPECT_EQ(text[256], '\0');
 }
 
-TEST(gtString, copiesAreIndependent)
+TEST(gtString, CopiesAreIndependent)
 {
     gtString first("one\0two", 7);
     gtString second(first);
@@ -161,7 +161,7 @@ TEST(gtString, copiesAreIndependent)
     EXPECT_EQ(contents(first), std::string("one\0two!", 8));
 }
 
-TEST(gtString, movesLeaveTheOtherEmpty)
+TEST(gtString, MovesLeaveTheOtherEmpty)
 {
     for (const int length : {0, 3, 1000})
     {
@@ -184,7 +184,7 @@ TEST(gtString, movesLeaveTheOtherEmpty)
     }
 }
 
-TEST(gtString, assignsToItself)
+TEST(gtString, AssignsToItself)
 {
     gtString text("abc\0def", 7);
     gtString& same = text;
@@ -192,7 +192,7 @@ TEST(gtString, assignsToItself)
     EXPECT_EQ(contents(text), std::string("abc\0def", 7));
 }
 
-TEST(gtString, charactersMayLieInTheTextItself)
+TEST(gtString, CharactersMayLieInTheTextItself)
 {
     for (const int length : {5, 20, 500})
     {
@@ -225,7 +225,7 @@ TEST(gtString, charactersMayLieInTheTextItself)
     }
 }
 
-TEST(gtString, operationsGiveTheTextItself)
+TEST(gtString, OperationsGiveTheTextItself)
 {
     gtString text;
     EXPECT_EQ(&text.append(gtString("a")), &text);
@@ -242,7 +242,7 @@ TEST(gtString, operationsGiveTheTextItself)
     EXPECT_STREQ(text.asCharArray(), "");
 }
 
-TEST(gtString, formatsAsPrintfDoes)
+TEST(gtString, FormatsAsPrintfDoes)
 {
     gtString text("Line: ");
     text.appendFormattedString("%d|%08x|%08lx|%s|%%|%5.2f|%c", -12, 0xabcU, 120UL, "text", 3.14159, 'z');
@@ -251,14 +251,14 @@ TEST(gtString, formatsAsPrintfDoes)
     EXPECT_EQ(contents(text), "Line: -12|00000abc|00000078|text|%| 3.14|z");
 }
 
-TEST(gtString, formattedNulIsACharacter)
+TEST(gtString, FormattedNulIsACharacter)
 {
     gtString text;
     text.appendFormattedString("a%cb", '\0');
     EXPECT_EQ(contents(text), std::string("a\0b", 3));
 }
 
-TEST(gtString, formatsAnyLength)
+TEST(gtString, FormatsAnyLength)
 {
     for (const int length : {1, 254, 255, 256, 257, 511, 512, 1023, 1024, 1025, 4096, 65536, 3000000})
     {
@@ -268,7 +268,7 @@ TEST(gtString, formatsAnyLength)
     }
 }
 
-TEST(gtString, formatThatCannotBeCarriedOutAppendsNothing)
+TEST(gtString, FormatThatCannotBeCarriedOutAppendsNothing)
 {
     ASSERT_NE(std::setlocale(LC_ALL, "C"), nullptr);
     gtString text("kept");
@@ -283,7 +283,7 @@ TEST(gtString, formatThatCannotBeCarriedOutAppendsNothing)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 #pragma GCC diagnostic ignored "-Wformat-security"
-TEST(gtString, nullFormatAppendsNothing)
+TEST(gtString, NullFormatAppendsNothing)
 {
     gtString text("kept");
     text.appendFormattedString(pNoChars);
@@ -291,7 +291,7 @@ TEST(gtString, nullFormatAppendsNothing)
 }
 #pragma GCC diagnostic pop
 
-TEST(gtString, refusesWhatIsLongerThanAnInt)
+TEST(gtString, RefusesWhatIsLongerThanAnInt)
 {
     // The check must come before the characters are looked at: there are not that many.
     gtString text("1");
@@ -312,7 +312,7 @@ TEST(gtString, refusesWhatIsLongerThanAnInt)
 }
 
 // The characters are pages of zeros that take no memory; the text's own do.
-TEST(gtString, holdsWhatIsAsLongAsAnInt)
+TEST(gtString, HoldsWhatIsAsLongAsAnInt)
 {
     if (!hasMemoryFor(3 * twoGiB))
     {
@@ -345,7 +345,7 @@ TEST(gtString, holdsWhatIsAsLongAsAnInt)
     EXPECT_EQ(::munmap(pZeros, twoGiB), 0);
 }
 
-TEST(gtString, refusesToTakeWhatIsLongerThanAnInt)
+TEST(gtString, RefusesToTakeWhatIsLongerThanAnInt)
 {
     if (!hasMemoryFor(twoGiB / 2 * 3))
     {
@@ -365,7 +365,7 @@ TEST(gtString, refusesToTakeWhatIsLongerThanAnInt)
     EXPECT_EQ(text.length(), INT_MAX);
 }
 
-TEST(gtString, takesAndGivesTheStandardLibrarysTexts)
+TEST(gtString, TakesAndGivesTheStandardLibrarysTexts)
 {
     const std::string bytes("a\0b\xff", 4);
     const std::string_view view(bytes);
@@ -393,7 +393,7 @@ TEST(gtString, takesAndGivesTheStandardLibrarysTexts)
     EXPECT_EQ(contents(text), "c" + bytes + bytes + "dca");
 }
 
-TEST(gtString, takesAGivenAwayTextWithoutMemory)
+TEST(gtString, TakesAGivenAwayTextWithoutMemory)
 {
     std::string givenAway(5000, 'g');
     const char* const pChars = givenAway.data();
@@ -405,7 +405,7 @@ TEST(gtString, takesAGivenAwayTextWithoutMemory)
     EXPECT_TRUE(givenAway.empty());
 }
 
-TEST(gtString, isAKeyOfHashTables)
+TEST(gtString, IsAKeyOfHashTables)
 {
     EXPECT_EQ(std::hash<gtString>()("abc"), std::hash<std::string_view>()("abc"));
     EXPECT_NE(std::hash<gtString>()(gtString("a\0b", 3)), std::hash<gtString>()(gtString("a\0c", 3)));
@@ -417,7 +417,7 @@ TEST(gtString, isAKeyOfHashTables)
     EXPECT_EQ(amounts[gtString("a\0b", 3)], 2);
 }
 
-TEST(gtString, isWrittenToStreams)
+TEST(gtString, IsWrittenToStreams)
 {
     std::ostringstream stream;
     stream << gtString("a\0b", 3) << '|' << std::setw(5) << std::setfill('.') << gtString("cd") << '|' << std::left
@@ -425,7 +425,7 @@ TEST(gtString, isWrittenToStreams)
     EXPECT_EQ(stream.str(), std::string("a\0b|...cd|e...", 14));
 }
 
-TEST(gtString, equalWhenLengthAndBytesAre)
+TEST(gtString, EqualWhenLengthAndBytesAre)
 {
     EXPECT_TRUE(gtString("abc") == gtString("abc"));
     EXPECT_FALSE(gtString("abc") != gtString("abc"));
@@ -439,7 +439,7 @@ TEST(gtString, equalWhenLengthAndBytesAre)
     EXPECT_FALSE(gtString("Abc") == "abc");
 }
 
-TEST(gtString, ordersByUnsignedBytes)
+TEST(gtString, OrdersByUnsignedBytes)
 {
     EXPECT_TRUE(gtString("a") < gtString("b"));
     EXPECT_FALSE(gtString("b") < gtString("a"));
@@ -449,7 +449,7 @@ TEST(gtString, ordersByUnsignedBytes)
     EXPECT_TRUE(gtString("a\0a", 3) < gtString("a\0b", 3));
 }
 
-TEST(gtString, reserveMakesRoomAndNothingElse)
+TEST(gtString, ReserveMakesRoomAndNothingElse)
 {
     gtString text("abc");
     text.reserve(5000);
@@ -466,7 +466,7 @@ TEST(gtString, reserveMakesRoomAndNothingElse)
     EXPECT_EQ(text.length(), 5000);
 }
 
-TEST(gtString, isAsItWasWhenMemoryRunsOut)
+TEST(gtString, IsAsItWasWhenMemoryRunsOut)
 {
     const std::string longText(1000, 'l');
     const gtString before("a text that is too long to be kept inside the object, with a NUL: \0.", 68);
@@ -489,7 +489,7 @@ TEST(gtString, isAsItWasWhenMemoryRunsOut)
     expectStrongGuarantee(before, [&](gtString& text) { text = gtString(longString); });
 }
 
-TEST(gtString, characterThatFindsNoMemoryIsNotAppended)
+TEST(gtString, CharacterThatFindsNoMemoryIsNotAppended)
 {
     gtString text;
     bool hasFailed = false;

@@ -69,7 +69,7 @@ const Shape shapes[] = {
     {std::string("a\0b/c\0d.e\0f", 11), std::string("c\0d", 3), std::string("e\0f", 3), std::string("c\0d.e\0f", 7)},
 };
 
-TEST(osFilePath, isTakenApart)
+TEST(osFilePath, IsTakenApart)
 {
     for (const Shape& shape : shapes)
     {
@@ -89,7 +89,7 @@ TEST(osFilePath, isTakenApart)
     }
 }
 
-TEST(osFilePath, separators)
+TEST(osFilePath, Separators)
 {
     EXPECT_EQ(osFilePath::osExtensionSeparator, '.');
     EXPECT_EQ(osFilePath::osPathSeparator, '/');
@@ -97,7 +97,7 @@ TEST(osFilePath, separators)
     EXPECT_EQ(&reference, &osFilePath::osExtensionSeparator);
 }
 
-TEST(osFilePath, startsEmpty)
+TEST(osFilePath, StartsEmpty)
 {
     const osFilePath path;
     EXPECT_TRUE(path.isEmpty());
@@ -106,7 +106,7 @@ TEST(osFilePath, startsEmpty)
     EXPECT_TRUE(path == osFilePath(gtString()));
 }
 
-TEST(osFilePath, comparesAsGiven)
+TEST(osFilePath, ComparesAsGiven)
 {
     const osFilePath path(gtString("/a/b.c"));
     EXPECT_TRUE(path == osFilePath(gtString("/a/b.c")));
@@ -119,7 +119,7 @@ TEST(osFilePath, comparesAsGiven)
     EXPECT_FALSE(pathOf(std::string("a\0b", 3)) == pathOf(std::string("a\0c", 3)));
 }
 
-TEST(osFilePath, isAValue)
+TEST(osFilePath, IsAValue)
 {
     osFilePath path(gtString("/a/b.c"));
     const osFilePath copy(path);
@@ -132,14 +132,14 @@ TEST(osFilePath, isAValue)
     EXPECT_TRUE(moved == copy);
 }
 
-TEST(osFilePath, answersMayComeFromTheSameText)
+TEST(osFilePath, AnswersMayComeFromTheSameText)
 {
     gtString text("/src/main.cpp");
     osFilePath(text).getFileName(text);
     EXPECT_STREQ(text.asCharArray(), "main");
 }
 
-TEST(osFilePath, leavesTheAnswerAloneWithoutMemory)
+TEST(osFilePath, LeavesTheAnswerAloneWithoutMemory)
 {
     const std::string name(100, 'n');
     const std::string extension(100, 'e');

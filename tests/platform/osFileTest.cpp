@@ -54,7 +54,7 @@ thread_local SystemCalls* SystemCalls::pCurrent = nullptr;
 
 long next(std::deque<long> SystemCalls::*pQueue)
 {
-    if ((SystemCalls::pCurrent == nullptr) || (SystemCalls::pCurrent->*pQueue).empty())
+    if (SystemCalls::pCurrent == nullptr || (SystemCalls::pCurrent->*pQueue).empty())
     {
         return 0;
     }
@@ -85,7 +85,7 @@ extern "C" int open(const char* pPath, int flags, ...)
         return -1;
     }
     const int descriptor = static_cast<int>(::syscall(SYS_openat, AT_FDCWD, pPath, flags, mode));
-    if ((SystemCalls::pCurrent != nullptr) && (descriptor >= 0))
+    if (SystemCalls::pCurrent != nullptr && descriptor >= 0)
     {
         SystemCalls::pCurrent->opened.push_back(descriptor);
     }
@@ -103,7 +103,7 @@ extern "C" ssize_t read(int descriptor, void* pBuffer, std::size_t size)
     {
         return -1;
     }
-    const std::size_t limit = (answer > 0) ? static_cast<std::size_t>(answer) : size;
+    const std::size_t limit = answer > 0 ? static_cast<std::size_t>(answer) : size;
     return ::syscall(SYS_read, descriptor, pBuffer, std::min(size, limit));
 }
 
@@ -210,13 +210,13 @@ private:
     std::string _folder;
 };
 
-TEST_F(osFileTest, enumeratorsAreZero)
+TEST_F(osFileTest, EnumeratorsAreZero)
 {
     EXPECT_EQ(static_cast<int>(osChannel::OS_BINARY_CHANNEL), 0);
     EXPECT_EQ(static_cast<int>(osFile::OS_OPEN_TO_READ), 0);
 }
 
-TEST_F(osFileTest, isClosedAndFaultlessAtFirst)
+TEST_F(osFileTest, IsClosedAndFaultlessAtFirst)
 {
     const osFile file;
     EXPECT_FALSE(file.isOpen());
@@ -224,7 +224,7 @@ TEST_F(osFileTest, isClosedAndFaultlessAtFirst)
     EXPECT_EQ(file.errorNumber(), 0);
 }
 
-TEST_F(osFileTest, readsEverySizeInEveryStep)
+TEST_F(osFileTest, ReadsEverySizeInEveryStep)
 {
     for (const std::size_t size : {std::size_t(0), std::size_t(1), std::size_t(59), std::size_t(60), std::size_t(61),
                                    std::size_t(120), bufferCapacity - 1, bufferCapacity, bufferCapacity + 1,
@@ -235,7 +235,7 @@ TEST_F(osFileTest, readsEverySizeInEveryStep)
         for (const std::size_t step : {std::size_t(1), std::size_t(7), std::size_t(60), std::size_t(4096),
                                        bufferCapacity - 1, bufferCapacity, bufferCapacity + 1, std::size_t(3000000)})
         {
-            if ((step == 1) && (size > 2 * bufferCapacity))
+            if (step == 1 && size > 2 * bufferCapacity)
             {
                 continue;
             }
@@ -248,7 +248,7 @@ TEST_F(osFileTest, readsEverySizeInEveryStep)
     }
 }
 
-TEST_F(osFileTest, readsInMixedSteps)
+TEST_F(osFileTest, ReadsInMixedSteps)
 {
     const std::string content = contentOf(3000000);
     const osFilePath path = write("file", content);
@@ -261,7 +261,7 @@ TEST_F(osFileTest, readsInMixedSteps)
         std::vector<char> buffer(700000);
         for (unsigned long amount = 0;;)
         {
-            const unsigned long step = 1 + random() % ((random() % 3 == 0) ? 700000U : 2000U);
+            const unsigned long step = 1 + random() % (random() % 3 == 0 ? 700000U : 2000U);
             if (!file.readAvailableData(buffer.data(), step, amount))
             {
                 break;
@@ -273,7 +273,7 @@ TEST_F(osFileTest, readsInMixedSteps)
     }
 }
 
-TEST_F(osFileTest, smallReadsAreFewSystemCalls)
+TEST_F(osFileTest, SmallReadsAreFewSystemCalls)
 {
     const osFilePath path = write("file", contentOf(4 * bufferCapacity));
     osFile file;
@@ -283,7 +283,7 @@ TEST_F(osFileTest, smallReadsAreFewSystemCalls)
     EXPECT_THAT(calls.readSizes, AllOf(SizeIs(5), Each(bufferCapacity)));
 }
 
-TEST_F(osFileTest, largeReadsGoStraightToTheCaller)
+TEST_F(osFileTest, LargeReadsGoStraightToTheCaller)
 {
     const std::string content = contentOf(3 * bufferCapacity);
     const osFilePath path = write("file", content);
@@ -322,7 +322,7 @@ TEST_F(osFileTest, largeReadsGoStraightToTheCaller)
     }
 }
 
-TEST_F(osFileTest, shortReadsAreNoEnd)
+TEST_F(osFileTest, ShortReadsAreNoEnd)
 {
     const std::string content = contentOf(bufferCapacity + 500);
     const osFilePath path = write("file", content);
@@ -337,7 +337,7 @@ TEST_F(osFileTest, shortReadsAreNoEnd)
     }
 }
 
-TEST_F(osFileTest, interruptedCallsAreTakenUpAgain)
+TEST_F(osFileTest, InterruptedCallsAreTakenUpAgain)
 {
     const std::string content = contentOf(1000);
     const osFilePath path = write("file", content);
@@ -352,7 +352,7 @@ TEST_F(osFileTest, interruptedCallsAreTakenUpAgain)
 }
 
 // What errno has been left at means nothing when a call succeeds: not with descriptor 0 either, nor at the end.
-TEST_F(osFileTest, oldErrorNumbersInterruptNothing)
+TEST_F(osFileTest, OldErrorNumbersInterruptNothing)
 {
     const osFilePath path = write("file", "abc");
     const int keptInput = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3);
@@ -372,7 +372,7 @@ TEST_F(osFileTest, oldErrorNumbersInterruptNothing)
     ASSERT_EQ(::close(keptInput), 0);
 }
 
-TEST_F(osFileTest, errorIsNoEnd)
+TEST_F(osFileTest, ErrorIsNoEnd)
 {
     const std::string content = contentOf(1000);
     const osFilePath path = write("file", content);
@@ -405,7 +405,7 @@ TEST_F(osFileTest, errorIsNoEnd)
     }
 }
 
-TEST_F(osFileTest, bytesFromBeforeAnErrorAreDelivered)
+TEST_F(osFileTest, BytesFromBeforeAnErrorAreDelivered)
 {
     const std::string content = contentOf(1000);
     const osFilePath path = write("file", content);
@@ -426,7 +426,7 @@ TEST_F(osFileTest, bytesFromBeforeAnErrorAreDelivered)
     }
 }
 
-TEST_F(osFileTest, endStaysTheEndWhenTheFileGrows)
+TEST_F(osFileTest, EndStaysTheEndWhenTheFileGrows)
 {
     const osFilePath path = write("file", "first");
     osFile file;
@@ -443,7 +443,7 @@ TEST_F(osFileTest, endStaysTheEndWhenTheFileGrows)
     EXPECT_EQ(readInSteps(file, 60), "firstsecond");
 }
 
-TEST_F(osFileTest, fileThatShrinksEndsThere)
+TEST_F(osFileTest, FileThatShrinksEndsThere)
 {
     const std::string content = contentOf(3 * bufferCapacity);
     const osFilePath path = write("file", content);
@@ -457,7 +457,7 @@ TEST_F(osFileTest, fileThatShrinksEndsThere)
     EXPECT_FALSE(file.hasReadError());
 }
 
-TEST_F(osFileTest, closedFileKeepsNoBuffer)
+TEST_F(osFileTest, ClosedFileKeepsNoBuffer)
 {
     const osFilePath path = write("file", contentOf(1000));
     osFile file;
@@ -471,7 +471,7 @@ TEST_F(osFileTest, closedFileKeepsNoBuffer)
     EXPECT_EQ(amountOfLiveAllocations(), live);
 }
 
-TEST_F(osFileTest, readsWithoutMemoryForABuffer)
+TEST_F(osFileTest, ReadsWithoutMemoryForABuffer)
 {
     const std::string content = contentOf(1000);
     const osFilePath path = write("file", content);
@@ -487,14 +487,14 @@ TEST_F(osFileTest, readsWithoutMemoryForABuffer)
             const FailingAllocation failing(0);
             mustGoOn = file.readAvailableData(buffer, sizeof buffer, amount);
         }
-        EXPECT_TRUE(!mustGoOn || (amount == 60) || (result.size() == 960));
+        EXPECT_TRUE(!mustGoOn || amount == 60 || result.size() == 960);
         result.append(buffer, amount);
     }
     EXPECT_EQ(result, content);
     EXPECT_FALSE(file.hasReadError());
 }
 
-TEST_F(osFileTest, hugeReadsAreCutIntoSystemCalls)
+TEST_F(osFileTest, HugeReadsAreCutIntoSystemCalls)
 {
     const std::string content = contentOf(1000);
     const osFilePath path = write("file", content);
@@ -515,7 +515,7 @@ TEST_F(osFileTest, hugeReadsAreCutIntoSystemCalls)
     ::munmap(pMemory, size);
 }
 
-TEST_F(osFileTest, nothingIsReadIntoNothing)
+TEST_F(osFileTest, NothingIsReadIntoNothing)
 {
     const osFilePath path = write("file", "content");
     osFile file;
@@ -543,7 +543,7 @@ TEST_F(osFileTest, nothingIsReadIntoNothing)
     file.close();
 }
 
-TEST_F(osFileTest, closingForgetsWhatIsBuffered)
+TEST_F(osFileTest, ClosingForgetsWhatIsBuffered)
 {
     const osFilePath first = write("first", "first content");
     const osFilePath second = write("second", "2nd");
@@ -561,7 +561,7 @@ TEST_F(osFileTest, closingForgetsWhatIsBuffered)
     EXPECT_EQ(readInSteps(file, 60), "first content");
 }
 
-TEST_F(osFileTest, secondOpenIsRefusedAndDisturbsNothing)
+TEST_F(osFileTest, SecondOpenIsRefusedAndDisturbsNothing)
 {
     const osFilePath first = write("first", "first content");
     const osFilePath second = write("second", "second content");
@@ -587,7 +587,7 @@ TEST_F(osFileTest, secondOpenIsRefusedAndDisturbsNothing)
 }
 
 // It asks nothing of the system, and what has been found out stays.
-TEST_F(osFileTest, refusedSecondOpenLeavesErrorAndEndAsTheyWere)
+TEST_F(osFileTest, RefusedSecondOpenLeavesErrorAndEndAsTheyWere)
 {
     const osFilePath path = write("file", "first");
     const osFilePath other = write("other", "other content");
@@ -626,7 +626,7 @@ TEST_F(osFileTest, refusedSecondOpenLeavesErrorAndEndAsTheyWere)
 }
 
 // Of any size, in any state, with something in the buffer or without.
-TEST_F(osFileTest, nullTakesNothingAndClosedFilesGiveNothing)
+TEST_F(osFileTest, NullTakesNothingAndClosedFilesGiveNothing)
 {
     const std::string content = contentOf(2 * bufferCapacity);
     const osFilePath path = write("file", content);
@@ -669,7 +669,7 @@ TEST_F(osFileTest, nullTakesNothingAndClosedFilesGiveNothing)
     expectNothing(true);
 }
 
-TEST_F(osFileTest, opensRegularFilesOnly)
+TEST_F(osFileTest, OpensRegularFilesOnly)
 {
     write("file", "content");
     ASSERT_EQ(::mkfifo(nameOf("pipe").c_str(), 0600), 0);
@@ -716,7 +716,7 @@ TEST_F(osFileTest, opensRegularFilesOnly)
     EXPECT_EQ(calls.opened.size(), calls.closed.size());
 }
 
-TEST_F(osFileTest, unknownChannelsAndModesAreRefused)
+TEST_F(osFileTest, UnknownChannelsAndModesAreRefused)
 {
     const osFilePath path = write("file", "content");
     osFile file;
@@ -727,7 +727,7 @@ TEST_F(osFileTest, unknownChannelsAndModesAreRefused)
     EXPECT_FALSE(file.isOpen());
 }
 
-TEST_F(osFileTest, systemsRefusalsAreTold)
+TEST_F(osFileTest, SystemsRefusalsAreTold)
 {
     const osFilePath path = write("file", "content");
     osFile file;
@@ -755,7 +755,7 @@ TEST_F(osFileTest, systemsRefusalsAreTold)
 
 using osFileDeathTest = osFileTest;
 
-TEST_F(osFileDeathTest, unreadableFileIsRefused)
+TEST_F(osFileDeathTest, UnreadableFileIsRefused)
 {
     const osFilePath path = write("file", "content");
     ASSERT_EQ(::chmod(nameOf("").c_str(), 0755), 0);
@@ -763,17 +763,17 @@ TEST_F(osFileDeathTest, unreadableFileIsRefused)
     EXPECT_EXIT(
         {
             // Root may read everything.
-            if ((::geteuid() == 0) && (::setuid(65534) != 0))
+            if (::geteuid() == 0 && ::setuid(65534) != 0)
             {
                 std::_Exit(1);
             }
             osFile file;
-            std::_Exit((!open(file, path) && (file.errorNumber() == EACCES)) ? 7 : 2);
+            std::_Exit((!open(file, path) && file.errorNumber() == EACCES) ? 7 : 2);
         },
         testing::ExitedWithCode(7), "");
 }
 
-TEST_F(osFileTest, closesItself)
+TEST_F(osFileTest, ClosesItself)
 {
     const osFilePath path = write("file", "content");
     SystemCalls calls;
@@ -792,7 +792,7 @@ TEST_F(osFileTest, closesItself)
     EXPECT_EQ(calls.closed, calls.opened);
 }
 
-TEST_F(osFileTest, descriptorIsNotInheritedAndBlocks)
+TEST_F(osFileTest, DescriptorIsNotInheritedAndBlocks)
 {
     const osFilePath path = write("file", "content");
     const SystemCalls calls;
@@ -803,7 +803,7 @@ TEST_F(osFileTest, descriptorIsNotInheritedAndBlocks)
     EXPECT_EQ(::fcntl(calls.opened[0], F_GETFL) & (O_ACCMODE | O_NONBLOCK), O_RDONLY);
 }
 
-TEST_F(osFileTest, tellsTheSize)
+TEST_F(osFileTest, TellsTheSize)
 {
     const osFilePath path = write("file", "content");
     osFile file;
@@ -836,7 +836,7 @@ TEST_F(osFileTest, tellsTheSize)
     EXPECT_FALSE(file.fileSize(size));
 }
 
-TEST_F(osFileTest, readsFilesThatDoNotTellTheirSize)
+TEST_F(osFileTest, ReadsFilesThatDoNotTellTheirSize)
 {
     osFile file;
     if (!open(file, pathOf("/proc/version")))
@@ -848,7 +848,7 @@ TEST_F(osFileTest, readsFilesThatDoNotTellTheirSize)
     EXPECT_EQ(readInSteps(file, 7), expected + "\n");
 }
 
-TEST_F(osFileTest, openingReadingAndClosingDoNotThrow)
+TEST_F(osFileTest, OpeningReadingAndClosingDoNotThrow)
 {
     const osFilePath path = write("file", "content");
     const FailingAllocation failing(0);
@@ -863,7 +863,7 @@ TEST_F(osFileTest, openingReadingAndClosingDoNotThrow)
     EXPECT_EQ(amount, 7U);
 }
 
-TEST_F(osFileTest, severalThreadsReadOneFileEachForItself)
+TEST_F(osFileTest, SeveralThreadsReadOneFileEachForItself)
 {
     const std::string content = contentOf(600000);
     const osFilePath path = write("file", content);
@@ -875,7 +875,7 @@ TEST_F(osFileTest, severalThreadsReadOneFileEachForItself)
             [&, i]()
             {
                 osFile file;
-                good[i] = (open(file, path) && (readInSteps(file, 60 + i) == content)) ? 1 : 0;
+                good[i] = (open(file, path) && readInSteps(file, 60 + i) == content) ? 1 : 0;
             });
     }
     for (std::thread& thread : threads)

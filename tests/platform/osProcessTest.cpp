@@ -66,7 +66,7 @@ extern "C" ssize_t write(int descriptor, const void* pBytes, size_t amount)
     ssize_t (*realWrite)(int, const void*, size_t) = nullptr;
     void* const pSymbol = ::dlsym(RTLD_NEXT, "write");
     std::memcpy(&realWrite, &pSymbol, sizeof realWrite);
-    if ((descriptor != STDERR_FILENO) || writesToStderr.empty())
+    if (descriptor != STDERR_FILENO || writesToStderr.empty())
     {
         amountOfFurtherWrites += (descriptor == STDERR_FILENO) ? 1 : 0;
         return realWrite(descriptor, pBytes, amount);
@@ -84,7 +84,7 @@ extern "C" ssize_t write(int descriptor, const void* pBytes, size_t amount)
 #if defined(SYS_close_range)
 extern "C" long syscall(long number, ...) noexcept
 {
-    if ((number == SYS_close_range) && !hasCloseRange)
+    if (number == SYS_close_range && !hasCloseRange)
     {
         errno = ENOSYS;
         return -1;
@@ -157,7 +157,7 @@ osFilePath pathOf(const std::string& text)
     return osFilePath(gtString(text.data(), static_cast<int>(text.size())));
 }
 
-TEST(osGetCurrentThreadId, isTheSystems)
+TEST(osGetCurrentThreadId, IsTheSystems)
 {
     EXPECT_EQ(osGetCurrentThreadId(), static_cast<unsigned int>(::getpid()));
     EXPECT_EQ(osGetCurrentThreadId(), osGetCurrentThreadId());
@@ -170,7 +170,7 @@ TEST(osGetCurrentThreadId, isTheSystems)
         .join();
 }
 
-TEST(osGetCurrentThreadId, isDifferentOnEveryThread)
+TEST(osGetCurrentThreadId, IsDifferentOnEveryThread)
 {
     constexpr std::size_t amount = 8;
     std::array<unsigned int, amount> ids = {};
@@ -212,7 +212,7 @@ protected:
         }
         _folder = pattern;
         const char* const pPath = std::getenv("PATH");
-        _pathBefore = (pPath == nullptr) ? "" : pPath;
+        _pathBefore = pPath == nullptr ? "" : pPath;
         ::setenv("PATH", _folder.c_str(), 1);
     }
 
@@ -321,7 +321,7 @@ class osEveryEditorTest : public osOpenFileInSourceCodeEditorTest, public testin
 {
 };
 
-TEST_P(osEveryEditorTest, goesToTheLine)
+TEST_P(osEveryEditorTest, GoesToTheLine)
 {
     const Case& one = GetParam();
     makeEditor(one.pEditor);
@@ -329,7 +329,7 @@ TEST_P(osEveryEditorTest, goesToTheLine)
     EXPECT_EQ(argumentsOf(one.pEditor), one.atLine12);
 }
 
-TEST_P(osEveryEditorTest, opensWithoutALine)
+TEST_P(osEveryEditorTest, OpensWithoutALine)
 {
     const Case& one = GetParam();
     makeEditor(one.pEditor);
@@ -369,7 +369,7 @@ INSTANTIATE_TEST_SUITE_P(all, osEveryEditorTest, testing::ValuesIn(cases),
                              return name;
                          });
 
-TEST_F(osOpenFileInSourceCodeEditorTest, takesTheFirstEditorThatIsThere)
+TEST_F(osOpenFileInSourceCodeEditorTest, TakesTheFirstEditorThatIsThere)
 {
     // From the last to the first: each new one is preferred to those that are there.
     for (auto one = std::rbegin(cases); one != std::rend(cases); ++one)
@@ -380,7 +380,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, takesTheFirstEditorThatIsThere)
     }
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, takesTheFirstFolderOfPath)
+TEST_F(osOpenFileInSourceCodeEditorTest, TakesTheFirstFolderOfPath)
 {
     makeEditor("one/gedit");
     makeEditor("two/gedit");
@@ -396,7 +396,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, takesTheFirstFolderOfPath)
     EXPECT_THAT(argumentsOf("one/gedit"), ElementsAre("+3", "/f"));
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, handsTheNameOverAsItIs)
+TEST_F(osOpenFileInSourceCodeEditorTest, HandsTheNameOverAsItIs)
 {
     makeEditor("gedit");
     for (const char* pName : {"/a b/c\td\ne.cpp", "/quote'\"`$HOME`$(false)\\;&|<>*?[]{}~#!", "/\xff\xfe\x80.cpp",
@@ -410,7 +410,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, handsTheNameOverAsItIs)
     EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+2147483647", longName));
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, aRelativeNameIsLookedForWhereSourcesAre)
+TEST_F(osOpenFileInSourceCodeEditorTest, ARelativeNameIsLookedForWhereSourcesAre)
 {
     makeEditor("gedit");
     const std::string folder = nameOf("tree");
@@ -441,7 +441,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, aRelativeNameIsLookedForWhereSourcesAre
     std::filesystem::current_path(before);
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, aRelativeNameIsLookedForAboveTheProgram)
+TEST_F(osOpenFileInSourceCodeEditorTest, ARelativeNameIsLookedForAboveTheProgram)
 {
     makeEditor("gedit");
     // A program that was built in TREE/build/bin from TREE/room/inTree.cpp.
@@ -468,7 +468,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, aRelativeNameIsLookedForAboveTheProgram
     }
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, namesLikeOptionsAndAddressesBecomePlainPaths)
+TEST_F(osOpenFileInSourceCodeEditorTest, NamesLikeOptionsAndAddressesBecomePlainPaths)
 {
     makeEditor("gedit");
     for (const char* pName : {"-rf", "--help", "-", "+12", "-a/b", "mailto:me", "http://x", "a:b/c"})
@@ -482,14 +482,14 @@ TEST_F(osOpenFileInSourceCodeEditorTest, namesLikeOptionsAndAddressesBecomePlain
     EXPECT_THAT(argumentsOf("subl"), ElementsAre("./-x:5"));
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, percentSignsOfTheNameAreNoPlaceholders)
+TEST_F(osOpenFileInSourceCodeEditorTest, PercentSignsOfTheNameAreNoPlaceholders)
 {
     makeEditor("code");
     open("/%f%l%", 5);
     EXPECT_THAT(argumentsOf("code"), ElementsAre("--goto", "/%f%l%:5"));
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, namesThatNoFileHasAreOneLine)
+TEST_F(osOpenFileInSourceCodeEditorTest, NamesThatNoFileHasAreOneLine)
 {
     makeEditor("gedit");
     EXPECT_EQ(stderrOfOpening("", 5), "Cannot open \"\" at line 5: no file can have this name\n");
@@ -497,7 +497,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, namesThatNoFileHasAreOneLine)
               "Cannot open \"a b\" at line 5: no file can have this name\n");
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, withoutAnyProgramItIsOneLine)
+TEST_F(osOpenFileInSourceCodeEditorTest, WithoutAnyProgramItIsOneLine)
 {
     const std::string line = "\" at line 5: no graphical editor that is known here, and no desktop default, is "
                              "installed\n";
@@ -524,7 +524,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, withoutAnyProgramItIsOneLine)
     std::filesystem::current_path(before);
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, withoutPathTheUsualFoldersAreLookedThrough)
+TEST_F(osOpenFileInSourceCodeEditorTest, WithoutPathTheUsualFoldersAreLookedThrough)
 {
     const std::string before = std::getenv("PATH");
     Strings paths;
@@ -550,13 +550,13 @@ TEST_F(osOpenFileInSourceCodeEditorTest, withoutPathTheUsualFoldersAreLookedThro
         }
         else
         {
-            EXPECT_THAT(paths, testing::SizeIs((*pPath == '\0') ? 0 : 26));
+            EXPECT_THAT(paths, testing::SizeIs(*pPath == '\0' ? 0 : 26));
         }
     }
     ::setenv("PATH", before.c_str(), 1);
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, linkToAGraphicalEditorIsFollowed)
+TEST_F(osOpenFileInSourceCodeEditorTest, LinkToAGraphicalEditorIsFollowed)
 {
     makeEditor("emacs-gtk");
     ASSERT_EQ(::symlink("emacs-gtk", nameOf("emacs").c_str()), 0);
@@ -565,7 +565,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, linkToAGraphicalEditorIsFollowed)
     EXPECT_THAT(argumentsOf("emacs"), ElementsAre("+3", "/f"));
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, programThatCannotBeStartedIsPassedOver)
+TEST_F(osOpenFileInSourceCodeEditorTest, ProgramThatCannotBeStartedIsPassedOver)
 {
     // Without a line that names its interpreter a script is a matter for shells, and none is asked.
     makeProgram("code", "exit 0\n");
@@ -575,7 +575,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, programThatCannotBeStartedIsPassedOver)
     EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+3", "/f"));
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, ifNoneCanBeStartedItIsOneLine)
+TEST_F(osOpenFileInSourceCodeEditorTest, IfNoneCanBeStartedItIsOneLine)
 {
     makeProgram("code", "exit 0\n");
     makeProgram("xdg-open", "");
@@ -598,7 +598,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, ifNoneCanBeStartedItIsOneLine)
     EXPECT_EQ(text, "Cannot open \"/f\" at line 3: no editor could be started\n");
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, doesNotWaitAndLeavesNoChild)
+TEST_F(osOpenFileInSourceCodeEditorTest, DoesNotWaitAndLeavesNoChild)
 {
     makeEditor("gedit");
     open("/f", 3);
@@ -617,7 +617,7 @@ void countSigchld(int)
     ++amountOfSigchld;
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, leavesNoChildWhereSignalsInterrupt)
+TEST_F(osOpenFileInSourceCodeEditorTest, LeavesNoChildWhereSignalsInterrupt)
 {
     makeEditor("kate");
     interruptionsLeft = 3;
@@ -629,7 +629,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, leavesNoChildWhereSignalsInterrupt)
 }
 
 // In a process of its own, because one that ended here with status 0 would look like success.
-TEST_F(osOpenFileInSourceCodeEditorTest, comesBackToTheProcessThatCalled)
+TEST_F(osOpenFileInSourceCodeEditorTest, ComesBackToTheProcessThatCalled)
 {
     makeEditor("kate");
     EXPECT_EXIT(
@@ -637,12 +637,12 @@ TEST_F(osOpenFileInSourceCodeEditorTest, comesBackToTheProcessThatCalled)
             const pid_t own = ::getpid();
             open("/a.c", 1);
             argumentsOf("kate");
-            std::_Exit((::getpid() == own) ? 7 : 8);
+            std::_Exit(::getpid() == own ? 7 : 8);
         },
         testing::ExitedWithCode(7), "");
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, leavesTheProgramsSignalsAndChildrenAlone)
+TEST_F(osOpenFileInSourceCodeEditorTest, LeavesTheProgramsSignalsAndChildrenAlone)
 {
     makeEditor("gedit");
     amountOfSigchld = 0;
@@ -663,7 +663,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, leavesTheProgramsSignalsAndChildrenAlon
         ::_exit(42);
     }
     siginfo_t info;
-    while ((::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) != 0) && (errno == EINTR))
+    while (::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR)
     {
     }
 
@@ -677,7 +677,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, leavesTheProgramsSignalsAndChildrenAlon
     ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &maskBefore, &maskAfter), 0);
     for (int number = 1; number < NSIG; ++number)
     {
-        EXPECT_EQ(sigismember(&maskAfter, number), (number == SIGUSR1) ? 1 : 0) << number;
+        EXPECT_EQ(sigismember(&maskAfter, number), number == SIGUSR1 ? 1 : 0) << number;
     }
     struct sigaction after = {};
     ASSERT_EQ(::sigaction(SIGCHLD, &before, &after), 0);
@@ -689,7 +689,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, leavesTheProgramsSignalsAndChildrenAlon
     argumentsOf("gedit");
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, worksWhereChildrenAreNotCollected)
+TEST_F(osOpenFileInSourceCodeEditorTest, WorksWhereChildrenAreNotCollected)
 {
     makeEditor("gedit");
     struct sigaction action = {};
@@ -744,7 +744,7 @@ pwd
         struct sigaction action = {};
         struct sigaction old = {};
         action.sa_handler = SIG_IGN;
-        if ((number != SIGCHLD) && (::sigaction(number, &action, &old) == 0))
+        if (number != SIGCHLD && ::sigaction(number, &action, &old) == 0)
         {
             ignored.push_back(number);
             before.push_back(old);
@@ -765,7 +765,7 @@ pwd
         ::close(input);
     }
     open("/f", 3);
-    ASSERT_TRUE((keptInput < 0) ? ::close(STDIN_FILENO) == 0 : ::dup2(keptInput, STDIN_FILENO) == STDIN_FILENO);
+    ASSERT_TRUE(keptInput < 0 ? ::close(STDIN_FILENO) == 0 : ::dup2(keptInput, STDIN_FILENO) == STDIN_FILENO);
     ::close(keptInput);
     ::umask(umaskBefore);
     ASSERT_EQ(::pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr), 0);
@@ -812,13 +812,13 @@ pwd
     EXPECT_EQ(std::to_string(session), statLine.substr(0, statLine.find(' '))) << "it leads a session of its own";
 }
 
-TEST_F(osEditorsStateTest, isClean)
+TEST_F(osEditorsStateTest, IsClean)
 {
     expectACleanState(200);
 }
 
 #if defined(SYS_close_range)
-TEST_F(osEditorsStateTest, isCleanWhereDescriptorsAreClosedOneByOne)
+TEST_F(osEditorsStateTest, IsCleanWhereDescriptorsAreClosedOneByOne)
 {
     hasCloseRange = false;
     expectACleanState(200);
@@ -841,7 +841,7 @@ TEST_F(osEditorsStateTest, isCleanWhereDescriptorsAreClosedOneByOne)
 }
 #endif
 
-TEST_F(osOpenFileInSourceCodeEditorTest, worksWithStandardDescriptorsClosed)
+TEST_F(osOpenFileInSourceCodeEditorTest, WorksWithStandardDescriptorsClosed)
 {
     makeEditor("gedit");
     EXPECT_EXIT(
@@ -856,7 +856,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, worksWithStandardDescriptorsClosed)
     EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+3", "/f"));
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, editorsOutputsGoNowhere)
+TEST_F(osOpenFileInSourceCodeEditorTest, EditorsOutputsGoNowhere)
 {
     makeReporter("gedit", "echo \"$outputs\"");
     open("/f", 3);
@@ -872,7 +872,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, editorsOutputsGoNowhere)
     EXPECT_EQ(reportOf("gedit"), "null\n");
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, linesAreWrittenWholeWhereverWritingStops)
+TEST_F(osOpenFileInSourceCodeEditorTest, LinesAreWrittenWholeWhereverWritingStops)
 {
     const std::string line = "Cannot open \"\" at line 5: no file can have this name\n";
     writesToStderr = {5, -EINTR, -EINTR, 1, 2};
@@ -894,7 +894,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, linesAreWrittenWholeWhereverWritingStop
     EXPECT_EQ(amountOfFurtherWrites, 0);
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, withoutAnotherProcessItIsOneLine)
+TEST_F(osOpenFileInSourceCodeEditorTest, WithoutAnotherProcessItIsOneLine)
 {
     makeEditor("gedit");
     for (const int amount : {0, 1})  // before the first one fails, and before that one's own fails
@@ -909,7 +909,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, withoutAnotherProcessItIsOneLine)
     EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+3", "/g"));
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, startsNothingWithoutMemory)
+TEST_F(osOpenFileInSourceCodeEditorTest, StartsNothingWithoutMemory)
 {
     makeEditor("gedit");
     const osFilePath path = pathOf("/a/path/that/is/long/enough/to/need/memory/of/its/own.cpp");
@@ -932,7 +932,7 @@ TEST_F(osOpenFileInSourceCodeEditorTest, startsNothingWithoutMemory)
     EXPECT_THAT(argumentsOf("gedit"), ElementsAre("+3", path.asCharArray()));
 }
 
-TEST_F(osOpenFileInSourceCodeEditorTest, severalThreadsOpenFiles)
+TEST_F(osOpenFileInSourceCodeEditorTest, SeveralThreadsOpenFiles)
 {
     makeReporter("kate", "printf .");
     std::vector<std::thread> threads;
@@ -995,7 +995,7 @@ void expectThatADebuggerStops(const std::string& way)
                  "-ex continue --args '" BREAKPOINT_PROBE "' " +
                      way + " 2>&1",
                  status);
-    if ((output.find("Operation not permitted") != std::string::npos) && (output.find("SIGTRAP") == std::string::npos))
+    if (output.find("Operation not permitted") != std::string::npos && output.find("SIGTRAP") == std::string::npos)
     {
         GTEST_SKIP() << "tracing is not permitted here: " << output;
     }
@@ -1009,12 +1009,12 @@ void expectThatADebuggerStops(const std::string& way)
     }
 }
 
-TEST(osThrowBreakpointException, stopsADebuggerAndResumes)
+TEST(osThrowBreakpointException, StopsADebuggerAndResumes)
 {
     expectThatADebuggerStops("");
 }
 
-TEST(osIsDebuggerAttached, tellsADebuggerFromNone)
+TEST(osIsDebuggerAttached, TellsADebuggerFromNone)
 {
     EXPECT_FALSE(osIsDebuggerAttached());
     int status = 0;
@@ -1024,22 +1024,21 @@ TEST(osIsDebuggerAttached, tellsADebuggerFromNone)
         "ASAN_OPTIONS=\"$ASAN_OPTIONS:detect_leaks=0\" gdb -nx -batch -ex run -ex quit --args '" BREAKPOINT_PROBE
         "' debugger 2>&1",
         status);
-    if ((output.find("Operation not permitted") != std::string::npos) &&
-        (output.find("debugger\n") == std::string::npos))
+    if (output.find("Operation not permitted") != std::string::npos && output.find("debugger\n") == std::string::npos)
     {
         GTEST_SKIP() << "tracing is not permitted here: " << output;
     }
     EXPECT_NE(output.find("a debugger\n"), std::string::npos) << output;
 }
 
-TEST(osThrowBreakpointException, callsTheProgramsHandlerWithoutADebugger)
+TEST(osThrowBreakpointException, CallsTheProgramsHandlerWithoutADebugger)
 {
     int status = 0;
     EXPECT_EQ(outputOf("'" BREAKPOINT_PROBE "' handler", status), "before the trap\nafter the trap, 1 counted\n");
     EXPECT_EQ(WEXITSTATUS(status), 9);
 }
 
-TEST(osThrowBreakpointException, endsTheProcessWithoutDebuggerAndHandler)
+TEST(osThrowBreakpointException, EndsTheProcessWithoutDebuggerAndHandler)
 {
     EXPECT_EXIT(
         {
@@ -1057,7 +1056,7 @@ void noteThreadOfTheTrap(int)
 }
 
 // In a process of its own. A signal for the process would go to its first thread.
-TEST(osThrowBreakpointException, isRaisedOnTheCallingThread)
+TEST(osThrowBreakpointException, IsRaisedOnTheCallingThread)
 {
     EXPECT_EXIT(
         {
@@ -1070,7 +1069,7 @@ TEST(osThrowBreakpointException, isRaisedOnTheCallingThread)
                     osThrowBreakpointException();
                 })
                 .join();
-            std::_Exit((threadOfTheTrap == id) ? 7 : 8);
+            std::_Exit(threadOfTheTrap == id ? 7 : 8);
         },
         testing::ExitedWithCode(7), "");
 }
@@ -1085,7 +1084,7 @@ bool leavesCoreFile(const char* pWay, rlim_t limit)
     if (process == 0)
     {
         const struct rlimit limits = {limit, limit};
-        if ((chdir(folder.c_str()) == 0) && (setrlimit(RLIMIT_CORE, &limits) == 0))
+        if (chdir(folder.c_str()) == 0 && setrlimit(RLIMIT_CORE, &limits) == 0)
         {
             execl(BREAKPOINT_PROBE, BREAKPOINT_PROBE, pWay, nullptr);
         }
@@ -1093,14 +1092,14 @@ bool leavesCoreFile(const char* pWay, rlim_t limit)
     }
     int status = 0;
     EXPECT_EQ(waitpid(process, &status, 0), process);
-    EXPECT_TRUE(WIFSIGNALED(status) && (WTERMSIG(status) == SIGABRT)) << status;
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT) << status;
     std::error_code error;
     const bool isThere = !std::filesystem::is_empty(folder, error);
     std::filesystem::remove_all(folder, error);
     return isThere || (WIFSIGNALED(status) && WCOREDUMP(status));
 }
 
-TEST(osWriteNoCoreFiles, keepsTheMemoryOfACrashedProcessFromTheDisk)
+TEST(osWriteNoCoreFiles, KeepsTheMemoryOfACrashedProcessFromTheDisk)
 {
     EXPECT_FALSE(leavesCoreFile("crashWithoutCore", RLIM_INFINITY));
     EXPECT_FALSE(leavesCoreFile("crashWithoutCore", 0));
@@ -1110,7 +1109,7 @@ TEST(osWriteNoCoreFiles, keepsTheMemoryOfACrashedProcessFromTheDisk)
     }
 }
 
-TEST(osWriteNoCoreFiles, takesTheLimitThatHoldsForPipesToo)
+TEST(osWriteNoCoreFiles, TakesTheLimitThatHoldsForPipesToo)
 {
     EXPECT_EXIT(
         {
@@ -1119,14 +1118,14 @@ TEST(osWriteNoCoreFiles, takesTheLimitThatHoldsForPipesToo)
             const rlim_t hardLimit = limits.rlim_max;
             osWriteNoCoreFiles();
             getrlimit(RLIMIT_CORE, &limits);
-            const bool isLow = (hardLimit == 0) || (limits.rlim_cur == 1);
-            std::_Exit((isLow && (limits.rlim_max == hardLimit)) ? 0 : 1);
+            const bool isLow = hardLimit == 0 || limits.rlim_cur == 1;
+            std::_Exit((isLow && limits.rlim_max == hardLimit) ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }
 
 #if !defined(__APPLE__)
-TEST(osWriteNoCoreFiles, forbidsTracingWhereNoLimitCanBeSet)
+TEST(osWriteNoCoreFiles, ForbidsTracingWhereNoLimitCanBeSet)
 {
     EXPECT_EXIT(
         {
@@ -1135,13 +1134,13 @@ TEST(osWriteNoCoreFiles, forbidsTracingWhereNoLimitCanBeSet)
             struct rlimit none = {};
             setrlimit(RLIMIT_CORE, &none);
             osWriteNoCoreFiles();
-            std::_Exit((isTraceable && (prctl(PR_GET_DUMPABLE, 0, 0, 0, 0) == 0)) ? 0 : 1);
+            std::_Exit((isTraceable && prctl(PR_GET_DUMPABLE, 0, 0, 0, 0) == 0) ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }
 #endif
 
-TEST(osWriteNoCoreFiles, leavesTheDebuggerItsBreakpoint)
+TEST(osWriteNoCoreFiles, LeavesTheDebuggerItsBreakpoint)
 {
     expectThatADebuggerStops("noCore");
 }

@@ -54,7 +54,7 @@ std::string textOf(long long seconds, osTime::TimeFormat format, osTime::TimeZon
     return std::string(text.asCharArray(), static_cast<std::size_t>(text.length()));
 }
 
-TEST(osTime, enumeratorsHaveTheirValues)
+TEST(osTime, EnumeratorsHaveTheirValues)
 {
     EXPECT_EQ(static_cast<int>(osTime::DATE_AND_TIME), 0);
     EXPECT_EQ(static_cast<int>(osTime::FOR_FILE_NAME), 3);
@@ -62,7 +62,7 @@ TEST(osTime, enumeratorsHaveTheirValues)
     EXPECT_EQ(static_cast<int>(osTime::LOCAL), 1);
 }
 
-TEST(osTime, startsAtTheBeginningOf1970)
+TEST(osTime, StartsAtTheBeginningOf1970)
 {
     gtString text;
     osTime().timeAsString(text, osTime::DATE_AND_TIME, osTime::UTC);
@@ -70,7 +70,7 @@ TEST(osTime, startsAtTheBeginningOf1970)
     EXPECT_EQ(osTime().secondsSince1970(), 0);
 }
 
-TEST(osTime, knownMoments)
+TEST(osTime, KnownMoments)
 {
     const struct
     {
@@ -96,7 +96,7 @@ TEST(osTime, knownMoments)
     }
 }
 
-TEST(osTime, formats)
+TEST(osTime, Formats)
 {
     EXPECT_EQ(textOf(1700000000, osTime::DATE_ONLY, osTime::UTC), "2023-11-14");
     EXPECT_EQ(textOf(1700000000, osTime::TIME_ONLY, osTime::UTC), "22:13:20");
@@ -106,7 +106,7 @@ TEST(osTime, formats)
     EXPECT_EQ(textOf(981173106, osTime::FOR_FILE_NAME, osTime::UTC), "2001-02-03_04-05-06");
 }
 
-TEST(osTime, everyFormatIsInTheZone)
+TEST(osTime, EveryFormatIsInTheZone)
 {
     // Half an hour, so that all but the seconds differ; the day does, too.
     const TimeZoneSet timeZone("AAA-5:30");
@@ -121,7 +121,7 @@ TEST(osTime, everyFormatIsInTheZone)
 }
 
 // Four digits, more where they are needed, and a minus before the year 0.
-TEST(osTime, yearsHaveFourDigits)
+TEST(osTime, YearsHaveFourDigits)
 {
     const TimeZoneSet timeZone("UTC0");
     const struct
@@ -145,14 +145,14 @@ TEST(osTime, yearsHaveFourDigits)
     }
 }
 
-TEST(osTime, unknownFormatsAndZonesCountAsTheFirst)
+TEST(osTime, UnknownFormatsAndZonesCountAsTheFirst)
 {
     const TimeZoneSet timeZone("AAA-5:30");
     EXPECT_EQ(textOf(0, static_cast<osTime::TimeFormat>(99), osTime::UTC), "1970-01-01 00:00:00");
     EXPECT_EQ(textOf(0, osTime::DATE_AND_TIME, static_cast<osTime::TimeZone>(99)), "1970-01-01 00:00:00");
 }
 
-TEST(osTime, localTimeFollowsTheTimeZone)
+TEST(osTime, LocalTimeFollowsTheTimeZone)
 {
     {
         const TimeZoneSet timeZone("AAA-5:30");
@@ -171,7 +171,7 @@ TEST(osTime, localTimeFollowsTheTimeZone)
     }
 }
 
-TEST(osTime, momentsBeyondTheCalendarAreEmpty)
+TEST(osTime, MomentsBeyondTheCalendarAreEmpty)
 {
     EXPECT_EQ(textOf(LLONG_MAX, osTime::DATE_AND_TIME, osTime::UTC), "");
     EXPECT_EQ(textOf(LLONG_MIN, osTime::DATE_AND_TIME, osTime::UTC), "");
@@ -181,7 +181,7 @@ TEST(osTime, momentsBeyondTheCalendarAreEmpty)
     EXPECT_EQ(textOf(67768036191676799, osTime::DATE_ONLY, osTime::UTC), "2147485547-12-31");
 }
 
-TEST(osTime, currentTimeIsTheSystems)
+TEST(osTime, CurrentTimeIsTheSystems)
 {
     const std::time_t before = std::time(nullptr);
     osTime now;
@@ -200,7 +200,7 @@ TEST(osTime, currentTimeIsTheSystems)
     EXPECT_STREQ(text.asCharArray(), expected);
 }
 
-TEST(osTime, agreesWithTheSystemOverTheYears)
+TEST(osTime, AgreesWithTheSystemOverTheYears)
 {
     const TimeZoneSet timeZone("CET-1CEST,M3.5.0,M10.5.0/3");
     for (std::time_t seconds = -5000000000; seconds < 20000000000; seconds += 7654321)
@@ -216,7 +216,7 @@ TEST(osTime, agreesWithTheSystemOverTheYears)
     }
 }
 
-TEST(osTime, severalThreadsDoNotMixTheirMoments)
+TEST(osTime, SeveralThreadsDoNotMixTheirMoments)
 {
     std::vector<std::thread> threads;
     std::atomic<int> wrong = 0;
@@ -227,7 +227,7 @@ TEST(osTime, severalThreadsDoNotMixTheirMoments)
             [i, &wrong]()
             {
                 const long long moment = 1000000000LL + i * 98765432LL;
-                const osTime::TimeZone zone = (i % 2 == 0) ? osTime::LOCAL : osTime::UTC;
+                const osTime::TimeZone zone = i % 2 == 0 ? osTime::LOCAL : osTime::UTC;
                 const std::string expected = textOf(moment, osTime::DATE_AND_TIME, zone);
                 for (int round = 0; round < 5000; ++round)
                 {
@@ -242,7 +242,7 @@ TEST(osTime, severalThreadsDoNotMixTheirMoments)
     EXPECT_EQ(wrong, 0);
 }
 
-TEST(osTime, leavesTheTextAloneWithoutMemory)
+TEST(osTime, LeavesTheTextAloneWithoutMemory)
 {
     gtString text("kept");
     const osTime moment(1700000000);

@@ -45,7 +45,7 @@ bool isToFail() noexcept
 void* allocate(std::size_t size) noexcept
 {
     ++amount;
-    void* const pMemory = isToFail() ? nullptr : std::malloc((size == 0) ? 1 : size);
+    void* const pMemory = isToFail() ? nullptr : std::malloc(size == 0 ? 1 : size);
     if (pMemory != nullptr)
     {
         ++amountAlive;

@@ -37,8 +37,8 @@ Ends newPipe()
 int fileHolding(const std::string& contents)
 {
     std::FILE* pFile = std::tmpfile();
-    if ((pFile == nullptr) || (std::fwrite(contents.data(), 1, contents.size(), pFile) != contents.size()) ||
-        (std::fflush(pFile) != 0))
+    if (pFile == nullptr || std::fwrite(contents.data(), 1, contents.size(), pFile) != contents.size() ||
+        std::fflush(pFile) != 0)
     {
         throw std::runtime_error("no temporary file");
     }
@@ -51,7 +51,7 @@ int fileHolding(const std::string& contents)
 int newTerminal()
 {
     const int master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if ((master < 0) || (grantpt(master) != 0) || (unlockpt(master) != 0))
+    if (master < 0 || grantpt(master) != 0 || unlockpt(master) != 0)
     {
         throw std::runtime_error("no terminal");
     }
@@ -74,8 +74,8 @@ int newTerminal()
     {
         output = open(command._outputPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
     }
-    if ((!command._folder.empty() && (chdir(command._folder.c_str()) != 0)) || (dup2(input, 0) < 0) ||
-        (dup2(output, 1) < 0) || (dup2(errors, 2) < 0))
+    if ((!command._folder.empty() && chdir(command._folder.c_str()) != 0) || dup2(input, 0) < 0 ||
+        dup2(output, 1) < 0 || dup2(errors, 2) < 0)
     {
         _exit(126);
     }
@@ -108,7 +108,7 @@ bool readSome(int descriptor, std::string& text)
     {
         text.append(buffer, static_cast<std::size_t>(amount));
     }
-    return (amount > 0) || ((amount < 0) && (errno == EINTR));
+    return amount > 0 || (amount < 0 && errno == EINTR);
 }
 
 }  // namespace
@@ -137,16 +137,16 @@ tsOutcome tsRun(const tsCommand& command)
     tsOutcome outcome;
     pollfd waiting[3] = {{output.read, POLLIN, 0}, {errors.read, POLLIN, 0}, {terminal, POLLIN, 0}};
     std::string* texts[3] = {&outcome._output, &outcome._errors, &outcome._printed};
-    while ((waiting[0].fd >= 0) || (waiting[1].fd >= 0))
+    while (waiting[0].fd >= 0 || waiting[1].fd >= 0)
     {
         if (poll(waiting, 3, patienceInMilliseconds) == 0)
         {
             kill(process, SIGKILL);
             break;
         }
-        for (int i = 0; i < 3; i++)
+        for (int i = 0; i < 3; ++i)
         {
-            if ((waiting[i].fd < 0) || (waiting[i].revents == 0))
+            if (waiting[i].fd < 0 || waiting[i].revents == 0)
             {
                 continue;
             }
@@ -154,7 +154,7 @@ tsOutcome tsRun(const tsCommand& command)
             {
                 waiting[i].fd = -1;
             }
-            else if ((i == 2) && command._type)
+            else if (i == 2 && command._type)
             {
                 const std::string typed = command._type(outcome._printed, process);
                 if (write(terminal, typed.data(), typed.size()) != static_cast<ssize_t>(typed.size()))
@@ -165,13 +165,13 @@ tsOutcome tsRun(const tsCommand& command)
         }
     }
     int status = 0;
-    while ((waitpid(process, &status, 0) < 0) && (errno == EINTR))
+    while (waitpid(process, &status, 0) < 0 && errno == EINTR)
     {
     }
     if (terminal >= 0)
     {
         // What was printed last.
-        for (pollfd last = {terminal, POLLIN, 0}; (poll(&last, 1, 0) > 0) && readSome(terminal, outcome._printed);)
+        for (pollfd last = {terminal, POLLIN, 0}; poll(&last, 1, 0) > 0 && readSome(terminal, outcome._printed);)
         {
         }
         close(terminal);

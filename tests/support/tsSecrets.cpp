@@ -27,7 +27,7 @@ constexpr auto maskedPassphrase = []
 {
     constexpr char text[] = "correct horse battery staple, seven candles by the river, two lamps and a quiet old mule";
     std::array<unsigned char, sizeof(text) - 1> result = {};
-    for (std::size_t i = 0; i < result.size(); i++)
+    for (std::size_t i = 0; i < result.size(); ++i)
     {
         result[i] = static_cast<unsigned char>(text[i]) ^ mask;
     }
@@ -39,7 +39,7 @@ const char* const namesOfKeysSecrets[] = {"digits", "bytes", "hexadecimal text",
 // Whether the bytes stand here. Memory is compared where it lies: a copy would be a find.
 bool standsAt(const unsigned char* pMemory, const Bytes& wanted)
 {
-    for (std::size_t i = 0; i < wanted.size(); i++)
+    for (std::size_t i = 0; i < wanted.size(); ++i)
     {
         if ((pMemory[i] ^ mask) != wanted[i])
         {
@@ -57,7 +57,7 @@ int timesBetween(const unsigned char* pBegin, const unsigned char* pEnd, const B
         return 0;
     }
     const auto* const pLast = pEnd - wanted.size();
-    for (const auto* pNext = pBegin; pNext <= pLast; pNext++)
+    for (const auto* pNext = pBegin; pNext <= pLast; ++pNext)
     {
         pNext = static_cast<const unsigned char*>(
             std::memchr(pNext, wanted[0] ^ mask, static_cast<std::size_t>(pLast - pNext) + 1));
@@ -81,7 +81,7 @@ void send(int descriptor, const void* pBytes, std::size_t size)
 {
     const auto* pNext = static_cast<const unsigned char*>(pBytes);
     Bytes message(1, static_cast<unsigned char>(size));
-    for (std::size_t i = 0; i < size; i++)
+    for (std::size_t i = 0; i < size; ++i)
     {
         message.push_back(pNext[i] ^ mask);
     }
@@ -96,7 +96,7 @@ void sendSecrets(const std::string& path, int descriptor)
     hoKeyFileFacts facts;
     tsPassphraseSource passphrase;
     const std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(gtString(path.c_str()), &passphrase, facts);
-    if ((pKey == nullptr) || !pKey->hasPrivateKey())
+    if (pKey == nullptr || !pKey->hasPrivateKey())
     {
         return;
     }
@@ -164,7 +164,7 @@ int tsPassphraseSource::getPassphrase(char* pBuffer, int size)
     {
         return -1;
     }
-    for (std::size_t i = 0; i < maskedPassphrase.size(); i++)
+    for (std::size_t i = 0; i < maskedPassphrase.size(); ++i)
     {
         pBuffer[i] = static_cast<char>(maskedPassphrase[i] ^ mask);
     }

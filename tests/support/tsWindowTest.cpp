@@ -199,7 +199,7 @@ private:
             }
             return;
         }
-        _next++;
+        ++_next;
         _deadline = Deadline();
         if (step.action)
         {

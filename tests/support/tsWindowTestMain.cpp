@@ -35,7 +35,7 @@ wxAppConsole* makePlainApplication()
 // Whether the program only tells about itself and needs no display.
 bool isAskedToListTests(int argc, char** argv)
 {
-    for (int i = 1; i < argc; i++)
+    for (int i = 1; i < argc; ++i)
     {
         const std::string argument(argv[i]);
         if (argument == "--gtest_list_tests" || argument == "--help" || argument == "-h")

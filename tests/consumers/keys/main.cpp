@@ -10,7 +10,7 @@
 int main(int argc, char** argv)
 {
     hoKeyFileFacts facts;
-    const auto pKey = (argc == 3) ? hoLoadKeyFile(gtString(argv[1]), nullptr, facts) : nullptr;
+    const auto pKey = argc == 3 ? hoLoadKeyFile(gtString(argv[1]), nullptr, facts) : nullptr;
     gtString signature;
     if (!pKey || !crRSADigitalSigner(pKey->ownKey()).getSignature(osFilePath(gtString(argv[2])), signature))
     {

@@ -6,7 +6,7 @@
 
 int main(int argc, char** argv)
 {
-    const std::string digest = (argc == 2) ? digestOf(argv[1]) : std::string();
+    const std::string digest = argc == 2 ? digestOf(argv[1]) : std::string();
     std::printf("%s\n", digest.c_str());
     return digest.empty() ? 1 : 0;
 }

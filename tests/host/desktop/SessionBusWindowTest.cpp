@@ -146,7 +146,7 @@ const std::vector<std::string> difficultNames = {"with blank",        "100%",   
                                                  "\xC3\xA9t\xC3\xA9", "\xFF\xFE", "new\nline"};
 }  // namespace
 
-TEST_F(SessionBusWindowTest, requestsOfTheDesktopOpenDocumentsOfAnyName)
+TEST_F(SessionBusWindowTest, RequestsOfTheDesktopOpenDocumentsOfAnyName)
 {
     start();
     std::vector<std::string> paths;
@@ -159,7 +159,7 @@ TEST_F(SessionBusWindowTest, requestsOfTheDesktopOpenDocumentsOfAnyName)
     EXPECT_EQ(openDocuments(), paths);
 }
 
-TEST_F(SessionBusWindowTest, aSecondStartHandsItsDocumentsToTheFirstAndEndsWell)
+TEST_F(SessionBusWindowTest, ASecondStartHandsItsDocumentsToTheFirstAndEndsWell)
 {
     start();
     std::vector<std::string> command = {COUNTERSIGN_DESKTOP};
@@ -182,7 +182,7 @@ TEST_F(SessionBusWindowTest, aSecondStartHandsItsDocumentsToTheFirstAndEndsWell)
                });
 }
 
-TEST_F(SessionBusWindowTest, aSecondStartWithoutDocumentsBringsTheWindowBack)
+TEST_F(SessionBusWindowTest, ASecondStartWithoutDocumentsBringsTheWindowBack)
 {
     start();
     _pFrame->Iconize();
@@ -191,7 +191,7 @@ TEST_F(SessionBusWindowTest, aSecondStartWithoutDocumentsBringsTheWindowBack)
     tsRunUntil("the window is back", [&] { return !_pFrame->IsIconized() && _pFrame->IsShownOnScreen(); });
 }
 
-TEST_F(SessionBusWindowTest, aHundredDocumentsAtOnce)
+TEST_F(SessionBusWindowTest, AHundredDocumentsAtOnce)
 {
     start();
     std::vector<std::string> paths;
@@ -205,7 +205,7 @@ TEST_F(SessionBusWindowTest, aHundredDocumentsAtOnce)
     EXPECT_EQ(openDocuments(), paths);
 }
 
-TEST_F(SessionBusWindowTest, aSecondStartHandsOverWhatIsNoText)
+TEST_F(SessionBusWindowTest, ASecondStartHandsOverWhatIsNoText)
 {
     // The toolkit keeps none of its arguments but the program's name.
     start();
@@ -216,7 +216,7 @@ TEST_F(SessionBusWindowTest, aSecondStartHandsOverWhatIsNoText)
 }
 
 // As many and as long as an argument list holds; none of a name's bytes is the same in the message.
-TEST_F(SessionBusWindowTest, aSecondStartHandsTenThousandDocumentsOver)
+TEST_F(SessionBusWindowTest, ASecondStartHandsTenThousandDocumentsOver)
 {
     start();
     const int amount = 10000;
@@ -239,7 +239,7 @@ TEST_F(SessionBusWindowTest, aSecondStartHandsTenThousandDocumentsOver)
     EXPECT_TRUE(openDocuments() == paths);
 }
 
-TEST_F(SessionBusWindowTest, manySecondStartsAtOnceHandEverythingOver)
+TEST_F(SessionBusWindowTest, ManySecondStartsAtOnceHandEverythingOver)
 {
     start();
     const int threads = 3;
@@ -279,7 +279,7 @@ TEST_F(SessionBusWindowTest, manySecondStartsAtOnceHandEverythingOver)
     EXPECT_THAT(openDocuments(), testing::UnorderedElementsAreArray(paths));
 }
 
-TEST_F(SessionBusWindowTest, whoeverStartsWhileTheWindowClosesIsTheNextOne)
+TEST_F(SessionBusWindowTest, WhoeverStartsWhileTheWindowClosesIsTheNextOne)
 {
     start();
     _pFrame->Close();
@@ -290,7 +290,7 @@ TEST_F(SessionBusWindowTest, whoeverStartsWhileTheWindowClosesIsTheNextOne)
     tsRunEvents();
 }
 
-TEST_F(SessionBusWindowTest, whatCannotBeOpenedDoesNotKeepTheOthersOut)
+TEST_F(SessionBusWindowTest, WhatCannotBeOpenedDoesNotKeepTheOthersOut)
 {
     start();
     const std::string there = makeDocument("there");
@@ -299,7 +299,7 @@ TEST_F(SessionBusWindowTest, whatCannotBeOpenedDoesNotKeepTheOthersOut)
     EXPECT_EQ(openDocuments(), std::vector<std::string>{there});
 }
 
-TEST_F(SessionBusWindowTest, aDocumentThatArrivesWhileTheWindowIsMadeIsOpened)
+TEST_F(SessionBusWindowTest, ADocumentThatArrivesWhileTheWindowIsMadeIsOpened)
 {
     // The stranger asks as soon as the name is there, which is while the window's constructor runs.
     const std::string path = makeDocument("early");

@@ -121,7 +121,7 @@ int gdbusCall(const std::string& methodAndArguments)
 }
 }  // namespace
 
-TEST_F(SessionBusTest, theFirstOneOwnsTheName)
+TEST_F(SessionBusTest, TheFirstOneOwnsTheName)
 {
     Requests requests;
     hoSessionBus bus;
@@ -130,7 +130,7 @@ TEST_F(SessionBusTest, theFirstOneOwnsTheName)
     EXPECT_EQ(requests.activations, 0);
 }
 
-TEST_F(SessionBusTest, aStrangersOpenBringsPathsWithTheirPercentSignsUndone)
+TEST_F(SessionBusTest, AStrangersOpenBringsPathsWithTheirPercentSignsUndone)
 {
     Requests requests;
     hoSessionBus bus;
@@ -150,7 +150,7 @@ TEST_F(SessionBusTest, aStrangersOpenBringsPathsWithTheirPercentSignsUndone)
     EXPECT_EQ(requests.opened[0], expected);
 }
 
-TEST_F(SessionBusTest, activateAndUnknownActionsBringTheWindowForward)
+TEST_F(SessionBusTest, ActivateAndUnknownActionsBringTheWindowForward)
 {
     Requests requests;
     hoSessionBus bus;
@@ -165,7 +165,7 @@ TEST_F(SessionBusTest, activateAndUnknownActionsBringTheWindowForward)
     EXPECT_TRUE(requests.opened.empty());
 }
 
-TEST_F(SessionBusTest, aSecondStartHandsItsDocumentsOver)
+TEST_F(SessionBusTest, ASecondStartHandsItsDocumentsOver)
 {
     Requests first;
     hoSessionBus bus;
@@ -185,7 +185,7 @@ TEST_F(SessionBusTest, aSecondStartHandsItsDocumentsOver)
     EXPECT_TRUE(second.opened.empty());
 }
 
-TEST_F(SessionBusTest, aSecondStartWithoutDocumentsActivatesTheFirst)
+TEST_F(SessionBusTest, ASecondStartWithoutDocumentsActivatesTheFirst)
 {
     Requests first;
     hoSessionBus bus;
@@ -195,7 +195,7 @@ TEST_F(SessionBusTest, aSecondStartWithoutDocumentsActivatesTheFirst)
     EXPECT_TRUE(runUntil([&] { return first.activations == 1; }));
 }
 
-TEST_F(SessionBusTest, theNameIsFreeAgainAfterTheFirstOneHasEnded)
+TEST_F(SessionBusTest, TheNameIsFreeAgainAfterTheFirstOneHasEnded)
 {
     Requests requests;
     {
@@ -208,7 +208,7 @@ TEST_F(SessionBusTest, theNameIsFreeAgainAfterTheFirstOneHasEnded)
     EXPECT_EQ(outcome, Outcome::FIRST);
 }
 
-TEST_F(SessionBusTest, aHundredRequestsAtOnceAllArriveInTheirOrder)
+TEST_F(SessionBusTest, AHundredRequestsAtOnceAllArriveInTheirOrder)
 {
     Requests first;
     hoSessionBus bus;
@@ -242,7 +242,7 @@ TEST_F(SessionBusTest, aHundredRequestsAtOnceAllArriveInTheirOrder)
     }
 }
 
-TEST_F(SessionBusTest, anOwnerThatDoesNotAnswerIsNotWaitedForForever)
+TEST_F(SessionBusTest, AnOwnerThatDoesNotAnswerIsNotWaitedForForever)
 {
     // Owns the name and never looks at its messages.
     Requests first;
@@ -265,7 +265,7 @@ TEST_F(SessionBusTest, anOwnerThatDoesNotAnswerIsNotWaitedForForever)
     EXPECT_EQ(first.opened, std::vector<std::vector<gtString>>{{"/b"}});
 }
 
-TEST_F(SessionBusTest, whoeverWaitsForAnOwnerThatLeavesIsTheNextOne)
+TEST_F(SessionBusTest, WhoeverWaitsForAnOwnerThatLeavesIsTheNextOne)
 {
     Requests first;
     hoSessionBus bus;
@@ -289,7 +289,7 @@ TEST_F(SessionBusTest, whoeverWaitsForAnOwnerThatLeavesIsTheNextOne)
     EXPECT_TRUE(second.opened.empty());
 }
 
-TEST_F(SessionBusTest, whatNoMessageHoldsIsNotHandedOver)
+TEST_F(SessionBusTest, WhatNoMessageHoldsIsNotHandedOver)
 {
     Requests first;
     hoSessionBus bus;
@@ -302,7 +302,7 @@ TEST_F(SessionBusTest, whatNoMessageHoldsIsNotHandedOver)
     EXPECT_TRUE(second.opened.empty());
 }
 
-TEST(NoSessionBusTest, withoutABusTheApplicationIsAlone)
+TEST(NoSessionBusTest, WithoutABusTheApplicationIsAlone)
 {
     setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
     Requests requests;

@@ -56,7 +56,7 @@ bool isWellFormed(const std::string& text)
         {
             return false;
         }
-        for (std::size_t k = 1; k <= more; k++)
+        for (std::size_t k = 1; k <= more; ++k)
         {
             if (!isIn(at(i + k), k == 1 ? low : 0x80, k == 1 ? high : 0xBF))
             {
@@ -139,7 +139,7 @@ TEST_P(TextConversion, EmbeddedNulsStay)
 TEST_P(TextConversion, AnyBytesGiveAWholeText)
 {
     std::mt19937 random(1);
-    for (int i = 0; i < 20000; i++)
+    for (int i = 0; i < 20000; ++i)
     {
         const std::string odd = oddBytes(random);
         const wxString text = gtTextFromBytes(bytes(odd));
@@ -159,7 +159,7 @@ TEST_P(TextConversion, AnyBytesGiveAWholeText)
 TEST_P(TextConversion, APathGoesBackToTheSameBytes)
 {
     std::mt19937 random(2);
-    for (int i = 0; i < 50000; i++)
+    for (int i = 0; i < 50000; ++i)
     {
         const std::string odd = oddBytes(random);
         const wxString text = gtPathTextFromBytes(bytes(odd));
@@ -171,7 +171,7 @@ TEST_P(TextConversion, APathGoesBackToTheSameBytes)
 
 TEST_P(TextConversion, EveryByteAloneIsAPath)
 {
-    for (int i = 1; i < 256; i++)
+    for (int i = 1; i < 256; ++i)
     {
         const std::string path{'/', static_cast<char>(i), 'x'};
         EXPECT_EQ(asStd(gtPathBytesFromText(gtPathTextFromBytes(bytes(path)))), path) << i;
@@ -196,11 +196,11 @@ TEST_P(TextConversion, APathThatIsUtf8ReadsAsItIs)
 TEST_P(TextConversion, EverySequenceIsACharacterOrItIsNot)
 {
     const unsigned char further[] = {0x7F, 0x80, 0xBF, 0xC0};
-    for (unsigned lead = 0x80; lead <= 0xFF; lead++)
+    for (unsigned lead = 0x80; lead <= 0xFF; ++lead)
     {
-        for (unsigned second = 1; second <= 0xFF; second++)
+        for (unsigned second = 1; second <= 0xFF; ++second)
         {
-            for (unsigned i = 0; i < 16; i++)
+            for (unsigned i = 0; i < 16; ++i)
             {
                 const char all[] = {static_cast<char>(lead), static_cast<char>(second),
                                     static_cast<char>(further[i / 4]), static_cast<char>(further[i % 4])};
