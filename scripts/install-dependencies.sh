@@ -37,7 +37,7 @@ testOptional=(
 )
 develop=(git)
 developOptional=(
-    clang-format clang-tidy gcovr shellcheck mandoc
+    clang-format clang-tidy gcovr shellcheck mandoc doxygen
     libx11-dev libbenchmark-dev libtommath-dev valgrind librsvg2-bin
 )
 releaseOptional=(
