@@ -38,6 +38,11 @@ backtrace_state* state()
 int addAddress(void* pData, std::uintptr_t address)
 {
     auto& stack = *static_cast<std::vector<std::uintptr_t>*>(pData);
+    if (address == UINTPTR_MAX)
+    {
+        // Behind the outermost call.
+        return 0;
+    }
     if (stack.size() == stack.capacity())
     {
         return 1;

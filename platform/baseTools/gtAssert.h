@@ -41,13 +41,13 @@
 
 #if defined(__cplusplus)
 #define GT_ASSERT_CHECK(condition, ...)                                                                                \
-    (__builtin_expect(static_cast<bool>(condition), true) || gtReportFailedAssertion(__VA_ARGS__) != 0)
+    (__builtin_expect(static_cast<bool>(condition), true) || gtReportFailedAssertionHere(__VA_ARGS__) != 0)
 // Unlike __func__ it is there outside functions, too.
 #define GT_ASSERT_FUNCTION __builtin_FUNCTION()
 #define GT_ASSERT_NO_TEXT nullptr
 #else
 #define GT_ASSERT_CHECK(condition, ...)                                                                                \
-    gtWhetherItHolds(__builtin_expect(!!(condition), 1) || gtReportFailedAssertion(__VA_ARGS__))
+    gtWhetherItHolds(__builtin_expect(!!(condition), 1) || gtReportFailedAssertionHere(__VA_ARGS__))
 #define GT_ASSERT_FUNCTION __func__
 #define GT_ASSERT_NO_TEXT ((const char*)0)
 
@@ -64,8 +64,9 @@ extern "C"
 #endif
 
     // An assertion failed: the registered handlers hear of it, with the message, or "MESSAGE: TEXT" if there is a text (which
-    // is left out where both together find no memory or are more than a gtString holds). Any argument may be null. Gives 0, so that it
-    // can stand for the check that failed. The same as gtTriggerAssertonFailureHandler, callable from C.
+    // is left out where both together find no memory or are more than a gtString holds). Any argument may be null. Gives 0,
+    // so that it can stand for the check that failed. Lets no exception out, nor does a handler's end the program:
+    // gtTriggerAssertonFailureHandler, which this calls, takes them all.
     int gtReportFailedAssertion(const char* functionName, const char* fileName, int lineNumber, const char* message,
                                 const char* text)
 #if defined(__cplusplus)
@@ -76,6 +77,22 @@ extern "C"
 #if defined(__cplusplus)
 }
 #endif
+
+// Becomes a part of the function that the check stands in, and has something to do behind the call: where the check comes
+// last, the compiler would else leave that function before the report, which would not find it on the stack.
+#if defined(__cplusplus)
+inline
+#else
+static inline
+#endif
+    __attribute__((always_inline)) int
+    gtReportFailedAssertionHere(const char* functionName, const char* fileName, int lineNumber, const char* message,
+                                const char* text)
+{
+    const int holds = gtReportFailedAssertion(functionName, fileName, lineNumber, message, text);
+    __asm__ volatile("");
+    return holds;
+}
 
 #pragma GCC visibility pop
 

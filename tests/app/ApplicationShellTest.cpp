@@ -11,13 +11,13 @@
 #include <gtest/gtest.h>
 #include <wx/build.h>
 
-#include "AssertionRecorder.h"
 #include "MainFrame.h"
 
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
 #include "platform/osWrappers/osProcess.h"
 #include "platform/toolkit/gtTextConversion.h"
 #include "tests/support/failingAllocation.h"
+#include "tests/support/tsAssertionRecorder.h"
 
 namespace
 {
@@ -128,7 +128,7 @@ TEST(Shell, IsMadeAfterALookAtTheBuildOptions)
 
 TEST(Shell, KeepsTheFirstDocumentInItsArguments)
 {
-    AssertionRecorder recorder;
+    tsAssertionRecorder recorder;
     OpenShell shell;
     const wxString path = gtPathTextFromBytes(gtString("/tmp/caf\xC3\xA9 \xFF.txt"));
     shell.MacOpenFile(path);
@@ -142,7 +142,7 @@ TEST(Shell, KeepsTheFirstDocumentInItsArguments)
     EXPECT_EQ(shell.argc, 1);
     ASSERT_EQ(shell.argv.GetArguments().size(), 1U);
     EXPECT_EQ(shell.argv[0], path);
-    EXPECT_EQ(recorder.reports, std::vector<std::string>{argumentsReport});
+    EXPECT_EQ(recorder.lines(), std::vector<std::string>{argumentsReport});
     EXPECT_EQ(shell._pMainFrame, nullptr);
 }
 
@@ -161,16 +161,16 @@ TEST(Shell, KeepsADocumentOfAnyName)
 TEST(Shell, DropsADocumentWhenThereAreArguments)
 {
     {
-        AssertionRecorder recorder;
+        tsAssertionRecorder recorder;
         OpenShell shell;
         shell.argc = 3;
         shell.MacOpenFile("/tmp/a.txt");
         EXPECT_EQ(shell.argc, 3);
         EXPECT_TRUE(shell.argv.IsEmpty());
-        EXPECT_EQ(recorder.reports, std::vector<std::string>{argumentsReport});
+        EXPECT_EQ(recorder.lines(), std::vector<std::string>{argumentsReport});
     }
     {
-        AssertionRecorder recorder;
+        tsAssertionRecorder recorder;
         OpenShell shell;
         const wchar_t* arguments[] = {L"program"};
         shell.argv.Init(1, arguments);
@@ -178,7 +178,7 @@ TEST(Shell, DropsADocumentWhenThereAreArguments)
         EXPECT_EQ(shell.argc, 0);
         EXPECT_EQ(shell.argv.GetArguments().size(), 1U);
         EXPECT_EQ(shell.argv[0], "program");
-        EXPECT_EQ(recorder.reports, std::vector<std::string>{argumentsReport});
+        EXPECT_EQ(recorder.lines(), std::vector<std::string>{argumentsReport});
     }
 }
 
@@ -217,7 +217,7 @@ TEST(Shell, ExitsWithoutTheToolkitsOwnExit)
 
 TEST(Shell, DoesNotStartWithoutMemoryForTheMainWindow)
 {
-    AssertionRecorder recorder;
+    tsAssertionRecorder recorder;
     OpenShell shell;
     MainFrame::hasNoMemory = true;
     EXPECT_FALSE(shell.OnInit());
@@ -234,7 +234,7 @@ TEST(Shell, DoesNotStartWithoutMemoryForTheMainWindow)
 
 TEST(Shell, GoesOnWithoutMemoryForTheHandler)
 {
-    AssertionRecorder recorder;
+    tsAssertionRecorder recorder;
     recorder.reports.reserve(10);
     OpenShell shell;
     MainFrame::hasNoMemory = true;
@@ -244,7 +244,7 @@ TEST(Shell, GoesOnWithoutMemoryForTheHandler)
     MainFrame::hasNoMemory = false;
     EXPECT_EQ(shell._pAssertionFailureHandler, nullptr);
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
-    EXPECT_EQ(recorder.reports, std::vector<std::string>{handlerReport});
+    EXPECT_EQ(recorder.lines(), std::vector<std::string>{handlerReport});
     EXPECT_EQ(shell.OnExit(), 0);
 }
 

@@ -11,6 +11,7 @@
 
 #include "platform/baseTools/gtAssert.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
+#include "tests/assertionReporting/checkLast.h"
 #include "tests/support/failingAllocation.h"
 
 // Not in a namespace, and not static: a name that every symbol table has.
@@ -40,6 +41,7 @@ __attribute__((noinline)) bool failingCall()
 namespace
 {
 
+using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -90,7 +92,9 @@ TEST_F(StackTrace, NamesTheCallsFromTheInnermostOn)
     EXPECT_THAT(lines[2], HasSubstr("outerCall"));
     EXPECT_THAT(lines[3], HasSubstr("outerCall"));
     EXPECT_THAT(lines[4], HasSubstr("NamesTheCallsFromTheInnermostOn"));
-    EXPECT_THAT(lines, testing::Contains(HasSubstr("main")));
+    EXPECT_THAT(lines, Contains(HasSubstr("main")));
+    // What the library gives for the end.
+    EXPECT_THAT(lines, testing::Not(Contains(HasSubstr("0xffffffff"))));
 }
 
 TEST_F(StackTrace, TellsFileAndLine)
@@ -111,13 +115,25 @@ TEST_F(StackTrace, BeginsWithTheCheckThatFailed)
     EXPECT_THAT(lines[1], HasSubstr("BeginsWithTheCheckThatFailed"));
 }
 
+TEST_F(StackTrace, HasTheFunctionWhoseLastCallIsTheCheck)
+{
+    StackTaker taker;
+    checkLastInC(-1);
+    EXPECT_THAT(linesOf(taker.stack), Contains(HasSubstr("checkLastInC")));
+    checkLast(-1);
+    const std::vector<std::string> lines = linesOf(taker.stack);
+    ASSERT_GT(lines.size(), 2U);
+    EXPECT_THAT(lines[0], HasSubstr("checkLast(int)"));
+    EXPECT_THAT(lines[1], HasSubstr("HasTheFunctionWhoseLastCallIsTheCheck"));
+}
+
 TEST_F(StackTrace, IsOfTheCallingThread)
 {
     std::vector<std::uintptr_t> stack;
     std::thread([&] { stack = outerCall(0); }).join();
     const std::vector<std::string> lines = linesOf(stack);
-    EXPECT_THAT(lines, testing::Contains(HasSubstr("innermostCall")));
-    EXPECT_THAT(lines, testing::Not(testing::Contains(HasSubstr("RUN_ALL_TESTS"))));
+    EXPECT_THAT(lines, Contains(HasSubstr("innermostCall")));
+    EXPECT_THAT(lines, testing::Not(Contains(HasSubstr("RUN_ALL_TESTS"))));
 }
 
 TEST_F(StackTrace, HasAnEnd)

@@ -18,49 +18,13 @@
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "tests/platform/gtAssertFromC.h"
 #include "tests/support/failingAllocation.h"
+#include "tests/support/tsAssertionRecorder.h"
 
 namespace
 {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
-
-struct Report
-{
-    std::string functionName;
-    std::string fileName;
-    int lineNumber;
-    std::string message;
-    int errorNumber;
-};
-
-class Recorder : public gtIAssertionFailureHandler
-{
-public:
-    Recorder() { gtRegisterAssertionFailureHandler(this); }
-    Recorder(const Recorder&) = delete;
-    Recorder& operator=(const Recorder&) = delete;
-    ~Recorder() override { gtUnRegisterAssertionFailureHandler(this); }
-
-    void onAssertionFailure(const char* functionName, const char* fileName, int lineNumber,
-                            const char* message) override
-    {
-        const int errorNumber = errno;
-        reports.push_back({functionName, fileName, lineNumber, message, errorNumber});
-    }
-
-    std::vector<std::string> messages() const
-    {
-        std::vector<std::string> messages;
-        for (const Report& report : reports)
-        {
-            messages.push_back(report.message);
-        }
-        return messages;
-    }
-
-    std::vector<Report> reports;
-};
 
 // Where a check may stand. All of them compile without a warning, their values unused.
 
@@ -103,7 +67,7 @@ const char* textThatIsCounted(int& amount)
 
 TEST(Assert, ThatHoldsReportsNothingAndIsTrue)
 {
-    const Recorder recorder;
+    const tsAssertionRecorder recorder;
     const unsigned long long allocations = amountOfAllocations();
     static_assert(std::is_same<decltype(GT_ASSERT(true)), bool>::value, "");
     static_assert(std::is_same<decltype(GT_ASSERT_EX(true, "")), bool>::value, "");
@@ -117,7 +81,7 @@ TEST(Assert, ThatHoldsReportsNothingAndIsTrue)
 
 TEST(Assert, ThatFailsReportsItsPlaceAndConditionAndIsFalse)
 {
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     const int value = 1;
     const int line = __LINE__ + 1;
     EXPECT_FALSE(GT_ASSERT(value == 2));
@@ -135,7 +99,7 @@ TEST(Assert, ThatFailsReportsItsPlaceAndConditionAndIsFalse)
 
 TEST(Assert, ConditionStandsAsItIsWritten)
 {
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     const char* pText = nullptr;
     const int error = 5;
 #define NOT_A_NULL nullptr
@@ -154,7 +118,7 @@ TEST(Assert, ConditionStandsAsItIsWritten)
 
 TEST(Assert, TakesWhateverAnIfTakes)
 {
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     const std::unique_ptr<int> pNothing;
     const std::unique_ptr<int> pSomething(new int(1));
     const int* const pPlain = pSomething.get();
@@ -170,7 +134,7 @@ TEST(Assert, TakesWhateverAnIfTakes)
 
 TEST(Assert, EvaluatesTheConditionOnceAndTheTextOnlyWhenItFails)
 {
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     int conditions = 0;
     int texts = 0;
     GT_ASSERT(++conditions > 0);
@@ -189,7 +153,7 @@ TEST(Assert, EvaluatesTheConditionOnceAndTheTextOnlyWhenItFails)
 
 TEST(Assert, StandsWhereverAnExpressionMay)
 {
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     EXPECT_EQ(inHeader(-1), -1);
     EXPECT_EQ(inTemplate(-1L), -1L);
     volatile int runTimeValue = -5;
@@ -219,7 +183,7 @@ TEST(Assert, StandsWhereverAnExpressionMay)
 
 TEST(Assert, CanBeKnownUnderAnotherPlace)
 {
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     EXPECT_FALSE(GT_ASSERT_AT(1 == 2, "(argc == 0)&&(argv == __null)", "MacOpenFile", "some/File.cpp", 109));
     ASSERT_EQ(recorder.reports.size(), 1U);
     EXPECT_EQ(recorder.reports[0].functionName, "MacOpenFile");
@@ -230,7 +194,7 @@ TEST(Assert, CanBeKnownUnderAnotherPlace)
 
 TEST(Assert, LeavesErrnoAlone)
 {
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     recorder.reports.reserve(3);
     errno = EPERM;
     GT_ASSERT(1 == 2);
@@ -312,9 +276,24 @@ TEST(Assert, TextOfMoreBytesThanATextHoldsIsLeftOut)
 {
     const EndlessText text;
     ASSERT_NE(text.characters(), nullptr);
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     EXPECT_FALSE(GT_ASSERT_EX(1 == 2, text.characters()));
     EXPECT_THAT(recorder.messages(), ElementsAre("Assertion failure (1 == 2)"));
+}
+
+TEST(Assert, LetsNoExceptionOfAHandlerOut)
+{
+    class Thrower : public gtIAssertionFailureHandler
+    {
+    public:
+        void onAssertionFailure(const char*, const char*, int, const char*) override { throw 42; }
+    };
+    Thrower thrower;
+    gtRegisterAssertionFailureHandler(&thrower);
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(GT_ASSERT_AT(1 == 2, "c", "f", "F", 3));
+    gtUnRegisterAssertionFailureHandler(&thrower);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "F:3: f: Assertion failure (c)\n");
 }
 
 TEST(Assert, TakesNullWhereverThereIsText)
@@ -327,7 +306,7 @@ TEST(Assert, TakesNullWhereverThereIsText)
 
 TEST(AssertFromC, ReportsLikeTheOther)
 {
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     EXPECT_EQ(checkFromC(5), 5);
     EXPECT_THAT(recorder.reports, IsEmpty());
     EXPECT_EQ(checkFromC(-5), 0);

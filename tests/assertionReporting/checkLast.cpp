@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/assertionReporting/checkLast.h"
+
+#include "platform/baseTools/gtAssert.h"
+
+void checkLast(int value)
+{
+    GT_ASSERT(value > 0);
+}
