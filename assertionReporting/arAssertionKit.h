@@ -8,8 +8,9 @@
 // From then on a failed GT_ASSERT anywhere in the process, and with the third line a failed wxASSERT or an exception that
 // nothing catches, is a line on standard error, a row of the report and a dialog that asks what to do.
 //
-// There is one kit for the run. It is made on the main thread with the application object there, and destroyed in OnExit
-// or after the main loop. Threads: everything here is for the main thread but isDeciding; assertions may fail on any.
+// There is one kit for the run. It is made on the main thread and destroyed in OnExit or after the main loop. Where there
+// can be no dialogs (in a test runner, without a display, before the toolkit starts, after the main loop) it writes its
+// line and goes on; one that is made without an application object never asks. Threads: everything here is for the main thread but isDeciding; assertions may fail on any.
 #ifndef AR_ASSERTION_KIT_H
 #define AR_ASSERTION_KIT_H
 

@@ -4,9 +4,11 @@
 #include "assertionHandling/ahAssertDialog.h"
 #include "assertionReporting/arAssertionReport.h"
 #include "assertionReporting/arStackTrace.h"
+#include "assertionReporting/arWrittenFailures.h"
 #include "platform/osWrappers/osProcess.h"
 #include "platform/osWrappers/osTime.h"
 #include "platform/toolkit/gtMainThreadCall.h"
+#include "platform/toolkit/gtToolkitState.h"
 
 #include <wx/app.h>
 #include <wx/msgdlg.h>
@@ -60,12 +62,17 @@ arInteractiveAssertionFailureHandler::arInteractiveAssertionFailureHandler(unsig
     : ahDialogBasedAssertionFailureHandler(mainThreadId),
       _pReport(std::move(pReport)),
       _isDeciding(false),
-      _pHasMainLoopRun(std::make_shared<bool>(false)),
-      _pCall(std::make_unique<gtMainThreadCall>([this] { decideSoon(); }))
+      _pHasMainLoopRun(std::make_shared<bool>(false))
 {
+    if (wxTheApp == nullptr)
+    {
+        return;
+    }
     // Whatever loop comes first; that of a dialog does not count.
     wxTheApp->CallAfter([pHasRun = _pHasMainLoopRun] { *pHasRun = wxAppConsole::IsMainLoopRunning(); });
-    _pause.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { decideNext(); });
+    _pPause = std::make_unique<wxTimer>();
+    _pPause->Bind(wxEVT_TIMER, [this](wxTimerEvent&) { decideNext(); });
+    _pCall = std::make_unique<gtMainThreadCall>([this] { decideSoon(); });
 }
 
 arInteractiveAssertionFailureHandler::~arInteractiveAssertionFailureHandler() = default;
@@ -79,13 +86,14 @@ void arInteractiveAssertionFailureHandler::onAssertionFailure(const char* functi
     {
         std::vector<std::uintptr_t> stack = arStackOfThisThread();
         outputAssertionMessageToStderr(functionName, fileName, lineNumber, message);
+        arCountWrittenFailure();
         _pReport->record(functionName, fileName, lineNumber, message, osGetCurrentThreadId(),
                          osTime().setFromCurrentTime().secondsSince1970(), std::move(stack));
         if (std::exchange(isEnding, false))
         {
             _pReport->decide(fileName, lineNumber, arAssertionDecision::Terminated);
         }
-        else if (!_isDeciding && wxTheApp != nullptr)
+        else if (!_isDeciding && _pCall != nullptr && wxTheApp != nullptr)
         {
             ask({gtString(functionName), gtString(fileName), lineNumber, gtString(message)});
         }
@@ -130,9 +138,9 @@ void arInteractiveAssertionFailureHandler::decideLater(Failure failure)
 
 void arInteractiveAssertionFailureHandler::decideSoon()
 {
-    if (!_pause.IsRunning())
+    if (!_pPause->IsRunning())
     {
-        _pause.StartOnce(1);
+        _pPause->StartOnce(1);
     }
 }
 
@@ -156,7 +164,7 @@ void arInteractiveAssertionFailureHandler::decideNext()
     catch (const std::bad_alloc&)
     {
     }
-    _pause.StartOnce(pauseBetweenDecisions);
+    _pPause->StartOnce(pauseBetweenDecisions);
 }
 
 bool arInteractiveAssertionFailureHandler::isAnyWaiting()
@@ -209,9 +217,7 @@ void arInteractiveAssertionFailureHandler::decide(const Failure& failure)
 
 bool arInteractiveAssertionFailureHandler::canShowDialogs() const
 {
-    const wxAppConsole* const pApplication = wxAppConsole::GetInstance();
-    return pApplication != nullptr && pApplication->IsGUI() &&
-           (!*_pHasMainLoopRun || wxAppConsole::IsMainLoopRunning());
+    return gtCanShowWindows() && (!*_pHasMainLoopRun || wxAppConsole::IsMainLoopRunning());
 }
 
 int arInteractiveAssertionFailureHandler::askForDecision(const Failure& failure, const osFilePath& filePath)

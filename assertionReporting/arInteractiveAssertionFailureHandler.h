@@ -11,16 +11,16 @@
 // - While a dialog is up, or its decision is being carried out, a failure on any thread is written and
 //   recorded, nothing more.
 // - Where no window can be shown (no application object with windows: before the toolkit starts, after it has ended, in a
-//   test runner; or the main loop has run and is over) a failure is written and recorded, nothing more. The same goes
-//   for a failure that announceEnd was called for.
+//   test runner; no display; or the main loop has run and is over) a failure is written and recorded, nothing more. The
+//   same goes for a failure that announceEnd was called for. A handler that is made without an application object never
+//   asks.
 // - Debug without a debugger would end the program: it is asked about first, and who does not want that is back in the
 //   dialog.
 // - Without memory a failure may be neither written nor recorded nor shown; whoever fails goes on all the same, and so does
 //   the main thread.
 //
 // Threads: onAssertionFailure, isDeciding and announceEnd may be called from any thread. Everything else, construction and
-// destruction too, is for the main thread, which is the one whose id the constructor gets. An application object is there
-// when it is made.
+// destruction too, is for the main thread, which is the one whose id the constructor gets.
 // Memory: to be made by std::make_shared. The owner unregisters the handler before letting go of it; failures that
 // still wait for their dialog are dropped then, and one whose dialog is up keeps the handler until it is decided.
 #ifndef AR_INTERACTIVE_ASSERTION_FAILURE_HANDLER_H
@@ -95,12 +95,12 @@ private:
     std::atomic<bool> _isDeciding;
     std::function<void()> _beforeEnd;
     std::shared_ptr<bool> _pHasMainLoopRun;
-    wxTimer _pause;  // before the next decision of what waits
+    std::unique_ptr<wxTimer> _pPause;  // before the next decision of what waits; null without an application object
 
     std::mutex _mutex;  // guards _waiting
     std::list<Failure> _waiting;
 
-    std::unique_ptr<gtMainThreadCall> _pCall;  // when something waits
+    std::unique_ptr<gtMainThreadCall> _pCall;  // when something waits; null without an application object
 };
 
 #pragma GCC visibility pop

@@ -2,17 +2,21 @@
 #include "assertionReporting/arToolkitBridge.h"
 
 #include <atomic>
+#include <cstdio>
 #include <cstdlib>
 #include <cxxabi.h>
 #include <dlfcn.h>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <typeinfo>
 
 #include <wx/app.h>
 
 #include "assertionReporting/arInteractiveAssertionFailureHandler.h"
+#include "assertionReporting/arWrittenFailures.h"
 #include "platform/baseTools/gtAssert.h"
+#include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 namespace
@@ -71,6 +75,23 @@ void onToolkitsAssertion(const wxString& file, int line, const wxString& functio
                             conditionBytes.asCharArray(), message.empty() ? nullptr : messageBytes.asCharArray());
 }
 
+// In one line, unless the registry or the handler that asks writes one.
+void reportUnhandledException(std::string_view text)
+{
+    const bool isHeard = gtAmountOfRegisteredAssertionFailureHandlers() > 0;
+    const unsigned long before = arAmountOfWrittenFailures();
+    gtReportFailedAssertion("OnExceptionInMainLoop", "", 0, text.data(), nullptr);
+    if (!isHeard || arAmountOfWrittenFailures() != before)
+    {
+        return;
+    }
+    for (const char c : text)
+    {
+        static_cast<void>(std::fputc(static_cast<unsigned char>(c) < ' ' ? ' ' : c, stderr));
+    }
+    static_cast<void>(std::fputc('\n', stderr));
+}
+
 [[noreturn]] void onTerminate()
 {
     // A failure in here would come back here.
@@ -105,12 +126,11 @@ bool arReportUnhandledException()
 {
     try
     {
-        const std::string text = "Unhandled exception of " + currentException();
-        gtReportFailedAssertion("OnExceptionInMainLoop", "", 0, text.c_str(), nullptr);
+        reportUnhandledException("Unhandled exception of " + currentException());
     }
     catch (const std::bad_alloc&)
     {
-        gtReportFailedAssertion("OnExceptionInMainLoop", "", 0, "Unhandled exception", nullptr);
+        reportUnhandledException("Unhandled exception");
     }
     return true;
 }

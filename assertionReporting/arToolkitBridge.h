@@ -3,7 +3,8 @@
 //
 // - failed wxASSERT, wxCHECK, wxFAIL and their kin, instead of the toolkit's own dialog. The program goes on behind them.
 // - exceptions that nothing catches in what the main loop and the loops of dialogs call: "Unhandled exception of type
-//   TYPE: TEXT". The event is given up, the program goes on.
+//   TYPE: TEXT". The event is given up, the program goes on. Standard error has a line of it even where the registered
+//   handlers are silent, since something that was asked for has not been done.
 // - std::terminate, on any thread: "Terminated by an exception of type TYPE: TEXT". It is reported as the end that it is
 //   (see arInteractiveAssertionFailureHandler::announceEnd), then the terminate handler from before is called.
 //

@@ -216,6 +216,54 @@ TEST_F(AssertionThreads, FailWhileTheHandlerComesAndGoes)
     EXPECT_EQ(dialog(), nullptr);
 }
 
+// Only the first and the last of those that wait are shown: the others are ignored by then.
+TEST_F(AssertionThreads, OfManyPlacesWaitUpToALimit)
+{
+    const int most = static_cast<int>(arInteractiveAssertionFailureHandler::mostWaiting);
+    const osFilePath file(gtString("/source/file.cpp"));
+    const auto failAt = [](int first, int last)
+    {
+        std::thread(
+            [=]
+            {
+                for (int line = first; line <= last; ++line)
+                {
+                    gtTriggerAssertonFailureHandler("run", "/source/file.cpp", line, "message");
+                }
+            })
+            .join();
+    };
+    // The titles of as many dialogs as come until that line's is ended.
+    const auto titlesUntil = [](int line)
+    {
+        std::vector<std::string> titles;
+        tsRunUntil("line " + std::to_string(line) + " is decided",
+                   [&]
+                   {
+                       ahAssertDialog* const pDialog = dialog();
+                       if (pDialog != nullptr && tsHasKeyboard(*pDialog))
+                       {
+                           titles.push_back(pDialog->GetTitle().utf8_string());
+                           pDialog->EndModal(AH_IGNORE_BUTTON_ID);
+                       }
+                       return pDialog == nullptr && !titles.empty() &&
+                              titles.back() == "Assert in: file.cpp - Line: " + std::to_string(line);
+                   });
+        return titles;
+    };
+    failAt(1, 3 * most);
+    for (int line = 2; line < most; ++line)
+    {
+        _pHandler->handleUsersDecision(AH_IGNORE_ALL_BUTTON_ID, file, line);
+    }
+    const std::vector<std::string> firstAndLast = titlesUntil(most);
+    EXPECT_EQ(firstAndLast.size(), 2U);
+    EXPECT_EQ(firstAndLast.front(), "Assert in: file.cpp - Line: 1");
+    // There is room again, for what fails from now on, and nothing of what failed before has waited.
+    failAt(9999, 9999);
+    EXPECT_EQ(titlesUntil(9999).size(), 1U);
+}
+
 TEST_F(AssertionThreads, KeepTheHandlerWhoseDialogIsUp)
 {
     std::thread([] { gtTriggerAssertonFailureHandler("run", "/source/file.cpp", 1, "message"); }).join();

@@ -22,6 +22,8 @@
 #include "assertionReporting/arInteractiveAssertionFailureHandler.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "platform/osWrappers/osProcess.h"
+#include "tests/support/tsAssertionRecorder.h"
+#include "tests/support/tsCaughtErrors.h"
 #include "tests/support/tsWindowTest.h"
 
 namespace
@@ -29,25 +31,6 @@ namespace
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-class Recorder : public gtIAssertionFailureHandler
-{
-public:
-    Recorder() { gtRegisterAssertionFailureHandler(this); }
-    Recorder(const Recorder&) = delete;
-    Recorder& operator=(const Recorder&) = delete;
-    ~Recorder() override { gtUnRegisterAssertionFailureHandler(this); }
-
-    void onAssertionFailure(const char* functionName, const char* fileName, int lineNumber,
-                            const char* message) override
-    {
-        messages.push_back(std::string(functionName) + ": " + message);
-        lastPlace = std::string(fileName) + ":" + std::to_string(lineNumber);
-    }
-
-    std::vector<std::string> messages;
-    std::string lastPlace;
-};
 
 int failTheToolkitsCheck()
 {
@@ -86,20 +69,21 @@ void throwInTheLoop(const Exception& exception)
 
 TEST(ToolkitBridge, ReportsTheToolkitsAssertionsAndGoesOn)
 {
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     const arToolkitBridge bridge;
     const int line = __LINE__ + 1;
     wxASSERT(1 + 1 == 3);
-    EXPECT_THAT(recorder.messages, ElementsAre("TestBody: Assertion failure (1 + 1 == 3)"));
-    EXPECT_EQ(recorder.lastPlace, std::string(__FILE__) + ":" + std::to_string(line));
-    recorder.messages.clear();
+    EXPECT_THAT(recorder.lines(), ElementsAre("TestBody " + std::string(__FILE__) + " " + std::to_string(line) +
+                                              " Assertion failure (1 + 1 == 3)"));
+    recorder.reports.clear();
     EXPECT_EQ(failTheToolkitsCheck(), 5);
-    EXPECT_THAT(recorder.messages, ElementsAre("failTheToolkitsCheck: Assertion failure (1 + 1 == 3): said in words"));
-    recorder.messages.clear();
+    EXPECT_THAT(recorder.messages(), ElementsAre("Assertion failure (1 + 1 == 3): said in words"));
+    EXPECT_EQ(recorder.reports.at(0).functionName, "failTheToolkitsCheck");
+    recorder.reports.clear();
     wxASSERT_MSG(1 + 1 == 2, "is not said");
-    EXPECT_THAT(recorder.messages, IsEmpty());
+    EXPECT_THAT(recorder.reports, IsEmpty());
     std::thread([] { wxASSERT(false); }).join();
-    EXPECT_EQ(recorder.messages.size(), 1U);
+    EXPECT_EQ(recorder.reports.size(), 1U);
 }
 
 TEST(ToolkitBridge, LeavesTheToolkitsHandlerWhenItGoes)
@@ -113,37 +97,71 @@ TEST(ToolkitBridge, LeavesTheToolkitsHandlerWhenItGoes)
         EXPECT_NE(std::get_terminate(), terminateBefore);
     }
     EXPECT_EQ(std::get_terminate(), terminateBefore);
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     wxASSERT(false);
     EXPECT_EQ(amount, 1);
-    EXPECT_THAT(recorder.messages, IsEmpty());
+    EXPECT_THAT(recorder.reports, IsEmpty());
     wxSetAssertHandler(before);
 }
 
 TEST(ToolkitBridge, ReportsExceptionsOfTheMainLoopAndGoesOn)
 {
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     const arToolkitBridge bridge;
     throwInTheLoop(std::runtime_error("what it says"));
     throwInTheLoop(std::string("a string"));
     throwInTheLoop(42);
-    const std::string start = "OnExceptionInMainLoop: Unhandled exception of type ";
+    const std::string start = "OnExceptionInMainLoop  0 Unhandled exception of type ";
     // Each by a handler and by a call.
     std::vector<std::string> expected;
     for (const char* pText : {"std::runtime_error: what it says", "std::string: a string", "int"})
     {
         expected.insert(expected.end(), 2, start + pText);
     }
-    EXPECT_EQ(recorder.messages, expected);
+    EXPECT_EQ(recorder.lines(), expected);
+}
+
+// With the silent handler alone nobody would see that the event was given up.
+TEST(ToolkitBridge, WritesTheLineOfAnExceptionThatNoHandlerWrites)
+{
+    const tsCaughtErrors errors;
+    const auto report = []
+    {
+        try
+        {
+            throw std::runtime_error("two\nlines");
+        }
+        catch (...)
+        {
+            EXPECT_TRUE(arReportUnhandledException());
+        }
+        return tsCaughtErrors::take();
+    };
+    const std::string text = "Unhandled exception of type std::runtime_error: two";
+    {
+        const tsAssertionRecorder silent;
+        EXPECT_EQ(report(), text + " lines\n");
+    }
+    // The registry does when there is no handler.
+    EXPECT_EQ(report(), ":0: OnExceptionInMainLoop: " + text + " lines\n");
+    // And the handler that asks does.
+    const auto pHandler = std::make_shared<arInteractiveAssertionFailureHandler>(osGetCurrentThreadId(),
+                                                                                 std::make_shared<arAssertionReport>());
+    gtRegisterAssertionFailureHandler(pHandler.get());
+    arInteractiveAssertionFailureHandler::announceEnd();
+    const std::string written = report();
+    gtUnRegisterAssertionFailureHandler(pHandler.get());
+    EXPECT_THAT(written, testing::HasSubstr(" - Assertion failure: " + text + "\nlines OnExceptionInMainLoop"));
+    EXPECT_EQ(written.find(text), written.rfind(text));
 }
 
 TEST(ToolkitBridge, LetsExceptionsOfTheMainLoopOutWithoutABridge)
 {
-    Recorder recorder;
+    tsAssertionRecorder recorder;
     wxGUIEventLoop loop;
     wxTheApp->CallAfter([] { throw std::runtime_error("nobody is there"); });
     EXPECT_THROW(loop.Run(), std::runtime_error);
-    EXPECT_THAT(recorder.messages, IsEmpty());
+    EXPECT_THAT(recorder.reports, IsEmpty());
 }
 
 namespace
