@@ -82,6 +82,24 @@ expectDigests() {
     [ -x "$build/digest" ] || complain "the program is not in $build"
 }
 
+# expectKit: the program with the assertion kit runs, built by CMake and by pkg-config.
+expectKit() {
+    local expected
+    expected="OnExceptionInMainLoop: Unhandled exception of type std::runtime_error: from a handler
+OnExit: Assertion failure (1 + 1 == 3): a check
+OnExit: Assertion failure (1 + 1 == 3): the toolkit's check"
+    expect "the program's output" "$expected" \
+        "$("$source/scripts/with-display.sh" "$moved/bin/windowWithAssertions" 2>"$here/errors")"
+    [ "$(grep -c ' - Assertion failure: ' "$here/errors")" = 3 ] || complain "$(cat "$here/errors")"
+    PKG_CONFIG_PATH=$(dirname "$(find "$installed" -name countersign-assertionReporting.pc)")
+    export PKG_CONFIG_PATH
+    # shellcheck disable=SC2046
+    c++ -std=c++17 "$consumers/assertionKit/main.cpp" -o "$here/byPkgConfig" \
+        $(pkg-config --cflags --libs countersign-assertionReporting)
+    expect "the program's output" "$expected" \
+        "$("$source/scripts/with-display.sh" "$here/byPkgConfig" 2>"$here/errors")"
+}
+
 # expectOnlyPublicSymbols LIBRARY PATTERN: all symbols of ours match.
 expectOnlyPublicSymbols() {
     local symbols
@@ -102,19 +120,7 @@ case $case in
         ;;
     assertionKit)
         make assertionKit
-        expected="OnExceptionInMainLoop: Unhandled exception of type std::runtime_error: from a handler
-OnExit: Assertion failure (1 + 1 == 3): a check
-OnExit: Assertion failure (1 + 1 == 3): the toolkit's check"
-        expect "the program's output" "$expected" \
-            "$("$source/scripts/with-display.sh" "$moved/bin/windowWithAssertions" 2>"$here/errors")"
-        [ "$(grep -c ' - Assertion failure: ' "$here/errors")" = 3 ] || complain "$(cat "$here/errors")"
-        PKG_CONFIG_PATH=$(dirname "$(find "$installed" -name countersign-assertionReporting.pc)")
-        export PKG_CONFIG_PATH
-        # shellcheck disable=SC2046
-        c++ -std=c++17 "$consumers/assertionKit/main.cpp" -o "$here/byPkgConfig" \
-            $(pkg-config --cflags --libs countersign-assertionReporting)
-        expect "the program's output" "$expected" \
-            "$("$source/scripts/with-display.sh" "$here/byPkgConfig" 2>"$here/errors")"
+        expectKit
         ;;
     examples)
         cmake -S "$source/examples" -B "$here/examples" -G Ninja -DCMAKE_PREFIX_PATH="$installed" >"$here/log" 2>&1 ||
@@ -229,6 +235,29 @@ END
     notInstalled)
         make subproject -DCOUNTERSIGN_SOURCE="$source" -DCOUNTERSIGN_INSTALL=OFF
         expect "what is installed" $'digest\nsigner' "$(find "$moved" -type f -printf '%f\n' | sort)"
+        ;;
+    sharedKit)
+        cmake -S "$source" -B "$here/kit" -G "$generator" -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=ON \
+            -DCOUNTERSIGN_COMPONENTS=assertionReporting -DCMAKE_INSTALL_PREFIX="$here/first" >"$here/log" 2>&1 ||
+            complain "$(cat "$here/log")"
+        cmake --build "$here/kit" -j 2 >"$here/log" 2>&1 || complain "$(cat "$here/log")"
+        cmake --install "$here/kit" >"$here/log" 2>&1 || complain "$(cat "$here/log")"
+        installed=$here/kitInstalled
+        mv "$here/first" "$installed"
+        mv "$here/kit" "$here/kit.old"
+        libraries=$(dirname "$(find "$installed" -name 'libKXBaseTools.so')")
+        for library in assertionHandling assertionReporting; do
+            file=$libraries/libcountersign-$library.so
+            ldd "$file" | grep -F 'not found' && complain "$file finds not all that it needs"
+        done
+        # What the toolkit's headers define is in every library that includes them.
+        expectOnlyPublicSymbols "$libraries/libcountersign-assertionReporting.so" \
+            'ar[A-Z]|wx[A-Z]|(__bss_start|_edata|_end)$'
+        make assertionKit
+        expectKit
+        used=$(ldd "$moved/bin/windowWithAssertions")
+        grep -qE 'libcountersign-assertionReporting\.so\.[0-9]+ => /' <<<"$used" ||
+            complain "the program does not use the shared library: $used"
         ;;
     shared)
         make subproject -DCOUNTERSIGN_SOURCE="$source" -DBUILD_SHARED_LIBS=ON
