@@ -3,8 +3,8 @@
 //
 // What has changed is for the caller to see: file systems tell too much, too little or in another order, and looking at
 // the files again is cheap. Changes that follow each other closely are told once, and the longer the caller takes to look,
-// the longer the pause before the next time. Folders that cannot be watched (no
-// such folder, no more watches, another machine's) are passed over and tried again by the next watch(). Main thread.
+// the longer the pause before the next time. Folders that cannot be watched (no such folder, no more watches, another
+// machine's) are passed over and tried again by the next watch(). Main thread.
 #ifndef COUNTERSIGN_HO_FOLDER_WATCHER_H
 #define COUNTERSIGN_HO_FOLDER_WATCHER_H
 
@@ -24,7 +24,7 @@ public:
     hoFolderWatcher(const hoFolderWatcher&) = delete;
     hoFolderWatcher& operator=(const hoFolderWatcher&) = delete;
 
-    // Watches these folders (absolute paths) and no others. An event loop must be running.
+    // Watches these folders (absolute paths) and no others. Does nothing without a running event loop.
     void watch(const std::set<gtString>& folders);
 
 private:

@@ -42,7 +42,7 @@ public:
     bool canBegin(hoSigningJob::Kind kind) const;
 
     // Asks whether signatures that are there are to be replaced, and begins. Nothing happens if canBegin is false, or
-    // if the user cancels.
+    // if the user cancels. Where the system gives no thread a message says so: after _onBegin, and no _onEnd comes.
     void begin(hoSigningJob::Kind kind, const std::vector<hoDocument>& documents);
 
     // Gives up the job, without a callback. When this returns nothing is written any more.
