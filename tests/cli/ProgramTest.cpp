@@ -402,6 +402,8 @@ TEST_F(Program, AsksForPassphrasesOnTheTerminal)
         EXPECT_EQ(outcome._exitStatus, status) << typed << outcome._printed;
         EXPECT_TRUE(isTyped);
         EXPECT_THAT(outcome._printed, ::testing::Not(HasSubstr("sesame"))) << "it must not be shown";
+        EXPECT_THAT(outcome._printed, HasSubstr("locked.pem: \r\n"));
+        EXPECT_THAT(outcome._printed, ::testing::Not(HasSubstr("\r\n\r\n")));
         EXPECT_EQ(outcome._output, (status == 0) ? "report: signed, report.sig\n" : "");
     }
     EXPECT_EQ(outputOf({"test", "-k", "public.pem", "report"}), "report: good\n");
@@ -465,6 +467,7 @@ TEST_F(Program, EndsCleanlyAtThePassphraseQuestion)
     const tsOutcome outcome = tsRun(sign);
     EXPECT_EQ(outcome._signal, SIGINT);
     EXPECT_EQ(outcome._output, "");
+    EXPECT_THAT(outcome._printed, ::testing::Not(HasSubstr("wrong passphrase"))) << "none was given";
 }
 
 // A file of 64 GiB without contents: it takes long enough to see the progress on every machine, and is interrupted then.
