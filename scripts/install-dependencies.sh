@@ -21,7 +21,7 @@ run=(
 )
 test=(
     libgtest-dev libgmock-dev libgmp-dev
-    gdb openssl python3
+    gdb git openssl python3
     # A session bus to meet on.
     dbus libglib2.0-bin
 )
@@ -35,7 +35,6 @@ testOptional=(
     # What changes the sources for scripts/mutate.sh.
     python3-clang
 )
-develop=(git)
 developOptional=(
     clang-format clang-tidy gcovr shellcheck mandoc doxygen
     libx11-dev libbenchmark-dev libtommath-dev valgrind librsvg2-bin
@@ -62,11 +61,11 @@ case "${1:-test}" in
         optional=("${testOptional[@]}")
         ;;
     develop)
-        needed=("${run[@]}" "${test[@]}" "${develop[@]}")
+        needed=("${run[@]}" "${test[@]}")
         optional=("${testOptional[@]}" "${developOptional[@]}")
         ;;
     release)
-        needed=("${run[@]}" "${test[@]}" "${develop[@]}")
+        needed=("${run[@]}" "${test[@]}")
         optional=("${testOptional[@]}" "${developOptional[@]}" "${releaseOptional[@]}")
         ;;
     *) fail "unknown set of packages '$1': run, test, develop or release" ;;

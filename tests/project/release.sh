@@ -97,6 +97,7 @@ case $case in
         cd "$source" || exit 1
         [ -f LICENSE ] || complain "LICENSE is not there"
         [ -e .git ] || { echo "skipped: which files are ours is known in a repository only" && exit 77; }
+        git ls-files --error-unmatch LICENSE >/dev/null || complain "git does not list the files"
         # In the first lines, and nothing else than this licence. Metadata are free for all, as software centres ask.
         wrong=$(git ls-files -z '*.cpp' '*.h' '*.c' '*.sh' '*.py' '*.cmake' '*.cmake.in' '*CMakeLists.txt' '*.xml' \
             'desktop/actions/*' ':!tests/project/mutation' | xargs -0 awk '
