@@ -132,7 +132,7 @@ class Room:
             result = random.Random(options.seed).sample(found, options.sample)
         if options.again or options.go_on:
             wanted = ({"survived", "equivalent"} if options.again else set()) | ({None} if options.go_on else set())
-            result = [m for m in result if kept.of.get(m.key, (None,))[0] in wanted]
+            result = [m for m in result if kept.of.get(m.key) in wanted]
         return sorted(result, key=lambda m: (m.file, m.begin, m.text))
 
     def run(self):
@@ -145,14 +145,14 @@ class Room:
                 print(f"{mutant.file}:{mutant.line} {mutant.function}\n  {mutant.change}")
                 continue
             state, by = self.judge(mutant)
-            kept.set(mutant.key, state, by)
+            kept.set(mutant, state, by)
             self.note(mutant, state, by)
             if number % 20 == 0:
                 say(f"{self.name}: {number} of {len(chosen)} tried")
         files, keys = {m.key[0] for m in found}, {m.key for m in found}
-        for key in self.listed:
+        for key, entry in self.listed.items():
             if key[0] in files and key not in keys:
-                print(f"NO MUTANT ANY MORE, though listed:\n@ {key[0]} {key[1]}\n  {key[2]}")
+                print(f"NO MUTANT ANY MORE, though listed:\n{entry}")
         return self.name, len(found), kept.counts(keys)
 
 

@@ -4,7 +4,7 @@ import re
 import sys
 from pathlib import Path
 
-from .mutant import collapsed
+from .mutant import canonical, collapsed
 
 
 class ListError(Exception):
@@ -12,8 +12,8 @@ class ListError(Exception):
 
 
 def read(path):
-    """{key of a mutant: reason}"""
-    reasons = {}
+    """{key of a mutant: how the list shows it}"""
+    shown = {}
     reason = place = None
     for number, line in enumerate(path.read_text().splitlines() if path.exists() else [], 1):
         text = collapsed(line)
@@ -27,24 +27,24 @@ def read(path):
         elif line.startswith("  ") and place and (found := re.match(r"(.*?)«(.*)»(.*)$", text)):
             old, *others = found[2].split("→")
             for other in others:
-                reasons[(*place, f"{found[1]}«{old}→{other}»{found[3]}")] = reason
+                change = f"{found[1]}«{old}→{other}»{found[3]}"
+                shown[(*place, canonical(change))] = f"@ {' '.join(place)}".rstrip() + f"\n  {change}"
         else:
             raise ListError(f"{path}:{number}: expected '= reason', '@ file function' or an indented change: {line}")
-    return reasons
+    return shown
 
 
-def without_line(tree, reasons):
+def without_line(tree, shown):
     """The entries whose line stands in no source of that name any more."""
     texts = {}
     for path in (p for top in tree.iterdir() if top.name not in ("build", ".git") for p in top.rglob("*.*")):
         if path.suffix in (".cpp", ".h"):
-            texts.setdefault(path.name, []).append(collapsed(path.read_text()))
-    for file, function, change in reasons:
+            texts.setdefault(path.name, []).append(canonical(path.read_text()))
+    for (file, _, change), entry in shown.items():
         # As it stands there: without the number of those that look alike, and without what it is changed to.
-        line = re.sub(r" #\d+$", "", change)
-        line = collapsed(re.sub(r"«(.*)→.*»", r"\1", line))
+        line = canonical(re.sub(r"«(.*)→.*»", r"\1", re.sub(r"#\d+$", "", change)))
         if not any(line in text for text in texts.get(file, [])):
-            yield f"@ {file} {function}".rstrip() + f"\n  {change}"
+            yield entry
 
 
 if __name__ == "__main__":

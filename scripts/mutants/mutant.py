@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """What a mutant is: a source with one piece of its text replaced."""
 import dataclasses
+import re
 
 
 @dataclasses.dataclass(frozen=True)
@@ -17,12 +18,17 @@ class Mutant:
     def key(self):
         """Names a mutant by what stands there. Neither the line number nor the folder counts, so that it keeps its
         name when lines or files move."""
-        return self.file.rpartition("/")[2], self.function, self.change
+        return self.file.rpartition("/")[2], self.function, canonical(self.change)
 
     def applied_to(self, source):
         # The lines below stay where they are, for what knows its line.
         lines = b"\n" * (source.count(b"\n", self.begin, self.end) - self.text.count("\n"))
         return source[: self.begin] + self.text.encode() + lines + source[self.end :]
+
+
+def canonical(text):
+    """The same for texts that differ in their style alone: blanks, parentheses, i++ and ++i."""
+    return re.sub(r"(\+\+|--)(\w+)", r"\2\1", re.sub(r"[\s()]", "", text))
 
 
 def collapsed(text):

@@ -2,6 +2,8 @@
 """What became of each mutant, kept in a file for later runs, and shown in a table."""
 import collections
 
+from .mutant import canonical
+
 # uncompiled: the compiler or the linker refuses it. same: the object code is the unchanged one. caught: a test fails,
 # crashes or hangs. equivalent: no test notices it, and the list says why. survived: no test notices it.
 STATES = ["uncompiled", "same", "caught", "equivalent", "survived"]
@@ -11,18 +13,18 @@ class Results:
     def __init__(self, path, keeps):
         self.path, self.of = path, {}
         lines = path.read_text().splitlines() if keeps and path.exists() else []
-        for state, by, *key in (line.split("\t") for line in lines):
-            self.of[tuple(key)] = (state, by)
+        for state, by, file, function, change in (line.split("\t") for line in lines):
+            self.of[(file, function, canonical(change))] = state
         if not keeps:
             path.write_text("")
 
-    def set(self, key, state, by):
-        self.of[key] = (state, by)
+    def set(self, mutant, state, by):
+        self.of[mutant.key] = state
         with open(self.path, "a") as sink:
-            sink.write("\t".join([state, by, *key]) + "\n")
+            sink.write("\t".join([state, by, mutant.key[0], mutant.function, mutant.change]) + "\n")
 
     def counts(self, keys):
-        return collections.Counter(self.of[key][0] for key in keys if key in self.of)
+        return collections.Counter(self.of[key] for key in keys if key in self.of)
 
 
 def table(rows):
