@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -82,12 +83,30 @@ TEST(Characters, AreHarmlessControlsOrInvisible)
     {
         EXPECT_EQ(gtKindOfCharacter(codePoint, 0), gtCharacterKind::Harmless) << codePoint;
     }
-    for (const std::uint32_t codePoint :
-         {0xADU, 0x61CU, 0x200BU, 0x200FU, 0x202EU, 0x2066U, 0xFEFFU, 0x1BCA0U, 0x1BCA3U, 0xE0001U, 0xE01EFU})
+    // From the first to the last of each run, and its neighbours, which have a shape or are a blank.
+    const std::pair<std::uint32_t, std::uint32_t> invisible[] = {
+        {0xAD, 0xAD},       {0x34F, 0x34F},     {0x61C, 0x61C},   {0x115F, 0x1160},   {0x17B4, 0x17B5},
+        {0x180B, 0x180F},   {0x200B, 0x200F},   {0x202A, 0x202E}, {0x2060, 0x206F},   {0x3164, 0x3164},
+        {0xFEFF, 0xFEFF},   {0xFFA0, 0xFFA0},   {0xFFF0, 0xFFFB}, {0x1BCA0, 0x1BCA3}, {0x1D173, 0x1D17A},
+        {0xE0000, 0xE007F}, {0xE0100, 0xE01EF},
+    };
+    for (const auto& [first, last] : invisible)
     {
-        EXPECT_EQ(gtKindOfCharacter(codePoint, 0), gtCharacterKind::Invisible) << codePoint;
+        EXPECT_EQ(gtKindOfCharacter(first, 0), gtCharacterKind::Invisible) << first;
+        EXPECT_EQ(gtKindOfCharacter(last, 0), gtCharacterKind::Invisible) << last;
+        EXPECT_NE(gtKindOfCharacter(first - 1, 0), gtCharacterKind::Invisible) << first;
+        EXPECT_NE(gtKindOfCharacter(last + 1, 0), gtCharacterKind::Invisible) << last;
     }
+    EXPECT_EQ(gtKindOfCharacter(0x2027, 0), gtCharacterKind::Harmless);
     EXPECT_EQ(gtKindOfCharacter(0x2028, 0), gtCharacterKind::LineSeparator);
+    EXPECT_EQ(gtKindOfCharacter(0x2029, 0), gtCharacterKind::LineSeparator);
+    for (const std::uint32_t selector : {0xFE00U, 0xFE0FU})
+    {
+        EXPECT_EQ(gtKindOfCharacter(selector, 0x203B), gtCharacterKind::Invisible);
+        EXPECT_EQ(gtKindOfCharacter(selector, 0x203C), gtCharacterKind::Harmless);
+    }
+    EXPECT_EQ(gtKindOfCharacter(0xFDFF, 0), gtCharacterKind::Harmless);
+    EXPECT_EQ(gtKindOfCharacter(0xFE10, 0), gtCharacterKind::Harmless);
     EXPECT_EQ(gtKindOfCharacter(0xFE0F, 'a'), gtCharacterKind::Invisible);
     EXPECT_EQ(gtKindOfCharacter(0xFE0F, 0x2764), gtCharacterKind::Harmless);
 }
