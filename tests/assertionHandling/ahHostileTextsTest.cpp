@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <wx/arrstr.h>
 #include <wx/frame.h>
 #include <wx/textctrl.h>
 
@@ -223,36 +224,74 @@ std::vector<int> borders(const wxTextCtrl& control)
     return offsets;
 }
 
+// Texts that the toolkit lays out at once: a line, or what stands between two changes of its attributes.
+wxArrayString piecesOf(const wxTextCtrl& control)
+{
+    wxArrayString pieces;
+    int begin = 0;
+    for (const wxString& line : wxSplit(control.GetValue(), '\n', '\0'))
+    {
+        const int end = begin + static_cast<int>(line.length());
+        int last = begin;
+        for (const int border : borders(control))
+        {
+            if (border > begin && border < end)
+            {
+                pieces.push_back(
+                    line.Mid(static_cast<std::size_t>(last - begin), static_cast<std::size_t>(border - last)));
+                last = border;
+            }
+        }
+        pieces.push_back(line.Mid(static_cast<std::size_t>(last - begin)));
+        begin = end + 1;
+    }
+    return pieces;
+}
+
 TEST(HostileTexts, AreLaidOutInPieces)
 {
-    using Offsets = std::vector<int>;
+    // A line of this length takes the toolkit no time that anybody notices.
+    const std::size_t longest = 10000;
+    const std::size_t mostMarks = 100;
     wxFrame frame(nullptr, wxID_ANY, "texts");
     auto* const pText = new wxTextCtrl(&frame, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxTE_MULTILINE);
-    const auto bordersOf = [pText](const wxString& text)
+    const auto expectPieces = [pText](bool isCut)
+    {
+        const wxArrayString pieces = piecesOf(*pText);
+        EXPECT_EQ(pieces.size() > wxSplit(pText->GetValue(), '\n', '\0').size(), isCut);
+        for (const wxString& piece : pieces)
+        {
+            EXPECT_LE(piece.length(), longest + mostMarks);
+        }
+    };
+    const auto expectPiecesOf = [&](const wxString& text, bool isCut)
     {
         writeEasily(*pText, text);
         EXPECT_TRUE(pText->GetValue() == text);
-        return borders(*pText);
+        expectPieces(isCut);
     };
-    EXPECT_EQ(bordersOf(repeated("w ", 10000)), Offsets());
-    EXPECT_EQ(bordersOf(repeated("w ", 10001)), Offsets({10000, 10001}));
-    EXPECT_EQ(bordersOf(repeated("w ", 20000)), Offsets({10000, 20000}));
-    EXPECT_EQ(bordersOf(repeated("w ", 20001)), Offsets({10000, 20000}));
-    EXPECT_EQ(bordersOf(repeated("w ", 45000)), Offsets({10000, 20000, 30000, 40000}));
-    // Each line by itself; without a blank it is marked from its beginning to its end.
-    EXPECT_EQ(bordersOf("ab\n" + repeated("w ", 15000) + "\n\n" + repeated("v ", 12000) + "\n"),
-              Offsets({10003, 15003, 25005, 27005}));
-    EXPECT_EQ(bordersOf(repeated("w", 15000) + "\nab"), Offsets({0, 10000, 15000}));
-    EXPECT_EQ(bordersOf("ab\n" + repeated("w", 2000)), Offsets({3, 2003}));
+    expectPiecesOf("ab", false);
+    expectPiecesOf(repeated("w ", 10000), false);
+    for (const std::size_t length : {10001U, 20000U, 20001U, 45000U})
+    {
+        expectPiecesOf(repeated("w ", length), true);
+    }
+    // Each line by itself.
+    expectPiecesOf(repeated("w ", 6000) + "\n" + repeated("w ", 6000), false);
+    expectPiecesOf("ab\n" + repeated("w ", 15000) + "\n\n" + repeated("v ", 12000) + "\n", true);
+    expectPiecesOf(repeated("w", 15000) + "\nab", true);
+
     // Marks stay with their letter, up to a hundred of them.
     const wxString acute = character(0x301);
-    EXPECT_EQ(bordersOf(repeated("w ", 10000) + repeated(acute, 5) + repeated("w ", 20000)), Offsets({10005, 20005}));
-    EXPECT_EQ(bordersOf(repeated("w ", 10000) + repeated(acute, 100) + repeated("w ", 100)), Offsets({10100, 10200}));
-    EXPECT_EQ(bordersOf(repeated("w ", 10000) + repeated(acute, 101) + repeated("w ", 100)), Offsets({10100, 10201}));
-    EXPECT_EQ(bordersOf("ab"), Offsets());
+    for (const std::size_t marks : {5U, 100U, 101U})
+    {
+        expectPiecesOf(repeated("w ", 10000) + repeated(acute, marks) + repeated("w ", 20000), true);
+        const bool isParted = piecesOf(*pText)[1].StartsWith(acute);
+        EXPECT_EQ(isParted, marks > 100) << marks;
+    }
 
     // What is left of a text is looked at anew.
-    const auto bordersWithout = [pText](int begin, int end)
+    const auto remove = [pText](int begin, int end)
     {
         GtkTextBuffer* const pBuffer = gtk_text_view_get_buffer(viewOf(*pText));
         GtkTextIter first;
@@ -261,12 +300,12 @@ TEST(HostileTexts, AreLaidOutInPieces)
         gtk_text_buffer_get_iter_at_offset(pBuffer, &last, end);
         gtk_text_buffer_delete(pBuffer, &first, &last);
         gtAllowBreaksInLongWords(pText);
-        return borders(*pText);
     };
-    EXPECT_EQ(bordersOf(repeated("w ", 35000)), Offsets({10000, 20000, 30000, 35000}));
-    EXPECT_EQ(bordersWithout(0, 15000), Offsets({10000, 20000}));
-    EXPECT_EQ(bordersOf(repeated("w", 15000)), Offsets({0, 10000, 15000}));
-    EXPECT_EQ(bordersWithout(500, 14500), Offsets());
+    expectPiecesOf(repeated("w ", 35000), true);
+    remove(5000, 15000);
+    expectPieces(true);
+    remove(0, 20000);
+    expectPieces(false);
 }
 
 TEST(HostileTexts, HaveAThousandUrlsInALineAtMost)

@@ -7,9 +7,6 @@
 #include "RandomNumbers.h"
 
 #include <algorithm>
-#include <fstream>
-#include <set>
-#include <sstream>
 
 namespace
 {
@@ -540,53 +537,6 @@ TEST_P(EachSquare, AgreesWithGmpAtLengthsAroundBlocks)
         check(std::vector<mpDigit>(n, allOnes), n);
     }
 }
-
-#if defined(__x86_64__) && defined(__linux__)
-
-// As the system tells it.
-std::set<std::string> abilitiesOfTheProcessor()
-{
-    std::ifstream facts("/proc/cpuinfo");
-    std::string line;
-    while (std::getline(facts, line) && line.rfind("flags", 0) != 0)
-    {
-    }
-    std::istringstream words(line);
-    return {std::istream_iterator<std::string>(words), {}};
-}
-
-bool processorHas(std::initializer_list<const char*> abilities)
-{
-    static const std::set<std::string> all = abilitiesOfTheProcessor();
-    return std::all_of(abilities.begin(), abilities.end(), [](const char* one) { return all.count(one) != 0; });
-}
-
-TEST(Forms, AreTheFastestThatTheProcessorKnows)
-{
-    const bool hasBmi2 = processorHas({"bmi2"});
-    EXPECT_EQ(has52BitLimbs(), processorHas({"avx512f", "avx512ifma", "bmi2"}));
-    EXPECT_EQ(squareForm(shortestForLimbs - 1), hasBmi2 ? squareWithBmi2 : squareByWords);
-    EXPECT_EQ(squareForm(shortestForLimbs), has52BitLimbs() ? squareByBlocks : squareForm(shortestForLimbs - 1));
-#if MP_HAS_COLUMNS
-    const bool has512 = processorHas({"avx512f", "avx512bw", "avx512dq", "avx512vl", "bmi2"});
-    const bool has256 = processorHas({"avx2", "bmi2"});
-    EXPECT_EQ(has512Bits(), has512);
-    EXPECT_EQ(has256Bits(), has256);
-    const bool hasVnniToo = has512 && processorHas({"avx512_vnni"});
-    EXPECT_EQ(hasVnni(), hasVnniToo);
-#if MP_HAS_WIDE_PAIRS
-    EXPECT_EQ(shortLimbForms(), hasVnniToo ? &shortLimbFormsVnni
-                                : has512   ? &shortLimbForms512Bits
-                                : has256   ? &shortLimbForms256Bits
-                                           : &shortLimbForms128Bits);
-#else
-    EXPECT_EQ(shortLimbForms(), &shortLimbForms128Bits);
-#endif
-    EXPECT_EQ(&columnForms(), has512 ? &columnForms512Bits : has256 ? &columnForms256Bits : &columnForms128Bits);
-#endif
-}
-
-#endif
 
 INSTANTIATE_TEST_SUITE_P(Squares, EachSquare, testing::ValuesIn(squareForms),
                          [](const auto& instance) { return std::string(instance.param.name); });
