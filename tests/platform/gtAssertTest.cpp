@@ -105,7 +105,7 @@ TEST(Assert, ConditionStandsAsItIsWritten)
 #define NOT_A_NULL nullptr
     GT_ASSERT(pText != NOT_A_NULL);
 #undef NOT_A_NULL
-    GT_ASSERT(error == 0 && pText != nullptr);
+    GT_ASSERT((error == 0) && (pText != nullptr));
     GT_ASSERT(std::is_same<int, long>::value);
     GT_ASSERT_EX(error % 5 != 0, "100%d %s");
     GT_ASSERT(std::string("\"%s\"\n").empty());
