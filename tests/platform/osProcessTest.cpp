@@ -250,7 +250,7 @@ protected:
     // Waits for the editor's report, to its end; not forever, should the editor not come.
     std::string reportOf(const std::string& name) const
     {
-        constexpr int patience = 60000;
+        constexpr int patience = 300000;
         const int pipe = ::open((nameOf(name) + ".report").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
         pollfd waiting = {pipe, POLLIN, 0};
         std::string report;

@@ -33,10 +33,10 @@ struct Requests
     }
 };
 
-// False when the condition does not hold within half a minute.
+// False when the condition does not hold within five minutes, which is far more than it takes.
 bool waitUntil(const std::function<bool()>& condition)
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(5);
     while (!condition())
     {
         if (std::chrono::steady_clock::now() > end)

@@ -85,8 +85,8 @@ TEST_F(AssertionsWithoutMemory, LeaveTheWindowAndTheNextOnesAsTheyAre)
     for (bool isMissing = true; isMissing && !HasFailure(); ++number)
     {
         SCOPED_TRACE("allocation " + std::to_string(number));
-        // A lock that somebody keeps would hold this up for good.
-        alarm(90);
+        // A lock that somebody keeps would hold this up for good. At rest a turn takes a tenth of a second.
+        alarm(300);
         tsRunUntil("the report waits for news", [&] { return !window.isBehind(); });
         const int broken = 2 * number + 1;
         const int whole = broken + 1;

@@ -5,7 +5,6 @@
 
 #include "assertionHandling/ahAssertDialog.h"
 #include "assertionReporting/arAssertionReportWindow.h"
-#include "assertionReporting/arInteractiveAssertionFailureHandler.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "tests/support/tsCaughtErrors.h"
 
@@ -13,13 +12,10 @@
 #include <wx/timer.h>
 
 #include <atomic>
-#include <set>
 #include <thread>
 
 namespace
 {
-using testing::HasSubstr;
-
 void fail(int line)
 {
     gtTriggerAssertonFailureHandler("aFunction", "/source/aFile.cpp", line, "Assertion failure (x != 0)");
@@ -151,31 +147,6 @@ TEST_F(HostileAssertions, OfOnePlaceWaitOnce)
         settle();
     }
     EXPECT_EQ(amountOfAssertionDialogs(), 0U);
-}
-
-TEST_F(HostileAssertions, OfManyPlacesWaitUpToALimit)
-{
-    startWithDialogs();
-    const int most = static_cast<int>(arInteractiveAssertionFailureHandler::mostWaiting);
-    std::thread(
-        [=]
-        {
-            for (int line = 1; line <= 3 * most; ++line)
-            {
-                fail(line);
-            }
-        })
-        .join();
-    const std::vector<std::string> titles = endDialogsUntil(
-        "all that waited were decided", AH_IGNORE_BUTTON_ID,
-        [&](std::size_t amount) { return amount == arInteractiveAssertionFailureHandler::mostWaiting; });
-    EXPECT_EQ(std::set<std::string>(titles.begin(), titles.end()).size(), titles.size());
-    EXPECT_THAT(titles.back(), HasSubstr("Line: " + std::to_string(most)));
-    // There is room again, for what fails from now on.
-    std::thread([] { fail(9999); }).join();
-    EXPECT_THAT(
-        endDialogsUntil("the next was decided", AH_IGNORE_BUTTON_ID, [](std::size_t amount) { return amount > 0; }),
-        testing::ElementsAre(HasSubstr("Line: 9999")));
 }
 
 TEST_F(HostileAssertions, OfTheMainThreadComeOneAtATime)
