@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 // The Developer menu: the interactive handler beside the silent one.
 #include "tests/host/MainFrameFixture.h"
+#include "tests/host/NewKey.h"
 
 #include "assertionHandling/ahAssertDialog.h"
 #include "assertionReporting/arAssertionReport.h"
 #include "assertionReporting/arInteractiveAssertionFailureHandler.h"
+#include "host/window/hoProgressDialog.h"
 #include "platform/baseTools/gtAssertionFailureHandlerRegistry.h"
 #include "tests/support/tsCaughtErrors.h"
 
 #include <gmock/gmock.h>
 #include <wx/menu.h>
+#include <wx/timer.h>
 
+#include <stdexcept>
 #include <thread>
 
 namespace
@@ -62,6 +66,40 @@ protected:
         work();
         EXPECT_TRUE(script.isFinished());
         return amount;
+    }
+
+    // How many dialogs come while something happens; each is ended at once.
+    template <class Work>
+    int dialogsThatComeDuring(Work work)
+    {
+        int amount = 0;
+        wxTimer timer;
+        timer.Bind(wxEVT_TIMER,
+                   [&](wxTimerEvent&)
+                   {
+                       // Once it runs, and not while it is being shown.
+                       auto* pDialog = dynamic_cast<ahAssertDialog*>(tsTopModalDialog());
+                       if (pDialog != nullptr && tsHasKeyboard(*pDialog))
+                       {
+                           ++amount;
+                           pDialog->EndModal(AH_IGNORE_BUTTON_ID);
+                       }
+                   });
+        timer.Start(1);
+        work();
+        return amount;
+    }
+    static const hoProgressDialog* progress()
+    {
+        for (const wxWindow* pWindow : wxTopLevelWindows)
+        {
+            const auto* pProgress = dynamic_cast<const hoProgressDialog*>(pWindow);
+            if (pProgress != nullptr && pProgress->IsShown())
+            {
+                return pProgress;
+            }
+        }
+        return nullptr;
     }
 
     const tsCaughtErrors _errors;
@@ -133,13 +171,56 @@ TEST_F(AssertionDialogs, StayAwayFromAnIgnoredLocation)
 TEST_F(AssertionDialogs, StayAwayFromAnIgnoredLocationHoweverOftenTheyAreSwitched)
 {
     start();
-    _pFrame->setAssertionDialogs(true);
+    switchByMenu(true);
     dialogsDuring("Return", [] { fail(7); });
-    _pFrame->setAssertionDialogs(false);
+    switchByMenu(false);
+    switchByMenu(true);
+    EXPECT_EQ(dialogsThatComeDuring([] { fail(7); }), 0);
+    EXPECT_EQ(dialogsThatComeDuring([] { fail(8); }), 1);
+    EXPECT_EQ(occurrences(_errors.take(), " line "), 3U);
+}
+
+// It would take the keyboard, and Return would decide about an assertion that nobody has read.
+TEST_F(AssertionDialogs, HoldTheProgressOfSigningBack)
+{
+    start();
     _pFrame->setAssertionDialogs(true);
-    fail(7);
-    EXPECT_EQ(tsTopModalDialog(), nullptr);
-    EXPECT_EQ(occurrences(_errors.take(), " line "), 2U);
+    hoKeyRing keys;
+    keys._private._pKey = newKey(512);
+    _pFrame->setKeys(keys);
+    // Of holes alone: it takes longer than the test.
+    std::filesystem::resize_file(_folder.write("huge", ""), 1ULL << 40);
+    openAskedFor(_folder.path("huge"));
+
+    // Longer than the progress waits by itself.
+    bool isOver = false;
+    wxTimer timer;
+    timer.Bind(wxEVT_TIMER, [&](wxTimerEvent&) { isOver = true; });
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", &hasDialogKeyboard)
+        .perform("begin to sign",
+                 [&]
+                 {
+                     wxCommandEvent event(wxEVT_MENU, _pFrame->GetMenuBar()->FindMenuItem("Signature", "Sign all"));
+                     _pFrame->ProcessWindowEvent(event);
+                     EXPECT_TRUE(_pFrame->isAtWork());
+                     timer.StartOnce(1100);
+                 })
+        .waitUntil("the progress would be there", [&] { return isOver; })
+        .perform("decide",
+                 []
+                 {
+                     EXPECT_EQ(progress(), nullptr);
+                     EXPECT_TRUE(hasDialogKeyboard());
+                     tsPressKeys("alt+i");
+                 })
+        .start();
+    fail(1);
+    EXPECT_TRUE(script.isFinished());
+    tsRunUntil("the progress is there and has the keyboard",
+               [] { return progress() != nullptr && tsHasKeyboard(*progress()); });
+    tsPressKeys("Escape");
+    tsRunUntil("the work has ended", [this] { return !_pFrame->isAtWork(); });
 }
 
 TEST_F(AssertionDialogs, ComeForTheToolkitsAssertionsToo)
@@ -148,6 +229,20 @@ TEST_F(AssertionDialogs, ComeForTheToolkitsAssertionsToo)
     _pFrame->setAssertionDialogs(true);
     dialogsDuring("alt+i", [] { wxASSERT(1 + 1 == 3); });
     EXPECT_EQ(occurrences(_errors.take(), "Assertion failure (1 + 1 == 3)"), 1U);
+}
+
+TEST_F(AssertionDialogs, ThatAreOffLeaveALineOfAnException)
+{
+    start();
+    bool isThrown = false;
+    _pFrame->CallAfter(
+        [&]
+        {
+            isThrown = true;
+            throw std::runtime_error("of a handler");
+        });
+    tsRunUntil("it is thrown", [&] { return isThrown; });
+    EXPECT_EQ(occurrences(_errors.take(), "Unhandled exception of type std::runtime_error: of a handler\n"), 1U);
 }
 
 TEST_F(AssertionDialogs, OfAnotherThreadComeOnTheMainOne)
