@@ -174,6 +174,23 @@ TEST_F(ShellWindow, DropsADocumentThatComesAfterTheMainWindow)
                   "MacOpenFile app/ApplicationShell.cpp 109 Assertion failure ((argc == 0)&&(argv == __null))"});
 }
 
+TEST_F(ShellWindow, LeavesTheMainWindowsEndToItsOwnHandlers)
+{
+    int amountOfCalls = 0;
+    MainFrame::whileConstructing() = [&amountOfCalls](MainFrame& frame)
+    {
+        frame.Bind(wxEVT_DESTROY,
+                   [&amountOfCalls](wxWindowDestroyEvent& event)
+                   {
+                       ++amountOfCalls;
+                       event.Skip();
+                   });
+    };
+    ASSERT_TRUE(wxGetApp().OnInit());
+    closeMainWindow();
+    EXPECT_EQ(amountOfCalls, 1);
+}
+
 // Whole programs.
 
 TEST(Program, EndsWithZeroWhenItsWindowIsClosed)
