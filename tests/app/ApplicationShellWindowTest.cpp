@@ -7,11 +7,11 @@
 
 #include <gtest/gtest.h>
 
-#include "AssertionRecorder.h"
 #include "MainFrame.h"
 
 #include "platform/toolkit/gtTextConversion.h"
 #include "tests/support/failingAllocation.h"
+#include "tests/support/tsAssertionRecorder.h"
 #include "tests/support/tsWindowTest.h"
 
 namespace
@@ -110,7 +110,7 @@ TEST_F(ShellWindow, ExitsOnceAndAgain)
 
 TEST_F(ShellWindow, PassesDocumentsToTheMainWindow)
 {
-    AssertionRecorder recorder;
+    tsAssertionRecorder recorder;
     ASSERT_TRUE(wxGetApp().OnInit());
     const std::vector<std::string> paths = {"/tmp/a.txt", "", "caf\xC3\xA9", "/\xFF\xE9/\xED\xA0\x80 \n%s",
                                             std::string(5000, 'x')};
@@ -131,12 +131,12 @@ TEST_F(ShellWindow, PassesDocumentsToTheMainWindow)
 
 TEST_F(ShellWindow, StartsWithoutMemoryForTheHandler)
 {
-    AssertionRecorder recorder;
+    tsAssertionRecorder recorder;
     recorder.reports.reserve(10);
     const OneFailingAllocation failure(0);
     EXPECT_TRUE(wxGetApp().OnInit());
     EXPECT_TRUE(failure.hasFailed());
-    EXPECT_EQ(recorder.reports,
+    EXPECT_EQ(recorder.lines(),
               std::vector<std::string>{
                   "OnInit app/ApplicationShell.cpp 51 Assertion failure (_pAssertionFailureHandler != __null)"});
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 1);
@@ -158,7 +158,7 @@ TEST_F(ShellWindow, LetsTheMainWindowsExceptionOutAndReleasesItsMemory)
 
 TEST_F(ShellWindow, DropsADocumentThatComesAfterTheMainWindow)
 {
-    AssertionRecorder recorder;
+    tsAssertionRecorder recorder;
     ASSERT_TRUE(wxGetApp().OnInit());
     // A window inside it that goes is none of the application's business.
     auto* pInside = new wxWindow(mainFrame(), wxID_ANY);
@@ -169,7 +169,7 @@ TEST_F(ShellWindow, DropsADocumentThatComesAfterTheMainWindow)
     EXPECT_EQ(mainFrame(), nullptr);
     wxGetApp().MacOpenFile("/tmp/late.txt");
     EXPECT_TRUE(MainFrame::openedPaths().empty());
-    EXPECT_EQ(recorder.reports,
+    EXPECT_EQ(recorder.lines(),
               std::vector<std::string>{
                   "MacOpenFile app/ApplicationShell.cpp 109 Assertion failure ((argc == 0)&&(argv == __null))"});
 }
