@@ -38,8 +38,8 @@ enum ahAssertDialogButtonId
 class ahAssertDialog : public wxDialog
 {
 public:
-    // Builds the whole window, report included, centred on the screen; it is not shown yet. Where blue and black cannot be
-    // read on the theme's background, as in dark themes, the window gets a light one.
+    // Builds the whole window, report included, centred on the screen; it is not shown yet. Where blue and black cannot
+    // be read on the theme's background, as in dark themes, the window gets a light one.
     // filePath: the source file as the failed assertion names it, any bytes. lineNumber: any number.
     // message: the reason, of any length, possibly empty; a megabyte without a line break takes the toolkit seconds to
     // lay out, more if its directions change or if it has nothing but characters that no font has. parent: the owner
@@ -83,8 +83,8 @@ public:
     //
     // Labels, sizes and colours count from the toolkit's normal font and stock colours. URLs in it stay visibly
     // highlighted when the control detects URLs, a thousand in a line. A line with a word that is longer than
-    // gtLongestUnbrokenWord breaks at the margin, wherever in a word that is. Only a NUL, and code points that no text can hold, are replaced
-    // (see gtShowableText): the control would drop the whole text around them.
+    // gtLongestUnbrokenWord breaks at the margin, wherever in a word that is. Only a NUL, and code points that no text
+    // can hold, are replaced (see gtShowableText): the control would drop the whole text around them.
     // The control must be a multi-line rich one and empty; the constructor has written its own control's report.
     void fillAssertionMessageBody(wxTextCtrl* pTextCtrl);
 

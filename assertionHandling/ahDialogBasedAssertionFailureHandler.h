@@ -5,8 +5,8 @@
 // The entry point, onAssertionFailure, is silent on purpose: with this handler registered a failed assertion anywhere
 // in the process does nothing at all, and execution continues. Nothing in this class calls the other members. They are
 // the pieces from which a derived class makes an interactive handler: arInteractiveAssertionFailureHandler of the room
-// assertionReporting is one, and safe whatever thread fails, which no two lines with these members are: the dialog needs
-// the toolkit's thread, and the list of ignored locations has no lock.
+// assertionReporting is one, and safe whatever thread fails, which no two lines with these members are: the dialog
+// needs the toolkit's thread, and the list of ignored locations has no lock.
 //
 // Arguments have one order everywhere: function name, file, line, message. A decision is the window id of the button
 // that was pressed: AH_IGNORE_BUTTON_ID and so on in assertionHandling/ahAssertDialog.h.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What became of failed assertions: one row for each place in the source, in the order in which the places failed first.
+// What became of failed assertions: one row for each place in the source, in the order in which the places failed
+// first.
 //
 // A place is a file, as the failed assertion names it and compared byte by byte, and a line. All operations may be
 // called from any thread; each is one step for the others. They let only std::bad_alloc out, with nothing changed.
@@ -53,8 +54,8 @@ public:
     // Of a function's name and of a message no more is kept.
     static constexpr std::size_t mostTextBytes = 2000;
 
-    // A failure. Any text may be null, which counts as empty; a text that is cut is cut between characters of UTF-8. stack:
-    // arStackOfThisThread of the failing thread; without memory for one it is empty.
+    // A failure. Any text may be null, which counts as empty; a text that is cut is cut between characters of UTF-8.
+    // stack: arStackOfThisThread of the failing thread; without memory for one it is empty.
     void record(const char* function, const char* file, int line, const char* message, unsigned int threadId,
                 std::int64_t seconds, std::vector<std::uintptr_t> stack = {});
 
@@ -68,9 +69,9 @@ public:
     std::uint64_t amountWithoutRow() const;
 
     // The function is called after the first change that follows a call of rows(), and then not before rows() is called
-    // again, so that it costs little however often an assertion fails. It runs on the thread that fails, with the report
-    // locked: it may not call the report and has to be quick, and it may not throw. Once this has returned the function
-    // that was set before is not called any more. An empty one is none.
+    // again, so that it costs little however often an assertion fails. It runs on the thread that fails, with the
+    // report locked: it may not call the report and has to be quick, and it may not throw. Once this has returned the
+    // function that was set before is not called any more. An empty one is none.
     void setListener(std::function<void()> listener);
 
 private:

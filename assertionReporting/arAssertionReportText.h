@@ -20,8 +20,8 @@ gtString arThreadWords(const arAssertionRow& row, unsigned int mainThreadId);
 gtString arReportTime(std::int64_t seconds);
 
 // A line with the columns' names and one for each row, all without a line end: file, line, count, first, last, thread,
-// decision, function, reason, stack (its frames with "; " between them) with a tab between them. Control characters inside a text are blanks, so a row is one line
-// and a column one column; other bytes stay as they are.
+// decision, function, reason, stack (its frames with "; " between them) with a tab between them. Control characters
+// inside a text are blanks, so a row is one line and a column one column; other bytes stay as they are.
 std::vector<gtString> arAssertionReportLines(const std::vector<arAssertionRow>& rows, unsigned int mainThreadId);
 
 #pragma GCC visibility pop

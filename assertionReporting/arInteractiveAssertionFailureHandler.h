@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The handler for failed assertions that asks the developer: a line on standard error, then the assertion dialog, then
-// what was decided there. Every failure goes into a report, also one that is ignored, and so does every decision, before
-// it is carried out.
+// what was decided there. Every failure goes into a report, also one that is ignored, and so does every decision,
+// before it is carried out.
 //
 // - On the main thread the dialog comes at once and onAssertionFailure returns when it was decided.
 // - On any other thread onAssertionFailure returns at once; the dialog comes on the main thread when that handles its
@@ -10,17 +10,17 @@
 //   fail, the main thread gets to its other events between two dialogs.
 // - While a dialog is up, or its decision is being carried out, a failure on any thread is written and
 //   recorded, nothing more.
-// - Where no window can be shown (no application object with windows: before the toolkit starts, after it has ended, in a
-//   test runner; no display; or the main loop has run and is over) a failure is written and recorded, nothing more. The
-//   same goes for a failure that announceEnd was called for. A handler that is made without an application object never
-//   asks.
+// - Where no window can be shown (no application object with windows: before the toolkit starts, after it has ended, in
+//   a test runner; no display; or the main loop has run and is over) a failure is written and recorded, nothing more.
+//   The same goes for a failure that announceEnd was called for. A handler that is made without an application object
+//   never asks.
 // - Debug without a debugger would end the program: it is asked about first, and who does not want that is back in the
 //   dialog.
-// - Without memory a failure may be neither written nor recorded nor shown; whoever fails goes on all the same, and so does
-//   the main thread.
+// - Without memory a failure may be neither written nor recorded nor shown; whoever fails goes on all the same, and so
+//   does the main thread.
 //
-// Threads: onAssertionFailure, isDeciding and announceEnd may be called from any thread. Everything else, construction and
-// destruction too, is for the main thread, which is the one whose id the constructor gets.
+// Threads: onAssertionFailure, isDeciding and announceEnd may be called from any thread. Everything else, construction
+// and destruction too, is for the main thread, which is the one whose id the constructor gets.
 // Memory: to be made by std::make_shared. The owner unregisters the handler before letting go of it; failures that
 // still wait for their dialog are dropped then, and one whose dialog is up keeps the handler until it is decided.
 #ifndef AR_INTERACTIVE_ASSERTION_FAILURE_HANDLER_H
@@ -63,8 +63,8 @@ public:
     // Whether a failure is being decided at this moment. From any thread.
     bool isDeciding() const { return _isDeciding; }
 
-    // The function is called on the main thread before a decision is carried out that may end the program: Exit, and Debug
-    // without a debugger. It gives up what must not be left half done. An empty one is none.
+    // The function is called on the main thread before a decision is carried out that may end the program: Exit, and
+    // Debug without a debugger. It gives up what must not be left half done. An empty one is none.
     void setBeforeEnd(std::function<void()> function) { _beforeEnd = std::move(function); }
 
     // The next failure of the calling thread is one after which the program cannot go on: it is written and recorded as

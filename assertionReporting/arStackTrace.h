@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The calls that a thread is in: taken as bare addresses where an assertion fails, which is quick, and turned into words
-// when somebody wants to read them, which is not.
+// The calls that a thread is in: taken as bare addresses where an assertion fails, which is quick, and turned into
+// words when somebody wants to read them, which is not.
 //
 // Threads: safe from any.
 #ifndef AR_STACK_TRACE_H
@@ -24,8 +24,8 @@ std::vector<std::uintptr_t> arStackOfThisThread() noexcept;
 bool arHasStacks();
 
 // A line for each call: "function at file:line", as much of it as the program's debugging information tells; else the
-// library that it lies in, or the bare address. The frames in which the failed check is reported, which are the same for
-// all, are left out. Lets std::bad_alloc out. The first call reads the debugging information and takes a while.
+// library that it lies in, or the bare address. The frames in which the failed check is reported, which are the same
+// for all, are left out. Lets std::bad_alloc out. The first call reads the debugging information and takes a while.
 std::vector<gtString> arStackLines(const std::vector<std::uintptr_t>& stack);
 
 #pragma GCC visibility pop

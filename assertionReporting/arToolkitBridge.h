@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 // While it lives, what the toolkit and the language find wrong reaches the registered assertion handlers, too:
 //
-// - failed wxASSERT, wxCHECK, wxFAIL and their kin, instead of the toolkit's own dialog. The program goes on behind them.
+// - failed wxASSERT, wxCHECK, wxFAIL and their kin, instead of the toolkit's own dialog. The program goes on behind
+//   them.
 // - exceptions that nothing catches in what the main loop and the loops of dialogs call: "Unhandled exception of type
 //   TYPE: TEXT". The event is given up, the program goes on. Standard error has a line of it even where the registered
 //   handlers are silent, since something that was asked for has not been done.
-// - std::terminate, on any thread: "Terminated by an exception of type TYPE: TEXT". It is reported as the end that it is
-//   (see arInteractiveAssertionFailureHandler::announceEnd), then the terminate handler from before is called.
+// - std::terminate, on any thread: "Terminated by an exception of type TYPE: TEXT". It is reported as the end that it
+//   is (see arInteractiveAssertionFailureHandler::announceEnd), then the terminate handler from before is called.
 //
-// Exceptions in the main loop are reached by defining wxAppConsoleBase::OnExceptionInMainLoop and ProcessPendingEvents in
-// the place of the toolkit's own, which works where the toolkit is a shared library with names that a program may replace (ELF). Elsewhere, and in
-// an application class that overrides the function, the class itself says
+// Exceptions in the main loop are reached by defining wxAppConsoleBase::OnExceptionInMainLoop and ProcessPendingEvents
+// in the place of the toolkit's own, which works where the toolkit is a shared library with names that a program may
+// replace (ELF). Elsewhere, and in an application class that overrides the function, the class itself says
 //
 //     bool OnExceptionInMainLoop() override { return arReportUnhandledException(); }
 //

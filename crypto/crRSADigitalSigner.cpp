@@ -29,8 +29,8 @@ unsigned int digitFromBytes(const unsigned char* pBytes)
            (static_cast<unsigned int>(pBytes[2]) << 16) | (static_cast<unsigned int>(pBytes[3]) << 24);
 }
 
-// Each piece begins on the digest's first byte, and is large enough to go straight into the signer's memory, where it can
-// be wiped. The digest must not be empty.
+// Each piece begins on the digest's first byte, and is large enough to go straight into the signer's memory, where it
+// can be wiped. The digest must not be empty.
 unsigned long amountToReadAtOnce(unsigned long bytesAtOnce)
 {
     return osFile::bufferCapacity / bytesAtOnce * bytesAtOnce + bytesAtOnce;

@@ -11,13 +11,13 @@
 //
 // Digest.     M = D / 2 - 1 digits, so 4 * M bytes: 60 for a key of 1024 bits. The first 4 * M bytes of a file fall on
 //             the digest's bytes in order, so do the next 4 * M, and so on; byte i of the digest lies in bits
-//             8 * (i % 4) and up of digit i / 4. With a key of 32 bits M is -1: there is no digest and no signature. With
-//             one of 64 or 96 bits the digest is EMPTY, and all files are equal by it.
+//             8 * (i % 4) and up of digit i / 4. With a key of 32 bits M is -1: there is no digest and no signature.
+//             With one of 64 or 96 bits the digest is EMPTY, and all files are equal by it.
 // Text.       The digits in ascending order, eight lower-case hexadecimal characters each. It fits one block of the
 //             encryptor, so it comes back exactly.
-// Failure.    A bool; nothing is logged, and nothing but messageDigestToString throws. A file that cannot be opened is a
-//             failure. A READ ERROR IS TAKEN FOR THE END OF THE FILE: whoever must know reads the file himself and folds
-//             with addToMessageDigest.
+// Failure.    A bool; nothing is logged, and nothing but messageDigestToString throws. A file that cannot be opened is
+//             a failure. A READ ERROR IS TAKEN FOR THE END OF THE FILE: whoever must know reads the file himself and
+//             folds with addToMessageDigest.
 // The key.    Is kept by reference and must outlive the signer.
 // Memory.     The signer owns the digest; what it gives back it overwrites with zeros before.
 // Threads.    A signer works on its own digest and is for one thread at a time; signers may share a key.

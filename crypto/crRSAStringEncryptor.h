@@ -17,9 +17,9 @@
 //              that the block's number is below the product (always so when the product's top bit is set and the text's
 //              last byte is below 0x80). LONGER TEXTS DO NOT COME BACK: decrypt appends the text as far as it has got
 //              once a block.
-// Limits.      A text holds INT_MAX bytes: a longer cipher text (of some 1,000 million bytes of text) or output counts as
-//              one for which there is no memory. A cipher text that does not carry all the digits that its length asks
-//              for is not believed beyond maximalAmountOfClaimedBytes.
+// Limits.      A text holds INT_MAX bytes: a longer cipher text (of some 1,000 million bytes of text) or output counts
+//              as one for which there is no memory. A cipher text that does not carry all the digits that its length
+//              asks for is not believed beyond maximalAmountOfClaimedBytes.
 // The key.     Is kept by reference and must outlive the encryptor. With one that is not usable (isUsable()), no block
 //              can be computed, which counts as a buffer for which there is no memory.
 // Threads.     The operations only read the key: any number may run at once, also on one encryptor.
@@ -59,8 +59,8 @@ public:
     // The length at the front decides on the layout, but not on more: digits that the cipher text does not carry are
     // zero, characters behind those asked for are not looked at, and the length passes through an int (ffffffff is -1,
     // which gives an empty text).
-    // LENGTH AND DIGITS ARE READ AS SSCANF READS "%8x" from eight characters: "       3", "+0000003" and "0x000003" are 3,
-    // "-0000003" is -3, and what is no number is 0.
+    // LENGTH AND DIGITS ARE READ AS SSCANF READS "%8x" from eight characters: "       3", "+0000003" and "0x000003" are
+    // 3, "-0000003" is -3, and what is no number is 0.
     // After each block, the buffer from byte 1 up to its first NUL byte is appended to the output.
     // False only for a cipher text of fewer than eight characters; the output is empty then. TRUE SAYS NOTHING ABOUT
     // THE TEXT: a damaged cipher text or a wrong key gives whatever the arithmetic gives, and no memory gives an

@@ -80,8 +80,8 @@ private:
     void onKeyWarning(const hoSummary& warning);
     void comeToFront();
 
-    // Rows and states are shown at once. Messages, status and recent documents are shown once the present event is dealt
-    // with, however many documents it brought.
+    // Rows and states are shown at once. Messages, status and recent documents are shown once the present event is
+    // dealt with, however many documents it brought.
     void showChangesSoon();
     void showChangesNow();
     void endAllJobs();

@@ -3,8 +3,8 @@
 // from the desktop and from later starts of itself.
 //
 // No toolkit here, GIO alone. Paths are bytes as the file system knows them; a URI is decoded before a path
-// leaves this class, and one that names no file of this machine (hoPathOfUri) comes out as the URI itself, for the window
-// to say that it cannot be opened.
+// leaves this class, and one that names no file of this machine (hoPathOfUri) comes out as the URI itself, for the
+// window to say that it cannot be opened.
 #ifndef HO_SESSION_BUS_H
 #define HO_SESSION_BUS_H
 
@@ -35,8 +35,8 @@ public:
 
     // Claims the name. Where another process has it, that one is asked to open the paths, or to come to the front if
     // there are none; relative paths are taken from the current folder. Blocks until the bus has answered:
-    // some seconds at the most where it and the owner of the name work, half a minute where neither answers any more, and
-    // longer only if the bus takes the connection and then says nothing. Call it once.
+    // some seconds at the most where it and the owner of the name work, half a minute where neither answers any more,
+    // and longer only if the bus takes the connection and then says nothing. Call it once.
     //
     // The two functions are called from GLib's main loop of the calling thread, never from inside start(), each
     // after its caller on the bus has its answer, so that they may take their time (open a dialog, for one).

@@ -20,7 +20,8 @@ void hoRecentDocuments::add(gtString path)
 
 bool hoRecentDocuments::remove(const gtString& path)
 {
-    // A path is in the list once at the most; after it has been found it is not looked at again, so it may be the list's.
+    // A path is in the list once at the most; after it has been found it is not looked at again, so it may be the
+    // list's.
     const auto found = std::find(_paths.begin(), _paths.end(), path);
     if (found == _paths.end())
     {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// The Developer menu: the switch for assertion dialogs, an assertion that fails, the window of the report. While there are
-// dialogs, the handler that asks is registered beside the silent one of the application, which stays registered all the
-// time. The report is of this run, whether the switch is on or off. What the toolkit finds wrong, and exceptions that
-// nothing catches, go to the registered handlers, too. Main thread only, with an application object there.
+// The Developer menu: the switch for assertion dialogs, an assertion that fails, the window of the report. While there
+// are dialogs, the handler that asks is registered beside the silent one of the application, which stays registered all
+// the time. The report is of this run, whether the switch is on or off. What the toolkit finds wrong, and exceptions
+// that nothing catches, go to the registered handlers, too. Main thread only, with an application object there.
 #ifndef COUNTERSIGN_HO_ASSERTION_CONTROLLER_H
 #define COUNTERSIGN_HO_ASSERTION_CONTROLLER_H
 

@@ -4,8 +4,8 @@
 
 class wxString;
 
-// Puts a text on the clipboard. It stays there when the application ends if the desktop keeps it, which not all do. False
-// when the clipboard is not available.
+// Puts a text on the clipboard. It stays there when the application ends if the desktop keeps it, which not all do.
+// False when the clipboard is not available.
 // Main thread only.
 bool hoCopyText(const wxString& text);
 

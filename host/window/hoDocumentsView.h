@@ -2,8 +2,9 @@
 // The opened documents as the main window shows them: a line of help while there are none, else their list. Owns the
 // list of documents, follows their folders, and opens, selects, sorts and closes them.
 //
-// What happens is reported by the callbacks, which are called at once. _onChange may come several times in one event, and
-// does not come from showOutcomes, whose caller knows; so the rest of the window is shown when the event is dealt with. The native list is made for the first document. Main thread only.
+// What happens is reported by the callbacks, which are called at once. _onChange may come several times in one event,
+// and does not come from showOutcomes, whose caller knows; so the rest of the window is shown when the event is dealt
+// with. The native list is made for the first document. Main thread only.
 #ifndef COUNTERSIGN_HO_DOCUMENTS_VIEW_H
 #define COUNTERSIGN_HO_DOCUMENTS_VIEW_H
 
@@ -46,7 +47,8 @@ public:
     void selectAll();
 
     std::size_t amountSelected() const;
-    // Copies the paths of the selected documents to the clipboard, one a line, and gives their number; 0 if that failed.
+    // Copies the paths of the selected documents to the clipboard, one a line, and gives their number; 0 if that
+    // failed.
     std::size_t copySelectedPaths() const;
     // The selected documents, or all if none is selected or all are asked for, after a look at their files.
     std::vector<hoDocument> documentsToProcess(bool areAllWanted);

@@ -86,7 +86,8 @@ void hoFolderWatcher::watch(const std::set<gtString>& folders)
     }
 }
 
-// The toolkit drops the watch of a folder that is deleted by itself, and takes it for a mistake to be asked for it again.
+// The toolkit drops the watch of a folder that is deleted by itself, and takes it for a mistake to be asked for it
+// again.
 void hoFolderWatcher::unwatch(const std::set<gtString>& folders)
 {
     if (folders.empty())

@@ -2,9 +2,9 @@
 // Tells that something in some folders may have changed.
 //
 // What has changed is for the caller to see: file systems tell too much, too little or in another order, and looking at
-// the files again is cheap. Changes that follow each other closely are told once, and the longer the caller takes to look,
-// the longer the pause before the next time. Folders that cannot be watched (no such folder, no more watches, another
-// machine's) are passed over and tried again by the next watch(). Main thread.
+// the files again is cheap. Changes that follow each other closely are told once, and the longer the caller takes to
+// look, the longer the pause before the next time. Folders that cannot be watched (no such folder, no more watches,
+// another machine's) are passed over and tried again by the next watch(). Main thread.
 #ifndef COUNTERSIGN_HO_FOLDER_WATCHER_H
 #define COUNTERSIGN_HO_FOLDER_WATCHER_H
 

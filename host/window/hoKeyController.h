@@ -29,7 +29,8 @@ public:
         std::function<void(const wxString& text)> _onNotice;
     };
 
-    // The parent of the dialogs and the settings must outlive this object. The settings keep the folder of the last key.
+    // The parent of the dialogs and the settings must outlive this object. The settings keep the folder of the last
+    // key.
     hoKeyController(wxWindow& parent, hoSettings& settings, Callbacks callbacks);
     hoKeyController(const hoKeyController&) = delete;
     hoKeyController& operator=(const hoKeyController&) = delete;

@@ -22,7 +22,8 @@ public:
     // folder: where the files are proposed to go; may be empty.
     hoNewKeyDialog(wxWindow* pParent, const gtString& folder);
 
-    // The files, bytes, as far as they are chosen. The public key's name is the private one's with ".pub" before ".pem".
+    // The files, bytes, as far as they are chosen. The public key's name is the private one's with ".pub" before
+    // ".pem".
     gtString privateKeyPath() const;
     gtString publicKeyPath() const;
 

@@ -2,8 +2,8 @@
 // What was typed into a password field, without copies of it that nobody overwrites.
 //
 // The toolkit's own way to a field's text leaves two behind in memory that is given back, so the text is taken from the
-// place where the desktop's field keeps it. That place is overwritten by the desktop when characters are deleted from the
-// field and when the field goes away; a paste comes through the clipboard, which is not ours.
+// place where the desktop's field keeps it. That place is overwritten by the desktop when characters are deleted from
+// the field and when the field goes away; a paste comes through the clipboard, which is not ours.
 #ifndef COUNTERSIGN_HO_TYPED_SECRET_H
 #define COUNTERSIGN_HO_TYPED_SECRET_H
 

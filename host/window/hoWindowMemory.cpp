@@ -108,8 +108,8 @@ void hoWindowMemory::restorePlace(wxFrame& frame, const wxSize& usualSize) const
     }
     else if (frame.GetSize() == made)
     {
-        // The size that a window is made with leaves no room for its borders, and the toolkit does nothing when the same
-        // size is set again.
+        // The size that a window is made with leaves no room for its borders, and the toolkit does nothing when the
+        // same size is set again.
         frame.SetSize(made + wxSize(1, 1));
         frame.SetSize(made);
     }

@@ -10,14 +10,15 @@
 //
 // - The condition is evaluated once, and always: these checks stay in release builds. One that holds costs a test and a
 //   branch that is not taken. All the rest stands apart, in a function that is called when a check has failed.
-// - The report names the function, the file and the line of the check, and says "Assertion failure (CONDITION)", with the
-//   condition as it is written in the source. GT_ASSERT_EX adds ": TEXT".
+// - The report names the function, the file and the line of the check, and says "Assertion failure (CONDITION)", with
+//   the condition as it is written in the source. GT_ASSERT_EX adds ": TEXT".
 // - A check may stand wherever an expression may: in headers, templates, lambdas, constructors' lists, initialisers at
-//   namespace scope (the function's name is empty there), and in constexpr functions, where one that fails at compile time
-//   is an error.
+//   namespace scope (the function's name is empty there), and in constexpr functions, where one that fails at compile
+//   time is an error.
 // - The condition of GT_ASSERT may hold commas: GT_ASSERT(std::is_same<A, B>::value). That of the others needs
 //   parentheses then.
-// - errno is the same before and after, for handlers too. Nothing is thrown that the condition or the text does not throw.
+// - errno is the same before and after, for handlers too. Nothing is thrown that the condition or the text does not
+//   throw.
 //
 // Threads: from any, before main and after it. Not from signal handlers.
 #ifndef GT_ASSERT_H
@@ -63,10 +64,10 @@ extern "C"
 {
 #endif
 
-    // An assertion failed: the registered handlers hear of it, with the message, or "MESSAGE: TEXT" if there is a text (which
-    // is left out where both together find no memory or are more than a gtString holds). Any argument may be null. Gives 0,
-    // so that it can stand for the check that failed. Lets no exception out, nor does a handler's end the program:
-    // gtTriggerAssertonFailureHandler, which this calls, takes them all.
+    // An assertion failed: the registered handlers hear of it, with the message, or "MESSAGE: TEXT" if there is a text
+    // (which is left out where both together find no memory or are more than a gtString holds). Any argument may be
+    // null. Gives 0, so that it can stand for the check that failed. Lets no exception out, nor does a handler's end
+    // the program: gtTriggerAssertonFailureHandler, which this calls, takes them all.
     int gtReportFailedAssertion(const char* functionName, const char* fileName, int lineNumber, const char* message,
                                 const char* text)
 #if defined(__cplusplus)
@@ -78,8 +79,8 @@ extern "C"
 }
 #endif
 
-// Becomes a part of the function that the check stands in, and has something to do behind the call: where the check comes
-// last, the compiler would else leave that function before the report, which would not find it on the stack.
+// Becomes a part of the function that the check stands in, and has something to do behind the call: where the check
+// comes last, the compiler would else leave that function before the report, which would not find it on the stack.
 #if defined(__cplusplus)
 inline
 #else

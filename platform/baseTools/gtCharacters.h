@@ -16,8 +16,8 @@ enum class gtCharacterKind
     Invisible       // takes no room, or changes how its neighbours are seen, such as marks of direction
 };
 
-// before: the code point in front of it, 0 for none. A variation selector is harmless behind U+203C and all above, where
-// pictures are and it says whether they are coloured; behind anything below it is invisible.
+// before: the code point in front of it, 0 for none. A variation selector is harmless behind U+203C and all above,
+// where pictures are and it says whether they are coloured; behind anything below it is invisible.
 gtCharacterKind gtKindOfCharacter(std::uint32_t codePoint, std::uint32_t before);
 
 #pragma GCC visibility pop

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Writes a file whole or not at all.
 //
-// Nothing here prints, throws anything but std::bad_alloc, or leaves anything behind when it fails. Calls may run on any
-// threads, on one file, too: the last one to rename wins.
+// Nothing here prints, throws anything but std::bad_alloc, or leaves anything behind when it fails. Calls may run on
+// any threads, on one file, too: the last one to rename wins.
 #ifndef OS_ATOMIC_FILE_H
 #define OS_ATOMIC_FILE_H
 
@@ -22,8 +22,8 @@ enum class osWritingProblem
     CannotBeWritten  // the system refused
 };
 
-// A problem has a system error in any case: EEXIST, EISDIR and EINVAL stand for those that are found without the system.
-// CannotBeWritten has EINVAL for a path with a NUL, and EEXIST when no temporary name is free.
+// A problem has a system error in any case: EEXIST, EISDIR and EINVAL stand for those that are found without the
+// system. CannotBeWritten has EINVAL for a path with a NUL, and EEXIST when no temporary name is free.
 using osWritingResult = osResult<osWritingProblem>;
 
 // Writes the bytes into a new file beside the wanted one, brings it to the disk and only then gives it its name: there
@@ -31,9 +31,10 @@ using osWritingResult = osResult<osWritingProblem>;
 // new file is removed again. A symbolic link is followed when overwriting, also one to a file that does not exist yet.
 // What is there and no regular file is not replaced in any case.
 // Two that write at the same time without mayOverwrite do not overwrite each other, on any file system: the name is
-// given by a hard link, or where there are none by a renaming that replaces nothing, or where there is neither, by taking
-// the name with an empty file first. That last way is the only one on which others may see an empty file for a moment.
-// rights: the file's, whatever the umask is; 0: as the umask gives them. Nobody else can open the file before it has them.
+// given by a hard link, or where there are none by a renaming that replaces nothing, or where there is neither, by
+// taking the name with an empty file first. That last way is the only one on which others may see an empty file for a
+// moment. rights: the file's, whatever the umask is; 0: as the umask gives them. Nobody else can open the file before
+// it has them.
 osWritingResult osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite,
                                       unsigned int rights = 0);
 

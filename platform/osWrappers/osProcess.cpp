@@ -263,8 +263,8 @@ bool exists(const std::string& path)
     return ::stat(path.c_str(), &status) == 0;
 }
 
-// Compilers write a source file's path as they were given it. A relative one that leads nowhere from the current folder is
-// looked for where sources may be; found nowhere, it stays as it is.
+// Compilers write a source file's path as they were given it. A relative one that leads nowhere from the current folder
+// is looked for where sources may be; found nowhere, it stays as it is.
 std::string foundPath(const std::string& path)
 {
     if (path.front() == '/' || exists(path))
@@ -485,8 +485,8 @@ void osThrowBreakpointException()
 
 void osWriteNoCoreFiles()
 {
-    // One byte is too little for any file; and where Linux hands core files to a program, it passes over a limit of 0 but
-    // takes 1 for what it is.
+    // One byte is too little for any file; and where Linux hands core files to a program, it passes over a limit of 0
+    // but takes 1 for what it is.
     constexpr rlim_t tooLittle = 1;
     struct rlimit limit = {};
     static_cast<void>(::getrlimit(RLIMIT_CORE, &limit));

@@ -20,8 +20,9 @@ unsigned int osGetCurrentThreadId();
 //
 // The path is handed over as it is, byte by byte and never through a shell; a relative one that an editor could take
 // for an option or an address gets "./" in front. Whether the file exists is left to the editor.
-// A relative path that leads nowhere from the current folder is a source file's as the compiler was given it: it is looked
-// for in the folders of osAddSourceCodeFolder, then in the folder of the running program's file and in those above it.
+// A relative path that leads nowhere from the current folder is a source file's as the compiler was given it: it is
+// looked for in the folders of osAddSourceCodeFolder, then in the folder of the running program's file and in those
+// above it.
 //
 // The editor runs in a session of its own with the program's environment, current directory and umask, standard
 // input, output and error on /dev/null, every other descriptor closed and all signals at their defaults. It is no
@@ -36,8 +37,8 @@ void osOpenFileInSourceCodeEditor(const osFilePath& filePath, int lineNumber);
 // Throws std::bad_alloc, with nothing changed, without memory. Any thread may call this.
 void osAddSourceCodeFolder(const osFilePath& folder);
 
-// Whether a debugger, or anything else that traces, is attached to this process now. Any thread may call this. Allocates
-// nothing; may change errno. False where the system does not tell.
+// Whether a debugger, or anything else that traces, is attached to this process now. Any thread may call this.
+// Allocates nothing; may change errno. False where the system does not tell.
 bool osIsDebuggerAttached();
 
 // Raises the trap (SIGTRAP) on the calling thread. A debugger stops there, and execution goes on behind the call when
@@ -46,10 +47,10 @@ bool osIsDebuggerAttached();
 void osThrowBreakpointException();
 
 // From now on the process leaves no core file when it crashes, wherever the system sends those: for processes that hold
-// secrets. Debuggers go on as ever, but where the system's administrator has set the hard limit of core files to 0: there
-// the process cannot be traced by others than root any more, since nothing else keeps its memory from a program that the
-// system hands core files to. Programs that it starts leave none either until they raise their own limit. Any thread may
-// call this.
+// secrets. Debuggers go on as ever, but where the system's administrator has set the hard limit of core files to 0:
+// there the process cannot be traced by others than root any more, since nothing else keeps its memory from a program
+// that the system hands core files to. Programs that it starts leave none either until they raise their own limit. Any
+// thread may call this.
 void osWriteNoCoreFiles();
 
 #pragma GCC visibility pop

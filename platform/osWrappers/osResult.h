@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // What came of an operation that may fail: the problem, and the number of the system's error behind it.
 //
-// Problem is an enumeration whose first enumerator is None. An engine that has more to report derives from this. A plain
-// value; safe from any thread.
+// Problem is an enumeration whose first enumerator is None. An engine that has more to report derives from this. A
+// plain value; safe from any thread.
 #ifndef OS_RESULT_H
 #define OS_RESULT_H
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// A call on the main thread that any thread can ask for, however little memory there is. Asking takes no memory, no lock
-// and nothing of the toolkit's, which keeps the lock of its queue of events when it finds no memory to put one in.
+// A call on the main thread that any thread can ask for, however little memory there is. Asking takes no memory, no
+// lock and nothing of the toolkit's, which keeps the lock of its queue of events when it finds no memory to put one in.
 //
-// Threads: request() may be called from any as long as the object is there. Everything else, construction and destruction
-// too, is for the main thread, with an application object there.
+// Threads: request() may be called from any as long as the object is there. Everything else, construction and
+// destruction too, is for the main thread, with an application object there.
 #ifndef GT_MAIN_THREAD_CALL_H
 #define GT_MAIN_THREAD_CALL_H
 
@@ -26,8 +26,8 @@ public:
     gtMainThreadCall(const gtMainThreadCall&) = delete;
     gtMainThreadCall& operator=(const gtMainThreadCall&) = delete;
 
-    // The function will be called, once for all requests since it was called last, and sees what their threads did before
-    // them.
+    // The function will be called, once for all requests since it was called last, and sees what their threads did
+    // before them.
     void request() noexcept;
 
 private:

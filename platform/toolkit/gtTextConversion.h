@@ -11,8 +11,8 @@
 //   Show the user gtTextFromBytes(gtPathBytesFromText(pathText)), not the path text itself.
 //
 // All are pure functions of their arguments and the locale: they allocate what they return and nothing else, and may be
-// called from any thread. They throw std::bad_alloc without memory, and std::length_error where the bytes are more than a
-// gtString holds; nothing else.
+// called from any thread. They throw std::bad_alloc without memory, and std::length_error where the bytes are more than
+// a gtString holds; nothing else.
 #ifndef GT_TEXT_CONVERSION_H
 #define GT_TEXT_CONVERSION_H
 
@@ -22,9 +22,9 @@
 
 #include "platform/baseTools/gtString.h"
 
-// The text of bytes[0..length): read as UTF-8 when the toolkit takes all of it for that (which it does of overlong forms
-// of three and four bytes and of surrogates, too), else by wxConvWhateverWorks (the locale's encoding, at last one
-// character a byte). Embedded NULs stay. Empty for no bytes only.
+// The text of bytes[0..length): read as UTF-8 when the toolkit takes all of it for that (which it does of overlong
+// forms of three and four bytes and of surrogates, too), else by wxConvWhateverWorks (the locale's encoding, at last
+// one character a byte). Embedded NULs stay. Empty for no bytes only.
 // pBytes may be null when length is 0.
 wxString gtTextFromBytes(const char* pBytes, std::size_t length);
 
