@@ -12,6 +12,7 @@
 #include "platform/toolkit/gtTextConversion.h"
 #include "tests/support/failingAllocation.h"
 #include "tests/support/tsAssertionRecorder.h"
+#include "tests/support/tsCaughtErrors.h"
 #include "tests/support/tsWindowTest.h"
 
 namespace
@@ -80,9 +81,9 @@ TEST_F(ShellWindow, StartsWithAHandlerAndThenAWindow)
     EXPECT_TRUE(tsRunUntil("the main window has the keyboard", [] { return tsHasKeyboard(*mainFrame()); }));
 
     // Silent from now on.
-    testing::internal::CaptureStderr();
+    const tsCaughtErrors errors;
     gtTriggerAssertonFailureHandler("f", "file.cpp", 1, "m");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(errors.take(), "");
 }
 
 TEST_F(ShellWindow, MakesItTheTopWindowEvenIfThereIsAnotherOne)

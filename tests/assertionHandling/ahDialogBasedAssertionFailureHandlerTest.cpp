@@ -29,6 +29,7 @@
 #include "platform/osWrappers/osProcess.h"
 #include "platform/osWrappers/osTime.h"
 #include "tests/support/failingAllocation.h"
+#include "tests/support/tsCaughtErrors.h"
 
 namespace
 {
@@ -58,13 +59,13 @@ std::string now()
 std::string reportOf(int errorNumber, const char* pFunction, const char* pFile, int line, const char* pMessage)
 {
     OpenHandler handler(1);
-    testing::internal::CaptureStderr();
+    const tsCaughtErrors errors;
     const std::string before = now();
     errno = errorNumber;
     handler.outputAssertionMessageToStderr(pFunction, pFile, line, pMessage);
     const int errorNumberAfterwards = errno;
     const std::string after = now();
-    const std::string report = testing::internal::GetCapturedStderr();
+    const std::string report = errors.take();
 
     EXPECT_EQ(errorNumberAfterwards, errorNumber);
     const std::size_t end = report.find(" - Assertion failure: ");
@@ -90,7 +91,7 @@ int amountOfWindows()
 TEST(Handler, IsSilentWhateverItIsTold)
 {
     ahDialogBasedAssertionFailureHandler handler(osGetCurrentThreadId());
-    testing::internal::CaptureStderr();
+    const tsCaughtErrors errors;
     testing::internal::CaptureStdout();
     const long live = amountOfLiveAllocations();
     handler.onAssertionFailure(nullptr, nullptr, 0, nullptr);
@@ -99,23 +100,22 @@ TEST(Handler, IsSilentWhateverItIsTold)
     handler.onAssertionFailure("function", "file.cpp", 7, "Assertion failure (x)");
     EXPECT_EQ(amountOfLiveAllocations(), live);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(errors.take(), "");
     EXPECT_EQ(amountOfWindows(), 0);
 }
 
 TEST(Handler, RegisteredOneKeepsFailedAssertionsSilentOnAnyThread)
 {
     OpenHandler handler(osGetCurrentThreadId());
-    testing::internal::CaptureStderr();
+    const tsCaughtErrors errors;
     gtTriggerAssertonFailureHandler("f", "file.cpp", 1, "before");
-    const std::string without = testing::internal::GetCapturedStderr();
+    const std::string without = errors.take();
     EXPECT_NE(without, "");
 
     gtRegisterAssertionFailureHandler(&handler);
-    testing::internal::CaptureStderr();
     gtTriggerAssertonFailureHandler("f", "file.cpp", 1, "m");
     std::thread([] { gtTriggerAssertonFailureHandler(nullptr, nullptr, 2, nullptr); }).join();
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(errors.take(), "");
     gtUnRegisterAssertionFailureHandler(&handler);
     EXPECT_EQ(gtAmountOfRegisteredAssertionFailureHandlers(), 0);
 }
@@ -200,9 +200,9 @@ TEST(Handler, DoesNothingButIgnoreByIgnoreAll)
     const std::string oldPath(pOldPath == nullptr ? "" : pOldPath);
     setenv("PATH", "/nonexistent", 1);
     OpenHandler handler(1);
-    testing::internal::CaptureStderr();
+    const tsCaughtErrors errors;
     handler.handleUsersDecision(8002, path("/p.cpp"), 12);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(errors.take(), "");
     setenv("PATH", oldPath.c_str(), 1);
 }
 
@@ -244,13 +244,13 @@ TEST(Handler, FreesItsLocations)
 TEST(Handler, NoDecisionChangesNothing)
 {
     OpenHandler handler(1);
-    testing::internal::CaptureStderr();
+    const tsCaughtErrors errors;
     for (const int decision : {8001, 8000, 8006, 0, -1, INT_MIN, INT_MAX, static_cast<int>(wxID_CANCEL)})
     {
         handler.handleUsersDecision(decision, path("/p.cpp"), 12);
         EXPECT_EQ(handler._ignoredSourceLocations.size(), 0) << decision;
     }
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(errors.take(), "");
 }
 
 TEST(Handler, WithoutMemoryALocationIsNotAddedAndNothingIsLost)
@@ -321,11 +321,11 @@ TEST(Handler, ReportTellsTheLocalTime)
         setenv("TZ", pZone, 1);
         tzset();
         OpenHandler handler(1);
-        testing::internal::CaptureStderr();
+        const tsCaughtErrors errors;
         const std::string before = localTime();
         handler.outputAssertionMessageToStderr("f", "p", 1, "m");
         const std::string after = localTime();
-        const std::string report = testing::internal::GetCapturedStderr();
+        const std::string report = errors.take();
         const std::string time = report.substr(0, report.find(" - Assertion failure: "));
         EXPECT_LE(before, time) << pZone;
         EXPECT_LE(time, after) << pZone;

@@ -10,6 +10,7 @@
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
 #include "platform/toolkit/gtTextConversion.h"
 #include "tests/support/failingAllocation.h"
+#include "tests/support/tsCaughtErrors.h"
 
 namespace
 {
@@ -96,10 +97,10 @@ TEST(KitFaults, LeaveTheReportToStandardErrorWholeOrOut)
     ahDialogBasedAssertionFailureHandler handler(1);
     const std::string message(200, 'm');
     int number = 0;
-    testing::internal::CaptureStderr();
+    const tsCaughtErrors errors;
     const auto write = [&] { handler.outputAssertionMessageToStderr("function", "/a/file.cpp", 7, message.c_str()); };
     number = failEachAllocation(write, [] {});
-    const std::string written = testing::internal::GetCapturedStderr();
+    const std::string written = errors.take();
     EXPECT_GT(number, 2);
     // Every line that began is whole.
     const std::string rest = message + " function /a/file.cpp line 7\r\n: ";

@@ -19,6 +19,7 @@
 #include "tests/platform/gtAssertFromC.h"
 #include "tests/support/failingAllocation.h"
 #include "tests/support/tsAssertionRecorder.h"
+#include "tests/support/tsCaughtErrors.h"
 
 namespace
 {
@@ -293,18 +294,18 @@ TEST(Assert, LetsNoExceptionOfAHandlerOut)
     };
     Thrower thrower;
     gtRegisterAssertionFailureHandler(&thrower);
-    testing::internal::CaptureStderr();
+    const tsCaughtErrors errors;
     EXPECT_FALSE(GT_ASSERT_AT(1 == 2, "c", "f", "F", 3));
     gtUnRegisterAssertionFailureHandler(&thrower);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "F:3: f: Assertion failure (c)\n");
+    EXPECT_EQ(errors.take(), "F:3: f: Assertion failure (c)\n");
 }
 
 TEST(Assert, TakesNullWhereverThereIsText)
 {
-    testing::internal::CaptureStderr();
+    const tsCaughtErrors errors;
     EXPECT_EQ(gtReportFailedAssertion(nullptr, nullptr, 7, nullptr, nullptr), 0);
     EXPECT_EQ(gtReportFailedAssertion(nullptr, nullptr, 7, nullptr, "text"), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "(null):7: (null): (null)\n(null):7: (null): : text\n");
+    EXPECT_EQ(errors.take(), "(null):7: (null): (null)\n(null):7: (null): : text\n");
 }
 
 TEST(AssertFromC, ReportsLikeTheOther)

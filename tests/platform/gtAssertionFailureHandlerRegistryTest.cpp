@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "tests/support/failingAllocation.h"
+#include "tests/support/tsCaughtErrors.h"
 
 namespace
 {
@@ -103,9 +104,9 @@ const char* const theLine = "file.cpp:12: function: Assertion failure (x)\n";
 
 std::string stderrOf(const std::function<void()>& action)
 {
-    testing::internal::CaptureStderr();
+    const tsCaughtErrors errors;
     action();
-    return testing::internal::GetCapturedStderr();
+    return errors.take();
 }
 
 TEST(Registry, HasNoHandlersAtFirst)
@@ -167,12 +168,12 @@ TEST(Registry, LineIsOneWrite)
 
 TEST(Registry, LineNeedsNoMemory)
 {
-    testing::internal::CaptureStderr();
+    const tsCaughtErrors errors;
     {
         const FailingAllocation failing(0);
         failAnAssertion();
     }
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), theLine);
+    EXPECT_EQ(errors.take(), theLine);
 }
 
 TEST(Registry, HandsTheArgumentsOverAndWritesNothing)

@@ -36,6 +36,7 @@
 #include <vector>
 
 #include "tests/support/failingAllocation.h"
+#include "tests/support/tsCaughtErrors.h"
 
 namespace
 {
@@ -295,9 +296,9 @@ protected:
 
     static std::string stderrOfOpening(const std::string& file, int lineNumber)
     {
-        testing::internal::CaptureStderr();
+        const tsCaughtErrors errors;
         open(file, lineNumber);
-        return testing::internal::GetCapturedStderr();
+        return errors.take();
     }
 
 private:
