@@ -22,7 +22,7 @@ std::size_t occurrences(const std::string& text, const std::string& part)
 
 tsOutcome run(const char* pWay)
 {
-    const tsOutcome outcome = tsRun({PROGRAM_OUTSIDE_WINDOWS, pWay});
+    tsOutcome outcome = tsRun({PROGRAM_OUTSIDE_WINDOWS, pWay});
     EXPECT_EQ(outcome._exitStatus, 0) << outcome._signal << outcome._errors;
     return outcome;
 }
