@@ -150,6 +150,20 @@ bool osFile::fileSize(unsigned long long& size) const noexcept
     return true;
 }
 
+bool osFile::readFacts(osFileFacts& facts) noexcept
+{
+    if (!isOpen())
+    {
+        return false;
+    }
+    if (!osReadFactsOfDescriptor(_descriptor, facts))
+    {
+        _errorNumber = errno;
+        return false;
+    }
+    return true;
+}
+
 // Without memory for a buffer the file is read all the same, with a system call for every read.
 bool osFile::hasBuffer() noexcept
 {

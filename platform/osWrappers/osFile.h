@@ -13,6 +13,7 @@
 #include <memory>
 
 #include "platform/osWrappers/osChannel.h"
+#include "platform/osWrappers/osFileFacts.h"
 #include "platform/osWrappers/osFilePath.h"
 
 #pragma GCC visibility push(default)
@@ -65,6 +66,10 @@ public:
     // Stores the open file's present size in bytes and returns true; false, storing nothing, without an open file.
     // Some files (of /proc, for one) have more bytes than their size tells.
     bool fileSize(unsigned long long& size) const noexcept;
+
+    // The open file's facts, whatever its name leads to by now. False, storing nothing, without an open file and where
+    // the system refuses, which errorNumber() tells.
+    bool readFacts(osFileFacts& facts) noexcept;
 
 private:
     bool isReadable() const noexcept { return isOpen() && !_isAtEnd && !_hasReadError; }

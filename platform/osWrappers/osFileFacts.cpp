@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <memory>
 #include <string>
@@ -127,6 +128,43 @@ osFileResult osReadFileFacts(const gtString& path, osFileFacts& facts)
         facts = factsOf(entry);
     }
     return result;
+}
+
+bool osReadFactsOfDescriptor(int descriptor, osFileFacts& facts) noexcept
+{
+    struct stat entry;
+    if (fstat(descriptor, &entry) != 0)
+    {
+        return false;
+    }
+    facts = factsOf(entry);
+    return true;
+}
+
+std::int64_t osTimeUntilStampsMove(const osFileFacts& facts) noexcept
+{
+    constexpr std::int64_t second = 1000000000;
+    // The largest steps in use: two seconds where there are no fractions, else that of a clock at 100 hertz.
+    const std::int64_t step = facts._changedNanoseconds == 0 ? 2 * second : second / 100;
+#ifdef CLOCK_REALTIME_COARSE
+    const clockid_t clock = CLOCK_REALTIME_COARSE;
+#else
+    const clockid_t clock = CLOCK_REALTIME;
+#endif
+    struct timespec now = {};
+    if (clock_gettime(clock, &now) != 0)
+    {
+        return 0;
+    }
+    const std::int64_t seconds = static_cast<std::int64_t>(now.tv_sec) - facts._changedSeconds;
+    // Far away in either direction, and the sum below cannot overflow.
+    if (seconds > 3 || seconds < -1)
+    {
+        return 0;
+    }
+    const std::int64_t age = seconds * second + now.tv_nsec - facts._changedNanoseconds;
+    // The clock that stamps files may be a finer one, and ahead by a step.
+    return age < -step ? 0 : step + 1 - age;
 }
 
 gtString osAbsolutePath(const gtString& path)

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <ctime>
+#include <limits>
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -49,6 +51,46 @@ TEST(FileFacts, AreThoseOfTheFile)
     EXPECT_EQ(facts._modifiedNanoseconds, 123456789);
     EXPECT_EQ(facts._fileNumber, entry.st_ino);
     EXPECT_EQ(facts._device, entry.st_dev);
+}
+
+TEST(TimeStamps, OfLongAgoAndOfTheFutureMoveAtOnce)
+{
+    struct timespec now = {};
+    ASSERT_EQ(clock_gettime(CLOCK_REALTIME, &now), 0);
+    for (const long away : {-1000000000L, -3600L, -10L, 10L, 3600L, 1000000000L})
+    {
+        for (const long nanoseconds : {0L, 999999999L})
+        {
+            osFileFacts facts;
+            facts._changedSeconds = now.tv_sec + away;
+            facts._changedNanoseconds = nanoseconds;
+            EXPECT_LE(osTimeUntilStampsMove(facts), 0) << away << " " << nanoseconds;
+        }
+    }
+    // None of the numbers overflows.
+    for (const std::int64_t seconds :
+         {std::numeric_limits<std::int64_t>::min() / 2, std::int64_t(0), std::numeric_limits<std::int64_t>::max() / 2})
+    {
+        osFileFacts facts;
+        facts._changedSeconds = seconds;
+        EXPECT_LE(osTimeUntilStampsMove(facts), 0) << seconds;
+    }
+}
+
+// Waited for until they have, which the clock sees to.
+TEST(TimeStamps, OfAMomentAgoMoveWithTheClock)
+{
+    const TemporaryFolder folder;
+    osFileFacts facts;
+    ASSERT_TRUE(osReadFileFacts(text(folder.write("file", "x")), facts).isOk());
+    for (std::int64_t left = osTimeUntilStampsMove(facts); left > 0; left = osTimeUntilStampsMove(facts))
+    {
+        EXPECT_LE(left, 2000000001);
+    }
+    folder.write("file", "y");
+    osFileFacts after;
+    ASSERT_TRUE(osReadFileFacts(text(folder.path("file")), after).isOk());
+    EXPECT_NE(after, facts);
 }
 
 TEST(FileFacts, AnEmptyFileIsADocument)

@@ -863,6 +863,34 @@ TEST_F(osFileTest, OpeningReadingAndClosingDoNotThrow)
     EXPECT_EQ(amount, 7U);
 }
 
+TEST_F(osFileTest, FactsAreThoseOfTheOpenFileWhateverItsNameLeadsTo)
+{
+    const osFilePath path = write("file", "seven 7");
+    osFile file;
+    osFileFacts facts;
+    EXPECT_FALSE(file.readFacts(facts));
+    ASSERT_TRUE(open(file, path));
+    ASSERT_TRUE(file.readFacts(facts));
+    osFileFacts ofTheName;
+    ASSERT_TRUE(osReadFileFacts(path.asString(), ofTheName).isOk());
+    EXPECT_EQ(facts, ofTheName);
+
+    const osFilePath other = write("other", "more than seven");
+    std::filesystem::rename(other.asString().asCharArray(), path.asString().asCharArray());
+    ASSERT_TRUE(osReadFileFacts(path.asString(), ofTheName).isOk());
+    ASSERT_TRUE(file.readFacts(facts));
+    EXPECT_EQ(facts._size, 7U);
+    EXPECT_EQ(ofTheName._size, 15U);
+    EXPECT_NE(facts._fileNumber, ofTheName._fileNumber);
+
+    SystemCalls system;
+    system.fstats = {-EIO};
+    EXPECT_FALSE(file.readFacts(facts));
+    EXPECT_EQ(file.errorNumber(), EIO);
+    file.close();
+    EXPECT_FALSE(file.readFacts(facts));
+}
+
 TEST_F(osFileTest, SeveralThreadsReadOneFileEachForItself)
 {
     const std::string content = contentOf(600000);
