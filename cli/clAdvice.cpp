@@ -17,6 +17,25 @@ gtString clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal)
     }
 }
 
+gtString clSigningAdvice(const hoSigningFacts& facts)
+{
+    return facts._problem == hoSigningProblem::CannotCountersign ? "; --digest-only writes the digest's line alone"
+                                                                 : "";
+}
+
+gtString clVerdictAdvice(hoVerdict verdict)
+{
+    switch (verdict)
+    {
+    case hoVerdict::Weak:
+        return "; signing again adds one, --accept-weak does without";
+    case hoVerdict::NotSigned:
+        return "; countersign sign makes one, --signature names another";
+    default:
+        return "";
+    }
+}
+
 gtString clSignatureFileAdvice(const hoSignatureFileResult& facts)
 {
     switch (facts._problem)

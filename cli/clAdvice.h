@@ -5,10 +5,14 @@
 #define COUNTERSIGN_CL_ADVICE_H
 
 #include "host/keys/hoKeyFile.h"
-#include "host/signing/hoSignatureFile.h"
+#include "host/signing/hoFileSigning.h"
 
 // isWithoutTerminal: the passphrase could not be asked for.
 gtString clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal);
+
+gtString clSigningAdvice(const hoSigningFacts& facts);
+
+gtString clVerdictAdvice(hoVerdict verdict);
 
 gtString clSignatureFileAdvice(const hoSignatureFileResult& facts);
 

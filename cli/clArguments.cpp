@@ -45,27 +45,36 @@ Make a pair of keys:
   openssl rsa -in private.pem -pubout -out public.pem
 
 Put -- in front of names that begin with a dash. Exit status: 0 good, 1 checked and not good, 2 not checked or
-wrong use. This protects against accidents, not against an adversary: it is textbook RSA over an exclusive-or digest.)";
+wrong use. A signature has two lines: an exclusive-or digest under textbook RSA, which finds accidents, and a
+countersignature (RSASSA-PSS with SHA-256), which openssl can check, too. Texts are textbook RSA: no secrets in them.)";
 
 const char* const signFooter = R"(Examples:
   countersign sign --key private.pem *.iso
   countersign sign --key private.pem --output - report.pdf > signatures/report.sig
   countersign sign --key private.pem -- -odd-name
 
-A signature that is there already is kept unless --force is given.)";
+A signature that is there already is kept unless --force is given. A file of that name that is no signature of
+countersign is never overwritten. A key under 1024 bits cannot countersign: it takes --digest-only, and what it signs
+tests weak.)";
 
 const char* const testFooter = R"(Examples:
   countersign test --key public.pem *.iso
   countersign test --key public.pem --signature signatures/report.sig report.pdf
 
-Prints one line a file: good, BAD or not tested. Exit status: 0 when all are good, 1 when one is bad, 2 when one
-could not be tested.)";
+Prints one line a file with the verdict, and on standard error what is behind it:
+  good              both lines of the signature hold                                    status 0
+  BAD               the signature is the key's, the file is another                     status 1
+  weak              the digest holds, and there is no countersignature       status 2, or 0 with --accept-weak
+  another key       the signature is not this key's                                     status 2
+  not a signature   FILE.sig is damaged, or of another program                          status 2
+  not signed, missing, unreadable, changed while read, not tested                       status 2
+With many files the status is the highest.)";
 
 const char* const encryptFooter = R"(Examples:
   countersign encrypt --key public.pem "at noon"
   countersign encrypt --key public.pem < note.txt > note.cipher
 
-Takes the key's own exponent: a text encrypted with public.pem is decrypted with private.pem, and the other way round.
+What is encrypted with public.pem is decrypted with private.pem. With --private it is the other way round, and no secret.
 The text is taken byte by byte, a line end included, and has to fit one block: 127 bytes with a key of 1024 bits.)";
 
 const char* const decryptFooter = R"(Examples:
@@ -115,6 +124,8 @@ private:
     std::vector<std::pair<clCommand, CLI::App*>> _commands;
     ParsedValues _values;
     bool _isForced = false;
+    bool _isDigestOnly = false;
+    bool _isWeakAccepted = false;
     bool _isPrivateWanted = false;
     CLI::Option* _pOutput = nullptr;
     CLI::Option* _pSignature = nullptr;
@@ -135,6 +146,7 @@ Parser::Parser()
                           "Where the signature of a single FILE goes instead; - for standard output, also of many");
     _pOutput->type_name("PATH");
     pSign->add_flag("-f,--force", _isForced, "Overwrite signatures that are there already");
+    pSign->add_flag("-d,--digest-only", _isDigestOnly, "Write the digest's line alone, without a countersignature");
     addFiles(pSign, "The files to sign");
 
     CLI::App* pTest = addCommand(clCommand::Test, "test", "Test files against FILE.sig beside each FILE", testFooter,
@@ -142,11 +154,14 @@ Parser::Parser()
     _pSignature = pTest->add_option("-s,--signature", _values._signaturePath,
                                     "Where the signature of a single FILE is instead; - for standard input");
     _pSignature->type_name("PATH");
+    pTest->add_flag("-w,--accept-weak", _isWeakAccepted, "Take a signature without a countersignature for good");
     addFiles(pTest, "The files to test");
 
-    addText(addCommand(clCommand::Encrypt, "encrypt", "Encrypt a short text", encryptFooter,
-                       "The key, a PEM file, private or public"),
-            "The text; standard input without it");
+    CLI::App* pEncrypt = addCommand(clCommand::Encrypt, "encrypt", "Encrypt a short text", encryptFooter,
+                                    "The public key, a PEM file (of a private key the public half is taken)");
+    pEncrypt->add_flag("-p,--private", _isPrivateWanted,
+                       "Encrypt with the private exponent; everybody with the public key can read it");
+    addText(pEncrypt, "The text; standard input without it");
     addText(addCommand(clCommand::Decrypt, "decrypt", "Decrypt a text", decryptFooter,
                        "The partner of the key that encrypted, a PEM file, private or public"),
             "The cipher text; standard input without it");
@@ -234,6 +249,8 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
     result._signaturePath = unmarked(_values._signaturePath);
     result._plainText = unmarked(_values._plainText);
     result._isForced = _isForced;
+    result._isDigestOnly = _isDigestOnly;
+    result._isWeakAccepted = _isWeakAccepted;
     result._isPrivateWanted = _isPrivateWanted;
     result._hasOutput = _pOutput->count() > 0;
     result._hasSignature = _pSignature->count() > 0;

@@ -28,8 +28,10 @@ struct clArguments
     bool _hasOutput = false;       // --output
     gtString _outputPath;
     bool _isForced = false;      // --force
+    bool _isDigestOnly = false;  // --digest-only
     bool _hasSignature = false;  // --signature
     gtString _signaturePath;
+    bool _isWeakAccepted = false;   // --accept-weak
     bool _isPrivateWanted = false;  // --private
     bool _hasPlainText = false;     // TEXT
     gtString _plainText;

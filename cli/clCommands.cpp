@@ -32,9 +32,11 @@ void complain(const gtString& name, const gtString& reason, const gtString& advi
 
 void complainOfSigning(const clArguments& arguments, const gtString& name, const hoSigningFacts& facts)
 {
-    const bool isTheKeys =
-        facts._problem == hoSigningProblem::NoPrivateKey || facts._problem == hoSigningProblem::KeyTooSmall;
-    complain(isTheKeys ? clPrintableName(arguments._keyPath) : name, hoSigningReason(facts));
+    const bool isTheKeys = facts._problem == hoSigningProblem::NoPrivateKey ||
+                           facts._problem == hoSigningProblem::KeyTooSmall ||
+                           facts._problem == hoSigningProblem::CannotCountersign ||
+                           facts._problem == hoSigningProblem::CountersigningFailed;
+    complain(isTheKeys ? clPrintableName(arguments._keyPath) : name, hoSigningReason(facts), clSigningAdvice(facts));
 }
 
 void warnOfPrivateKey(const gtString& name, const hoKeyFileFacts& facts)
@@ -56,10 +58,14 @@ void warnOfPrivateKey(const gtString& name, const hoKeyFileFacts& facts)
 
 std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
 {
+    const bool isPublicEnough = (arguments._command == clCommand::Test) || (arguments._command == clCommand::Digest) ||
+                                ((arguments._command == clCommand::Encrypt || arguments._command == clCommand::Key) &&
+                                 !arguments._isPrivateWanted);
     const gtString name = clPrintableName(arguments._keyPath);
     clTerminalPassphrase passphrase(name);
     hoKeyFileFacts facts;
-    std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(arguments._keyPath, &passphrase, facts);
+    std::unique_ptr<const hoKey> pKey =
+        hoLoadKeyFile(arguments._keyPath, &passphrase, facts, isPublicEnough ? hoKeyNeed::Public : hoKeyNeed::Any);
     if (pKey == nullptr)
     {
         complain(name, hoKeyFileReason(facts), clKeyAdvice(facts, passphrase.isWithoutTerminal()));
@@ -68,12 +74,8 @@ std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
     {
         warnOfPrivateKey(name, facts);
     }
-    if ((pKey != nullptr) && (arguments._command == clCommand::Test))
-    {
-        // The private key need not be in memory while large files are read.
-        return pKey->publicHalf();
-    }
-    return pKey;
+    // A private key need not be in memory longer than it takes to read its file.
+    return ((pKey != nullptr) && isPublicEnough) ? pKey->publicHalf() : std::move(pKey);
 }
 
 // How long the program has been running, for the progress.
@@ -136,7 +138,8 @@ int signFile(const clArguments& arguments, const gtString& file, const hoKey& ke
     hoSigningFacts facts;
     {
         clProgressLine progress = progressFor(name);
-        facts = hoSignFile(file, key, &progress, signature);
+        const hoSignatureLines lines = arguments._isDigestOnly ? hoSignatureLines::DigestOnly : hoSignatureLines::Both;
+        facts = hoSignFile(file, key, lines, &progress, signature);
     }
     if (!facts.isOk())
     {
@@ -145,7 +148,7 @@ int signFile(const clArguments& arguments, const gtString& file, const hoKey& ke
     }
     if (isForOutput)
     {
-        clWriteOutput(signature.append('\n'));
+        clWriteOutput(signature);
         return clStatusGood;
     }
     signatureFile = hoWriteSignatureFile(path, signature, arguments._isForced);
@@ -158,59 +161,101 @@ int signFile(const clArguments& arguments, const gtString& file, const hoKey& ke
     return clStatusGood;
 }
 
-// Whether the signature could be had.
-bool readSignature(const clArguments& arguments, const gtString& file, gtString& signature)
+// Where the signature of the file is.
+gtString signaturePathFor(const clArguments& arguments, const gtString& file)
 {
-    if (arguments._hasSignature && (arguments._signaturePath == standardStream))
+    return arguments._hasSignature ? arguments._signaturePath : hoSignaturePath(file);
+}
+
+bool isSignatureOnInput(const clArguments& arguments)
+{
+    return arguments._hasSignature && (arguments._signaturePath == standardStream);
+}
+
+hoSignatureFileResult readSignature(const clArguments& arguments, const gtString& file, gtString& signature)
+{
+    if (!isSignatureOnInput(arguments))
     {
-        const int error = clReadInput(signature, static_cast<int>(hoLargestSignatureFile));
-        if (error != 0)
-        {
-            complain("standard input: the signature cannot be read", hoSystemErrorText(error));
-        }
-        return error == 0;
+        return hoReadSignatureFile(signaturePathFor(arguments, file), signature);
     }
-    const gtString path = arguments._hasSignature ? arguments._signaturePath : hoSignaturePath(file);
-    const hoSignatureFileResult facts = hoReadSignatureFile(path, signature);
-    if (!facts.isOk())
+    // One byte more than a signature may have, which tells that there are too many.
+    const int error = clReadInput(signature, static_cast<int>(hoLargestSignatureFile) + 1);
+    return (error == 0) ? hoSignatureFileResult() : hoSignatureFileResult(hoSignatureFileProblem::CannotBeRead, error);
+}
+
+int statusOf(hoVerdict verdict, bool isWeakAccepted)
+{
+    switch (verdict)
     {
-        complain(clPrintableName(path), hoSignatureFileReason(facts), clSignatureFileAdvice(facts));
-        return false;
+    case hoVerdict::Good:
+        return clStatusGood;
+    case hoVerdict::Bad:
+        return clStatusNotGood;
+    case hoVerdict::Weak:
+        return isWeakAccepted ? clStatusGood : clStatusNotChecked;
+    default:
+        return clStatusNotChecked;
     }
-    return true;
+}
+
+// On standard error, under the name of what it is about.
+void complainOfVerdict(const clArguments& arguments, const gtString& file, const hoSignatureFileResult& signatureFile,
+                       const hoTestFacts& facts)
+{
+    const gtString signatureName =
+        isSignatureOnInput(arguments) ? gtString("standard input") : clPrintableName(signaturePathFor(arguments, file));
+    if (!signatureFile.isOk())
+    {
+        complain(signatureName, hoSignatureFileReason(signatureFile), clVerdictAdvice(facts._verdict));
+    }
+    else if (!facts.isOk())
+    {
+        complainOfSigning(arguments, clPrintableName(file), facts);
+    }
+    else if (facts._verdict == hoVerdict::Bad)
+    {
+        // Its line on standard output says all.
+        return;
+    }
+    else
+    {
+        complain(signatureName, hoVerdictReason(facts), clVerdictAdvice(facts._verdict));
+    }
 }
 
 int testFile(const clArguments& arguments, const gtString& file, const hoKey& key)
 {
     const gtString name = clPrintableName(file);
-    bool isGood = false;
-    hoSigningFacts facts;
+    hoSignatureFileResult signatureFile;
+    hoTestFacts facts;
     // A file that is not there is told about before its signature is missed.
     osFileFacts ignored;
     const osFileResult reading = osReadFileFacts(file, ignored);
     if (!reading.isOk())
     {
-        facts = hoSigningFacts(reading);
+        facts = hoTestFacts(hoSigningFacts(reading));
     }
     else
     {
         gtString signature;
-        if (!readSignature(arguments, file, signature))
+        signatureFile = readSignature(arguments, file, signature);
+        if (signatureFile.isOk())
         {
-            clWriteOutput(gtString(name).append(": not tested\n"));
-            return clStatusNotChecked;
+            clProgressLine progress = progressFor(name);
+            facts = hoTestFile(file, {&key}, signature.asStringView(), &progress);
         }
-        clProgressLine progress = progressFor(name);
-        facts = hoTestFile(file, key, signature, &progress, isGood);
+        else
+        {
+            facts = hoTestFacts(signatureFile);
+        }
     }
-    if (!facts.isOk())
+    const int status = statusOf(facts._verdict, arguments._isWeakAccepted);
+    if (status != clStatusGood)
     {
-        complainOfSigning(arguments, name, facts);
-        clWriteOutput(gtString(name).append(": not tested\n"));
-        return clStatusNotChecked;
+        complainOfVerdict(arguments, file, signatureFile, facts);
     }
-    clWriteOutput(gtString(name).append(isGood ? ": good\n" : ": BAD\n"));
-    return isGood ? clStatusGood : clStatusNotGood;
+    clWriteOutput(gtString(name).append(": ").append(hoVerdictText(facts._verdict)).append('\n'));
+    return status;
 }
 
 int digestFile(const clArguments& arguments, const gtString& file, const hoKey& key)
@@ -251,13 +296,28 @@ bool readText(const clArguments& arguments, gtString& text)
     return error == 0;
 }
 
+// Whether the key has the private half that --private asks for.
+bool hasWantedHalf(const clArguments& arguments, const hoKey& key)
+{
+    if (!arguments._isPrivateWanted || key.hasPrivateKey())
+    {
+        return true;
+    }
+    complain(clPrintableName(arguments._keyPath), "is a public key and has no private exponent; leave --private out");
+    return false;
+}
+
 int encrypt(const clArguments& arguments)
 {
     const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
     gtString text;
-    if ((pKey == nullptr) || !readText(arguments, text))
+    if ((pKey == nullptr) || !hasWantedHalf(arguments, *pKey) || !readText(arguments, text))
     {
         return clStatusNotChecked;
+    }
+    if (arguments._isPrivateWanted)
+    {
+        complain(gtString("warning: ").append(clPrintableName(arguments._keyPath)), hoPrivateEncryptionWarning());
     }
     gtString cipherText;
     const hoTextResult result = hoEncryptText(pKey->ownKey(), text, cipherText);
@@ -305,14 +365,8 @@ int decrypt(const clArguments& arguments)
 int printKey(const clArguments& arguments)
 {
     const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
-    if (pKey == nullptr)
+    if ((pKey == nullptr) || !hasWantedHalf(arguments, *pKey))
     {
-        return clStatusNotChecked;
-    }
-    if (arguments._isPrivateWanted && !pKey->hasPrivateKey())
-    {
-        complain(clPrintableName(arguments._keyPath),
-                 "is a public key and has no private exponent; leave --private out");
         return clStatusNotChecked;
     }
     const crRSAEncryptionKey& key = arguments._isPrivateWanted ? pKey->privateKey() : pKey->publicKey();

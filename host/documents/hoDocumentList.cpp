@@ -33,10 +33,21 @@ struct SortKey
     std::size_t _position;
 };
 
-// That came of comparing bytes.
+// That came of looking into the signature, and mostly into the document.
 bool isFinding(hoDocumentState state)
 {
-    return state == hoDocumentState::SignedByMe || state == hoDocumentState::Good || state == hoDocumentState::Bad;
+    switch (state)
+    {
+    case hoDocumentState::SignedByMe:
+    case hoDocumentState::Good:
+    case hoDocumentState::Weak:
+    case hoDocumentState::Bad:
+    case hoDocumentState::AnotherKey:
+    case hoDocumentState::NotASignature:
+        return true;
+    default:
+        return false;
+    }
 }
 
 // The facts of a document's signature; none of a file that is not there.

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// RSA keys from PEM files: private or public, PKCS#1 or PKCS#8, encrypted or not, as "openssl genrsa", "openssl rsa
-// -pubout" and "openssl rsa -RSAPublicKey_out" write them.
+// RSA keys from files: private or public, PKCS#1 or PKCS#8, encrypted or not, and certificates, in PEM or DER, as openssl
+// writes them. A PEM file may hold other things and several keys; each begins on a line of its own.
+//
+// What loads can be used: public numbers are checked for what would send texts in the clear, and both halves by libcrypto's
+// own check up to hoMostCheckedBits. Above that the check takes minutes, and it is only seen that the halves fit.
 //
 // Results are facts; the wording is up to the command line and the window. Nothing here prints, waits (a named pipe is
 // refused) or touches a file other than by reading it. Without memory the loaders say NoMemory, and the other functions
@@ -16,27 +19,47 @@
 #include "platform/baseTools/gtString.h"
 #include "platform/osWrappers/osResult.h"
 
+// libcrypto's EVP_PKEY.
+struct evp_pkey_st;
+
 #pragma GCC visibility push(default)
 
 enum class hoKeyFileProblem
 {
     None,
-    CannotBeRead,      // the system refused; its error number is told
-    IsFolder,          // a folder
-    NotRegular,        // a named pipe, a device, a socket
-    TooLarge,          // more than hoLargestKeyFile bytes: no key
-    NoKey,             // no PEM key in it
-    OpenSshFormat,     // a key in the format that ssh-keygen writes by default
-    NotRsa,            // a key of another kind
-    PassphraseNeeded,  // it is encrypted, and no passphrase was given
-    WrongPassphrase,   // it is encrypted, and does not come out with the passphrase that was given
-    Damaged,           // its numbers cannot be read, or the private half does not fit the public one
+    CannotBeRead,   // the system refused; its error number is told
+    IsFolder,       // a folder
+    NotRegular,     // a named pipe, a device, a socket
+    TooLarge,       // more than hoLargestKeyFile bytes: no key
+    NoKey,          // no key in it
+    OpenSshFormat,  // a key in the format that ssh-keygen writes by default
+    SshPublicKey,   // a public key for SSH, in one line or in the format of RFC 4716
+    PuttyFormat,    // a key in PuTTY's format
+    OpenPgpKey,     // a key for OpenPGP
+    CertificateRequest,
+    Pkcs12,                  // a PKCS#12 file, which holds keys and certificates under one passphrase
+    Utf16,                   // text of two bytes a character
+    NotRsa,                  // a key of another kind
+    RsaPss,                  // an RSA key that is marked for RSASSA-PSS alone
+    PassphraseNeeded,        // it is encrypted, and no passphrase was given
+    WrongPassphrase,         // it is encrypted, and does not come out with the passphrase that was given
+    EncryptionNotSupported,  // it is encrypted in a way that libcrypto does not have (any more)
+    Damaged,                 // its numbers cannot be read, or the private half does not fit the public one
+    Unsafe,            // with these numbers nothing is kept secret: an even one, an exponent below 3, a prime modulus
     SizeNotSupported,  // RSA, but with a modulus whose size is no multiple of 32 bits or above hoLargestKeyBits
     NoMemory
 };
 
 constexpr long hoLargestKeyFile = 1024 * 1024;
 constexpr int hoLargestKeyBits = 16384;
+constexpr int hoMostCheckedBits = 4096;
+
+// Which key of a file with several ones.
+enum class hoKeyNeed
+{
+    Any,    // the first private one, or else the first public one
+    Public  // the first public one or certificate, or else the public half of the first private one
+};
 
 struct hoKeyFileFacts : osResult<hoKeyFileProblem>
 {
@@ -81,6 +104,10 @@ public:
     // What the file was made for: the private key if it has one, else the public one.
     const crRSAEncryptionKey& ownKey() const { return hasPrivateKey() ? *_pPrivateKey : *_pPublicKey; }
 
+    // The halves as libcrypto has them. The private one has both, and is null unless hasPrivateKey().
+    evp_pkey_st* libcryptoPublicKey() const { return _pLibcryptoPublicKey.get(); }
+    evp_pkey_st* libcryptoPrivateKey() const { return _pLibcryptoPrivateKey.get(); }
+
     // The same without a private key, for those who do not need it: nothing secret stays when this one goes away.
     std::unique_ptr<const hoKey> publicHalf() const;
 
@@ -90,16 +117,19 @@ private:
     int _bits = 0;
     std::shared_ptr<const crRSAEncryptionKey> _pPublicKey;
     std::unique_ptr<crRSAEncryptionKey> _pPrivateKey;
+    std::shared_ptr<evp_pkey_st> _pLibcryptoPublicKey;
+    std::shared_ptr<evp_pkey_st> _pLibcryptoPrivateKey;
 };
 
-// Loads the first key of the file. The key is there when the problem is None, and null otherwise. Without a source,
-// encrypted files need a passphrase that nobody gives.
-std::unique_ptr<const hoKey> hoLoadKeyFile(const gtString& path, hoIPassphraseSource* pSource, hoKeyFileFacts& facts);
+// Loads the key of the file that is needed; RSA keys go before others. The key is there when the problem is None, and null
+// otherwise. Without a source, encrypted files need a passphrase that nobody gives.
+std::unique_ptr<const hoKey> hoLoadKeyFile(const gtString& path, hoIPassphraseSource* pSource, hoKeyFileFacts& facts,
+                                           hoKeyNeed need = hoKeyNeed::Any);
 
 // The same from bytes that the caller has read (and overwrites). What the facts say of the file and its folder
 // (_isOpenToOthers, _isFolderOpenToOthers) stays as the caller has set it.
 std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, hoIPassphraseSource* pSource,
-                                       hoKeyFileFacts& facts);
+                                       hoKeyFileFacts& facts, hoKeyNeed need = hoKeyNeed::Any);
 
 // Whether the file reads as a PEM file of keys: it can be read, is no larger than hoLargestKeyFile, begins with a PEM
 // block (blanks and empty lines before it do not count), and holds one with a key. Whether that key can be loaded is not

@@ -3,6 +3,8 @@
 
 #include <openssl/evp.h>
 
+#include <new>
+
 gtString hoShortFingerprint(const hoKey& key)
 {
     const crRSAEncryptionKey& half = key.publicKey();
@@ -12,7 +14,7 @@ gtString hoShortFingerprint(const hoKey& key)
     if (EVP_Digest(text.asCharArray(), static_cast<std::size_t>(text.length()), digest, &length, EVP_sha256(),
                    nullptr) != 1)
     {
-        return gtString();
+        throw std::bad_alloc();
     }
     const unsigned int shownBytes = 4;
     gtString shown;

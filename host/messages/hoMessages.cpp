@@ -3,6 +3,7 @@
 
 #include "crypto/crRSAEncryptionKey.h"
 #include "host/messages/hoNumbers.h"
+#include "host/signing/hoCountersignature.h"
 
 #include <cerrno>
 #include <string>
@@ -87,9 +88,34 @@ gtString hoKeyFileReason(const hoKeyFileFacts& facts)
     case hoKeyFileProblem::TooLarge:
         return "it is too large for a key; choose a PEM file";
     case hoKeyFileProblem::NoKey:
-        return "there is no PEM key in it";
+        return "there is no key in it";
     case hoKeyFileProblem::OpenSshFormat:
         return "it is a key in OpenSSH's own format; ssh-keygen -p -m PEM -f FILE turns a copy into PEM";
+    case hoKeyFileProblem::SshPublicKey:
+        return "it is a public key for SSH; ssh-keygen -e -m PKCS8 -f FILE > key.pem turns it into PEM";
+    case hoKeyFileProblem::PuttyFormat:
+        return "it is a key in PuTTY's format; puttygen FILE -O private-openssh -o key.pem turns it into another";
+    case hoKeyFileProblem::OpenPgpKey:
+        return "it is a key for OpenPGP, which cannot be turned into another; openssl genrsa -out key.pem 2048 makes "
+               "one";
+    case hoKeyFileProblem::CertificateRequest:
+        return "it is a certificate request; openssl req -in FILE -noout -pubkey -out key.pem takes its public key out";
+    case hoKeyFileProblem::Pkcs12:
+        return "it is a PKCS#12 file; openssl pkcs12 -in FILE -nocerts -out key.pem takes its private key out";
+    case hoKeyFileProblem::Utf16:
+        return "it is text in UTF-16; iconv -f UTF-16 -t ASCII FILE > key.pem turns it into ASCII";
+    case hoKeyFileProblem::RsaPss:
+        return "it is a key for RSASSA-PSS alone; openssl asn1parse -in FILE -strparse $(openssl asn1parse -in FILE | "
+               "awk -F: "
+               "'/OCTET/{print $1; exit}') -noout -out key.der takes the mark off a private one";
+    case hoKeyFileProblem::EncryptionNotSupported:
+        return "it is encrypted in a way that is not supported any more, whatever the passphrase is; openssl pkey "
+               "-provider "
+               "legacy -provider default -in FILE -aes256 -out key.pem encrypts it anew";
+    case hoKeyFileProblem::Unsafe:
+        return "its numbers keep nothing secret (an even number, an exponent below 3, or a modulus that is no product "
+               "of two "
+               "primes)";
     case hoKeyFileProblem::NotRsa:
         return "it is not an RSA key";
     case hoKeyFileProblem::PassphraseNeeded:
@@ -121,6 +147,12 @@ gtString hoSigningReason(const hoSigningFacts& facts)
         return gtString("the key is too small for files, which take ")
             .append(bitsText(hoSmallestSigningKeyBits))
             .append(" or more");
+    case hoSigningProblem::CannotCountersign:
+        return gtString("the key is too small to countersign, which takes ")
+            .append(bitsText(hoLeastCountersigningBits))
+            .append(" or more");
+    case hoSigningProblem::CountersigningFailed:
+        return "libcrypto cannot countersign with this key";
     case hoSigningProblem::FileCannotBeRead:
         return hoFileReason(osFileResult(facts._fileProblem, facts._systemError));
     case hoSigningProblem::FileChanged:
@@ -148,6 +180,8 @@ gtString hoSignatureFileReason(const hoSignatureFileResult& facts)
         return "it is too large for a signature";
     case hoSignatureFileProblem::Exists:
         return "it exists already and was kept";
+    case hoSignatureFileProblem::NotOurs:
+        return "it is not a signature of this program, and is never overwritten; move it away or choose another name";
     case hoSignatureFileProblem::NotRegular:
         return "it is a folder or a device, and is not overwritten";
     case hoSignatureFileProblem::CannotBeWritten:
@@ -225,6 +259,117 @@ gtString hoDecryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key
     }
 }
 
+gtString hoSignatureFormReason(hoSignatureForm form)
+{
+    switch (form)
+    {
+    case hoSignatureForm::DigestOnly:
+    case hoSignatureForm::Countersigned:
+        break;
+    case hoSignatureForm::Minisign:
+        return "it is a signature of minisign";
+    case hoSignatureForm::Signify:
+        return "it is a signature of signify";
+    case hoSignatureForm::OpenPgp:
+        return "it is a signature of OpenPGP, as gpg makes them";
+    case hoSignatureForm::Ssh:
+        return "it is a signature of ssh-keygen";
+    case hoSignatureForm::OtherPem:
+        return "it is a PEM file of another kind, such as a key, a certificate or CMS";
+    case hoSignatureForm::Empty:
+        return "it is empty";
+    case hoSignatureForm::TooLarge:
+        return "it is too large for a signature";
+    case hoSignatureForm::ByteOrderMark:
+        return "it begins with a byte-order mark, which an editor has added; signatures are plain ASCII";
+    case hoSignatureForm::OtherLineEnds:
+        return "its lines end in carriage returns; signatures have line feeds alone";
+    case hoSignatureForm::Wrapped:
+        return "its first line is broken into several; a signature has it in one";
+    case hoSignatureForm::Truncated:
+        return "it ends before its last line does; a part of it is missing";
+    case hoSignatureForm::OtherCharacters:
+        return "its first line has other characters than 0 to 9 and a to f";
+    case hoSignatureForm::OtherLength:
+        return "its first line has not the length of a signature";
+    case hoSignatureForm::OtherCountersignature:
+        return "its second line is damaged, or a countersignature of a kind that this program does not know";
+    case hoSignatureForm::TrailingBytes:
+        return "something follows the signature in it";
+    }
+    return gtString();
+}
+
+gtString hoVerdictText(hoVerdict verdict)
+{
+    switch (verdict)
+    {
+    case hoVerdict::Good:
+        return "good";
+    case hoVerdict::Bad:
+        return "BAD";
+    case hoVerdict::Weak:
+        return "weak";
+    case hoVerdict::AnotherKey:
+        return "another key";
+    case hoVerdict::NotASignature:
+        return "not a signature";
+    case hoVerdict::NotSigned:
+        return "not signed";
+    case hoVerdict::Missing:
+        return "missing";
+    case hoVerdict::Unreadable:
+        return "unreadable";
+    case hoVerdict::Changed:
+        return "changed while read";
+    case hoVerdict::NotTested:
+        return "not tested";
+    }
+    return gtString();
+}
+
+gtString hoVerdictReason(const hoTestFacts& facts)
+{
+    if (!facts.isOk())
+    {
+        return hoSigningReason(facts);
+    }
+    switch (facts._verdict)
+    {
+    case hoVerdict::Bad:
+        return "the document is not the one that was signed";
+    case hoVerdict::Weak:
+        return "its exclusive-or digest holds, but there is no countersignature: changes that the digest cannot see "
+               "are "
+               "possible";
+    case hoVerdict::AnotherKey:
+        return facts._fingerprint.isEmpty() || facts._fingerprint == facts._keyFingerprint
+                   ? gtString("the signature was made with another key, or is damaged")
+                   : gtString("the signature was made with the key ")
+                         .append(facts._fingerprint)
+                         .append(", and the one given is ")
+                         .append(facts._keyFingerprint);
+    case hoVerdict::NotASignature:
+        if (facts._signatureBits != 0 && facts._signatureBits != facts._keyBits)
+        {
+            return gtString("its first line has the length for a key of ")
+                .append(bitsText(facts._signatureBits))
+                .append(", and the one given has ")
+                .append(std::to_string(facts._keyBits));
+        }
+        return facts._signatureBits == 0 ? hoSignatureFormReason(facts._form)
+                                         : gtString("its second line is not a countersignature of a key of ")
+                                               .append(bitsText(facts._keyBits));
+    default:
+        return gtString();
+    }
+}
+
+gtString hoPrivateEncryptionWarning()
+{
+    return "everybody with the public key can read what is encrypted with the private one";
+}
+
 gtString hoStateText(hoDocumentState state, bool canTest)
 {
     switch (state)
@@ -237,8 +382,14 @@ gtString hoStateText(hoDocumentState state, bool canTest)
         return "Signed by me";
     case hoDocumentState::Good:
         return "Good";
+    case hoDocumentState::Weak:
+        return "Weak";
     case hoDocumentState::Bad:
         return "Bad";
+    case hoDocumentState::AnotherKey:
+        return "Another key";
+    case hoDocumentState::NotASignature:
+        return "Not a signature";
     case hoDocumentState::Changed:
         return "Changed since";
     case hoDocumentState::CannotBeRead:

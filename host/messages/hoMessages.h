@@ -29,6 +29,19 @@ gtString hoWritingReason(const osWritingResult& result);
 gtString hoEncryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key, int length);
 gtString hoDecryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key, int length);
 
+// The verdict as a word or two, as it stands behind a document's name: "good", "BAD", "another key".
+gtString hoVerdictText(hoVerdict verdict);
+
+// What stands behind the verdict: why the document could not be tested, what its signature is instead of one of the
+// key's. Empty for a good one.
+gtString hoVerdictReason(const hoTestFacts& facts);
+
+// What a file is instead of a signature of this program.
+gtString hoSignatureFormReason(hoSignatureForm form);
+
+// What encrypting with a private key means.
+gtString hoPrivateEncryptionWarning();
+
 // The state as a word or two, with a capital. canTest: a key is loaded that could tell.
 gtString hoStateText(hoDocumentState state, bool canTest);
 

@@ -9,13 +9,16 @@
 
 enum class hoDocumentState
 {
-    NotSigned,    // there is no signature beside it
-    NotTested,    // there is one, and nobody has looked at it
-    SignedByMe,   // it is good under the loaded private key's partner
-    Good,         // it is good under the loaded public key
-    Bad,          // it is not
-    Changed,      // the document or its signature has changed since one of the three above was found
-    CannotBeRead  // the document is gone, or cannot be read
+    NotSigned,      // there is no signature beside it
+    NotTested,      // there is one, and nobody has looked at it
+    SignedByMe,     // it is good under the loaded private key's partner
+    Good,           // it is good under the loaded public key
+    Weak,           // its exclusive-or digest holds under a loaded key, and it has no countersignature
+    Bad,            // it is a loaded key's, of another document
+    AnotherKey,     // it is not a loaded key's
+    NotASignature,  // what is beside it is nothing that this program writes
+    Changed,        // the document or its signature has changed since one of the six above was found
+    CannotBeRead    // the document is gone, or cannot be read
 };
 
 // A state, and the files that it was found with.

@@ -1,147 +1,232 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/signing/hoFileSigning.h"
 
-#include <memory>
-#include <new>
-
-#include "crypto/crRSADigitalSigner.h"
 #include "crypto/crRSAStringEncryptor.h"
-#include "platform/osWrappers/osFile.h"
+#include "host/keys/hoKeyRing.h"
+#include "host/signing/hoFileDigests.h"
+#include "host/signing/hoOpenedBlock.h"
+
+#include <cerrno>
+#include <new>
 
 namespace
 {
 
-// As many whole runs as come next to this are read at once: large enough to be read past the file's own buffer, small
-// enough for a lively progress.
-constexpr unsigned long bytesAtOnce = 1024 * 1024;
+constexpr char filler = 'd';
 
-hoSigningFacts readError(const osFile& file)
+// What the signature is to the key. Good stands for "this key's".
+hoVerdict examine(const hoSignatureText& signature, const hoKey& key)
 {
-    return hoSigningFacts(osFileResult(osFileProblem::CannotBeRead, file.errorNumber()));
-}
-
-// Reads the open file to its end into the signer's digest.
-hoSigningFacts foldOpenFile(osFile& file, crRSADigitalSigner& signer, hoIProgress* pProgress)
-{
-    const auto runLength = static_cast<unsigned long>(signer.amountOfDigestBytes());
-    const unsigned long bufferSize = (bytesAtOnce / runLength + 1) * runLength;
-    const std::unique_ptr<char[]> pBuffer(new (std::nothrow) char[bufferSize]);
-    if (pBuffer == nullptr)
+    if (!signature.isSignature())
     {
-        return hoSigningProblem::NoMemory;
+        return hoVerdict::NotASignature;
     }
-    unsigned long long size = 0;
-    file.fileSize(size);
-    unsigned long long done = 0;
-    unsigned long amountRead = 0;
-    while (file.readAvailableData(pBuffer.get(), bufferSize, amountRead))
+    const bool isCountersigned = signature._form == hoSignatureForm::Countersigned;
+    if (isCountersigned && signature._fingerprint != hoShortFingerprint(key))
     {
-        signer.addToMessageDigest(pBuffer.get(), amountRead);
-        done += amountRead;
-        if ((pProgress != nullptr) && !pProgress->onProgress(done, size))
-        {
-            return hoSigningProblem::Cancelled;
-        }
+        return hoVerdict::AnotherKey;
     }
-    if (file.hasReadError())
+    if (signature._digits != key.publicKey().amountOfProductDigits())
     {
-        return readError(file);
+        return hoVerdict::NotASignature;
     }
-    // Less than there was at the start: it has shrunk, though nothing may tell by now.
-    return done < size ? hoSigningProblem::FileChanged : hoSigningProblem::None;
-}
-
-// The file must be the same before and after: otherwise the digest may be one that no file ever had.
-hoSigningFacts foldFile(const gtString& path, crRSADigitalSigner& signer, hoIProgress* pProgress)
-{
-    osFileFacts before;
-    const osFileResult reading = osReadFileFacts(path, before);
-    if (!reading.isOk())
+    // The fingerprint is a hint and no proof, so the length is looked at all the same. A key that is too small for
+    // countersignatures has made none.
+    if (isCountersigned && (!hoCanCountersign(key.bits()) ||
+                            signature._countersignature.size() != static_cast<std::size_t>(key.bits()) / 8))
     {
-        return hoSigningFacts(reading);
+        return hoVerdict::NotASignature;
     }
-    osFile file;
-    if (!file.open(osFilePath(path), osChannel::OS_BINARY_CHANNEL, osFile::OS_OPEN_TO_READ))
-    {
-        return readError(file);
-    }
-    hoSigningFacts facts = foldOpenFile(file, signer, pProgress);
-    osFileFacts after;
-    if (facts.isOk() && (!osReadFileFacts(path, after).isOk() || after != before))
-    {
-        facts = hoSigningProblem::FileChanged;
-    }
-    facts._file = before;
-    return facts;
-}
-
-// The digest's text, for either half of the key.
-hoSigningFacts digestOfFile(const gtString& path, const hoKey& key, hoIProgress* pProgress, gtString& digestText)
-{
-    if (key.bits() < hoSmallestSigningKeyBits)
-    {
-        return hoSigningProblem::KeyTooSmall;
-    }
-    crRSADigitalSigner signer(key.publicKey());
-    if (!signer.createMessageDigestDigits())
-    {
-        return hoSigningProblem::NoMemory;
-    }
-    const hoSigningFacts facts = foldFile(path, signer, pProgress);
-    if (facts.isOk())
-    {
-        signer.messageDigestToString(digestText);
-    }
-    return facts;
+    const std::string_view line = signature._digestLine.asStringView();
+    const hoOpenedBlock block(key.publicKey(), line.substr(8));
+    const std::size_t lengthOfDigest = static_cast<std::size_t>(signature._digits / 2 - 1) * 8;
+    const bool isThisKeys =
+        block.hasMarker() &&
+        block.text().substr(0, lengthOfDigest).find_first_not_of("0123456789abcdef") == std::string_view::npos &&
+        block.text().substr(lengthOfDigest).find_first_not_of(filler) == std::string_view::npos;
+    return isThisKeys ? hoVerdict::Good : hoVerdict::AnotherKey;
 }
 
 // A signature that could not be decrypted for want of memory must not pass for a bad one.
-bool isSignatureOf(const gtString& digestText, const hoKey& key, const gtString& signature)
+bool isSignatureOf(const gtString& digestText, const hoKey& key, const gtString& digestLine)
 {
     gtString decrypted;
     bool isShortOfMemory = false;
-    const bool hasLength = crRSAStringEncryptor(key.publicKey()).decrypt(signature, decrypted, isShortOfMemory);
+    const bool hasLength =
+        crRSAStringEncryptor(key.publicKey()).decrypt(digestLine, decrypted, isShortOfMemory, digestText.length());
     if (isShortOfMemory)
     {
         throw std::bad_alloc();
     }
-    return hasLength && (decrypted == digestText);
+    return hasLength && decrypted == digestText;
+}
+
+hoVerdict verdictOf(const hoSigningFacts& facts)
+{
+    switch (facts._problem)
+    {
+    case hoSigningProblem::FileCannotBeRead:
+        return facts._fileProblem == osFileProblem::NotThere || facts._fileProblem == osFileProblem::NotLocal ||
+                       facts._fileProblem == osFileProblem::NoName
+                   ? hoVerdict::Missing
+                   : hoVerdict::Unreadable;
+    case hoSigningProblem::FileChanged:
+        return hoVerdict::Changed;
+    default:
+        return hoVerdict::NotTested;
+    }
+}
+
+// Of a signature that is this key's.
+hoTestFacts compare(const gtString& path, const hoKey& key, const hoSignatureText& signature, hoIProgress* pProgress)
+{
+    const bool isCountersigned = signature._form == hoSignatureForm::Countersigned;
+    hoFileDigests digests;
+    hoTestFacts facts(hoReadDigests(path, key.publicKey(), isCountersigned, pProgress, digests));
+    if (!facts.isOk())
+    {
+        return facts;
+    }
+    if (!isSignatureOf(digests._digestText, key, signature._digestLine))
+    {
+        facts._verdict = hoVerdict::Bad;
+        return facts;
+    }
+    if (!isCountersigned)
+    {
+        facts._verdict = hoVerdict::Weak;
+        return facts;
+    }
+    const std::optional<bool> isGood = hoIsCountersignatureOf(digests._sha256, key, signature._countersignature);
+    if (!isGood.has_value())
+    {
+        return hoTestFacts(hoSigningFacts(hoSigningProblem::CountersigningFailed));
+    }
+    facts._verdict = *isGood ? hoVerdict::Good : hoVerdict::Bad;
+    return facts;
+}
+
+hoTestFacts test(const gtString& path, const std::vector<const hoKey*>& keys, std::string_view bytes,
+                 hoIProgress* pProgress)
+{
+    const hoSignatureText signature = hoParseSignature(bytes);
+    hoTestFacts facts;
+    hoVerdict found = hoVerdict::NotASignature;
+    std::size_t number = 0;
+    for (std::size_t i = 0; i < keys.size() && found != hoVerdict::Good; ++i)
+    {
+        if (keys[i]->bits() < hoSmallestSigningKeyBits)
+        {
+            continue;
+        }
+        const hoVerdict verdict = examine(signature, *keys[i]);
+        if (verdict == hoVerdict::Good || found == hoVerdict::NotASignature)
+        {
+            found = verdict;
+            number = i;
+        }
+    }
+    if (keys[number]->bits() < hoSmallestSigningKeyBits)
+    {
+        return hoTestFacts(hoSigningFacts(hoSigningProblem::KeyTooSmall));
+    }
+    if (found == hoVerdict::Good)
+    {
+        facts = compare(path, *keys[number], signature, pProgress);
+    }
+    else
+    {
+        // A document that is not there is told about first.
+        osFileFacts ofTheName;
+        const osFileResult reading = osReadFileFacts(path, ofTheName);
+        facts = reading.isOk() ? hoTestFacts() : hoTestFacts(hoSigningFacts(reading));
+        facts._verdict = reading.isOk() ? found : facts._verdict;
+        facts._file = ofTheName;
+    }
+    facts._form = signature._form;
+    facts._signatureBits = signature._digits * 32;
+    facts._fingerprint = signature._fingerprint;
+    facts._key = number;
+    facts._keyBits = keys[number]->bits();
+    facts._keyFingerprint = hoShortFingerprint(*keys[number]);
+    return facts;
+}
+
+hoSigningFacts sign(const gtString& path, const hoKey& key, bool isCountersigned, hoIProgress* pProgress,
+                    gtString& signature)
+{
+    hoFileDigests digests;
+    const hoSigningFacts facts = hoReadDigests(path, key.publicKey(), isCountersigned, pProgress, digests);
+    if (!facts.isOk())
+    {
+        return facts;
+    }
+    gtString text;
+    if (!crRSAStringEncryptor(key.privateKey()).encrypt(digests._digestText, text))
+    {
+        return hoSigningProblem::NoMemory;
+    }
+    if (!isSignatureOf(digests._digestText, key, text))
+    {
+        return hoSigningProblem::SelfTestFailed;
+    }
+    text.append('\n');
+    if (isCountersigned)
+    {
+        const std::vector<unsigned char> countersignature = hoMakeCountersignature(key, digests._sha256);
+        if (countersignature.empty())
+        {
+            return hoSigningProblem::CountersigningFailed;
+        }
+        if (!hoIsCountersignatureOf(digests._sha256, key, countersignature).value_or(false))
+        {
+            return hoSigningProblem::SelfTestFailed;
+        }
+        text.append(hoCountersignatureLine(hoShortFingerprint(key), countersignature));
+    }
+    signature = text;
+    return facts;
 }
 
 }  // namespace
 
-hoIProgress::~hoIProgress() = default;
+hoTestFacts::hoTestFacts(const hoSigningFacts& facts) : hoSigningFacts(facts), _verdict(verdictOf(facts)) {}
 
-hoSigningFacts::hoSigningFacts(const osFileResult& reading)
-    : osResult(hoSigningProblem::FileCannotBeRead, reading._systemError), _fileProblem(reading._problem)
+hoTestFacts::hoTestFacts(const hoSignatureFileResult& signatureFile)
 {
+    switch (signatureFile._problem)
+    {
+    case hoSignatureFileProblem::CannotBeRead:
+        _verdict = signatureFile._systemError == ENOENT ? hoVerdict::NotSigned : hoVerdict::Unreadable;
+        break;
+    case hoSignatureFileProblem::TooLarge:
+        _verdict = hoVerdict::NotASignature;
+        _form = hoSignatureForm::TooLarge;
+        break;
+    default:
+        break;
+    }
 }
 
-hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoIProgress* pProgress, gtString& signature)
+hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoSignatureLines lines, hoIProgress* pProgress,
+                          gtString& signature)
 {
     if (!key.hasPrivateKey())
     {
         return hoSigningProblem::NoPrivateKey;
     }
+    if (key.bits() < hoSmallestSigningKeyBits)
+    {
+        return hoSigningProblem::KeyTooSmall;
+    }
+    const bool isCountersigned = lines == hoSignatureLines::Both;
+    if (isCountersigned && !hoCanCountersign(key.bits()))
+    {
+        return hoSigningProblem::CannotCountersign;
+    }
     try
     {
-        gtString digestText;
-        const hoSigningFacts facts = digestOfFile(path, key, pProgress, digestText);
-        if (!facts.isOk())
-        {
-            return facts;
-        }
-        gtString newSignature;
-        if (!crRSAStringEncryptor(key.privateKey()).encrypt(digestText, newSignature))
-        {
-            return hoSigningProblem::NoMemory;
-        }
-        if (!isSignatureOf(digestText, key, newSignature))
-        {
-            return hoSigningProblem::SelfTestFailed;
-        }
-        signature = newSignature;
-        return facts;
+        return sign(path, key, isCountersigned, pProgress, signature);
     }
     catch (const std::bad_alloc&)
     {
@@ -149,32 +234,32 @@ hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoIProgress* p
     }
 }
 
-hoSigningFacts hoTestFile(const gtString& path, const hoKey& key, const gtString& signature, hoIProgress* pProgress,
-                          bool& isGood)
+hoTestFacts hoTestFile(const gtString& path, const std::vector<const hoKey*>& keys, std::string_view signature,
+                       hoIProgress* pProgress)
 {
-    isGood = false;
     try
     {
-        gtString digestText;
-        const hoSigningFacts facts = digestOfFile(path, key, pProgress, digestText);
-        isGood = facts.isOk() && isSignatureOf(digestText, key, signature);
-        return facts;
+        return test(path, keys, signature, pProgress);
     }
     catch (const std::bad_alloc&)
     {
-        return hoSigningProblem::NoMemory;
+        return hoTestFacts(hoSigningFacts(hoSigningProblem::NoMemory));
     }
 }
 
 hoSigningFacts hoDigestOfFile(const gtString& path, const hoKey& key, hoIProgress* pProgress, gtString& digestText)
 {
+    if (key.bits() < hoSmallestSigningKeyBits)
+    {
+        return hoSigningProblem::KeyTooSmall;
+    }
     try
     {
-        gtString newText;
-        const hoSigningFacts facts = digestOfFile(path, key, pProgress, newText);
+        hoFileDigests digests;
+        const hoSigningFacts facts = hoReadDigests(path, key.publicKey(), false, pProgress, digests);
         if (facts.isOk())
         {
-            digestText = newText;
+            digestText = digests._digestText;
         }
         return facts;
     }

@@ -1,60 +1,55 @@
 // SPDX-License-Identifier: Apache-2.0
-// Signs and tests files with the folder's file signer, and knows what the signer does not tell: whether the file could
-// be read to its end and stayed the same meanwhile, how far the work has got, and whether it shall stop.
+// Signs and tests files: the toolkit's signature over an exclusive-or digest, and a countersignature beside it that says
+// what that digest cannot (hoCountersignature.h). hoSignatureText.h has the format, hoFileDigests.h how a file is read.
 //
-// Signatures are the signer's, character for character. Facts come back; the wording is up to the window and the command
-// line. Nothing here throws or prints. A call may run on any thread, any number with the same key.
+// Facts come back; the wording is up to the window and the command line. Nothing here throws or prints. A call may run on
+// any thread, any number with the same key.
 #ifndef COUNTERSIGN_HO_FILE_SIGNING_H
 #define COUNTERSIGN_HO_FILE_SIGNING_H
 
 #include "host/keys/hoKeyFile.h"
+#include "host/signing/hoIProgress.h"
+#include "host/signing/hoSignatureFile.h"
+#include "host/signing/hoSignatureText.h"
+#include "host/signing/hoSigningFacts.h"
+#include "host/signing/hoVerdict.h"
 #include "platform/baseTools/gtString.h"
-#include "platform/osWrappers/osFileFacts.h"
-#include "platform/osWrappers/osResult.h"
 
-enum class hoSigningProblem
+#include <string_view>
+#include <vector>
+
+enum class hoSignatureLines
 {
-    None,
-    NoPrivateKey,      // signing takes one
-    KeyTooSmall,       // the digest of a key of less than hoSmallestSigningKeyBits is empty: all files are equal to it
-    FileCannotBeRead,  // _fileProblem tells why, _systemError the system's number if there is one
-    FileChanged,       // while it was being read
-    Cancelled,         // by the progress
-    SelfTestFailed,    // the new signature does not come back: a failure of the machine or of this program
-    NoMemory
+    Both,
+    DigestOnly  // the toolkit's line alone: for keys that are too small to countersign, and for those who ask for it
 };
 
-constexpr int hoSmallestSigningKeyBits = 128;
-
-struct hoSigningFacts : osResult<hoSigningProblem>
+struct hoTestFacts : hoSigningFacts
 {
-    osFileProblem _fileProblem = osFileProblem::None;
-    osFileFacts _file;  // the file that was read, when there is no problem
+    hoVerdict _verdict = hoVerdict::NotTested;
+    hoSignatureForm _form = hoSignatureForm::Empty;  // what the signature is by its form
+    int _signatureBits = 0;    // size of the key that its first line was made for; 0: no signature
+    gtString _fingerprint;     // the second line's, if there is one
+    std::size_t _key = 0;      // which of the keys the verdict was found with,
+    int _keyBits = 0;          // its size,
+    gtString _keyFingerprint;  // and its short fingerprint
 
-    using osResult::osResult;
-    hoSigningFacts() = default;
-    // The file cannot be read, for this reason.
-    explicit hoSigningFacts(const osFileResult& reading);
+    hoTestFacts() = default;
+    // The document or its signature could not be read.
+    explicit hoTestFacts(const hoSigningFacts& facts);
+    explicit hoTestFacts(const hoSignatureFileResult& signatureFile);
 };
 
-// Is told how far the reading of a file has got.
-class hoIProgress
-{
-public:
-    virtual ~hoIProgress();
+// The bytes of the signature file under the private key. They are tested with the public key before they are given out.
+// signature is written only when there is no problem; pProgress may be null.
+hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoSignatureLines lines, hoIProgress* pProgress,
+                          gtString& signature);
 
-    // Called about once a megabyte, on the thread that does the work; false cancels it. The size is that at the start.
-    virtual bool onProgress(unsigned long long bytesDone, unsigned long long bytesInAll) = 0;
-};
-
-// The signature of the file under the private key. It is tested with the public key before it is given out. signature is
-// written only when there is no problem; pProgress may be null.
-hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoIProgress* pProgress, gtString& signature);
-
-// Whether the signature is that of the file; isGood is true only when there is no problem. A signature that is malformed
-// or of another key is not good, which is no problem.
-hoSigningFacts hoTestFile(const gtString& path, const hoKey& key, const gtString& signature, hoIProgress* pProgress,
-                          bool& isGood);
+// Tests the file against the bytes of a signature file. The file is read only if the signature is one of a key, and once.
+// keys: in the order in which they are tried, not empty; if the signature is none's, the verdict is that of the key that
+// comes nearest.
+hoTestFacts hoTestFile(const gtString& path, const std::vector<const hoKey*>& keys, std::string_view signature,
+                       hoIProgress* pProgress);
 
 // The digest's text of the file under a key of this size.
 hoSigningFacts hoDigestOfFile(const gtString& path, const hoKey& key, hoIProgress* pProgress, gtString& digestText);

@@ -7,6 +7,7 @@
 #include <string>
 #include <sys/stat.h>
 
+#include "host/signing/hoSignatureText.h"
 #include "platform/osWrappers/osAtomicFile.h"
 #include "platform/osWrappers/osFile.h"
 
@@ -48,7 +49,6 @@ hoSignatureFileResult hoReadSignatureFile(const gtString& path, gtString& signat
             return hoSignatureFileProblem::TooLarge;
         }
         text.resize(amountRead);
-        text.resize(text.find_last_not_of(" \t\r\n") + 1);
         signature = gtString(text);
         return hoSignatureFileProblem::None;
     }
@@ -67,11 +67,32 @@ hoSignatureFileResult hoCheckSignaturePath(const gtString& path, bool mayOverwri
     struct stat status = {};
     if (::stat(path.asCharArray(), &status) != 0)
     {
-        return hoSignatureFileProblem::None;
+        return errno == ENOENT ? hoSignatureFileResult() : cannotBeWritten(errno);
     }
     if (!S_ISREG(status.st_mode))
     {
         return hoSignatureFileProblem::NotRegular;
+    }
+    gtString bytes;
+    const hoSignatureFileResult reading = hoReadSignatureFile(path, bytes);
+    if (reading._problem == hoSignatureFileProblem::TooLarge)
+    {
+        return hoSignatureFileProblem::NotOurs;
+    }
+    if (!reading.isOk())
+    {
+        return reading;
+    }
+    try
+    {
+        if (!hoParseSignature(bytes.asStringView()).isSignature())
+        {
+            return hoSignatureFileProblem::NotOurs;
+        }
+    }
+    catch (const std::bad_alloc&)
+    {
+        return hoSignatureFileProblem::NoMemory;
     }
     return mayOverwrite ? hoSignatureFileProblem::None : hoSignatureFileProblem::Exists;
 }
@@ -80,13 +101,15 @@ hoSignatureFileResult hoWriteSignatureFile(const gtString& path, const gtString&
 {
     try
     {
+        // What comes after the check is not replaced: nobody has looked whose it is.
+        struct stat status = {};
+        const bool isThere = ::lstat(path.asCharArray(), &status) == 0;
         const hoSignatureFileResult check = hoCheckSignaturePath(path, mayOverwrite);
         if (!check.isOk())
         {
             return check;
         }
-        const osWritingResult writing =
-            osWriteFileAtomically(path, gtString(signature).append('\n').asStringView(), mayOverwrite);
+        const osWritingResult writing = osWriteFileAtomically(path, signature.asStringView(), mayOverwrite && isThere);
         switch (writing._problem)
         {
         case osWritingProblem::None:

@@ -23,14 +23,43 @@ osFileFacts signatureFacts(const gtString& path)
     osReadFileFacts(hoSignaturePath(path), facts);
     return facts;
 }
+
+hoDocumentState stateOf(const hoTestFacts& facts, bool isMine)
+{
+    switch (facts._verdict)
+    {
+    case hoVerdict::Good:
+        return isMine ? hoDocumentState::SignedByMe : hoDocumentState::Good;
+    case hoVerdict::Bad:
+        return hoDocumentState::Bad;
+    case hoVerdict::Weak:
+        return hoDocumentState::Weak;
+    case hoVerdict::AnotherKey:
+        return hoDocumentState::AnotherKey;
+    case hoVerdict::NotASignature:
+        return hoDocumentState::NotASignature;
+    case hoVerdict::NotSigned:
+        return hoDocumentState::NotSigned;
+    case hoVerdict::Missing:
+        return hoDocumentState::CannotBeRead;
+    case hoVerdict::Unreadable:
+        // The document cannot be read, or its signature.
+        return facts.isOk() ? hoDocumentState::NotTested : hoDocumentState::CannotBeRead;
+    case hoVerdict::Changed:
+    case hoVerdict::NotTested:
+        break;
+    }
+    return hoDocumentState::NotTested;
+}
 }  // namespace
 
 hoSigningJob::hoSigningJob(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite,
-                           std::function<void()> onChange)
+                           std::function<void()> onChange, hoSignatureLines lines)
     : _kind(kind),
       _documents(documents),
       _keys(keys),
       _mayOverwrite(mayOverwrite),
+      _lines(lines),
       _onChange(std::move(onChange)),
       _bytesInAll(0),
       _isCancelled(false),
@@ -141,7 +170,7 @@ void hoSigningJob::sign(const hoDocument& document, hoSigningOutcome& outcome)
     }
 
     gtString signature;
-    outcome._signing = hoSignFile(document._path, *_keys._pPrivateKey, this, signature);
+    outcome._signing = hoTestFacts(hoSignFile(document._path, *_keys._pPrivateKey, _lines, this, signature));
     if (!outcome._signing.isOk())
     {
         if (outcome._signing._problem == hoSigningProblem::FileCannotBeRead)
@@ -153,7 +182,10 @@ void hoSigningJob::sign(const hoDocument& document, hoSigningOutcome& outcome)
     outcome._signatureFile = hoWriteSignatureFile(signaturePath, signature, _mayOverwrite);
     if (outcome._signatureFile._problem == hoSignatureFileProblem::None)
     {
-        outcome._stamp = {hoDocumentState::SignedByMe, outcome._signing._file, signatureFacts(document._path)};
+        // What holds by its digest alone is weak, whoever has signed it.
+        const hoDocumentState state =
+            _lines == hoSignatureLines::Both ? hoDocumentState::SignedByMe : hoDocumentState::Weak;
+        outcome._stamp = {state, outcome._signing._file, signatureFacts(document._path)};
     }
 }
 
@@ -164,62 +196,31 @@ void hoSigningJob::test(const hoDocument& document, hoSigningOutcome& outcome)
     outcome._signatureFile = hoReadSignatureFile(hoSignaturePath(document._path), signature);
     if (!outcome._signatureFile.isOk())
     {
-        const bool isMissing = outcome._signatureFile._problem == hoSignatureFileProblem::CannotBeRead &&
-                               outcome._signatureFile._systemError == ENOENT;
-        outcome._stamp._state = isMissing ? hoDocumentState::NotSigned : hoDocumentState::NotTested;
-        if (isMissing)
+        outcome._signing = hoTestFacts(outcome._signatureFile);
+        outcome._stamp._state = stateOf(outcome._signing, false);
+        outcome._stamp._signature = signatureBefore;
+        osReadFileFacts(document._path, outcome._stamp._file);
+        if (outcome._signing._verdict == hoVerdict::NotSigned || outcome._signing._verdict == hoVerdict::NotASignature)
         {
             outcome._signatureFile = hoSignatureFileResult();
         }
         return;
     }
 
-    const bool good = testWithKeys(document._path, signature, outcome);
+    std::vector<const hoKey*> keys;
+    for (const hoKey* pKey : {_keys._pPublicKey.get(), _keys._pPrivateKey.get()})
+    {
+        if (pKey != nullptr)
+        {
+            keys.push_back(pKey);
+        }
+    }
+    outcome._signing = hoTestFile(document._path, keys, signature.asStringView(), this);
     outcome._stamp._file = outcome._signing._file;
     outcome._stamp._signature = signatureBefore;
-    if (outcome._signing._problem == hoSigningProblem::FileCannotBeRead)
-    {
-        outcome._stamp._state = hoDocumentState::CannotBeRead;
-    }
-    else if (!outcome._signing.isOk())
-    {
-        outcome._stamp._state = hoDocumentState::NotTested;
-    }
-    else if (signatureFacts(document._path) != signatureBefore)
-    {
-        outcome._stamp._state = hoDocumentState::Changed;
-    }
-    else if (!good)
-    {
-        outcome._stamp._state = hoDocumentState::Bad;
-    }
-}
-
-// Leaves the state of a good signature in the outcome.
-bool hoSigningJob::testWithKeys(const gtString& path, const gtString& signature, hoSigningOutcome& outcome)
-{
     const hoKey* const pMine = _keys._pPrivateKey.get();
-    const hoKey* const pTheirs = _keys._pPublicKey.get();
-    for (const hoKey* pKey : {pTheirs, pMine})
-    {
-        const bool isTriedAlready =
-            pKey == pMine && pTheirs != nullptr && pMine != nullptr && isSameModulus(*pMine, *pTheirs);
-        if (pKey == nullptr || isTriedAlready)
-        {
-            continue;
-        }
-        bool good = false;
-        outcome._signing = hoTestFile(path, *pKey, signature, this, good);
-        if (!outcome._signing.isOk())
-        {
-            return false;
-        }
-        if (good)
-        {
-            const bool isMine = pMine != nullptr && isSameModulus(*pKey, *pMine);
-            outcome._stamp._state = isMine ? hoDocumentState::SignedByMe : hoDocumentState::Good;
-            return true;
-        }
-    }
-    return false;
+    outcome._stamp._state =
+        outcome._signing.isOk() && signatureFacts(document._path) != signatureBefore
+            ? hoDocumentState::Changed
+            : stateOf(outcome._signing, pMine != nullptr && isSameModulus(*keys[outcome._signing._key], *pMine));
 }

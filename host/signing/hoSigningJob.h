@@ -22,8 +22,8 @@
 struct hoSigningOutcome
 {
     gtString _path;
-    hoDocumentStamp _stamp;   // the state, and what it was established on
-    hoSigningFacts _signing;  // why it could not be established, if it could not
+    hoDocumentStamp _stamp;  // the state, and what it was established on
+    hoTestFacts _signing;    // what was found, or why it could not be
     hoSignatureFileResult _signatureFile;
 };
 
@@ -36,8 +36,8 @@ public:
         Test
     };
 
-    // Private: signs, and tells which signatures are one's own. Public: tests; where it is missing, or says bad, the
-    // public half of the private key is tried. Either may be null, the private one not for signing.
+    // Private: signs, and tells which signatures are one's own. Public: tests; where it is missing, or the signature is
+    // not its, the public half of the private key is tried. Either may be null, the private one not for signing.
     struct Keys
     {
         std::shared_ptr<const hoKey> _pPrivateKey;
@@ -56,8 +56,9 @@ public:
     // file's problem Exists. Throws std::bad_alloc, and std::system_error where the system gives no thread.
     // onChange: called on the thread inside after each change of what the functions below give, and a last time when
     // isFinished has become true; it may neither throw nor call this object.
+    // lines: what a signature gets.
     hoSigningJob(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite,
-                 std::function<void()> onChange = nullptr);
+                 std::function<void()> onChange = nullptr, hoSignatureLines lines = hoSignatureLines::Both);
     // Cancels, and waits for the thread.
     ~hoSigningJob() override;
     hoSigningJob(const hoSigningJob&) = delete;
@@ -86,12 +87,12 @@ private:
     // What is found goes into the outcome, which has its path already.
     void sign(const hoDocument& document, hoSigningOutcome& outcome);
     void test(const hoDocument& document, hoSigningOutcome& outcome);
-    bool testWithKeys(const gtString& path, const gtString& signature, hoSigningOutcome& outcome);
 
     const Kind _kind;
     const std::vector<hoDocument> _documents;
     const Keys _keys;
     const bool _mayOverwrite;
+    const hoSignatureLines _lines;
     const std::function<void()> _onChange;
     std::uint64_t _bytesInAll;
 

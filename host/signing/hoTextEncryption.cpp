@@ -12,7 +12,9 @@
 #include "crypto/crDigits.h"
 #include "crypto/crRSAEncryptionKey.h"
 #include "crypto/crRSAStringEncryptor.h"
-#include "platform/baseTools/gtWipe.h"
+#include "host/signing/hoOpenedBlock.h"
+
+#include <openssl/crypto.h>
 
 namespace
 {
@@ -24,19 +26,22 @@ constexpr char filler = 'd';
 bool isBelowModulus(const crRSAEncryptionKey& key, const gtString& text)
 {
     const auto amountOfDigits = static_cast<std::size_t>(key.amountOfProductDigits());
-    std::vector<unsigned char> block(amountOfDigits * 4, static_cast<unsigned char>(filler));
-    block[0] = 1;
-    std::memcpy(&block[1], text.asCharArray(), static_cast<std::size_t>(text.length()));
     crTemporaryDigits digits(key.amountOfProductDigits());
     if (digits.digits() == nullptr)
     {
         throw std::bad_alloc();
     }
+    const std::string_view bytes = text.asStringView();
+    std::vector<unsigned char> block;
+    block.reserve(amountOfDigits * 4);
+    block.push_back(1);
+    block.insert(block.end(), bytes.begin(), bytes.end());
+    block.resize(amountOfDigits * 4, static_cast<unsigned char>(filler));
     for (std::size_t i = 0; i < block.size(); i++)
     {
         digits.digits()[i / 4] |= static_cast<unsigned int>(block[i]) << (8 * (i % 4));
     }
-    gtWipe(block.data(), block.size());
+    OPENSSL_cleanse(block.data(), block.size());
     return mpCompare(digits.digits(), key.productDigits(), static_cast<unsigned int>(amountOfDigits)) < 0;
 }
 
@@ -107,29 +112,16 @@ hoTextResult hoDecryptText(const crRSAEncryptionKey& key, const gtString& cipher
             text.makeEmpty();
             return hoTextProblem::None;
         }
-        // Told that the text takes all of the block, the encryptor gives the filler behind the text away, too.
-        const auto wholeBlock = static_cast<unsigned int>(longest);
-        gtString wholeCipher;
-        crAppendDigits(wholeCipher, &wholeBlock, 1);
-        wholeCipher.append(cipher.substr(crCharactersPerDigit));
-        gtString plain;
-        plain.reserve(hoLongestText(key));
-        bool isShortOfMemory = false;
-        if (!crRSAStringEncryptor(key).decrypt(wholeCipher, plain, isShortOfMemory) || isShortOfMemory)
+        const hoOpenedBlock block(key, cipher.substr(crCharactersPerDigit));
+        const std::string_view found = block.text().substr(0, length);
+        const bool comesOut = block.hasMarker() && found.find('\0') == std::string_view::npos &&
+                              block.text().substr(length).find_first_not_of(filler) == std::string_view::npos;
+        if (!comesOut)
         {
-            return hoTextProblem::NoMemory;
+            return hoTextProblem::DoesNotComeOut;
         }
-        bool comesOut = plain.length() == hoLongestText(key);
-        for (auto i = static_cast<int>(length); i < plain.length(); i++)
-        {
-            comesOut = comesOut && (plain[i] == filler);
-        }
-        if (comesOut)
-        {
-            text = gtString(plain.asCharArray(), static_cast<int>(length));
-        }
-        gtWipe(plain);
-        return comesOut ? hoTextProblem::None : hoTextProblem::DoesNotComeOut;
+        text = gtString(found);
+        return hoTextProblem::None;
     }
     catch (const std::bad_alloc&)
     {

@@ -35,8 +35,8 @@ int hoLengthOfCipherText(const crRSAEncryptionKey& key);
 hoTextResult hoEncryptText(const crRSAEncryptionKey& key, const gtString& text, gtString& cipherText);
 
 // text is written only when there is no problem. Blanks and line ends around the cipher text, as copying leaves them,
-// do no harm. A wrong key is found out by what fills the block behind the text, so hardly ever missed; only a text of
-// the greatest length leaves nothing to look at but its length.
+// do no harm. A wrong key is found out by the marker at the beginning of the block and by what fills it behind the text:
+// for a text of the greatest length, which leaves no filler, it is missed once in some 400 times.
 hoTextResult hoDecryptText(const crRSAEncryptionKey& key, const gtString& cipherText, gtString& text);
 
 #endif

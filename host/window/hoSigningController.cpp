@@ -2,6 +2,7 @@
 #include "host/window/hoSigningController.h"
 
 #include "host/messages/hoNumbers.h"
+#include "host/signing/hoCountersignature.h"
 #include "host/window/hoProgressDialog.h"
 #include "platform/toolkit/gtMainThreadCall.h"
 #include "platform/toolkit/gtTextConversion.h"
@@ -62,7 +63,9 @@ bool hoSigningController::canBegin(hoSigningJob::Kind kind) const
 void hoSigningController::begin(hoSigningJob::Kind kind, const std::vector<hoDocument>& documents)
 {
     bool mayOverwrite = false;
-    if (!canBegin(kind) || (kind == hoSigningJob::Kind::Sign && !askAboutSignatures(documents, mayOverwrite)))
+    hoSignatureLines lines = hoSignatureLines::Both;
+    const bool isSigning = kind == hoSigningJob::Kind::Sign;
+    if (!canBegin(kind) || (isSigning && (!askAboutSmallKey(lines) || !askAboutSignatures(documents, mayOverwrite))))
     {
         return;
     }
@@ -75,9 +78,9 @@ void hoSigningController::begin(hoSigningJob::Kind kind, const std::vector<hoDoc
     _jobKeys = _keys;
     try
     {
-        _pJob = std::make_unique<hoSigningJob>(kind, documents,
-                                               hoSigningJob::Keys{_keys._private._pKey, _keys._public._pKey},
-                                               mayOverwrite, [pCall = _pCall.get()] { pCall->request(); });
+        _pJob = std::make_unique<hoSigningJob>(
+            kind, documents, hoSigningJob::Keys{_keys._private._pKey, _keys._public._pKey}, mayOverwrite,
+            [pCall = _pCall.get()] { pCall->request(); }, lines);
     }
     catch (const std::system_error& error)
     {
@@ -89,6 +92,25 @@ void hoSigningController::begin(hoSigningJob::Kind kind, const std::vector<hoDoc
         return;
     }
     _patience.StartOnce(patienceWithJob);
+}
+
+bool hoSigningController::askAboutSmallKey(hoSignatureLines& lines)
+{
+    const int bits = _keys._private._pKey->bits();
+    if (hoCanCountersign(bits))
+    {
+        return true;
+    }
+    wxMessageDialog question(&_parent, wxString::Format("A key of %d bits is too small to countersign.", bits),
+                             "Countersign", wxYES_NO | wxNO_DEFAULT | wxICON_WARNING);
+    question.SetExtendedMessage(wxString::Format(
+        "Keys of %d bits or more countersign. Without a countersignature a signature is weak: it holds "
+        "for some changed documents, too.",
+        hoLeastCountersigningBits));
+    question.SetYesNoLabels("Sign &weakly", "&Do not sign");
+    lines = hoSignatureLines::DigestOnly;
+    // Another job may have begun, or the key may have gone, while the question was up.
+    return question.ShowModal() == wxID_YES && canBegin(hoSigningJob::Kind::Sign);
 }
 
 bool hoSigningController::askAboutSignatures(const std::vector<hoDocument>& documents, bool& mayOverwrite)

@@ -53,6 +53,8 @@ public:
 private:
     // Whether to go on, and whether signatures are to be replaced.
     bool askAboutSignatures(const std::vector<hoDocument>& documents, bool& mayOverwrite);
+    // Whether to go on with a private key that is too small to countersign.
+    bool askAboutSmallKey(hoSignatureLines& lines);
     void onJobChange();
     void follow();
     void end();

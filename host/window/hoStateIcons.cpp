@@ -88,6 +88,25 @@ void drawState(wxGraphicsContext& context, hoDocumentState state)
         line(context, *wxWHITE, {{5.3, 5.3}, {10.7, 10.7}});
         line(context, *wxWHITE, {{10.7, 5.3}, {5.3, 10.7}});
         break;
+    case hoDocumentState::Weak:
+        // A good one's check on a warning's colour, on a corner.
+        shape(context, amber, {{8, 0.5}, {15.5, 8}, {8, 15.5}, {0.5, 8}});
+        check(context);
+        break;
+    case hoDocumentState::AnotherKey:
+        // A key's bow, shank and bit.
+        disc(context, grey);
+        context.SetPen(wxPen(*wxWHITE, 2));
+        context.SetBrush(*wxTRANSPARENT_BRUSH);
+        context.DrawEllipse(3.5, 6, 4, 4);
+        line(context, *wxWHITE, {{7.5, 8}, {12.5, 8}, {12.5, 10.5}});
+        break;
+    case hoDocumentState::NotASignature:
+        // A page with a corner folded.
+        shape(context, grey, {{3, 1}, {10, 1}, {13.5, 4.5}, {13.5, 15}, {3, 15}});
+        line(context, *wxWHITE, {{5.6, 5.8}, {10.9, 11.2}});
+        line(context, *wxWHITE, {{10.9, 5.8}, {5.6, 11.2}});
+        break;
     case hoDocumentState::Changed:
         shape(context, amber, {{8, 1}, {15.5, 14.5}, {0.5, 14.5}});
         line(context, *wxWHITE, {{8, 5.5}, {8, 10}});

@@ -19,11 +19,11 @@ wxString outcomeText(const hoSigningOutcome& outcome)
         return hoDisplayText(hoLastComponent(hoSignaturePath(outcome._path)), 60) + ": " +
                gtTextFromBytes(hoSignatureFileReason(outcome._signatureFile));
     }
-    if (outcome._stamp._state == hoDocumentState::Bad)
-    {
-        return "BAD: the signature beside it is not one of this document under the loaded key";
-    }
-    return gtTextFromBytes(hoStateText(outcome._stamp._state, true)).Lower();
+    const wxString state = gtTextFromBytes(hoStateText(outcome._stamp._state, true)).Lower();
+    // What was found is not what there is by now.
+    const bool isChanged = outcome._stamp._state == hoDocumentState::Changed;
+    const wxString reason = isChanged ? wxString() : gtTextFromBytes(hoVerdictReason(outcome._signing));
+    return reason.empty() ? state : state + ": " + reason;
 }
 
 bool isGood(hoDocumentState state)
@@ -87,10 +87,14 @@ hoSummary hoKeyWarning(const hoLoadedKey& key)
 hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcome>& outcomes, bool isCancelled)
 {
     std::size_t good = 0;
+    std::size_t weak = 0;
     std::size_t bad = 0;
+    std::size_t anothers = 0;
+    std::size_t noSignatures = 0;
     std::size_t unsignedOnes = 0;
     std::size_t kept = 0;
     std::size_t failed = 0;
+    const bool isSigning = kind == hoSigningJob::Kind::Sign;
     hoSummary summary;
     for (const hoSigningOutcome& outcome : outcomes)
     {
@@ -101,7 +105,11 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
         failed += isFailed || (!isKept && state == hoDocumentState::Changed) ? 1U : 0U;
         if (!isKept && !isFailed)
         {
-            good += isGood(state) ? 1U : 0U;
+            const bool isSigned = isSigning && state == hoDocumentState::Weak;
+            good += isGood(state) || isSigned ? 1U : 0U;
+            weak += state == hoDocumentState::Weak && !isSigned ? 1U : 0U;
+            anothers += state == hoDocumentState::AnotherKey ? 1U : 0U;
+            noSignatures += state == hoDocumentState::NotASignature ? 1U : 0U;
             bad += state == hoDocumentState::Bad ? 1U : 0U;
             unsignedOnes += state == hoDocumentState::NotSigned ? 1U : 0U;
         }
@@ -109,9 +117,11 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
     }
 
     Counts counts;
-    const bool isSigning = kind == hoSigningJob::Kind::Sign;
     counts.add(good, isSigning ? "signed" : "good");
     counts.add(bad, "bad");
+    counts.add(weak, "weak");
+    counts.add(anothers, "signed with another key");
+    counts.add(noSignatures, "without a signature that can be read");
     counts.add(unsignedOnes, "not signed");
     counts.add(kept, "kept as they were");
     counts.add(failed, isSigning ? "could not be signed" : "could not be tested");
@@ -122,7 +132,7 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
         summary._line += ": " + counts.text();
     }
     summary._line += ".";
-    summary._isAllWell = bad == 0 && failed == 0 && !isCancelled;
+    summary._isAllWell = bad + weak + anothers + noSignatures + failed == 0 && !isCancelled;
     return summary;
 }
 

@@ -53,8 +53,8 @@ std::string help(const std::vector<std::string>& arguments)
 Options optionsOfHelp(const std::vector<std::string>& arguments)
 {
     const std::string text = help(arguments);
-    Options result = matches(text, "\n  -[a-zA-Z],(--[a-z]+)");
-    result.merge(matches(text, "\n  (-[a-zA-Z]),--[a-z]+"));
+    Options result = matches(text, "\n  -[a-zA-Z],(--[a-z-]+)");
+    result.merge(matches(text, "\n  (-[a-zA-Z]),--[a-z-]+"));
     return result;
 }
 
@@ -132,7 +132,8 @@ TEST(Documentation, ManualTellsTheSameOptions)
             pattern << "(\n\\.BR [^\n]*" << option << "([ \"][^\n]*)?";
             if (!isEverywhere)
             {
-                pattern << "\n\\.RB \\( " << command << " \\)";
+                // Others that it belongs to may come first.
+                pattern << "(\n\\.RB \\( [a-z]+ \\))*\n\\.RB \\( " << command << " \\)";
             }
             pattern << ")";
             EXPECT_FALSE(matches(text, pattern.str()).empty()) << command << " " << option;
@@ -140,7 +141,7 @@ TEST(Documentation, ManualTellsTheSameOptions)
         inHelp.insert(options.begin(), options.end());
         EXPECT_NE(text.find(".B countersign " + command + "\n"), std::string::npos);
     }
-    Options inManual = matches(text, "\n\\.BR -[a-zA-Z] \", \" (--[a-z]+)");
+    Options inManual = matches(text, "\n\\.BR -[a-zA-Z] \", \" (--[a-z-]+)");
     inManual.merge(matches(text, "\n\\.BR (-[a-zA-Z]) "));
     EXPECT_EQ(inManual, inHelp);
 }
@@ -185,10 +186,14 @@ TEST(Documentation, CompletionOffersFiles)
     EXPECT_EQ(completions({"sign", "-o", "a"}, folder.path()), (Options{"a file.txt", "a file.txt.sig"}));
 }
 
-TEST(Documentation, ExampleInTheReadmeDoesWhatItShows)
+class ReadmeExamples : public ::testing::TestWithParam<const char*>
+{
+};
+
+TEST_P(ReadmeExamples, DoWhatTheyShow)
 {
     const std::string readme = sourceFile("README.md");
-    const std::size_t heading = readme.find("\n## A worked example\n");
+    const std::size_t heading = readme.find(std::string("\n## ") + GetParam() + "\n");
     ASSERT_NE(heading, std::string::npos);
     const std::string fence = "```console\n";
     const std::size_t begin = readme.find(fence, heading);
@@ -226,3 +231,11 @@ TEST(Documentation, ExampleInTheReadmeDoesWhatItShows)
     };
     EXPECT_EQ(tsRun(bash)._output, block);
 }
+
+INSTANTIATE_TEST_SUITE_P(Documentation, ReadmeExamples, ::testing::Values("A worked example", "Signatures"),
+                         [](const ::testing::TestParamInfo<const char*>& parameter)
+                         {
+                             std::string name = parameter.param;
+                             name.erase(std::remove(name.begin(), name.end(), ' '), name.end());
+                             return name;
+                         });

@@ -35,6 +35,11 @@ protected:
 
     gtString path(const std::string& name) const { return gtString((_folder / name).c_str()); }
 
+    hoVerdict verdict(const hoKey& key, const gtString& signature) const
+    {
+        return hoTestFile(path("file"), {&key}, signature.asStringView(), nullptr)._verdict;
+    }
+
     TemporaryFolder _folder;
     std::unique_ptr<const hoKey> _pPrivate;
     std::unique_ptr<const hoKey> _pPublic;
@@ -80,7 +85,7 @@ std::string bytes(std::size_t amount)
 
 }  // namespace
 
-TEST_F(FileSigning, SignsLikeTheSigner)
+TEST_F(FileSigning, SignsItsFirstLineLikeTheSigner)
 {
     for (const std::size_t size : {std::size_t(0), std::size_t(1), std::size_t(59), std::size_t(60), std::size_t(61),
                                    std::size_t(262144), std::size_t(1048576), std::size_t(1048620), threeMegabytes})
@@ -89,77 +94,120 @@ TEST_F(FileSigning, SignsLikeTheSigner)
         gtString expected;
         ASSERT_TRUE(crRSADigitalSigner(_pPrivate->privateKey()).getSignature(osFilePath(path("file")), expected));
         gtString signature;
-        const hoSigningFacts facts = hoSignFile(path("file"), *_pPrivate, nullptr, signature);
+        hoSigningFacts facts = hoSignFile(path("file"), *_pPrivate, hoSignatureLines::DigestOnly, nullptr, signature);
         EXPECT_EQ(facts._problem, hoSigningProblem::None);
         EXPECT_EQ(facts._file._size, size);
+        expected.append('\n');
         EXPECT_EQ(signature, expected);
-        bool isGood = false;
-        EXPECT_EQ(hoTestFile(path("file"), *_pPublic, signature, nullptr, isGood)._problem, hoSigningProblem::None);
-        EXPECT_TRUE(isGood);
+        EXPECT_EQ(verdict(*_pPublic, signature), hoVerdict::Weak);
+
+        facts = hoSignFile(path("file"), *_pPrivate, hoSignatureLines::Both, nullptr, signature);
+        EXPECT_EQ(facts._problem, hoSigningProblem::None);
+        EXPECT_EQ(facts._file._size, size);
+        EXPECT_EQ(signature.asStringView().substr(0, static_cast<std::size_t>(expected.length())),
+                  expected.asStringView());
+        EXPECT_EQ(verdict(*_pPublic, signature), hoVerdict::Good);
         // A private key file has the public half, too.
-        EXPECT_EQ(hoTestFile(path("file"), *_pPrivate, signature, nullptr, isGood)._problem, hoSigningProblem::None);
-        EXPECT_TRUE(isGood);
+        EXPECT_EQ(verdict(*_pPrivate, signature), hoVerdict::Good);
         _folder.write("file", bytes(size) + "x");
-        EXPECT_EQ(hoTestFile(path("file"), *_pPublic, signature, nullptr, isGood)._problem, hoSigningProblem::None);
-        EXPECT_FALSE(isGood);
+        EXPECT_EQ(verdict(*_pPublic, signature), hoVerdict::Bad);
     }
 }
 
-TEST_F(FileSigning, TellsMalformedSignaturesFromProblems)
-{
-    _folder.write("file", "contents");
-    for (const char* pSignature : {"", "no signature", "00000078", "ffffffff00000000"})
-    {
-        bool isGood = true;
-        EXPECT_EQ(hoTestFile(path("file"), *_pPublic, pSignature, nullptr, isGood)._problem, hoSigningProblem::None);
-        EXPECT_FALSE(isGood);
-    }
-}
-
-TEST_F(FileSigning, TakesAPrivateKeyToSign)
+TEST_F(FileSigning, TakesAPrivateKeyThatIsLargeEnough)
 {
     _folder.write("file", "contents");
     gtString signature("kept");
-    EXPECT_EQ(hoSignFile(path("file"), *_pPublic, nullptr, signature)._problem, hoSigningProblem::NoPrivateKey);
+    EXPECT_EQ(hoSignFile(path("file"), *_pPublic, hoSignatureLines::Both, nullptr, signature)._problem,
+              hoSigningProblem::NoPrivateKey);
+    runOpenSSL(_folder, {"genrsa", "-out", "small.pem", "992"});
+    const std::unique_ptr<const hoKey> pSmall = load("small.pem");
+    ASSERT_NE(pSmall, nullptr);
+    EXPECT_EQ(hoSignFile(path("file"), *pSmall, hoSignatureLines::Both, nullptr, signature)._problem,
+              hoSigningProblem::CannotCountersign);
     EXPECT_EQ(signature, gtString("kept"));
+    EXPECT_EQ(hoSignFile(path("file"), *pSmall, hoSignatureLines::DigestOnly, nullptr, signature)._problem,
+              hoSigningProblem::None);
+    EXPECT_EQ(verdict(*pSmall, signature), hoVerdict::Weak);
+}
+
+TEST_F(FileSigning, TriesEveryKeyAndReadsTheFileOnce)
+{
+    _folder.write("file", bytes(threeMegabytes));
+    runOpenSSL(_folder, {"genrsa", "-out", "other.pem", "1024"});
+    runOpenSSL(_folder, {"genrsa", "-out", "large.pem", "2048"});
+    const std::unique_ptr<const hoKey> pOther = load("other.pem");
+    const std::unique_ptr<const hoKey> pLarge = load("large.pem");
+    gtString signature;
+    ASSERT_EQ(hoSignFile(path("file"), *_pPrivate, hoSignatureLines::Both, nullptr, signature)._problem,
+              hoSigningProblem::None);
+    Progress progress;
+    const hoTestFacts facts =
+        hoTestFile(path("file"), {pLarge.get(), pOther.get(), _pPublic.get()}, signature.asStringView(), &progress);
+    EXPECT_EQ(facts._verdict, hoVerdict::Good);
+    EXPECT_EQ(facts._key, 2U);
+    EXPECT_EQ(facts._keyBits, 1024);
+    EXPECT_EQ(progress.done, threeMegabytes);
+    EXPECT_EQ(progress.calls, 3);
+    // A file whose signature is nobody's is not read at all.
+    EXPECT_EQ(hoTestFile(path("file"), {pLarge.get(), pOther.get()}, signature.asStringView(), &progress)._verdict,
+              hoVerdict::AnotherKey);
+    EXPECT_EQ(progress.calls, 3);
 }
 
 TEST_F(FileSigning, TellsWhyAFileCannotBeRead)
 {
     ASSERT_EQ(mkdir((_folder / "folder").c_str(), 0700), 0);
     ASSERT_EQ(mkfifo((_folder / "pipe").c_str(), 0600), 0);
-    const std::pair<const char*, osFileProblem> cases[] = {
-        {"missing", osFileProblem::NotThere}, {"folder", osFileProblem::IsFolder}, {"pipe", osFileProblem::NotRegular}};
-    for (const auto& [pName, problem] : cases)
+    gtString signature;
+    _folder.write("file", "contents");
+    ASSERT_EQ(hoSignFile(path("file"), *_pPrivate, hoSignatureLines::Both, nullptr, signature)._problem,
+              hoSigningProblem::None);
+    struct Case
+    {
+        const char* pName;
+        osFileProblem problem;
+        hoVerdict verdict;
+    };
+    const Case cases[] = {{"missing", osFileProblem::NotThere, hoVerdict::Missing},
+                          {"folder", osFileProblem::IsFolder, hoVerdict::Unreadable},
+                          {"pipe", osFileProblem::NotRegular, hoVerdict::Unreadable}};
+    for (const Case& aCase : cases)
     {
         gtString text("kept");
-        bool isGood = true;
-        for (const hoSigningFacts& facts : {hoSignFile(path(pName), *_pPrivate, nullptr, text),
-                                            hoTestFile(path(pName), *_pPublic, "", nullptr, isGood),
-                                            hoDigestOfFile(path(pName), *_pPublic, nullptr, text)})
+        const hoTestFacts tested = hoTestFile(path(aCase.pName), {_pPublic.get()}, signature.asStringView(), nullptr);
+        for (const hoSigningFacts& facts :
+             {hoSignFile(path(aCase.pName), *_pPrivate, hoSignatureLines::Both, nullptr, text), hoSigningFacts(tested),
+              hoDigestOfFile(path(aCase.pName), *_pPublic, nullptr, text)})
         {
             EXPECT_EQ(facts._problem, hoSigningProblem::FileCannotBeRead);
-            EXPECT_EQ(facts._fileProblem, problem);
+            EXPECT_EQ(facts._fileProblem, aCase.problem);
         }
         EXPECT_EQ(text, gtString("kept"));
-        EXPECT_FALSE(isGood);
+        EXPECT_EQ(tested._verdict, aCase.verdict);
+        // Also when there is something wrong with the signature.
+        EXPECT_EQ(hoTestFile(path(aCase.pName), {_pPublic.get()}, "x", nullptr)._verdict, aCase.verdict);
     }
 }
 
 // The system opens this file and refuses to read from its start.
 TEST_F(FileSigning, TakesNoReadErrorForTheEndOfTheFile)
 {
+    gtString signature;
+    _folder.write("file", "");
+    ASSERT_EQ(hoSignFile(path("file"), *_pPrivate, hoSignatureLines::Both, nullptr, signature)._problem,
+              hoSigningProblem::None);
     gtString text("kept");
-    bool isGood = true;
-    for (const hoSigningFacts& facts : {hoSignFile("/proc/self/mem", *_pPrivate, nullptr, text),
-                                        hoTestFile("/proc/self/mem", *_pPublic, "", nullptr, isGood),
-                                        hoDigestOfFile("/proc/self/mem", *_pPublic, nullptr, text)})
+    const hoTestFacts tested = hoTestFile("/proc/self/mem", {_pPublic.get()}, signature.asStringView(), nullptr);
+    for (const hoSigningFacts& facts :
+         {hoSignFile("/proc/self/mem", *_pPrivate, hoSignatureLines::Both, nullptr, text), hoSigningFacts(tested),
+          hoDigestOfFile("/proc/self/mem", *_pPublic, nullptr, text)})
     {
         EXPECT_EQ(facts._problem, hoSigningProblem::FileCannotBeRead);
         EXPECT_EQ(facts._systemError, EIO);
     }
     EXPECT_EQ(text, gtString("kept"));
-    EXPECT_FALSE(isGood);
+    EXPECT_EQ(tested._verdict, hoVerdict::Unreadable);
 }
 
 TEST_F(FileSigning, ReportsItsProgress)
@@ -167,7 +215,8 @@ TEST_F(FileSigning, ReportsItsProgress)
     _folder.write("file", bytes(threeMegabytes));
     Progress progress;
     gtString signature;
-    EXPECT_EQ(hoSignFile(path("file"), *_pPrivate, &progress, signature)._problem, hoSigningProblem::None);
+    EXPECT_EQ(hoSignFile(path("file"), *_pPrivate, hoSignatureLines::Both, &progress, signature)._problem,
+              hoSigningProblem::None);
     EXPECT_EQ(progress.done, threeMegabytes);
     EXPECT_EQ(progress.inAll, threeMegabytes);
     EXPECT_EQ(progress.calls, 3);
@@ -179,7 +228,8 @@ TEST_F(FileSigning, CanBeCancelled)
     Progress progress;
     progress.callsUntilCancelled = 2;
     gtString signature("kept");
-    EXPECT_EQ(hoSignFile(path("file"), *_pPrivate, &progress, signature)._problem, hoSigningProblem::Cancelled);
+    EXPECT_EQ(hoSignFile(path("file"), *_pPrivate, hoSignatureLines::Both, &progress, signature)._problem,
+              hoSigningProblem::Cancelled);
     EXPECT_EQ(progress.calls, 2);
     EXPECT_EQ(signature, gtString("kept"));
 }
@@ -207,13 +257,13 @@ TEST_F(FileSigning, NoticesThatTheFileChanges)
     {
         _folder.write("file", bytes(threeMegabytes));
         gtString signature;
-        ASSERT_EQ(hoSignFile(path("file"), *_pPrivate, nullptr, signature)._problem, hoSigningProblem::None);
+        ASSERT_EQ(hoSignFile(path("file"), *_pPrivate, hoSignatureLines::Both, nullptr, signature)._problem,
+                  hoSigningProblem::None);
         Progress progress;
         progress.atFirstCall = change;
-        bool isGood = true;
-        EXPECT_EQ(hoTestFile(path("file"), *_pPublic, signature, &progress, isGood)._problem,
-                  hoSigningProblem::FileChanged);
-        EXPECT_FALSE(isGood);
+        const hoTestFacts facts = hoTestFile(path("file"), {_pPublic.get()}, signature.asStringView(), &progress);
+        EXPECT_EQ(facts._problem, hoSigningProblem::FileChanged);
+        EXPECT_EQ(facts._verdict, hoVerdict::Changed);
         EXPECT_GT(progress.calls, 0);
     }
 }

@@ -24,6 +24,9 @@ using ::testing::StartsWith;
 namespace
 {
 
+// By its form one of a key of 1024 bits.
+const std::string oldSignature = "00000078" + std::string(256, '0') + "\n";
+
 class Program : public ::testing::Test
 {
 protected:
@@ -80,8 +83,10 @@ TEST_F(Program, SignsAndTests)
 {
     _folder.write("report", "contents");
     EXPECT_EQ(outputOf({"sign", "--key", "private.pem", "report"}), "report: signed, report.sig\n");
-    EXPECT_EQ(_folder.read("report.sig").size(), 265U);
-    EXPECT_EQ(_folder.read("report.sig").substr(0, 8), "00000078");
+    const std::string signature = _folder.read("report.sig");
+    EXPECT_EQ(signature.substr(0, 8), "00000078");
+    EXPECT_EQ(signature.find('\n'), 264U);
+    EXPECT_THAT(signature.substr(265), ::testing::MatchesRegex("countersignature: rsa-pss-sha256 [0-9a-f]+ [^ ]+\n"));
     EXPECT_EQ(outputOf({"test", "--key", "public.pem", "report"}), "report: good\n");
     EXPECT_EQ(outputOf({"test", "--key", "private.pem", "report"}), "report: good\n");
     EXPECT_EQ(_folder.names(), (std::vector<std::string>{"private.pem", "public.pem", "report", "report.sig"}));
@@ -108,7 +113,7 @@ TEST_F(Program, TestsManyAndTellsTheWorst)
     EXPECT_EQ(outcome._output, "a: good\nb: BAD\nc: good\n");
     ASSERT_EQ(unlink((_folder / "a.sig").c_str()), 0);
     outcome = run({"test", "-k", "public.pem", "a", "b", "c"});
-    EXPECT_EQ(outcome._output, "a: not tested\nb: BAD\nc: good\n");
+    EXPECT_EQ(outcome._output, "a: not signed\nb: BAD\nc: good\n");
     expectFailure(outcome, {"a.sig: there is no such signature", "countersign sign makes one"});
 }
 
@@ -142,13 +147,45 @@ TEST_F(Program, TakesEveryName)
 TEST_F(Program, KeepsSignaturesUnlessForced)
 {
     _folder.write("report", "contents");
-    _folder.write("report.sig", "old");
+    _folder.write("report.sig", oldSignature);
     const tsOutcome refused = run({"sign", "-k", "private.pem", "report"});
     expectFailure(refused, {"report.sig: it exists already", "--force"});
     EXPECT_EQ(refused._output, "");
-    EXPECT_EQ(_folder.read("report.sig"), "old");
+    EXPECT_EQ(_folder.read("report.sig"), oldSignature);
     outputOf({"sign", "-k", "private.pem", "--force", "report"});
     EXPECT_EQ(outputOf({"test", "-k", "public.pem", "report"}), "report: good\n");
+    // What others have written is kept in any case.
+    _folder.write("report.sig", "precious");
+    for (const char* pOption : {"--force", "--digest-only"})
+    {
+        expectFailure(run({"sign", "-k", "private.pem", pOption, "report"}),
+                      {"report.sig: it is not a signature of this program", "never overwritten"});
+    }
+    expectFailure(run({"sign", "-k", "private.pem", "-f", "-o", "public.pem", "report"}), {"never overwritten"});
+    EXPECT_EQ(_folder.read("report.sig"), "precious");
+}
+
+TEST_F(Program, TellsWeakSignatures)
+{
+    _folder.write("report", "contents");
+    outputOf({"sign", "-k", "private.pem", "--digest-only", "report"});
+    EXPECT_EQ(_folder.read("report.sig").size(), 265U);
+    const tsOutcome weak = run({"test", "-k", "public.pem", "report"});
+    expectFailure(weak, {"report.sig: its exclusive-or digest holds", "--accept-weak"});
+    EXPECT_EQ(weak._output, "report: weak\n");
+    EXPECT_EQ(outputOf({"test", "-k", "public.pem", "--accept-weak", "report"}), "report: weak\n");
+    _folder.write("report", "Contents");
+    EXPECT_EQ(run({"test", "-k", "public.pem", "--accept-weak", "report"})._exitStatus, 1);
+}
+
+TEST_F(Program, CountersignsWithLargeKeysOnly)
+{
+    _folder.write("report", "contents");
+    runOpenSSL(_folder, {"genrsa", "-out", "small.pem", "992"});
+    expectFailure(run({"sign", "-k", "small.pem", "report"}), {"small.pem: the key is too small", "--digest-only"});
+    EXPECT_FALSE(_folder.has("report.sig"));
+    outputOf({"sign", "-k", "small.pem", "-d", "report"});
+    EXPECT_EQ(outputOf({"test", "-w", "-k", "small.pem", "report"}), "report: weak\n");
 }
 
 TEST_F(Program, PutsSignaturesElsewhere)
@@ -159,23 +196,25 @@ TEST_F(Program, PutsSignaturesElsewhere)
     EXPECT_FALSE(_folder.has("report.sig"));
     EXPECT_EQ(outputOf({"test", "-k", "public.pem", "-s", "else where", "report"}), "report: good\n");
     const std::string signature = _folder.read("else where");
-    EXPECT_EQ(outputOf({"sign", "-k", "private.pem", "-o", "-", "report"}), signature);
-    EXPECT_EQ(outputOf({"sign", "-k", "private.pem", "-o", "-", "report", "other"}), signature + signature);
+    const std::string printed = outputOf({"sign", "-k", "private.pem", "-o", "-", "report"});
+    EXPECT_EQ(printed.substr(0, 265), signature.substr(0, 265));
+    EXPECT_EQ(outputOf({"test", "-k", "public.pem", "-s", "-", "other"}, printed), "other: good\n");
+    EXPECT_EQ(outputOf({"sign", "-k", "private.pem", "-o", "-", "report", "other"}).size(), 2 * signature.size());
     EXPECT_EQ(outputOf({"test", "-k", "public.pem", "-s", "-", "report"}, signature), "report: good\n");
     EXPECT_FALSE(_folder.has("-"));
     expectFailure(run({"sign", "-k", "private.pem", "-o", "one", "report", "other"}), {"--output"});
     expectFailure(run({"test", "-k", "public.pem", "-s", "one", "report", "other"}), {"--signature"});
 }
 
-TEST_F(Program, TellsMalformedSignaturesBad)
+TEST_F(Program, TellsWhatIsNotASignature)
 {
     _folder.write("report", "contents");
     for (const char* pSignature : {"", "\n", "x", "00000078", "ffffffff", "7735940000000000"})
     {
         _folder.write("report.sig", pSignature);
         const tsOutcome outcome = run({"test", "-k", "public.pem", "report"});
-        EXPECT_EQ(outcome._exitStatus, 1);
-        EXPECT_EQ(outcome._output, "report: BAD\n");
+        expectFailure(outcome, {"report.sig: it"});
+        EXPECT_EQ(outcome._output, "report: not a signature\n");
     }
     _folder.write("report.sig", std::string(2000000, '0'));
     expectFailure(run({"test", "-k", "public.pem", "report"}), {"too large"});
@@ -185,8 +224,8 @@ TEST_F(Program, TellsWhatIsNoFile)
 {
     ASSERT_EQ(mkdir((_folder / "folder").c_str(), 0700), 0);
     ASSERT_EQ(mkfifo((_folder / "pipe").c_str(), 0600), 0);
-    _folder.write("folder.sig", "x");
-    _folder.write("pipe.sig", "x");
+    _folder.write("folder.sig", oldSignature);
+    _folder.write("pipe.sig", oldSignature);
     for (const char* pCommand : {"sign", "test", "digest"})
     {
         expectFailure(run({pCommand, "-f", "-k", "private.pem", "missing"}), {});
@@ -199,13 +238,13 @@ TEST_F(Program, TellsWhatIsNoFile)
         expectFailure(run({pCommand, "-k", "public.pem", "pipe"}), {"pipe: it is a pipe"});
     }
     expectFailure(run({"sign", "-f", "-k", "private.pem", "folder"}), {"folder: it is a folder"});
-    EXPECT_EQ(_folder.read("folder.sig"), "x");
+    EXPECT_EQ(_folder.read("folder.sig"), oldSignature);
     // What is wrong with one file does not keep it from the others.
     _folder.write("good", "contents");
     const tsOutcome outcome = run({"sign", "-k", "private.pem", "missing", "good"});
     EXPECT_EQ(outcome._exitStatus, 2);
     EXPECT_EQ(outcome._output, "good: signed, good.sig\n");
-    EXPECT_EQ(run({"test", "-k", "public.pem", "missing", "good"})._output, "missing: not tested\ngood: good\n");
+    EXPECT_EQ(run({"test", "-k", "public.pem", "missing", "good"})._output, "missing: missing\ngood: good\n");
 }
 
 TEST_F(Program, TellsReadErrors)
@@ -216,7 +255,8 @@ TEST_F(Program, TellsReadErrors)
         EXPECT_EQ(outcome._exitStatus, 2);
         EXPECT_EQ(outcome._output, "");
     }
-    _folder.write("a.sig", "x");
+    _folder.write("empty", "");
+    outputOf({"sign", "-k", "private.pem", "-o", "a.sig", "empty"});
     expectFailure(run({"test", "-k", "public.pem", "-s", "a.sig", "/proc/self/mem"}),
                   {"/proc/self/mem: it cannot be read: Input/output error"});
     _folder.write("a", "x");
@@ -235,7 +275,7 @@ TEST_F(Program, TellsWhatIsNoKey)
     runOpenSSL(_folder, {"ecparam", "-name", "prime256v1", "-genkey", "-noout", "-out", "ec.pem"});
     runOpenSSL(_folder, {"genrsa", "-out", "odd.pem", "1000"});
     const std::pair<std::string, std::string> cases[] = {
-        {"missing.pem", "No such file"}, {"folder", "is a folder"}, {"no.pem", "no PEM key"},
+        {"missing.pem", "No such file"}, {"folder", "is a folder"}, {"no.pem", "no key in it"},
         {"ec.pem", "not an RSA key"},    {"odd.pem", "1000 bits"},  {"two\nlines", "two\\nlines"}};
     for (const auto& [name, words] : cases)
     {
@@ -252,7 +292,7 @@ TEST_F(Program, TellsWhatIsNoKey)
     EXPECT_FALSE(_folder.has("report.sig"));
 }
 
-TEST_F(Program, TellsWrongKeysBad)
+TEST_F(Program, TellsOtherKeys)
 {
     _folder.write("report", "contents");
     outputOf({"sign", "-k", "private.pem", "report"});
@@ -261,8 +301,8 @@ TEST_F(Program, TellsWrongKeysBad)
     for (const char* pKey : {"other.pem", "large.pem"})
     {
         const tsOutcome outcome = run({"test", "-k", pKey, "report"});
-        EXPECT_EQ(outcome._exitStatus, 1);
-        EXPECT_EQ(outcome._output, "report: BAD\n");
+        expectFailure(outcome, {"report.sig: the signature was made with the key "});
+        EXPECT_EQ(outcome._output, "report: another key\n");
     }
 }
 
@@ -311,8 +351,13 @@ TEST_F(Program, EncryptsAndDecrypts)
     EXPECT_EQ(outputOf({"decrypt", "-k", "private.pem", cipher}), "at noon");
     EXPECT_EQ(outputOf({"encrypt", "-k", "public.pem"}, "at noon"), cipher);
     EXPECT_NE(outputOf({"encrypt", "-k", "public.pem"}, "at noon\n"), cipher);
+    // A file with both halves gives its public one.
+    EXPECT_EQ(outputOf({"encrypt", "-k", "private.pem", "at noon"}), cipher);
     // The other way round.
-    EXPECT_EQ(outputOf({"decrypt", "-k", "public.pem", outputOf({"encrypt", "-k", "private.pem", "x"})}), "x");
+    const tsOutcome signedText = run({"encrypt", "--private", "-k", "private.pem", "x"});
+    expectFailure(signedText, {"warning: private.pem: everybody with the public key can read"}, 0);
+    EXPECT_EQ(outputOf({"decrypt", "-k", "public.pem", signedText._output}), "x");
+    expectFailure(run({"encrypt", "--private", "-k", "public.pem", "x"}), {"public.pem: is a public key"});
     for (const std::string& text : {std::string(), std::string("\n"), std::string(" a\nb\t"), std::string("\xff\xfe"),
                                     std::string(127, 'x'), std::string("-dash"), std::string("[a]")})
     {
@@ -567,18 +612,19 @@ TEST_F(Program, LeavesNoHalfSignatureOnAFullDisk)
             _exit(99);
         }
     };
-    onFullDisk._arguments = {"sh", "-c",
-                             "echo old > disk/report.sig; cat /dev/zero > disk/filler 2>/dev/null; "
-                             "\"$0\" sign -f -k private.pem -o disk/report.sig report; echo $?; "
-                             "\"$0\" sign -k private.pem -o disk/new.sig report; echo $?; "
-                             "cat disk/report.sig; ls -A disk",
-                             COUNTERSIGN_PROGRAM};
+    onFullDisk._arguments = {
+        "sh", "-c",
+        "echo 00000078$(printf %0256d 0) > disk/report.sig; cat /dev/zero > disk/filler 2>/dev/null; "
+        "\"$0\" sign -f -k private.pem -o disk/report.sig report; echo $?; "
+        "\"$0\" sign -k private.pem -o disk/new.sig report; echo $?; "
+        "cut -c1-10 disk/report.sig; ls -A disk",
+        COUNTERSIGN_PROGRAM};
     const tsOutcome outcome = tsRun(onFullDisk);
     if (outcome._exitStatus == 99)
     {
         GTEST_SKIP() << "no disk can be made here";
     }
-    EXPECT_EQ(outcome._output, "2\n2\nold\nfiller\nreport.sig\n");
+    EXPECT_EQ(outcome._output, "2\n2\n0000007800\nfiller\nreport.sig\n");
     EXPECT_THAT(outcome._errors, HasSubstr("No space left on device"));
 }
 
@@ -633,7 +679,7 @@ TEST_F(Program, TellsItsVersionAndHelp)
 {
     EXPECT_THAT(outputOf({"--version"}), ::testing::MatchesRegex("countersign [0-9]+\\.[0-9]+\\.[0-9]+\n"));
     EXPECT_THAT(outputOf({"--help"}), HasSubstr("Examples:"));
-    EXPECT_THAT(outputOf({"--help"}), HasSubstr("accidents, not against an adversary"));
+    EXPECT_THAT(outputOf({"--help"}), HasSubstr("RSASSA-PSS with SHA-256"));
 }
 
 TEST_F(Program, SaysNothingOfItsProgressElsewhere)

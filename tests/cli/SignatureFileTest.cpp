@@ -15,14 +15,18 @@
 namespace
 {
 
+// By their form signatures of a key of 1024 bits and of one of 512.
+const std::string oldSignature = "00000078" + std::string(256, '0') + "\n";
+const std::string newSignature = "00000038" + std::string(128, 'a') + "\n";
+
 class SignatureFile : public ::testing::Test
 {
 protected:
     gtString path(const std::string& name) const { return gtString((_folder / name).c_str()); }
 
-    hoSignatureFileProblem write(const std::string& name, const char* pText, bool mayOverwrite) const
+    hoSignatureFileProblem write(const std::string& name, const std::string& text, bool mayOverwrite) const
     {
-        return hoWriteSignatureFile(path(name), pText, mayOverwrite)._problem;
+        return hoWriteSignatureFile(path(name), text, mayOverwrite)._problem;
     }
 
     TemporaryFolder _folder;
@@ -38,11 +42,11 @@ TEST_F(SignatureFile, StandsBesideTheFile)
 
 TEST_F(SignatureFile, ComesBack)
 {
-    EXPECT_EQ(write("a.sig", "0123abc", false), hoSignatureFileProblem::None);
+    EXPECT_EQ(write("a.sig", "0123abc\n", false), hoSignatureFileProblem::None);
     EXPECT_EQ(_folder.read("a.sig"), "0123abc\n");
     gtString text;
     EXPECT_EQ(hoReadSignatureFile(path("a.sig"), text)._problem, hoSignatureFileProblem::None);
-    EXPECT_EQ(text, gtString("0123abc"));
+    EXPECT_EQ(text, gtString("0123abc\n"));
     EXPECT_EQ(_folder.names(), std::vector<std::string>{"a.sig"});
     struct stat status = {};
     ASSERT_EQ(stat((_folder / "a.sig").c_str(), &status), 0);
@@ -51,21 +55,15 @@ TEST_F(SignatureFile, ComesBack)
     EXPECT_EQ(status.st_mode & 0777U, 0666U & ~mask);
 }
 
-TEST_F(SignatureFile, IsReadWithoutWhatFollows)
+TEST_F(SignatureFile, IsReadByteByByte)
 {
-    for (const char* pText : {"abc", "abc\n", "abc\r\n", "abc \t\n\n"})
+    for (const std::string& contents :
+         {std::string(), std::string("abc"), std::string("abc \t\r\n\n"), std::string("a\0b", 3)})
     {
-        _folder.write("a.sig", pText);
-        gtString text;
-        EXPECT_EQ(hoReadSignatureFile(path("a.sig"), text)._problem, hoSignatureFileProblem::None);
-        EXPECT_EQ(text, gtString("abc"));
-    }
-    for (const char* pText : {"", "\n"})
-    {
-        _folder.write("a.sig", pText);
+        _folder.write("a.sig", contents);
         gtString text("left over");
         EXPECT_EQ(hoReadSignatureFile(path("a.sig"), text)._problem, hoSignatureFileProblem::None);
-        EXPECT_TRUE(text.isEmpty());
+        EXPECT_EQ(text.asStdString(), contents);
     }
 }
 
@@ -86,30 +84,54 @@ TEST_F(SignatureFile, ThatCannotBeReadIsToldAbout)
 
 TEST_F(SignatureFile, IsNotOverwrittenWithoutLeave)
 {
-    _folder.write("a.sig", "old");
+    _folder.write("a.sig", oldSignature);
     EXPECT_EQ(hoCheckSignaturePath(path("a.sig"), false)._problem, hoSignatureFileProblem::Exists);
-    EXPECT_EQ(write("a.sig", "new", false), hoSignatureFileProblem::Exists);
-    EXPECT_EQ(_folder.read("a.sig"), "old");
+    EXPECT_EQ(write("a.sig", newSignature, false), hoSignatureFileProblem::Exists);
+    EXPECT_EQ(_folder.read("a.sig"), oldSignature);
     EXPECT_EQ(hoCheckSignaturePath(path("a.sig"), true)._problem, hoSignatureFileProblem::None);
-    EXPECT_EQ(write("a.sig", "new", true), hoSignatureFileProblem::None);
-    EXPECT_EQ(_folder.read("a.sig"), "new\n");
+    EXPECT_EQ(write("a.sig", newSignature, true), hoSignatureFileProblem::None);
+    EXPECT_EQ(_folder.read("a.sig"), newSignature);
     EXPECT_EQ(_folder.names(), std::vector<std::string>{"a.sig"});
     // A link that leads nowhere is something, too.
     ASSERT_EQ(symlink("nowhere", (_folder / "link.sig").c_str()), 0);
-    EXPECT_EQ(write("link.sig", "new", false), hoSignatureFileProblem::Exists);
+    EXPECT_EQ(write("link.sig", newSignature, false), hoSignatureFileProblem::Exists);
     EXPECT_EQ(_folder.names(), (std::vector<std::string>{"a.sig", "link.sig"}));
 }
 
 TEST_F(SignatureFile, IsWrittenThroughALink)
 {
     ASSERT_EQ(mkdir((_folder / "elsewhere").c_str(), 0700), 0);
-    _folder.write("elsewhere/a.sig", "old");
+    _folder.write("elsewhere/a.sig", oldSignature);
     ASSERT_EQ(symlink("elsewhere/a.sig", (_folder / "a.sig").c_str()), 0);
-    EXPECT_EQ(write("a.sig", "new", true), hoSignatureFileProblem::None);
-    EXPECT_EQ(_folder.read("elsewhere/a.sig"), "new\n");
+    EXPECT_EQ(write("a.sig", newSignature, true), hoSignatureFileProblem::None);
+    EXPECT_EQ(_folder.read("elsewhere/a.sig"), newSignature);
     struct stat status = {};
     ASSERT_EQ(lstat((_folder / "a.sig").c_str(), &status), 0);
     EXPECT_TRUE(S_ISLNK(status.st_mode));
+}
+
+TEST_F(SignatureFile, ReplacesNothingOfOthers)
+{
+    const std::string contents[] = {"",
+                                    "\n",
+                                    "x",
+                                    "precious",
+                                    oldSignature.substr(1),
+                                    oldSignature + "\n",
+                                    "untrusted comment: of another program\nRWQ=\n",
+                                    "-----BEGIN PGP SIGNATURE-----\n",
+                                    std::string(2 * 1024 * 1024, '0')};
+    for (const std::string& content : contents)
+    {
+        _folder.write("a.sig", content);
+        for (const bool mayOverwrite : {false, true})
+        {
+            EXPECT_EQ(hoCheckSignaturePath(path("a.sig"), mayOverwrite)._problem, hoSignatureFileProblem::NotOurs);
+            EXPECT_EQ(write("a.sig", newSignature, mayOverwrite), hoSignatureFileProblem::NotOurs);
+        }
+        EXPECT_EQ(_folder.read("a.sig"), content);
+    }
+    EXPECT_EQ(_folder.names(), std::vector<std::string>{"a.sig"});
 }
 
 TEST_F(SignatureFile, ReplacesNothingButFiles)
@@ -141,7 +163,7 @@ TEST_F(SignatureFile, NeedsAFolder)
 
 TEST_F(SignatureFile, LeavesNothingBehindWhenItCannotBeWritten)
 {
-    _folder.write("a.sig", "old");
+    _folder.write("a.sig", oldSignature);
     struct rlimit before = {};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
     struct rlimit tight = before;
@@ -155,7 +177,7 @@ TEST_F(SignatureFile, LeavesNothingBehindWhenItCannotBeWritten)
     EXPECT_EQ(overwriting._systemError, EFBIG);
     EXPECT_EQ(writing._problem, hoSignatureFileProblem::CannotBeWritten);
     EXPECT_EQ(_folder.names(), std::vector<std::string>{"a.sig"});
-    EXPECT_EQ(_folder.read("a.sig"), "old");
+    EXPECT_EQ(_folder.read("a.sig"), oldSignature);
 }
 
 TEST_F(SignatureFile, StepsOverLeftovers)
@@ -164,8 +186,8 @@ TEST_F(SignatureFile, StepsOverLeftovers)
     {
         _folder.write(".countersign-" + std::to_string(getpid()) + "-" + std::to_string(i) + ".tmp", "leftover");
     }
-    EXPECT_EQ(write("a.sig", "new", false), hoSignatureFileProblem::None);
-    EXPECT_EQ(_folder.read("a.sig"), "new\n");
+    EXPECT_EQ(write("a.sig", newSignature, false), hoSignatureFileProblem::None);
+    EXPECT_EQ(_folder.read("a.sig"), newSignature);
     EXPECT_EQ(_folder.names().size(), 4U);
 }
 
@@ -178,7 +200,8 @@ TEST_F(SignatureFile, IsWonByOneOfMany)
         std::vector<std::thread> threads;
         for (int& success : successes)
         {
-            threads.emplace_back([&] { success = (write(name, "0123456789", false) == hoSignatureFileProblem::None); });
+            threads.emplace_back([&]
+                                 { success = (write(name, "0123456789\n", false) == hoSignatureFileProblem::None); });
         }
         for (std::thread& thread : threads)
         {

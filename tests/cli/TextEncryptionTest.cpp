@@ -115,6 +115,22 @@ TEST_F(TextEncryption, RefusesWhatIsNoCipherText)
     EXPECT_EQ(back, gtString("kept"));
 }
 
+// There is no filler behind a text of the greatest length, and the marker alone tells.
+TEST_F(TextEncryption, FindsWrongKeysByTheMarker)
+{
+    int missed = 0;
+    for (int number = 0; number < 300; ++number)
+    {
+        const std::string digits = std::to_string(number);
+        gtString back;
+        const std::string cipher = encrypted(digits + std::string(63 - digits.size(), 'x'));
+        EXPECT_EQ(decrypt(cipher, back)._problem, hoTextProblem::None);
+        missed += hoDecryptText(_pOther->privateKey(), gtString(cipher), back).isOk() ? 1 : 0;
+    }
+    // By chance once in 256 times; twenty are less likely than a failing machine.
+    EXPECT_LT(missed, 20);
+}
+
 TEST_F(TextEncryption, FindsWrongKeysAndDamage)
 {
     gtString back("kept");

@@ -120,6 +120,32 @@ bool SystemFault::hasHappened() const
     return isDone;
 }
 
+namespace
+{
+std::atomic<bool> hasWholeSeconds{false};
+
+template <class Status>
+int roundStamps(int result, Status* pStatus)
+{
+    if (result == 0 && hasWholeSeconds)
+    {
+        pStatus->st_mtim.tv_nsec = 0;
+        pStatus->st_ctim.tv_nsec = 0;
+    }
+    return result;
+}
+}  // namespace
+
+WholeSecondStamps::WholeSecondStamps()
+{
+    hasWholeSeconds = true;
+}
+
+WholeSecondStamps::~WholeSecondStamps()
+{
+    hasWholeSeconds = false;
+}
+
 extern "C"
 {
     int open(const char* pPath, int flags, ...)
@@ -244,28 +270,28 @@ extern "C"
     {
         return isInFolder(descriptor) && hasFailed("fstat")
                    ? -1
-                   : next<int (*)(int, struct stat*)>("fstat")(descriptor, pStatus);
+                   : roundStamps(next<int (*)(int, struct stat*)>("fstat")(descriptor, pStatus), pStatus);
     }
 
     int fstat64(int descriptor, struct stat64* pStatus) noexcept
     {
         return isInFolder(descriptor) && hasFailed("fstat")
                    ? -1
-                   : next<int (*)(int, struct stat64*)>("fstat64")(descriptor, pStatus);
+                   : roundStamps(next<int (*)(int, struct stat64*)>("fstat64")(descriptor, pStatus), pStatus);
     }
 
     int stat(const char* pPath, struct stat* pStatus) noexcept
     {
         return isInFolder(pPath) && hasFailed("stat")
                    ? -1
-                   : next<int (*)(const char*, struct stat*)>("stat")(pPath, pStatus);
+                   : roundStamps(next<int (*)(const char*, struct stat*)>("stat")(pPath, pStatus), pStatus);
     }
 
     int stat64(const char* pPath, struct stat64* pStatus) noexcept
     {
         return isInFolder(pPath) && hasFailed("stat")
                    ? -1
-                   : next<int (*)(const char*, struct stat64*)>("stat64")(pPath, pStatus);
+                   : roundStamps(next<int (*)(const char*, struct stat64*)>("stat64")(pPath, pStatus), pStatus);
     }
 
     char* realpath(const char* pPath, char* pResolved) noexcept

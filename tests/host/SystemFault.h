@@ -25,4 +25,15 @@ public:
     bool hasHappened() const;
 };
 
+// While it lives, the files of the folder have time stamps without fractions, as on some file systems, from what fstat
+// and stat say.
+class WholeSecondStamps
+{
+public:
+    WholeSecondStamps();
+    ~WholeSecondStamps();
+    WholeSecondStamps(const WholeSecondStamps&) = delete;
+    WholeSecondStamps& operator=(const WholeSecondStamps&) = delete;
+};
+
 #endif

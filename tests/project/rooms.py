@@ -36,7 +36,7 @@ ROOMS = {
     "crypto": (["src"] + PLATFORM, ["openssl"]),
     "app": (["assertionHandling", "platform/toolkit"] + PLATFORM, ["wx"]),
     "host/keys": (["crypto"] + PLATFORM, ["openssl"]),
-    "host/signing": (["host/keys", "crypto", "src"] + PLATFORM, []),
+    "host/signing": (["host/keys", "crypto", "src"] + PLATFORM, ["openssl"]),
     "host/documents": (["host/signing"] + PLATFORM, []),
     "host/messages": (["host/keys", "host/signing", "host/documents", "crypto"] + PLATFORM, []),
     "host/desktop": (["host/documents", "app", "platform/toolkit"] + PLATFORM, ["wx", "glib", "x11"]),

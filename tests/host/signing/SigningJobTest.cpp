@@ -18,13 +18,16 @@ namespace
 {
 using Kind = hoSigningJob::Kind;
 
+// By its form one of a key of 1024 bits.
+const std::string anOldSignature = "00000078" + std::string(256, '0') + "\n";
+
 class DocumentWork : public testing::Test
 {
 protected:
     static void SetUpTestSuite()
     {
         mine = newKey(1024);
-        theirs = newKey(512);
+        theirs = newKey(1024);
     }
     static void TearDownTestSuite()
     {
@@ -101,8 +104,8 @@ TEST_F(DocumentWork, SignsAndTests)
     perform(Kind::Test, {mine, theirs});
     EXPECT_EQ(state(1), hoDocumentState::SignedByMe);
     perform(Kind::Test, {nullptr, theirs});
-    EXPECT_EQ(state(0), hoDocumentState::Bad);
-    EXPECT_EQ(state(1), hoDocumentState::Bad);
+    EXPECT_EQ(state(0), hoDocumentState::AnotherKey);
+    EXPECT_EQ(state(1), hoDocumentState::AnotherKey);
 }
 
 TEST_F(DocumentWork, TellsAnAlteredDocument)
@@ -152,13 +155,51 @@ TEST_F(DocumentWork, AGoodStateDoesNotOutliveItsBytes)
 TEST_F(DocumentWork, OverwritesNothingUnasked)
 {
     open("a", "some text");
-    _folder.write("a.sig", "precious");
+    _folder.write("a.sig", anOldSignature);
     const std::vector<hoSigningOutcome> kept = perform(Kind::Sign, {mine, nullptr});
     ASSERT_EQ(kept.size(), 1U);
     EXPECT_EQ(kept[0]._signatureFile._problem, hoSignatureFileProblem::Exists);
-    EXPECT_EQ(std::filesystem::file_size(_folder.path("a.sig")), 8U);
+    EXPECT_EQ(std::filesystem::file_size(_folder.path("a.sig")), anOldSignature.size());
     perform(Kind::Sign, {mine, nullptr}, true);
     EXPECT_EQ(state(0), hoDocumentState::SignedByMe);
+}
+
+TEST_F(DocumentWork, OverwritesNothingOfOthers)
+{
+    open("a", "some text");
+    for (const char* pContents : {"precious", "", "untrusted comment: of another program\nRWQ=\n"})
+    {
+        _folder.write("a.sig", pContents);
+        for (const bool mayOverwrite : {false, true})
+        {
+            const std::vector<hoSigningOutcome> kept = perform(Kind::Sign, {mine, nullptr}, mayOverwrite);
+            ASSERT_EQ(kept.size(), 1U);
+            EXPECT_EQ(kept[0]._signatureFile._problem, hoSignatureFileProblem::NotOurs);
+            EXPECT_EQ(_folder.read("a.sig"), pContents);
+        }
+        perform(Kind::Test, {mine, nullptr});
+        EXPECT_EQ(state(0), hoDocumentState::NotASignature);
+        EXPECT_FALSE(_list.refresh(0));
+    }
+}
+
+TEST_F(DocumentWork, SignsWeaklyWhereAskedTo)
+{
+    open("a", "some text");
+    hoSigningJob work(Kind::Sign, all(), {mine, nullptr}, false, nullptr, hoSignatureLines::DigestOnly);
+    while (!work.isFinished())
+    {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(_folder.read("a.sig").size(), anOldSignature.size());
+    perform(Kind::Test, {mine, nullptr});
+    EXPECT_EQ(state(0), hoDocumentState::Weak);
+    EXPECT_FALSE(_list.refresh(0));
+    _folder.write("a", "other text");
+    EXPECT_TRUE(_list.refresh(0));
+    EXPECT_EQ(state(0), hoDocumentState::Changed);
+    perform(Kind::Test, {mine, nullptr});
+    EXPECT_EQ(state(0), hoDocumentState::Bad);
 }
 
 TEST_F(DocumentWork, GoesOnAfterADocumentThatCannotBeRead)

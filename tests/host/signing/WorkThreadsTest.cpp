@@ -107,9 +107,9 @@ protected:
             const hoSignatureFileResult facts = hoReadSignatureFile(hoSignaturePath(document._path), signature);
             if (facts._problem == hoSignatureFileProblem::None)
             {
-                bool isGood = false;
-                hoTestFile(document._path, *pKey, signature, nullptr, isGood);
-                EXPECT_TRUE(isGood) << document._path.asCharArray();
+                EXPECT_EQ(hoTestFile(document._path, {pKey.get()}, signature.asStringView(), nullptr)._verdict,
+                          hoVerdict::Good)
+                    << document._path.asCharArray();
                 ++signatures;
             }
         }
@@ -124,13 +124,13 @@ protected:
 TEST_F(WorkThreads, AreTornDownAThousandTimes)
 {
     SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(_seed));
-    tearDownWorks("documents", newKey(512), amountOfShutdowns(), _seed);
+    tearDownWorks("documents", newKey(1024), amountOfShutdowns(), _seed);
 }
 
 TEST_F(WorkThreads, ShareAKey)
 {
     SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(_seed));
-    const std::shared_ptr<const hoKey> pKey = newKey(512);
+    const std::shared_ptr<const hoKey> pKey = newKey(1024);
     std::vector<std::thread> threads;
     for (unsigned long number = 0; number < 4; ++number)
     {

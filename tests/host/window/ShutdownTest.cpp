@@ -35,7 +35,7 @@ protected:
     {
         MainFrameFixture::SetUp();
         std::filesystem::create_directory(_folder.path("documents"));
-        const std::string keyText = newKeyText(512);
+        const std::string keyText = newKeyText(1024);
         _folder.write("mine.pem", keyText);
         std::filesystem::permissions(_folder.path("mine.pem"),
                                      std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
@@ -47,7 +47,8 @@ protected:
             const std::string path = _folder.write(name(number), "document " + std::to_string(number));
             std::filesystem::resize_file(path, number == 1 ? 40000000 : 100000);
             gtString signature;
-            ASSERT_EQ(hoSignFile(path.c_str(), *_pKey, nullptr, signature)._problem, hoSigningProblem::None);
+            ASSERT_EQ(hoSignFile(path.c_str(), *_pKey, hoSignatureLines::Both, nullptr, signature)._problem,
+                      hoSigningProblem::None);
             _signatures.emplace_back(signature.asCharArray());
         }
     }
@@ -70,7 +71,11 @@ protected:
         {
             if (std::filesystem::exists(_folder.path(name(number) + ".sig")))
             {
-                EXPECT_EQ(_folder.read(name(number) + ".sig"), _signatures.at(static_cast<std::size_t>(number)) + "\n");
+                // A countersignature is another one each time.
+                const std::string signature = _folder.read(name(number) + ".sig");
+                const std::string& wanted = _signatures.at(static_cast<std::size_t>(number));
+                EXPECT_EQ(signature.size(), wanted.size());
+                EXPECT_EQ(signature.substr(0, signature.find('\n')), wanted.substr(0, wanted.find('\n')));
                 ++found;
             }
         }
@@ -226,7 +231,7 @@ TEST_F(Shutdown, OfTheProgramWhileItAsks)
     {
         for (int number = 0; number < documents; ++number)
         {
-            _folder.write(name(number) + ".sig", _signatures.at(static_cast<std::size_t>(number)) + "\n");
+            _folder.write(name(number) + ".sig", _signatures.at(static_cast<std::size_t>(number)));
         }
         EXPECT_EQ(tsRunSignalled(programAtWork("question"), signal, randomMoment(300000), true)._signal, signal);
         EXPECT_EQ(checkFolder(), documents);

@@ -75,7 +75,7 @@ TEST_F(SigningController, BeginsNothingWithoutAKey)
 
 TEST_F(SigningController, ReportsEveryDocumentAndTheEnd)
 {
-    _keys._private._pKey = newKey(512);
+    _keys._private._pKey = newKey(1024);
     _pController->begin(Kind::Sign, documents(50));
     EXPECT_EQ(_begun, 1);
     EXPECT_TRUE(_pController->isAtWork());
@@ -94,7 +94,7 @@ TEST_F(SigningController, ReportsEveryDocumentAndTheEnd)
 
 TEST_F(SigningController, ReportsNoOutcomeOfKeysThatAreGone)
 {
-    _keys._private._pKey = newKey(512);
+    _keys._private._pKey = newKey(1024);
     _pController->begin(Kind::Sign, documents(3));
     _keys = hoKeyRing();
     waitForEnd(1);
@@ -109,7 +109,7 @@ TEST_F(SigningController, HoldsTheProgressBackUntilItMayAppear)
                            [](const wxWindow* pWindow)
                            { return dynamic_cast<const hoProgressDialog*>(pWindow) != nullptr && pWindow->IsShown(); });
     };
-    _keys._private._pKey = newKey(512);
+    _keys._private._pKey = newKey(1024);
     const std::vector<hoDocument> one = documents(1);
     // Of holes alone: it takes longer than the test.
     std::filesystem::resize_file(_folder.path("document0"), 1ULL << 40);
@@ -125,7 +125,7 @@ TEST_F(SigningController, HoldsTheProgressBackUntilItMayAppear)
 
 TEST_F(SigningController, StopsWithoutACallback)
 {
-    _keys._private._pKey = newKey(512);
+    _keys._private._pKey = newKey(1024);
     _pController->begin(Kind::Sign, documents(3));
     _pController->stop();
     EXPECT_FALSE(_pController->isAtWork());

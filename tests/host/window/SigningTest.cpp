@@ -74,17 +74,68 @@ TEST_F(Signing, SignsAndTestsByKeys)
     EXPECT_THAT(rows(1), ElementsAre("Signed by me", "Bad", "Signed by me", "Not signed"));
     EXPECT_EQ(message(), "4 documents: 2 good, 1 bad, 1 not signed.");
     EXPECT_FALSE(_pFrame->workMessage()._isAllWell);
-    EXPECT_THAT(_pFrame->workMessage()._details.utf8_string(), HasSubstr(_folder.path("b.txt") + "\n    BAD"));
+    EXPECT_THAT(_pFrame->workMessage()._details.utf8_string(),
+                HasSubstr(_folder.path("b.txt") + "\n    bad: the document is not the one"));
 
     openAskedFor(_folder.path("a.txt"));
     pressAndWait("ctrl+t");
     EXPECT_EQ(message(), "1 document: 1 good.");
 }
 
+TEST_F(Signing, TellsWeakSignaturesThoseOfOthersAndNone)
+{
+    startWithKey();
+    pressAndWait("ctrl+shift+s");
+    const std::string signature = _folder.read("a.txt.sig");
+    _folder.write("a.txt.sig", signature.substr(0, signature.find('\n') + 1));
+    _folder.write("b.txt.sig", "untrusted comment: of another program\nRWQ=\n");
+    _folder.write("c.txt.sig", signature.substr(0, 300) + "\n");
+    pressAndWait("ctrl+shift+t");
+    EXPECT_THAT(rows(1), ElementsAre("Weak", "Not a signature", "Not a signature"));
+    EXPECT_EQ(message(), "3 documents: 1 weak, 2 without a signature that can be read.");
+    EXPECT_FALSE(_pFrame->workMessage()._isAllWell);
+    const std::string details = _pFrame->workMessage()._details.utf8_string();
+    EXPECT_THAT(details, HasSubstr("weak: its exclusive-or digest holds"));
+    EXPECT_THAT(details, HasSubstr("not a signature: it is a signature of signify"));
+    EXPECT_THAT(details, HasSubstr("not a signature: its second line is damaged"));
+
+    // What others have written is not replaced.
+    std::filesystem::remove(_folder.path("a.txt.sig"));
+    pressAndWait("ctrl+shift+s");
+    EXPECT_THAT(_folder.read("b.txt.sig"), testing::StartsWith("untrusted"));
+    EXPECT_THAT(_pFrame->workMessage()._details.utf8_string(), HasSubstr("never overwritten"));
+}
+
+TEST_F(Signing, AsksBeforeItSignsWeakly)
+{
+    start();
+    const std::string keyPath = _folder.write("small.pem", newKeyText(512));
+    std::filesystem::permissions(keyPath, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    drop(keyPath);
+    tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
+    openAskedFor(_folder.write("a.txt", "first"));
+    settle();
+    // Return takes the button that the keyboard is on at first.
+    for (const std::string& answer : std::vector<std::string>{"Return", "Escape", "alt+w"})
+    {
+        tsScript script;
+        script.waitUntil("the question is there", [this] { return isAnotherWindowActive(); })
+            .perform("answer", [&] { tsPressKeys(answer); })
+            .start();
+        tsPressKeys("ctrl+shift+s");
+        tsRunUntil("the question is answered",
+                   [&] { return script.isFinished() && !isAnotherWindowActive() && !_pFrame->isAtWork(); });
+        settle();
+        EXPECT_EQ(std::filesystem::exists(_folder.path("a.txt.sig")), answer == "alt+w") << answer;
+    }
+    EXPECT_THAT(rows(1), ElementsAre("Weak"));
+    EXPECT_EQ(message(), "1 document: 1 signed.");
+}
+
 TEST_F(Signing, TellsStatesByShapesToo)
 {
     const wxVector<wxBitmapBundle> icons = hoStateIcons();
-    ASSERT_EQ(icons.size(), 7U);
+    ASSERT_EQ(icons.size(), 10U);
     // What is left of a picture without its colours: where it is opaque, and how bright.
     std::set<std::string> shapes;
     for (const wxBitmapBundle& icon : icons)
@@ -106,7 +157,8 @@ TEST_F(Signing, TellsStatesByShapesToo)
 TEST_F(Signing, AsksBeforeItReplacesSignatures)
 {
     startWithKey();
-    _folder.write("a.txt.sig", "precious");
+    const std::string oldSignature = "00000078" + std::string(256, '0') + "\n";
+    _folder.write("a.txt.sig", oldSignature);
     openAskedFor(_folder.path("b.txt"));
     for (const std::string& answer : std::vector<std::string>{"Escape", "alt+k", "alt+r"})
     {
@@ -119,7 +171,7 @@ TEST_F(Signing, AsksBeforeItReplacesSignatures)
                    [&] { return script.isFinished() && !isAnotherWindowActive() && !_pFrame->isAtWork(); });
         settle();
         const bool isReplaced = answer == "alt+r";
-        EXPECT_EQ(std::filesystem::file_size(_folder.path("a.txt.sig")) == 8, !isReplaced) << answer;
+        EXPECT_EQ(_folder.read("a.txt.sig") == oldSignature, !isReplaced) << answer;
         EXPECT_EQ(std::filesystem::exists(_folder.path("b.txt.sig")), answer != "Escape");
         std::filesystem::remove(_folder.path("b.txt.sig"));
     }
@@ -140,7 +192,7 @@ TEST_F(Signing, APublicKeyTests)
     tsRunUntil("the keys are gone", [this] { return !_pFrame->keys().canTest(); });
     drop(_folder.path("theirs.pem"));
     pressAndWait("ctrl+shift+t");
-    EXPECT_THAT(rows(1), ElementsAre("Bad", "Bad", "Bad"));
+    EXPECT_THAT(rows(1), ElementsAre("Another key", "Another key", "Another key"));
 }
 
 TEST_F(Signing, SeesDocumentsChangeAndGoAndComeBack)
@@ -227,7 +279,7 @@ TEST_F(Signing, SaysWhyAKeyIsNotLoaded)
     hoKeyFileFacts facts;
     facts._problem = hoKeyFileProblem::NoKey;
     EXPECT_EQ(hoKeyProblemText("/x/no\n.pem", facts).utf8_string(),
-              "Cannot load \xe2\x80\x9cno\xe2\x90\x8a.pem\xe2\x80\x9d: there is no PEM key in it.");
+              "Cannot load \xe2\x80\x9cno\xe2\x90\x8a.pem\xe2\x80\x9d: there is no key in it.");
 }
 
 TEST_F(Signing, TellsDroppedKeysByTheirContent)

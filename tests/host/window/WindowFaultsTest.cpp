@@ -34,7 +34,7 @@ protected:
     {
         start({"countersign-desktop", _large});
         hoKeyRing keys;
-        keys._private._pKey = newKey(512);
+        keys._private._pKey = newKey(1024);
         _pFrame->setKeys(keys);
         settle();
     }
