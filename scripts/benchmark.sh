@@ -12,7 +12,7 @@ set -u
 "$root/scripts/install-dependencies.sh" develop || exit
 build=$root/build/benchmark
 rooms=("$@")
-[ "${#rooms[@]}" -gt 0 ] || rooms=(bigdigits crypto platform host)
+[ "${#rooms[@]}" -gt 0 ] || rooms=(bigdigits crypto signing platform host)
 targets=()
 for room in "${rooms[@]}"; do
     [ -d "$root/benchmarks/$room" ] || fail "there is no room '$room' with benchmarks in benchmarks/$room"
