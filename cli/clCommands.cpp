@@ -74,6 +74,10 @@ std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
     {
         warnOfPrivateKey(name, facts);
     }
+    if ((pKey != nullptr) && pKey->hasPrivateKey() && !facts._isLibcryptoMemoryWiped)
+    {
+        complain(gtString("warning: ").append(name), hoMemoryWarning());
+    }
     // A private key need not be in memory longer than it takes to read its file.
     return ((pKey != nullptr) && isPublicEnough) ? pKey->publicHalf() : std::move(pKey);
 }
@@ -373,8 +377,9 @@ int printKey(const clArguments& arguments)
     gtString exponent = hoFixedWidthText(key.numberDigits(), key.amountOfNumberDigits());
     clWriteOutput(gtString("size ").append(std::to_string(pKey->bits())).append("\nmodulus "));
     clWriteOutput(hoFixedWidthText(key.productDigits(), key.amountOfProductDigits()).append("\nexponent "));
-    clWriteOutput(exponent.append('\n'));
+    clWriteOutput(exponent);
     gtWipe(exponent);
+    clWriteOutput("\n");
     return clStatusGood;
 }
 

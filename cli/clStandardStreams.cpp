@@ -3,38 +3,68 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
+#include <string_view>
 #include <unistd.h>
 
 #include "cli/clInterrupt.h"
+#include "platform/baseTools/gtWipe.h"
 #include "platform/osWrappers/osWriteAll.h"
 
 namespace
 {
 
-constexpr int bytesAtOnce = 65536;
-
-gtString outputBuffer;
+// Never grown, so that it leaves no copies of itself behind.
+char outputBuffer[65536];
+std::size_t amountBuffered = 0;
 int outputError = 0;
+
+void write(std::string_view bytes)
+{
+    const int error = osWriteAll(STDOUT_FILENO, bytes, clIsInterrupted);
+    if (outputError == 0)
+    {
+        outputError = error;
+    }
+}
+
+// Copying takes bytes through the processor's vector registers, and the dynamic linker puts these on the stack when it
+// looks up a function. Copies of zeros take their place; which registers are used depends on the length.
+void clearRegisters()
+{
+    static char zeros[2048];
+    static char nothing[sizeof(zeros)];
+    void* (*volatile copy)(void*, const void*, std::size_t) = std::memcpy;
+    for (std::size_t length = sizeof(zeros); length >= 16; length /= 2)
+    {
+        copy(nothing, zeros, length);
+    }
+}
 
 }  // namespace
 
 void clWriteOutput(const gtString& text)
 {
-    outputBuffer.append(text);
-    if (outputBuffer.length() >= bytesAtOnce)
+    const std::string_view bytes = text.asStringView();
+    if (bytes.size() > sizeof(outputBuffer) - amountBuffered)
     {
         static_cast<void>(clFlushOutput());
     }
+    if (bytes.size() > sizeof(outputBuffer))
+    {
+        write(bytes);
+        return;
+    }
+    bytes.copy(outputBuffer + amountBuffered, bytes.size());
+    amountBuffered += bytes.size();
 }
 
 int clFlushOutput()
 {
-    const int error = osWriteAll(STDOUT_FILENO, outputBuffer.asStringView(), clIsInterrupted);
-    outputBuffer.makeEmpty();
-    if (outputError == 0)
-    {
-        outputError = error;
-    }
+    write(std::string_view(outputBuffer, amountBuffered));
+    gtWipe(outputBuffer, amountBuffered);
+    clearRegisters();
+    amountBuffered = 0;
     return outputError;
 }
 
@@ -48,7 +78,14 @@ void clComplain(const gtString& text)
 
 int clReadInput(gtString& bytes, int limit)
 {
-    char buffer[4096];
+    // A text that grows would leave copies behind.
+    bytes.reserve(limit);
+    struct WipedBuffer
+    {
+        ~WipedBuffer() { gtWipe(_bytes, sizeof(_bytes)); }
+        char _bytes[4096];
+    } wiped;
+    char(&buffer)[sizeof(wiped._bytes)] = wiped._bytes;
     while (bytes.length() < limit)
     {
         if (!clWaitForInput(STDIN_FILENO))

@@ -9,8 +9,6 @@
 
 #include <openssl/crypto.h>
 
-#include "platform/baseTools/gtWipe.h"
-
 namespace
 {
 
@@ -36,7 +34,7 @@ extern "C" void hoFreeForLibcrypto(void* pMemory, const char* /*pFile*/, int /*l
         char* pBlock = static_cast<char*>(pMemory) - sizeOfHeader;
         std::size_t size = 0;
         std::memcpy(&size, pBlock, sizeof(size));
-        gtWipe(pMemory, size);
+        OPENSSL_cleanse(pMemory, size);
         std::free(pBlock);
     }
 }
@@ -63,10 +61,14 @@ extern "C" void* hoReallocateForLibcrypto(void* pMemory, std::size_t size, const
     return pNewMemory;
 }
 
+bool isTaken = false;
+
 // libcrypto takes this only before its first allocation, and does not guard it against other threads. Before main there
-// is one thread.
-const bool isTaken =
-    CRYPTO_set_mem_functions(hoAllocateForLibcrypto, hoReallocateForLibcrypto, hoFreeForLibcrypto) == 1;
+// is one thread, and this number comes before all that the compiler makes for objects with constructors.
+__attribute__((constructor(101))) void setAllocatorOfLibcrypto()
+{
+    isTaken = CRYPTO_set_mem_functions(hoAllocateForLibcrypto, hoReallocateForLibcrypto, hoFreeForLibcrypto) == 1;
+}
 
 }  // namespace
 

@@ -39,6 +39,9 @@ gtString hoVerdictReason(const hoTestFacts& facts);
 // What a file is instead of a signature of this program.
 gtString hoSignatureFormReason(hoSignatureForm form);
 
+// Where libcrypto did not take the allocator that overwrites (hoLibcryptoMemory.h).
+gtString hoMemoryWarning();
+
 // What encrypting with a private key means.
 gtString hoPrivateEncryptionWarning();
 

@@ -120,7 +120,10 @@ hoTextResult hoDecryptText(const crRSAEncryptionKey& key, const gtString& cipher
         {
             return hoTextProblem::DoesNotComeOut;
         }
-        text = gtString(found);
+        // Into its own memory: one that is given away leaves what it holds in itself.
+        text.makeEmpty();
+        text.reserve(static_cast<int>(found.size()));
+        text.append(found);
         return hoTextProblem::None;
     }
     catch (const std::bad_alloc&)
