@@ -175,7 +175,7 @@ void clearAndFree(unsigned char* characters, size_t n)
 // since. The sizes are more than any way through them takes, of which numbers of few digits take less.
 MP_OWN_FRAME void wipeDeepStack()
 {
-    unsigned char room[32768];
+    unsigned char room[49152];
     wipe(room, 0, sizeof(room));
 }
 
@@ -426,12 +426,154 @@ MP_INLINE void squareByWords(mpDigit w[], const mpDigit x[], size_t n)
     }
 }
 
+using SquareForm = void (*)(mpDigit w[], const mpDigit x[], size_t n);
+
+// A square of two halves is made of three squares of such a length: 2 a b is a a + b b - (a - b) (a - b). Numbers of at
+// most "longest" digits are squared by the form, and longest is at least 8. room has 3 n + 9 * mostHalvings digits: a half
+// has at most n / 2 + 3 / 2 digits, so what is taken of it in all is less than 3 n + 9 for each time it is halved.
+constexpr size_t mostHalvings = 8;
+
+void squareByHalves(mpDigit w[], const mpDigit x[], size_t n, SquareForm form, size_t longest, mpDigit room[])
+{
+    if (n <= longest)
+    {
+        form(w, x, n);
+        return;
+    }
+    const size_t half = (n + 3) / 4 * 2;
+    const size_t rest = n - half;
+    squareByHalves(w, x, half, form, longest, room);
+    squareByHalves(w + 2 * half, x + half, rest, form, longest, room);
+
+    mpDigit* difference = room;
+    mpDigit* middle = room + half;
+    setZero(middle, half);
+    setEqual(middle, x + half, rest);
+    if (subtract(difference, x, middle, half) != 0)
+    {
+        subtract(difference, middle, x, half);
+    }
+    squareByHalves(middle, difference, half, form, longest, room + 3 * half);
+    // Both are less than twice a square of a half, so the digit above these may be 1.
+    mpDigit sum = 0;
+    mpDigit borrow = 0;
+    for (size_t i = 0; i < 2 * half; i++)
+    {
+        const uint64_t squares = uint64_t{w[i]} + (i < 2 * rest ? w[2 * half + i] : 0) + sum;
+        sum = static_cast<mpDigit>(squares >> bitsPerDigit);
+        const uint64_t product = uint64_t{static_cast<mpDigit>(squares)} - middle[i] - borrow;
+        borrow = static_cast<mpDigit>(product >> bitsPerDigit) & 1;
+        middle[i] = static_cast<mpDigit>(product);
+    }
+    mpDigit carry = add(w + half, w + half, middle, 2 * half) + sum - borrow;
+    for (mpDigit* above = w + 3 * half; carry != 0; above++)
+    {
+        *above += carry;
+        carry = *above < carry ? 1 : 0;
+    }
+}
+
+// Longer numbers are cut into parts of that many digits, so that little stack is needed.
+constexpr size_t longestForHalves = 1024;
+
+// Halves at most "longest" digits long, which are at least 8, are squared by the form.
+MP_OWN_FRAME void squareByHalves(mpDigit w[], const mpDigit x[], size_t n, SquareForm form, size_t longest)
+{
+    mpDigit room[3 * longestForHalves + 9 * mostHalvings];
+    squareByHalves(w, x, n, form, longest, room);
+}
+
+// w[0..wn) += a[0..n) * B^at, or -= that: modulo B^wn.
+template <class Operation>
+void changeAt(mpDigit w[], size_t wn, size_t at, const mpDigit a[], size_t n, Operation operation, mpDigit lastOfCarry)
+{
+    if (at >= wn)
+    {
+        return;
+    }
+    const size_t count = std::min(n, wn - at);
+    mpDigit carry = operation(w + at, w + at, a, count);
+    for (size_t i = at + count; carry != 0 && i < wn; i++)
+    {
+        const mpDigit before = w[i];
+        w[i] += lastOfCarry;
+        carry = before == (lastOfCarry == 1 ? allOnes : 0) ? 1 : 0;
+    }
+}
+
+// The same with any number of parts: the square of a part counts wherever the part is a factor of a product, and the
+// squares of the differences are taken away. What is between may exceed 2 n digits; the result does not.
+MP_OWN_FRAME void squareByParts(mpDigit w[], const mpDigit x[], size_t n, SquareForm form, size_t longest)
+{
+    constexpr size_t part = longestForHalves;
+    mpDigit square[2 * part];
+    mpDigit difference[part];
+    mpDigit padded[part];
+    setZero(w, 2 * n);
+    for (size_t i = 0; i < n; i += part)
+    {
+        const size_t size = std::min(n - i, part);
+        squareByHalves(square, x + i, size, form, longest);
+        for (size_t j = 0; j < n; j += part)
+        {
+            changeAt(w, 2 * n, i + j, square, 2 * size, add, 1);
+        }
+        setZero(padded, part);
+        setEqual(padded, x + i, size);
+        for (size_t j = 0; j < i; j += part)
+        {
+            if (subtract(difference, x + j, padded, part) != 0)
+            {
+                subtract(difference, padded, x + j, part);
+            }
+            squareByHalves(square, difference, part, form, longest);
+            changeAt(w, 2 * n, i + j, square, 2 * part, subtract, allOnes);
+        }
+    }
+}
+
+// By the form, which takes at most "longest" digits at once.
+MP_INLINE void squareBy(mpDigit w[], const mpDigit x[], size_t n, SquareForm form, size_t longest)
+{
+    if (n <= longest)
+    {
+        form(w, x, n);
+    }
+    else if (n <= longestForHalves)
+    {
+        squareByHalves(w, x, n, form, longest);
+    }
+    else
+    {
+        squareByParts(w, x, n, form, longest);
+    }
+}
+
+// More digits are halved first.
+constexpr size_t mostWordDigits = 96;
+
+void squareByPlainWords(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareByWords(w, x, n);
+}
+
+// Words, and halves of them.
+void squareWithWords(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareBy(w, x, n, squareByPlainWords, mostWordDigits);
+}
+
 #if defined(__x86_64__)
 
 // Its multiplication leaves the flags alone.
-__attribute__((target("bmi2"))) void squareWithBmi2(mpDigit w[], const mpDigit x[], size_t n)
+__attribute__((target("bmi2"))) void squareByWordsWithBmi2(mpDigit w[], const mpDigit x[], size_t n)
 {
     squareByWords(w, x, n);
+}
+
+void squareWithBmi2(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareBy(w, x, n, squareByWordsWithBmi2, mostWordDigits);
 }
 
 // Squares by limbs of 52 bits, eight at once in a vector register: for processors that multiply such limbs.
@@ -526,74 +668,31 @@ __attribute__((target("avx512f,avx512ifma,bmi2"))) void multiplyBlocks(mpDigit w
     memcpy(w, octets, (un + vn) * octetsPerDigit);
 }
 
+// Without AVX-512, forms are chosen as on a processor that does not have it.
+#if defined(MP_WITHOUT_AVX512)
+constexpr bool mayUse512Bits = false;
+#else
+constexpr bool mayUse512Bits = true;
+#endif
+
 bool has52BitLimbs()
 {
-    return __builtin_cpu_supports("avx512ifma") && __builtin_cpu_supports("bmi2");
+    return mayUse512Bits && __builtin_cpu_supports("avx512ifma") && __builtin_cpu_supports("bmi2");
+}
+
+void squareByOneBlock(mpDigit w[], const mpDigit x[], size_t n)
+{
+    multiplyBlocks(w, x, n, x, n);
 }
 
 void squareByBlocks(mpDigit w[], const mpDigit x[], size_t n)
 {
-    if (n <= digitsPerBlock)
-    {
-        multiplyBlocks(w, x, n, x, n);
-        return;
-    }
-    setZero(w, 2 * n);
-    for (size_t i = 0; i < n; i += digitsPerBlock)
-    {
-        const size_t in = std::min(n - i, digitsPerBlock);
-        for (size_t j = 0; j <= i; j += digitsPerBlock)
-        {
-            const size_t jn = j == i ? in : digitsPerBlock;
-            mpDigit block[2 * digitsPerBlock];
-            multiplyBlocks(block, x + i, in, x + j, jn);
-            for (size_t times = i == j ? 1 : 2; times > 0; times--)
-            {
-                mpDigit* above = w + i + j + in + jn;
-                for (mpDigit carry = add(w + i + j, w + i + j, block, in + jn); carry != 0; above++)
-                {
-                    *above += carry;
-                    carry = *above == 0 ? 1 : 0;
-                }
-            }
-        }
-    }
+    squareBy(w, x, n, squareByOneBlock, digitsPerBlock);
 }
 
 constexpr size_t shortestForLimbs = 20;
 
-using SquareForm = void (*)(mpDigit w[], const mpDigit x[], size_t n);
-
-// For this processor and that many digits.
-SquareForm squareForm(size_t n)
-{
-    if (n >= shortestForLimbs && has52BitLimbs())
-    {
-        return squareByBlocks;
-    }
-    return __builtin_cpu_supports("bmi2") ? squareWithBmi2 : squareByWords;
-}
-
-void square(mpDigit w[], const mpDigit x[], size_t n)
-{
-    squareForm(n)(w, x, n);
-}
-
-#else
-
-void square(mpDigit w[], const mpDigit x[], size_t n)
-{
-    squareByWords(w, x, n);
-}
-
 #endif
-
-#else
-
-void square(mpDigit w[], const mpDigit x[], size_t n)
-{
-    squareByRows(w, x, n);
-}
 
 #endif
 
@@ -1069,10 +1168,13 @@ constexpr uint64_t shortLimbMask = (uint64_t{1} << shortLimbBits) - 1;
 constexpr size_t limbsPerGroup = 8;
 constexpr size_t octetsPerGroup = 13;
 constexpr size_t pairsPerLane = 32;
+// Two limbs are a unit.
+constexpr size_t unitBits = 2 * shortLimbBits;
+constexpr uint64_t unitMask = (uint64_t{1} << unitBits) - 1;
 static_assert(pairsPerLane * 2 * shortLimbMask * shortLimbMask <= allOnes, "the sums of a lane fit in it");
 
 // Longer factors are cut into blocks of that many digits.
-constexpr size_t longestForShortLimbs = 260;
+constexpr size_t longestForShortLimbs = 273;
 constexpr size_t mostShortLimbs = longestForShortLimbs * bitsPerDigit / shortLimbBits;
 static_assert(longestForShortLimbs * bitsPerDigit % (limbsPerGroup * shortLimbBits) == 0, "a block has whole groups");
 // Columns that are summed up at once. Loads may reach that far out of a number, whose surroundings are zero.
@@ -1158,6 +1260,29 @@ struct ShortLimbs
         return i;
     }
 
+    // Limbs i and i + 1, for an even i.
+    MP_INLINE void setLimbs(size_t i, uint64_t unit)
+    {
+        const auto lower = static_cast<mpDigit>(unit & shortLimbMask);
+        const auto upper = static_cast<mpDigit>(unit >> shortLimbBits);
+        setPair(i, lower, upper);
+    }
+
+    // The same where pairs are swapped.
+    MP_INLINE void setSwappedLimbs(size_t i, uint64_t unit)
+    {
+        const auto lower = static_cast<mpDigit>(unit & shortLimbMask);
+        const auto upper = static_cast<mpDigit>(unit >> shortLimbBits);
+        setPair(i, upper, lower);
+    }
+
+    // At once, so that what loads both does not have to wait.
+    MP_INLINE void setPair(size_t i, mpDigit first, mpDigit second)
+    {
+        const mpDigit pair = isBigEndian ? first << bitsPerHalf | second : second << bitsPerHalf | first;
+        memcpy(room + limbMargin + i, &pair, sizeof(pair));
+    }
+
     // Takes a[0..n) and nothing else.
     template <bool isSwapped>
     MP_INLINE void take(const mpDigit a[], size_t n)
@@ -1186,6 +1311,9 @@ struct PlainPairs
     {
         sums += (a & halfMask) * (b & halfMask) + (a >> bitsPerHalf) * (b >> bitsPerHalf);
     }
+    // For squares: adds the products of wide lanes, which have 32 bits at most.
+    using Wide = typename Widened<Vector>::Type;
+    static MP_INLINE void multiplyAddWide(Wide& sums, const Wide& a, const Wide& b) { sums += a * b; }
 };
 
 #if defined(__x86_64__)
@@ -1207,6 +1335,12 @@ struct Pairs128Bits : PlainPairs<Vector16>
         // NOLINTNEXTLINE(portability-simd-intrinsics)
         const __m128i products = _mm_madd_epi16(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b));
         sums += reinterpret_cast<Vector16>(products);
+    }
+    static MP_INLINE void multiplyAddWide(Wide& sums, const Wide& a, const Wide& b)
+    {
+        // NOLINTNEXTLINE(portability-simd-intrinsics)
+        const __m128i products = _mm_mul_epu32(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b));
+        sums += reinterpret_cast<Wide>(products);
     }
 
 private:
@@ -1249,6 +1383,13 @@ struct Pairs256Bits
         asm("vpmaddwd %2, %1, %0" : "=x"(products) : "x"(a), "x"(b));
         sums += products;
     }
+    using Wide = Widened<Vector32>::Type;
+    static MP_INLINE void multiplyAddWide(Wide& sums, const Wide& a, const Wide& b)
+    {
+        Wide products;
+        asm("vpmuludq %2, %1, %0" : "=x"(products) : "x"(a), "x"(b));
+        sums += products;
+    }
 };
 
 struct Pairs512Bits
@@ -1270,19 +1411,45 @@ struct Pairs512Bits
     }
 };
 
-struct PairsVnni : Pairs512Bits
-{
-    static MP_INLINE void multiplyAdd(Vector64& sums, const Vector64& a, const Vector64& b)
-    {
-        asm("vpdpwssd %2, %1, %0" : "+v"(sums) : "v"(a), "v"(b));
-    }
-};
-
 #else
 
 #define MP_HAS_WIDE_PAIRS 0
 
 #endif
+
+// sums += the even lanes, or the odd ones, as wide lanes, times 2^bits.
+template <class Wide, class Vector>
+MP_INLINE void addEveryOther(Wide& sums, const Vector& lanes, size_t isOdd, uint64_t bits)
+{
+    const auto pairs = reinterpret_cast<Wide>(lanes);
+    sums += ((isOdd != 0) != isBigEndian ? pairs >> uint64_t{bitsPerDigit} : pairs & uint64_t{allOnes}) << bits;
+}
+
+// a[0], a[2] and so on += even; a[1], a[3] and so on += odd.
+template <class Wide>
+MP_INLINE void addInterleaved(uint64_t a[], const Wide& even, const Wide& odd)
+{
+    constexpr size_t width = sizeof(Wide) / sizeof(uint64_t);
+    Wide sums[2];
+    memcpy(sums, a, sizeof(sums));
+    if constexpr (width == 2)
+    {
+        sums[0] += __builtin_shufflevector(even, odd, 0, 2);
+        sums[1] += __builtin_shufflevector(even, odd, 1, 3);
+    }
+    else if constexpr (width == 4)
+    {
+        sums[0] += __builtin_shufflevector(even, odd, 0, 4, 1, 5);
+        sums[1] += __builtin_shufflevector(even, odd, 2, 6, 3, 7);
+    }
+    else
+    {
+        static_assert(width == 8, "vectors have 128, 256 or 512 bits");
+        sums[0] += __builtin_shufflevector(even, odd, 0, 8, 1, 9, 2, 10, 3, 11);
+        sums[1] += __builtin_shufflevector(even, odd, 4, 12, 5, 13, 6, 14, 7, 15);
+    }
+    memcpy(a, sums, sizeof(sums));
+}
 
 // Sums of columns of limbs. Element i belongs to columns 2i and 2i + 1: even and above count 2^(26i), odd counts
 // 2^(26i + 13).
@@ -1414,6 +1581,24 @@ struct LimbColumns
         }
     }
 
+    // Adds the sums to units of two columns.
+    MP_INLINE void addTo(uint64_t units[]) const
+    {
+        using Wide = typename Widened<Vector>::Type;
+        for (size_t k = 0; k < blocks; k++)
+        {
+            const Vector between = evenHigh[k] + oddLow[k];
+            Wide sums[2] = {};
+            for (size_t i = 0; i < 2; i++)
+            {
+                addEveryOther(sums[i], evenLow[k], i, 0);
+                addEveryOther(sums[i], between, i, shortLimbBits);
+                addEveryOther(sums[i], oddHigh[k], i, unitBits);
+            }
+            addInterleaved(units + lanes * k, sums[0], sums[1]);
+        }
+    }
+
     // Stores the sums, columns from "first" on. What is above the limb of an odd column counts as the next even column.
     // above[0] is left alone.
     MP_INLINE void put(LimbSums& sums, size_t first) const
@@ -1471,6 +1656,19 @@ MP_INLINE uint64_t takeOctets(unsigned char octets[], const LimbSums& sums, size
         storeOctets(octets + sizeof(uint64_t), (high & mask) >> (64 - bits));
     }
     return carry + sums.above[columns / 2];
+}
+
+MP_INLINE void lowOctetsFromDigits(unsigned char octets[], const mpDigit a[], size_t n)
+{
+    for (size_t i = 0; isBigEndian && i < n; i++)
+    {
+        const mpDigit digit = __builtin_bswap32(a[i]);
+        memcpy(octets + i * octetsPerDigit, &digit, sizeof(digit));
+    }
+    if (!isBigEndian)
+    {
+        memcpy(octets, a, n * octetsPerDigit);
+    }
 }
 
 // a[0..n) = the number in octets, the lowest octet first.
@@ -1881,12 +2079,454 @@ MP_INLINE bool divideByBothWith(mpDigit q[], mpDigit r[], mpDigit top, const mpD
     return divideFromTheTop<Vector, NoPairs, Pairs>(q, r, top, v, n, m, scaling);
 }
 
+// Squares by units: products of units have 52 bits and are summed up in wide lanes. Squares are free in their method, and
+// units are what a power has its value in.
+
+constexpr size_t mostUnitsToSquare = mostShortLimbs / 2;
+constexpr size_t unitRowsAtOnce = 4;
+// A column has the doubled products of half as many pairs as there are units.
+static_assert(mostUnitsToSquare << 2 * unitBits <= uint64_t{1} << 61, "sums of a column stay below 2^61");
+
+template <class Pairs>
+MP_INLINE void multiplyAddUnits(typename Pairs::Wide& sum, const typename Pairs::Wide& factor, const uint64_t units[])
+{
+    typename Pairs::Wide others;
+    memcpy(&others, units, sizeof(others));
+    Pairs::multiplyAddWide(sum, factor, others);
+}
+
+// sums[0..2 * count + 8) = the columns of the square of units[0..count), which has room for three more, which are zero.
+template <class Pairs>
+MP_INLINE void squareUnits(uint64_t sums[], const uint64_t units[], size_t count)
+{
+    using Wide = typename Pairs::Wide;
+    constexpr size_t width = sizeof(Wide) / sizeof(uint64_t);
+    constexpr size_t margin = 8;
+    uint64_t room[margin + mostUnitsToSquare + unitRowsAtOnce + margin];
+    // What is still to be multiplied by the units below it, twice. Loads reach that far out of it.
+    uint64_t* const doubled = room + margin;
+    for (size_t i = 0; i < margin; i++)
+    {
+        room[i] = 0;
+    }
+    for (size_t i = 0; i < count; i++)
+    {
+        doubled[i] = 2 * units[i];
+    }
+    for (size_t i = count; i < count + unitRowsAtOnce + margin; i++)
+    {
+        doubled[i] = 0;
+    }
+    for (size_t i = 0; i < 2 * count + 2 * unitRowsAtOnce; i++)
+    {
+        sums[i] = 0;
+    }
+    for (size_t b = 0; b < count; b += unitRowsAtOnce)
+    {
+        const uint64_t* u = units + b;
+        uint64_t* own = sums + 2 * b;
+        own[0] += u[0] * u[0];
+        own[1] += 2 * (u[0] * u[1]);
+        own[2] += 2 * (u[0] * u[2]) + u[1] * u[1];
+        own[3] += 2 * (u[0] * u[3] + u[1] * u[2]);
+        own[4] += 2 * (u[1] * u[3]) + u[2] * u[2];
+        own[5] += 2 * (u[2] * u[3]);
+        own[6] += u[3] * u[3];
+        for (size_t r = 0; r < unitRowsAtOnce; r++)
+        {
+            doubled[b + r] = 0;
+        }
+        const Wide first = u[0] - Wide{};
+        const Wide second = u[1] - Wide{};
+        const Wide third = u[2] - Wide{};
+        const Wide fourth = u[3] - Wide{};
+        for (size_t column = 2 * b + unitRowsAtOnce; column < b + unitRowsAtOnce - 1 + count; column += width)
+        {
+            Wide sum;
+            memcpy(&sum, sums + column, sizeof(sum));
+            const uint64_t* others = doubled + column - b;
+            multiplyAddUnits<Pairs>(sum, first, others);
+            multiplyAddUnits<Pairs>(sum, second, others - 1);
+            multiplyAddUnits<Pairs>(sum, third, others - 2);
+            multiplyAddUnits<Pairs>(sum, fourth, others - 3);
+            memcpy(sums + column, &sum, sizeof(sum));
+        }
+    }
+}
+
+// units[0..count), whole fours of them, = a[0..n), and zeros above it.
+MP_INLINE void unitsFromDigits(uint64_t units[], size_t count, const mpDigit a[], size_t n)
+{
+    unsigned char octets[2 * (longestForShortLimbs + 1) * octetsPerDigit + octetsPerGroup + sizeof(uint64_t)];
+    lowOctetsFromDigits(octets, a, n);
+    memset(octets + n * octetsPerDigit, 0, octetsPerGroup + sizeof(uint64_t));
+    const size_t used = (n * bitsPerDigit + unitBits - 1) / unitBits;
+    const unsigned char* from = octets;
+    size_t i = 0;
+    for (; i < used; i += 4, from += octetsPerGroup)
+    {
+        const uint64_t low = loadOctets(from);
+        const uint64_t high = loadOctets(from + 6) >> 4;
+        units[i] = low & unitMask;
+        units[i + 1] = low >> unitBits & unitMask;
+        units[i + 2] = high & unitMask;
+        units[i + 3] = high >> unitBits & unitMask;
+    }
+    for (; i < count; i++)
+    {
+        units[i] = 0;
+    }
+}
+
+// w[0..2n) = x * x, n at most longestForShortLimbs.
+template <class Pairs>
+MP_INLINE void squareByUnitsWith(mpDigit w[], const mpDigit x[], size_t n)
+{
+    uint64_t units[mostUnitsToSquare + unitRowsAtOnce];
+    // Two zeros below the columns.
+    uint64_t room[2 + 2 * mostUnitsToSquare + 4 * unitRowsAtOnce];
+    uint64_t* const sums = room + 2;
+    const size_t count = (n * bitsPerDigit + unitBits - 1) / unitBits;
+    room[0] = room[1] = 0;
+    unitsFromDigits(units, count, x, n);
+    squareUnits<Pairs>(sums, units, count);
+
+    unsigned char octets[2 * (longestForShortLimbs + 1) * octetsPerDigit + 2 * octetsPerGroup + sizeof(uint64_t)];
+    unsigned char* to = octets;
+    constexpr uint64_t mask = (uint64_t{1} << 2 * unitBits) - 1;
+    // Each unit takes its share of three columns, so that what is carried is short.
+    const auto unit = [sums](size_t i)
+    { return (sums[i] & unitMask) + (sums[i - 1] >> unitBits & unitMask) + (sums[i - 2] >> 2 * unitBits); };
+    uint64_t carry = 0;
+    for (size_t i = 0; i < 2 * count; i += 4, to += octetsPerGroup)
+    {
+        const uint64_t low = unit(i) + (unit(i + 1) << unitBits) + carry;
+        const uint64_t high = unit(i + 2) + (unit(i + 3) << unitBits) + (low >> 2 * unitBits);
+        carry = high >> 2 * unitBits;
+        storeOctets(to, (low & mask) | high << 2 * unitBits);
+        storeOctets(to + sizeof(uint64_t), (high & mask) >> (64 - 2 * unitBits));
+    }
+    digitsFromLowOctets(w, 2 * n, octets);
+}
+
+// For this processor and that many digits; see below.
+void square(mpDigit w[], const mpDigit x[], size_t n);
+
+// Powers by short limbs: the modulus, made ready, and the running value, both in limbs over all steps of a power.
+//
+// The divisor of every step is a multiple of the modulus, M = base^size - c. Its highest "spare" limbs are all ones, for
+// c is the remainder of base^size by the modulus, and so has no more limbs than that; size is these and the spare ones.
+// What is left of a dividend D, with the limbs q of the quotient that are known, is L = D - q base^size + q c. So a limb of
+// the quotient can be read off at the top of what is left, and its product with c concerns columns at least "spare" below
+// the one where it is read. That is why the sums of the columns are formed for "atOnce" limbs of the quotient at a time.
+//
+// Two limbs are a unit of 26 bits, S_i is the sum of the columns of unit i. A unit of the quotient is read off as
+//
+//   q_i  =  S_i + carry_i - carry_(i+1) 2^26,   carry_i = floor((S_(i-1) + floor(S_(i-2) / 2^26)) / 2^26),
+//
+// that is what is left of the digits above (nothing but minus the carry that they got in advance), the unit's own sum, and
+// what two units below carry to it. These two get nothing from the limbs that are read at once, since the lower one is
+// "spare" limbs below the highest of these. A sum has at most mostShortLimbs products of 26 bits for each of its columns,
+// less than 2^50, and the dividend's own, less than 2^61 (see squareUnits): so it stays below 2^62, and what the units
+// below S_(i-2) carry is less than 2^-15 of unit i - 1. Hence carry_i is what the exact carry is, or one less, and the rest
+// is left for the next units: what is left after unit i is below base^size 2^(26 i) (1 + 2^-25). As S_(i-2) counts less
+// than 2^10 in unit i, q_i is less than 2^26 + 2^11: its upper limb may be 2^13, with a lower one below 2^11. Both limbs
+// together are never more than two full ones, which is what pairsPerLane rests on.
+//
+// In the end L is at least 0 and less than 2 base^size: where it does not fit, c instead of base^size makes it fit.
+// It is below base^size, no more; the value of the power is reduced to the modulus when all steps are done.
+constexpr size_t longestForPowers = 256;
+static_assert(longestForPowers * bitsPerDigit + (mostColumnsAtOnce / 2 + 6) * shortLimbBits <=
+                  mostShortLimbs * shortLimbBits,
+              "a multiple of the modulus has as many limbs as there is room for");
+
+template <class Pairs, class BlockPairs>
+class PowerByShortLimbs
+{
+public:
+    // v is the modulus, its top bit set. n is at most longestForPowers.
+    MP_INLINE void setModulus(const mpDigit v[], size_t n)
+    {
+        constexpr size_t spare = atOnce + limbsPerCarry;
+        _size = (limbsFor(n) + spare + 1) / 2 * 2;
+        _digits = (_size * shortLimbBits + bitsPerDigit - 1) / bitsPerDigit;
+
+        // The remainder of base^size - 1, and one added.
+        mpDigit complement[mostDigits];
+        mpDigit quotient[mostDigits];
+        for (size_t i = 0; i < _digits; i++)
+        {
+            complement[i] = allOnes;
+        }
+        complement[_digits - 1] >>= _digits * bitsPerDigit - _size * shortLimbBits;
+        divideByRows(quotient, complement, 0, v, n, _digits - n);
+        for (size_t i = 0; ++complement[i] == 0;)
+        {
+            i++;
+        }
+        _complement.template take<false>(complement, n);
+        _quotient.clearBelow();
+        _quotient.clear(0, mostShortLimbs + limbsPerGroup);
+    }
+
+    // The base of the power, which is not more than the modulus has digits.
+    MP_INLINE void setBase(const mpDigit x[], size_t n) { _base.template take<true>(x, n); }
+
+    MP_INLINE size_t digits() const { return _digits; }
+
+    // The value becomes its square, modulo the modulus. By digits where the processor has a faster form for these.
+    MP_INLINE void squareValue(bool isByDigits)
+    {
+        const size_t end = unitsOfDividend();
+        if (isByDigits)
+        {
+            mpDigit digits[mostDigits];
+            mpDigit squared[2 * mostDigits];
+            value(digits);
+            square(squared, digits, _digits);
+            unitsFromDigits(_units, end, squared, 2 * _digits);
+        }
+        else
+        {
+            squareUnits<BlockPairs>(_units, _valueUnits, _size / 2);
+            for (size_t i = _size + 2 * unitRowsAtOnce; i < end; i++)
+            {
+                _units[i] = 0;
+            }
+        }
+        reduce();
+    }
+
+    // The value becomes its product with the base, modulo the modulus.
+    MP_INLINE void multiplyByBase()
+    {
+        const size_t end = unitsOfDividend();
+        const size_t used = (_size + _base.size + 1) / 2;
+        for (size_t i = 0; i < end; i++)
+        {
+            _units[i] = 0;
+        }
+        addProduct(_value, _base, _base.size, 2 * used);
+        reduce();
+    }
+
+    // a[0..digits()) = the value.
+    MP_INLINE void value(mpDigit a[]) const
+    {
+        unsigned char octets[(mostShortLimbs / limbsPerGroup + 1) * octetsPerGroup + sizeof(uint64_t)];
+        unsigned char* to = octets;
+        for (size_t i = 0; 2 * i < _size; i += 4, to += octetsPerGroup)
+        {
+            const uint64_t low = _valueUnits[i] | _valueUnits[i + 1] << unitBits;
+            const uint64_t high = _valueUnits[i + 2] | _valueUnits[i + 3] << unitBits;
+            storeOctets(to, low | high << 2 * unitBits);
+            storeOctets(to + sizeof(uint64_t), high >> (64 - 2 * unitBits));
+        }
+        digitsFromLowOctets(a, _digits, octets);
+    }
+
+    // The value becomes a[0..n), which is less than base^size.
+    MP_INLINE void setValue(const mpDigit a[], size_t n)
+    {
+        _value.template take<false>(a, n);
+        _value.clear((_value.size + limbsPerGroup - 1) / limbsPerGroup * limbsPerGroup, mostShortLimbs + limbsPerGroup);
+        _value.size = _size;
+        for (uint64_t& unit : _valueUnits)
+        {
+            unit = 0;
+        }
+        for (size_t i = 0; 2 * i < _size; i++)
+        {
+            setUnitFromLimbs(i);
+        }
+    }
+
+protected:
+    using Columns = LimbColumns<Pairs>;
+    using Block = LimbColumns<BlockPairs, std::max<size_t>(16, sizeof(typename BlockPairs::Type) / sizeof(uint16_t))>;
+    static constexpr size_t atOnce = Block::columns;
+    static constexpr size_t unitsAtOnce = atOnce / 2;
+    static constexpr size_t limbsPerCarry = 4;
+    static constexpr size_t mostDigits = longestForShortLimbs + 1;
+    static constexpr size_t mostUnits = mostShortLimbs + 2 * mostColumnsAtOnce;
+
+    static constexpr size_t limbsFor(size_t n) { return (n * bitsPerDigit + shortLimbBits - 1) / shortLimbBits; }
+
+    // Limbs of the quotient, in whole blocks.
+    MP_INLINE size_t quotientLimbs() const { return (_size + atOnce - 1) / atOnce * atOnce; }
+    MP_INLINE size_t unitsOfDividend() const { return (_size + quotientLimbs()) / 2; }
+
+    // units += so many columns as are formed at once of u * v, from the first one on.
+    MP_INLINE static void addColumns(const ShortLimbs& u, const uint16_t v[], size_t vn, size_t first, uint64_t units[])
+    {
+        Columns columns;
+        columns.clear();
+        columns.add(u.limbs(), u.size, v, vn, first);
+        columns.split();
+        columns.addTo(units);
+    }
+
+    // _units += the columns of u * v below "end".
+    MP_INLINE void addProduct(const ShortLimbs& u, const ShortLimbs& v, size_t vn, size_t end)
+    {
+        size_t first = 0;
+        for (; first + Columns::columns / 2 < end; first += Columns::columns)
+        {
+            addColumns(u, v.limbs(), vn, first, _units + first / 2);
+        }
+        for (; first < end; first += atOnce)
+        {
+            Block columns;
+            columns.clear();
+            columns.add(u.limbs(), u.size, v.limbs(), vn, first);
+            columns.split();
+            columns.addTo(_units + first / 2);
+        }
+    }
+
+    MP_INLINE void reduce()
+    {
+        const size_t end = quotientLimbs();
+        // The units where the quotient is read, and two below them.
+        uint64_t sums[unitsAtOnce + 2];
+        copyUnits(sums + 2, _units + (_size + end) / 2 - unitsAtOnce);
+        uint64_t carry = 0;
+        // Limbs from there on are added to all columns that the next blocks need.
+        size_t added = end;
+        for (size_t known = end; known > 0;)
+        {
+            const size_t first = known - atOnce;
+            // What the block below gets from the limbs that are known already.
+            const uint64_t* units = _units + (_size + first) / 2 - unitsAtOnce;
+            if ((end - first) % Columns::columns == 0 && first >= Columns::columns)
+            {
+                const size_t column = _size + first - Columns::columns;
+                addColumns(_complement, _quotient.limbs() + known, end - known, column - known, _units + column / 2);
+                added = known;
+            }
+            else if ((end - first) % Columns::columns == 0 || first < atOnce)
+            {
+                added = end;
+            }
+            Block next;
+            next.clear();
+            // Where there are limbs, they are no fewer than the columns, so nothing beside them is taken.
+            if (added > known)
+            {
+                next.add(_complement.limbs(), _complement.size, _quotient.limbs() + known, added - known,
+                         _size - 2 * atOnce);
+            }
+            next.split();
+            uint64_t below[unitsAtOnce];
+            copyUnits(below, units);
+            next.addTo(below);
+            sums[0] = below[unitsAtOnce - 2];
+            sums[1] = below[unitsAtOnce - 1];
+            for (size_t i = unitsAtOnce; i-- > 0;)
+            {
+                const uint64_t above = carry << unitBits;
+                carry = (sums[i + 1] + (sums[i] >> unitBits)) >> unitBits;
+                _quotient.setSwappedLimbs(first + 2 * i, sums[i + 2] + carry - above);
+            }
+            next.add(_complement.limbs(), _complement.size, _quotient.limbs() + first, atOnce, _size - atOnce);
+            next.split();
+            copyUnits(sums + 2, units);
+            next.addTo(sums + 2);
+            known = first;
+        }
+        addProduct(_complement, _quotient, end, _size);
+
+        uint64_t carried = 0;
+        for (size_t i = 0; 2 * i < _size; i++)
+        {
+            const uint64_t sum = _units[i] + carried;
+            carried = sum >> unitBits;
+            _valueUnits[i] = sum & unitMask;
+            _value.setLimbs(2 * i, sum & unitMask);
+        }
+        // The quotient has got "carry" of this.
+        if (carried != carry)
+        {
+            addComplement();
+        }
+    }
+
+    MP_INLINE void addComplement()
+    {
+        mpDigit carried = 0;
+        for (size_t i = 0; i < _size; i++)
+        {
+            const mpDigit sum =
+                mpDigit{_value.limbs()[i]} + (i < _complement.size ? _complement.limbs()[i] : 0) + carried;
+            _value.room[limbMargin + i] = static_cast<uint16_t>(sum & shortLimbMask);
+            carried = sum >> shortLimbBits;
+        }
+        for (size_t i = 0; 2 * i < _size; i++)
+        {
+            setUnitFromLimbs(i);
+        }
+    }
+
+    MP_INLINE void setUnitFromLimbs(size_t i)
+    {
+        const uint16_t* limbs = _value.limbs() + 2 * i;
+        _valueUnits[i] = limbs[0] | uint64_t{limbs[1]} << shortLimbBits;
+    }
+
+    static MP_INLINE void copyUnits(uint64_t to[], const uint64_t from[])
+    {
+        for (size_t i = 0; i < unitsAtOnce; i++)
+        {
+            to[i] = from[i];
+        }
+    }
+
+    // Limbs of M, and digits of a value.
+    size_t _size;
+    size_t _digits;
+    ShortLimbs _complement;
+    ShortLimbs _base;
+    ShortLimbs _quotient;
+    // The value in limbs, and in units, above which there are zeros.
+    ShortLimbs _value;
+    uint64_t _valueUnits[mostUnitsToSquare + unitRowsAtOnce];
+    // The dividend, then with what is due to the quotient.
+    uint64_t _units[mostUnits];
+};
+
+// y = x^e, congruent to it modulo v and less than base^size: as many digits as digits() says. The top bit of v is set, and x
+// has n digits as v has. e has so many bits, of which the top one is set.
+template <class Pairs, class BlockPairs>
+MP_INLINE void powerByShortLimbsWith(mpDigit y[], const mpDigit x[], const mpDigit e[], uint64_t bits,
+                                     const mpDigit v[], size_t n)
+{
+    PowerByShortLimbs<Pairs, BlockPairs> power;
+    power.setModulus(v, n);
+    power.setBase(x, n);
+    power.setValue(x, n);
+#if defined(__x86_64__)
+    const bool isByDigits = has52BitLimbs();
+#else
+    const bool isByDigits = false;
+#endif
+    for (uint64_t i = bits - 1; i-- > 0;)
+    {
+        power.squareValue(isByDigits);
+        if ((e[i / bitsPerDigit] >> i % bitsPerDigit & 1) != 0)
+        {
+            power.multiplyByBase();
+        }
+    }
+    power.value(y);
+}
+
 using QuotientForm = bool (*)(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
                               const Scaling& scaling);
 
 struct ShortLimbForms
 {
     void (*multiply)(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn);
+    void (*power)(mpDigit y[], const mpDigit x[], const mpDigit e[], uint64_t bits, const mpDigit v[], size_t n);
     // For divisors of at most longestForShortLimbs digits: by limbs, and by both limbs and columns of digits.
     QuotientForm divide;
     QuotientForm divideByBoth;
@@ -1894,12 +2534,14 @@ struct ShortLimbForms
     size_t shortest;
     size_t shortestToDivide;
     size_t shortestToDivideByBoth;
+    // Of the modulus of a power.
+    size_t shortestForPowers;
 };
 
 // The same for each kind of processor: MP_SHORT_LIMBS(the name's end, the vector, the pairs for quotients, the pairs for
 // products, the attributes, from where on they pay).
 // NOLINTBEGIN(bugprone-macro-parentheses)
-#define MP_SHORT_LIMBS(Name, Vector, Pairs, ProductPairs, attributes, ...)                                             \
+#define MP_SHORT_LIMBS(Name, Vector, Pairs, ProductPairs, BlockPairs, attributes, ...)                                 \
     attributes void multiplyShortLimbsBy##Name(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[],           \
                                                size_t vn)                                                              \
     {                                                                                                                  \
@@ -1915,20 +2557,23 @@ struct ShortLimbForms
     {                                                                                                                  \
         return divideByBothWith<Vector, Pairs>(q, r, top, v, n, m, scaling);                                           \
     }                                                                                                                  \
-    constexpr ShortLimbForms shortLimbForms##Name = {multiplyShortLimbsBy##Name, divideShortLimbsBy##Name,             \
-                                                     divideBothBy##Name, __VA_ARGS__};
+    attributes void powerShortLimbsBy##Name(mpDigit y[], const mpDigit x[], const mpDigit e[], uint64_t bits,          \
+                                            const mpDigit v[], size_t n)                                               \
+    {                                                                                                                  \
+        powerByShortLimbsWith<ProductPairs, BlockPairs>(y, x, e, bits, v, n);                                          \
+    }                                                                                                                  \
+    constexpr ShortLimbForms shortLimbForms##Name = {multiplyShortLimbsBy##Name, powerShortLimbsBy##Name,              \
+                                                     divideShortLimbsBy##Name, divideBothBy##Name, __VA_ARGS__};
 // NOLINTEND(bugprone-macro-parentheses)
 
-MP_SHORT_LIMBS(128Bits, Vector16, Pairs128Bits, Pairs128Bits, , 24, 56, 20)
+MP_SHORT_LIMBS(128Bits, Vector16, Pairs128Bits, Pairs128Bits, Pairs128Bits, , 24, 56, 20, 48)
 
 #if MP_HAS_WIDE_PAIRS
 
-MP_SHORT_LIMBS(256Bits, Vector32, Pairs256Bits, Pairs256Bits, __attribute__((target("avx2,bmi2"))), 24, 192, 72)
-MP_SHORT_LIMBS(512Bits, Vector64, Pairs512Bits, Pairs512Bits,
-               __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2"))), 16, 192, 40)
-// Sums that wait for each other make this instruction slower than two others in a division.
-MP_SHORT_LIMBS(Vnni, Vector64, Pairs512Bits, PairsVnni,
-               __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,avx512vnni,bmi2"))), 16, 192, 40)
+MP_SHORT_LIMBS(256Bits, Vector32, Pairs256Bits, Pairs256Bits, Pairs256Bits, __attribute__((target("avx2,bmi2"))), 24,
+               192, 72, 40)
+MP_SHORT_LIMBS(512Bits, Vector64, Pairs512Bits, Pairs512Bits, Pairs256Bits,
+               __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2"))), 16, 192, 40, 24)
 
 #endif
 
@@ -1970,13 +2615,8 @@ MP_COLUMNS(512Bits, Vector64, __attribute__((target("avx512f,avx512bw,avx512dq,a
 bool has512Bits()
 {
     // Each of these comes with the basic part, avx512f.
-    return __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
+    return mayUse512Bits && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
            __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("bmi2");
-}
-
-[[maybe_unused]] bool hasVnni()
-{
-    return has512Bits() && __builtin_cpu_supports("avx512vnni");
 }
 
 bool has256Bits()
@@ -1990,10 +2630,7 @@ bool has256Bits()
 const ShortLimbForms* shortLimbForms()
 {
 #if MP_HAS_WIDE_PAIRS
-    return hasVnni()      ? &shortLimbFormsVnni
-           : has512Bits() ? &shortLimbForms512Bits
-           : has256Bits() ? &shortLimbForms256Bits
-                          : &shortLimbForms128Bits;
+    return has512Bits() ? &shortLimbForms512Bits : has256Bits() ? &shortLimbForms256Bits : &shortLimbForms128Bits;
 #elif defined(__x86_64__)
     return &shortLimbForms128Bits;
 #else
@@ -2024,6 +2661,7 @@ struct Scaling
 };
 
 constexpr size_t longestForShortLimbs = 0;
+constexpr size_t longestForPowers = 0;
 
 struct ColumnForms
 {
@@ -2043,16 +2681,74 @@ using QuotientForm = bool (*)(mpDigit q[], mpDigit r[], mpDigit top, const mpDig
 struct ShortLimbForms
 {
     void multiply(mpDigit[], const mpDigit[], size_t, const mpDigit[], size_t) const {}
+    void power(mpDigit[], const mpDigit[], const mpDigit[], uint64_t, const mpDigit[], size_t) const {}
     QuotientForm divide;
     QuotientForm divideByBoth;
     size_t shortest;
     size_t shortestToDivide;
     size_t shortestToDivideByBoth;
+    size_t shortestForPowers;
 };
 
 const ShortLimbForms* shortLimbForms()
 {
     return nullptr;
+}
+
+#endif
+
+#if defined(__SIZEOF_INT128__)
+
+#if MP_HAS_COLUMNS && MP_HAS_WIDE_PAIRS
+
+__attribute__((target("avx2,bmi2"))) void squareUnitsBy256Bits(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareByUnitsWith<Pairs256Bits>(w, x, n);
+}
+
+constexpr size_t shortestForUnits = 44;
+// More digits are halved first.
+constexpr size_t mostUnitDigits = 256;
+
+void squareByUnits(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareBy(w, x, n, squareUnitsBy256Bits, mostUnitDigits);
+}
+
+#endif
+
+// For this processor and that many digits.
+SquareForm squareForm([[maybe_unused]] size_t n)
+{
+#if defined(__x86_64__)
+    if (n >= shortestForLimbs && has52BitLimbs())
+    {
+        return squareByBlocks;
+    }
+#if MP_HAS_COLUMNS && MP_HAS_WIDE_PAIRS
+    if (n >= shortestForUnits && has256Bits())
+    {
+        return squareByUnits;
+    }
+#endif
+    if (__builtin_cpu_supports("bmi2"))
+    {
+        return squareWithBmi2;
+    }
+#endif
+    return squareWithWords;
+}
+
+void square(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareForm(n)(w, x, n);
+}
+
+#else
+
+void square(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareByRows(w, x, n);
 }
 
 #endif
@@ -2275,10 +2971,106 @@ uint32_t digitValue(char ch, uint32_t base)
     return std::min(value, base);
 }
 
+constexpr uint32_t hexDigitsPerDigit = 8;
+
+#if defined(__SIZEOF_INT128__)
+
+// As many decimal digits as a word can hold are dealt with at once: nineteen. The top bit of their scale is set.
+constexpr uint32_t decimalGroup = 19;
+constexpr uint64_t decimalScale = 10000000000000000000U;
+static_assert(decimalScale >> 63 == 1, "the scale is a normalised divisor");
+constexpr auto decimalReciprocal = static_cast<uint64_t>(~DoubleWord{0} / decimalScale);
+
+// Two digits as a word, of which the last may have one digit only.
+MP_INLINE uint64_t loadWord(const mpDigit a[], size_t n, size_t i)
+{
+    return 2 * i + 1 < n ? loadTwo(a + 2 * i) : a[2 * i];
+}
+
+MP_INLINE void storeWord(mpDigit a[], size_t n, size_t i, uint64_t word)
+{
+    a[2 * i] = static_cast<mpDigit>(word);
+    if (2 * i + 1 < n)
+    {
+        a[2 * i + 1] = static_cast<mpDigit>(word >> bitsPerDigit);
+    }
+}
+
+// (remainder, word) / decimalScale, by its reciprocal: returns the quotient, leaves the remainder. The estimate is one too
+// small or exact after the first correction, which tells by the remainder, and the second one is rare (Moeller and
+// Granlund, 2011).
+MP_INLINE uint64_t divideByDecimalScale(uint64_t& remainder, uint64_t word)
+{
+    const DoubleWord estimate = DoubleWord{decimalReciprocal} * remainder + (DoubleWord{remainder} << 64 | word);
+    auto quotient = static_cast<uint64_t>(estimate >> 64) + 1;
+    uint64_t rest = word - quotient * decimalScale;
+    if (rest > static_cast<uint64_t>(estimate))
+    {
+        quotient--;
+        rest += decimalScale;
+    }
+    if (rest >= decimalScale)
+    {
+        quotient++;
+        rest -= decimalScale;
+    }
+    remainder = rest;
+    return quotient;
+}
+
+// digits[0..count) = a, the highest first; they are zero before, and there are enough. a is zero afterwards.
+void writeDecimal(unsigned char digits[], size_t count, mpDigit a[], size_t n)
+{
+    // So many divisions at once, each a word behind the one before: no step waits for another one of its round.
+    constexpr size_t divisions = 4;
+    for (size_t size = significantDigits(a, n); size > 0; size = significantDigits(a, size))
+    {
+        uint64_t remainders[divisions] = {};
+        const size_t words = (size + 1) / 2;
+        for (size_t step = words + divisions - 1; step-- > 0;)
+        {
+            for (size_t k = 0; k < divisions; ++k)
+            {
+                const size_t i = step + k - (divisions - 1);
+                if (i < words)
+                {
+                    storeWord(a, size, i, divideByDecimalScale(remainders[k], loadWord(a, size, i)));
+                }
+            }
+        }
+        for (uint64_t group : remainders)
+        {
+            for (uint32_t i = 0; i < decimalGroup && count > 0; ++i)
+            {
+                digits[--count] = static_cast<unsigned char>(group % 10);
+                group /= 10;
+            }
+        }
+    }
+}
+
+// a[0..n) = a * scale + group, modulo 2^(32n), for an a of so many words, which may become one more.
+MP_INLINE void takeDecimalGroup(mpDigit a[], size_t n, size_t& words, uint64_t scale, uint64_t group)
+{
+    uint64_t carry = group;
+    for (size_t i = 0; i < words; ++i)
+    {
+        const DoubleWord t = DoubleWord{loadWord(a, n, i)} * scale + carry;
+        storeWord(a, n, i, static_cast<uint64_t>(t));
+        carry = static_cast<uint64_t>(t >> 64);
+    }
+    if (carry != 0 && 2 * words < n)
+    {
+        storeWord(a, n, words, carry);
+        words++;
+    }
+}
+
+#else
+
 // As many decimal digits as a digit array's digit can hold are dealt with at once.
 constexpr uint32_t decimalGroup = 9;
 constexpr uint32_t decimalScale = 1000000000U;
-constexpr uint32_t hexDigitsPerDigit = 8;
 
 // digits[0..count) = a, the highest first; they are zero before, and there are enough. a is zero afterwards.
 void writeDecimal(unsigned char digits[], size_t count, mpDigit a[], size_t n)
@@ -2301,6 +3093,24 @@ void writeDecimal(unsigned char digits[], size_t count, mpDigit a[], size_t n)
     }
 }
 
+// a[0..n) = a * scale + group, modulo 2^(32n), for an a of so many digits, which may become one more.
+void takeDecimalGroup(mpDigit a[], size_t n, size_t& used, uint64_t scale, uint64_t group)
+{
+    uint64_t carry = group;
+    for (size_t i = 0; i < used; i++)
+    {
+        carry += a[i] * scale;
+        a[i] = static_cast<mpDigit>(carry);
+        carry >>= bitsPerDigit;
+    }
+    if (carry != 0 && used < n)
+    {
+        a[used++] = static_cast<mpDigit>(carry);
+    }
+}
+
+#endif
+
 void writeHex(unsigned char digits[], size_t count, const mpDigit a[], size_t n)
 {
     for (size_t i = 0; i < n; i++)
@@ -2316,25 +3126,9 @@ void writeHex(unsigned char digits[], size_t count, const mpDigit a[], size_t n)
 void readDecimal(mpDigit a[], size_t n, const char* s)
 {
     size_t used = 0;
-    uint32_t scale = 1;
-    uint32_t group = 0;
-    const auto takeGroup = [&]
-    {
-        uint64_t carry = group;
-        for (size_t i = 0; i < used; i++)
-        {
-            carry += uint64_t{a[i]} * scale;
-            a[i] = static_cast<mpDigit>(carry);
-            carry >>= bitsPerDigit;
-        }
-        if (carry != 0 && used < n)
-        {
-            a[used++] = static_cast<mpDigit>(carry);
-        }
-        scale = 1;
-        group = 0;
-    };
-    for (; *s != '\0'; s++)
+    uint64_t scale = 1;
+    uint64_t group = 0;
+    for (; *s != '\0'; ++s)
     {
         const uint32_t digit = digitValue(*s, 10);
         if (digit < 10)
@@ -2344,10 +3138,12 @@ void readDecimal(mpDigit a[], size_t n, const char* s)
         }
         if (scale == decimalScale)
         {
-            takeGroup();
+            takeDecimalGroup(a, n, used, scale, group);
+            scale = 1;
+            group = 0;
         }
     }
-    takeGroup();
+    takeDecimalGroup(a, n, used, scale, group);
 }
 
 void readHex(mpDigit a[], size_t n, const char* s, size_t length)
@@ -2426,6 +3222,9 @@ MP_OWN_FRAME void modularProduct(mpDigit a[], const mpDigit x[], const mpDigit y
     clearAndFree(modulus, n);
 }
 
+// From that many bits of the exponent on, powers by short limbs pay.
+constexpr uint64_t fewestBitsForPowers = 5;
+
 // ndigits is not 0.
 MP_OWN_FRAME void modularPower(mpDigit y[], const mpDigit x[], const mpDigit e[], const mpDigit m[], uint32_t ndigits)
 {
@@ -2488,16 +3287,33 @@ MP_OWN_FRAME void modularPower(mpDigit y[], const mpDigit x[], const mpDigit e[]
             }
         };
 
-        // The first step, for the top bit of e, is a copy.
-        setEqual(value, x, n);
-        for (nextBit(); size != 0; nextBit())
+        const ShortLimbForms* pLimbs = shortLimbForms();
+        const uint64_t bits = bitLength(e, n);
+        if (pLimbs != nullptr && modulusSize >= pLimbs->shortestForPowers && modulusSize <= longestForPowers &&
+            bits >= fewestBitsForPowers && significantDigits(x, n) <= modulusSize)
         {
-            mpSquare(product, value, ndigits);
-            reduce();
-            if ((e[size - 1] & mask) != 0)
+            mpDigit power[longestForShortLimbs + 1] = {};
+            pLimbs->power(power, x, e, bits, divisor.digits, modulusSize);
+            const size_t powerSize = std::max(significantDigits(power, longestForShortLimbs), modulusSize);
+            const mpDigit top = shiftLeftBits(remainder, power, divisor.shift, powerSize);
+            divideBy(divisor, quotient, top, remainder, powerSize);
+            setEqual(value, remainder, n);
+        }
+        else
+        {
+            // The first step, for the top bit of e, is a copy.
+            setEqual(value, x, n);
+            nextBit();
+            while (size != 0)
             {
-                mpMultiply(product, value, x, ndigits);
+                mpSquare(product, value, ndigits);
                 reduce();
+                if ((e[size - 1] & mask) != 0)
+                {
+                    mpMultiply(product, value, x, ndigits);
+                    reduce();
+                }
+                nextBit();
             }
         }
     }

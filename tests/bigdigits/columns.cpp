@@ -129,8 +129,6 @@ const Form forms[] = {
     {"Both256Bits", has256Bits, columnForms, shortLimbForms256Bits.divideByBoth},
     {"Limbs512Bits", has512Bits, columnForms, shortLimbForms512Bits.divide},
     {"Both512Bits", has512Bits, columnForms, shortLimbForms512Bits.divideByBoth},
-    {"LimbsVnni", hasVnni, columnForms, shortLimbFormsVnni.divide},
-    {"BothVnni", hasVnni, columnForms, shortLimbFormsVnni.divideByBoth},
 #endif
 #endif
 };
@@ -378,7 +376,6 @@ const NamedShortLimbForm namedShortLimbForms[] = {
 #if MP_HAS_WIDE_PAIRS
     {"Pairs256Bits", has256Bits, shortLimbForms256Bits.multiply},
     {"Pairs512Bits", has512Bits, shortLimbForms512Bits.multiply},
-    {"PairsVnni", hasVnni, shortLimbFormsVnni.multiply},
 #endif
 };
 
@@ -461,6 +458,141 @@ TEST_P(EachKindOfShortLimbs, MultipliesPowersOfTwo)
 INSTANTIATE_TEST_SUITE_P(Columns, EachKindOfShortLimbs, testing::ValuesIn(namedShortLimbForms),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
+// Powers by short limbs, in the same kinds.
+struct NamedPowerForm
+{
+    const char* name;
+    bool (*isThere)();
+    void (*power)(mpDigit y[], const mpDigit x[], const mpDigit e[], uint64_t bits, const mpDigit v[], size_t n);
+};
+
+std::ostream& operator<<(std::ostream& stream, const NamedPowerForm& form)
+{
+    return stream << form.name;
+}
+
+const NamedPowerForm namedPowerForms[] = {
+    {"Plain128Bits", isAlwaysThere, powerByShortLimbsWith<PlainPairs<Vector16>, PlainPairs<Vector16>>},
+    {"Plain256Bits", isAlwaysThere, powerByShortLimbsWith<PlainPairs<Vector32>, PlainPairs<Vector32>>},
+    {"Plain512And256Bits", isAlwaysThere, powerByShortLimbsWith<PlainPairs<Vector64>, PlainPairs<Vector32>>},
+    {"Plain512Bits", isAlwaysThere, powerByShortLimbsWith<PlainPairs<Vector64>, PlainPairs<Vector64>>},
+    {"Pairs128Bits", isAlwaysThere, shortLimbForms128Bits.power},
+#if MP_HAS_WIDE_PAIRS
+    {"Pairs256Bits", has256Bits, shortLimbForms256Bits.power},
+    {"Pairs512Bits", has512Bits, shortLimbForms512Bits.power},
+#endif
+};
+
+class EachKindOfPower : public testing::TestWithParam<NamedPowerForm>
+{
+protected:
+    void SetUp() override
+    {
+        if (!GetParam().isThere())
+        {
+            GTEST_SKIP() << "this processor cannot do it";
+        }
+    }
+
+    static void check(const std::vector<mpDigit>& x, std::vector<mpDigit> e, std::vector<mpDigit> v, size_t alignment)
+    {
+        v.back() |= topBit;
+        Shifted base(x, alignment);
+        Shifted modulus(v, alignment / 3);
+        Shifted power(std::vector<mpDigit>(longestForShortLimbs + 1), alignment / 7);
+        GetParam().power(power.get(), base.get(), e.data(), bitLength(e.data(), e.size()), modulus.get(), v.size());
+        ASSERT_EQ(Natural(power.vector()) % Natural(v), Natural(x).powerModulo(Natural(e), Natural(v)));
+        ASSERT_EQ(base.vector(), x);
+        ASSERT_EQ(modulus.vector(), v);
+    }
+};
+
+TEST_P(EachKindOfPower, AgreesWithGmpAtEveryLength)
+{
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    for (size_t n = 16; n <= longestForPowers && !HasFailure(); n += n < 70 ? 1 : 7)
+    {
+        SCOPED_TRACE(n);
+        check(random.uniformNumber(n), {random.uniform() | 1U}, random.uniformNumber(n), n);
+        check(random.number(n), {random.uniform() & 0xFFU, 1}, random.number(n), n);
+    }
+    check(random.uniformNumber(longestForPowers), {0xFFFFU}, random.uniformNumber(longestForPowers), 0);
+}
+
+// Multiples of them, and complements, are the longest and the shortest.
+TEST_P(EachKindOfPower, TakesUncommonModuli)
+{
+    for (const size_t n : {16U, 33U, 64U, static_cast<unsigned>(longestForPowers)})
+    {
+        std::vector<mpDigit> lowest(n);
+        std::vector<mpDigit> afterLowest(n);
+        afterLowest[0] = 1;
+        std::vector<mpDigit> highest(n, allOnes);
+        std::vector<mpDigit> beforeHighest(n, allOnes);
+        beforeHighest[0]--;
+        for (const auto& v : {lowest, afterLowest, highest, beforeHighest})
+        {
+            for (const auto& x : {lowest, afterLowest, highest, beforeHighest})
+            {
+                check(x, {0xB7U}, v, 5);
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Columns, EachKindOfPower, testing::ValuesIn(namedPowerForms),
+                         [](const auto& instance) { return std::string(instance.param.name); });
+
+// A carry that the quotient does not see, since it comes from more than two units below.
+class PowerWithLateCarry : public PowerByShortLimbs<PlainPairs<Vector16>, PlainPairs<Vector16>>
+{
+public:
+    Natural reduceBase()
+    {
+        for (size_t i = 0; i < unitsOfDividend(); i++)
+        {
+            _units[i] = 0;
+        }
+        _units[_size / 2 - 1] = unitMask;
+        _units[_size / 2 - 2] = unitMask;
+        _units[_size / 2 - 3] = unitMask + 1;
+        reduce();
+        std::vector<mpDigit> result(digits());
+        value(result.data());
+        return Natural(result);
+    }
+    size_t bits() const { return _size * shortLimbBits; }
+};
+
+TEST(Powers, TakeALateCarry)
+{
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    std::vector<mpDigit> v = random.uniformNumber(40);
+    v.back() |= topBit;
+    PowerWithLateCarry power;
+    power.setModulus(v.data(), v.size());
+    power.setValue(v.data(), v.size());
+    EXPECT_EQ(power.reduceBase() % Natural(v), (Natural(1U) << power.bits()) % Natural(v));
+}
+
+// Units, and everything that is cut into halves and parts.
+template <class Pairs>
+void squareByPlainUnits(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareBy(w, x, n, squareByUnitsWith<Pairs>, 256);
+}
+
+#endif
+
+#if defined(__SIZEOF_INT128__)
+
+void squareByHalvesOfRows(mpDigit w[], const mpDigit x[], size_t n)
+{
+    squareBy(w, x, n, squareByRows, 8);
+}
+
 #endif
 
 struct NamedSquareForm
@@ -479,7 +611,16 @@ const NamedSquareForm squareForms[] = {
     {"ForThisProcessor", isAlwaysThere, square},
     {"Rows", isAlwaysThere, squareByRows},
 #if defined(__SIZEOF_INT128__)
-    {"Words", isAlwaysThere, squareByWords},
+    {"HalvesOfRows", isAlwaysThere, squareByHalvesOfRows},
+    {"Words", isAlwaysThere, squareWithWords},
+#if MP_HAS_COLUMNS
+    {"PlainUnits128Bits", isAlwaysThere, squareByPlainUnits<PlainPairs<Vector16>>},
+    {"PlainUnits256Bits", isAlwaysThere, squareByPlainUnits<PlainPairs<Vector32>>},
+    {"PlainUnits512Bits", isAlwaysThere, squareByPlainUnits<PlainPairs<Vector64>>},
+#if MP_HAS_WIDE_PAIRS
+    {"Units", has256Bits, squareByUnits},
+#endif
+#endif
 #if defined(__x86_64__)
     {"WordsWithBmi2", [] { return __builtin_cpu_supports("bmi2") != 0; }, squareWithBmi2},
     {"Limbs", has52BitLimbs, squareByBlocks},
@@ -528,7 +669,7 @@ TEST_P(EachSquare, AgreesWithGmpAtLengthsAroundBlocks)
 {
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
-    for (const size_t n : {511U, 512U, 513U, 700U, 767U, 768U, 769U, 1025U, 2000U})
+    for (const size_t n : {511U, 512U, 513U, 700U, 767U, 768U, 769U, 1024U, 1025U, 2000U, 3100U})
     {
         SCOPED_TRACE(n);
         check(random.number(n), n);

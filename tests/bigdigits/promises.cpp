@@ -339,7 +339,8 @@ long instructionsOf(const std::function<void()>& work)
 
 TEST(ModExp, SquaresByTheFunctionThatIsMadeForIt)
 {
-    constexpr uint32_t n = 48;
+    // A longer power keeps its value in another form than digits, and squares it in that.
+    constexpr uint32_t n = 20;
     RandomNumbers random;
     SCOPED_TRACE(random.trace());
     const Digits x(random.uniformNumber(n));
