@@ -63,9 +63,12 @@ case $case in
         cd "$here" || exit 1
         for bits in 512 544 1024 2048 4096; do
             openssl genrsa -out "$bits.pem" "$bits" 2>/dev/null || complain "openssl made no key"
+            # Small keys do not countersign.
+            lines=()
+            [ "$bits" -ge 1024 ] || lines=(--digest-only)
             for text in one two three; do
                 echo "$text" >"$text.$bits"
-                countersign sign --key "$bits.pem" "$text.$bits" >"$here/log" 2>&1 || complain "$(cat "$here/log")"
+                countersign sign --key "$bits.pem" "${lines[@]}" "$text.$bits" >"$here/log" 2>&1 || complain "$(cat "$here/log")"
             done
         done
         expectTypes "$type" ./*.sig

@@ -186,7 +186,7 @@ TEST_F(AssertionDialogs, HoldTheProgressOfSigningBack)
     start();
     _pFrame->setAssertionDialogs(true);
     hoKeyRing keys;
-    keys._private._pKey = newKey(512);
+    keys._private._pKey = newKey(1024);
     _pFrame->setKeys(keys);
     // Of holes alone: it takes longer than the test.
     std::filesystem::resize_file(_folder.write("huge", ""), 1ULL << 40);
