@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <deque>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <filesystem>
@@ -47,7 +46,8 @@ thread_local int amountOfForksLeft = -1;
 thread_local sigset_t maskAtFork;
 
 // What the next writes of this thread to standard error do: so many bytes at most, or a negative error number.
-thread_local std::deque<long> writesToStderr;
+// No deque: its first memory would be taken wherever this thread first looks at one of these variables.
+thread_local std::vector<long> writesToStderr;
 thread_local int amountOfFurtherWrites = 0;
 
 #if defined(SYS_close_range)
@@ -73,7 +73,7 @@ extern "C" ssize_t write(int descriptor, const void* pBytes, size_t amount)
         return realWrite(descriptor, pBytes, amount);
     }
     const long answer = writesToStderr.front();
-    writesToStderr.pop_front();
+    writesToStderr.erase(writesToStderr.begin());
     if (answer < 0)
     {
         errno = static_cast<int>(-answer);

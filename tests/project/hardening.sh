@@ -89,7 +89,10 @@ for file in "$@"; do
 done
 if has -D_FORTIFY_SOURCE; then
     # Which calls can be checked is up to the compiler, so not every file has one; memory, texts and paths do.
-    for call in memcpy vsnprintf realpath; do
+    calls='memcpy vsnprintf'
+    # clang does not check this one in what is built here.
+    readelf -p .comment "$1" | grep -q clang || calls+=' realpath'
+    for call in $calls; do
         grep -qE " __${call}_chk" <<<"$checked" || complain "no file calls the checked form of $call"
     done
 fi
