@@ -6,7 +6,6 @@
 #include <cstring>
 #include <new>
 #include <string_view>
-#include <vector>
 
 #include "bigdigits.h"
 #include "crypto/crDigits.h"
@@ -14,11 +13,10 @@
 #include "crypto/crRSAStringEncryptor.h"
 #include "host/signing/hoOpenedBlock.h"
 
-#include <openssl/crypto.h>
-
 namespace
 {
 
+constexpr char marker = 1;
 constexpr char filler = 'd';
 
 // Whether the block that the text makes is below the modulus. Only its highest byte can tell: the others of the modulus
@@ -32,16 +30,11 @@ bool isBelowModulus(const crRSAEncryptionKey& key, const gtString& text)
         throw std::bad_alloc();
     }
     const std::string_view bytes = text.asStringView();
-    std::vector<unsigned char> block;
-    block.reserve(amountOfDigits * 4);
-    block.push_back(1);
-    block.insert(block.end(), bytes.begin(), bytes.end());
-    block.resize(amountOfDigits * 4, static_cast<unsigned char>(filler));
-    for (std::size_t i = 0; i < block.size(); i++)
+    for (std::size_t i = 0; i < amountOfDigits * 4; ++i)
     {
-        digits.digits()[i / 4] |= static_cast<unsigned int>(block[i]) << (8 * (i % 4));
+        const char byte = (i == 0) ? marker : (i <= bytes.size()) ? bytes[i - 1] : filler;
+        digits.digits()[i / 4] |= static_cast<unsigned int>(static_cast<unsigned char>(byte)) << (8 * (i % 4));
     }
-    OPENSSL_cleanse(block.data(), block.size());
     return mpCompare(digits.digits(), key.productDigits(), static_cast<unsigned int>(amountOfDigits)) < 0;
 }
 
