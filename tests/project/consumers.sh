@@ -179,7 +179,9 @@ platform/osWrappers/osFile.h
 platform/osWrappers/osFileFacts.h
 platform/osWrappers/osFilePath.h
 platform/osWrappers/osProcess.h
+platform/osWrappers/osResult.h
 platform/osWrappers/osTime.h
+platform/osWrappers/osWriteAll.h
 END
         )
         expect "the installed headers" "$expected" \

@@ -410,6 +410,6 @@ TEST_F(HostileDocuments, LeaveTheTextsAlone)
     texts.ShowModal();
     EXPECT_TRUE(script.isFinished());
     EXPECT_THAT(wxWindow::FindWindowByName("count", &texts)->GetLabel().utf8_string(),
-                HasSubstr("400,000 of 63 bytes: too long"));
+                HasSubstr("400,000 of 127 bytes: too long"));
     EXPECT_EQ(pPlain->GetValue().length(), 400000U);
 }
