@@ -64,12 +64,14 @@ arInteractiveAssertionFailureHandler::arInteractiveAssertionFailureHandler(unsig
       _isDeciding(false),
       _pHasMainLoopRun(std::make_shared<bool>(false))
 {
-    if (wxTheApp == nullptr)
+    // wxTheApp would make a wxApp of it, which an application without windows is not.
+    wxAppConsole* const pApplication = wxAppConsole::GetInstance();
+    if (pApplication == nullptr)
     {
         return;
     }
     // Whatever loop comes first; that of a dialog does not count.
-    wxTheApp->CallAfter([pHasRun = _pHasMainLoopRun] { *pHasRun = wxAppConsole::IsMainLoopRunning(); });
+    pApplication->CallAfter([pHasRun = _pHasMainLoopRun] { *pHasRun = wxAppConsole::IsMainLoopRunning(); });
     _pPause = std::make_unique<wxTimer>();
     _pPause->Bind(wxEVT_TIMER, [this](wxTimerEvent&) { decideNext(); });
     _pCall = std::make_unique<gtMainThreadCall>([this] { decideSoon(); });
@@ -93,7 +95,7 @@ void arInteractiveAssertionFailureHandler::onAssertionFailure(const char* functi
         {
             _pReport->decide(fileName, lineNumber, arAssertionDecision::Terminated);
         }
-        else if (!_isDeciding && _pCall != nullptr && wxTheApp != nullptr)
+        else if (!_isDeciding && _pCall != nullptr && wxAppConsole::GetInstance() != nullptr)
         {
             ask({gtString(functionName), gtString(fileName), lineNumber, gtString(message)});
         }

@@ -73,7 +73,7 @@ int runConsole()
     const auto pKit = newKit();
     failInEveryWay();
     // What the thread has asked for comes here, if anything does.
-    wxTheApp->ProcessPendingEvents();
+    wxAppConsole::GetInstance()->ProcessPendingEvents();
     print(*pKit);
     return initializer.IsOk() ? 0 : 1;
 }
