@@ -554,7 +554,7 @@ TEST_F(Program, GoesOnAfterSignalsThatItWasToldToIgnore)
     ASSERT_EQ(truncate((_folder / "huge").c_str(), 64LL * 1024 * 1024 * 1024), 0);
     tsCommand sign = command({"sign", "-k", "private.pem", "huge"});
     sign._hasTerminal = true;
-    sign._prepare = [] { signal(SIGHUP, SIG_IGN); };
+    sign._prepare = [] { static_cast<void>(signal(SIGHUP, SIG_IGN)); };
     std::size_t ignoredAt = 0;
     sign._type = [&](const std::string& printed, pid_t process)
     {

@@ -24,7 +24,6 @@
 namespace
 {
 using testing::Each;
-using testing::ElementsAre;
 using testing::HasSubstr;
 
 // A label as it is seen, without its marks.
