@@ -74,10 +74,6 @@ std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
     {
         warnOfPrivateKey(name, facts);
     }
-    if ((pKey != nullptr) && pKey->hasPrivateKey() && !facts._isLibcryptoMemoryWiped)
-    {
-        complain(gtString("warning: ").append(name), hoMemoryWarning());
-    }
     // A private key need not be in memory longer than it takes to read its file.
     return ((pKey != nullptr) && isPublicEnough) ? pKey->publicHalf() : std::move(pKey);
 }

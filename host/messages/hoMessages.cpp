@@ -365,11 +365,6 @@ gtString hoVerdictReason(const hoTestFacts& facts)
     }
 }
 
-gtString hoMemoryWarning()
-{
-    return "something in this program used libcrypto too early; what it frees of this key is not overwritten in memory";
-}
-
 gtString hoPrivateEncryptionWarning()
 {
     return "everybody with the public key can read what is encrypted with the private one";

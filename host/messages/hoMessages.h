@@ -39,9 +39,6 @@ gtString hoVerdictReason(const hoTestFacts& facts);
 // What a file is instead of a signature of this program.
 gtString hoSignatureFormReason(hoSignatureForm form);
 
-// Where libcrypto did not take the allocator that overwrites (hoLibcryptoMemory.h).
-gtString hoMemoryWarning();
-
 // What encrypting with a private key means.
 gtString hoPrivateEncryptionWarning();
 
@@ -51,6 +48,7 @@ gtString hoStateText(hoDocumentState state, bool canTest);
 // Warnings about a private key, to stand behind its name and a colon.
 gtString hoOpenKeyWarning();
 gtString hoOpenFolderWarning();
+// Where libcrypto did not take the allocator that overwrites (hoLibcryptoMemory.h).
 gtString hoLibcryptoMemoryWarning();
 
 #endif

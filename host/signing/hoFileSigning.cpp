@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/signing/hoFileSigning.h"
 
+#include "crypto/crDigits.h"
 #include "crypto/crRSAStringEncryptor.h"
 #include "host/keys/hoKeyRing.h"
 #include "host/signing/hoFileDigests.h"
@@ -11,8 +12,6 @@
 
 namespace
 {
-
-constexpr char filler = 'd';
 
 // What the signature is to the key. Good stands for "this key's".
 hoVerdict examine(const hoSignatureText& signature, const hoKey& key)
@@ -38,12 +37,12 @@ hoVerdict examine(const hoSignatureText& signature, const hoKey& key)
         return hoVerdict::NotASignature;
     }
     const std::string_view line = signature._digestLine.asStringView();
-    const hoOpenedBlock block(key.publicKey(), line.substr(8));
-    const std::size_t lengthOfDigest = static_cast<std::size_t>(signature._digits / 2 - 1) * 8;
+    const hoOpenedBlock block(key.publicKey(), line.substr(crCharactersPerDigit));
+    const std::size_t lengthOfDigest = static_cast<std::size_t>(signature._digits / 2 - 1) * crCharactersPerDigit;
     const bool isThisKeys =
         block.hasMarker() &&
         block.text().substr(0, lengthOfDigest).find_first_not_of("0123456789abcdef") == std::string_view::npos &&
-        block.text().substr(lengthOfDigest).find_first_not_of(filler) == std::string_view::npos;
+        block.text().substr(lengthOfDigest).find_first_not_of(hoOpenedBlock::filler) == std::string_view::npos;
     return isThisKeys ? hoVerdict::Good : hoVerdict::AnotherKey;
 }
 

@@ -12,7 +12,6 @@
 namespace
 {
 constexpr int bytesPerDigit = 4;
-constexpr char marker = 0x01;
 }  // namespace
 
 hoOpenedBlock::hoOpenedBlock(const crRSAEncryptionKey& key, std::string_view cipherDigits)

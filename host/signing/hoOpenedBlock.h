@@ -14,6 +14,10 @@ class crRSAEncryptionKey;
 class hoOpenedBlock
 {
 public:
+    // The first byte of a block, and what stands behind its text up to the block's end.
+    static constexpr char marker = 0x01;
+    static constexpr char filler = 'd';
+
     // cipherDigits: eight hexadecimal characters for each digit of the key, the lowest digit first, as behind a cipher
     // text's length. Throws std::bad_alloc.
     hoOpenedBlock(const crRSAEncryptionKey& key, std::string_view cipherDigits);

@@ -16,9 +16,6 @@
 namespace
 {
 
-constexpr char marker = 1;
-constexpr char filler = 'd';
-
 // Whether the block that the text makes is below the modulus. Only its highest byte can tell: the others of the modulus
 // are as good as anything.
 bool isBelowModulus(const crRSAEncryptionKey& key, const gtString& text)
@@ -32,7 +29,7 @@ bool isBelowModulus(const crRSAEncryptionKey& key, const gtString& text)
     const std::string_view bytes = text.asStringView();
     for (std::size_t i = 0; i < amountOfDigits * 4; ++i)
     {
-        const char byte = (i == 0) ? marker : (i <= bytes.size()) ? bytes[i - 1] : filler;
+        const char byte = (i == 0) ? hoOpenedBlock::marker : (i <= bytes.size()) ? bytes[i - 1] : hoOpenedBlock::filler;
         digits.digits()[i / 4] |= static_cast<unsigned int>(static_cast<unsigned char>(byte)) << (8 * (i % 4));
     }
     return mpCompare(digits.digits(), key.productDigits(), static_cast<unsigned int>(amountOfDigits)) < 0;
@@ -107,8 +104,9 @@ hoTextResult hoDecryptText(const crRSAEncryptionKey& key, const gtString& cipher
         }
         const hoOpenedBlock block(key, cipher.substr(crCharactersPerDigit));
         const std::string_view found = block.text().substr(0, length);
-        const bool comesOut = block.hasMarker() && found.find('\0') == std::string_view::npos &&
-                              block.text().substr(length).find_first_not_of(filler) == std::string_view::npos;
+        const bool comesOut =
+            block.hasMarker() && found.find('\0') == std::string_view::npos &&
+            block.text().substr(length).find_first_not_of(hoOpenedBlock::filler) == std::string_view::npos;
         if (!comesOut)
         {
             return hoTextProblem::DoesNotComeOut;
