@@ -2,8 +2,8 @@
 // Every system call and every allocation of what the windows stand on goes wrong in turn: the work is done all the same or
 // is said not to be done, no half file is left, nothing is called good or bad that is not, and lists stay whole.
 #include "tests/host/NewKey.h"
-#include "tests/host/SystemFault.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/tsSystemFault.h"
 
 #include "assertionReporting/arAssertionReport.h"
 #include "assertionReporting/arAssertionReportText.h"
@@ -63,7 +63,7 @@ int failEach(const std::string& folder, const Fault& fault, const std::function<
         prepare();
         bool hasHappened = false;
         {
-            const SystemFault broken(folder, fault._call, number, fault._error);
+            const tsSystemFault broken(folder, fault._call, number, fault._error);
             work();
             hasHappened = broken.hasHappened();
         }
@@ -251,7 +251,7 @@ TEST_F(WindowEngineFaults, AReadErrorIsNotTheEndOfTheFile)
     for (int number = 1; number <= 4; ++number)
     {
         resetSignatures("");
-        const SystemFault broken(_folder.path(), "read", number, EIO);
+        const tsSystemFault broken(_folder.path(), "read", number, EIO);
         work(hoSigningJob::Kind::Sign, _key);
         ASSERT_TRUE(broken.hasHappened());
         const bool isLarge = _outcomes[0]._signing._problem != hoSigningProblem::None;
@@ -283,7 +283,7 @@ TEST_F(WindowEngineFaults, DocumentsThatChangeWhileTheyAreSignedAreNotSigned)
         open();
         resetSignatures(anOldSignature);
         // The first two read the signature that is there.
-        const SystemFault meanwhile(_folder.path(), "read", 4, change);
+        const tsSystemFault meanwhile(_folder.path(), "read", 4, change);
         work(hoSigningJob::Kind::Sign, _key);
         ASSERT_TRUE(meanwhile.hasHappened());
         ASSERT_EQ(_outcomes.size(), 2U);
@@ -299,10 +299,10 @@ TEST_F(WindowEngineFaults, DocumentsThatChangeWithinTheirTimeStampAreNotSigned)
 {
     for (const bool isWholeSeconds : {false, true})
     {
-        std::unique_ptr<WholeSecondStamps> pStamps;
+        std::unique_ptr<tsWholeSecondStamps> pStamps;
         if (isWholeSeconds)
         {
-            pStamps = std::make_unique<WholeSecondStamps>();
+            pStamps = std::make_unique<tsWholeSecondStamps>();
         }
         for (int round = 0; round < (isWholeSeconds ? 2 : 50); ++round)
         {
@@ -315,7 +315,7 @@ TEST_F(WindowEngineFaults, DocumentsThatChangeWithinTheirTimeStampAreNotSigned)
                 file.seekp(700000);
                 file << "other bytes";
             };
-            const SystemFault meanwhile(_folder.path(), "read", 2, change);
+            const tsSystemFault meanwhile(_folder.path(), "read", 2, change);
             work(hoSigningJob::Kind::Sign, _key);
             ASSERT_TRUE(meanwhile.hasHappened());
             ASSERT_EQ(_outcomes.size(), 2U);
@@ -364,11 +364,11 @@ TEST_F(WindowEngineFaults, MissingMemoryMakesNothingGoodAndNothingBad)
 TEST_F(WindowEngineFaults, WithoutAThreadWorkIsNotBegun)
 {
     {
-        const SystemFault broken(_folder.path(), "thread", 1, EAGAIN);
+        const tsSystemFault broken(_folder.path(), "thread", 1, EAGAIN);
         EXPECT_THROW(work(hoSigningJob::Kind::Sign, _key), std::system_error);
     }
     {
-        const SystemFault broken(_folder.path(), "thread", 1, EAGAIN);
+        const tsSystemFault broken(_folder.path(), "thread", 1, EAGAIN);
         EXPECT_THROW(hoNewKeyPair pair(512), std::system_error);
     }
     EXPECT_TRUE(contentsOf(_folder) == _signed);

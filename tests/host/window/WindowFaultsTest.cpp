@@ -3,7 +3,7 @@
 // call is FaultsTest.cpp's subject.
 #include "tests/host/MainFrameFixture.h"
 #include "tests/host/NewKey.h"
-#include "tests/host/SystemFault.h"
+#include "tests/support/tsSystemFault.h"
 
 #include "assertionReporting/arAssertionReport.h"
 #include "assertionReporting/arAssertionReportWindow.h"
@@ -79,7 +79,7 @@ TEST_F(WindowFaults, SaysThatADocumentCouldNotBeRead)
 {
     startWithDocument();
     {
-        const SystemFault broken(_folder.path("documents"), "read", 2, EIO);
+        const tsSystemFault broken(_folder.path("documents"), "read", 2, EIO);
         workWith("ctrl+s");
         EXPECT_TRUE(broken.hasHappened());
     }
@@ -90,7 +90,7 @@ TEST_F(WindowFaults, SaysThatADocumentCouldNotBeRead)
     workWith("ctrl+s");
     EXPECT_EQ(message(), "1 document: 1 signed.");
     {
-        const SystemFault broken(_folder.path("documents"), "read", 3, EIO);
+        const tsSystemFault broken(_folder.path("documents"), "read", 3, EIO);
         workWith("ctrl+t");
         EXPECT_TRUE(broken.hasHappened());
     }
@@ -104,7 +104,7 @@ TEST_F(WindowFaults, SaysThatASignatureCouldNotBeWritten)
     startWithDocument();
     for (const char* pCall : {"write", "fsync"})
     {
-        const SystemFault broken(_folder.path("documents"), pCall, 1, ENOSPC);
+        const tsSystemFault broken(_folder.path("documents"), pCall, 1, ENOSPC);
         workWith("ctrl+s");
         EXPECT_TRUE(broken.hasHappened()) << pCall;
         EXPECT_EQ(message(), "1 document: 1 could not be signed.") << pCall;
@@ -124,8 +124,8 @@ TEST_F(WindowFaults, SaysThatADocumentChangedWhileItWasSigned)
     {
         std::filesystem::resize_file(_large, 1200000);
         workWith("ctrl+t");
-        const SystemFault meanwhile(_folder.path("documents"), "read", 2,
-                                    [&] { std::filesystem::resize_file(_large, size); });
+        const tsSystemFault meanwhile(_folder.path("documents"), "read", 2,
+                                      [&] { std::filesystem::resize_file(_large, size); });
         workWith("ctrl+s");
         EXPECT_TRUE(meanwhile.hasHappened());
         EXPECT_EQ(message(), "1 document: 1 could not be signed.");
@@ -140,7 +140,7 @@ TEST_F(WindowFaults, SaysThatWorkCouldNotBegin)
     EXPECT_TRUE(hasMessageDuring(
         [this]
         {
-            const SystemFault broken(_folder.path("documents"), "thread", 1, EAGAIN);
+            const tsSystemFault broken(_folder.path("documents"), "thread", 1, EAGAIN);
             const int id = _pFrame->GetMenuBar()->FindMenuItem("Signature", "Sign");
             wxCommandEvent sign(wxEVT_MENU, id);
             _pFrame->ProcessWindowEvent(sign);
@@ -161,7 +161,7 @@ TEST_F(WindowFaults, SaysThatAReportCouldNotBeWritten)
     EXPECT_TRUE(hasMessageDuring(
         [&]
         {
-            const SystemFault broken(_folder.path("documents"), "write", 1, ENOSPC);
+            const tsSystemFault broken(_folder.path("documents"), "write", 1, ENOSPC);
             EXPECT_FALSE(window.saveAs(path));
             EXPECT_TRUE(broken.hasHappened());
         }));
@@ -179,7 +179,7 @@ TEST_F(WindowFaults, KeepsSettingsThatCannotBeRead)
     const std::string before = _folder.read("config/countersign/settings");
     ASSERT_THAT(before, HasSubstr("documents/large"));
     {
-        const SystemFault broken(_folder.path("config"), "read", 1, EIO);
+        const tsSystemFault broken(_folder.path("config"), "read", 1, EIO);
         start();
         EXPECT_TRUE(broken.hasHappened());
     }
@@ -192,7 +192,7 @@ TEST_F(WindowFaults, KeepsSettingsThatCannotBeRead)
     // The other way round: what cannot be written is told, and the old file stays.
     start();
     {
-        const SystemFault broken(_folder.path("config"), "write", 1, ENOSPC);
+        const tsSystemFault broken(_folder.path("config"), "write", 1, ENOSPC);
         openAskedFor(_folder.path("documents/other"));
         EXPECT_TRUE(broken.hasHappened());
     }
@@ -208,7 +208,7 @@ TEST_F(WindowFaults, SaysWhyAKeyPairIsNotMade)
     auto* pFile = dynamic_cast<wxTextCtrl*>(wxWindow::FindWindowByName("file", &dialog));
     const std::string pipe = _folder.path("documents/pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    std::unique_ptr<SystemFault> pBroken;
+    std::unique_ptr<tsSystemFault> pBroken;
     const auto create = [&]
     {
         wxCommandEvent press(wxEVT_BUTTON, wxID_OK);
@@ -220,7 +220,7 @@ TEST_F(WindowFaults, SaysWhyAKeyPairIsNotMade)
         .perform("let the system refuse a thread",
                  [&]
                  {
-                     pBroken = std::make_unique<SystemFault>(_folder.path("documents"), "thread", 1, EAGAIN);
+                     pBroken = std::make_unique<tsSystemFault>(_folder.path("documents"), "thread", 1, EAGAIN);
                      create();
                  })
         .waitUntil("it is told", [&] { return said().find("cannot be made now: Resource") != std::string::npos; })
@@ -228,7 +228,7 @@ TEST_F(WindowFaults, SaysWhyAKeyPairIsNotMade)
                  [&]
                  {
                      pBroken.reset();
-                     pBroken = std::make_unique<SystemFault>(_folder.path("documents"), "write", 1, ENOSPC);
+                     pBroken = std::make_unique<tsSystemFault>(_folder.path("documents"), "write", 1, ENOSPC);
                      create();
                  })
         .waitUntil("it is told", [&] { return said().find("No space left on device") != std::string::npos; })
