@@ -4,10 +4,7 @@
 
 // The cipher is marked as deprecated in libcrypto 3; here it is wanted.
 #define OPENSSL_SUPPRESS_DEPRECATED
-// The headers may not bring bodies of what is defined here.
-#undef _FORTIFY_SOURCE
 
-#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +13,6 @@
 #include <malloc.h>
 #include <new>
 #include <string>
-#include <sys/syscall.h>
 #include <unistd.h>
 #include <vector>
 
@@ -31,34 +27,7 @@
 #include "cryptoTestSupport.h"
 #include "platform/baseTools/gtWipe.h"
 #include "tests/support/failingAllocation.h"
-
-namespace
-{
-
-// How many bytes can still be read before reading fails.
-constexpr long noReadError = -1;
-constexpr long errorHasCome = -2;
-long bytesBeforeReadError = noReadError;
-
-}  // namespace
-
-extern "C" ssize_t read(int descriptor, void* pBuffer, std::size_t size)
-{
-    if (bytesBeforeReadError == noReadError)
-    {
-        return ::syscall(SYS_read, descriptor, pBuffer, size);
-    }
-    if (bytesBeforeReadError <= 0)
-    {
-        bytesBeforeReadError = errorHasCome;
-        errno = EIO;
-        return -1;
-    }
-    const ssize_t amount =
-        ::syscall(SYS_read, descriptor, pBuffer, std::min(size, static_cast<std::size_t>(bytesBeforeReadError)));
-    bytesBeforeReadError -= std::max<ssize_t>(amount, 0);
-    return amount;
-}
+#include "tests/support/tsSystemFault.h"
 
 namespace
 {
@@ -427,7 +396,13 @@ TEST_F(CryptoFaults, ReadErrorsCountAsTheEndOfTheFile)
         ASSERT_TRUE(crRSADigitalSigner(_privateKey).getSignature(part, expected));
         for (const bool isTested : {false, true})
         {
-            bytesBeforeReadError = static_cast<long>(amount);
+            tsFault readError{"read", {-EIO}};
+            if (amount > 0)
+            {
+                readError._answers.insert(readError._answers.begin(), static_cast<long>(amount));
+            }
+            readError._isForGood = true;
+            const tsSystemFault broken(readError);
             gtString signature("kept");
             crRSADigitalSigner signer(isTested ? _publicKey : _privateKey);
             if (isTested)
@@ -439,8 +414,7 @@ TEST_F(CryptoFaults, ReadErrorsCountAsTheEndOfTheFile)
                 EXPECT_TRUE(signer.getSignature(_file, signature)) << amount;
                 EXPECT_EQ(signature, expected) << amount;
             }
-            EXPECT_EQ(bytesBeforeReadError, errorHasCome) << amount;
-            bytesBeforeReadError = noReadError;
+            EXPECT_GT(broken.amountOfCalls(), amount == 0 ? 0 : 1) << amount;
         }
     }
     // A file that cannot be read from its start on.

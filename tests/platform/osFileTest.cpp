@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// The headers may not bring bodies of what is defined here.
-#undef _FORTIFY_SOURCE
 #include "platform/osWrappers/osFile.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdarg>
 #include <cstdlib>
 #include <cstring>
-#include <deque>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -19,117 +15,13 @@
 #include <string>
 #include <sys/mman.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <thread>
 #include <type_traits>
 #include <unistd.h>
 #include <vector>
 
 #include "tests/support/failingAllocation.h"
-
-namespace
-{
-// Watches and disturbs the system calls of the thread that made it, as long as it lives. Each queue tells what the next
-// calls do: 0 the real thing, a negative number fails with that error, a positive one shortens a read to so many bytes.
-class SystemCalls
-{
-public:
-    SystemCalls() { pCurrent = this; }
-    SystemCalls(const SystemCalls&) = delete;
-    SystemCalls& operator=(const SystemCalls&) = delete;
-    ~SystemCalls() { pCurrent = nullptr; }
-
-    static thread_local SystemCalls* pCurrent;
-
-    std::deque<long> opens;
-    std::deque<long> reads;
-    std::deque<long> fstats;
-    std::deque<long> fcntls;
-    std::vector<std::size_t> readSizes;
-    std::vector<int> opened;
-    std::vector<int> closed;
-};
-
-thread_local SystemCalls* SystemCalls::pCurrent = nullptr;
-
-long next(std::deque<long> SystemCalls::*pQueue)
-{
-    if (SystemCalls::pCurrent == nullptr || (SystemCalls::pCurrent->*pQueue).empty())
-    {
-        return 0;
-    }
-    const long answer = (SystemCalls::pCurrent->*pQueue).front();
-    (SystemCalls::pCurrent->*pQueue).pop_front();
-    return answer;
-}
-
-bool fails(long answer)
-{
-    if (answer < 0)
-    {
-        errno = static_cast<int>(-answer);
-        return true;
-    }
-    return false;
-}
-}  // namespace
-
-extern "C" int open(const char* pPath, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const unsigned int mode = va_arg(arguments, unsigned int);
-    va_end(arguments);
-    if (fails(next(&SystemCalls::opens)))
-    {
-        return -1;
-    }
-    const int descriptor = static_cast<int>(::syscall(SYS_openat, AT_FDCWD, pPath, flags, mode));
-    if (SystemCalls::pCurrent != nullptr && descriptor >= 0)
-    {
-        SystemCalls::pCurrent->opened.push_back(descriptor);
-    }
-    return descriptor;
-}
-
-extern "C" ssize_t read(int descriptor, void* pBuffer, std::size_t size)
-{
-    const long answer = next(&SystemCalls::reads);
-    if (SystemCalls::pCurrent != nullptr)
-    {
-        SystemCalls::pCurrent->readSizes.push_back(size);
-    }
-    if (fails(answer))
-    {
-        return -1;
-    }
-    const std::size_t limit = answer > 0 ? static_cast<std::size_t>(answer) : size;
-    return ::syscall(SYS_read, descriptor, pBuffer, std::min(size, limit));
-}
-
-extern "C" int fstat(int descriptor, struct stat* pStatus) noexcept
-{
-    return fails(next(&SystemCalls::fstats)) ? -1 : ::fstatat(descriptor, "", pStatus, AT_EMPTY_PATH);
-}
-
-extern "C" int fcntl(int descriptor, int command, ...)
-{
-    va_list arguments;
-    va_start(arguments, command);
-    const long argument = va_arg(arguments, long);
-    va_end(arguments);
-    return fails(next(&SystemCalls::fcntls)) ? -1
-                                             : static_cast<int>(::syscall(SYS_fcntl, descriptor, command, argument));
-}
-
-extern "C" int close(int descriptor)
-{
-    if (SystemCalls::pCurrent != nullptr)
-    {
-        SystemCalls::pCurrent->closed.push_back(descriptor);
-    }
-    return static_cast<int>(::syscall(SYS_close, descriptor));
-}
+#include "tests/support/tsSystemFault.h"
 
 namespace
 {
@@ -278,9 +170,9 @@ TEST_F(osFileTest, SmallReadsAreFewSystemCalls)
     const osFilePath path = write("file", contentOf(4 * bufferCapacity));
     osFile file;
     ASSERT_TRUE(open(file, path));
-    const SystemCalls calls;
+    const tsNotedCalls calls;
     EXPECT_EQ(readInSteps(file, 60).size(), 4 * bufferCapacity);
-    EXPECT_THAT(calls.readSizes, AllOf(SizeIs(5), Each(bufferCapacity)));
+    EXPECT_THAT(calls._readSizes, AllOf(SizeIs(5), Each(bufferCapacity)));
 }
 
 TEST_F(osFileTest, LargeReadsGoStraightToTheCaller)
@@ -292,11 +184,11 @@ TEST_F(osFileTest, LargeReadsGoStraightToTheCaller)
     {
         osFile file;
         ASSERT_TRUE(open(file, path));
-        const SystemCalls calls;
+        const tsNotedCalls calls;
         const unsigned long long allocations = amountOfAllocations();
         ASSERT_TRUE(file.readAvailableData(buffer.data(), content.size(), amount));
         EXPECT_LE(amountOfAllocations() - allocations, 1U);  // the test's own list of sizes
-        EXPECT_THAT(calls.readSizes, ElementsAre(content.size()));
+        EXPECT_THAT(calls._readSizes, ElementsAre(content.size()));
         EXPECT_EQ(amount, content.size());
         EXPECT_EQ(std::string(buffer.data(), amount), content);
     }
@@ -313,10 +205,10 @@ TEST_F(osFileTest, LargeReadsGoStraightToTheCaller)
         // What is buffered comes first.
         osFile file;
         ASSERT_TRUE(open(file, path));
-        const SystemCalls calls;
+        const tsNotedCalls calls;
         ASSERT_TRUE(file.readAvailableData(buffer.data(), 10, amount));
         ASSERT_TRUE(file.readAvailableData(buffer.data() + 10, content.size() - 10, amount));
-        EXPECT_THAT(calls.readSizes, ElementsAre(bufferCapacity, 2 * bufferCapacity));
+        EXPECT_THAT(calls._readSizes, ElementsAre(bufferCapacity, 2 * bufferCapacity));
         EXPECT_EQ(amount, content.size() - 10);
         EXPECT_EQ(std::string(buffer.data(), content.size()), content);
     }
@@ -330,8 +222,7 @@ TEST_F(osFileTest, ShortReadsAreNoEnd)
     {
         osFile file;
         ASSERT_TRUE(open(file, path));
-        SystemCalls calls;
-        calls.reads = {1, 59, 61, 1, 4000, 100, 0, 3, -EINTR, 2};
+        const tsSystemFault reads("read", {1, 59, 61, 1, 4000, 100, tsWorks, 3, -EINTR, 2});
         EXPECT_TRUE(readInSteps(file, step) == content);
         EXPECT_FALSE(file.hasReadError());
     }
@@ -341,9 +232,8 @@ TEST_F(osFileTest, InterruptedCallsAreTakenUpAgain)
 {
     const std::string content = contentOf(1000);
     const osFilePath path = write("file", content);
-    SystemCalls calls;
-    calls.opens = {-EINTR, -EINTR, -EINTR};
-    calls.reads = {-EINTR, 10, -EINTR, -EINTR};
+    const tsSystemFault opens("open", {-EINTR, -EINTR, -EINTR});
+    const tsSystemFault reads("read", {-EINTR, 10, -EINTR, -EINTR});
     osFile file;
     ASSERT_TRUE(open(file, path));
     EXPECT_TRUE(readInSteps(file, 60) == content);
@@ -382,8 +272,7 @@ TEST_F(osFileTest, ErrorIsNoEnd)
         unsigned long amount = 99;
         osFile file;
         ASSERT_TRUE(open(file, path));
-        SystemCalls calls;
-        calls.reads = {-EIO};
+        const tsSystemFault broken("read", {-EIO});
         EXPECT_FALSE(file.readAvailableData(buffer.data(), step, amount));
         EXPECT_EQ(amount, 0U);
         EXPECT_TRUE(file.hasReadError());
@@ -393,7 +282,7 @@ TEST_F(osFileTest, ErrorIsNoEnd)
         EXPECT_FALSE(file.readAvailableData(buffer.data(), step, amount));
         EXPECT_TRUE(file.hasReadError());
         EXPECT_EQ(file.errorNumber(), EIO);
-        EXPECT_THAT(calls.readSizes, SizeIs(1));
+        EXPECT_EQ(broken.amountOfCalls(), 1);
 
         file.close();
         EXPECT_TRUE(file.hasReadError());
@@ -415,8 +304,7 @@ TEST_F(osFileTest, BytesFromBeforeAnErrorAreDelivered)
         unsigned long amount = 0;
         osFile file;
         ASSERT_TRUE(open(file, path));
-        SystemCalls calls;
-        calls.reads = {300, -EIO};
+        const tsSystemFault broken("read", {300, -EIO});
         EXPECT_TRUE(file.readAvailableData(buffer.data(), step, amount));
         EXPECT_EQ(std::string(buffer.data(), amount), content.substr(0, 300));
         EXPECT_TRUE(file.hasReadError());
@@ -505,12 +393,12 @@ TEST_F(osFileTest, HugeReadsAreCutIntoSystemCalls)
         ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     ASSERT_NE(pMemory, MAP_FAILED);
     {
-        const SystemCalls calls;
+        const tsNotedCalls calls;
         unsigned long amount = 0;
         EXPECT_TRUE(file.readAvailableData(static_cast<char*>(pMemory), size, amount));
         EXPECT_EQ(amount, content.size());
         EXPECT_EQ(std::memcmp(pMemory, content.data(), content.size()), 0);
-        EXPECT_THAT(calls.readSizes, ElementsAre(std::size_t(1) << 30, std::size_t(1) << 30));
+        EXPECT_THAT(calls._readSizes, ElementsAre(std::size_t(1) << 30, std::size_t(1) << 30));
     }
     ::munmap(pMemory, size);
 }
@@ -598,12 +486,12 @@ TEST_F(osFileTest, RefusedSecondOpenLeavesErrorAndEndAsTheyWere)
     EXPECT_EQ(readInSteps(ended, 60), "first");
     std::ofstream(nameOf("file"), std::ios::app) << "second";
     {
-        const SystemCalls calls;
+        const tsNotedCalls calls;
         EXPECT_FALSE(open(ended, other));
         EXPECT_FALSE(ended.open(other, static_cast<osChannel::osChannelType>(1), osFile::OS_OPEN_TO_READ));
         EXPECT_EQ(ended.errorNumber(), EBUSY);
-        EXPECT_THAT(calls.opened, SizeIs(0));
-        EXPECT_THAT(calls.closed, SizeIs(0));
+        EXPECT_THAT(calls._opened, SizeIs(0));
+        EXPECT_THAT(calls._closed, SizeIs(0));
     }
     EXPECT_FALSE(ended.readAvailableData(buffer, sizeof buffer, amount)) << "the end is where it was met";
     EXPECT_FALSE(ended.hasReadError());
@@ -611,8 +499,7 @@ TEST_F(osFileTest, RefusedSecondOpenLeavesErrorAndEndAsTheyWere)
     osFile faulty;
     ASSERT_TRUE(open(faulty, path));
     {
-        SystemCalls calls;
-        calls.reads = {-EIO};
+        const tsSystemFault broken("read", {-EIO});
         EXPECT_FALSE(faulty.readAvailableData(buffer, sizeof buffer, amount));
     }
     EXPECT_FALSE(open(faulty, other));
@@ -651,14 +538,14 @@ TEST_F(osFileTest, NullTakesNothingAndClosedFilesGiveNothing)
         EXPECT_FALSE(file.hasReadError());
         EXPECT_EQ(file.errorNumber(), 0);
     };
-    const SystemCalls calls;
+    const tsNotedCalls calls;
     expectNothing(true);
     ASSERT_TRUE(open(file, path));
     expectNothing(false);
-    EXPECT_THAT(calls.readSizes, SizeIs(0));
+    EXPECT_THAT(calls._readSizes, SizeIs(0));
     ASSERT_TRUE(file.readAvailableData(buffer, sizeof buffer, amount));
     expectNothing(false);
-    EXPECT_THAT(calls.readSizes, SizeIs(1));
+    EXPECT_THAT(calls._readSizes, SizeIs(1));
     EXPECT_TRUE(readInSteps(file, 1000) == content.substr(60));
     expectNothing(false);
     file.close();
@@ -696,7 +583,7 @@ TEST_F(osFileTest, OpensRegularFilesOnly)
         {nameOf(std::string("file\0", 5)), EINVAL},
         {nameOf(std::string("file\0x", 6)), EINVAL},
     };
-    SystemCalls calls;
+    const tsNotedCalls calls;
     for (const auto& one : refused)
     {
         osFile file;
@@ -713,7 +600,7 @@ TEST_F(osFileTest, OpensRegularFilesOnly)
         EXPECT_EQ(file.errorNumber(), 0);
         EXPECT_EQ(readInSteps(file, 60), "content");
     }
-    EXPECT_EQ(calls.opened.size(), calls.closed.size());
+    EXPECT_EQ(calls._opened.size(), calls._closed.size());
 }
 
 TEST_F(osFileTest, UnknownChannelsAndModesAreRefused)
@@ -731,23 +618,29 @@ TEST_F(osFileTest, SystemsRefusalsAreTold)
 {
     const osFilePath path = write("file", "content");
     osFile file;
-    SystemCalls calls;
-    calls.opens = {-EMFILE};
-    EXPECT_FALSE(open(file, path));
-    EXPECT_EQ(file.errorNumber(), EMFILE);
-
-    calls.fstats = {-EIO};
-    EXPECT_FALSE(open(file, path));
-    EXPECT_EQ(file.errorNumber(), EIO);
-    EXPECT_FALSE(file.isOpen());
-
-    calls.fcntls = {-EPERM};
-    EXPECT_FALSE(open(file, path));
-    EXPECT_EQ(file.errorNumber(), EPERM);
-    calls.fcntls = {0, -EPERM};
-    EXPECT_FALSE(open(file, path));
-    EXPECT_EQ(file.errorNumber(), EPERM);
-    EXPECT_EQ(calls.opened, calls.closed);
+    const tsNotedCalls calls;
+    {
+        const tsSystemFault broken("open", {-EMFILE});
+        EXPECT_FALSE(open(file, path));
+        EXPECT_EQ(file.errorNumber(), EMFILE);
+    }
+    {
+        const tsSystemFault broken("fstat", {-EIO});
+        EXPECT_FALSE(open(file, path));
+        EXPECT_EQ(file.errorNumber(), EIO);
+        EXPECT_FALSE(file.isOpen());
+    }
+    {
+        const tsSystemFault broken("fcntl", {-EPERM});
+        EXPECT_FALSE(open(file, path));
+        EXPECT_EQ(file.errorNumber(), EPERM);
+    }
+    {
+        const tsSystemFault broken("fcntl", {tsWorks, -EPERM});
+        EXPECT_FALSE(open(file, path));
+        EXPECT_EQ(file.errorNumber(), EPERM);
+    }
+    EXPECT_EQ(calls._opened, calls._closed);
 
     EXPECT_TRUE(open(file, path));
     EXPECT_EQ(readInSteps(file, 60), "content");
@@ -776,31 +669,31 @@ TEST_F(osFileDeathTest, UnreadableFileIsRefused)
 TEST_F(osFileTest, ClosesItself)
 {
     const osFilePath path = write("file", "content");
-    SystemCalls calls;
+    const tsNotedCalls calls;
     {
         osFile file;
         ASSERT_TRUE(open(file, path));
     }
-    ASSERT_THAT(calls.opened, SizeIs(1));
-    EXPECT_EQ(calls.closed, calls.opened);
+    ASSERT_THAT(calls._opened, SizeIs(1));
+    EXPECT_EQ(calls._closed, calls._opened);
     {
         osFile file;
         ASSERT_TRUE(open(file, path));
         file.close();
         file.close();
     }
-    EXPECT_EQ(calls.closed, calls.opened);
+    EXPECT_EQ(calls._closed, calls._opened);
 }
 
 TEST_F(osFileTest, DescriptorIsNotInheritedAndBlocks)
 {
     const osFilePath path = write("file", "content");
-    const SystemCalls calls;
+    const tsNotedCalls calls;
     osFile file;
     ASSERT_TRUE(open(file, path));
-    ASSERT_THAT(calls.opened, SizeIs(1));
-    EXPECT_EQ(::fcntl(calls.opened[0], F_GETFD), FD_CLOEXEC);
-    EXPECT_EQ(::fcntl(calls.opened[0], F_GETFL) & (O_ACCMODE | O_NONBLOCK), O_RDONLY);
+    ASSERT_THAT(calls._opened, SizeIs(1));
+    EXPECT_EQ(::fcntl(calls._opened[0], F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(::fcntl(calls._opened[0], F_GETFL) & (O_ACCMODE | O_NONBLOCK), O_RDONLY);
 }
 
 TEST_F(osFileTest, TellsTheSize)
@@ -826,8 +719,7 @@ TEST_F(osFileTest, TellsTheSize)
     EXPECT_TRUE(file.fileSize(size));
     EXPECT_EQ(size, 5ULL << 30);
     {
-        SystemCalls calls;
-        calls.fstats = {-EIO};
+        const tsSystemFault broken("fstat", {-EIO});
         size = 99;
         EXPECT_FALSE(file.fileSize(size));
         EXPECT_EQ(size, 99U);
@@ -883,8 +775,7 @@ TEST_F(osFileTest, FactsAreThoseOfTheOpenFileWhateverItsNameLeadsTo)
     EXPECT_EQ(ofTheName._size, 15U);
     EXPECT_NE(facts._fileNumber, ofTheName._fileNumber);
 
-    SystemCalls system;
-    system.fstats = {-EIO};
+    const tsSystemFault broken("fstat", {-EIO});
     EXPECT_FALSE(file.readFacts(facts));
     EXPECT_EQ(file.errorNumber(), EIO);
     file.close();

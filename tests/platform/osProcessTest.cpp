@@ -36,58 +36,14 @@
 
 #include "tests/support/failingAllocation.h"
 #include "tests/support/tsCaughtErrors.h"
-
-namespace
-{
-// How often this thread may still fork, if not below 0. A child has a copy of its own.
-thread_local int amountOfForksLeft = -1;
-
-// Which signals were blocked when this thread forked last.
-thread_local sigset_t maskAtFork;
-
-// What the next writes of this thread to standard error do: so many bytes at most, or a negative error number.
-// No deque: its first memory would be taken wherever this thread first looks at one of these variables.
-thread_local std::vector<long> writesToStderr;
-thread_local int amountOfFurtherWrites = 0;
+#include "tests/support/tsSystemFault.h"
 
 #if defined(SYS_close_range)
 // Systems have this call since 2020.
-bool hasCloseRange = true;
-#endif
-
-// Where this thread looks for files; it finds none then. Null: it finds what is there.
-thread_local std::vector<std::string>* pStattedPaths = nullptr;
-
-// How often this thread's waiting for a child is interrupted by a signal from now on.
-thread_local int interruptionsLeft = 0;
-}  // namespace
-
-extern "C" ssize_t write(int descriptor, const void* pBytes, size_t amount)
-{
-    ssize_t (*realWrite)(int, const void*, size_t) = nullptr;
-    void* const pSymbol = ::dlsym(RTLD_NEXT, "write");
-    std::memcpy(&realWrite, &pSymbol, sizeof realWrite);
-    if (descriptor != STDERR_FILENO || writesToStderr.empty())
-    {
-        amountOfFurtherWrites += (descriptor == STDERR_FILENO) ? 1 : 0;
-        return realWrite(descriptor, pBytes, amount);
-    }
-    const long answer = writesToStderr.front();
-    writesToStderr.erase(writesToStderr.begin());
-    if (answer < 0)
-    {
-        errno = static_cast<int>(-answer);
-        return -1;
-    }
-    return realWrite(descriptor, pBytes, std::min(amount, static_cast<std::size_t>(answer)));
-}
-
-#if defined(SYS_close_range)
 extern "C" long syscall(long number, ...) noexcept
 {
-    if (number == SYS_close_range && !hasCloseRange)
+    if (number == SYS_close_range && tsFails("close_range"))
     {
-        errno = ENOSYS;
         return -1;
     }
     // No call that comes here has more arguments.
@@ -104,23 +60,10 @@ extern "C" long syscall(long number, ...) noexcept
 }
 #endif
 
-extern "C" int stat(const char* pPath, struct stat* pStatus) noexcept
-{
-    if (pStattedPaths != nullptr)
-    {
-        pStattedPaths->emplace_back(pPath);
-        errno = ENOENT;
-        return -1;
-    }
-    return ::fstatat(AT_FDCWD, pPath, pStatus, 0);
-}
-
 extern "C" pid_t waitpid(pid_t process, int* pStatus, int options)
 {
-    if (interruptionsLeft > 0)
+    if (tsFails("waitpid"))
     {
-        --interruptionsLeft;
-        errno = EINTR;
         return -1;
     }
     pid_t (*realWaitpid)(pid_t, int*, int) = nullptr;
@@ -131,13 +74,10 @@ extern "C" pid_t waitpid(pid_t process, int* pStatus, int options)
 
 extern "C" pid_t fork() noexcept
 {
-    if (amountOfForksLeft == 0)
+    if (tsFails("fork"))
     {
-        errno = EAGAIN;
         return -1;
     }
-    static_cast<void>(::pthread_sigmask(SIG_SETMASK, nullptr, &maskAtFork));
-    amountOfForksLeft -= (amountOfForksLeft > 0) ? 1 : 0;
     pid_t (*realFork)() = nullptr;
     void* const pSymbol = ::dlsym(RTLD_NEXT, "fork");
     std::memcpy(&realFork, &pSymbol, sizeof realFork);
@@ -299,6 +239,17 @@ protected:
         const tsCaughtErrors errors;
         open(file, lineNumber);
         return errors.take();
+    }
+
+    // Opens no file, with that done by the writes to standard error; there are as many as have an answer.
+    static void expectLineOfWrites(const std::vector<long>& answers, const std::string& line)
+    {
+        tsFault writes{"write", answers};
+        writes._isOfThread = true;
+        writes._descriptor = STDERR_FILENO;
+        const tsSystemFault disturbed(writes);
+        EXPECT_EQ(stderrOfOpening("", 5), line);
+        EXPECT_EQ(disturbed.amountOfCalls(), static_cast<int>(answers.size()));
     }
 
 private:
@@ -528,7 +479,6 @@ TEST_F(osOpenFileInSourceCodeEditorTest, WithoutAnyProgramItIsOneLine)
 TEST_F(osOpenFileInSourceCodeEditorTest, WithoutPathTheUsualFoldersAreLookedThrough)
 {
     const std::string before = std::getenv("PATH");
-    Strings paths;
     for (const char* pPath : {"", "/one:/two", static_cast<const char*>(nullptr)})
     {
         ::unsetenv("PATH");
@@ -536,10 +486,19 @@ TEST_F(osOpenFileInSourceCodeEditorTest, WithoutPathTheUsualFoldersAreLookedThro
         {
             ::setenv("PATH", pPath, 1);
         }
-        paths.clear();
-        pStattedPaths = &paths;
-        const std::string text = stderrOfOpening("/f", 3);
-        pStattedPaths = nullptr;
+        // Nothing is found; what is looked for is noted in memory that is there already.
+        Strings paths(60, std::string(60, ' '));
+        std::size_t amount = 0;
+        tsFault notThere{"stat", {-ENOENT}};
+        notThere._isForGood = true;
+        notThere._isOfThread = true;
+        notThere._before = [&](const char* pLookedFor) { paths.at(amount++) = pLookedFor; };
+        std::string text;
+        {
+            const tsSystemFault noEditors(notThere);
+            text = stderrOfOpening("/f", 3);
+        }
+        paths.resize(amount);
         EXPECT_THAT(text, HasSubstr("is installed"));
         if (pPath == nullptr)
         {
@@ -621,9 +580,11 @@ void countSigchld(int)
 TEST_F(osOpenFileInSourceCodeEditorTest, LeavesNoChildWhereSignalsInterrupt)
 {
     makeEditor("kate");
-    interruptionsLeft = 3;
-    open("/a.c", 1);
-    EXPECT_EQ(interruptionsLeft, 0);
+    {
+        const tsSystemFault interrupted("waitpid", {-EINTR, -EINTR, -EINTR});
+        open("/a.c", 1);
+        EXPECT_GE(interrupted.amountOfCalls(), 3);
+    }
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
     EXPECT_EQ(errno, ECHILD);
     EXPECT_FALSE(argumentsOf("kate").empty());
@@ -668,7 +629,16 @@ TEST_F(osOpenFileInSourceCodeEditorTest, LeavesTheProgramsSignalsAndChildrenAlon
     {
     }
 
-    open("/f", 3);
+    sigset_t maskAtFork;
+    sigemptyset(&maskAtFork);
+    tsFault fork{"fork", {tsWorks}};
+    fork._isForGood = true;
+    fork._isOfThread = true;
+    fork._before = [&](const char*) { ::pthread_sigmask(SIG_SETMASK, nullptr, &maskAtFork); };
+    {
+        const tsSystemFault watched(fork);
+        open("/f", 3);
+    }
 
     // None of the program's handlers may run in the new process.
     EXPECT_EQ(sigismember(&maskAtFork, SIGTERM), 1);
@@ -821,7 +791,9 @@ TEST_F(osEditorsStateTest, IsClean)
 #if defined(SYS_close_range)
 TEST_F(osEditorsStateTest, IsCleanWhereDescriptorsAreClosedOneByOne)
 {
-    hasCloseRange = false;
+    tsFault unknownCall{"close_range", {-ENOSYS}};
+    unknownCall._isForGood = true;
+    const tsSystemFault oldSystem(unknownCall);
     expectACleanState(200);
     // The highest that is looked for, if there may be so many.
     struct rlimit before = {};
@@ -838,7 +810,6 @@ TEST_F(osEditorsStateTest, IsCleanWhereDescriptorsAreClosedOneByOne)
     std::filesystem::remove(nameOf("gedit.report"));
     expectACleanState(static_cast<int>(wide.rlim_cur) - 1);
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
-    hasCloseRange = true;
 }
 #endif
 
@@ -876,23 +847,14 @@ TEST_F(osOpenFileInSourceCodeEditorTest, EditorsOutputsGoNowhere)
 TEST_F(osOpenFileInSourceCodeEditorTest, LinesAreWrittenWholeWhereverWritingStops)
 {
     const std::string line = "Cannot open \"\" at line 5: no file can have this name\n";
-    writesToStderr = {5, -EINTR, -EINTR, 1, 2};
-    for (std::size_t i = 8; i < line.size(); ++i)
-    {
-        writesToStderr.push_back(1);
-    }
-    amountOfFurtherWrites = 0;
-    EXPECT_EQ(stderrOfOpening("", 5), line);
-    EXPECT_THAT(writesToStderr, testing::IsEmpty());
-    EXPECT_EQ(amountOfFurtherWrites, 0);
+    std::vector<long> answers = {5, -EINTR, -EINTR, 1, 2};
+    answers.insert(answers.end(), line.size() - 8, 1);
+    expectLineOfWrites(answers, line);
 
     // After an error, or where nothing is taken, there is no point in going on.
-    writesToStderr = {5, -EIO};
-    EXPECT_EQ(stderrOfOpening("", 5), line.substr(0, 5));
+    expectLineOfWrites({5, -EIO}, line.substr(0, 5));
     errno = 0;
-    writesToStderr = {5, -EINTR, 0};
-    EXPECT_EQ(stderrOfOpening("", 5), line.substr(0, 5));
-    EXPECT_EQ(amountOfFurtherWrites, 0);
+    expectLineOfWrites({5, -EINTR, 0}, line.substr(0, 5));
 }
 
 TEST_F(osOpenFileInSourceCodeEditorTest, WithoutAnotherProcessItIsOneLine)
@@ -900,9 +862,15 @@ TEST_F(osOpenFileInSourceCodeEditorTest, WithoutAnotherProcessItIsOneLine)
     makeEditor("gedit");
     for (const int amount : {0, 1})  // before the first one fails, and before that one's own fails
     {
-        amountOfForksLeft = amount;
-        const std::string text = stderrOfOpening("/f", 3);
-        amountOfForksLeft = -1;
+        tsFault noFork{"fork", {-EAGAIN}};
+        noFork._number = amount + 1;
+        noFork._isForGood = true;
+        noFork._isOfThread = true;
+        std::string text;
+        {
+            const tsSystemFault full(noFork);
+            text = stderrOfOpening("/f", 3);
+        }
         EXPECT_EQ(text, "Cannot open \"/f\" at line 3: the system could not start another process\n");
         EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
     }
