@@ -19,8 +19,8 @@ constexpr char mark = '\x1f';
 std::string marked(const gtString& text)
 {
     std::string argument = text.asStdString();
-    const bool isBracketed = (argument.size() > 1) && (argument.front() == '[') && (argument.back() == ']');
-    const bool hasMark = !argument.empty() && (argument.back() == mark);
+    const bool isBracketed = argument.size() > 1 && argument.front() == '[' && argument.back() == ']';
+    const bool hasMark = !argument.empty() && argument.back() == mark;
     if (isBracketed || hasMark)
     {
         argument += mark;

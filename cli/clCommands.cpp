@@ -58,7 +58,7 @@ void warnOfPrivateKey(const gtString& name, const hoKeyFileFacts& facts)
 
 std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
 {
-    const bool isPublicEnough = (arguments._command == clCommand::Test) || (arguments._command == clCommand::Digest) ||
+    const bool isPublicEnough = arguments._command == clCommand::Test || arguments._command == clCommand::Digest ||
                                 ((arguments._command == clCommand::Encrypt || arguments._command == clCommand::Key) &&
                                  !arguments._isPrivateWanted);
     const gtString name = clPrintableName(arguments._keyPath);
@@ -75,7 +75,7 @@ std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
         warnOfPrivateKey(name, facts);
     }
     // A private key need not be in memory longer than it takes to read its file.
-    return ((pKey != nullptr) && isPublicEnough) ? pKey->publicHalf() : std::move(pKey);
+    return (pKey != nullptr && isPublicEnough) ? pKey->publicHalf() : std::move(pKey);
 }
 
 // How long the program has been running, for the progress.
@@ -93,8 +93,7 @@ void writeProgress(const gtString& text)
 clProgressLine progressFor(const gtString& name)
 {
     const int columns = clColumnsOfStandardError();
-    return clProgressLine(name, columns, now, (columns > 0) ? writeProgress : clProgressLine::Writer(),
-                          clIsInterrupted);
+    return clProgressLine(name, columns, now, columns > 0 ? writeProgress : clProgressLine::Writer(), clIsInterrupted);
 }
 
 // Works on one file after the other, and returns the gravest of the statuses.
@@ -121,7 +120,7 @@ int performOnFiles(const clArguments& arguments, Work work)
 int signFile(const clArguments& arguments, const gtString& file, const hoKey& key)
 {
     const gtString name = clPrintableName(file);
-    const bool isForOutput = arguments._hasOutput && (arguments._outputPath == standardStream);
+    const bool isForOutput = arguments._hasOutput && arguments._outputPath == standardStream;
     const gtString path = arguments._hasOutput ? arguments._outputPath : hoSignaturePath(file);
     const gtString signatureName = clPrintableName(path);
     hoSignatureFileResult signatureFile;
@@ -169,7 +168,7 @@ gtString signaturePathFor(const clArguments& arguments, const gtString& file)
 
 bool isSignatureOnInput(const clArguments& arguments)
 {
-    return arguments._hasSignature && (arguments._signaturePath == standardStream);
+    return arguments._hasSignature && arguments._signaturePath == standardStream;
 }
 
 hoSignatureFileResult readSignature(const clArguments& arguments, const gtString& file, gtString& signature)
@@ -180,7 +179,7 @@ hoSignatureFileResult readSignature(const clArguments& arguments, const gtString
     }
     // One byte more than a signature may have, which tells that there are too many.
     const int error = clReadInput(signature, static_cast<int>(hoLargestSignatureFile) + 1);
-    return (error == 0) ? hoSignatureFileResult() : hoSignatureFileResult(hoSignatureFileProblem::CannotBeRead, error);
+    return error == 0 ? hoSignatureFileResult() : hoSignatureFileResult(hoSignatureFileProblem::CannotBeRead, error);
 }
 
 int statusOf(hoVerdict verdict, bool isWeakAccepted)
@@ -311,7 +310,7 @@ int encrypt(const clArguments& arguments)
 {
     const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
     gtString text;
-    if ((pKey == nullptr) || !hasWantedHalf(arguments, *pKey) || !readText(arguments, text))
+    if (pKey == nullptr || !hasWantedHalf(arguments, *pKey) || !readText(arguments, text))
     {
         return clStatusNotChecked;
     }
@@ -336,7 +335,7 @@ int decrypt(const clArguments& arguments)
 {
     const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
     gtString cipherText;
-    if ((pKey == nullptr) || !readText(arguments, cipherText))
+    if (pKey == nullptr || !readText(arguments, cipherText))
     {
         return clStatusNotChecked;
     }
@@ -365,7 +364,7 @@ int decrypt(const clArguments& arguments)
 int printKey(const clArguments& arguments)
 {
     const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
-    if ((pKey == nullptr) || !hasWantedHalf(arguments, *pKey))
+    if (pKey == nullptr || !hasWantedHalf(arguments, *pKey))
     {
         return clStatusNotChecked;
     }

@@ -51,7 +51,7 @@ void clCatchInterrupts()
     {
         struct sigaction action = {};
         // What is ignored from outside (nohup) stays ignored.
-        if ((sigaction(number, nullptr, &action) == 0) && (action.sa_handler != SIG_IGN))
+        if (sigaction(number, nullptr, &action) == 0 && action.sa_handler != SIG_IGN)
         {
             action = {};
             action.sa_handler = clNoteSignal;
@@ -69,7 +69,7 @@ bool clIsInterrupted()
 bool clWaitForInput(int descriptor)
 {
     struct pollfd waiting[2] = {{descriptor, POLLIN, 0}, {wakePipe[0], POLLIN, 0}};
-    while (!clIsInterrupted() && (::poll(waiting, 2, -1) < 0) && (errno == EINTR))
+    while (!clIsInterrupted() && ::poll(waiting, 2, -1) < 0 && errno == EINTR)
     {
     }
     return !clIsInterrupted();

@@ -40,7 +40,7 @@ bool clProgressLine::onProgress(unsigned long long bytesDone, unsigned long long
         return false;
     }
     const std::chrono::milliseconds now = _clock();
-    if (_writer && (now >= _next) && (bytesDone < bytesInAll))
+    if (_writer && now >= _next && bytesDone < bytesInAll)
     {
         _next = now + betweenLines;
         _isShown = true;

@@ -102,7 +102,7 @@ int clReadInput(gtString& bytes, int limit)
         {
             return 0;
         }
-        else if ((errno != EINTR) || clIsInterrupted())
+        else if (errno != EINTR || clIsInterrupted())
         {
             return errno;
         }

@@ -32,7 +32,7 @@ int readLine(int terminal, char* pBuffer, int size)
         }
         char character = 0;
         const ssize_t amount = ::read(terminal, &character, 1);
-        if ((amount < 0) && (errno == EINTR))
+        if (amount < 0 && errno == EINTR)
         {
             continue;
         }
@@ -40,7 +40,7 @@ int readLine(int terminal, char* pBuffer, int size)
         {
             return -1;
         }
-        if ((character == '\n') || (character == '\r'))
+        if (character == '\n' || character == '\r')
         {
             return fits ? length : -1;
         }
@@ -69,7 +69,7 @@ bool setTerminal(int terminal, const struct termios& settings)
 // or it cannot be done.
 bool silence(int terminal, struct termios& settings)
 {
-    if ((terminal < 0) || (::tcgetattr(terminal, &settings) != 0))
+    if (terminal < 0 || ::tcgetattr(terminal, &settings) != 0)
     {
         return false;
     }
@@ -114,7 +114,7 @@ int clColumnsOfStandardError()
         return 0;
     }
     struct winsize size = {};
-    return ((::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0) && (size.ws_col > 0)) ? size.ws_col : usualColumns;
+    return (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) ? size.ws_col : usualColumns;
 }
 
 bool clIsOutputATerminal()

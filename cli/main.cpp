@@ -16,7 +16,7 @@ int main(int argc, char** argv)
         // A core file would hold the private key.
         osWriteNoCoreFiles();
         clCatchInterrupts();
-        const int status = clPerform(clParseArguments(std::vector<gtString>(argv + ((argc > 0) ? 1 : 0), argv + argc)));
+        const int status = clPerform(clParseArguments(std::vector<gtString>(argv + (argc > 0 ? 1 : 0), argv + argc)));
         clEndIfInterrupted();
         return status;
     }

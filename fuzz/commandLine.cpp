@@ -10,7 +10,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
 {
     FuzzInput input(pBytes, size);
     std::vector<gtString> arguments;
-    while (!input.isEmpty() && (arguments.size() < 40))
+    while (!input.isEmpty() && arguments.size() < 40)
     {
         arguments.push_back(input.upTo('\0'));
     }
@@ -19,7 +19,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     {
     case clCommand::WrongUse:
     case clCommand::ShowText:
-        FUZZ_CHECK(!result._text.isEmpty() && (result._text[result._text.length() - 1] == '\n'));
+        FUZZ_CHECK(!result._text.isEmpty() && result._text[result._text.length() - 1] == '\n');
         break;
     case clCommand::Sign:
     case clCommand::Test:
@@ -39,14 +39,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     {
         files.insert(files.begin(), {"digest", "--key", "k", "--"});
         const clArguments digest = clParseArguments(files);
-        FUZZ_CHECK((digest._command == clCommand::Digest) && (digest._files == arguments));
+        FUZZ_CHECK(digest._command == clCommand::Digest && digest._files == arguments);
     }
     for (const gtString& argument : arguments)
     {
         const gtString name = clPrintableName(argument);
         for (const char character : name.asStringView())
         {
-            FUZZ_CHECK((static_cast<unsigned char>(character) >= 0x20) && (character != 0x7F));
+            FUZZ_CHECK(static_cast<unsigned char>(character) >= 0x20 && character != 0x7F);
         }
     }
     return 0;

@@ -42,7 +42,7 @@ osFilePath fileHolding(const std::string& contents)
 std::string digestText(const std::string& contents, int digitsOfKey)
 {
     std::vector<unsigned int> digest(static_cast<std::size_t>(digitsOfKey / 2 - 1));
-    for (std::size_t i = 0; (i < contents.size()) && !digest.empty(); i++)
+    for (std::size_t i = 0; i < contents.size() && !digest.empty(); ++i)
     {
         const std::size_t place = i % (digest.size() * 4);
         digest[place / 4] ^= static_cast<unsigned int>(static_cast<unsigned char>(contents[i])) << (8 * (place % 4));
@@ -84,7 +84,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     crRSADigitalSigner tester(publicKey);
     FUZZ_CHECK(tester.testSignature(file, signature));
     const gtString other(otherSignature.data(), static_cast<int>(otherSignature.size()));
-    if (tester.testSignature(file, other) && (text.length() > 0))
+    if (tester.testSignature(file, other) && text.length() > 0)
     {
         // Another text that stands for the same digits: it must at least have its length.
         FUZZ_CHECK(other.length() >= 8);

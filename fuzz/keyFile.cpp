@@ -41,7 +41,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
         FUZZ_CHECK(pKey->publicKey().isUsable());
         FUZZ_CHECK(pKey->hasPrivateKey() == facts._isPrivate);
         FUZZ_CHECK(!pKey->hasPrivateKey() || pKey->privateKey().isUsable());
-        FUZZ_CHECK((pKey->bits() % 32 == 0) && (pKey->bits() > 0) && (pKey->bits() <= hoLargestKeyBits));
+        FUZZ_CHECK(pKey->bits() % 32 == 0 && pKey->bits() > 0 && pKey->bits() <= hoLargestKeyBits);
         FUZZ_CHECK(pKey->ownKey().amountOfProductDigits() == pKey->bits() / 32);
     }
     return 0;

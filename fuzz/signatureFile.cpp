@@ -68,14 +68,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     else
     {
         FUZZ_CHECK(signature._digestLine.isEmpty() && signature._fingerprint.isEmpty() &&
-                   signature._countersignature.empty() && (signature._digits == 0));
+                   signature._countersignature.empty() && signature._digits == 0);
     }
 
     const hoTestFacts facts = hoTestFile(document, {pKey.get()}, bytes, nullptr);
     FUZZ_CHECK(facts.isOk());
     FUZZ_CHECK((facts._verdict == hoVerdict::Good) == (bytes == goodSignature));
     FUZZ_CHECK((facts._verdict == hoVerdict::Weak) == (bytes == goodSignature.substr(0, 265)));
-    FUZZ_CHECK(signature.isSignature() || (facts._verdict == hoVerdict::NotASignature));
+    FUZZ_CHECK(signature.isSignature() || facts._verdict == hoVerdict::NotASignature);
     FUZZ_CHECK(ERR_peek_error() == 0);
     return 0;
 }

@@ -81,7 +81,7 @@ public:
         {
             // A pipe without a writer must not hold anybody up, nor a terminal become the program's own.
             _descriptor = ::open(pPath, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-        } while ((_descriptor < 0) && (errno == EINTR));
+        } while (_descriptor < 0 && errno == EINTR);
     }
     ~OpenDescriptor()
     {
@@ -102,7 +102,7 @@ constexpr std::string_view beginOfPem = "-----BEGIN ";
 
 bool endsWith(std::string_view text, std::string_view end)
 {
-    return (text.size() >= end.size()) && (text.substr(text.size() - end.size()) == end);
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
 bool beginsWith(std::string_view text, std::string_view begin)
@@ -128,7 +128,7 @@ std::vector<PemBlock> findPemBlocks(std::string_view text)
     for (std::size_t begin = text.find(beginOfPem); begin != std::string_view::npos;
          begin = text.find(beginOfPem, begin + 1))
     {
-        if ((begin != 0) && (text[begin - 1] != '\n') && (text[begin - 1] != '\r'))
+        if (begin != 0 && text[begin - 1] != '\n' && text[begin - 1] != '\r')
         {
             continue;
         }
@@ -158,14 +158,14 @@ struct PassphraseQuestion
 extern "C" int hoAnswerPassphraseQuestion(char* pBuffer, int size, int /*isForWriting*/, void* pQuestionAsVoid)
 {
     auto* pQuestion = static_cast<PassphraseQuestion*>(pQuestionAsVoid);
-    if (!pQuestion->_isAsked && (pQuestion->_pSource != nullptr))
+    if (!pQuestion->_isAsked && pQuestion->_pSource != nullptr)
     {
         const int room = PEM_BUFSIZE;
         pQuestion->_length = pQuestion->_pSource->getPassphrase(pQuestion->_answer, room);
-        pQuestion->_isAnswered = (pQuestion->_length >= 0) && (pQuestion->_length <= room);
+        pQuestion->_isAnswered = pQuestion->_length >= 0 && pQuestion->_length <= room;
     }
     pQuestion->_isAsked = true;
-    if (!pQuestion->_isAnswered || (pQuestion->_length > size))
+    if (!pQuestion->_isAnswered || pQuestion->_length > size)
     {
         return -1;
     }
@@ -180,8 +180,8 @@ AnyKey decodeKey(std::string_view bytes, const char* pForm, const char* pType, P
     const Decoder decoder(OSSL_DECODER_CTX_new_for_pkey(&pKey, pForm, nullptr, pType, 0, nullptr, nullptr));
     const auto* pBytes = reinterpret_cast<const unsigned char*>(bytes.data());
     std::size_t amountOfBytes = bytes.size();
-    if ((decoder != nullptr) &&
-        (OSSL_DECODER_CTX_set_pem_password_cb(decoder.get(), hoAnswerPassphraseQuestion, &question) == 1))
+    if (decoder != nullptr &&
+        OSSL_DECODER_CTX_set_pem_password_cb(decoder.get(), hoAnswerPassphraseQuestion, &question) == 1)
     {
         OSSL_DECODER_from_data(decoder.get(), &pBytes, &amountOfBytes);
     }
@@ -207,15 +207,15 @@ hoKeyFileProblem decodingProblem(const PassphraseQuestion& question)
     {
         const int library = ERR_GET_LIB(error);
         const int reason = ERR_GET_REASON(error);
-        isMemory = isMemory || (reason == ERR_R_MALLOC_FAILURE);
-        isWrong = isWrong || ((library == ERR_LIB_EVP) && (reason == EVP_R_BAD_DECRYPT)) ||
-                  ((library == ERR_LIB_PROV) && (reason == PROV_R_BAD_DECRYPT));
+        isMemory = isMemory || reason == ERR_R_MALLOC_FAILURE;
+        isWrong = isWrong || (library == ERR_LIB_EVP && reason == EVP_R_BAD_DECRYPT) ||
+                  (library == ERR_LIB_PROV && reason == PROV_R_BAD_DECRYPT);
         isUnsupported =
             isUnsupported ||
-            ((library == ERR_LIB_EVP) && ((reason == ERR_R_UNSUPPORTED) || (reason == EVP_R_UNKNOWN_PBE_ALGORITHM) ||
-                                          (reason == EVP_R_UNSUPPORTED_ALGORITHM) ||
-                                          (reason == EVP_R_UNSUPPORTED_PRF) || (reason == EVP_R_UNSUPPORTED_CIPHER))) ||
-            ((library == ERR_LIB_PEM) && (reason == PEM_R_UNSUPPORTED_ENCRYPTION));
+            (library == ERR_LIB_EVP && (reason == ERR_R_UNSUPPORTED || reason == EVP_R_UNKNOWN_PBE_ALGORITHM ||
+                                        reason == EVP_R_UNSUPPORTED_ALGORITHM || reason == EVP_R_UNSUPPORTED_PRF ||
+                                        reason == EVP_R_UNSUPPORTED_CIPHER)) ||
+            (library == ERR_LIB_PEM && reason == PEM_R_UNSUPPORTED_ENCRYPTION);
     }
     if (isMemory)
     {
@@ -310,10 +310,10 @@ bool exponentsFit(const BIGNUM* pModulus, const BIGNUM* pPublicExponent, BIGNUM*
     const NumberContext context(BN_CTX_new());
     const Number number(BN_new());
     BN_set_flags(pPrivateExponent, BN_FLG_CONSTTIME);
-    return (context != nullptr) && (number != nullptr) && (BN_set_word(number.get(), 2) == 1) &&
-           (BN_mod_exp(number.get(), number.get(), pPublicExponent, pModulus, context.get()) == 1) &&
-           (BN_mod_exp(number.get(), number.get(), pPrivateExponent, pModulus, context.get()) == 1) &&
-           (BN_is_word(number.get(), 2) == 1);
+    return context != nullptr && number != nullptr && BN_set_word(number.get(), 2) == 1 &&
+           BN_mod_exp(number.get(), number.get(), pPublicExponent, pModulus, context.get()) == 1 &&
+           BN_mod_exp(number.get(), number.get(), pPrivateExponent, pModulus, context.get()) == 1 &&
+           BN_is_word(number.get(), 2) == 1;
 }
 
 // Of so many digits, which the number must fit. To be wiped when it is secret.
@@ -327,7 +327,7 @@ void fixedWidthText(const BIGNUM* pNumber, int amountOfDigits, gtString& text)
     }
     BN_bn2binpad(pNumber, reinterpret_cast<unsigned char*>(bytes.bytes()), amountOfBytes);
     text.reserve(amountOfBytes * 2);
-    for (int i = 0; i < amountOfBytes; i++)
+    for (int i = 0; i < amountOfBytes; ++i)
     {
         const auto byte = static_cast<unsigned char>(bytes.bytes()[i]);
         text.append("0123456789abcdef"[byte >> 4]);
@@ -351,8 +351,8 @@ private:
 // Whether the number is an exponent that a key of the modulus can have.
 bool isExponent(const Number& number, const Number& modulus)
 {
-    return (number != nullptr) && (BN_is_negative(number.get()) == 0) && (BN_is_zero(number.get()) == 0) &&
-           (BN_cmp(number.get(), modulus.get()) < 0);
+    return number != nullptr && BN_is_negative(number.get()) == 0 && BN_is_zero(number.get()) == 0 &&
+           BN_cmp(number.get(), modulus.get()) < 0;
 }
 
 bool holdsBy(int (*check)(EVP_PKEY_CTX*), const AnyKey& key)
@@ -370,27 +370,27 @@ bool holdsBy(int (*check)(EVP_PKEY_CTX*), const AnyKey& key)
 bool isSafe(const Number& modulus, const Number& exponent, const AnyKey& publicHalf, int bits)
 {
     const int leastCheckedBits = 512;
-    return (BN_is_odd(modulus.get()) == 1) && (BN_is_odd(exponent.get()) == 1) && (BN_is_one(exponent.get()) == 0) &&
-           ((bits < leastCheckedBits) || (bits > hoMostCheckedBits) || holdsBy(EVP_PKEY_public_check, publicHalf));
+    return BN_is_odd(modulus.get()) == 1 && BN_is_odd(exponent.get()) == 1 && BN_is_one(exponent.get()) == 0 &&
+           (bits < leastCheckedBits || bits > hoMostCheckedBits || holdsBy(EVP_PKEY_public_check, publicHalf));
 }
 
 bool isFolderOpenToOthers(const gtString& path)
 {
     const std::string_view bytes = path.asStringView();
     const std::size_t slash = bytes.rfind('/');
-    const gtString folder = (slash == std::string_view::npos) ? gtString(".") : gtString(bytes.substr(0, slash + 1));
+    const gtString folder = slash == std::string_view::npos ? gtString(".") : gtString(bytes.substr(0, slash + 1));
     struct stat status = {};
     if (::stat(folder.asCharArray(), &status) != 0)
     {
         return false;
     }
-    if ((status.st_uid != ::geteuid()) && (status.st_uid != 0))
+    if (status.st_uid != ::geteuid() && status.st_uid != 0)
     {
         return true;
     }
     const bool isGroupsOwn = status.st_gid == ::getegid();
     const mode_t others = S_IWOTH | (isGroupsOwn ? 0 : S_IWGRP);
-    return ((status.st_mode & others) != 0) && ((status.st_mode & S_ISVTX) == 0);
+    return (status.st_mode & others) != 0 && (status.st_mode & S_ISVTX) == 0;
 }
 
 hoKeyFileProblem readWholeFile(int descriptor, long size, char* pBytes, int& systemError)
@@ -399,7 +399,7 @@ hoKeyFileProblem readWholeFile(int descriptor, long size, char* pBytes, int& sys
     while (done < size)
     {
         const ssize_t amount = ::read(descriptor, pBytes + done, static_cast<std::size_t>(size - done));
-        if ((amount < 0) && (errno == EINTR))
+        if (amount < 0 && errno == EINTR)
         {
             continue;
         }
@@ -430,7 +430,7 @@ std::unique_ptr<SecretBytes> readKeyFile(const gtString& path, hoKeyFileFacts& f
     }
     const OpenDescriptor file(path.asCharArray());
     struct stat status = {};
-    if ((file.get() < 0) || (::fstat(file.get(), &status) != 0))
+    if (file.get() < 0 || ::fstat(file.get(), &status) != 0)
     {
         facts._problem = hoKeyFileProblem::CannotBeRead;
         facts._systemError = errno;
@@ -479,13 +479,13 @@ std::unique_ptr<const hoKey> hoKeyFileReader::makeKey(AnyKey& anyKey, hoKeyFileF
 {
     const Number modulus = numberOfKey(anyKey, OSSL_PKEY_PARAM_RSA_N);
     const Number publicExponent = numberOfKey(anyKey, OSSL_PKEY_PARAM_RSA_E);
-    if ((modulus == nullptr) || !isExponent(publicExponent, modulus))
+    if (modulus == nullptr || !isExponent(publicExponent, modulus))
     {
         facts._problem = hoKeyFileProblem::Damaged;
         return nullptr;
     }
     facts._bits = BN_num_bits(modulus.get());
-    if ((facts._bits % bitsPerDigit != 0) || (facts._bits > hoLargestKeyBits))
+    if (facts._bits % bitsPerDigit != 0 || facts._bits > hoLargestKeyBits)
     {
         facts._problem = hoKeyFileProblem::SizeNotSupported;
         return nullptr;
@@ -507,7 +507,7 @@ std::unique_ptr<const hoKey> hoKeyFileReader::makeKey(AnyKey& anyKey, hoKeyFileF
         privateExponent = numberOfKey(anyKey, OSSL_PKEY_PARAM_RSA_D);
         if (!isExponent(privateExponent, modulus) ||
             !exponentsFit(modulus.get(), publicExponent.get(), privateExponent.get()) ||
-            ((facts._bits <= hoMostCheckedBits) && !holdsBy(EVP_PKEY_check, anyKey)))
+            (facts._bits <= hoMostCheckedBits && !holdsBy(EVP_PKEY_check, anyKey)))
         {
             facts._problem = hoKeyFileProblem::Damaged;
             return nullptr;
@@ -563,7 +563,7 @@ std::unique_ptr<const hoKey> loadCandidate(const PemBlock& block, PassphraseQues
     const char* const pForm = isPem ? "PEM" : "DER";
     AnyKey key =
         block.isCertificate() ? decodeCertificate(block._text, true) : decodeKey(block._text, pForm, "RSA", question);
-    if ((key == nullptr) && !block.isCertificate())
+    if (key == nullptr && !block.isCertificate())
     {
         // Only after that: the numbers of a key without a name are those of other kinds, too.
         key = decodeKey(block._text, pForm, nullptr, question);
@@ -573,7 +573,7 @@ std::unique_ptr<const hoKey> loadCandidate(const PemBlock& block, PassphraseQues
     if (key == nullptr)
     {
         facts._problem = decodingProblem(question);
-        if (!isPem && (facts._problem == hoKeyFileProblem::Damaged))
+        if (!isPem && facts._problem == hoKeyFileProblem::Damaged)
         {
             key = decodeCertificate(block._text, false);
         }
@@ -585,8 +585,7 @@ std::unique_ptr<const hoKey> loadCandidate(const PemBlock& block, PassphraseQues
     facts._problem = hoKeyFileProblem::None;
     if (EVP_PKEY_is_a(key.get(), "RSA") != 1)
     {
-        facts._problem =
-            (EVP_PKEY_is_a(key.get(), "RSA-PSS") == 1) ? hoKeyFileProblem::RsaPss : hoKeyFileProblem::NotRsa;
+        facts._problem = EVP_PKEY_is_a(key.get(), "RSA-PSS") == 1 ? hoKeyFileProblem::RsaPss : hoKeyFileProblem::NotRsa;
         return nullptr;
     }
     if (!isPem)
@@ -642,14 +641,14 @@ std::unique_ptr<const hoKey> loadFrom(std::string_view bytes, hoKeyNeed need, ho
             first = facts;
         }
         // Beside a key of another kind there may be one that fits; a key that is spoilt is told about.
-        if ((facts._problem != hoKeyFileProblem::NotRsa) && (facts._problem != hoKeyFileProblem::RsaPss))
+        if (facts._problem != hoKeyFileProblem::NotRsa && facts._problem != hoKeyFileProblem::RsaPss)
         {
             break;
         }
     }
-    facts = candidates.empty() || (facts._problem != hoKeyFileProblem::NotRsa) ? facts : first;
+    facts = candidates.empty() || facts._problem != hoKeyFileProblem::NotRsa ? facts : first;
     const bool isUnknownDer =
-        !candidates.empty() && candidates.front()._label.empty() && (facts._problem == hoKeyFileProblem::Damaged);
+        !candidates.empty() && candidates.front()._label.empty() && facts._problem == hoKeyFileProblem::Damaged;
     if (candidates.empty() || isUnknownDer)
     {
         facts._problem = problemOfOther(bytes, blocks);
@@ -731,7 +730,7 @@ gtString hoFixedWidthText(const unsigned int* pDigits, int amountOfDigits)
 {
     gtString text;
     text.reserve(amountOfDigits * crCharactersPerDigit);
-    for (int i = amountOfDigits - 1; i >= 0; i--)
+    for (int i = amountOfDigits - 1; i >= 0; --i)
     {
         crAppendDigits(text, pDigits + i, 1);
     }

@@ -18,7 +18,7 @@ static_assert(sizeOfHeader >= sizeof(std::size_t), "the header holds a size");
 
 extern "C" void* hoAllocateForLibcrypto(std::size_t size, const char* /*pFile*/, int /*line*/)
 {
-    auto* pBlock = (size > SIZE_MAX - sizeOfHeader) ? nullptr : static_cast<char*>(std::malloc(size + sizeOfHeader));
+    auto* pBlock = size > SIZE_MAX - sizeOfHeader ? nullptr : static_cast<char*>(std::malloc(size + sizeOfHeader));
     if (pBlock == nullptr)
     {
         return nullptr;

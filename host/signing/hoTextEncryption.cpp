@@ -29,7 +29,7 @@ bool isBelowModulus(const crRSAEncryptionKey& key, const gtString& text)
     const std::string_view bytes = text.asStringView();
     for (std::size_t i = 0; i < amountOfDigits * 4; ++i)
     {
-        const char byte = (i == 0) ? hoOpenedBlock::marker : (i <= bytes.size()) ? bytes[i - 1] : hoOpenedBlock::filler;
+        const char byte = i == 0 ? hoOpenedBlock::marker : (i <= bytes.size() ? bytes[i - 1] : hoOpenedBlock::filler);
         digits.digits()[i / 4] |= static_cast<unsigned int>(static_cast<unsigned char>(byte)) << (8 * (i % 4));
     }
     return mpCompare(digits.digits(), key.productDigits(), static_cast<unsigned int>(amountOfDigits)) < 0;
@@ -40,8 +40,8 @@ std::string_view withoutBlanksAround(const gtString& text)
     const std::string_view bytes = text.asStringView();
     const char* pBlanks = " \t\r\n";
     const std::size_t begin = bytes.find_first_not_of(pBlanks);
-    return (begin == std::string_view::npos) ? std::string_view()
-                                             : bytes.substr(begin, bytes.find_last_not_of(pBlanks) + 1 - begin);
+    return begin == std::string_view::npos ? std::string_view()
+                                           : bytes.substr(begin, bytes.find_last_not_of(pBlanks) + 1 - begin);
 }
 
 }  // namespace
@@ -85,15 +85,15 @@ hoTextResult hoDecryptText(const crRSAEncryptionKey& key, const gtString& cipher
     try
     {
         const std::string_view cipher = withoutBlanksAround(cipherText);
-        if ((cipher.size() < crCharactersPerDigit) ||
-            (cipher.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos))
+        if (cipher.size() < crCharactersPerDigit ||
+            cipher.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
         {
             return hoTextProblem::NotACipherText;
         }
         const unsigned long length = crReadDigit(cipher.data());
         const auto longest = static_cast<unsigned long>(hoLongestText(key));
-        const auto wanted = static_cast<std::size_t>((length == 0) ? crCharactersPerDigit : hoLengthOfCipherText(key));
-        if ((length > longest) || (cipher.size() != wanted))
+        const auto wanted = static_cast<std::size_t>(length == 0 ? crCharactersPerDigit : hoLengthOfCipherText(key));
+        if (length > longest || cipher.size() != wanted)
         {
             return hoTextProblem::OtherSize;
         }

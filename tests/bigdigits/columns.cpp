@@ -530,7 +530,7 @@ TEST_P(EachKindOfPower, TakesUncommonModuli)
         afterLowest[0] = 1;
         std::vector<mpDigit> highest(n, allOnes);
         std::vector<mpDigit> beforeHighest(n, allOnes);
-        beforeHighest[0]--;
+        --beforeHighest[0];
         for (const auto& v : {lowest, afterLowest, highest, beforeHighest})
         {
             for (const auto& x : {lowest, afterLowest, highest, beforeHighest})
@@ -550,7 +550,7 @@ class PowerWithLateCarry : public PowerByShortLimbs<PlainPairs<Vector16>, PlainP
 public:
     Natural reduceBase()
     {
-        for (size_t i = 0; i < unitsOfDividend(); i++)
+        for (size_t i = 0; i < unitsOfDividend(); ++i)
         {
             _units[i] = 0;
         }

@@ -99,7 +99,7 @@ Options completions(const std::vector<std::string>& words, const std::string& fo
 std::string trimmedLine(const std::string& line)
 {
     const std::size_t begin = line.find_first_not_of(' ');
-    return (begin == std::string::npos) ? "" : line.substr(begin);
+    return begin == std::string::npos ? "" : line.substr(begin);
 }
 
 }  // namespace
@@ -126,8 +126,7 @@ TEST(Documentation, ManualTellsTheSameOptions)
         EXPECT_FALSE(options.empty());
         for (const std::string& option : options)
         {
-            const bool isEverywhere =
-                (option == "-k") || (option == "--key") || (option == "-h") || (option == "--help");
+            const bool isEverywhere = option == "-k" || option == "--key" || option == "-h" || option == "--help";
             std::ostringstream pattern;
             pattern << "(\n\\.BR [^\n]*" << option << "([ \"][^\n]*)?";
             if (!isEverywhere)
@@ -214,7 +213,7 @@ TEST_P(ReadmeExamples, DoWhatTheyShow)
             // What the command before returned is kept for it.
             script.append("status=$?; cat <<'THE_COMMAND'\n").append(line).append("\nTHE_COMMAND\n(exit $status)\n");
             script.append(line, 2).append("\n");
-            amountOfCommands++;
+            ++amountOfCommands;
         }
     }
     ASSERT_GT(amountOfCommands, 5);

@@ -91,7 +91,7 @@ protected:
                 EXPECT_THAT(outcome._exitStatus, ::testing::Lt(2)) << outcome._errors;
             }
             // Whoever does not do the work says so; but the complaint itself may be what could not be written.
-            if ((outcome._exitStatus == 2) && (fault.call != "write"))
+            if (outcome._exitStatus == 2 && fault.call != "write")
             {
                 EXPECT_THAT(outcome._errors, ::testing::StartsWith("countersign: "));
             }
@@ -127,7 +127,7 @@ protected:
                                    {
                                        expectAWholeSignature(_folder.read("report.sig"));
                                    }
-                                   EXPECT_TRUE(isThere || (outcome._exitStatus == 2)) << outcome._errors;
+                                   EXPECT_TRUE(isThere || outcome._exitStatus == 2) << outcome._errors;
                                    static_cast<void>(unlink((_folder / "report.sig").c_str()));
                                    EXPECT_EQ(_folder.names(),
                                              (std::vector<std::string>{"changed", "changed.sig", "mark", "private.pem",
@@ -237,10 +237,10 @@ TEST_F(Faults, GiveNoOtherCipherText)
     {
         failEach(fault, {"encrypt", "-k", "public.pem"}, "at noon",
                  [&](const tsOutcome& outcome)
-                 { EXPECT_TRUE((outcome._exitStatus == 2) || (outcome._output == cipher)) << outcome._output; });
+                 { EXPECT_TRUE(outcome._exitStatus == 2 || outcome._output == cipher) << outcome._output; });
         failEach(fault, {"decrypt", "-k", "private.pem"}, cipher,
                  [&](const tsOutcome& outcome)
-                 { EXPECT_TRUE((outcome._exitStatus == 2) || (outcome._output == "at noon")) << outcome._output; });
+                 { EXPECT_TRUE(outcome._exitStatus == 2 || outcome._output == "at noon") << outcome._output; });
     }
 }
 
@@ -266,7 +266,7 @@ TEST_F(Faults, OfTheParserAreTold)
     const int number = failEach(
         {"parse", ENOMEM, false}, {"key", "-k", "public.pem"}, "",
         [&](const tsOutcome& outcome)
-        { EXPECT_TRUE((outcome._exitStatus == 2) || (outcome._output == output)) << outcome._output; },
+        { EXPECT_TRUE(outcome._exitStatus == 2 || outcome._output == output) << outcome._output; },
         17);
     EXPECT_GT(number, 100);
 }

@@ -50,7 +50,7 @@ class Progress : public hoIProgress
 public:
     bool onProgress(unsigned long long bytesDone, unsigned long long bytesInAll) override
     {
-        calls++;
+        ++calls;
         EXPECT_GT(bytesDone, done);
         done = bytesDone;
         inAll = bytesInAll;

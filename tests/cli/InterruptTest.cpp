@@ -24,7 +24,7 @@ namespace
 unsigned long fromEnvironment(const char* pName, unsigned long fallback)
 {
     const char* const pText = std::getenv(pName);
-    return (pText == nullptr) ? fallback : std::strtoul(pText, nullptr, 10);
+    return pText == nullptr ? fallback : std::strtoul(pText, nullptr, 10);
 }
 
 }  // namespace
@@ -44,7 +44,7 @@ TEST(Interrupts, LeaveAWholeSignatureOrNoneAtAnyMoment)
 
     // How long it takes when nobody interrupts it and little else is going on, and the signature.
     std::chrono::microseconds longest = std::chrono::hours(1);
-    for (int number = 0; number < 5; number++)
+    for (int number = 0; number < 5; ++number)
     {
         static_cast<void>(unlink((folder / "report.sig").c_str()));
         const auto start = std::chrono::steady_clock::now();
@@ -68,7 +68,7 @@ TEST(Interrupts, LeaveAWholeSignatureOrNoneAtAnyMoment)
     std::uniform_int_distribution<long> moments(0, longest.count() * 5 / 4);
     const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 120);
     unsigned long interrupted = 0;
-    for (unsigned long number = 0; (number < amount) && !HasFailure(); number++)
+    for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
     {
         const int signals[] = {SIGINT, SIGTERM, SIGHUP};
         const int signal = signals[number % 3];
@@ -89,17 +89,17 @@ TEST(Interrupts, LeaveAWholeSignatureOrNoneAtAnyMoment)
         SCOPED_TRACE(std::to_string(number) + ": after " + std::to_string(moment.count()) + " us: " + outcome._errors);
         // Whoever was not interrupted has done the work.
         EXPECT_THAT(outcome._signal, ::testing::AnyOf(0, signal));
-        EXPECT_EQ(outcome._exitStatus, (outcome._signal == 0) ? 0 : -1);
+        EXPECT_EQ(outcome._exitStatus, outcome._signal == 0 ? 0 : -1);
         interrupted += (outcome._signal == signal) ? 1U : 0U;
         const bool isThere = folder.has("report.sig");
         EXPECT_EQ(folder.names(), isThere ? namesWithSignature : names);
-        EXPECT_TRUE(isThere || ((outcome._signal != 0) && !mayOverwrite));
+        EXPECT_TRUE(isThere || (outcome._signal != 0 && !mayOverwrite));
         if (isThere)
         {
             const std::string found = folder.read("report.sig");
-            const bool isWhole = (found.size() == signature.size()) &&
-                                 (found.substr(0, digestLine.size()) == digestLine) && (found.back() == '\n');
-            EXPECT_TRUE(isWhole || (mayOverwrite && (outcome._signal != 0) && (found == oldSignature))) << found;
+            const bool isWhole = found.size() == signature.size() && found.substr(0, digestLine.size()) == digestLine &&
+                                 found.back() == '\n';
+            EXPECT_TRUE(isWhole || (mayOverwrite && outcome._signal != 0 && found == oldSignature)) << found;
         }
     }
     EXPECT_GT(interrupted, 0U);

@@ -20,7 +20,7 @@ public:
 
     int getPassphrase(char* pBuffer, int size) override
     {
-        questions++;
+        ++questions;
         if (_pText == nullptr)
         {
             return -1;

@@ -52,9 +52,9 @@ TEST(PrintableName, EscapesWhatIsNoUtf8)
 TEST(PrintableName, KeepsDifferentNamesDifferent)
 {
     std::set<gtString> seen;
-    for (unsigned int first = 0; first < 256; first++)
+    for (unsigned int first = 0; first < 256; ++first)
     {
-        for (unsigned int second = 0; second < 256; second++)
+        for (unsigned int second = 0; second < 256; ++second)
         {
             std::string name;
             name += static_cast<char>(first);

@@ -444,7 +444,7 @@ TEST_F(Program, AsksForPassphrasesOnTheTerminal)
         bool isTyped = false;
         sign._type = [&, text = typed](const std::string& printed, pid_t)
         {
-            if (isTyped || (printed.find("Passphrase for locked.pem: ") == std::string::npos))
+            if (isTyped || printed.find("Passphrase for locked.pem: ") == std::string::npos)
             {
                 return std::string();
             }
@@ -457,7 +457,7 @@ TEST_F(Program, AsksForPassphrasesOnTheTerminal)
         EXPECT_THAT(outcome._printed, ::testing::Not(HasSubstr("sesame"))) << "it must not be shown";
         EXPECT_THAT(outcome._printed, HasSubstr("locked.pem: \r\n"));
         EXPECT_THAT(outcome._printed, ::testing::Not(HasSubstr("\r\n\r\n")));
-        EXPECT_EQ(outcome._output, (status == 0) ? "report: signed, report.sig\n" : "");
+        EXPECT_EQ(outcome._output, status == 0 ? "report: signed, report.sig\n" : "");
     }
     EXPECT_EQ(outputOf({"test", "-k", "public.pem", "report"}), "report: good\n");
 
@@ -482,7 +482,7 @@ TEST_F(Program, WritesNoCoreFile)
     };
     key._type = [&](const std::string& printed, pid_t process)
     {
-        if (!limits.empty() || (printed.find("Passphrase for locked.pem: ") == std::string::npos))
+        if (!limits.empty() || printed.find("Passphrase for locked.pem: ") == std::string::npos)
         {
             return std::string();
         }
@@ -505,7 +505,7 @@ TEST_F(Program, EndsCleanlyAtThePassphraseQuestion)
     bool isTyped = false;
     sign._type = [&isTyped](const std::string& printed, [[maybe_unused]] pid_t process)
     {
-        if (isTyped || (printed.find("Passphrase for locked.pem: ") == std::string::npos))
+        if (isTyped || printed.find("Passphrase for locked.pem: ") == std::string::npos)
         {
             return std::string();
         }
@@ -534,7 +534,7 @@ TEST_F(Program, ShowsItsProgressOnATerminalAndCanBeInterrupted)
     bool isSent = false;
     sign._type = [&](const std::string& printed, pid_t process)
     {
-        if (!isSent && (printed.find(" % of 68.7 GB  huge") != std::string::npos))
+        if (!isSent && printed.find(" % of 68.7 GB  huge") != std::string::npos)
         {
             isSent = true;
             kill(process, SIGTERM);
@@ -614,8 +614,8 @@ TEST_F(Program, LeavesNoHalfSignatureOnAFullDisk)
     onFullDisk._folder = _folder.path();
     onFullDisk._prepare = []
     {
-        if ((unshare(CLONE_NEWNS) != 0) || (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) ||
-            (mount("tmpfs", "disk", "tmpfs", 0, "size=8k") != 0))
+        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("tmpfs", "disk", "tmpfs", 0, "size=8k") != 0)
         {
             _exit(99);
         }

@@ -182,7 +182,7 @@ TEST_F(SignatureFile, LeavesNothingBehindWhenItCannotBeWritten)
 
 TEST_F(SignatureFile, StepsOverLeftovers)
 {
-    for (int i = 0; i < 3; i++)
+    for (int i = 0; i < 3; ++i)
     {
         _folder.write(".countersign-" + std::to_string(getpid()) + "-" + std::to_string(i) + ".tmp", "leftover");
     }
@@ -193,15 +193,14 @@ TEST_F(SignatureFile, StepsOverLeftovers)
 
 TEST_F(SignatureFile, IsWonByOneOfMany)
 {
-    for (int round = 0; round < 20; round++)
+    for (int round = 0; round < 20; ++round)
     {
         const std::string name = std::to_string(round) + ".sig";
         int successes[4] = {};
         std::vector<std::thread> threads;
         for (int& success : successes)
         {
-            threads.emplace_back([&]
-                                 { success = (write(name, "0123456789\n", false) == hoSignatureFileProblem::None); });
+            threads.emplace_back([&] { success = write(name, "0123456789\n", false) == hoSignatureFileProblem::None; });
         }
         for (std::thread& thread : threads)
         {

@@ -56,12 +56,12 @@ TEST_F(TextEncryption, BringsBackEveryLengthUpToTheLimit)
 {
     EXPECT_EQ(hoLongestText(_pKey->publicKey()), 63);
     EXPECT_EQ(hoLengthOfCipherText(_pKey->publicKey()), 136);
-    for (std::size_t length = 0; length <= 63; length++)
+    for (std::size_t length = 0; length <= 63; ++length)
     {
         // Fillers at the end of a text are the text's own.
         const std::string text = std::string(length / 2, 'x') + std::string(length - length / 2, 'd');
         const std::string cipher = encrypted(text);
-        EXPECT_EQ(cipher.size(), (length == 0) ? 8U : 136U);
+        EXPECT_EQ(cipher.size(), length == 0 ? 8U : 136U);
         gtString back("left over");
         EXPECT_EQ(decrypt(cipher, back)._problem, hoTextProblem::None);
         EXPECT_EQ(back.asStdString(), text);
@@ -134,13 +134,13 @@ TEST_F(TextEncryption, FindsWrongKeysByTheMarker)
 TEST_F(TextEncryption, FindsWrongKeysAndDamage)
 {
     gtString back("kept");
-    for (std::size_t length = 1; length < 60; length++)
+    for (std::size_t length = 1; length < 60; ++length)
     {
         const std::string cipher = encrypted(std::string(length, 'x'));
         EXPECT_EQ(hoDecryptText(_pOther->privateKey(), gtString(cipher), back)._problem, hoTextProblem::DoesNotComeOut);
         EXPECT_EQ(hoDecryptText(_pKey->publicKey(), gtString(cipher), back)._problem, hoTextProblem::DoesNotComeOut);
         std::string damaged = cipher;
-        damaged[8 + length] = (damaged[8 + length] == '0') ? '1' : '0';
+        damaged[8 + length] = damaged[8 + length] == '0' ? '1' : '0';
         EXPECT_EQ(decrypt(damaged, back)._problem, hoTextProblem::DoesNotComeOut);
     }
     // A length that is too long takes fillers for text; one that is too short finds text among them.

@@ -100,8 +100,8 @@ void makeKeys(const TemporaryFolder& folder, int bits)
 void loseRootsRights()
 {
     // The program that comes next gets no right that is out of bounds by then; the files stay root's own.
-    if ((geteuid() == 0) && ((prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0) != 0) ||
-                             (prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) != 0)))
+    if (geteuid() == 0 && (prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0) != 0 ||
+                           prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH, 0, 0, 0) != 0))
     {
         _exit(125);
     }
