@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What to do about a problem on the command line, to stand behind its reason (host/messages/hoMessages.h). Each begins with
-// "; ", and is empty where there is nothing to do.
+// What to do about a problem on the command line, to stand behind its reason (host/messages/hoMessages.h). Each begins
+// with "; ", and is empty where there is nothing to do.
 #ifndef COUNTERSIGN_CL_ADVICE_H
 #define COUNTERSIGN_CL_ADVICE_H
 

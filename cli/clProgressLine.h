@@ -15,8 +15,8 @@ public:
     using Clock = std::function<std::chrono::milliseconds()>;
     using Writer = std::function<void(const gtString&)>;
 
-    // name is shown as it is and cut where the line would get too long. Without a writer nothing is shown. isCancelled is
-    // asked each time.
+    // name is shown as it is and cut where the line would get too long. Without a writer nothing is shown. isCancelled
+    // is asked each time.
     clProgressLine(gtString name, int columns, Clock clock, Writer writer, std::function<bool()> isCancelled);
     ~clProgressLine() override;
     clProgressLine(const clProgressLine&) = delete;

@@ -6,8 +6,8 @@
 
 #include "platform/baseTools/gtString.h"
 
-// Writes to standard output. Failures are kept for clFlushOutput. The bytes may wait in a buffer, which is overwritten when
-// they have gone.
+// Writes to standard output. Failures are kept for clFlushOutput. The bytes may wait in a buffer, which is overwritten
+// when they have gone.
 void clWriteOutput(const gtString& text);
 
 // Brings what was written to its place: 0, or the system's error number if any of it did not get there.
@@ -16,8 +16,8 @@ int clFlushOutput();
 // Writes "countersign: ", the text and a line end to standard error.
 void clComplain(const gtString& text);
 
-// Appends all of standard input, until the bytes reach the limit. No copy of them stays anywhere else. 0, or the system's error number: EINTR after a signal that
-// asks to end.
+// Appends all of standard input, until the bytes reach the limit. No copy of them stays anywhere else. 0, or the
+// system's error number: EINTR after a signal that asks to end.
 int clReadInput(gtString& bytes, int limit);
 
 #endif

@@ -65,8 +65,8 @@ bool setTerminal(int terminal, const struct termios& settings)
     return true;
 }
 
-// Switches off that the terminal shows what is typed, and stores its settings of before. False where there is no terminal,
-// or it cannot be done.
+// Switches off that the terminal shows what is typed, and stores its settings of before. False where there is no
+// terminal, or it cannot be done.
 bool silence(int terminal, struct termios& settings)
 {
     if (terminal < 0 || ::tcgetattr(terminal, &settings) != 0)

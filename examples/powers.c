@@ -1,5 +1,6 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* Prints 3 to the power of 100, modulo 2 to the power of 127 minus 1, which is prime, and 3 to the power of that minus 1. */
+/* Prints 3 to the power of 100, modulo 2 to the power of 127 minus 1, which is prime, and 3 to the power of that
+   minus 1. */
 #include <stdio.h>
 
 #include "bigdigits.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Any bytes as file name, function and message of a failed assertion, on their way into the texts of the report: nothing
-// is lost, and a path comes back as it was.
+// Any bytes as file name, function and message of a failed assertion, on their way into the texts of the report:
+// nothing is lost, and a path comes back as it was.
 #include <clocale>
 #include <fcntl.h>
 #include <string>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // A machine with eight registers of digits. The input is its program: it loads numbers and combines them, and GMP does
-// the same beside it. After every instruction the two must agree digit for digit, and what is only read must be as it was.
+// the same beside it. After every instruction the two must agree digit for digit, and what is only read must be as it
+// was.
 #include <array>
 #include <vector>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a check costs that holds, beside the language's own assert and no check at all. Every size is a thousand checks, so
-// a microsecond here is a nanosecond for a check.
+// What a check costs that holds, beside the language's own assert and no check at all. Every size is a thousand checks,
+// so a microsecond here is a nanosecond for a check.
 //
 // A check that fails ends the run: it would be measured for what it is not.
 #undef NDEBUG

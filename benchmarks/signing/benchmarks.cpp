@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Signing and testing a cached file, both lines of its signature, beside openssl, which makes one signature of it. Whole
-// programs are measured, in processor time; the program itself is the one that signs and tests.
+// Signing and testing a cached file, both lines of its signature, beside openssl, which makes one signature of it.
+// Whole programs are measured, in processor time; the program itself is the one that signs and tests.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>

@@ -365,8 +365,8 @@ bool holdsBy(int (*check)(EVP_PKEY_CTX*), const AnyKey& key)
     return check(context.get()) == 1;
 }
 
-// Whether texts under the key are no longer what they were, and cannot be had back by everybody. libcrypto's check knows
-// no modulus of less than 512 bits.
+// Whether texts under the key are no longer what they were, and cannot be had back by everybody. libcrypto's check
+// knows no modulus of less than 512 bits.
 bool isSafe(const Number& modulus, const Number& exponent, const AnyKey& publicHalf, int bits)
 {
     const int leastCheckedBits = 512;

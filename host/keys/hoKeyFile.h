@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// RSA keys from files: private or public, PKCS#1 or PKCS#8, encrypted or not, and certificates, in PEM or DER, as openssl
-// writes them. A PEM file may hold other things and several keys; each begins on a line of its own.
+// RSA keys from files: private or public, PKCS#1 or PKCS#8, encrypted or not, and certificates, in PEM or DER, as
+// openssl writes them. A PEM file may hold other things and several keys; each begins on a line of its own.
 //
-// What loads can be used: public numbers are checked for what would send texts in the clear, and both halves by libcrypto's
-// own check up to hoMostCheckedBits. Above that the check takes minutes, and it is only seen that the halves fit.
+// What loads can be used: public numbers are checked for what would send texts in the clear, and both halves by
+// libcrypto's own check up to hoMostCheckedBits. Above that the check takes minutes, and it is only seen that the
+// halves fit.
 //
 // Results are facts; the wording is up to the command line and the window. Nothing here prints, waits (a named pipe is
 // refused) or touches a file other than by reading it. Without memory the loaders say NoMemory, and the other functions
@@ -121,8 +122,8 @@ private:
     std::shared_ptr<evp_pkey_st> _pLibcryptoPrivateKey;
 };
 
-// Loads the key of the file that is needed; RSA keys go before others. The key is there when the problem is None, and null
-// otherwise. Without a source, encrypted files need a passphrase that nobody gives.
+// Loads the key of the file that is needed; RSA keys go before others. The key is there when the problem is None, and
+// null otherwise. Without a source, encrypted files need a passphrase that nobody gives.
 std::unique_ptr<const hoKey> hoLoadKeyFile(const gtString& path, hoIPassphraseSource* pSource, hoKeyFileFacts& facts,
                                            hoKeyNeed need = hoKeyNeed::Any);
 
@@ -132,8 +133,8 @@ std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, ho
                                        hoKeyFileFacts& facts, hoKeyNeed need = hoKeyNeed::Any);
 
 // Whether the file reads as a PEM file of keys: it can be read, is no larger than hoLargestKeyFile, begins with a PEM
-// block (blanks and empty lines before it do not count), and holds one with a key. Whether that key can be loaded is not
-// looked at.
+// block (blanks and empty lines before it do not count), and holds one with a key. Whether that key can be loaded is
+// not looked at.
 bool hoIsKeyFile(const gtString& path);
 
 // A number of the key as text, eight characters a digit, the highest digit first.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// libcrypto frees what it has decoded without overwriting it. Every program that links this gives libcrypto an allocator
-// that overwrites, before main.
+// libcrypto frees what it has decoded without overwriting it. Every program that links this gives libcrypto an
+// allocator that overwrites, before main.
 #ifndef COUNTERSIGN_HO_LIBCRYPTO_MEMORY_H
 #define COUNTERSIGN_HO_LIBCRYPTO_MEMORY_H
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Makes RSA key pairs with libcrypto and writes them to PEM files.
 //
-// Nothing here prints, and nothing throws but the constructor. What held a private number or a passphrase is overwritten
-// before it is given back.
+// Nothing here prints, and nothing throws but the constructor. What held a private number or a passphrase is
+// overwritten before it is given back.
 #ifndef COUNTERSIGN_HO_NEW_KEY_PAIR_H
 #define COUNTERSIGN_HO_NEW_KEY_PAIR_H
 

@@ -5,9 +5,9 @@
 // marker 0x01, lower-case hexadecimal characters and the filler, from the lowest byte on. A block of PSS ends, at its
 // lowest byte, in 0xBC, and nothing that the toolkit signs can. So no first line is a countersignature of anything, nor
 // the other way round.
-// The toolkit's short texts are any bytes behind the same marker, so they do not end in 0xBC either; but whoever encrypts
-// texts of others with a private key gives out powers of numbers that others chose. Keys for texts are better kept apart
-// from keys for signing.
+// The toolkit's short texts are any bytes behind the same marker, so they do not end in 0xBC either; but whoever
+// encrypts texts of others with a private key gives out powers of numbers that others chose. Keys for texts are better
+// kept apart from keys for signing.
 //
 // Nothing here prints or throws but std::bad_alloc. Safe from any thread, any number with the same key.
 #ifndef COUNTERSIGN_HO_COUNTERSIGNATURE_H

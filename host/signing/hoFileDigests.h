@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Both digests of a file from one reading: the exclusive-or digest of the toolkit, and SHA-256.
 //
-// CHANGES WHILE IT IS READ. The facts of the open file (size, time of change) are taken before and after the reading, and
-// must be the same. Time stamps move in steps, so that a change right after another may leave them as they are: where the
-// file's are that young, the reading waits for the clock to move first (some milliseconds, two seconds on file systems
-// without fractions). What this cannot tell:
+// CHANGES WHILE IT IS READ. The facts of the open file (size, time of change) are taken before and after the reading,
+// and must be the same. Time stamps move in steps, so that a change right after another may leave them as they are:
+// where the file's are that young, the reading waits for the clock to move first (some milliseconds, two seconds on
+// file systems without fractions). What this cannot tell:
 // - writes through a memory mapping that was written to before the reading began: the system stamps such a file late;
 // - file systems that stamp by another machine's clock, or that answer from a cache (network file systems, some in user
 //   space);

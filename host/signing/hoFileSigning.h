@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// Signs and tests files: the toolkit's signature over an exclusive-or digest, and a countersignature beside it that says
-// what that digest cannot (hoCountersignature.h). hoSignatureText.h has the format, hoFileDigests.h how a file is read.
+// Signs and tests files: the toolkit's signature over an exclusive-or digest, and a countersignature beside it that
+// says what that digest cannot (hoCountersignature.h). hoSignatureText.h has the format, hoFileDigests.h how a file is
+// read.
 //
-// Facts come back; the wording is up to the window and the command line. Nothing here throws or prints. A call may run on
-// any thread, any number with the same key.
+// Facts come back; the wording is up to the window and the command line. Nothing here throws or prints. A call may run
+// on any thread, any number with the same key.
 #ifndef COUNTERSIGN_HO_FILE_SIGNING_H
 #define COUNTERSIGN_HO_FILE_SIGNING_H
 
@@ -45,9 +46,9 @@ struct hoTestFacts : hoSigningFacts
 hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoSignatureLines lines, hoIProgress* pProgress,
                           gtString& signature);
 
-// Tests the file against the bytes of a signature file. The file is read only if the signature is one of a key, and once.
-// keys: in the order in which they are tried, not empty; if the signature is none's, the verdict is that of the key that
-// comes nearest.
+// Tests the file against the bytes of a signature file. The file is read only if the signature is one of a key, and
+// once. keys: in the order in which they are tried, not empty; if the signature is none's, the verdict is that of the
+// key that comes nearest.
 hoTestFacts hoTestFile(const gtString& path, const std::vector<const hoKey*>& keys, std::string_view signature,
                        hoIProgress* pProgress);
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a person gets to see of a decrypted text: the text if it is one, and its bytes if not.
 //
-// Facts come back; the wording is up to the window. Nothing here prints or keeps anything; only std::bad_alloc comes out
-// of the functions that return text. Safe from any thread.
+// Facts come back; the wording is up to the window. Nothing here prints or keeps anything; only std::bad_alloc comes
+// out of the functions that return text. Safe from any thread.
 #ifndef COUNTERSIGN_HO_SHORT_TEXTS_H
 #define COUNTERSIGN_HO_SHORT_TEXTS_H
 

@@ -35,7 +35,8 @@ hoSignatureFileResult hoReadSignatureFile(const gtString& path, gtString& signat
 // file is read whose signature could not be written.
 hoSignatureFileResult hoCheckSignaturePath(const gtString& path, bool mayOverwrite);
 
-// Writes the bytes, whole or not at all, as osWriteFileAtomically does: a symbolic link to a file is followed, and two that write at the same time without mayOverwrite do not overwrite each other.
+// Writes the bytes, whole or not at all, as osWriteFileAtomically does: a symbolic link to a file is followed, and two
+// that write at the same time without mayOverwrite do not overwrite each other.
 hoSignatureFileResult hoWriteSignatureFile(const gtString& path, const gtString& signature, bool mayOverwrite);
 
 #endif

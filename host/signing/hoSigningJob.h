@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Signing and testing of many documents on a thread of their own.
 //
-// A job runs as soon as it is made. Outcomes come in the order of the documents, as facts, one for each document that was
-// not cancelled; a lack of memory is an outcome, too. The keys are shared with whoever else has them. All functions are
-// for the thread that made the job. The thread inside has ended when the destructor returns.
+// A job runs as soon as it is made. Outcomes come in the order of the documents, as facts, one for each document that
+// was not cancelled; a lack of memory is an outcome, too. The keys are shared with whoever else has them. All functions
+// are for the thread that made the job. The thread inside has ended when the destructor returns.
 #ifndef COUNTERSIGN_HO_SIGNING_JOB_H
 #define COUNTERSIGN_HO_SIGNING_JOB_H
 

@@ -14,9 +14,10 @@ class crRSAEncryptionKey;
 enum class hoTextProblem
 {
     None,
-    TooLong,         // longer than hoLongestText
-    HoldsNul,        // a NUL byte would end it
-    TooLargeForKey,  // as a number, the block is not below the modulus: a text of the greatest length with a high byte last
+    TooLong,   // longer than hoLongestText
+    HoldsNul,  // a NUL byte would end it
+    // As a number, the block is not below the modulus: a text of the greatest length with a high byte last.
+    TooLargeForKey,
     NotACipherText,  // another character than hexadecimal ones, or less than a length
     OtherSize,       // not as long as a cipher text of one block of this key
     DoesNotComeOut,  // another key's, or damaged
@@ -35,8 +36,8 @@ int hoLengthOfCipherText(const crRSAEncryptionKey& key);
 hoTextResult hoEncryptText(const crRSAEncryptionKey& key, const gtString& text, gtString& cipherText);
 
 // text is written only when there is no problem. Blanks and line ends around the cipher text, as copying leaves them,
-// do no harm. A wrong key is found out by the marker at the beginning of the block and by what fills it behind the text:
-// for a text of the greatest length, which leaves no filler, it is missed once in some 400 times.
+// do no harm. A wrong key is found out by the marker at the beginning of the block and by what fills it behind the
+// text: for a text of the greatest length, which leaves no filler, it is missed once in some 400 times.
 hoTextResult hoDecryptText(const crRSAEncryptionKey& key, const gtString& cipherText, gtString& text);
 
 #endif

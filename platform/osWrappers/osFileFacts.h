@@ -53,10 +53,10 @@ osFileResult osReadFileFacts(const gtString& path, osFileFacts& facts);
 // The same of an open file, without looking at its kind. False, and errno tells why, when the system refuses.
 bool osReadFactsOfDescriptor(int descriptor, osFileFacts& facts) noexcept;
 
-// How many nanoseconds to wait until any change to the file's bytes would give it another time of change than the one in
-// the facts; 0 or less: it would now. Time stamps move in steps: by the system's clock of some milliseconds, on some file
-// systems (where the fraction is zero) by one or two seconds. A time of change that is in the future cannot be waited
-// for, and counts as moving; where the stamps come from another machine's clock, nothing can be told.
+// How many nanoseconds to wait until any change to the file's bytes would give it another time of change than the one
+// in the facts; 0 or less: it would now. Time stamps move in steps: by the system's clock of some milliseconds, on some
+// file systems (where the fraction is zero) by one or two seconds. A time of change that is in the future cannot be
+// waited for, and counts as moving; where the stamps come from another machine's clock, nothing can be told.
 std::int64_t osTimeUntilStampsMove(const osFileFacts& facts) noexcept;
 
 // path made absolute: the folder with its symbolic links and dots resolved, then the last component as given. Two

@@ -752,8 +752,8 @@ double contrast(const wxColour& one, const wxColour& other)
     return std::max(first, second) / std::min(first, second);
 }
 
-// What is written in a piece of the screen, and what it is written on: the commonest colour, and the one that stands out
-// most from it. The edges of letters are paler.
+// What is written in a piece of the screen, and what it is written on: the commonest colour, and the one that stands
+// out most from it. The edges of letters are paler.
 struct Ink
 {
     wxColour ground;

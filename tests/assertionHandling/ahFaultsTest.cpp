@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Every allocation of the kit's texts and of its list goes wrong in turn: std::bad_alloc comes out or the right result, and
-// nothing is left behind.
+// Every allocation of the kit's texts and of its list goes wrong in turn: std::bad_alloc comes out or the right result,
+// and nothing is left behind.
 #include <functional>
 #include <new>
 #include <string>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The dialog with texts that nobody would write on purpose: it shows all of them, and is as easy to end as ever. Laid out
-// by the control's own means the longest would take many minutes, far beyond the test's patience.
+// The dialog with texts that nobody would write on purpose: it shows all of them, and is as easy to end as ever. Laid
+// out by the control's own means the longest would take many minutes, far beyond the test's patience.
 #include <algorithm>
 #include <functional>
 #include <memory>
@@ -25,8 +25,8 @@
 namespace
 {
 
-// What is laid out in the square of its length takes more than the test's time for that many characters without a blank,
-// and widths do not fit the layout's numbers.
+// What is laid out in the square of its length takes more than the test's time for that many characters without a
+// blank, and widths do not fit the layout's numbers.
 const std::size_t halfAMegabyte = 500000;
 
 // The piece again and again, up to that many characters.

@@ -59,7 +59,8 @@ protected:
 
     static ahAssertDialog* dialog() { return dynamic_cast<ahAssertDialog*>(tsTopModalDialog()); }
 
-    // Every dialog that comes is answered, each time with another button; once it runs, and not while it is being shown.
+    // Every dialog that comes is answered, each time with another button; once it runs, and not while it is being
+    // shown.
     void answer()
     {
         ahAssertDialog* const pDialog = dialog();

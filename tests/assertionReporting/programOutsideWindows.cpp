@@ -4,7 +4,8 @@
 //     program_outside_windows testRunner    without an application object
 //     program_outside_windows console       an application without windows
 //     program_outside_windows noDisplay     an application with windows whose toolkit does not start
-//     program_outside_windows life          an application with windows: before it starts, in OnExit, after it has ended
+//     program_outside_windows life          an application with windows: before it starts, in OnExit, after it has
+//                                           ended
 #include <cstdio>
 #include <cstdlib>
 #include <functional>

@@ -236,8 +236,8 @@ TEST(ReadingDecimal, TellsTheDigitsSetAside)
     EXPECT_EQ(mpConvFromHex(a, 9, "000000001"), 2U);
 }
 
-// The room set aside falls short by a little with every digit; at 1811 it is an octet for the first time. There the room
-// ends with a digit, and after three, one and two octets of one at the others.
+// The room set aside falls short by a little with every digit; at 1811 it is an octet for the first time. There the
+// room ends with a digit, and after three, one and two octets of one at the others.
 TEST(ReadingDecimal, LosesTheTopOctetOf1811Nines)
 {
     const std::set<size_t> tooLong{1811, 2454, 2979, 3097};

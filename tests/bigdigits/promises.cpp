@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the header promises beyond results: which memory is written and wiped, how rounds are counted, how the process is
-// left.
+// What the header promises beyond results: which memory is written and wiped, how rounds are counted, how the process
+// is left.
 #include "Digits.h"
 #include "RandomNumbers.h"
 #include "watching.h"
@@ -293,7 +293,8 @@ TEST(Printing, OfOneLineIsOneLineHoweverLong)
 
 #if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
-// How many instructions the work takes, counted one after the other in a process of its own; 0 when that is not allowed.
+// How many instructions the work takes, counted one after the other in a process of its own; 0 when that is not
+// allowed.
 long instructionsOf(const std::function<void()>& work)
 {
     const pid_t child = fork();

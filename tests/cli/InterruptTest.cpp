@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The program is asked to end at any moment of its work, again and again.
 //
-// COUNTERSIGN_SHUTDOWNS: how often (default 120; scripts/soak.sh: 1000). The moments are random; COUNTERSIGN_SEED repeats them.
+// COUNTERSIGN_SHUTDOWNS: how often (default 120; scripts/soak.sh: 1000). The moments are random; COUNTERSIGN_SEED
+// repeats them.
 #include <algorithm>
 #include <chrono>
 #include <csignal>

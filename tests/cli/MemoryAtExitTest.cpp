@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Stops the program at its very end and looks through all memory that it may write to: nothing of its keys and texts may
-// be left there. What it is given as arguments is not looked for, as the system shows these to everybody.
+// Stops the program at its very end and looks through all memory that it may write to: nothing of its keys and texts
+// may be left there. What it is given as arguments is not looked for, as the system shows these to everybody.
 #include <algorithm>
 #include <cstring>
 #include <fcntl.h>

@@ -495,8 +495,8 @@ TEST_F(Program, WritesNoCoreFile)
 }
 
 // Typed as soon as the question stands there, so that the interrupt often comes just before the program waits for the
-// answer. The thread sanitizer's runtime holds signals back and now and then forgets one that comes at that moment; with
-// it the program is given time to wait.
+// answer. The thread sanitizer's runtime holds signals back and now and then forgets one that comes at that moment;
+// with it the program is given time to wait.
 TEST_F(Program, EndsCleanlyAtThePassphraseQuestion)
 {
     runOpenSSL(_folder, {"rsa", "-in", "private.pem", "-aes256", "-passout", "pass:x", "-out", "locked.pem"});
@@ -523,7 +523,8 @@ TEST_F(Program, EndsCleanlyAtThePassphraseQuestion)
     EXPECT_THAT(outcome._printed, ::testing::Not(HasSubstr("wrong passphrase"))) << "none was given";
 }
 
-// A file of 64 GiB without contents: it takes long enough to see the progress on every machine, and is interrupted then.
+// A file of 64 GiB without contents: it takes long enough to see the progress on every machine, and is interrupted
+// then.
 TEST_F(Program, ShowsItsProgressOnATerminalAndCanBeInterrupted)
 {
     _folder.write("huge", "");

@@ -244,8 +244,8 @@ TEST(Key, ReadsEachGroupByItself)
 {
     const crRSAEncryptionKey key;
     unsigned int digits[4] = {1, 2, 3, 4};
-    // A digit keeps its value where its group starts with anything else than a digit of base 16, even where blanks or a sign
-    // might be skipped or where the next group could be drawn in.
+    // A digit keeps its value where its group starts with anything else than a digit of base 16, even where blanks or a
+    // sign might be skipped or where the next group could be drawn in.
     ASSERT_TRUE(key.readDigitsFromHexString(digits, 4,
                                             "xyz12345"
                                             "    1234"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Every system call and every allocation of what the windows stand on goes wrong in turn: the work is done all the same or
-// is said not to be done, no half file is left, nothing is called good or bad that is not, and lists stay whole.
+// Every system call and every allocation of what the windows stand on goes wrong in turn: the work is done all the same
+// or is said not to be done, no half file is left, nothing is called good or bad that is not, and lists stay whole.
 #include "tests/host/NewKey.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/tsSystemFault.h"
@@ -294,7 +294,8 @@ TEST_F(WindowEngineFaults, DocumentsThatChangeWhileTheyAreSignedAreNotSigned)
     }
 }
 
-// Within the second that the file was written in, as large as before: no time stamp tells, unless the reading has waited.
+// Within the second that the file was written in, as large as before: no time stamp tells, unless the reading has
+// waited.
 TEST_F(WindowEngineFaults, DocumentsThatChangeWithinTheirTimeStampAreNotSigned)
 {
     for (const bool isWholeSeconds : {false, true})

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The application with its real window, at work from its start on: it signs and tests its documents again and again, for
-// the tests to end it in the middle. It writes a line to standard output when it begins.
+// The application with its real window, at work from its start on: it signs and tests its documents again and again,
+// for the tests to end it in the middle. It writes a line to standard output when it begins.
 //
 //   program_at_work KEY-FILE work|question|progress|lost|exit DOCUMENT...
 //

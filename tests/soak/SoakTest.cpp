@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Hours of use in minutes: files that change are signed and tested, by the command line and in the real window; assertion
-// dialogs come and are answered; documents and windows are opened and closed. Nothing may grow by it or be lost.
+// Hours of use in minutes: files that change are signed and tested, by the command line and in the real window;
+// assertion dialogs come and are answered; documents and windows are opened and closed. Nothing may grow by it or be
+// lost.
 //
 // scripts/soak.sh runs it for long. COUNTERSIGN_SOAK_SECONDS: how long (default 3); COUNTERSIGN_SOAK_WORK: one kind of
 // work alone, by its name below, to find out where something grows.

@@ -58,7 +58,8 @@ private:
     std::string _path;
 };
 
-// For thousands of files: where there is one, in a folder that no disk is behind. A disk takes minutes to delete so many.
+// For thousands of files: where there is one, in a folder that no disk is behind. A disk takes minutes to delete so
+// many.
 class ManyFilesFolder : public TemporaryFolder
 {
 public:

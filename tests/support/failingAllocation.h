@@ -23,8 +23,8 @@ public:
     bool hasFailed() const noexcept;
 };
 
-// While it lives, the allocation that comes after amountBefore others, whatever threads they are of, fails, and no later
-// one. Not to be nested.
+// While it lives, the allocation that comes after amountBefore others, whatever threads they are of, fails, and no
+// later one. Not to be nested.
 class OneFailingAllocation
 {
 public:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Catches what is written to standard error as long as it lives, so that what a test provokes does not stand in its report.
-// One at a time: make it a member of the fixture. GoogleTest's own capture must not be used beside it.
+// Catches what is written to standard error as long as it lives, so that what a test provokes does not stand in its
+// report. One at a time: make it a member of the fixture. GoogleTest's own capture must not be used beside it.
 #ifndef TS_CAUGHT_ERRORS_H
 #define TS_CAUGHT_ERRORS_H
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// Looks for secrets in all memory that the test's own process may write to: variables, stacks, blocks that are in use and
-// blocks that were given back.
+// Looks for secrets in all memory that the test's own process may write to: variables, stacks, blocks that are in use
+// and blocks that were given back.
 //
-// What is looked for must not be there for any other reason, so it is kept masked, and a process of its own reads it from
-// the key. Nothing else may happen in the test's process meanwhile. Not for builds for sanitizers, whose memory is too
-// large to be looked through.
+// What is looked for must not be there for any other reason, so it is kept masked, and a process of its own reads it
+// from the key. Nothing else may happen in the test's process meanwhile. Not for builds for sanitizers, whose memory is
+// too large to be looked through.
 #ifndef TS_SECRETS_H
 #define TS_SECRETS_H
 
@@ -24,8 +24,8 @@ struct tsSecret
 // file has no private key.
 std::vector<tsSecret> tsSecretsOfKey(const std::string& path);
 
-// What of the passphrase must not be found: a piece of its middle, since the allocator writes to the beginning of a block
-// that is given back, in bytes and as the toolkit's wide characters.
+// What of the passphrase must not be found: a piece of its middle, since the allocator writes to the beginning of a
+// block that is given back, in bytes and as the toolkit's wide characters.
 std::vector<tsSecret> tsSecretsOfPassphrase();
 
 // Gives the passphrase to whoever loads a key.

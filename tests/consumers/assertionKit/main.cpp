@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// An outside program with a window of its own on the installed package: switches the assertion kit on, fails an assertion
-// of each kind, and prints the report. The test compares it.
+// An outside program with a window of its own on the installed package: switches the assertion kit on, fails an
+// assertion of each kind, and prints the report. The test compares it.
 #include <cstdio>
 #include <memory>
 #include <stdexcept>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Assertions that fail faster than anybody can decide about them: the window stays usable, there is one dialog at a time,
-// and what was decided holds.
+// Assertions that fail faster than anybody can decide about them: the window stays usable, there is one dialog at a
+// time, and what was decided holds.
 #include "tests/host/MainFrameFixture.h"
 
 #include "assertionHandling/ahAssertDialog.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Documents that nobody would make on purpose, and more of them than anybody needs: the window says what they are, shows
-// nothing that could deceive, and stays usable.
+// Documents that nobody would make on purpose, and more of them than anybody needs: the window says what they are,
+// shows nothing that could deceive, and stays usable.
 #include "tests/host/MainFrameFixture.h"
 #include "tests/host/NewKey.h"
 

@@ -2,8 +2,8 @@
 // The end in the middle of work: the window goes while its worker signs or tests, and the program is asked to end by a
 // signal, again and again. No half signature and no temporary file is left behind, and nothing crashes or hangs.
 //
-// COUNTERSIGN_SHUTDOWNS: how often (default: 24 windows, 12 programs by signals, 8 by the loss of their display; scripts/soak.sh: 1000). The
-// moments are random; COUNTERSIGN_SEED repeats them.
+// COUNTERSIGN_SHUTDOWNS: how often (default: 24 windows, 12 programs by signals, 8 by the loss of their display;
+// scripts/soak.sh: 1000). The moments are random; COUNTERSIGN_SEED repeats them.
 #include "tests/host/MainFrameFixture.h"
 #include "tests/host/NewKey.h"
 

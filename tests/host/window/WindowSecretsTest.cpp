@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// After keys and passphrases were used in the real window and are gone, nothing of them stands anywhere in the process's
-// memory or in a file that it has written: so no message, report or list of the window's holds any of it either.
+// After keys and passphrases were used in the real window and are gone, nothing of them stands anywhere in the
+// process's memory or in a file that it has written: so no message, report or list of the window's holds any of it
+// either.
 #include "tests/host/MainFrameFixture.h"
 
 #include "host/window/hoDocumentDropTarget.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The shape of the toolkit's application class on macOS, as far as ApplicationShell.h depends on it: what is virtual there.
+// The shape of the toolkit's application class on macOS, as far as ApplicationShell.h depends on it: what is virtual
+// there.
 #ifndef TESTS_APP_MAC_TOOLKIT_WX_APP_H
 #define TESTS_APP_MAC_TOOLKIT_WX_APP_H
 
