@@ -270,7 +270,7 @@ hoSessionBus::Outcome hoSessionBus::start(const std::vector<gtString>& paths, Op
     if (!_pConnection->open() || !_pConnection->serve(std::move(onOpen), std::move(onActivate)))
     {
         _pConnection.reset();
-        return Outcome::NO_BUS;
+        return Outcome::NoBus;
     }
     // The owner may end between the two questions; then the name is free at the second one.
     bool isSlow = false;
@@ -279,14 +279,14 @@ hoSessionBus::Outcome hoSessionBus::start(const std::vector<gtString>& paths, Op
         bool taken = false;
         if (_pConnection->claimName(taken))
         {
-            return Outcome::FIRST;
+            return Outcome::First;
         }
         if (taken && _pConnection->handOver(paths, isSlow))
         {
             _pConnection.reset();
-            return Outcome::HANDED_OVER;
+            return Outcome::HandedOver;
         }
     }
     _pConnection.reset();
-    return Outcome::NO_BUS;
+    return Outcome::NoBus;
 }

@@ -19,9 +19,9 @@ class hoSessionBus
 public:
     enum class Outcome
     {
-        NO_BUS,      // there is no bus, or the name's owner does not answer: go on alone
-        FIRST,       // the name is ours, requests will come
-        HANDED_OVER  // another process has taken the documents: nothing is left to do here
+        NoBus,      // there is no bus, or the name's owner does not answer: go on alone
+        First,      // the name is ours, requests will come
+        HandedOver  // another process has taken the documents: nothing is left to do here
     };
 
     using OpenFunction = std::function<void(const std::vector<gtString>& paths)>;

@@ -15,5 +15,5 @@ bool hoSingleInstance::handOver(const std::vector<gtString>& documents, std::fun
             wxGetApp().MacOpenFile(gtPathTextFromBytes(path));
         }
     };
-    return _bus.start(documents, onOpen, std::move(onActivate)) == hoSessionBus::Outcome::HANDED_OVER;
+    return _bus.start(documents, onOpen, std::move(onActivate)) == hoSessionBus::Outcome::HandedOver;
 }

@@ -34,7 +34,7 @@ struct SortKey
 };
 
 // That came of looking into the signature, and mostly into the document.
-bool isFinding(hoDocumentState state)
+bool isVerdict(hoDocumentState state)
 {
     switch (state)
     {
@@ -58,7 +58,7 @@ osFileFacts signatureFacts(const hoDocument& document)
     return facts;
 }
 
-hoDocumentState stateWithoutFinding(const hoDocument& document)
+hoDocumentState stateWithoutVerdict(const hoDocument& document)
 {
     osFileFacts facts;
     const osFileResult result = osReadFileFacts(hoSignaturePath(document._path), facts);
@@ -73,7 +73,7 @@ SortKey keyOf(const hoDocument& document, std::size_t position, hoDocumentList::
     case hoDocumentList::Column::Name:
         break;
     case hoDocumentList::Column::State:
-        key._number = static_cast<std::int64_t>(document._stamp._state);
+        key._number = static_cast<std::int64_t>(document._verdict._state);
         break;
     case hoDocumentList::Column::Size:
         key._number = static_cast<std::int64_t>(document._facts._size);
@@ -117,7 +117,7 @@ hoDocumentList::Opening hoDocumentList::open(const gtString& path)
         refresh(found->second);
         return {result, found->second, false};
     }
-    document._stamp._state = stateWithoutFinding(document);
+    document._verdict._state = stateWithoutVerdict(document);
     const std::size_t position = _documents.size();
     _documents.push_back(document);
     try
@@ -136,51 +136,51 @@ bool hoDocumentList::refresh(std::size_t position)
 {
     hoDocument& document = _documents[position];
     osFileFacts facts = document._facts;
-    hoDocumentState state = document._stamp._state;
+    hoDocumentState state = document._verdict._state;
     if (!osReadFileFacts(document._path, facts).isOk())
     {
         state = hoDocumentState::CannotBeRead;
     }
-    else if (!isFinding(state) && state != hoDocumentState::Changed)
+    else if (!isVerdict(state) && state != hoDocumentState::Changed)
     {
-        state = stateWithoutFinding(document);
+        state = stateWithoutVerdict(document);
     }
-    else if (facts != document._stamp._file || signatureFacts(document) != document._stamp._signature)
+    else if (facts != document._verdict._file || signatureFacts(document) != document._verdict._signature)
     {
         state = hoDocumentState::Changed;
     }
-    const bool isChanged = document._facts != facts || document._stamp._state != state;
+    const bool isChanged = document._facts != facts || document._verdict._state != state;
     document._facts = facts;
-    document._stamp._state = state;
+    document._verdict._state = state;
     return isChanged;
 }
 
-void hoDocumentList::setStamp(const gtString& absolutePath, const hoDocumentStamp& stamp)
+void hoDocumentList::setVerdict(const gtString& absolutePath, const hoDocumentVerdict& verdict)
 {
     const std::size_t position = positionOf(absolutePath);
     if (position != nowhere)
     {
-        _documents[position]._stamp = stamp;
+        _documents[position]._verdict = verdict;
         refresh(position);
     }
 }
 
 void hoDocumentList::forgetStates()
 {
-    // Nothing is left of any finding before anything that may fail.
+    // Nothing is left of any verdict before anything that may fail.
     for (hoDocument& document : _documents)
     {
-        if (document._stamp._state != hoDocumentState::CannotBeRead)
+        if (document._verdict._state != hoDocumentState::CannotBeRead)
         {
-            document._stamp = hoDocumentStamp();
-            document._stamp._state = hoDocumentState::NotTested;
+            document._verdict = hoDocumentVerdict();
+            document._verdict._state = hoDocumentState::NotTested;
         }
     }
     for (hoDocument& document : _documents)
     {
-        if (document._stamp._state != hoDocumentState::CannotBeRead)
+        if (document._verdict._state != hoDocumentState::CannotBeRead)
         {
-            document._stamp._state = stateWithoutFinding(document);
+            document._verdict._state = stateWithoutVerdict(document);
         }
     }
 }

@@ -58,7 +58,7 @@ public:
 
     // Puts down what was found of a document, after a look at its files: if they are not the ones that it was found
     // with any more, the state is Changed at once. Nothing happens when the document is not in the list any more.
-    void setStamp(const gtString& absolutePath, const hoDocumentStamp& stamp);
+    void setVerdict(const gtString& absolutePath, const hoDocumentVerdict& verdict);
 
     // What was found with a key that is not used any more is NotTested.
     void forgetStates();

@@ -22,7 +22,7 @@ enum class hoDocumentState
 };
 
 // A state, and the files that it was found with.
-struct hoDocumentStamp
+struct hoDocumentVerdict
 {
     hoDocumentState _state = hoDocumentState::NotSigned;
     osFileFacts _file;
@@ -33,7 +33,7 @@ struct hoDocument
 {
     gtString _path;      // absolute
     osFileFacts _facts;  // the file's at the last look
-    hoDocumentStamp _stamp;
+    hoDocumentVerdict _verdict;
 
     // The last component of the path, which is not empty.
     gtString name() const;

@@ -136,7 +136,7 @@ void hoSigningJob::run()
         catch (const std::bad_alloc&)
         {
             outcome._signing._problem = hoSigningProblem::NoMemory;
-            outcome._stamp = hoDocumentStamp{hoDocumentState::NotTested, {}, {}};
+            outcome._verdict = hoDocumentVerdict{hoDocumentState::NotTested, {}, {}};
         }
         {
             const std::lock_guard<std::mutex> lock(_mutex);
@@ -161,7 +161,7 @@ void hoSigningJob::notify() const
 
 void hoSigningJob::sign(const hoDocument& document, hoSigningOutcome& outcome)
 {
-    outcome._stamp = document._stamp;
+    outcome._verdict = document._verdict;
     const gtString signaturePath = hoSignaturePath(document._path);
     outcome._signatureFile = hoCheckSignaturePath(signaturePath, _mayOverwrite);
     if (!outcome._signatureFile.isOk())
@@ -175,7 +175,7 @@ void hoSigningJob::sign(const hoDocument& document, hoSigningOutcome& outcome)
     {
         if (outcome._signing._problem == hoSigningProblem::FileCannotBeRead)
         {
-            outcome._stamp = hoDocumentStamp{hoDocumentState::CannotBeRead, {}, {}};
+            outcome._verdict = hoDocumentVerdict{hoDocumentState::CannotBeRead, {}, {}};
         }
         return;
     }
@@ -185,7 +185,7 @@ void hoSigningJob::sign(const hoDocument& document, hoSigningOutcome& outcome)
         // What holds by its digest alone is weak, whoever has signed it.
         const hoDocumentState state =
             _lines == hoSignatureLines::Both ? hoDocumentState::SignedByMe : hoDocumentState::Weak;
-        outcome._stamp = {state, outcome._signing._file, signatureFacts(document._path)};
+        outcome._verdict = {state, outcome._signing._file, signatureFacts(document._path)};
     }
 }
 
@@ -197,9 +197,9 @@ void hoSigningJob::test(const hoDocument& document, hoSigningOutcome& outcome)
     if (!outcome._signatureFile.isOk())
     {
         outcome._signing = hoTestFacts(outcome._signatureFile);
-        outcome._stamp._state = stateOf(outcome._signing, false);
-        outcome._stamp._signature = signatureBefore;
-        osReadFileFacts(document._path, outcome._stamp._file);
+        outcome._verdict._state = stateOf(outcome._signing, false);
+        outcome._verdict._signature = signatureBefore;
+        osReadFileFacts(document._path, outcome._verdict._file);
         if (outcome._signing._verdict == hoVerdict::NotSigned || outcome._signing._verdict == hoVerdict::NotASignature)
         {
             outcome._signatureFile = hoSignatureFileResult();
@@ -216,10 +216,10 @@ void hoSigningJob::test(const hoDocument& document, hoSigningOutcome& outcome)
         }
     }
     outcome._signing = hoTestFile(document._path, keys, signature.asStringView(), this);
-    outcome._stamp._file = outcome._signing._file;
-    outcome._stamp._signature = signatureBefore;
+    outcome._verdict._file = outcome._signing._file;
+    outcome._verdict._signature = signatureBefore;
     const hoKey* const pMine = _keys._pPrivateKey.get();
-    outcome._stamp._state =
+    outcome._verdict._state =
         outcome._signing.isOk() && signatureFacts(document._path) != signatureBefore
             ? hoDocumentState::Changed
             : stateOf(outcome._signing, pMine != nullptr && isSameModulus(*keys[outcome._signing._key], *pMine));

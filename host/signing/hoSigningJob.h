@@ -22,8 +22,8 @@
 struct hoSigningOutcome
 {
     gtString _path;
-    hoDocumentStamp _stamp;  // the state, and what it was established on
-    hoTestFacts _signing;    // what was found, or why it could not be
+    hoDocumentVerdict _verdict;  // the state, and what it was established on
+    hoTestFacts _signing;        // what was found, or why it could not be
     hoSignatureFileResult _signatureFile;
 };
 

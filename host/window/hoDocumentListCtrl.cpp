@@ -155,7 +155,7 @@ hoDocumentList::Column hoDocumentListCtrl::columnAt(int column)
 wxString hoDocumentListCtrl::tooltipOf(std::size_t row) const
 {
     const hoDocument& document = _documents[row];
-    return hoDisplayText(document._path) + "\n" + gtTextFromBytes(hoStateText(document._stamp._state, _canTest)) +
+    return hoDisplayText(document._path) + "\n" + gtTextFromBytes(hoStateText(document._verdict._state, _canTest)) +
            ", " + gtTextFromBytes(hoExactSizeText(document._facts._size)) + ", modified " +
            hoTimeText(document._facts._modifiedSeconds, true);
 }
@@ -173,7 +173,7 @@ wxString hoDocumentListCtrl::OnGetItemText(long row, long column) const
     case hoDocumentList::Column::Name:
         return hoDisplayText(document.name());
     case hoDocumentList::Column::State:
-        return gtTextFromBytes(hoStateText(document._stamp._state, _canTest));
+        return gtTextFromBytes(hoStateText(document._verdict._state, _canTest));
     case hoDocumentList::Column::Size:
         return gtTextFromBytes(hoSizeText(document._facts._size));
     case hoDocumentList::Column::Modified:
@@ -188,7 +188,7 @@ int hoDocumentListCtrl::OnGetItemColumnImage(long row, long column) const
 {
     const std::size_t position = static_cast<std::size_t>(row);
     const bool isState = columns[column]._column == hoDocumentList::Column::State && position < _documents.size();
-    return isState ? static_cast<int>(_documents[position]._stamp._state) : -1;
+    return isState ? static_cast<int>(_documents[position]._verdict._state) : -1;
 }
 
 void hoDocumentListCtrl::OnSize(wxSizeEvent& event)

@@ -256,7 +256,7 @@ void hoDocumentsView::showOutcomes(const std::vector<hoSigningOutcome>& outcomes
 {
     for (const hoSigningOutcome& outcome : outcomes)
     {
-        _documents.setStamp(outcome._path, outcome._stamp);
+        _documents.setVerdict(outcome._path, outcome._verdict);
     }
     list().showChanges();
 }

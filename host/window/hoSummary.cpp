@@ -19,9 +19,9 @@ wxString outcomeText(const hoSigningOutcome& outcome)
         return hoDisplayText(hoLastComponent(hoSignaturePath(outcome._path)), 60) + ": " +
                gtTextFromBytes(hoSignatureFileReason(outcome._signatureFile));
     }
-    const wxString state = gtTextFromBytes(hoStateText(outcome._stamp._state, true)).Lower();
+    const wxString state = gtTextFromBytes(hoStateText(outcome._verdict._state, true)).Lower();
     // What was found is not what there is by now.
-    const bool isChanged = outcome._stamp._state == hoDocumentState::Changed;
+    const bool isChanged = outcome._verdict._state == hoDocumentState::Changed;
     const wxString reason = isChanged ? wxString() : gtTextFromBytes(hoVerdictReason(outcome._signing));
     return reason.empty() ? state : state + ": " + reason;
 }
@@ -100,7 +100,7 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
     {
         const bool isKept = outcome._signatureFile._problem == hoSignatureFileProblem::Exists;
         const bool isFailed = !outcome._signing.isOk() || (!outcome._signatureFile.isOk() && !isKept);
-        const hoDocumentState state = outcome._stamp._state;
+        const hoDocumentState state = outcome._verdict._state;
         kept += isKept ? 1U : 0U;
         failed += isFailed || (!isKept && state == hoDocumentState::Changed) ? 1U : 0U;
         if (!isKept && !isFailed)

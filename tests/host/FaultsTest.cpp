@@ -160,7 +160,7 @@ protected:
             const std::string now = contents[name];
             const bool isNew = now != before && isGoodSignature(outcome._path, now);
             EXPECT_TRUE(now == before || isNew) << name << ": " << now;
-            const bool isDone = outcome._stamp._state == hoDocumentState::SignedByMe;
+            const bool isDone = outcome._verdict._state == hoDocumentState::SignedByMe;
             EXPECT_TRUE(!isDone || isNew);
             EXPECT_TRUE(isDone || outcome._signing._problem != hoSigningProblem::None ||
                         outcome._signatureFile._problem != hoSignatureFileProblem::None);
@@ -224,10 +224,10 @@ TEST_F(WindowEngineFaults, MakeNothingGoodAndNothingBad)
                 ASSERT_EQ(_outcomes.size(), 2U);
                 for (const hoSigningOutcome& outcome : _outcomes)
                 {
-                    EXPECT_NE(outcome._stamp._state, hoDocumentState::Bad);
+                    EXPECT_NE(outcome._verdict._state, hoDocumentState::Bad);
                     // Whoever cannot read says so.
-                    EXPECT_TRUE(outcome._stamp._state == hoDocumentState::SignedByMe ||
-                                outcome._stamp._state == hoDocumentState::Changed ||
+                    EXPECT_TRUE(outcome._verdict._state == hoDocumentState::SignedByMe ||
+                                outcome._verdict._state == hoDocumentState::Changed ||
                                 outcome._signing._problem != hoSigningProblem::None ||
                                 outcome._signatureFile._problem != hoSignatureFileProblem::None);
                 }
@@ -238,8 +238,8 @@ TEST_F(WindowEngineFaults, MakeNothingGoodAndNothingBad)
             {
                 for (const hoSigningOutcome& outcome : _outcomes)
                 {
-                    EXPECT_NE(outcome._stamp._state, hoDocumentState::SignedByMe);
-                    EXPECT_NE(outcome._stamp._state, hoDocumentState::Good);
+                    EXPECT_NE(outcome._verdict._state, hoDocumentState::SignedByMe);
+                    EXPECT_NE(outcome._verdict._state, hoDocumentState::Good);
                 }
             });
     }
@@ -258,7 +258,7 @@ TEST_F(WindowEngineFaults, AReadErrorIsNotTheEndOfTheFile)
         const hoSigningOutcome& outcome = _outcomes[isLarge ? 0 : 1];
         EXPECT_EQ(outcome._signing._problem, hoSigningProblem::FileCannotBeRead);
         EXPECT_EQ(outcome._signing._systemError, EIO);
-        EXPECT_EQ(outcome._stamp._state, hoDocumentState::CannotBeRead);
+        EXPECT_EQ(outcome._verdict._state, hoDocumentState::CannotBeRead);
     }
 }
 
@@ -288,9 +288,9 @@ TEST_F(WindowEngineFaults, DocumentsThatChangeWhileTheyAreSignedAreNotSigned)
         ASSERT_TRUE(meanwhile.hasHappened());
         ASSERT_EQ(_outcomes.size(), 2U);
         EXPECT_EQ(_outcomes[0]._signing._problem, hoSigningProblem::FileChanged);
-        EXPECT_NE(_outcomes[0]._stamp._state, hoDocumentState::SignedByMe);
+        EXPECT_NE(_outcomes[0]._verdict._state, hoDocumentState::SignedByMe);
         EXPECT_EQ(_folder.read("large.sig"), anOldSignature);
-        EXPECT_EQ(_outcomes[1]._stamp._state, hoDocumentState::SignedByMe);
+        EXPECT_EQ(_outcomes[1]._verdict._state, hoDocumentState::SignedByMe);
     }
 }
 
@@ -349,7 +349,7 @@ TEST_F(WindowEngineFaults, MissingMemoryMakesNothingGoodAndNothingBad)
                        {
                            for (const hoSigningOutcome& outcome : _outcomes)
                            {
-                               EXPECT_NE(outcome._stamp._state, hoDocumentState::Bad);
+                               EXPECT_NE(outcome._verdict._state, hoDocumentState::Bad);
                            }
                        });
     failEachAllocation([] {}, [this] { work(hoSigningJob::Kind::Test, _otherKey); },
@@ -357,7 +357,7 @@ TEST_F(WindowEngineFaults, MissingMemoryMakesNothingGoodAndNothingBad)
                        {
                            for (const hoSigningOutcome& outcome : _outcomes)
                            {
-                               EXPECT_NE(outcome._stamp._state, hoDocumentState::SignedByMe);
+                               EXPECT_NE(outcome._verdict._state, hoDocumentState::SignedByMe);
                            }
                        });
 }
@@ -427,20 +427,20 @@ TEST_F(WindowEngineFaults, MissingMemoryLeavesTheListAsItWas)
             prepare();
             for (const std::string& path : before)
             {
-                hoDocumentStamp stamp;
-                stamp._state = hoDocumentState::Good;
-                osReadFileFacts(path.c_str(), stamp._file);
-                list.setStamp(path.c_str(), stamp);
+                hoDocumentVerdict verdict;
+                verdict._state = hoDocumentState::Good;
+                osReadFileFacts(path.c_str(), verdict._file);
+                list.setVerdict(path.c_str(), verdict);
             }
-            ASSERT_EQ(list[2]._stamp._state, hoDocumentState::Good);
+            ASSERT_EQ(list[2]._verdict._state, hoDocumentState::Good);
         },
         [&] { list.forgetStates(); },
         [&](bool)
         {
             for (std::size_t i = 0; i < list.size(); ++i)
             {
-                EXPECT_TRUE(list[i]._stamp._state == hoDocumentState::NotTested ||
-                            list[i]._stamp._state == hoDocumentState::NotSigned);
+                EXPECT_TRUE(list[i]._verdict._state == hoDocumentState::NotTested ||
+                            list[i]._verdict._state == hoDocumentState::NotSigned);
             }
         });
 }

@@ -286,7 +286,7 @@ TEST_F(SessionBusWindowTest, WhoeverStartsWhileTheWindowClosesIsTheNextOne)
     _pFrame = nullptr;
     // It is not gone yet, and its event loop would take requests still.
     hoSessionBus later;
-    EXPECT_EQ(later.start({makeDocument("late")}, nullptr, nullptr), hoSessionBus::Outcome::FIRST);
+    EXPECT_EQ(later.start({makeDocument("late")}, nullptr, nullptr), hoSessionBus::Outcome::First);
     tsRunEvents();
 }
 

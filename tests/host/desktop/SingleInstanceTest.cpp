@@ -43,7 +43,7 @@ protected:
     // What a later start comes to.
     static Outcome startAnother(const Paths& paths)
     {
-        Outcome outcome = Outcome::NO_BUS;
+        Outcome outcome = Outcome::NoBus;
         std::atomic<bool> isDone{false};
         std::thread other(
             [&]
@@ -70,7 +70,7 @@ public:
     {
         std::promise<Outcome> outcome;
         _thread = std::thread([&] { run(outcome); });
-        EXPECT_EQ(outcome.get_future().get(), Outcome::FIRST);
+        EXPECT_EQ(outcome.get_future().get(), Outcome::First);
     }
     ~FirstStart() { end(); }
     FirstStart(const FirstStart&) = delete;
@@ -127,7 +127,7 @@ TEST_F(SingleInstance, OpensTheDocumentsOfLaterStarts)
     hoSingleInstance instance;
     EXPECT_FALSE(instance.handOver({"/mine"}, [&] { ++activations; }));
     EXPECT_TRUE(MainFrame::openedPaths().empty()) << "its own documents are the window's";
-    EXPECT_EQ(startAnother({"/a", "/b\xff \xc3\xa9"}), Outcome::HANDED_OVER);
+    EXPECT_EQ(startAnother({"/a", "/b\xff \xc3\xa9"}), Outcome::HandedOver);
     tsRunUntil("the documents are open", [] { return MainFrame::openedPaths().size() == 2; });
     EXPECT_EQ(MainFrame::openedPaths()[0].first, "/a");
     EXPECT_EQ(MainFrame::openedPaths()[1].first, "/b\xff \xc3\xa9");
@@ -139,7 +139,7 @@ TEST_F(SingleInstance, ComesToTheFrontForALaterStartWithoutDocuments)
     int activations = 0;
     hoSingleInstance instance;
     EXPECT_FALSE(instance.handOver({}, [&] { ++activations; }));
-    EXPECT_EQ(startAnother({}), Outcome::HANDED_OVER);
+    EXPECT_EQ(startAnother({}), Outcome::HandedOver);
     tsRunUntil("it is called to the front", [&] { return activations == 1; });
     EXPECT_TRUE(MainFrame::openedPaths().empty());
 }
@@ -159,7 +159,7 @@ TEST_F(SingleInstance, IsTheFirstNoLongerOnceItLeaves)
     hoSingleInstance instance;
     EXPECT_FALSE(instance.handOver({}, [] { FAIL() << "it has left"; }));
     instance.leave();
-    EXPECT_EQ(startAnother({"/a"}), Outcome::FIRST);
+    EXPECT_EQ(startAnother({"/a"}), Outcome::First);
     tsRunEvents();
     EXPECT_TRUE(MainFrame::openedPaths().empty());
 }

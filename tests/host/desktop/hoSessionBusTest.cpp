@@ -85,7 +85,7 @@ void meanwhile(const std::function<void()>& work)
 // What a later start with these paths comes to while the requests it makes are answered here.
 Outcome startAnother(const std::vector<gtString>& paths, Requests& requests)
 {
-    Outcome outcome = Outcome::FIRST;
+    Outcome outcome = Outcome::First;
     meanwhile(
         [&]
         {
@@ -125,7 +125,7 @@ TEST_F(SessionBusTest, TheFirstOneOwnsTheName)
 {
     Requests requests;
     hoSessionBus bus;
-    EXPECT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::FIRST);
+    EXPECT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::First);
     EXPECT_TRUE(requests.opened.empty());
     EXPECT_EQ(requests.activations, 0);
 }
@@ -134,7 +134,7 @@ TEST_F(SessionBusTest, AStrangersOpenBringsPathsWithTheirPercentSignsUndone)
 {
     Requests requests;
     hoSessionBus bus;
-    ASSERT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::FIRST);
+    ASSERT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::First);
     int status = -1;
     meanwhile(
         [&]
@@ -154,7 +154,7 @@ TEST_F(SessionBusTest, ActivateAndUnknownActionsBringTheWindowForward)
 {
     Requests requests;
     hoSessionBus bus;
-    ASSERT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::FIRST);
+    ASSERT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::First);
     int status = -1;
     meanwhile([&] { status = gdbusCall("Activate {}"); });
     EXPECT_EQ(status, 0);
@@ -169,12 +169,12 @@ TEST_F(SessionBusTest, ASecondStartHandsItsDocumentsOver)
 {
     Requests first;
     hoSessionBus bus;
-    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::First);
 
     const std::vector<gtString> paths = {"/with blank", "/100%",    "/\xC3\xA9", "/\xFF\xFE",
                                          "/new\nline",  "relative", "-v"};
     Requests second;
-    EXPECT_EQ(startAnother(paths, second), Outcome::HANDED_OVER);
+    EXPECT_EQ(startAnother(paths, second), Outcome::HandedOver);
     ASSERT_TRUE(runUntil([&] { return !first.opened.empty(); }));
     std::vector<gtString> expected = paths;
     char folder[4096];
@@ -189,9 +189,9 @@ TEST_F(SessionBusTest, ASecondStartWithoutDocumentsActivatesTheFirst)
 {
     Requests first;
     hoSessionBus bus;
-    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::First);
     Requests second;
-    EXPECT_EQ(startAnother({}, second), Outcome::HANDED_OVER);
+    EXPECT_EQ(startAnother({}, second), Outcome::HandedOver);
     EXPECT_TRUE(runUntil([&] { return first.activations == 1; }));
 }
 
@@ -200,19 +200,19 @@ TEST_F(SessionBusTest, TheNameIsFreeAgainAfterTheFirstOneHasEnded)
     Requests requests;
     {
         hoSessionBus bus;
-        ASSERT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::FIRST);
+        ASSERT_EQ(bus.start({}, requests.onOpen(), requests.onActivate()), Outcome::First);
     }
     hoSessionBus bus;
-    Outcome outcome = Outcome::NO_BUS;
+    Outcome outcome = Outcome::NoBus;
     meanwhile([&] { outcome = bus.start({}, requests.onOpen(), requests.onActivate()); });
-    EXPECT_EQ(outcome, Outcome::FIRST);
+    EXPECT_EQ(outcome, Outcome::First);
 }
 
 TEST_F(SessionBusTest, AHundredRequestsAtOnceAllArriveInTheirOrder)
 {
     Requests first;
     hoSessionBus bus;
-    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::First);
     std::vector<gtString> many;
     many.reserve(100);
     for (int i = 0; i < 100; ++i)
@@ -247,20 +247,20 @@ TEST_F(SessionBusTest, AnOwnerThatDoesNotAnswerIsNotWaitedForForever)
     // Owns the name and never looks at its messages.
     Requests first;
     hoSessionBus bus;
-    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::First);
     Requests second;
     hoSessionBus other;
-    EXPECT_EQ(other.start({"/a"}, second.onOpen(), second.onActivate()), Outcome::NO_BUS);
+    EXPECT_EQ(other.start({"/a"}, second.onOpen(), second.onActivate()), Outcome::NoBus);
 
     // What the other one opens itself is not opened a second time when the owner comes to it.
-    Outcome outcome = Outcome::NO_BUS;
+    Outcome outcome = Outcome::NoBus;
     meanwhile(
         [&]
         {
             hoSessionBus later;
             outcome = later.start({"/b"}, second.onOpen(), second.onActivate());
         });
-    EXPECT_EQ(outcome, Outcome::HANDED_OVER);
+    EXPECT_EQ(outcome, Outcome::HandedOver);
     ASSERT_TRUE(runUntil([&] { return !first.opened.empty(); }));
     EXPECT_EQ(first.opened, std::vector<std::vector<gtString>>{{"/b"}});
 }
@@ -269,19 +269,19 @@ TEST_F(SessionBusTest, WhoeverWaitsForAnOwnerThatLeavesIsTheNextOne)
 {
     Requests first;
     hoSessionBus bus;
-    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::First);
     while (g_main_context_iteration(nullptr, FALSE) != FALSE)
     {
     }
     Requests second;
     hoSessionBus other;
-    Outcome outcome = Outcome::NO_BUS;
+    Outcome outcome = Outcome::NoBus;
     std::thread waiting([&] { outcome = other.start({"/a"}, second.onOpen(), second.onActivate()); });
     // The request has come and is not dealt with.
     EXPECT_TRUE(waitUntil([] { return g_main_context_pending(nullptr) != FALSE; }));
     bus.leave();
     waiting.join();
-    EXPECT_EQ(outcome, Outcome::FIRST);
+    EXPECT_EQ(outcome, Outcome::First);
     while (g_main_context_iteration(nullptr, FALSE) != FALSE)
     {
     }
@@ -293,11 +293,11 @@ TEST_F(SessionBusTest, WhatNoMessageHoldsIsNotHandedOver)
 {
     Requests first;
     hoSessionBus bus;
-    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::FIRST);
+    ASSERT_EQ(bus.start({}, first.onOpen(), first.onActivate()), Outcome::First);
     // More than the bus allows in one list.
     const std::vector<gtString> paths(8000, "/" + std::string(3000, '%'));
     Requests second;
-    EXPECT_EQ(startAnother(paths, second), Outcome::NO_BUS);
+    EXPECT_EQ(startAnother(paths, second), Outcome::NoBus);
     EXPECT_TRUE(first.opened.empty());
     EXPECT_TRUE(second.opened.empty());
 }
@@ -307,9 +307,9 @@ TEST(NoSessionBusTest, WithoutABusTheApplicationIsAlone)
     setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
     Requests requests;
     hoSessionBus disabled;
-    EXPECT_EQ(disabled.start({"/a"}, requests.onOpen(), requests.onActivate()), Outcome::NO_BUS);
+    EXPECT_EQ(disabled.start({"/a"}, requests.onOpen(), requests.onActivate()), Outcome::NoBus);
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
     hoSessionBus missing;
-    EXPECT_EQ(missing.start({"/a"}, requests.onOpen(), requests.onActivate()), Outcome::NO_BUS);
+    EXPECT_EQ(missing.start({"/a"}, requests.onOpen(), requests.onActivate()), Outcome::NoBus);
     EXPECT_TRUE(requests.opened.empty());
 }

@@ -65,12 +65,12 @@ protected:
         EXPECT_TRUE(work.takeOutcomes().empty());
         for (const hoSigningOutcome& outcome : outcomes)
         {
-            _list.setStamp(outcome._path, outcome._stamp);
+            _list.setVerdict(outcome._path, outcome._verdict);
         }
         return outcomes;
     }
 
-    hoDocumentState state(std::size_t position) const { return _list[position]._stamp._state; }
+    hoDocumentState state(std::size_t position) const { return _list[position]._verdict._state; }
 
     static std::shared_ptr<const hoKey> mine;
     static std::shared_ptr<const hoKey> theirs;
@@ -124,7 +124,7 @@ TEST_F(DocumentWork, AGoodStateDoesNotOutliveItsBytes)
 {
     open("a", "some text");
     perform(Kind::Sign, {mine, nullptr});
-    const hoDocumentStamp good = _list[0]._stamp;
+    const hoDocumentVerdict good = _list[0]._verdict;
 
     // The same size and time, other bytes.
     struct stat before;
@@ -132,7 +132,7 @@ TEST_F(DocumentWork, AGoodStateDoesNotOutliveItsBytes)
     _folder.write("a", "same size");
     const struct timespec times[2] = {before.st_atim, before.st_mtim};
     ASSERT_EQ(utimensat(AT_FDCWD, _folder.path("a").c_str(), times, 0), 0);
-    _list.setStamp(_folder.path("a").c_str(), good);
+    _list.setVerdict(_folder.path("a").c_str(), good);
     EXPECT_EQ(state(0), hoDocumentState::Changed);
 
     // Nor that of the signature.

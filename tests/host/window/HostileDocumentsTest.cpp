@@ -60,9 +60,9 @@ protected:
         // Patience is for a thousand at a time.
         for (std::size_t next = 999; next < _pFrame->documents().size(); next += 1000)
         {
-            const hoDocumentState state = _pFrame->documents()[next]._stamp._state;
+            const hoDocumentState state = _pFrame->documents()[next]._verdict._state;
             tsRunUntil("a thousand more are done",
-                       [&] { return !_pFrame->isAtWork() || _pFrame->documents()[next]._stamp._state != state; });
+                       [&] { return !_pFrame->isAtWork() || _pFrame->documents()[next]._verdict._state != state; });
         }
         tsRunUntil("the work has ended", [this] { return !_pFrame->isAtWork(); });
         settle();
