@@ -3,6 +3,7 @@
 
 #include "assertionReporting/arAssertionReportText.h"
 #include "assertionReporting/arStackTrace.h"
+#include "platform/baseTools/gtNumberText.h"
 #include "platform/baseTools/gtString.h"
 #include "platform/osWrappers/osAtomicFile.h"
 #include "platform/osWrappers/osProcess.h"
@@ -79,7 +80,7 @@ void copyText(const wxString& text)
 
 wxString amountText(std::uint64_t amount, const char* one, const char* many)
 {
-    return gtNumberText(amount) + " " + (amount == 1 ? one : many);
+    return gtTextFromBytes(gtNumberText(amount)) + " " + (amount == 1 ? one : many);
 }
 }  // namespace
 
@@ -128,7 +129,7 @@ private:
         case COLUMN_PLACE:
             return gtDisplayText(nameOf(row._file)) + ":" + std::to_string(row._line);
         case COLUMN_COUNT:
-            return gtNumberText(row._count);
+            return gtTextFromBytes(gtNumberText(row._count));
         case COLUMN_FIRST:
             return gtTextFromBytes(arReportTime(row._firstSeconds));
         case COLUMN_LAST:
@@ -252,7 +253,7 @@ void arAssertionReportWindow::showRows()
         heading = amountText(failures, "failure", "failures") + " at " + amountText(_rows.size(), "place", "places");
         if (withoutRow > 0)
         {
-            heading += ", " + gtNumberText(withoutRow) + " of them elsewhere and not listed";
+            heading += ", " + gtTextFromBytes(gtNumberText(withoutRow)) + " of them elsewhere and not listed";
         }
         heading += ".";
     }

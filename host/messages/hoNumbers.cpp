@@ -1,21 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/messages/hoNumbers.h"
 
-#include <string>
+#include "platform/baseTools/gtNumberText.h"
 
-gtString hoNumberText(std::uint64_t number)
-{
-    std::string digits = std::to_string(number);
-    for (std::size_t end = digits.length(); end > 3; end -= 3)
-    {
-        digits.insert(end - 3, ",");
-    }
-    return digits;
-}
+#include <string>
 
 gtString hoAmountText(std::uint64_t amount, const char* pOne, const char* pMany)
 {
-    return hoNumberText(amount).append(' ').append(amount == 1 ? pOne : pMany);
+    return gtNumberText(amount).append(' ').append(amount == 1 ? pOne : pMany);
 }
 
 gtString hoExactSizeText(std::uint64_t bytes)

@@ -7,9 +7,6 @@
 
 #include <cstdint>
 
-// A number with its digits in groups of three: "12,345".
-gtString hoNumberText(std::uint64_t number);
-
 // "1 document", "2,000 documents".
 gtString hoAmountText(std::uint64_t amount, const char* pOne, const char* pMany);
 

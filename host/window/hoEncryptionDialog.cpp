@@ -8,6 +8,7 @@
 #include "host/window/hoDetailsDialog.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoSummary.h"
+#include "platform/baseTools/gtNumberText.h"
 #include "platform/baseTools/gtWipe.h"
 #include "platform/toolkit/gtTextConversion.h"
 #include "platform/toolkit/gtTextLayout.h"
@@ -195,7 +196,7 @@ void hoEncryptionDialog::showCount()
     }
     const int length = gtBytesFromText(_pPlain->GetValue()).length();
     const int most = hoLongestText(*encryptingKey());
-    wxString count = gtTextFromBytes(hoNumberText(static_cast<std::uint64_t>(length))) + " of " +
+    wxString count = gtTextFromBytes(gtNumberText(static_cast<std::uint64_t>(length))) + " of " +
                      gtTextFromBytes(hoExactSizeText(static_cast<std::uint64_t>(most)));
     if (length > most)
     {

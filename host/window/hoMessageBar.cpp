@@ -6,6 +6,7 @@
 #include "host/window/hoCommands.h"
 #include "host/window/hoDetailsDialog.h"
 #include "host/window/hoDisplayText.h"
+#include "platform/baseTools/gtNumberText.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/frame.h>
@@ -68,7 +69,7 @@ wxString hoMessageBar::refusalText() const
     }
     if (_refusals.size() > 1)
     {
-        return gtTextFromBytes(hoNumberText(_refusals.size())) + " documents could not be opened.";
+        return gtTextFromBytes(gtNumberText(_refusals.size())) + " documents could not be opened.";
     }
     const auto& [path, problem] = _refusals.front();
     return "Cannot open " + hoQuotedText(hoDisplayText(hoLastComponent(path), mostNameCharacters)) + ": " +
@@ -104,7 +105,7 @@ void hoMessageBar::showRefusals()
     }
     if (listed < _refusals.size())
     {
-        text += "and " + gtTextFromBytes(hoNumberText(_refusals.size() - listed)) + " more\n";
+        text += "and " + gtTextFromBytes(gtNumberText(_refusals.size() - listed)) + " more\n";
     }
     const wxString heading = gtTextFromBytes(
         hoAmountText(_refusals.size(), "document could not be opened:", "documents could not be opened:"));

@@ -4,6 +4,7 @@
 #include "host/messages/hoNumbers.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoSummary.h"
+#include "platform/baseTools/gtNumberText.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <algorithm>
@@ -48,8 +49,8 @@ void hoProgressDialog::showProgress()
 {
     const hoSigningJob::Progress progress = _work.progress();
     const wxString number =
-        gtTextFromBytes(hoNumberText(std::min(progress._documentsDone + 1, _work.amountOfDocuments())));
-    _pDocument->SetLabelText(number + " of " + gtTextFromBytes(hoNumberText(_work.amountOfDocuments())) + ": " +
+        gtTextFromBytes(gtNumberText(std::min(progress._documentsDone + 1, _work.amountOfDocuments())));
+    _pDocument->SetLabelText(number + " of " + gtTextFromBytes(gtNumberText(_work.amountOfDocuments())) + ": " +
                              hoDisplayText(hoLastComponent(progress._path), 80));
     const double part = progress._bytesInAll == 0
                             ? 0

@@ -4,6 +4,7 @@
 #include "host/messages/hoNumbers.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoSummary.h"
+#include "platform/baseTools/gtNumberText.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 namespace
@@ -47,7 +48,7 @@ void hoStatusBar::showDocuments(const hoDocumentList& documents, std::size_t amo
                gtTextFromBytes(hoSizeText(documents.totalSize()));
         if (amountSelected > 0)
         {
-            text += ", " + gtTextFromBytes(hoNumberText(amountSelected)) + " selected";
+            text += ", " + gtTextFromBytes(gtNumberText(amountSelected)) + " selected";
         }
     }
     SetStatusText(text, FIELD_DOCUMENTS);

@@ -4,6 +4,7 @@
 #include "host/messages/hoMessages.h"
 #include "host/messages/hoNumbers.h"
 #include "host/window/hoDisplayText.h"
+#include "platform/baseTools/gtNumberText.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 namespace
@@ -38,7 +39,7 @@ public:
     {
         if (amount > 0)
         {
-            _text += (_text.empty() ? wxString() : wxString(", ")) + gtTextFromBytes(hoNumberText(amount)) + " " + what;
+            _text += (_text.empty() ? wxString() : wxString(", ")) + gtTextFromBytes(gtNumberText(amount)) + " " + what;
         }
     }
     const wxString& text() const { return _text; }

@@ -61,14 +61,3 @@ wxString gtHarmlessText(const wxString& text, std::size_t mostCharacters)
     }
     return line;
 }
-
-wxString gtNumberText(std::uint64_t number)
-{
-    wxString digits;
-    digits << static_cast<wxULongLong_t>(number);
-    for (std::size_t end = digits.length(); end > 3; end -= 3)
-    {
-        digits.insert(end - 3, ",");
-    }
-    return digits;
-}

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Text and numbers as windows show them.
+// Text as windows show it.
 //
 // A name can hold anything but NUL: line breaks, terminal commands, marks that turn the direction of what follows,
 // bytes that are no text at all. Whatever of that reaches a window goes through here, so that one row stays one row and
@@ -13,7 +13,6 @@
 #include <wx/string.h>
 
 #include <cstddef>
-#include <cstdint>
 
 constexpr std::size_t gtMostCharactersShown = 300;
 
@@ -26,8 +25,5 @@ wxString gtDisplayText(const gtString& bytes, std::size_t mostCharacters = gtMos
 
 // The same of a text that is one already.
 wxString gtHarmlessText(const wxString& text, std::size_t mostCharacters = gtMostCharactersShown);
-
-// A number with its digits in groups of three: "12,345".
-wxString gtNumberText(std::uint64_t number);
 
 #endif

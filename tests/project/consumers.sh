@@ -169,6 +169,7 @@ platform/baseTools/gtAssert.h
 platform/baseTools/gtAssertionFailureHandlerRegistry.h
 platform/baseTools/gtCharacters.h
 platform/baseTools/gtIAssertionFailureHandler.h
+platform/baseTools/gtNumberText.h
 platform/baseTools/gtPtrVector.h
 platform/baseTools/gtString.h
 platform/baseTools/gtUtf8.h
