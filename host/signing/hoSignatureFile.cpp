@@ -67,7 +67,13 @@ hoSignatureFileResult hoCheckSignaturePath(const gtString& path, bool mayOverwri
     struct stat status = {};
     if (::stat(path.asCharArray(), &status) != 0)
     {
-        return errno == ENOENT ? hoSignatureFileResult() : cannotBeWritten(errno);
+        if (errno != ENOENT)
+        {
+            return cannotBeWritten(errno);
+        }
+        // A link to a file that does not exist has the name, too. Overwriting follows it.
+        const bool isLink = !mayOverwrite && ::lstat(path.asCharArray(), &status) == 0;
+        return isLink ? hoSignatureFileProblem::Exists : hoSignatureFileProblem::None;
     }
     if (!S_ISREG(status.st_mode))
     {

@@ -14,7 +14,7 @@ enum class hoSignatureFileProblem
     None,
     CannotBeRead,     // the system refused; also when reading failed on the way
     TooLarge,         // more than hoLargestSignatureFile bytes: no signature
-    Exists,           // a file of that name is there, and overwriting was not allowed
+    Exists,           // something has that name, a link to nowhere included, and overwriting was not allowed
     NotOurs,          // what is there is no signature of this program, and is not overwritten in any case
     NotRegular,       // what is there is a folder, a device or a pipe, which is not overwritten in any case
     CannotBeWritten,  // the system refused, or the disk is full

@@ -94,6 +94,8 @@ TEST_F(SignatureFile, IsNotOverwrittenWithoutLeave)
     EXPECT_EQ(_folder.names(), std::vector<std::string>{"a.sig"});
     // A link that leads nowhere is something, too.
     ASSERT_EQ(symlink("nowhere", (_folder / "link.sig").c_str()), 0);
+    EXPECT_EQ(hoCheckSignaturePath(path("link.sig"), false)._problem, hoSignatureFileProblem::Exists);
+    EXPECT_EQ(hoCheckSignaturePath(path("link.sig"), true)._problem, hoSignatureFileProblem::None);
     EXPECT_EQ(write("link.sig", newSignature, false), hoSignatureFileProblem::Exists);
     EXPECT_EQ(_folder.names(), (std::vector<std::string>{"a.sig", "link.sig"}));
 }
