@@ -61,7 +61,13 @@ class SecretBytes
 {
 public:
     explicit SecretBytes(std::size_t size) : _size(size), _pBytes(new (std::nothrow) char[size]) {}
-    ~SecretBytes() { gtWipe(_pBytes.get(), _size); }
+    ~SecretBytes()
+    {
+        if (_pBytes != nullptr)
+        {
+            OPENSSL_cleanse(_pBytes.get(), _size);
+        }
+    }
     SecretBytes(const SecretBytes&) = delete;
     SecretBytes& operator=(const SecretBytes&) = delete;
     char* bytes() { return _pBytes.get(); }

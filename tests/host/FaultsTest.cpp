@@ -12,12 +12,15 @@
 #include "host/documents/hoSettings.h"
 #include "host/keys/hoNewKeyPair.h"
 #include "host/signing/hoSigningJob.h"
+#include "host/signing/hoTextEncryption.h"
+#include "platform/baseTools/gtWipe.h"
 #include "tests/support/failingAllocation.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <memory>
 #include <set>
@@ -473,6 +476,61 @@ TEST_F(WindowEngineFaults, MissingMemoryLeavesTheReportAsItWas)
     EXPECT_GT(failEachAllocation([] {}, [&] { static_cast<void>(arAssertionReportLines(rows, 1)); },
                                  [](bool isThrown) { EXPECT_TRUE(isThrown); }),
               3);
+}
+
+// Memory that is given back holds no plain text, wherever the work on a short text has ended.
+TEST_F(WindowEngineFaults, MissingMemoryLeavesNoPlainTextBehind)
+{
+    static constexpr std::string_view secret = "the gate is open after midnight";
+    static int timesGivenBack;
+    struct Watch
+    {
+        Watch()
+        {
+            timesGivenBack = 0;
+            watchWhatIsGivenBack(
+                [](const void* pMemory, std::size_t size)
+                { timesGivenBack += ::memmem(pMemory, size, secret.data(), secret.size()) != nullptr ? 1 : 0; });
+        }
+        ~Watch() { watchWhatIsGivenBack(nullptr); }
+        Watch(const Watch&) = delete;
+        Watch& operator=(const Watch&) = delete;
+    };
+    gtString text(secret);
+    gtString cipherText;
+    ASSERT_TRUE(hoEncryptText(_key->publicKey(), text, cipherText).isOk());
+    {
+        const Watch watch;
+        hoTextResult result;
+        const auto check = [&](bool isThrown)
+        {
+            EXPECT_FALSE(isThrown);
+            EXPECT_EQ(result._problem, hoTextProblem::NoMemory);
+            EXPECT_EQ(timesGivenBack, 0);
+        };
+        EXPECT_GT(failEachAllocation([] {},
+                                     [&]
+                                     {
+                                         gtString encrypted;
+                                         result = hoEncryptText(_key->publicKey(), text, encrypted);
+                                     },
+                                     check),
+                  1);
+        EXPECT_GT(failEachAllocation([] {},
+                                     [&]
+                                     {
+                                         gtString decrypted;
+                                         result = hoDecryptText(_key->privateKey(), cipherText, decrypted);
+                                         gtWipe(decrypted);
+                                     },
+                                     check),
+                  2);
+        EXPECT_EQ(timesGivenBack, 0);
+        // What is not wiped is seen.
+        static_cast<void>(std::make_unique<std::string>(secret));
+        EXPECT_EQ(timesGivenBack, 1);
+    }
+    gtWipe(text);
 }
 
 TEST_F(WindowEngineFaults, LeaveNoMemoryBehind)
