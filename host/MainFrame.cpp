@@ -21,7 +21,7 @@
 
 namespace
 {
-const wxSize usualSize(900, 520);
+const wxSize usualClientSize(900, 450);
 const wxSize leastSize(520, 320);
 }  // namespace
 
@@ -91,7 +91,7 @@ void MainFrame::openFilePath(const gtString& path, bool isAskedFor)
 
 void MainFrame::makeWindow()
 {
-    Create(nullptr, wxID_ANY, "Countersign", wxDefaultPosition, usualSize);
+    Create(nullptr, wxID_ANY, "Countersign", wxDefaultPosition, usualClientSize);
     SetIcons(hoApplicationIcons());
     _pMenuBar = new hoMenuBar;
     SetMenuBar(_pMenuBar);
@@ -122,7 +122,7 @@ void MainFrame::makeWindow()
     pTop->Add(_pView, wxSizerFlags(1).Expand());
     SetSizer(pTop);
     SetMinSize(FromDIP(leastSize));
-    _memory.restorePlace(*this, FromDIP(usualSize));
+    _memory.restorePlace(*this, FromDIP(usualClientSize));
     _pView->SetFocus();
 }
 

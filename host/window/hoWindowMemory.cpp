@@ -98,21 +98,26 @@ std::vector<int> hoWindowMemory::columnWidths() const
     return widths;
 }
 
-void hoWindowMemory::restorePlace(wxFrame& frame, const wxSize& usualSize) const
+void hoWindowMemory::restorePlace(wxFrame& frame, const wxSize& usualClientSize) const
 {
     const wxSize made = frame.GetSize();
     PlaceReader reader(_settings);
     if (!frame.RestoreToGeometry(reader))
     {
-        frame.SetSize(usualSize);
+        frame.SetClientSize(usualClientSize);
+        return;
     }
-    else if (frame.GetSize() == made)
+    if (frame.GetSize() == made)
     {
         // The size that a window is made with leaves no room for its borders, and the toolkit does nothing when the
         // same size is set again.
         frame.SetSize(made + wxSize(1, 1));
         frame.SetSize(made);
     }
+    // While the borders are unknown, the toolkit asks the window manager for them before it shows a window whose outer
+    // size is set. It makes the native window two pixels wide for that, too narrow for the menu bar. A window whose
+    // client size is set is shown at once.
+    frame.SetClientSize(frame.GetClientSize());
 }
 
 void hoWindowMemory::save(const wxFrame& frame, const std::vector<int>& columnWidths)

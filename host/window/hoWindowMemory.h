@@ -27,8 +27,9 @@ public:
     // Of the columns from the first on; 0 where nothing sensible is remembered.
     std::vector<int> columnWidths() const;
 
-    // Gives the frame, which must have its least size already, its place of the last run; or this size.
-    void restorePlace(wxFrame& frame, const wxSize& usualSize) const;
+    // Gives the frame, which must have its least size already, its place of the last run; or this size without its
+    // borders and bars.
+    void restorePlace(wxFrame& frame, const wxSize& usualClientSize) const;
 
     // No widths: those that are remembered stay.
     void save(const wxFrame& frame, const std::vector<int>& columnWidths);

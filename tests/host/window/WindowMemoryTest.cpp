@@ -77,5 +77,5 @@ TEST_F(WindowMemory, TakesTheUsualSizeInTheFirstRun)
     hoWindowMemory memory(onProblem());
     memory.load();
     memory.restorePlace(*_pFrame, wxSize(640, 350));
-    EXPECT_EQ(_pFrame->GetSize(), wxSize(640, 350));
+    EXPECT_EQ(_pFrame->GetClientSize(), wxSize(640, 350));
 }
