@@ -7,7 +7,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "cli/clPrintableName.h"
+#include "cli/clSplitArguments.h"
 #include "countersignVersion.h"
 
 namespace
@@ -38,7 +38,7 @@ const char* const mainFooter = R"(Examples:
   countersign sign --key private.pem report.pdf        writes report.pdf.sig
   countersign test --key public.pem report.pdf         tells whether report.pdf is still the same
   countersign encrypt --key public.pem "at noon"       prints the cipher text
-  countersign sign --help                              tells the options of a command
+  countersign help sign                                tells the options of a command
 
 Make a pair of keys:
   openssl genrsa -out private.pem 2048
@@ -117,8 +117,11 @@ private:
                          const std::string& footer, const std::string& keyDescription);
     void addFiles(CLI::App* pCommand, const std::string& description);
     void addText(CLI::App* pCommand, const std::string& description);
+    static clCommandShape shapeOf(const CLI::App& app, const std::string& name);
+    std::vector<clCommandShape> shapes() const;
+    clArguments textFor(const clSplitArguments& arguments) const;
     void checkWhatParserCannot(clArguments& result) const;
-    gtString wrongUse(const gtString& what) const;
+    static clArguments wrongUse(const gtString& what, const gtString& command);
 
     CLI::App _app{"Signs and tests files, and encrypts short texts, with RSA keys from PEM files.", "countersign"};
     std::vector<std::pair<clCommand, CLI::App*>> _commands;
@@ -149,8 +152,8 @@ Parser::Parser()
     pSign->add_flag("-d,--digest-only", _isDigestOnly, "Write the digest's line alone, without a countersignature");
     addFiles(pSign, "The files to sign");
 
-    CLI::App* pTest = addCommand(clCommand::Test, "test", "Test files against FILE.sig beside each FILE", testFooter,
-                                 "The public key, a PEM file (of a private key the public half is taken)");
+    CLI::App* pTest = addCommand(clCommand::Test, "test", "Test files against FILE.sig beside each FILE (also: verify)",
+                                 testFooter, "The public key, a PEM file (of a private key the public half is taken)");
     _pSignature = pTest->add_option("-s,--signature", _values._signaturePath,
                                     "Where the signature of a single FILE is instead; - for standard input");
     _pSignature->type_name("PATH");
@@ -196,40 +199,96 @@ void Parser::addText(CLI::App* pCommand, const std::string& description)
     _texts.push_back(pCommand->add_option("TEXT", _values._plainText, description)->type_name(""));
 }
 
+clCommandShape Parser::shapeOf(const CLI::App& app, const std::string& name)
+{
+    clCommandShape shape;
+    shape._name = name;
+    for (const CLI::Option* pOption : app.get_options())
+    {
+        const bool isMany = pOption->get_items_expected_max() > 1;
+        if (pOption->get_positional())
+        {
+            shape._operandName = pOption->get_name(true);
+            shape._isOperandRequired = pOption->get_required();
+            shape._areOperandsMany = isMany;
+            continue;
+        }
+        clOptionShape option;
+        option._long = gtString("--").append(pOption->get_lnames().front());
+        option._short = pOption->get_snames().empty() ? "" : gtString("-").append(pOption->get_snames().front());
+        option._valueName = pOption->get_items_expected_max() > 0 ? pOption->get_type_name() : "";
+        option._isRequired = pOption->get_required();
+        option._isRepeatable = isMany;
+        shape._options.push_back(option);
+    }
+    return shape;
+}
+
+std::vector<clCommandShape> Parser::shapes() const
+{
+    std::vector<clCommandShape> result = {shapeOf(_app, "")};
+    for (const auto& [command, pCommand] : _commands)
+    {
+        result.push_back(shapeOf(*pCommand, pCommand->get_name()));
+    }
+    return result;
+}
+
+clArguments Parser::textFor(const clSplitArguments& arguments) const
+{
+    clArguments result;
+    result._command = clCommand::ShowText;
+    if (arguments._isVersionWanted)
+    {
+        result._text = gtString(_app.version()).append('\n');
+        return result;
+    }
+    const CLI::App* const pApp =
+        arguments._command.isEmpty() ? &_app : _app.get_subcommand(arguments._command.asStdString());
+    result._text = pApp->help();
+    return result;
+}
+
 clArguments Parser::parse(const std::vector<gtString>& arguments)
 {
-    // The parser takes the last argument first.
-    std::vector<std::string> backwards;
-    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
+    const clSplitArguments split = clSplit(arguments, shapes());
+    if (arguments.empty())
     {
-        backwards.push_back(marked(*argument));
+        clArguments result;
+        result._text = gtString("countersign: ").append(split._wrong).append("\n\n").append(_app.help());
+        return result;
+    }
+    if (!split._wrong.isEmpty())
+    {
+        return wrongUse(split._wrong, split._command);
+    }
+    if (split._isHelpWanted || split._isVersionWanted)
+    {
+        return textFor(split);
+    }
+    std::vector<std::string> toParse = {split._command.asStdString()};
+    for (const clSplitOption& option : split._options)
+    {
+        toParse.push_back(option._name.asStdString());
+        if (!option._value.isEmpty())
+        {
+            toParse.back().append("=").append(marked(option._value));
+        }
+    }
+    toParse.emplace_back("--");
+    for (const gtString& operand : split._operands)
+    {
+        toParse.push_back(marked(operand));
     }
     try
     {
-        _app.parse(std::move(backwards));
+        // The parser takes the last argument first.
+        std::reverse(toParse.begin(), toParse.end());
+        _app.parse(std::move(toParse));
     }
-    catch (const CLI::CallForHelp&)
+    catch (const CLI::Error&)
     {
-        clArguments result;
-        result._command = clCommand::ShowText;
-        result._text = _app.help();
-        return result;
-    }
-    catch (const CLI::CallForVersion& version)
-    {
-        clArguments result;
-        result._command = clCommand::ShowText;
-        result._text = gtString(version.what()).append('\n');
-        return result;
-    }
-    catch (const CLI::Error& error)
-    {
-        clArguments result;
-        const bool isUnknown = _app.get_subcommands().empty() && !arguments.empty();
-        result._text =
-            wrongUse(isUnknown ? gtString("there is no command or option ").append(clPrintableName(arguments.front()))
-                               : clPrintableName(error.what()));
-        return result;
+        return wrongUse("these arguments do not go together", split._command);
     }
 
     clArguments result;
@@ -271,29 +330,22 @@ void Parser::checkWhatParserCannot(clArguments& result) const
                                .append(" files; ");
     if (result._hasOutput && result._outputPath != "-")
     {
-        result._text =
-            wrongUse(gtString("--output").append(files).append("sign them one by one, or leave --output out"));
-        result._command = clCommand::WrongUse;
+        result =
+            wrongUse(gtString("--output").append(files).append("sign them one by one, or leave --output out"), "sign");
     }
     else if (result._hasSignature)
     {
-        result._text =
-            wrongUse(gtString("--signature").append(files).append("test them one by one, or leave --signature out"));
-        result._command = clCommand::WrongUse;
+        result = wrongUse(
+            gtString("--signature").append(files).append("test them one by one, or leave --signature out"), "test");
     }
 }
 
-gtString Parser::wrongUse(const gtString& what) const
+clArguments Parser::wrongUse(const gtString& what, const gtString& command)
 {
-    gtString text = gtString("countersign: ").append(what).append("\nSee countersign");
-    for (const auto& [command, pCommand] : _commands)
-    {
-        if (pCommand->parsed())
-        {
-            text.append(' ').append(pCommand->get_name());
-        }
-    }
-    return text.append(" --help\n");
+    clArguments result;
+    result._text = gtString("countersign: ").append(what).append("\nSee countersign ");
+    result._text.append(command).append(command.isEmpty() ? "" : " ").append("--help\n");
+    return result;
 }
 
 }  // namespace

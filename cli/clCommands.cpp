@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "cli/clAdvice.h"
+#include "cli/clInputs.h"
 #include "cli/clInterrupt.h"
 #include "cli/clPrintableName.h"
 #include "cli/clProgressLine.h"
@@ -15,6 +16,7 @@
 #include "cli/clTerminal.h"
 #include "host/messages/hoMessages.h"
 #include "platform/baseTools/gtWipe.h"
+#include "platform/osWrappers/osAtomicFile.h"
 #include "platform/osWrappers/osWriteAll.h"
 
 namespace
@@ -117,21 +119,39 @@ int performOnFiles(const clArguments& arguments, Work work)
     return status;
 }
 
-int signFile(const clArguments& arguments, const gtString& file, const hoKey& key)
+void complainOfSignatureFile(const gtString& name, const hoSignatureFileResult& facts)
+{
+    complain(name, hoSignatureFileReason(facts), clSignatureFileAdvice(facts));
+}
+
+// Whether a signature may be written to the path, as far as can be told before the document is read.
+bool isFreeTarget(const clArguments& arguments, const clInputs& inputs, const gtString& path)
+{
+    const gtString name = clPrintableName(path);
+    const gtString input = inputs.inputAt(path);
+    if (!input.isEmpty())
+    {
+        complain(name, gtString("it is ").append(input).append(", which is never overwritten"),
+                 "; --output puts the signature elsewhere");
+        return false;
+    }
+    const hoSignatureFileResult signatureFile = hoCheckSignaturePath(path, arguments._isForced);
+    if (!signatureFile.isOk())
+    {
+        complainOfSignatureFile(name, signatureFile);
+    }
+    return signatureFile.isOk();
+}
+
+int signFile(const clArguments& arguments, const clInputs& inputs, const gtString& file, const hoKey& key)
 {
     const gtString name = clPrintableName(file);
     const bool isForOutput = arguments._hasOutput && arguments._outputPath == standardStream;
     const gtString path = arguments._hasOutput ? arguments._outputPath : hoSignaturePath(file);
     const gtString signatureName = clPrintableName(path);
-    hoSignatureFileResult signatureFile;
-    if (!isForOutput)
+    if (!isForOutput && !isFreeTarget(arguments, inputs, path))
     {
-        signatureFile = hoCheckSignaturePath(path, arguments._isForced);
-        if (!signatureFile.isOk())
-        {
-            complain(signatureName, hoSignatureFileReason(signatureFile), clSignatureFileAdvice(signatureFile));
-            return clStatusNotChecked;
-        }
+        return clStatusNotChecked;
     }
     gtString signature;
     hoSigningFacts facts;
@@ -150,14 +170,31 @@ int signFile(const clArguments& arguments, const gtString& file, const hoKey& ke
         clWriteOutput(signature);
         return clStatusGood;
     }
-    signatureFile = hoWriteSignatureFile(path, signature, arguments._isForced);
+    // Reading may have taken long enough for something to be put there.
+    if (!isFreeTarget(arguments, inputs, path))
+    {
+        return clStatusNotChecked;
+    }
+    const bool isReadOnly = osIsReadOnly(path);
+    const hoSignatureFileResult signatureFile = hoWriteSignatureFile(path, signature, arguments._isForced);
     if (!signatureFile.isOk())
     {
-        complain(signatureName, hoSignatureFileReason(signatureFile), clSignatureFileAdvice(signatureFile));
+        complainOfSignatureFile(signatureName, signatureFile);
         return clStatusNotChecked;
+    }
+    if (isReadOnly)
+    {
+        complain(gtString("warning: ").append(signatureName), "a read-only signature was replaced");
     }
     clWriteOutput(gtString(name).append(": signed, ").append(signatureName).append('\n'));
     return clStatusGood;
+}
+
+int signFiles(const clArguments& arguments)
+{
+    const clInputs inputs(arguments._files, arguments._keyPath);
+    return performOnFiles(arguments, [&](const gtString& file, const hoKey& key)
+                          { return signFile(arguments, inputs, file, key); });
 }
 
 // Where the signature of the file is.
@@ -391,7 +428,7 @@ int perform(const clArguments& arguments)
         clWriteOutput(arguments._text);
         return clStatusGood;
     case clCommand::Sign:
-        return on(signFile);
+        return signFiles(arguments);
     case clCommand::Test:
         return on(testFile);
     case clCommand::Digest:

@@ -20,6 +20,7 @@ namespace
 constexpr int attemptsAtAName = 1000;
 // As many as the system follows.
 constexpr int mostLinks = 40;
+constexpr unsigned int ownersAlone = 0600;
 
 std::string folderOf(const std::string& path)
 {
@@ -55,10 +56,26 @@ std::string followLinks(const std::string& path)
     return end;
 }
 
+// Gives the new file what the one that it replaces has. Owners are given by root alone; the set-id bits are for programs.
+void copyOwnerAndRights(int descriptor, const struct stat& status)
+{
+    mode_t rights = status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
+    if (::fchown(descriptor, static_cast<uid_t>(-1), status.st_gid) != 0)
+    {
+        rights &= ~static_cast<mode_t>(S_IRWXG) | ((rights & S_IRWXO) << 3);
+    }
+    // Still the user's own file, which can be written, if this fails.
+    static_cast<void>(::fchmod(descriptor, rights));
+    if (::fchown(descriptor, status.st_uid, static_cast<gid_t>(-1)) != 0)
+    {
+        // The user's own then.
+    }
+}
+
 // A new, empty file with a name of its own in the folder; -1 when the system refuses.
 int createBeside(const std::string& folder, unsigned int rights, std::string& path)
 {
-    const mode_t rightsAtFirst = rights == 0 ? 0666 : 0600;
+    const mode_t rightsAtFirst = rights == 0 ? 0666 : ownersAlone;
     for (int attempt = 0; attempt < attemptsAtAName; ++attempt)
     {
         // Its own number keeps processes apart, counting keeps the threads and the leftovers apart.
@@ -156,7 +173,8 @@ osWritingResult osWriteFileAtomically(const gtString& path, std::string_view byt
         return refusal(EINVAL);
     }
     struct stat status = {};
-    if (::stat(path.asCharArray(), &status) != 0)
+    const bool isReplaced = ::stat(path.asCharArray(), &status) == 0;
+    if (!isReplaced)
     {
         if (errno != ENOENT)
         {
@@ -179,10 +197,14 @@ osWritingResult osWriteFileAtomically(const gtString& path, std::string_view byt
     // Whatever takes memory comes before there is a file to clean up.
     const std::string folder = folderOf(wanted);
     std::string newPath;
-    const int descriptor = createBeside(folder, rights, newPath);
+    const int descriptor = createBeside(folder, isReplaced ? ownersAlone : rights, newPath);
     if (descriptor < 0)
     {
         return refusal(errno);
+    }
+    if (rights == 0 && isReplaced)
+    {
+        copyOwnerAndRights(descriptor, status);
     }
     int error = (rights != 0 && ::fchmod(descriptor, rights) != 0) ? errno : osWriteAll(descriptor, bytes);
     if (error == 0 && ::fsync(descriptor) != 0)
@@ -213,4 +235,15 @@ osWritingResult osWriteFileAtomically(const gtString& path, std::string_view byt
     }
     bringFolderToDisk(folder);
     return osWritingResult();
+}
+
+bool osIsReadOnly(const gtString& path)
+{
+    struct stat status = {};
+    if (path.asStringView().find('\0') != std::string_view::npos || ::stat(path.asCharArray(), &status) != 0)
+    {
+        return false;
+    }
+    // Root may write to every file, and is to be told nevertheless.
+    return (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0 || ::access(path.asCharArray(), W_OK) != 0;
 }

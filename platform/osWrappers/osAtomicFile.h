@@ -33,10 +33,15 @@ using osWritingResult = osResult<osWritingProblem>;
 // Two that write at the same time without mayOverwrite do not overwrite each other, on any file system: the name is
 // given by a hard link, or where there are none by a renaming that replaces nothing, or where there is neither, by
 // taking the name with an empty file first. That last way is the only one on which others may see an empty file for a
-// moment. rights: the file's, whatever the umask is; 0: as the umask gives them. Nobody else can open the file before
-// it has them.
+// moment. rights: the file's, whatever the umask is; 0: those of the file that is replaced, with its owner and group
+// where the system lets them be given, or as the umask gives them where there is none. A group that cannot be kept has
+// no more rights than all others. Nobody else can open the file before it has its rights.
 osWritingResult osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite,
                                       unsigned int rights = 0);
+
+// Whether something has that name, links followed, that nobody may write to, or not the user of this process. Such a
+// file can be replaced all the same by whoever may write to its folder.
+bool osIsReadOnly(const gtString& path);
 
 #pragma GCC visibility pop
 

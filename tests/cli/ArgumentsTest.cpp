@@ -98,6 +98,78 @@ TEST(Arguments, ThatAreWrongAreToldAbout)
     EXPECT_NE(clParseArguments({"bogus\n"})._text.asStringView().find("bogus\\n"), std::string_view::npos);
 }
 
+TEST(Arguments, ThatAreWrongAreNamed)
+{
+    const std::pair<std::vector<gtString>, const char*> cases[] = {
+        {{"--key", "public.pem", "test", "f"}, "--key stands before the command; write: countersign test --key"},
+        {{"-k"}, "-k stands before the command; write: countersign COMMAND -k"},
+        {{"tset"}, "there is no command tset; did you mean test?"},
+        {{"sgin", "-k", "k"}, "there is no command sgin; did you mean sign?"},
+        {{"bogus"}, "there is no command bogus\n"},
+        {{"help", "sing"}, "there is no command sing; did you mean sign?"},
+        {{"--hlep"}, "there is no option --hlep; did you mean --help?"},
+        {{"-1"}, "there is no option -1\n"},
+        {{"test", "--ke"}, "there is no option --ke; did you mean --key?"},
+        {{"sign", "--bogus"}, "there is no option --bogus; put -- in front of a FILE that begins with a dash"},
+        {{"sign", "--ouptut=s"}, "there is no option --ouptut; did you mean --output?"},
+        {{"sign", "-key", "k", "f"}, "there is no option -key; did you mean --key?"},
+        {{"sign", "-k", "k", "-1"}, "there is no option -1; put -- in front of a FILE"},
+        {{"sign", "-k", "k", "-0"}, "there is no option -0; put -- in front of a FILE"},
+        {{"sign", "-fx", "-k", "k"}, "there is no option -x (in -fx); put --"},
+        {{"sign", "-\xC3\xA4"}, "there is no option -\xC3\xA4; put --"},
+        {{"sign", "--\xE2\x80\xAEgnp"}, "there is no option --\\xe2\\x80\\xaegnp; put --"},
+        {{"sign", "-k", "k", "--signature", "s", "f"}, "--signature is an option of test, not of sign"},
+        {{"sign", "--version"}, "--version is an option of countersign, not of sign"},
+        {{"sign", "--force=2"}, "--force takes no value, but it has one: --force=2"},
+        {{"sign", "--force="}, "--force takes no value"},
+        {{"sign", "f", "--key"}, "--key needs a value (PEM), and nothing follows it"},
+        {{"sign", "-o", "--force"},
+         "-o needs a value (PATH), and --force follows it; a value that begins with a dash "
+         "is written --output=-value"},
+        {{"sign", "-k", "", "f"}, "the value of -k is empty; it needs a PEM"},
+        {{"sign", "-k", "k", "-kl", "f"}, "-k is given twice"},
+        {{"sign", "f"}, "--key PEM is missing"},
+        {{"sign", "--key=k"}, "no FILE is named"},
+        {{"key", "--key=k", "ex\ntra"}, "one argument too many: ex\\ntra"},
+        {{"encrypt", "--key=k", "two", "texts"}, "one argument too many: texts"},
+    };
+    for (const auto& [arguments, pWords] : cases)
+    {
+        const clArguments result = clParseArguments(arguments);
+        EXPECT_EQ(result._command, clCommand::WrongUse);
+        const std::string text = result._text.asStdString();
+        EXPECT_EQ(text.find("countersign: " + std::string(pWords)), 0U) << text;
+        EXPECT_NE(text.find("\nSee countersign "), std::string::npos) << text;
+    }
+    EXPECT_NE(clParseArguments({"sign"})._text.asStringView().find("See countersign sign --help\n"),
+              std::string_view::npos);
+}
+
+TEST(Arguments, TakeValuesInEverySpelling)
+{
+    for (const std::vector<gtString>& spelling :
+         {std::vector<gtString>{"--key", "k"}, {"--key=k"}, {"-k", "k"}, {"-kk"}, {"-fkk"}, {"-fdk", "k"}})
+    {
+        std::vector<gtString> arguments = {"sign"};
+        arguments.insert(arguments.end(), spelling.begin(), spelling.end());
+        arguments.insert(arguments.end(), {"-", "f"});
+        const clArguments result = clParseArguments(arguments);
+        EXPECT_EQ(result._command, clCommand::Sign) << result._text;
+        EXPECT_EQ(result._keyPath, "k");
+        EXPECT_EQ(result._files, (std::vector<gtString>{"-", "f"}));
+        EXPECT_EQ(result._isForced, spelling.front()[1] == 'f');
+    }
+    EXPECT_EQ(clParseArguments({"sign", "-k=", "f"})._keyPath, "=");
+    EXPECT_EQ(clParseArguments({"sign", "--key==k", "f"})._keyPath, "=k");
+    EXPECT_EQ(clParseArguments({"sign", "--key=[a,b]", "f"})._keyPath, "[a,b]");
+    EXPECT_EQ(clParseArguments({"sign", "--key=k\x1f", "f"})._keyPath, "k\x1f");
+    EXPECT_TRUE(clParseArguments({"sign", "-k", "k", "-f", "--force", "-ff", "f"})._isForced);
+    EXPECT_EQ(clParseArguments({"sign", "-k", "k", "f", "--", "--", "-f"})._files,
+              (std::vector<gtString>{"f", "--", "-f"}));
+    EXPECT_EQ(clParseArguments({"sign", "-k", "k", "test", "sign"})._files, (std::vector<gtString>{"test", "sign"}));
+    EXPECT_EQ(clParseArguments({"verify", "-k", "k", "f"})._command, clCommand::Test);
+}
+
 TEST(Arguments, AskForTexts)
 {
     for (const char* pCommand : {"sign", "test", "encrypt", "decrypt", "key", "digest"})
@@ -111,6 +183,13 @@ TEST(Arguments, AskForTexts)
                 << pCommand;
         }
     }
+    const gtString signHelp = clParseArguments({"sign", "--help"})._text;
+    EXPECT_EQ(clParseArguments({"help", "sign"})._text, signHelp);
+    EXPECT_EQ(clParseArguments({"sign", "-fh", "--bogus"})._text, signHelp);
+    EXPECT_EQ(clParseArguments({"help", "verify"})._text, clParseArguments({"test", "-h"})._text);
+    EXPECT_EQ(clParseArguments({"help"})._text, clParseArguments({"--help"})._text);
+    EXPECT_EQ(clParseArguments({"help", "--help"})._text, clParseArguments({"--help"})._text);
+    EXPECT_EQ(clParseArguments({"sign", "-k", "k", "--", "--help"})._command, clCommand::Sign);
     EXPECT_EQ(clParseArguments({"--help"})._command, clCommand::ShowText);
     EXPECT_EQ(clParseArguments({"--version"})._command, clCommand::ShowText);
     EXPECT_EQ(clParseArguments({"--version"})._text.asStringView().substr(0, 12), "countersign ");

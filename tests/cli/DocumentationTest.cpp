@@ -161,7 +161,10 @@ TEST(Documentation, CompletionOffersTheSameOptions)
 {
     Options first = optionsOfHelp({});
     first.insert(commands.begin(), commands.end());
+    first.insert({"help", "verify"});
     EXPECT_EQ(completions({""}), first);
+    EXPECT_EQ(completions({"help", "si"}), Options{"sign"});
+    EXPECT_EQ(completions({"verify", "-"}), optionsOfHelp({"test"}));
     for (const std::string& command : commands)
     {
         EXPECT_EQ(completions({command, "-"}), optionsOfHelp({command})) << command;

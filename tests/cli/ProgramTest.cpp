@@ -14,6 +14,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Program.h"
 #include "cliTestSupport.h"
 #include "tests/support/tsProcess.h"
 
@@ -26,51 +27,6 @@ namespace
 
 // By its form one of a key of 1024 bits.
 const std::string oldSignature = "00000078" + std::string(256, '0') + "\n";
-
-class Program : public ::testing::Test
-{
-protected:
-    void SetUp() override { makeKeys(_folder, 1024); }
-
-    tsCommand command(const std::vector<std::string>& arguments) const
-    {
-        tsCommand result;
-        result._arguments = {COUNTERSIGN_PROGRAM};
-        result._arguments.insert(result._arguments.end(), arguments.begin(), arguments.end());
-        result._folder = _folder.path();
-        return result;
-    }
-
-    tsOutcome run(const std::vector<std::string>& arguments, const std::string& input = "") const
-    {
-        tsCommand toRun = command(arguments);
-        toRun._input = input;
-        return tsRun(toRun);
-    }
-
-    // Runs it with good result and nothing to say.
-    std::string outputOf(const std::vector<std::string>& arguments, const std::string& input = "") const
-    {
-        const tsOutcome outcome = run(arguments, input);
-        EXPECT_EQ(outcome._exitStatus, 0) << outcome._errors;
-        EXPECT_EQ(outcome._errors, "");
-        return outcome._output;
-    }
-
-    // It says that it failed, in words that hold these, and prints nothing else.
-    static void expectFailure(const tsOutcome& outcome, const std::vector<std::string>& words, int status = 2)
-    {
-        EXPECT_EQ(outcome._exitStatus, status);
-        EXPECT_THAT(outcome._errors, StartsWith("countersign: "));
-        EXPECT_THAT(outcome._errors, EndsWith("\n"));
-        for (const std::string& word : words)
-        {
-            EXPECT_THAT(outcome._errors, HasSubstr(word));
-        }
-    }
-
-    TemporaryFolder _folder;
-};
 
 // Names of which some are hard to take.
 const std::vector<std::string> names = {"plain",    "with blanks", "two\nlines", "tab\t",     "-dash", "--key",
@@ -89,6 +45,7 @@ TEST_F(Program, SignsAndTests)
     EXPECT_THAT(signature.substr(265), ::testing::MatchesRegex("countersignature: rsa-pss-sha256 [0-9a-f]+ [^ ]+\n"));
     EXPECT_EQ(outputOf({"test", "--key", "public.pem", "report"}), "report: good\n");
     EXPECT_EQ(outputOf({"test", "--key", "private.pem", "report"}), "report: good\n");
+    EXPECT_EQ(outputOf({"verify", "--key", "public.pem", "report"}), "report: good\n");
     EXPECT_EQ(_folder.names(), (std::vector<std::string>{"private.pem", "public.pem", "report", "report.sig"}));
 
     _folder.write("report", "Contents");
@@ -686,6 +643,13 @@ TEST_F(Program, TellsWrongUse)
 
 TEST_F(Program, TellsItsVersionAndHelp)
 {
+    const std::string help = outputOf({"help"});
+    EXPECT_EQ(outputOf({"--help"}), help);
+    EXPECT_EQ(outputOf({"help", "sign"}), outputOf({"sign", "--help"}));
+    // Whoever names no command learns of them, and a script that expands to nothing has not succeeded.
+    const tsOutcome outcome = run({});
+    expectFailure(outcome, {"there is no command", help});
+    EXPECT_EQ(outcome._output, "");
     EXPECT_THAT(outputOf({"--version"}), ::testing::MatchesRegex("countersign [0-9]+\\.[0-9]+\\.[0-9]+\n"));
     EXPECT_THAT(outputOf({"--help"}), HasSubstr("Examples:"));
     EXPECT_THAT(outputOf({"--help"}), HasSubstr("RSASSA-PSS with SHA-256"));

@@ -120,3 +120,31 @@ TEST(WholeFile, ReplacesNothingButFiles)
     EXPECT_TRUE(std::filesystem::is_fifo(folder.path("pipe")));
     EXPECT_EQ(amountOfFiles(folder), 1);
 }
+
+TEST(WholeFile, KeepsModeAndOwnerOfWhatItReplaces)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("a", "old");
+    ASSERT_EQ(::chmod(path.c_str(), 0444), 0);
+    const bool isRoot = ::geteuid() == 0;
+    ASSERT_TRUE(!isRoot || ::chown(path.c_str(), 1234, 2345) == 0);
+    EXPECT_EQ(osWriteFileAtomically(path, "new", true)._problem, osWritingProblem::None);
+    struct stat status = {};
+    ASSERT_EQ(::stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0444U);
+    EXPECT_TRUE(!isRoot || (status.st_uid == 1234 && status.st_gid == 2345));
+    EXPECT_EQ(osWriteFileAtomically(path, "new", true, 0640)._problem, osWritingProblem::None);
+    ASSERT_EQ(::stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0640U);
+}
+
+TEST(WholeFile, TellsWhatIsReadOnly)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("a", "old");
+    EXPECT_FALSE(osIsReadOnly(path));
+    ASSERT_EQ(::chmod(path.c_str(), 0444), 0);
+    EXPECT_TRUE(osIsReadOnly(path));
+    EXPECT_FALSE(osIsReadOnly(folder.path("missing")));
+    EXPECT_FALSE(osIsReadOnly(gtString("a\0b", 3)));
+}
