@@ -113,7 +113,7 @@ public:
     std::unique_ptr<const hoKey> publicHalf() const;
 
 private:
-    friend class hoKeyFileReader;
+    friend class hoKeyMaker;
 
     int _bits = 0;
     std::shared_ptr<const crRSAEncryptionKey> _pPublicKey;

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/keys/hoNewKeyPair.h"
 
-#include <openssl/bio.h>
-#include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/rsa.h>
 
 #include <cerrno>
 #include <new>
 #include <utility>
+
+#include "host/keys/hoLibcryptoObjects.h"
 
 namespace
 {
@@ -18,16 +18,9 @@ int goesOn(EVP_PKEY_CTX* pContext)
     return *pIsCancelled ? 0 : 1;
 }
 
-struct BioDeleter
+hoBio secureMemory()
 {
-    // Memory of this kind is overwritten when it is freed.
-    void operator()(BIO* pBio) const { BIO_free(pBio); }
-};
-using Bio = std::unique_ptr<BIO, BioDeleter>;
-
-Bio secureMemory()
-{
-    return Bio(BIO_new(BIO_s_secmem()));
+    return hoBio(BIO_new(BIO_s_secmem()));
 }
 
 osWritingResult noMemory()
@@ -35,7 +28,7 @@ osWritingResult noMemory()
     return osWritingResult(osWritingProblem::CannotBeWritten, ENOMEM);
 }
 
-osWritingResult writeFile(const gtString& path, unsigned int rights, bool mayOverwrite, const Bio& pText)
+osWritingResult writeFile(const gtString& path, unsigned int rights, bool mayOverwrite, const hoBio& pText)
 {
     char* pBytes = nullptr;
     const long length = BIO_get_mem_data(pText.get(), &pBytes);
@@ -71,18 +64,17 @@ hoNewKeyPair::~hoNewKeyPair()
 void hoNewKeyPair::run()
 {
     EVP_PKEY* pKey = nullptr;
-    EVP_PKEY_CTX* const pContext = EVP_PKEY_CTX_new_id(EVP_PKEY_RSA, nullptr);
-    if (pContext != nullptr && EVP_PKEY_keygen_init(pContext) > 0 &&
-        EVP_PKEY_CTX_set_rsa_keygen_bits(pContext, _bits) > 0)
+    const hoKeyContext pContext(EVP_PKEY_CTX_new_id(EVP_PKEY_RSA, nullptr));
+    if (pContext != nullptr && EVP_PKEY_keygen_init(pContext.get()) > 0 &&
+        EVP_PKEY_CTX_set_rsa_keygen_bits(pContext.get(), _bits) > 0)
     {
-        EVP_PKEY_CTX_set_app_data(pContext, &_isCancelled);
-        EVP_PKEY_CTX_set_cb(pContext, &goesOn);
-        if (EVP_PKEY_keygen(pContext, &pKey) <= 0)
+        EVP_PKEY_CTX_set_app_data(pContext.get(), &_isCancelled);
+        EVP_PKEY_CTX_set_cb(pContext.get(), &goesOn);
+        if (EVP_PKEY_keygen(pContext.get(), &pKey) <= 0)
         {
             pKey = nullptr;
         }
     }
-    EVP_PKEY_CTX_free(pContext);
     _pKey.reset(pKey);
     if (_isCancelled)
     {
@@ -98,7 +90,7 @@ void hoNewKeyPair::run()
 osWritingResult hoNewKeyPair::writePrivateKey(const gtString& path, std::string_view passphrase,
                                               bool mayOverwrite) const
 {
-    const Bio pText = secureMemory();
+    const hoBio pText = secureMemory();
     const EVP_CIPHER* const pCipher = passphrase.empty() ? nullptr : EVP_aes_256_cbc();
     if (pText == nullptr ||
         PEM_write_bio_PKCS8PrivateKey(pText.get(), static_cast<EVP_PKEY*>(_pKey.get()), pCipher, passphrase.data(),
@@ -111,7 +103,7 @@ osWritingResult hoNewKeyPair::writePrivateKey(const gtString& path, std::string_
 
 osWritingResult hoNewKeyPair::writePublicKey(const gtString& path, bool mayOverwrite) const
 {
-    const Bio pText = secureMemory();
+    const hoBio pText = secureMemory();
     if (pText == nullptr || PEM_write_bio_PUBKEY(pText.get(), static_cast<EVP_PKEY*>(_pKey.get())) != 1)
     {
         return noMemory();

@@ -2,22 +2,16 @@
 #include "host/signing/hoCountersignature.h"
 
 #include <openssl/err.h>
-#include <openssl/evp.h>
 #include <openssl/rsa.h>
 
-#include <memory>
 #include <new>
+
+#include "host/keys/hoLibcryptoObjects.h"
 
 namespace
 {
 
 constexpr int lengthOfSalt = 32;
-
-struct ContextDeleter
-{
-    void operator()(EVP_PKEY_CTX* pContext) const { EVP_PKEY_CTX_free(pContext); }
-};
-using Context = std::unique_ptr<EVP_PKEY_CTX, ContextDeleter>;
 
 void throwIfNoMemory()
 {
@@ -33,9 +27,9 @@ void throwIfNoMemory()
 }
 
 // Null when libcrypto fails.
-Context context(EVP_PKEY* pKey, int (*begin)(EVP_PKEY_CTX*))
+hoKeyContext context(EVP_PKEY* pKey, int (*begin)(EVP_PKEY_CTX*))
 {
-    Context pContext(pKey == nullptr ? nullptr : EVP_PKEY_CTX_new_from_pkey(nullptr, pKey, nullptr));
+    hoKeyContext pContext(pKey == nullptr ? nullptr : EVP_PKEY_CTX_new_from_pkey(nullptr, pKey, nullptr));
     const bool isReady = pContext != nullptr && begin(pContext.get()) > 0 &&
                          EVP_PKEY_CTX_set_rsa_padding(pContext.get(), RSA_PKCS1_PSS_PADDING) > 0 &&
                          EVP_PKEY_CTX_set_signature_md(pContext.get(), EVP_sha256()) > 0 &&
@@ -54,7 +48,7 @@ Context context(EVP_PKEY* pKey, int (*begin)(EVP_PKEY_CTX*))
 std::vector<unsigned char> hoMakeCountersignature(const hoKey& key, const hoSha256& digest)
 {
     ERR_clear_error();
-    const Context pContext = context(key.libcryptoPrivateKey(), EVP_PKEY_sign_init);
+    const hoKeyContext pContext = context(key.libcryptoPrivateKey(), EVP_PKEY_sign_init);
     std::vector<unsigned char> signature(static_cast<std::size_t>(key.bits()) / 8);
     std::size_t length = signature.size();
     if (pContext == nullptr ||
@@ -71,7 +65,7 @@ std::optional<bool> hoIsCountersignatureOf(const hoSha256& digest, const hoKey& 
                                            const std::vector<unsigned char>& countersignature)
 {
     ERR_clear_error();
-    const Context pContext = context(key.libcryptoPublicKey(), EVP_PKEY_verify_init);
+    const hoKeyContext pContext = context(key.libcryptoPublicKey(), EVP_PKEY_verify_init);
     if (pContext == nullptr)
     {
         return std::nullopt;
