@@ -74,8 +74,9 @@ const char* const encryptFooter = R"(Examples:
   countersign encrypt --key public.pem "at noon"
   countersign encrypt --key public.pem < note.txt > note.cipher
 
-What is encrypted with public.pem is decrypted with private.pem. With --private it is the other way round, and no secret.
-The text is taken byte by byte, a line end included, and has to fit one block: 127 bytes with a key of 1024 bits.)";
+What is encrypted with public.pem is decrypted with private.pem. With --private it is the other way round, and no
+secret. The text is taken byte by byte, a line end included, and has to fit one block: 127 bytes with a key of 1024
+bits.)";
 
 const char* const decryptFooter = R"(Examples:
   countersign decrypt --key private.pem < note.cipher

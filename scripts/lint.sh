@@ -136,6 +136,11 @@ format=$tool
 llvmTool clang-tidy
 tidy=$tool
 [ -z "$format" ] || check clang-format "formatting (clang-format -i mends it)" "$format" --dry-run -Werror -- "${sources[@]}"
+# The formatter does not wrap comments.
+lintWidth() {
+    ! LC_ALL=C.UTF-8 grep -nHE '^.{121,}' -- "$@"
+}
+check grep "lines of at most 120 characters" lintWidth -- "${sources[@]}"
 check shellcheck "scripts (shellcheck)" shellcheck -- "${scripts[@]}"
 if command -v mandoc >/dev/null 2>&1; then
     check mandoc "manual pages (mandoc)" lintManualPages -- "${manualPages[@]}"

@@ -12,8 +12,9 @@
 //   Octets and text, Modular arithmetic, Primality
 //   The functions of the interface
 //
-// A product (multiply) goes by rows when both factors have fewer than 16 digits; else by short limbs where the processor
-// multiplies and adds pairs of them and both factors are long enough for that (ShortLimbForms); else by columns.
+// A product (multiply) goes by rows when both factors have fewer than 16 digits; else by short limbs where the
+// processor multiplies and adds pairs of them and both factors are long enough for that (ShortLimbForms); else by
+// columns.
 //
 // A square (square) is free in its method: limbs of 52 bits in vectors where the processor multiplies those, else words
 // of 64 bits, else rows.
@@ -429,8 +430,8 @@ MP_INLINE void squareByWords(mpDigit w[], const mpDigit x[], size_t n)
 using SquareForm = void (*)(mpDigit w[], const mpDigit x[], size_t n);
 
 // A square of two halves is made of three squares of such a length: 2 a b is a a + b b - (a - b) (a - b). Numbers of at
-// most "longest" digits are squared by the form, and longest is at least 8. room has 3 n + 9 * mostHalvings digits: a half
-// has at most n / 2 + 3 / 2 digits, so what is taken of it in all is less than 3 n + 9 for each time it is halved.
+// most "longest" digits are squared by the form, and longest is at least 8. room has 3 n + 9 * mostHalvings digits: a
+// half has at most n / 2 + 3 / 2 digits, so what is taken of it in all is less than 3 n + 9 for each time it is halved.
 constexpr size_t mostHalvings = 8;
 
 void squareByHalves(mpDigit w[], const mpDigit x[], size_t n, SquareForm form, size_t longest, mpDigit room[])
@@ -748,8 +749,8 @@ void spMultSub(mpDigit& high, mpDigit& low, mpDigit qhat, mpDigit vHigh, mpDigit
     high -= upper >> bitsPerHalf;
 }
 
-// Takes qhat * v from (high, low); when that was once too often, gives one v back.
-void spTakeAway(mpDigit& qhat, mpDigit high, mpDigit& low, mpDigit v)
+// (high, low) -= qhat * v. If that is below zero, qhat is one less and v is added again.
+void spSubtractProduct(mpDigit& qhat, mpDigit high, mpDigit& low, mpDigit v)
 {
     spMultSub(high, low, qhat, v >> bitsPerHalf, v & halfMask);
     const mpDigit negative = (high >> bitsPerHalf) != 0 ? 1 : 0;
@@ -776,7 +777,7 @@ mpDigit spDivideStep(mpDigit& remainder, mpDigit next, mpDigit v)
     }
     const mpDigit high = remainder >> bitsPerHalf;
     remainder = remainder << bitsPerHalf | next;
-    spTakeAway(qhat, high, remainder, v);
+    spSubtractProduct(qhat, high, remainder, v);
     return qhat;
 }
 
@@ -794,7 +795,7 @@ mpDigit divideTwoByOne(mpDigit& q, mpDigit& r, mpDigit uHigh, mpDigit uLow, mpDi
         overflow = 0;
     }
     mpDigit remainder = uHigh;
-    spTakeAway(overflow, 0, remainder, v);
+    spSubtractProduct(overflow, 0, remainder, v);
 
     const mpDigit upper = spDivideStep(remainder, uLow >> bitsPerHalf, v);
     const mpDigit lower = spDivideStep(remainder, uLow & halfMask, v);
@@ -888,10 +889,10 @@ void divideByRows(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size
 constexpr bool isBigEndian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
 constexpr size_t columnCount = 16;
 constexpr size_t shortestForColumns = columnCount;
-// A column has at most that many rows. Lanes are added to its sum after rowsPerLane rows, that is 2^14 times at most; each
-// time the low word gets less than 2^33, and the high word less than 2^33 and 2^16 times a lane, which is 2^48. So the
-// low words stay below 2^47 and the high ones below 2^62 + 2^47, and takeDigits, which adds one of each and a carry,
-// stays below 2^63.
+// A column has at most that many rows. Lanes are added to its sum after rowsPerLane rows, that is 2^14 times at most;
+// each time the low word gets less than 2^33, and the high word less than 2^33 and 2^16 times a lane, which is 2^48. So
+// the low words stay below 2^47 and the high ones below 2^62 + 2^47, and takeDigits, which adds one of each and a
+// carry, stays below 2^63.
 constexpr size_t longestForColumns = size_t{1} << 28;
 constexpr size_t shortestForLeavingOut = columnCount + 1;
 // A lane takes three halves from each row.
@@ -1031,7 +1032,8 @@ MP_INLINE void addWidened(uint64_t sums[2][columnCount / 2], const Vector& lanes
 {
     using Wide = typename Widened<Vector>::Type;
     constexpr size_t width = sizeof(Wide) / sizeof(uint64_t);
-    // A pair of lanes as one wide lane: its low half is the even lane where the low octets come first, else the odd one.
+    // A pair of lanes as one wide lane: its low half is the even lane where the low octets come first, else the odd
+    // one.
     const auto pairs = reinterpret_cast<Wide>(lanes);
     const Wide lowHalves = pairs & uint64_t{allOnes};
     const Wide highHalves = pairs >> uint64_t{bitsPerDigit};
@@ -1461,8 +1463,8 @@ struct LimbSums
     mpDigit above[most];
 };
 
-// The columns that are summed up at once, at most wanted: some blocks of the columns of two vectors, which hold the even
-// and the odd ones.
+// The columns that are summed up at once, at most wanted: some blocks of the columns of two vectors, which hold the
+// even and the odd ones.
 template <class Pairs, size_t wanted = mostColumnsAtOnce>
 struct LimbColumns
 {
@@ -1551,8 +1553,8 @@ struct LimbColumns
     // Adds the columns from "first" on of u * v. v has swapped pairs.
     MP_INLINE void add(const uint16_t u[], size_t un, const uint16_t v[], size_t vn, size_t first)
     {
-        // Block k takes row j + step * k, so all blocks multiply the same limbs of u. Rows below the first one and above
-        // the last one are zero; most of them are left out.
+        // Block k takes row j + step * k, so all blocks multiply the same limbs of u. Rows below the first one and
+        // above the last one are zero; most of them are left out.
         constexpr auto step = static_cast<std::ptrdiff_t>(2 * lanes);
         constexpr auto reach = step * static_cast<std::ptrdiff_t>(blocks - 1);
         const auto from = static_cast<std::ptrdiff_t>(first);
@@ -1739,32 +1741,33 @@ MP_INLINE void multiplyByShortLimbsWith(mpDigit w[], const mpDigit u[], size_t u
 // method is Svoboda's, 1963).
 //
 // The factor f. Let H be one more than the three highest digits of v. As the top bit of v is set, B^3/2 < H <= B^3. For
-// H = B^3 the factor is B^2, else f = floor((B^5 - 1) / H): at least B^2 and less than 2 B^2, so its highest digit is 1.
+// H = B^3 the factor is B^2, else f = floor((B^5 - 1) / H): at least B^2 and less than 2 B^2, so its highest digit is
+// 1.
 //
 // The complement c = B^(n+2) - f v. Write f = (B^5 - 1 - rest) / H with rest < H, and v = (H - 1 + part) B^(n-3) with
 // part < 1. Then
 //
 //   c  =  (1 + rest + (B^5 - 1 - rest) (1 - part) / H) B^(n-3),
 //
-// which is above 0, and below (H + B^5 / H) B^(n-3), since rest is at most H - 1. That is less than B^n unless H exceeds
-// B^3 - B^5 / H, which is about B^3 - B^2: at most one divisor in 2^31 has such an H, and scaleWith looks at c itself. It
-// returns false when c has more than n digits. With H = B^3, c is at most B^2 B^(n-3).
+// which is above 0, and below (H + B^5 / H) B^(n-3), since rest is at most H - 1. That is less than B^n unless H
+// exceeds B^3 - B^5 / H, which is about B^3 - B^2: at most one divisor in 2^31 has such an H, and scaleWith looks at c
+// itself. It returns false when c has more than n digits. With H = B^3, c is at most B^2 B^(n-3).
 //
-// The lowest digit of c may be left out (leftOut): digit a of the quotient times that digit counts column a, which is
-// below n; and columns below n are missing from the window anyway (see divideFromTheTop).
+// The lowest digits of c may be left out (skipped of them, 0 or 1): digit a of the quotient times that digit counts
+// column a, which is below n; and columns below n are missing from the window anyway (see divideFromTheTop).
 struct Scaling
 {
     // The number. Its highest digit is 1.
     mpDigit factor[3];
     // B^(n+2) - factor * v, but for its lowest digits. It is less than B^n.
     const mpDigit* complement;
-    size_t leftOut;
+    size_t skipped;
 };
 
-// The top bit of v is set. complement gets n - leftOut digits. False when n digits are not enough, which happens to
+// The top bit of v is set. complement gets n - skipped digits. False when n digits are not enough, which happens to
 // one divisor of some 2^31.
 template <class Vector>
-MP_INLINE bool scaleWith(Scaling& scaling, mpDigit complement[], size_t leftOut, const mpDigit v[], size_t n)
+MP_INLINE bool scaleWith(Scaling& scaling, mpDigit complement[], size_t skipped, const mpDigit v[], size_t n)
 {
     // The three highest digits of v, and one added: factor = (B^5 - 1) / these.
     mpDigit divisor[3];
@@ -1782,7 +1785,7 @@ MP_INLINE bool scaleWith(Scaling& scaling, mpDigit complement[], size_t leftOut,
         divideByRows(scaling.factor, dividend, ~divisor[2], divisor, 3, 1);
     }
     scaling.complement = complement;
-    scaling.leftOut = leftOut;
+    scaling.skipped = skipped;
 
     // The complement is what factor * v lacks: all its digits inverted, and one added.
     const Slices slices(v, n);
@@ -1803,9 +1806,9 @@ MP_INLINE bool scaleWith(Scaling& scaling, mpDigit complement[], size_t leftOut,
             {
                 isEnough = digit == 0 && carry == 0;
             }
-            else if (first + i >= leftOut)
+            else if (first + i >= skipped)
             {
-                complement[first + i - leftOut] = digit;
+                complement[first + i - skipped] = digit;
             }
         }
     }
@@ -1822,9 +1825,9 @@ static_assert(quotientDigitsPerBlock * bitsPerDigit == limbsPerBlockOfQuotient *
 // What is due to the next columns for the known digits of a quotient, by limbs of 13 bits.
 //
 // With j the first unknown digit of the quotient q and w the complement of n digits, these are columns j + n - 13 to
-// j + n - 1. The lowest digit of the block that j begins is j - 12, so the columns are n - 1 digits above it; hence w is
-// shifted so that its digit n - 1 begins with a limb. Limbs of the last block of q come first; limbs that are not known
-// yet are zero.
+// j + n - 1. The lowest digit of the block that j begins is j - 12, so the columns are n - 1 digits above it; hence w
+// is shifted so that its digit n - 1 begins with a limb. Limbs of the last block of q come first; limbs that are not
+// known yet are zero.
 //
 // Limbs lie across digits, so products of limbs in the columns wanted are not the products of digits in these columns:
 // some were counted when the columns above were summed up, and some of those were not. That concerns the digits of the
@@ -1917,9 +1920,9 @@ public:
 // digit, at once: then the result is false, and r is untouched.
 //
 // What is left of the multiplied dividend. With u the dividend and q the digits of the quotient that are known, it is
-// L = f u - q f v = f u - q B^(n+2) + q c. A digit q_j is read off at column j + n + 2 and left out of the window there;
-// q_j c is then due to column j + n - 1 and those below it. What the window does not have is only ever due to it, so
-// no digit is too large.
+// L = f u - q f v = f u - q B^(n+2) + q c. A digit q_j is read off at column j + n + 2 and left out of the window
+// there; q_j c is then due to column j + n - 1 and those below it. What the window does not have is only ever due to
+// it, so no digit is too large.
 //
 // What the window misses at the end, in units of its lower digit, which is column n + 1. "low" is not added: it has the
 // low words of column n, which are summed up three times (due to f u, to q and to the last digits), below 2^33 in 2^14
@@ -1931,10 +1934,10 @@ public:
 // columns, so less than one of a digit above it.)
 //
 // So L is at least the lower digit of the window, and less than that plus "unknown", in these units. If that is at most
-// B - 1, then L < B^(n+2) - B^(n+1) < f v: the quotient is exact. If not, L differs from B^(n+2), and from f v, by at most
-// unknown + 1 units of B^(n+1). As f is at least B^2, the remainder differs from v by at most (unknown + 1) B^(n-1), which
-// is far below v / 2, for v is at least B^n / 2 and n at most 2^28. So after v is subtracted, the top bit tells whether
-// the result is negative, and then the quotient was exact; else it was one too small, and not more.
+// B - 1, then L < B^(n+2) - B^(n+1) < f v: the quotient is exact. If not, L differs from B^(n+2), and from f v, by at
+// most unknown + 1 units of B^(n+1). As f is at least B^2, the remainder differs from v by at most (unknown + 1)
+// B^(n-1), which is far below v / 2, for v is at least B^n / 2 and n at most 2^28. So after v is subtracted, the top
+// bit tells whether the result is negative, and then the quotient was exact; else it was one too small, and not more.
 //
 // Pairs and ProductPairs say how limbs are multiplied, one to find the quotient and one to take its product with v.
 template <class Vector, class Pairs, class ProductPairs>
@@ -1944,10 +1947,10 @@ MP_INLINE bool divideFromTheTop(mpDigit q[], mpDigit r[], mpDigit top, const mpD
     constexpr bool isByLimbs = !std::is_same<Pairs, NoPairs>::value;
     constexpr bool isProductByLimbs = !std::is_same<ProductPairs, NoPairs>::value;
     constexpr size_t step = isByLimbs ? quotientDigitsPerBlock : columnCount;
-    DueByShortLimbs<Pairs> dueByLimbs(scaling.complement, n - scaling.leftOut, m + 1);
+    DueByShortLimbs<Pairs> dueByLimbs(scaling.complement, n - scaling.skipped, m + 1);
     uint64_t counted = 0;
     const Slices u(r, n + m);
-    const Slices w(scaling.complement, n - scaling.leftOut);
+    const Slices w(scaling.complement, n - scaling.skipped);
     const mpDigit wTop = w.highEnd[columnCount - 1];
 
     // Columns j + n + 2 and j + n + 1 of what is left of factor * u, and the low halves of column j + n.
@@ -1979,7 +1982,7 @@ MP_INLINE bool divideFromTheTop(mpDigit q[], mpDigit r[], mpDigit top, const mpD
         }
         else
         {
-            addColumns<Vector>(due, w, q, j + 1, m + 1, first - scaling.leftOut);
+            addColumns<Vector>(due, w, q, j + 1, m + 1, first - scaling.skipped);
         }
         Lanes<Vector> dueSince = {};
         for (size_t i = columnCount; i > columnCount - step && j > 0; j--)
@@ -2079,8 +2082,8 @@ MP_INLINE bool divideByBothWith(mpDigit q[], mpDigit r[], mpDigit top, const mpD
     return divideFromTheTop<Vector, NoPairs, Pairs>(q, r, top, v, n, m, scaling);
 }
 
-// Squares by units: products of units have 52 bits and are summed up in wide lanes. Squares are free in their method, and
-// units are what a power has its value in.
+// Squares by units: products of units have 52 bits and are summed up in wide lanes. mpSquare need not work by halves of
+// digits, as products do, and units are what a power has its value in.
 
 constexpr size_t mostUnitsToSquare = mostShortLimbs / 2;
 constexpr size_t unitRowsAtOnce = 4;
@@ -2214,24 +2217,25 @@ void square(mpDigit w[], const mpDigit x[], size_t n);
 
 // Powers by short limbs: the modulus, made ready, and the running value, both in limbs over all steps of a power.
 //
-// The divisor of every step is a multiple of the modulus, M = base^size - c. Its highest "spare" limbs are all ones, for
-// c is the remainder of base^size by the modulus, and so has no more limbs than that; size is these and the spare ones.
-// What is left of a dividend D, with the limbs q of the quotient that are known, is L = D - q base^size + q c. So a limb of
-// the quotient can be read off at the top of what is left, and its product with c concerns columns at least "spare" below
-// the one where it is read. That is why the sums of the columns are formed for "atOnce" limbs of the quotient at a time.
+// The divisor of every step is a multiple of the modulus, M = base^size - c. Its highest "spare" limbs are all ones,
+// for c is the remainder of base^size by the modulus, and so has no more limbs than that; size is these and the spare
+// ones. What is left of a dividend D, with the limbs q of the quotient that are known, is L = D - q base^size + q c. So
+// a limb of the quotient can be read off at the top of what is left, and its product with c concerns columns at least
+// "spare" below the one where it is read. That is why the sums of the columns are formed for "atOnce" limbs of the
+// quotient at a time.
 //
 // Two limbs are a unit of 26 bits, S_i is the sum of the columns of unit i. A unit of the quotient is read off as
 //
 //   q_i  =  S_i + carry_i - carry_(i+1) 2^26,   carry_i = floor((S_(i-1) + floor(S_(i-2) / 2^26)) / 2^26),
 //
-// that is what is left of the digits above (nothing but minus the carry that they got in advance), the unit's own sum, and
-// what two units below carry to it. These two get nothing from the limbs that are read at once, since the lower one is
-// "spare" limbs below the highest of these. A sum has at most mostShortLimbs products of 26 bits for each of its columns,
-// less than 2^50, and the dividend's own, less than 2^61 (see squareUnits): so it stays below 2^62, and what the units
-// below S_(i-2) carry is less than 2^-15 of unit i - 1. Hence carry_i is what the exact carry is, or one less, and the rest
-// is left for the next units: what is left after unit i is below base^size 2^(26 i) (1 + 2^-25). As S_(i-2) counts less
-// than 2^10 in unit i, q_i is less than 2^26 + 2^11: its upper limb may be 2^13, with a lower one below 2^11. Both limbs
-// together are never more than two full ones, which is what pairsPerLane rests on.
+// that is what is left of the digits above (nothing but minus the carry that they got in advance), the unit's own sum,
+// and what two units below carry to it. These two get nothing from the limbs that are read at once, since the lower one
+// is "spare" limbs below the highest of these. A sum has at most mostShortLimbs products of 26 bits for each of its
+// columns, less than 2^50, and the dividend's own, less than 2^61 (see squareUnits): so it stays below 2^62, and what
+// the units below S_(i-2) carry is less than 2^-15 of unit i - 1. Hence carry_i is what the exact carry is, or one
+// less, and the rest is left for the next units: what is left after unit i is below base^size 2^(26 i) (1 + 2^-25). As
+// S_(i-2) counts less than 2^10 in unit i, q_i is less than 2^26 + 2^11: its upper limb may be 2^13, with a lower one
+// below 2^11. Both limbs together are never more than two full ones, which is what pairsPerLane rests on.
 //
 // In the end L is at least 0 and less than 2 base^size: where it does not fit, c instead of base^size makes it fit.
 // It is below base^size, no more; the value of the power is reduced to the modulus when all steps are done.
@@ -2494,8 +2498,8 @@ protected:
     uint64_t _units[mostUnits];
 };
 
-// y = x^e, congruent to it modulo v and less than base^size: as many digits as digits() says. The top bit of v is set, and x
-// has n digits as v has. e has so many bits, of which the top one is set.
+// y = x^e, congruent to it modulo v and less than base^size: as many digits as digits() says. The top bit of v is set,
+// and x has n digits as v has. e has so many bits, of which the top one is set.
 template <class Pairs, class BlockPairs>
 MP_INLINE void powerByShortLimbsWith(mpDigit y[], const mpDigit x[], const mpDigit e[], uint64_t bits,
                                      const mpDigit v[], size_t n)
@@ -2538,8 +2542,8 @@ struct ShortLimbForms
     size_t shortestForPowers;
 };
 
-// The same for each kind of processor: MP_SHORT_LIMBS(the name's end, the vector, the pairs for quotients, the pairs for
-// products, the attributes, from where on they pay).
+// The same for each kind of processor: MP_SHORT_LIMBS(the name's end, the vector, the pairs for quotients, the pairs
+// for products, the attributes, from where on they pay).
 // NOLINTBEGIN(bugprone-macro-parentheses)
 #define MP_SHORT_LIMBS(Name, Vector, Pairs, ProductPairs, BlockPairs, attributes, ...)                                 \
     attributes void multiplyShortLimbsBy##Name(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[],           \
@@ -2584,9 +2588,9 @@ MP_SHORT_LIMBS(512Bits, Vector64, Pairs512Bits, Pairs512Bits, Pairs256Bits,
     {                                                                                                                  \
         multiplyByColumnsWith<Vector>(w, u, un, v, vn);                                                                \
     }                                                                                                                  \
-    attributes bool scaleBy##Bits(Scaling& scaling, mpDigit complement[], size_t leftOut, const mpDigit v[], size_t n) \
+    attributes bool scaleBy##Bits(Scaling& scaling, mpDigit complement[], size_t skipped, const mpDigit v[], size_t n) \
     {                                                                                                                  \
-        return scaleWith<Vector>(scaling, complement, leftOut, v, n);                                                  \
+        return scaleWith<Vector>(scaling, complement, skipped, v, n);                                                  \
     }                                                                                                                  \
     attributes bool divideBy##Bits(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,       \
                                    const Scaling& scaling)                                                             \
@@ -2600,7 +2604,7 @@ MP_SHORT_LIMBS(512Bits, Vector64, Pairs512Bits, Pairs512Bits, Pairs256Bits,
 struct ColumnForms
 {
     void (*multiply)(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn);
-    bool (*scale)(Scaling& scaling, mpDigit complement[], size_t leftOut, const mpDigit v[], size_t n);
+    bool (*scale)(Scaling& scaling, mpDigit complement[], size_t skipped, const mpDigit v[], size_t n);
     bool (*divide)(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size_t n, size_t m,
                    const Scaling& scaling);
 };
@@ -2827,8 +2831,8 @@ QuotientForm quotientForm(size_t n, size_t quotientDigits)
     return columnForms().divide;
 }
 
-// q[0..udigits-n] and r[0..udigits) = (top, r) / divisor, for a divisor of n <= udigits digits. (top, r) is the dividend,
-// shifted as the divisor is.
+// q[0..udigits-n] and r[0..udigits) = (top, r) / divisor, for a divisor of n <= udigits digits. (top, r) is the
+// dividend, shifted as the divisor is.
 void divideBy(const Divisor& divisor, mpDigit q[], mpDigit top, mpDigit r[], size_t udigits)
 {
     const mpDigit* v = divisor.digits;
@@ -2996,8 +3000,8 @@ MP_INLINE void storeWord(mpDigit a[], size_t n, size_t i, uint64_t word)
     }
 }
 
-// (remainder, word) / decimalScale, by its reciprocal: returns the quotient, leaves the remainder. The estimate is one too
-// small or exact after the first correction, which tells by the remainder, and the second one is rare (Moeller and
+// (remainder, word) / decimalScale, by its reciprocal: returns the quotient, leaves the remainder. The estimate is one
+// too small or exact after the first correction, which tells by the remainder, and the second one is rare (Moeller and
 // Granlund, 2011).
 MP_INLINE uint64_t divideByDecimalScale(uint64_t& remainder, uint64_t word)
 {

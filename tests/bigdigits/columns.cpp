@@ -76,10 +76,10 @@ struct Form
             divideByRows(q, r, top, v, n, m);
             return true;
         }
-        const size_t leftOut = isLeavingOut && n >= shortestForLeavingOut ? 1 : 0;
-        std::vector<mpDigit> complement(n - leftOut);
+        const size_t skipped = isLeavingOut && n >= shortestForLeavingOut ? 1 : 0;
+        std::vector<mpDigit> complement(n - skipped);
         Scaling scaling = {};
-        if (!columns().scale(scaling, complement.data(), leftOut, v, n))
+        if (!columns().scale(scaling, complement.data(), skipped, v, n))
         {
             return false;
         }
@@ -319,7 +319,7 @@ TEST_P(EachKindOfColumns, ScaleDivisors)
     for (uint32_t i = casesToRun(20000); i > 0 && !HasFailure(); --i)
     {
         const size_t n = shortestForColumns + random.below(40);
-        const size_t leftOut = n >= shortestForLeavingOut ? random.below(2) : 0;
+        const size_t skipped = n >= shortestForLeavingOut ? random.below(2) : 0;
         std::vector<mpDigit> v = random.oneIn(2) ? random.number(n) : random.uniformNumber(n);
         v[n - 1] |= topBit;
         // One more than that is a digit more.
@@ -328,21 +328,21 @@ TEST_P(EachKindOfColumns, ScaleDivisors)
         {
             std::fill(v.end() - 3, v.end(), allOnes);
         }
-        Shifted complement(std::vector<mpDigit>(n - leftOut, 0xDEADBEEFU), i);
+        Shifted complement(std::vector<mpDigit>(n - skipped, 0xDEADBEEFU), i);
         Scaling scaling = {{0xDEADBEEFU, 0xDEADBEEFU, 0xDEADBEEFU}, nullptr, n};
-        if (!GetParam().columns().scale(scaling, complement.get(), leftOut, v.data(), n))
+        if (!GetParam().columns().scale(scaling, complement.get(), skipped, v.data(), n))
         {
             ASSERT_FALSE(isHighest);
             continue;
         }
         ++scaled;
-        ASSERT_EQ(scaling.leftOut, leftOut);
+        ASSERT_EQ(scaling.skipped, skipped);
         ASSERT_EQ(scaling.complement, complement.get());
         ASSERT_EQ(scaling.factor[2], 1U);
         const Natural factor(std::vector<mpDigit>(scaling.factor, scaling.factor + 3));
         const Natural whole = (Natural(1U) << 32 * (n + 2)) - factor * Natural(v);
         ASSERT_LT(whole, Natural(1U) << 32 * n);
-        ASSERT_EQ(Natural(complement.vector()), whole >> 32 * leftOut);
+        ASSERT_EQ(Natural(complement.vector()), whole >> 32 * skipped);
     }
     EXPECT_GT(scaled, 0U);
 }

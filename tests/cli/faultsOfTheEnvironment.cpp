@@ -7,8 +7,9 @@
 //   COUNTERSIGN_WITHOUT=<call>,...              these always fail, as on a file system that does not have them: link and
 //                                               renameat2
 //
-// Calls: those of tsSystemFault; new for the allocations from the first call on that names a file or asks about one, parse
-// for those from the start of main on (to be exact from its first pipe: nobody catches what static objects throw).
+// Calls: those of tsSystemFault; new for the allocations from the first call on that names a file or asks about one,
+// parse for those from the start of main on (to be exact from its first pipe: nobody catches what static objects
+// throw).
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>

@@ -24,8 +24,9 @@
 
 namespace
 {
-// A fault as the calls read it. They come at any time and from any thread, also in a child before it runs a program, and
-// from constructors of libraries. So all of it is there from the start, and nothing is locked, allocated or destroyed.
+// A fault as the calls read it. They come at any time and from any thread, also in a child before it runs a program,
+// and from constructors of libraries. So all of it is there from the start, and nothing is locked, allocated or
+// destroyed.
 struct Slot
 {
     std::atomic<bool> _isTaken;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Stands between the test program and the system. Link the target systemFault: its source, which defines the calls, is
-// compiled by the test. A program whose libraries are to be met too, also those that it does not name, exports its symbols
-// (ENABLE_EXPORTS).
+// compiled by the test. A program whose libraries are to be met too, also those that it does not name, exports its
+// symbols (ENABLE_EXPORTS).
 //
-// Calls: open (also what makes temporary files and what fopen opens), read, write, fsync, close, link, rename, renameat2,
-// stat, fstat, realpath, fcntl, tcsetattr, and "thread", the start of a thread. What fails to close is closed all the
-// same. A test defines what else it needs and asks tsAnswerOf.
+// Calls: open (also what makes temporary files and what fopen opens), read, write, fsync, close, link, rename,
+// renameat2, stat, fstat, realpath, fcntl, tcsetattr, and "thread", the start of a thread. What fails to close is
+// closed all the same. A test defines what else it needs and asks tsAnswerOf.
 #ifndef TS_SYSTEM_FAULT_H
 #define TS_SYSTEM_FAULT_H
 
@@ -29,8 +29,8 @@ struct tsFault
     bool _isOfThread = false;         // calls of the thread that makes the tsSystemFault, not of all threads
     std::string _folder = {};         // calls that concern a file below this folder; "thread" has no file; empty: all
     int _descriptor = -1;             // calls with this descriptor; -1: all
-    // Is called before each call that has an answer, with its path (the new one of two), or null if it has a descriptor.
-    // It must not throw; most calls may not let it allocate where memory runs out.
+    // Is called before each call that has an answer, with its path (the new one of two), or null if it has a
+    // descriptor. It must not throw; most calls may not let it allocate where memory runs out.
     std::function<void(const char* pPath)> _before = {};
 };
 
