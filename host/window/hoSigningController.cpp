@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoSigningController.h"
 
-#include "host/messages/hoNumbers.h"
 #include "host/signing/hoCountersignature.h"
 #include "host/window/hoProgressDialog.h"
 #include "platform/toolkit/gtMainThreadCall.h"
@@ -115,26 +114,36 @@ bool hoSigningController::askAboutSmallKey(hoSignatureLines& lines)
 
 bool hoSigningController::askAboutSignatures(const std::vector<hoDocument>& documents, bool& mayOverwrite)
 {
-    std::size_t alreadySigned = 0;
+    std::vector<hoDocument> alreadySigned;
     for (const hoDocument& document : documents)
     {
-        const hoSignatureFileResult signature = hoCheckSignaturePath(hoSignaturePath(document._path), false);
-        alreadySigned += signature._problem == hoSignatureFileProblem::Exists ? 1 : 0;
+        if (hoCheckSignaturePath(hoSignaturePath(document._path), false)._problem == hoSignatureFileProblem::Exists)
+        {
+            alreadySigned.push_back(document);
+        }
     }
-    if (alreadySigned == 0)
+    if (alreadySigned.empty())
     {
         return true;
     }
-    wxMessageDialog question(&_parent,
-                             gtTextFromBytes(hoAmountText(alreadySigned, "document has a signature already.",
-                                                          "documents have signatures already.")),
-                             "Countersign", wxYES_NO | wxCANCEL | wxICON_QUESTION);
-    question.SetExtendedMessage("Signing again replaces what is in the .sig file beside the document.");
-    question.SetYesNoCancelLabels("&Replace", "&Keep", "&Cancel");
+    const bool areOthersThere = alreadySigned.size() < documents.size();
+    // A signature that is replaced is lost, and with it what it tells of its document.
+    wxMessageDialog question(&_parent, hoReplacementQuestion(alreadySigned), "Countersign",
+                             (areOthersThere ? wxYES_NO | wxCANCEL : wxOK | wxCANCEL) | wxCANCEL_DEFAULT |
+                                 wxICON_WARNING);
+    question.SetExtendedMessage("The new signature is written over what is in the .sig file, which is lost.");
+    if (areOthersThere)
+    {
+        question.SetYesNoCancelLabels("&Replace", "&Keep, sign the others", "&Cancel");
+    }
+    else
+    {
+        question.SetOKCancelLabels("&Replace", "&Cancel");
+    }
     const int answer = question.ShowModal();
-    mayOverwrite = answer == wxID_YES;
+    mayOverwrite = answer == wxID_YES || answer == wxID_OK;
     // Another job may have begun while the question was up.
-    return answer != wxID_CANCEL && canBegin(hoSigningJob::Kind::Sign);
+    return (mayOverwrite || answer == wxID_NO) && canBegin(hoSigningJob::Kind::Sign);
 }
 
 void hoSigningController::stop()

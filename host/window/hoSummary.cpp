@@ -7,6 +7,8 @@
 #include "platform/baseTools/gtNumberText.h"
 #include "platform/toolkit/gtTextConversion.h"
 
+#include <algorithm>
+
 namespace
 {
 wxString outcomeText(const hoSigningOutcome& outcome)
@@ -135,6 +137,37 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
     summary._line += ".";
     summary._isAllWell = bad + weak + anothers + noSignatures + failed == 0 && !isCancelled;
     return summary;
+}
+
+wxString hoReplacementQuestion(const std::vector<hoDocument>& documents)
+{
+    struct Concern
+    {
+        hoDocumentState _state;
+        const char* _one;
+        const char* _many;
+    };
+    const Concern concerns[] = {
+        {hoDocumentState::Bad, "does not match its document", "do not match their documents"},
+        {hoDocumentState::AnotherKey, "was made with another key", "were made with another key"},
+        {hoDocumentState::Changed, "is no longer what was tested", "are no longer what was tested"},
+        {hoDocumentState::NotTested, "has not been tested", "have not been tested"},
+    };
+    wxString text =
+        "Replace " + gtTextFromBytes(hoAmountText(documents.size(), "signature", "signatures")) + wxString("?");
+    for (const Concern& concern : concerns)
+    {
+        const auto amount = static_cast<std::size_t>(
+            std::count_if(documents.begin(), documents.end(),
+                          [&](const hoDocument& document) { return document._verdict._state == concern._state; }));
+        if (amount > 0)
+        {
+            const gtString clause = documents.size() == 1 ? gtString("It ").append(concern._one)
+                                                          : hoAmountText(amount, concern._one, concern._many);
+            text += " " + gtTextFromBytes(clause) + ".";
+        }
+    }
+    return text;
 }
 
 gtString hoLastComponent(const gtString& path)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the window says about keys and about the result of a job. Pure functions.
+// What the window says about keys, before a job and about its result. Pure functions.
 #ifndef COUNTERSIGN_HO_SUMMARY_H
 #define COUNTERSIGN_HO_SUMMARY_H
 
@@ -29,6 +29,10 @@ hoSummary hoKeyWarning(const hoLoadedKey& key);
 
 // The result of a job in one line ("5 documents tested: 3 good, 2 bad."), and document by document.
 hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcome>& outcomes, bool isCancelled);
+
+// The question whether to replace signatures that are there, which is not to be asked of none: how many, and what is known
+// of them that speaks against it.
+wxString hoReplacementQuestion(const std::vector<hoDocument>& documents);
 
 // The last component of a path, for a message; the whole path when that is empty.
 gtString hoLastComponent(const gtString& path);

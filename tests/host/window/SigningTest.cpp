@@ -160,7 +160,7 @@ TEST_F(Signing, AsksBeforeItReplacesSignatures)
     const std::string oldSignature = "00000078" + std::string(256, '0') + "\n";
     _folder.write("a.txt.sig", oldSignature);
     openAskedFor(_folder.path("b.txt"));
-    for (const std::string& answer : std::vector<std::string>{"Escape", "alt+k", "alt+r"})
+    for (const std::string& answer : std::vector<std::string>{"Return", "Escape", "alt+k", "alt+r"})
     {
         tsScript script;
         script.waitUntil("the question is there", [this] { return isAnotherWindowActive(); })
@@ -172,8 +172,30 @@ TEST_F(Signing, AsksBeforeItReplacesSignatures)
         settle();
         const bool isReplaced = answer == "alt+r";
         EXPECT_EQ(_folder.read("a.txt.sig") == oldSignature, !isReplaced) << answer;
-        EXPECT_EQ(std::filesystem::exists(_folder.path("b.txt.sig")), answer != "Escape");
+        EXPECT_EQ(std::filesystem::exists(_folder.path("b.txt.sig")), answer == "alt+k" || isReplaced) << answer;
         std::filesystem::remove(_folder.path("b.txt.sig"));
+    }
+    EXPECT_EQ(message(), "3 documents: 3 signed.");
+}
+
+TEST_F(Signing, ReplacesNoSignatureByReturnWhereAllAreSigned)
+{
+    startWithKey();
+    pressAndWait("ctrl+shift+s");
+    const std::string signature = _folder.read("b.txt.sig");
+    _folder.write("b.txt", "sedond");
+    pressAndWait("ctrl+shift+t");
+    for (const char* answer : {"Return", "Escape", "alt+r"})
+    {
+        tsScript script;
+        script.waitUntil("the question is there", [this] { return isAnotherWindowActive(); })
+            .perform("answer", [&] { tsPressKeys(answer); })
+            .start();
+        tsPressKeys("ctrl+shift+s");
+        tsRunUntil("the question is answered",
+                   [&] { return script.isFinished() && !isAnotherWindowActive() && !_pFrame->isAtWork(); });
+        settle();
+        EXPECT_EQ(_folder.read("b.txt.sig") == signature, answer != std::string("alt+r")) << answer;
     }
     EXPECT_EQ(message(), "3 documents: 3 signed.");
 }

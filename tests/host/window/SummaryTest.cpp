@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the window says before a job and about its result.
+#include "host/window/hoSummary.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+std::string question(const std::vector<hoDocumentState>& states)
+{
+    std::vector<hoDocument> documents;
+    for (const hoDocumentState state : states)
+    {
+        documents.emplace_back()._verdict._state = state;
+    }
+    return hoReplacementQuestion(documents).utf8_string();
+}
+}  // namespace
+
+TEST(ReplacementQuestion, TellsWhatSpeaksAgainstIt)
+{
+    using State = hoDocumentState;
+    EXPECT_EQ(question({State::Good}), "Replace 1 signature?");
+    EXPECT_EQ(question({State::Good, State::SignedByMe, State::Weak}), "Replace 3 signatures?");
+    EXPECT_EQ(question({State::Bad}), "Replace 1 signature? It does not match its document.");
+    EXPECT_EQ(question({State::Good, State::Good, State::Bad, State::Good, State::Good, State::Good}),
+              "Replace 6 signatures? 1 does not match its document.");
+    EXPECT_EQ(question({State::NotTested, State::Bad, State::Changed, State::AnotherKey, State::Bad, State::NotTested}),
+              "Replace 6 signatures? 2 do not match their documents. 1 was made with another key. 1 is no longer what "
+              "was tested. 2 have not been tested.");
+}
