@@ -4,8 +4,7 @@
 //   COUNTERSIGN_FAULT=<call>:<number>:<error>   the call of that name and number (from 1) fails with this error number;
 //                                               error 0 makes read and write do one byte only
 //   COUNTERSIGN_FAULT_MARK=<path>               is created when it has gone wrong
-//   COUNTERSIGN_WITHOUT=<call>,...              these always fail, as on a file system that does not have them: link and
-//                                               renameat2
+//   COUNTERSIGN_WITHOUT=<call>,...              these always fail, as on a file system without them: link and renameat2
 //
 // Calls: those of tsSystemFault; new for the allocations from the first call on that names a file or asks about one,
 // parse for those from the start of main on (to be exact from its first pipe: nobody catches what static objects
