@@ -95,9 +95,12 @@ bool concerns(std::size_t number, const Subject& what)
         return isInFolder(slot, what._pPath);
     }
     // The start of a thread has neither path nor descriptor.
-    return what._descriptor < 0 ||
-           (isKept(what._descriptor) &&
-            (foldersOfDescriptor[static_cast<std::size_t>(what._descriptor)] >> number & 1U) != 0);
+    if (what._descriptor < 0 || !isKept(what._descriptor))
+    {
+        return what._descriptor < 0;
+    }
+    const unsigned int folders = foldersOfDescriptor[static_cast<std::size_t>(what._descriptor)];
+    return (folders >> number & 1U) != 0;
 }
 
 long answerOf(const char* pCall, const Subject& what)
