@@ -111,7 +111,8 @@ int performOnFiles(const clArguments& arguments, Work work)
     for (const gtString& file : arguments._files)
     {
         status = std::max(status, work(file, *pKey));
-        if (clIsInterrupted())
+        // What a program that is killed has done is told by then. Where it cannot be told, nothing more is begun.
+        if (clFlushOutput() != 0 || clIsInterrupted())
         {
             break;
         }

@@ -11,6 +11,11 @@
 
 int main(int argc, char** argv)
 {
+    // Without them there is nobody to tell.
+    if (!osOpenClosedStandardStreams())
+    {
+        return clStatusNotChecked;
+    }
     try
     {
         // A core file would hold the private key.

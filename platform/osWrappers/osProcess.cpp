@@ -497,3 +497,26 @@ void osWriteNoCoreFiles()
         forbidTracing();
     }
 }
+
+bool osOpenClosedStandardStreams()
+{
+    constexpr int directions[] = {O_WRONLY, O_RDONLY, O_WRONLY};
+    for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor)
+    {
+        if (::fcntl(descriptor, F_GETFD) >= 0)
+        {
+            continue;
+        }
+        // The lowest free number is this one: those below it are there.
+        int opened = -1;
+        do
+        {
+            opened = ::open("/dev/null", directions[descriptor]);
+        } while (opened < 0 && errno == EINTR);
+        if (opened < 0)
+        {
+            return false;
+        }
+    }
+    return true;
+}

@@ -53,6 +53,12 @@ void osThrowBreakpointException();
 // thread may call this.
 void osWriteNoCoreFiles();
 
+// Opens /dev/null on those of the descriptors 0, 1 and 2 that are closed, so that no file that is opened later takes
+// the place of standard input, output or error. The first is opened for writing and the second for reading: reading
+// from the one and writing to the other fail still, with EBADF. What is written to the third is lost. False, and errno
+// tells why, when the system refuses. To be called before anything else is opened.
+bool osOpenClosedStandardStreams();
+
 #pragma GCC visibility pop
 
 #endif

@@ -563,6 +563,107 @@ TEST_F(Program, TellsThatTheDiskIsFull)
     EXPECT_EQ(_folder.names(), (std::vector<std::string>{"private.pem", "public.pem", "report"}));
 }
 
+TEST_F(Program, TellsWhatOfItsStandardStreamsIsClosed)
+{
+    _folder.write("report", "contents");
+    const std::string cipher = outputOf({"encrypt", "-k", "public.pem", "x"});
+    outputOf({"sign", "-k", "private.pem", "report"});
+    const auto runWithout = [this](const std::vector<int>& closed, const std::vector<std::string>& arguments)
+    {
+        tsCommand toRun = command(arguments);
+        toRun._prepare = [closed]
+        {
+            for (const int descriptor : closed)
+            {
+                close(descriptor);
+            }
+        };
+        return tsRun(toRun);
+    };
+    // Two free numbers are what a pipe takes.
+    for (const std::vector<int>& closed : {std::vector<int>{0}, {0, 1}})
+    {
+        for (const std::vector<std::string>& arguments : {std::vector<std::string>{"encrypt", "-k", "public.pem"},
+                                                          {"decrypt", "-k", "private.pem"},
+                                                          {"test", "-k", "public.pem", "-s", "-", "report"}})
+        {
+            expectFailure(runWithout(closed, arguments), {"standard input", "cannot be read"});
+        }
+    }
+    for (const std::vector<int>& closed : {std::vector<int>{1}, {0, 1}})
+    {
+        for (const std::vector<std::string>& arguments : {std::vector<std::string>{"encrypt", "-k", "public.pem", "x"},
+                                                          {"decrypt", "-k", "private.pem", cipher},
+                                                          {"test", "-k", "public.pem", "report"},
+                                                          {"digest", "-k", "public.pem", "report"},
+                                                          {"key", "-k", "public.pem"},
+                                                          {"--help"}})
+        {
+            expectFailure(runWithout(closed, arguments), {"standard output: cannot be written"});
+        }
+    }
+    // Nothing that is opened takes the place of standard error, and gets what is written there.
+    for (const std::vector<int>& closed : {std::vector<int>{2}, {0, 2}, {1, 2}, {0, 1, 2}})
+    {
+        const std::string signature = _folder.read("report.sig");
+        const tsOutcome outcome = runWithout(closed, {"sign", "-k", "private.pem", "report"});
+        EXPECT_EQ(outcome._exitStatus, 2);
+        EXPECT_EQ(outcome._output + outcome._errors, "");
+        EXPECT_EQ(_folder.read("report.sig"), signature);
+    }
+    EXPECT_EQ(runWithout({2}, {"test", "-k", "public.pem", "report"})._output, "report: good\n");
+    EXPECT_EQ(runWithout({0, 2}, {"test", "-k", "public.pem", "report"})._exitStatus, 0);
+}
+
+// The second document is so large that the program is still at it when the first one's line is read.
+TEST_F(Program, PrintsEachLineWhenItIsDone)
+{
+    _folder.write("first", "contents");
+    _folder.write("huge", "");
+    ASSERT_EQ(truncate((_folder / "huge").c_str(), 64LL * 1024 * 1024 * 1024), 0);
+    tsCommand sign = command({"sign", "-k", "private.pem", "first", "huge"});
+    sign._hasTerminal = true;
+    const std::string logPath = _folder / "log";
+    sign._prepare = [&logPath]
+    {
+        // Standard output of before is kept open: its end is what tells that the program has ended.
+        if (fcntl(STDOUT_FILENO, F_DUPFD, 3) < 0 ||
+            dup2(open(logPath.c_str(), O_WRONLY | O_CREAT, 0600), STDOUT_FILENO) < 0)
+        {
+            _exit(99);
+        }
+    };
+    std::string log;
+    bool isKilled = false;
+    sign._type = [&](const std::string& printed, pid_t process)
+    {
+        if (!isKilled && printed.find(" % of 68.7 GB  huge") != std::string::npos)
+        {
+            isKilled = true;
+            log = readFile(logPath);
+            // There is no tidying up, and no last writing, after this one.
+            kill(process, SIGKILL);
+        }
+        return std::string();
+    };
+    const tsOutcome outcome = tsRun(sign);
+    EXPECT_EQ(outcome._signal, SIGKILL);
+    EXPECT_EQ(log, "first: signed, first.sig\n");
+    EXPECT_EQ(_folder.read("log"), log);
+}
+
+// What could not be told must not be done either.
+TEST_F(Program, BeginsNothingMoreWhenItsLinesGetLost)
+{
+    _folder.write("a", "contents");
+    _folder.write("b", "contents");
+    tsCommand sign = command({"sign", "-k", "private.pem", "a", "b"});
+    sign._outputPath = "/dev/full";
+    expectFailure(tsRun(sign), {"standard output", "No space left on device"});
+    EXPECT_TRUE(_folder.has("a.sig"));
+    EXPECT_FALSE(_folder.has("b.sig"));
+}
+
 // A disk of its own, with no room for another byte; only root can make one, and not everywhere.
 TEST_F(Program, LeavesNoHalfSignatureOnAFullDisk)
 {
