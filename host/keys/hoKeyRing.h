@@ -18,6 +18,7 @@ struct hoLoadedKey
     gtString _path;
     bool _isOpenToOthers = false;        // a private key's file that others than the owner may read or change,
     bool _isFolderOpenToOthers = false;  // or put another one in the place of (see hoKeyFileFacts)
+    bool _isInMemoryForGood = false;     // a private key of which libcrypto leaves traces in memory
 };
 
 struct hoKeyRing

@@ -68,6 +68,8 @@ bool isTaken = false;
 __attribute__((constructor(101))) void setAllocatorOfLibcrypto()
 {
     isTaken = CRYPTO_set_mem_functions(hoAllocateForLibcrypto, hoReallocateForLibcrypto, hoFreeForLibcrypto) == 1;
+    // The end of the program must not take libcrypto away from a loading that was given up (hoKeyLoader).
+    OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
 }
 
 }  // namespace

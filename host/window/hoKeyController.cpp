@@ -49,7 +49,8 @@ void hoKeyController::chooseKey(Half half)
 void hoKeyController::loadKey(const gtString& path, Half half)
 {
     hoKeyFileFacts facts;
-    hoLoadedKey loaded = hoLoadKeyAsking(&_parent, path, facts);
+    const hoKeyNeed need = half == Half::Public ? hoKeyNeed::Public : hoKeyNeed::Any;
+    hoLoadedKey loaded = hoLoadKeyAsking(&_parent, path, need, facts);
     if (loaded._pKey == nullptr)
     {
         if (facts._problem != hoKeyFileProblem::PassphraseNeeded)

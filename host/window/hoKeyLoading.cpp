@@ -1,52 +1,157 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoKeyLoading.h"
 
+#include "host/keys/hoKeyLoader.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoPassphraseDialog.h"
 #include "host/window/hoSummary.h"
+#include "platform/toolkit/gtMainThreadCall.h"
 
-#include <algorithm>
+#include <wx/activityindicator.h>
+#include <wx/button.h>
+#include <wx/dialog.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
+
+#include <cerrno>
+#include <chrono>
+#include <system_error>
 
 namespace
 {
-class Asker : public hoIPassphraseSource
+
+// Most keys are loaded in less time; no dialog flashes up for them.
+constexpr std::chrono::milliseconds patience(200);
+
+// Shown while a key takes its time. Cancel, Escape and the close box end it.
+class WaitingDialog : public wxDialog
 {
 public:
-    Asker(wxWindow* pParent, const wxString& question) : _pParent(pParent), _question(question) {}
-
-    int getPassphrase(char* pBuffer, int size) override
+    WaitingDialog(wxWindow* pParent, const wxString& name) : wxDialog(pParent, wxID_ANY, "Loading the key")
     {
-        hoPassphraseDialog dialog(_pParent, _question);
-        if (dialog.ShowModal() != wxID_OK)
-        {
-            return -1;
-        }
-        const hoTypedSecret passphrase = dialog.passphrase();
-        const std::size_t length = std::min(passphrase.text().size(), static_cast<std::size_t>(size));
-        std::copy_n(passphrase.text().data(), length, pBuffer);
-        return static_cast<int>(length);
+        auto* pIndicator = new wxActivityIndicator(this);
+        auto* pText = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics("Checking the key " + name + "..."));
+        auto* pCancel = new wxButton(this, wxID_CANCEL);
+        pIndicator->Start();
+
+        auto* pLine = new wxBoxSizer(wxHORIZONTAL);
+        pLine->Add(pIndicator, wxSizerFlags().CentreVertical().DoubleBorder(wxRIGHT));
+        pLine->Add(pText, wxSizerFlags(1).CentreVertical());
+        auto* pTop = new wxBoxSizer(wxVERTICAL);
+        pTop->Add(pLine, wxSizerFlags().Expand().DoubleBorder());
+        pTop->Add(pCancel, wxSizerFlags().Right().DoubleBorder(wxLEFT | wxRIGHT | wxBOTTOM));
+        SetSizerAndFit(pTop);
+        CentreOnParent();
+        pCancel->SetFocus();
+    }
+};
+
+// One file. Main thread only.
+class Asker
+{
+public:
+    Asker(wxWindow* pParent, const gtString& path, hoKeyNeed need)
+        : _pParent(pParent),
+          _name(hoDisplayText(hoLastComponent(path), 60)),
+          _call([this] { endWaiting(); }),
+          _loader(path, need, [this] { _call.request(); })
+    {
     }
 
+    // False when the user has cancelled.
+    bool goOn(const wxString& question)
+    {
+        for (;;)
+        {
+            switch (_loader.waitFor(patience))
+            {
+            case hoKeyLoader::State::Finished:
+                return true;
+            case hoKeyLoader::State::PassphraseWanted:
+                askForPassphrase(question);
+                break;
+            case hoKeyLoader::State::Busy:
+                if (!wait())
+                {
+                    return false;
+                }
+                break;
+            }
+        }
+    }
+
+    std::unique_ptr<const hoKey> takeKey(hoKeyFileFacts& facts) { return _loader.takeKey(facts); }
+
 private:
+    void askForPassphrase(const wxString& question)
+    {
+        hoPassphraseDialog dialog(_pParent, question + _name + ":");
+        if (dialog.ShowModal() == wxID_OK)
+        {
+            _loader.answerPassphrase(dialog.passphrase().text());
+        }
+        else
+        {
+            _loader.refusePassphrase();
+        }
+    }
+
+    // Until the state changes; false when the user has cancelled.
+    bool wait()
+    {
+        WaitingDialog dialog(_pParent, _name);
+        _pDialog = &dialog;
+        const int answer = dialog.ShowModal();
+        _pDialog = nullptr;
+        return answer == wxID_OK;
+    }
+
+    void endWaiting()
+    {
+        if (_pDialog != nullptr && _pDialog->IsModal())
+        {
+            _pDialog->EndModal(wxID_OK);
+        }
+    }
+
     wxWindow* const _pParent;
-    const wxString _question;
+    const wxString _name;
+    WaitingDialog* _pDialog = nullptr;
+    gtMainThreadCall _call;
+    hoKeyLoader _loader;  // the last member: its thread uses _call
 };
+
 }  // namespace
 
-hoLoadedKey hoLoadKeyAsking(wxWindow* pParent, const gtString& path, hoKeyFileFacts& facts)
+hoLoadedKey hoLoadKeyAsking(wxWindow* pParent, const gtString& path, hoKeyNeed need, hoKeyFileFacts& facts)
 {
-    const wxString name = hoDisplayText(hoLastComponent(path), 60);
-    wxString question = "Passphrase of " + name + ":";
+    wxString question = "Passphrase of ";
     hoLoadedKey loaded;
     do
     {
-        Asker asker(pParent, question);
         facts = hoKeyFileFacts();
-        loaded._pKey = hoLoadKeyFile(path, &asker, facts);
-        question = "Wrong passphrase. Passphrase of " + name + ":";
+        try
+        {
+            Asker asker(pParent, path, need);
+            if (asker.goOn(question))
+            {
+                loaded._pKey = asker.takeKey(facts);
+            }
+            else
+            {
+                facts._problem = hoKeyFileProblem::PassphraseNeeded;
+            }
+        }
+        catch (const std::system_error& error)
+        {
+            facts._problem = hoKeyFileProblem::CannotBeRead;
+            facts._systemError = error.code().value();
+        }
+        question = "Wrong passphrase. Passphrase of ";
     } while (facts._problem == hoKeyFileProblem::WrongPassphrase);
     loaded._path = path;
     loaded._isOpenToOthers = facts._isPrivate && facts._isOpenToOthers;
     loaded._isFolderOpenToOthers = facts._isPrivate && facts._isFolderOpenToOthers;
+    loaded._isInMemoryForGood = facts._isPrivate && !facts._isLibcryptoMemoryWiped;
     return loaded;
 }

@@ -8,7 +8,7 @@
 class wxWindow;
 
 // The key, or one whose _pKey is null when it could not be loaded; then facts tell why, and PassphraseNeeded that the
-// user did not want to give the passphrase. Shows dialogs above pParent.
-hoLoadedKey hoLoadKeyAsking(wxWindow* pParent, const gtString& path, hoKeyFileFacts& facts);
+// user gave no passphrase or did not want to wait any longer. Shows dialogs above pParent.
+hoLoadedKey hoLoadKeyAsking(wxWindow* pParent, const gtString& path, hoKeyNeed need, hoKeyFileFacts& facts);
 
 #endif

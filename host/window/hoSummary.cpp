@@ -74,6 +74,11 @@ hoSummary hoKeyWarning(const hoLoadedKey& key)
 {
     hoSummary warning = {wxString(), hoDisplayText(key._path) + "\n", false};
     const wxString name = hoQuotedText(hoDisplayText(hoLastComponent(key._path), 60));
+    if (key._isInMemoryForGood)
+    {
+        warning._line = "Traces of the private key " + name + " stay in memory.";
+        warning._details += "    " + gtTextFromBytes(hoLibcryptoMemoryWarning()) + "\n";
+    }
     if (key._isFolderOpenToOthers)
     {
         warning._line = "Others may replace the private key " + name + ".";

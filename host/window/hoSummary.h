@@ -24,7 +24,8 @@ struct hoSummary
     bool _isAllWell;
 };
 
-// A warning if others can get at a private key through its file or folder; an empty line if they cannot.
+// A warning if others can get at a private key through its file, its folder or this program's memory; an empty line if
+// they cannot.
 hoSummary hoKeyWarning(const hoLoadedKey& key);
 
 // The result of a job in one line ("5 documents tested: 3 good, 2 bad."), and document by document.

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Loading of keys without a main window.
+#include "tests/host/SlowKey.h"
 #include "tests/host/window/BareFrame.h"
 
 #include "host/keys/hoNewKeyPair.h"
 #include "host/window/hoKeyController.h"
+
+#include <wx/dialog.h>
 
 #include <sys/stat.h>
 
@@ -65,4 +68,45 @@ TEST_F(KeyController, WarnsOfAPrivateKeyThatOthersMayRead)
     EXPECT_EQ(_warnings.size(), 1U);
     _pController->loadKey(_folder.path("private"), Half::Public);
     EXPECT_EQ(_warnings.size(), 1U);
+}
+
+TEST_F(KeyController, LoadsThePublicKeyOfAFileWithBothWithoutAPassphrase)
+{
+    hoNewKeyPair pair(512);
+    while (!pair.isFinished())
+    {
+        std::this_thread::yield();
+    }
+    ASSERT_EQ(pair.writePrivateKey(_folder.path("encrypted"), "sesame", false)._problem, osWritingProblem::None);
+    _folder.write("both", _folder.read("encrypted") + _folder.read("public"));
+    _pController->loadKey(_folder.path("both"), Half::Public);
+    EXPECT_NE(_pController->keys()._public._pKey, nullptr);
+    EXPECT_EQ(_changes, 1);
+}
+
+TEST_F(KeyController, CancelsAKeyThatTakesHours)
+{
+    const std::string key = slowKey();
+    ASSERT_FALSE(key.empty());
+    _folder.write("slow.pem", key);
+    showWith(new wxWindow(_pFrame, wxID_ANY));
+    tsScript script;
+    const auto hasKeyboard = [](const wxString& title)
+    {
+        const auto* pDialog = dynamic_cast<const wxDialog*>(tsTopModalDialog());
+        return pDialog != nullptr && pDialog->GetTitle() == title && tsHasKeyboard(*pDialog);
+    };
+    script.waitUntil("it is asked for the passphrase", [&] { return hasKeyboard("Passphrase"); })
+        .perform("give one",
+                 []
+                 {
+                     tsType("sesame");
+                     tsPressKeys("Return");
+                 })
+        .waitUntil("it is being checked", [&] { return hasKeyboard("Loading the key"); })
+        .perform("cancel", [] { tsPressKeys("Escape"); })
+        .start();
+    _pController->loadKey(_folder.path("slow.pem"), Half::Any);
+    EXPECT_TRUE(script.isFinished());
+    EXPECT_EQ(_changes, 0);
 }

@@ -29,3 +29,19 @@ TEST(ReplacementQuestion, TellsWhatSpeaksAgainstIt)
               "Replace 6 signatures? 2 do not match their documents. 1 was made with another key. 1 is no longer what "
               "was tested. 2 have not been tested.");
 }
+
+TEST(KeyWarning, TellsHowOthersMayGetAtAPrivateKey)
+{
+    hoLoadedKey key;
+    key._path = "/keys/alice.pem";
+    const wxString name = hoQuotedText("alice.pem");
+    EXPECT_EQ(hoKeyWarning(key)._line, "");
+    key._isInMemoryForGood = true;
+    EXPECT_EQ(hoKeyWarning(key)._line, "Traces of the private key " + name + " stay in memory.");
+    EXPECT_NE(hoKeyWarning(key)._details.find("start it without LD_PRELOAD"), wxString::npos);
+    key._isFolderOpenToOthers = true;
+    EXPECT_EQ(hoKeyWarning(key)._line, "Others may replace the private key " + name + ".");
+    key._isOpenToOthers = true;
+    EXPECT_EQ(hoKeyWarning(key)._line, "Others may read or change the private key " + name + ".");
+    EXPECT_NE(hoKeyWarning(key)._details.find("start it without LD_PRELOAD"), wxString::npos) << "one hides another";
+}
