@@ -19,6 +19,20 @@ hoSignatureFileResult cannotBeWritten(int systemError)
     return hoSignatureFileResult(hoSignatureFileProblem::CannotBeWritten, systemError);
 }
 
+// Of a name that nothing is in the way of.
+hoSignatureFileResult checkFolder(const gtString& path, bool mayOverwrite)
+{
+    try
+    {
+        const int error = osCheckFolderOfFile(path, mayOverwrite);
+        return error == 0 ? hoSignatureFileProblem::None : cannotBeWritten(error);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return hoSignatureFileProblem::NoMemory;
+    }
+}
+
 }  // namespace
 
 gtString hoSignaturePath(const gtString& path)
@@ -73,7 +87,7 @@ hoSignatureFileResult hoCheckSignaturePath(const gtString& path, bool mayOverwri
         }
         // A link to a file that does not exist has the name, too. Overwriting follows it.
         const bool isLink = !mayOverwrite && ::lstat(path.asCharArray(), &status) == 0;
-        return isLink ? hoSignatureFileProblem::Exists : hoSignatureFileProblem::None;
+        return isLink ? hoSignatureFileProblem::Exists : checkFolder(path, mayOverwrite);
     }
     if (!S_ISREG(status.st_mode))
     {
@@ -100,7 +114,7 @@ hoSignatureFileResult hoCheckSignaturePath(const gtString& path, bool mayOverwri
     {
         return hoSignatureFileProblem::NoMemory;
     }
-    return mayOverwrite ? hoSignatureFileProblem::None : hoSignatureFileProblem::Exists;
+    return mayOverwrite ? checkFolder(path, mayOverwrite) : hoSignatureFileProblem::Exists;
 }
 
 hoSignatureFileResult hoWriteSignatureFile(const gtString& path, const gtString& signature, bool mayOverwrite)

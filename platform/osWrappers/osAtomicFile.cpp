@@ -237,6 +237,16 @@ osWritingResult osWriteFileAtomically(const gtString& path, std::string_view byt
     return osWritingResult();
 }
 
+int osCheckFolderOfFile(const gtString& path, bool mayOverwrite)
+{
+    if (path.asStringView().find('\0') != std::string_view::npos)
+    {
+        return EINVAL;
+    }
+    const std::string folder = folderOf(mayOverwrite ? followLinks(path.asStdString()) : path.asStdString());
+    return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0 ? 0 : errno;
+}
+
 bool osIsReadOnly(const gtString& path)
 {
     struct stat status = {};

@@ -168,3 +168,23 @@ TEST_F(Targets, ThatAreReadOnlyAreReplacedWithAWarning)
     ASSERT_EQ(stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0444U);
 }
+
+// A document that is not there is told about when it is read.
+TEST_F(Targets, ThatCannotBeWrittenAreFoundFirst)
+{
+    expectFailure(run({"sign", "-k", "private.pem", "-o", "no/such/folder", "missing"}),
+                  {"no/such/folder: the signature cannot be written: No such file or directory"});
+    expectFailure(run({"sign", "-k", "private.pem", "-o", "report/below", "missing"}),
+                  {"report/below: the signature cannot be written: Not a directory"});
+    ASSERT_EQ(mkdir((_folder / "folder").c_str(), 0700), 0);
+    _folder.write("folder/signed.sig", _signature);
+    fs::create_symlink("folder/new.sig", _folder / "link.sig");
+    fs::create_symlink("folder/signed.sig", _folder / "signed.sig");
+    ASSERT_EQ(chmod((_folder / "folder").c_str(), 0500), 0);
+    for (const char* pDocument : {"folder/missing", "folder/signed", "link", "signed"})
+    {
+        tsCommand sign = command({"sign", "--force", "-k", "private.pem", pDocument});
+        sign._prepare = loseRootsRights;
+        expectFailure(tsRun(sign), {std::string(pDocument) + ".sig: the signature cannot be written: Permission"});
+    }
+}

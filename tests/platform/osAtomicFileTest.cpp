@@ -148,3 +148,18 @@ TEST(WholeFile, TellsWhatIsReadOnly)
     EXPECT_FALSE(osIsReadOnly(folder.path("missing")));
     EXPECT_FALSE(osIsReadOnly(gtString("a\0b", 3)));
 }
+
+TEST(WholeFile, NeedsAFolderThatLetsItBeMade)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("a", "");
+    EXPECT_EQ(osCheckFolderOfFile(path, true), 0);
+    EXPECT_EQ(osCheckFolderOfFile("a", false), 0);
+    EXPECT_EQ(osCheckFolderOfFile(folder.path("missing/a"), false), ENOENT);
+    EXPECT_EQ(osCheckFolderOfFile(path + "/a", false), ENOTDIR);
+    EXPECT_EQ(osCheckFolderOfFile(gtString("a\0b", 3), false), EINVAL);
+    // The folder of what is overwritten, not that of the link to it.
+    std::filesystem::create_symlink("missing/a", folder.path("link"));
+    EXPECT_EQ(osCheckFolderOfFile(folder.path("link"), true), ENOENT);
+    EXPECT_EQ(osCheckFolderOfFile(folder.path("link"), false), 0);
+}
