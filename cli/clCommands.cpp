@@ -14,6 +14,7 @@
 #include "cli/clProgressLine.h"
 #include "cli/clStandardStreams.h"
 #include "cli/clTerminal.h"
+#include "cli/clTerminalPassphrase.h"
 #include "host/messages/hoMessages.h"
 #include "platform/baseTools/gtWipe.h"
 #include "platform/osWrappers/osAtomicFile.h"
@@ -64,15 +65,15 @@ std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
                                 ((arguments._command == clCommand::Encrypt || arguments._command == clCommand::Key) &&
                                  !arguments._isPrivateWanted);
     const gtString name = clPrintableName(arguments._keyPath);
-    clTerminalPassphrase passphrase(name);
+    clTerminalPassphrase passphrase(gtString("Passphrase for ").append(name).append(": "));
     hoKeyFileFacts facts;
     std::unique_ptr<const hoKey> pKey =
         hoLoadKeyFile(arguments._keyPath, &passphrase, facts, isPublicEnough ? hoKeyNeed::Public : hoKeyNeed::Any);
-    if (pKey == nullptr)
+    if (pKey == nullptr && !clIsInterrupted())
     {
         complain(name, hoKeyFileReason(facts), clKeyAdvice(facts, passphrase.isWithoutTerminal()));
     }
-    else if (pKey->hasPrivateKey())
+    else if (pKey != nullptr && pKey->hasPrivateKey())
     {
         warnOfPrivateKey(name, facts);
     }

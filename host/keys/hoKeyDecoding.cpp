@@ -7,11 +7,14 @@
 
 #include <openssl/decoder.h>
 #include <openssl/err.h>
+#include <openssl/pem.h>
 #include <openssl/proverr.h>
 #include <openssl/x509.h>
 
 namespace
 {
+
+static_assert(hoLongestPassphrase == PEM_BUFSIZE, "libcrypto has room for no more");
 
 using Decoder = std::unique_ptr<OSSL_DECODER_CTX, hoReleaser<OSSL_DECODER_CTX, OSSL_DECODER_CTX_free>>;
 using Certificate = std::unique_ptr<X509, hoReleaser<X509, X509_free>>;
@@ -21,9 +24,9 @@ extern "C" int hoAnswerPassphraseQuestion(char* pBuffer, int size, int /*isForWr
     auto* pQuestion = static_cast<hoPassphraseQuestion*>(pQuestionAsVoid);
     if (!pQuestion->_isAsked && pQuestion->_pSource != nullptr)
     {
-        const int room = PEM_BUFSIZE;
-        pQuestion->_length = pQuestion->_pSource->getPassphrase(pQuestion->_answer, room);
-        pQuestion->_isAnswered = pQuestion->_length >= 0 && pQuestion->_length <= room;
+        pQuestion->_length = pQuestion->_pSource->getPassphrase(pQuestion->_answer, hoLongestPassphrase);
+        pQuestion->_isTooLong = pQuestion->_length > hoLongestPassphrase;
+        pQuestion->_isAnswered = pQuestion->_length >= 0 && !pQuestion->_isTooLong;
     }
     pQuestion->_isAsked = true;
     if (!pQuestion->_isAnswered || pQuestion->_length > size)
@@ -85,6 +88,10 @@ hoKeyFileProblem hoDecodingProblem(const hoPassphraseQuestion& question)
     if (!question._isAsked)
     {
         return isUnsupported ? hoKeyFileProblem::EncryptionNotSupported : hoKeyFileProblem::Damaged;
+    }
+    if (question._isTooLong)
+    {
+        return hoKeyFileProblem::PassphraseTooLong;
     }
     if (!question._isAnswered)
     {

@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-#include <openssl/pem.h>
+#include <openssl/crypto.h>
 
 #include "host/keys/hoKeyFile.h"
 #include "host/keys/hoLibcryptoObjects.h"
@@ -21,8 +21,9 @@ struct hoPassphraseQuestion
     hoIPassphraseSource* _pSource = nullptr;
     bool _isAsked = false;
     bool _isAnswered = false;
+    bool _isTooLong = false;
     int _length = 0;
-    char _answer[PEM_BUFSIZE] = {};
+    char _answer[hoLongestPassphrase] = {};
 };
 
 // pForm: "PEM" or "DER". pType: of the key; null for any. Null, and libcrypto's errors say why, if there is none.

@@ -44,6 +44,7 @@ enum class hoKeyFileProblem
     RsaPss,                  // an RSA key that is marked for RSASSA-PSS alone
     PassphraseNeeded,        // it is encrypted, and no passphrase was given
     WrongPassphrase,         // it is encrypted, and does not come out with the passphrase that was given
+    PassphraseTooLong,       // more than hoLongestPassphrase bytes were given; no key file takes them
     EncryptionNotSupported,  // it is encrypted in a way that libcrypto does not have (any more)
     Damaged,                 // its numbers cannot be read, or the private half does not fit the public one
     Unsafe,            // with these numbers nothing is kept secret: an even one, an exponent below 3, a prime modulus
@@ -52,6 +53,7 @@ enum class hoKeyFileProblem
 };
 
 constexpr long hoLargestKeyFile = 1024 * 1024;
+constexpr int hoLongestPassphrase = 1024;
 constexpr int hoLargestKeyBits = 16384;
 constexpr int hoMostCheckedBits = 4096;
 
@@ -85,7 +87,8 @@ public:
     virtual ~hoIPassphraseSource();
 
     // Puts a passphrase of at most size bytes into the buffer, without a terminator, and returns its length; -1 when
-    // there is none. The buffer is overwritten afterwards. Called at most once a file.
+    // there is none, and more than size when it has more bytes than that. The buffer is overwritten afterwards. Called
+    // at most once a file.
     virtual int getPassphrase(char* pBuffer, int size) = 0;
 };
 

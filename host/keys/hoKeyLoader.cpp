@@ -63,7 +63,8 @@ public:
         {
             const std::size_t length = std::min(pPassphrase->size(), _size);
             std::copy_n(pPassphrase->data(), length, _pBuffer);
-            _lengthOfAnswer = static_cast<int>(length);
+            // A longer one is told by its length.
+            _lengthOfAnswer = static_cast<int>(std::min(pPassphrase->size(), _size + 1));
         }
         _state = State::Busy;
         _changed.notify_all();

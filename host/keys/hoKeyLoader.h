@@ -34,7 +34,7 @@ public:
     // The state, as soon as it is not Busy, or Busy after that time.
     State waitFor(std::chrono::milliseconds time) const;
 
-    // Only in the state PassphraseWanted. A passphrase that is longer than libcrypto takes is cut.
+    // Only in the state PassphraseWanted. One of more than hoLongestPassphrase bytes is PassphraseTooLong.
     void answerPassphrase(std::string_view passphrase);
     void refusePassphrase();
 

@@ -120,6 +120,10 @@ gtString hoKeyFileReason(const hoKeyFileFacts& facts)
         return "it is not an RSA key";
     case hoKeyFileProblem::PassphraseNeeded:
         return "it is encrypted, and no passphrase was given";
+    case hoKeyFileProblem::PassphraseTooLong:
+        return gtString("the passphrase is too long; a key file takes up to ")
+            .append(std::to_string(hoLongestPassphrase))
+            .append(" bytes");
     case hoKeyFileProblem::WrongPassphrase:
         return "wrong passphrase";
     case hoKeyFileProblem::Damaged:

@@ -195,8 +195,10 @@ for pattern in manifest["cleanup"]:
 expect([module["name"] for module in manifest["modules"]][-1] == "countersign", "the last module is not ours")
 for module in manifest["modules"]:
     known(module, "name buildsystem builddir config-opts sources", module["name"])
-    expect(module["buildsystem"] == "cmake-ninja", f"the build system of {module['name']}")
-    expect(all(re.fullmatch(r"-D\w+=\S+", option) for option in module["config-opts"]), f"options of {module['name']}")
+    forms = {"cmake-ninja": r"-D\w+=\S+", "autotools": r"--[a-z]\S*"}
+    expect(module["buildsystem"] in forms, f"the build system of {module['name']}")
+    form = forms[module["buildsystem"]]
+    expect(all(re.fullmatch(form, option) for option in module.get("config-opts", [])), f"options of {module['name']}")
     for source in module["sources"]:
         if source["type"] == "git":
             known(source, "type url tag commit", module["name"])

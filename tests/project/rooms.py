@@ -20,6 +20,7 @@ LIBRARIES = {
     "x11": r"X11/",
     "openssl": r"openssl/",
     "cli11": r"CLI/",
+    "libbsd": r"(bsd/|readpassphrase\.h)",
 }
 
 PLATFORM = ["platform/baseTools", "platform/osWrappers"]
@@ -51,7 +52,7 @@ ROOMS = {
         + PLATFORM,
         ["wx"],
     ),
-    "cli": (ENGINES + ["crypto"] + PLATFORM, ["cli11"]),
+    "cli": (ENGINES + ["crypto"] + PLATFORM, ["cli11", "libbsd"]),
 }
 
 # Made by the build, or found on the include path of whoever links the shell.
