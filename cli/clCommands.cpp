@@ -348,8 +348,8 @@ bool hasWantedHalf(const clArguments& arguments, const hoKey& key)
 int encrypt(const clArguments& arguments)
 {
     const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
-    gtString text;
-    if (pKey == nullptr || !hasWantedHalf(arguments, *pKey) || !readText(arguments, text))
+    gtWipedText text;
+    if (pKey == nullptr || !hasWantedHalf(arguments, *pKey) || !readText(arguments, text._text))
     {
         return clStatusNotChecked;
     }
@@ -358,9 +358,9 @@ int encrypt(const clArguments& arguments)
         complain(gtString("warning: ").append(clPrintableName(arguments._keyPath)), hoPrivateEncryptionWarning());
     }
     gtString cipherText;
-    const hoTextResult result = hoEncryptText(pKey->ownKey(), text, cipherText);
-    const int lengthOfText = text.length();
-    gtWipe(text);
+    const hoTextResult result = hoEncryptText(pKey->ownKey(), text._text, cipherText);
+    const int lengthOfText = text._text.length();
+    gtWipe(text._text);
     if (!result.isOk())
     {
         clComplain(hoEncryptionReason(result._problem, pKey->ownKey(), lengthOfText));
@@ -378,8 +378,8 @@ int decrypt(const clArguments& arguments)
     {
         return clStatusNotChecked;
     }
-    gtString text;
-    const hoTextResult result = hoDecryptText(pKey->ownKey(), cipherText, text);
+    gtWipedText text;
+    const hoTextResult result = hoDecryptText(pKey->ownKey(), cipherText, text._text);
     if (!result.isOk())
     {
         const gtString reason = hoDecryptionReason(result._problem, pKey->ownKey(), cipherText.length());
@@ -391,12 +391,11 @@ int decrypt(const clArguments& arguments)
         clComplain(reason);
         return clStatusNotChecked;
     }
-    clWriteOutput(text);
+    clWriteOutput(text._text);
     if (clIsOutputATerminal())
     {
         clWriteOutput("\n");
     }
-    gtWipe(text);
     return clStatusGood;
 }
 
@@ -408,11 +407,10 @@ int printKey(const clArguments& arguments)
         return clStatusNotChecked;
     }
     const crRSAEncryptionKey& key = arguments._isPrivateWanted ? pKey->privateKey() : pKey->publicKey();
-    gtString exponent = hoFixedWidthText(key.numberDigits(), key.amountOfNumberDigits());
+    gtWipedText exponent{hoFixedWidthText(key.numberDigits(), key.amountOfNumberDigits())};
     clWriteOutput(gtString("size ").append(std::to_string(pKey->bits())).append("\nmodulus "));
     clWriteOutput(hoFixedWidthText(key.productDigits(), key.amountOfProductDigits()).append("\nexponent "));
-    clWriteOutput(exponent);
-    gtWipe(exponent);
+    clWriteOutput(exponent._text);
     clWriteOutput("\n");
     return clStatusGood;
 }

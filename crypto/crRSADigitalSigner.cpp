@@ -36,13 +36,6 @@ unsigned long amountToReadAtOnce(unsigned long bytesAtOnce)
     return osFile::bufferCapacity / bytesAtOnce * bytesAtOnce + bytesAtOnce;
 }
 
-struct WipedText
-{
-    gtString _text;
-
-    ~WipedText() { gtWipe(_text); }
-};
-
 }  // namespace
 
 crRSADigitalSigner::crRSADigitalSigner(const crRSAEncryptionKey& key)
@@ -168,7 +161,7 @@ bool crRSADigitalSigner::getSignature(const osFilePath& file, gtString& signatur
     {
         if (createMessageDigestDigits() && createFileMessageDigest(file))
         {
-            WipedText digest;
+            gtWipedText digest;
             messageDigestToString(digest._text);
             succeeded = crRSAStringEncryptor(_key).encrypt(digest._text, signature);
         }
@@ -188,9 +181,9 @@ bool crRSADigitalSigner::testSignature(const osFilePath& file, const gtString& s
     {
         if (createMessageDigestDigits() && createFileMessageDigest(file))
         {
-            WipedText digest;
+            gtWipedText digest;
             messageDigestToString(digest._text);
-            WipedText decrypted;
+            gtWipedText decrypted;
             bool isShortOfMemory = false;
             // A signature of a megabyte can ask for a gigabyte of output.
             isGood = crRSAStringEncryptor(_key).decrypt(signature, decrypted._text, isShortOfMemory,

@@ -71,19 +71,6 @@ void fixedWidthText(const BIGNUM* pNumber, int amountOfDigits, gtString& text)
     }
 }
 
-class WipedText
-{
-public:
-    WipedText() = default;
-    ~WipedText() { gtWipe(_text); }
-    WipedText(const WipedText&) = delete;
-    WipedText& operator=(const WipedText&) = delete;
-    gtString& text() { return _text; }
-
-private:
-    gtString _text;
-};
-
 // Whether the number is an exponent that a key of the modulus can have.
 bool isExponent(const hoBigNumber& number, const hoBigNumber& modulus)
 {
@@ -184,9 +171,9 @@ std::unique_ptr<const hoKey> hoKeyMaker::makeKey(hoLibcryptoKey& anyKey, hoKeyFi
 bool hoKeyMaker::load(crRSAEncryptionKey& key, const hoBigNumber& modulus, const hoBigNumber& exponent, int bits)
 {
     const int digitsOfExponent = (BN_num_bits(exponent.get()) + bitsPerDigit - 1) / bitsPerDigit;
-    WipedText modulusText;
-    WipedText exponentText;
-    fixedWidthText(modulus.get(), bits / bitsPerDigit, modulusText.text());
-    fixedWidthText(exponent.get(), digitsOfExponent, exponentText.text());
-    return key.setKeyFromStrings(bits, modulusText.text(), digitsOfExponent * bitsPerDigit, exponentText.text());
+    gtWipedText modulusText;
+    gtWipedText exponentText;
+    fixedWidthText(modulus.get(), bits / bitsPerDigit, modulusText._text);
+    fixedWidthText(exponent.get(), digitsOfExponent, exponentText._text);
+    return key.setKeyFromStrings(bits, modulusText._text, digitsOfExponent * bitsPerDigit, exponentText._text);
 }

@@ -135,11 +135,10 @@ void hoEncryptionDialog::encrypt()
     {
         return;
     }
-    gtString text = gtBytesFromText(_pPlain->GetValue());
+    gtWipedText text{gtBytesFromText(_pPlain->GetValue())};
     gtString cipherText;
-    const hoTextResult result = hoEncryptText(*encryptingKey(), text, cipherText);
-    const int length = text.length();
-    gtWipe(text);
+    const hoTextResult result = hoEncryptText(*encryptingKey(), text._text, cipherText);
+    const int length = text._text.length();
     if (result.isOk())
     {
         _pCipher->ChangeValue(gtTextFromBytes(cipherText));

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <iterator>
+#include <new>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -27,4 +30,15 @@ TEST(Wipe, EmptiesATextAndItsMemory)
     {
         ASSERT_EQ(pCharacters[i], '\0');
     }
+}
+
+TEST(WipedText, IsOverwrittenWhereItStood)
+{
+    // A short text stands in the object itself.
+    const std::string secret = "secret";
+    alignas(gtWipedText) unsigned char place[sizeof(gtWipedText)];
+    auto* pText = new (place) gtWipedText{"secret"};
+    ASSERT_NE(std::search(std::begin(place), std::end(place), std::begin(secret), std::end(secret)), std::end(place));
+    pText->~gtWipedText();
+    EXPECT_EQ(std::search(std::begin(place), std::end(place), std::begin(secret), std::end(secret)), std::end(place));
 }
