@@ -3,15 +3,13 @@
 
 #include <cerrno>
 
-gtString clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal)
+gtString clKeyAdvice(const hoKeyFileFacts& facts)
 {
     switch (facts._problem)
     {
     case hoKeyFileProblem::NoKey:
     case hoKeyFileProblem::NotRsa:
         return "; openssl genrsa makes one";
-    case hoKeyFileProblem::PassphraseNeeded:
-        return isWithoutTerminal ? "; there is no terminal to ask for it on" : "";
     default:
         return "";
     }

@@ -7,8 +7,7 @@
 #include "host/keys/hoKeyFile.h"
 #include "host/signing/hoFileSigning.h"
 
-// isWithoutTerminal: the passphrase could not be asked for.
-gtString clKeyAdvice(const hoKeyFileFacts& facts, bool isWithoutTerminal);
+gtString clKeyAdvice(const hoKeyFileFacts& facts);
 
 gtString clSigningAdvice(const hoSigningFacts& facts);
 

@@ -2,11 +2,13 @@
 #include "cli/clArguments.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string>
 #include <string_view>
 
 #include <CLI/CLI.hpp>
 
+#include "cli/clPrintableName.h"
 #include "cli/clSplitArguments.h"
 #include "countersignVersion.h"
 
@@ -104,6 +106,8 @@ struct ParsedValues
     std::string _outputPath;
     std::string _signaturePath;
     std::string _plainText;
+    std::string _passphraseDescriptor;
+    std::string _passphrasePath;
 };
 
 // CLI11 needs addresses that stay.
@@ -121,6 +125,7 @@ private:
     static clCommandShape shapeOf(const CLI::App& app, const std::string& name);
     std::vector<clCommandShape> shapes() const;
     clArguments textFor(const clSplitArguments& arguments) const;
+    void takePassphraseDescriptor(clArguments& result, const gtString& command) const;
     void checkWhatParserCannot(clArguments& result) const;
     static clArguments wrongUse(const gtString& what, const gtString& command);
 
@@ -131,6 +136,7 @@ private:
     bool _isDigestOnly = false;
     bool _isWeakAccepted = false;
     bool _isPrivateWanted = false;
+    bool _areWarningsLeftOut = false;
     CLI::Option* _pOutput = nullptr;
     CLI::Option* _pSignature = nullptr;
     std::vector<CLI::Option*> _texts;
@@ -186,6 +192,13 @@ CLI::App* Parser::addCommand(clCommand command, const std::string& name, const s
     pCommand->set_help_flag("-h,--help", "Print this help and end");
     pCommand->footer(footer);
     pCommand->add_option("-k,--key", _values._keyPath, keyDescription)->type_name("PEM")->required();
+    pCommand
+        ->add_option("--passphrase-fd", _values._passphraseDescriptor,
+                     "Read the key's passphrase from this descriptor: a line")
+        ->type_name("N");
+    pCommand->add_option("--passphrase-file", _values._passphrasePath, "Read it from the first line of this file")
+        ->type_name("PATH");
+    pCommand->add_flag("--no-warnings", _areWarningsLeftOut, "Do not warn of what is risky");
     _commands.emplace_back(command, pCommand);
     return pCommand;
 }
@@ -312,12 +325,36 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
     result._isDigestOnly = _isDigestOnly;
     result._isWeakAccepted = _isWeakAccepted;
     result._isPrivateWanted = _isPrivateWanted;
+    result._passphrasePath = unmarked(_values._passphrasePath);
+    result._areWarningsLeftOut = _areWarningsLeftOut;
     result._hasOutput = _pOutput->count() > 0;
     result._hasSignature = _pSignature->count() > 0;
     result._hasPlainText =
         std::any_of(_texts.begin(), _texts.end(), [](const CLI::Option* pText) { return pText->count() > 0; });
+    takePassphraseDescriptor(result, split._command);
     checkWhatParserCannot(result);
     return result;
+}
+
+void Parser::takePassphraseDescriptor(clArguments& result, const gtString& command) const
+{
+    const std::string& text = _values._passphraseDescriptor;
+    if (text.empty())
+    {
+        return;
+    }
+    const char* const pEnd = text.data() + text.size();
+    const auto [pRest, error] = std::from_chars(text.data(), pEnd, result._passphraseDescriptor);
+    if (error != std::errc() || pRest != pEnd || result._passphraseDescriptor < 0)
+    {
+        result = wrongUse(gtString("--passphrase-fd takes the number of a descriptor, and not ")
+                              .append(clPrintableName(unmarked(text))),
+                          command);
+    }
+    else if (!result._passphrasePath.isEmpty())
+    {
+        result = wrongUse("--passphrase-fd and --passphrase-file do not go together", command);
+    }
 }
 
 void Parser::checkWhatParserCannot(clArguments& result) const

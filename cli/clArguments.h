@@ -35,6 +35,9 @@ struct clArguments
     bool _isPrivateWanted = false;  // --private
     bool _hasPlainText = false;     // TEXT
     gtString _plainText;
+    int _passphraseDescriptor = -1;    // --passphrase-fd; -1: not given
+    gtString _passphrasePath;          // --passphrase-file; empty: not given
+    bool _areWarningsLeftOut = false;  // --no-warnings
 };
 
 // Parses the arguments that follow the program's name. Never throws, but for missing memory.

@@ -10,11 +10,11 @@
 #include "cli/clAdvice.h"
 #include "cli/clInputs.h"
 #include "cli/clInterrupt.h"
+#include "cli/clKeyLoading.h"
 #include "cli/clPrintableName.h"
 #include "cli/clProgressLine.h"
 #include "cli/clStandardStreams.h"
 #include "cli/clTerminal.h"
-#include "cli/clTerminalPassphrase.h"
 #include "host/messages/hoMessages.h"
 #include "platform/baseTools/gtWipe.h"
 #include "platform/osWrappers/osAtomicFile.h"
@@ -42,41 +42,14 @@ void complainOfSigning(const clArguments& arguments, const gtString& name, const
     complain(isTheKeys ? clPrintableName(arguments._keyPath) : name, hoSigningReason(facts), clSigningAdvice(facts));
 }
 
-void warnOfPrivateKey(const gtString& name, const hoKeyFileFacts& facts)
-{
-    const gtString warning = gtString("warning: ").append(name);
-    if (facts._isOpenToOthers)
-    {
-        complain(warning, hoOpenKeyWarning());
-    }
-    if (facts._isFolderOpenToOthers)
-    {
-        complain(warning, hoOpenFolderWarning());
-    }
-    if (!facts._isLibcryptoMemoryWiped)
-    {
-        complain(warning, hoLibcryptoMemoryWarning());
-    }
-}
-
 std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
 {
     const bool isPublicEnough = arguments._command == clCommand::Test || arguments._command == clCommand::Digest ||
                                 ((arguments._command == clCommand::Encrypt || arguments._command == clCommand::Key) &&
                                  !arguments._isPrivateWanted);
-    const gtString name = clPrintableName(arguments._keyPath);
-    clTerminalPassphrase passphrase(gtString("Passphrase for ").append(name).append(": "));
     hoKeyFileFacts facts;
     std::unique_ptr<const hoKey> pKey =
-        hoLoadKeyFile(arguments._keyPath, &passphrase, facts, isPublicEnough ? hoKeyNeed::Public : hoKeyNeed::Any);
-    if (pKey == nullptr && !clIsInterrupted())
-    {
-        complain(name, hoKeyFileReason(facts), clKeyAdvice(facts, passphrase.isWithoutTerminal()));
-    }
-    else if (pKey != nullptr && pKey->hasPrivateKey())
-    {
-        warnOfPrivateKey(name, facts);
-    }
+        clLoadKey(arguments, arguments._keyPath, isPublicEnough ? hoKeyNeed::Public : hoKeyNeed::Any, facts);
     // A private key need not be in memory longer than it takes to read its file.
     return (pKey != nullptr && isPublicEnough) ? pKey->publicHalf() : std::move(pKey);
 }
@@ -353,7 +326,7 @@ int encrypt(const clArguments& arguments)
     {
         return clStatusNotChecked;
     }
-    if (arguments._isPrivateWanted)
+    if (arguments._isPrivateWanted && !arguments._areWarningsLeftOut)
     {
         complain(gtString("warning: ").append(clPrintableName(arguments._keyPath)), hoPrivateEncryptionWarning());
     }
