@@ -88,10 +88,12 @@ The text is printed byte by byte; a line end is added on a terminal only. Exit s
 
 const char* const keyFooter = R"(Examples:
   countersign key --key public.pem
-  countersign key --key private.pem --private
+  countersign key --key private.pem --public > public.pem
 
-Prints size, modulus and exponent, eight hexadecimal characters a digit of 32 bits, the highest digit first. Of a
-private key the public exponent is printed, unless --private asks for the one that nobody else must see.)";
+Prints one line each: the size in bits, whether the file has a private key, whether that is encrypted, the fingerprint
+(SHA-256 of the public key in DER), and the short fingerprint that countersignatures name. With --numbers modulus and
+exponent follow, eight hexadecimal characters a digit of 32 bits, the highest digit first. --private prints the private
+exponent, which nobody else must see. --public prints the public key and nothing else.)";
 
 const char* const digestFooter = R"(Examples:
   countersign digest --key public.pem report.pdf
@@ -136,6 +138,8 @@ private:
     bool _isDigestOnly = false;
     bool _isWeakAccepted = false;
     bool _isPrivateWanted = false;
+    bool _isPublicWanted = false;
+    bool _areNumbersWanted = false;
     bool _areWarningsLeftOut = false;
     CLI::Option* _pOutput = nullptr;
     CLI::Option* _pSignature = nullptr;
@@ -176,9 +180,11 @@ Parser::Parser()
                        "The partner of the key that encrypted, a PEM file, private or public"),
             "The cipher text; standard input without it");
 
-    CLI::App* pKey = addCommand(clCommand::Key, "key", "Print a key's size, modulus and exponent", keyFooter,
+    CLI::App* pKey = addCommand(clCommand::Key, "key", "Show a key, or print its public half", keyFooter,
                                 "The key, a PEM file, private or public");
-    pKey->add_flag("-p,--private", _isPrivateWanted, "Print the private exponent");
+    pKey->add_flag("-p,--private", _isPrivateWanted, "Print the numbers, with the private exponent");
+    pKey->add_flag("-P,--public", _isPublicWanted, "Print the public half as PEM, and nothing else");
+    pKey->add_flag("-n,--numbers", _areNumbersWanted, "Print modulus and exponent, too");
 
     addFiles(addCommand(clCommand::Digest, "digest", "Print the digest text of files", digestFooter,
                         "A key of the size that shall sign, a PEM file, private or public"),
@@ -325,6 +331,8 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
     result._isDigestOnly = _isDigestOnly;
     result._isWeakAccepted = _isWeakAccepted;
     result._isPrivateWanted = _isPrivateWanted;
+    result._isPublicWanted = _isPublicWanted;
+    result._areNumbersWanted = _areNumbersWanted;
     result._passphrasePath = unmarked(_values._passphrasePath);
     result._areWarningsLeftOut = _areWarningsLeftOut;
     result._hasOutput = _pOutput->count() > 0;
@@ -359,6 +367,11 @@ void Parser::takePassphraseDescriptor(clArguments& result, const gtString& comma
 
 void Parser::checkWhatParserCannot(clArguments& result) const
 {
+    if (result._isPublicWanted && (result._isPrivateWanted || result._areNumbersWanted))
+    {
+        result = wrongUse("--public prints nothing else; leave --private and --numbers out", "key");
+        return;
+    }
     if (result._files.size() < 2)
     {
         return;

@@ -22,21 +22,23 @@ enum class clCommand
 struct clArguments
 {
     clCommand _command = clCommand::WrongUse;
-    gtString _text;                // of ShowText and WrongUse, ready to be printed
-    gtString _keyPath;             // --key
-    std::vector<gtString> _files;  // FILE...
-    bool _hasOutput = false;       // --output
-    gtString _outputPath;
-    bool _isForced = false;      // --force
-    bool _isDigestOnly = false;  // --digest-only
-    bool _hasSignature = false;  // --signature
-    gtString _signaturePath;
-    bool _isWeakAccepted = false;   // --accept-weak
-    bool _isPrivateWanted = false;  // --private
-    bool _hasPlainText = false;     // TEXT
-    gtString _plainText;
     int _passphraseDescriptor = -1;    // --passphrase-fd; -1: not given
+    gtString _text;                    // of ShowText and WrongUse, ready to be printed
+    gtString _keyPath;                 // --key
+    std::vector<gtString> _files;      // FILE...
+    gtString _outputPath;              // --output
+    gtString _signaturePath;           // --signature
+    gtString _plainText;               // TEXT
     gtString _passphrasePath;          // --passphrase-file; empty: not given
+    bool _hasOutput = false;           // --output
+    bool _hasSignature = false;        // --signature
+    bool _hasPlainText = false;        // TEXT
+    bool _isForced = false;            // --force
+    bool _isDigestOnly = false;        // --digest-only
+    bool _isWeakAccepted = false;      // --accept-weak
+    bool _isPrivateWanted = false;     // --private
+    bool _isPublicWanted = false;      // --public
+    bool _areNumbersWanted = false;    // --numbers
     bool _areWarningsLeftOut = false;  // --no-warnings
 };
 

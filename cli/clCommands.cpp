@@ -10,6 +10,7 @@
 #include "cli/clAdvice.h"
 #include "cli/clInputs.h"
 #include "cli/clInterrupt.h"
+#include "cli/clKeyCommand.h"
 #include "cli/clKeyLoading.h"
 #include "cli/clPrintableName.h"
 #include "cli/clProgressLine.h"
@@ -45,8 +46,7 @@ void complainOfSigning(const clArguments& arguments, const gtString& name, const
 std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
 {
     const bool isPublicEnough = arguments._command == clCommand::Test || arguments._command == clCommand::Digest ||
-                                ((arguments._command == clCommand::Encrypt || arguments._command == clCommand::Key) &&
-                                 !arguments._isPrivateWanted);
+                                (arguments._command == clCommand::Encrypt && !arguments._isPrivateWanted);
     hoKeyFileFacts facts;
     std::unique_ptr<const hoKey> pKey =
         clLoadKey(arguments, arguments._keyPath, isPublicEnough ? hoKeyNeed::Public : hoKeyNeed::Any, facts);
@@ -307,22 +307,11 @@ bool readText(const clArguments& arguments, gtString& text)
     return error == 0;
 }
 
-// Whether the key has the private half that --private asks for.
-bool hasWantedHalf(const clArguments& arguments, const hoKey& key)
-{
-    if (!arguments._isPrivateWanted || key.hasPrivateKey())
-    {
-        return true;
-    }
-    complain(clPrintableName(arguments._keyPath), "is a public key and has no private exponent; leave --private out");
-    return false;
-}
-
 int encrypt(const clArguments& arguments)
 {
     const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
     gtWipedText text;
-    if (pKey == nullptr || !hasWantedHalf(arguments, *pKey) || !readText(arguments, text._text))
+    if (pKey == nullptr || !clHasWantedHalf(arguments, *pKey) || !readText(arguments, text._text))
     {
         return clStatusNotChecked;
     }
@@ -372,22 +361,6 @@ int decrypt(const clArguments& arguments)
     return clStatusGood;
 }
 
-int printKey(const clArguments& arguments)
-{
-    const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
-    if (pKey == nullptr || !hasWantedHalf(arguments, *pKey))
-    {
-        return clStatusNotChecked;
-    }
-    const crRSAEncryptionKey& key = arguments._isPrivateWanted ? pKey->privateKey() : pKey->publicKey();
-    gtWipedText exponent{hoFixedWidthText(key.numberDigits(), key.amountOfNumberDigits())};
-    clWriteOutput(gtString("size ").append(std::to_string(pKey->bits())).append("\nmodulus "));
-    clWriteOutput(hoFixedWidthText(key.productDigits(), key.amountOfProductDigits()).append("\nexponent "));
-    clWriteOutput(exponent._text);
-    clWriteOutput("\n");
-    return clStatusGood;
-}
-
 int perform(const clArguments& arguments)
 {
     const auto on = [&arguments](int (*work)(const clArguments&, const gtString&, const hoKey&))
@@ -411,7 +384,7 @@ int perform(const clArguments& arguments)
     case clCommand::Decrypt:
         return decrypt(arguments);
     case clCommand::Key:
-        return printKey(arguments);
+        return clPerformKey(arguments);
     case clCommand::WrongUse:
         break;
     }
