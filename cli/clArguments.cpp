@@ -56,7 +56,8 @@ const char* const signFooter = R"(Examples:
   countersign sign --key private.pem -- -odd-name
 
 A signature that is there already is kept unless --force is given. A file of that name that is no signature of
-countersign is never overwritten. A key under 1024 bits cannot countersign: it takes --digest-only, and what it signs
+countersign is never overwritten, nor is a FILE or the key, whatever links lead there. FILE.sig is left out where it
+is named together with FILE. A key under 1024 bits cannot countersign: it takes --digest-only, and what it signs
 tests weak.)";
 
 const char* const testFooter = R"(Examples:
@@ -124,6 +125,7 @@ private:
                          const std::string& footer, const std::string& keyDescription);
     void addFiles(CLI::App* pCommand, const std::string& description);
     void addText(CLI::App* pCommand, const std::string& description);
+    void addOutputFlags(CLI::App* pCommand, const std::string& nameOfGood);
     static clCommandShape shapeOf(const CLI::App& app, const std::string& name);
     std::vector<clCommandShape> shapes() const;
     clArguments textFor(const clSplitArguments& arguments) const;
@@ -141,6 +143,11 @@ private:
     bool _isPublicWanted = false;
     bool _areNumbersWanted = false;
     bool _areWarningsLeftOut = false;
+    bool _areSignaturesWanted = false;
+    bool _isSignedSkipped = false;
+    bool _isQuiet = false;
+    bool _isStatusOnly = false;
+    bool _isSummaryWanted = false;
     CLI::Option* _pOutput = nullptr;
     CLI::Option* _pSignature = nullptr;
     std::vector<CLI::Option*> _texts;
@@ -161,6 +168,9 @@ Parser::Parser()
     _pOutput->type_name("PATH");
     pSign->add_flag("-f,--force", _isForced, "Overwrite signatures that are there already");
     pSign->add_flag("-d,--digest-only", _isDigestOnly, "Write the digest's line alone, without a countersignature");
+    pSign->add_flag("-n,--skip-signed", _isSignedSkipped, "Leave files alone whose signature is good by this key");
+    pSign->add_flag("-a,--also-signatures", _areSignaturesWanted, "Sign files named *.sig, too");
+    addOutputFlags(pSign, "files that are signed");
     addFiles(pSign, "The files to sign");
 
     CLI::App* pTest = addCommand(clCommand::Test, "test", "Test files against FILE.sig beside each FILE (also: verify)",
@@ -169,6 +179,8 @@ Parser::Parser()
                                     "Where the signature of a single FILE is instead; - for standard input");
     _pSignature->type_name("PATH");
     pTest->add_flag("-w,--accept-weak", _isWeakAccepted, "Take a signature without a countersignature for good");
+    pTest->add_flag("-a,--also-signatures", _areSignaturesWanted, "Test files named *.sig, too");
+    addOutputFlags(pTest, "good files");
     addFiles(pTest, "The files to test");
 
     CLI::App* pEncrypt = addCommand(clCommand::Encrypt, "encrypt", "Encrypt a short text", encryptFooter,
@@ -217,6 +229,13 @@ void Parser::addFiles(CLI::App* pCommand, const std::string& description)
 void Parser::addText(CLI::App* pCommand, const std::string& description)
 {
     _texts.push_back(pCommand->add_option("TEXT", _values._plainText, description)->type_name(""));
+}
+
+void Parser::addOutputFlags(CLI::App* pCommand, const std::string& nameOfGood)
+{
+    pCommand->add_flag("-q,--quiet", _isQuiet, "Print no line for " + nameOfGood + ", and no progress");
+    pCommand->add_flag("--status", _isStatusOnly, "Print nothing at all; the exit status tells");
+    pCommand->add_flag("--summary", _isSummaryWanted, "Print at the end how many files there were of each kind");
 }
 
 clCommandShape Parser::shapeOf(const CLI::App& app, const std::string& name)
@@ -335,6 +354,11 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
     result._areNumbersWanted = _areNumbersWanted;
     result._passphrasePath = unmarked(_values._passphrasePath);
     result._areWarningsLeftOut = _areWarningsLeftOut;
+    result._areSignaturesWanted = _areSignaturesWanted;
+    result._isSignedSkipped = _isSignedSkipped;
+    result._isQuiet = _isQuiet;
+    result._isStatusOnly = _isStatusOnly;
+    result._isSummaryWanted = _isSummaryWanted;
     result._hasOutput = _pOutput->count() > 0;
     result._hasSignature = _pSignature->count() > 0;
     result._hasPlainText =
@@ -370,6 +394,19 @@ void Parser::checkWhatParserCannot(clArguments& result) const
     if (result._isPublicWanted && (result._isPrivateWanted || result._areNumbersWanted))
     {
         result = wrongUse("--public prints nothing else; leave --private and --numbers out", "key");
+        return;
+    }
+    const gtString command = result._command == clCommand::Sign ? "sign" : "test";
+    const bool isForOutput = result._hasOutput && result._outputPath == "-";
+    if (result._isStatusOnly && (result._isSummaryWanted || isForOutput))
+    {
+        const gtString other = result._isSummaryWanted ? "--summary" : "--output -";
+        result = wrongUse(gtString("--status prints nothing, and ").append(other).append(" asks for output"), command);
+        return;
+    }
+    if (result._isSignedSkipped && isForOutput)
+    {
+        result = wrongUse("--skip-signed looks at signatures that are there, and --output - leaves none", command);
         return;
     }
     if (result._files.size() < 2)

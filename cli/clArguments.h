@@ -22,24 +22,29 @@ enum class clCommand
 struct clArguments
 {
     clCommand _command = clCommand::WrongUse;
-    int _passphraseDescriptor = -1;    // --passphrase-fd; -1: not given
-    gtString _text;                    // of ShowText and WrongUse, ready to be printed
-    gtString _keyPath;                 // --key
-    std::vector<gtString> _files;      // FILE...
-    gtString _outputPath;              // --output
-    gtString _signaturePath;           // --signature
-    gtString _plainText;               // TEXT
-    gtString _passphrasePath;          // --passphrase-file; empty: not given
-    bool _hasOutput = false;           // --output
-    bool _hasSignature = false;        // --signature
-    bool _hasPlainText = false;        // TEXT
-    bool _isForced = false;            // --force
-    bool _isDigestOnly = false;        // --digest-only
-    bool _isWeakAccepted = false;      // --accept-weak
-    bool _isPrivateWanted = false;     // --private
-    bool _isPublicWanted = false;      // --public
-    bool _areNumbersWanted = false;    // --numbers
-    bool _areWarningsLeftOut = false;  // --no-warnings
+    int _passphraseDescriptor = -1;     // --passphrase-fd; -1: not given
+    gtString _text;                     // of ShowText and WrongUse, ready to be printed
+    gtString _keyPath;                  // --key
+    std::vector<gtString> _files;       // FILE...
+    gtString _outputPath;               // --output
+    gtString _signaturePath;            // --signature
+    gtString _plainText;                // TEXT
+    gtString _passphrasePath;           // --passphrase-file; empty: not given
+    bool _hasOutput = false;            // --output
+    bool _hasSignature = false;         // --signature
+    bool _hasPlainText = false;         // TEXT
+    bool _isForced = false;             // --force
+    bool _isDigestOnly = false;         // --digest-only
+    bool _isWeakAccepted = false;       // --accept-weak
+    bool _isPrivateWanted = false;      // --private
+    bool _isPublicWanted = false;       // --public
+    bool _areNumbersWanted = false;     // --numbers
+    bool _areWarningsLeftOut = false;   // --no-warnings
+    bool _areSignaturesWanted = false;  // --also-signatures
+    bool _isSignedSkipped = false;      // --skip-signed
+    bool _isQuiet = false;              // --quiet
+    bool _isStatusOnly = false;         // --status
+    bool _isSummaryWanted = false;      // --summary
 };
 
 // Parses the arguments that follow the program's name. Never throws, but for missing memory.

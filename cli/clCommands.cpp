@@ -14,6 +14,8 @@
 #include "cli/clKeyLoading.h"
 #include "cli/clPrintableName.h"
 #include "cli/clProgressLine.h"
+#include "cli/clResults.h"
+#include "cli/clSignatureNames.h"
 #include "cli/clStandardStreams.h"
 #include "cli/clTerminal.h"
 #include "host/messages/hoMessages.h"
@@ -66,15 +68,21 @@ void writeProgress(const gtString& text)
     static_cast<void>(osWriteAll(STDERR_FILENO, text.asStringView(), clIsInterrupted));
 }
 
-clProgressLine progressFor(const gtString& name)
+clProgressLine progressFor(const clArguments& arguments, const gtString& name)
 {
-    const int columns = clColumnsOfStandardError();
+    const int columns = arguments._isQuiet || arguments._isStatusOnly ? 0 : clColumnsOfStandardError();
     return clProgressLine(name, columns, now, columns > 0 ? writeProgress : clProgressLine::Writer(), clIsInterrupted);
 }
 
-// Works on one file after the other, and returns the gravest of the statuses.
+gtString lineOf(const gtString& file, const gtString& result)
+{
+    return clPrintableName(file).append(": ").append(result).append('\n');
+}
+
+// Works on one file after the other, and returns the gravest of the statuses. amountBegun: how many it came to.
 template <class Work>
-int performOnFiles(const clArguments& arguments, Work work)
+int performOnFiles(const clArguments& arguments, const std::vector<gtString>& files, Work work,
+                   std::size_t* pAmountBegun = nullptr)
 {
     const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
     if (pKey == nullptr)
@@ -82,14 +90,63 @@ int performOnFiles(const clArguments& arguments, Work work)
         return clStatusNotChecked;
     }
     int status = clStatusGood;
-    for (const gtString& file : arguments._files)
+    for (const gtString& file : files)
     {
         status = std::max(status, work(file, *pKey));
+        if (pAmountBegun != nullptr)
+        {
+            ++*pAmountBegun;
+        }
         // What a program that is killed has done is told by then. Where it cannot be told, nothing more is begun.
         if (clFlushOutput() != 0 || clIsInterrupted())
         {
             break;
         }
+    }
+    return status;
+}
+
+// The same for documents with signatures beside them, which a pattern names together with them. otherKind: the result
+// of what is not worked on.
+template <class Work>
+int performOnDocuments(const clArguments& arguments, const gtString& otherKind, Work work)
+{
+    const bool areSignaturesTaken = arguments._areSignaturesWanted || arguments._hasSignature;
+    std::vector<gtString> documents;
+    for (const gtString& file : arguments._files)
+    {
+        if (areSignaturesTaken || clKindOfName(file) != clNameKind::Signature)
+        {
+            documents.push_back(file);
+        }
+    }
+    if (documents.empty())
+    {
+        clComplain("all names are those of signatures; --also-signatures takes them for documents");
+        return clStatusNotChecked;
+    }
+    clResults results(arguments);
+    const clInputs inputs(documents, arguments._keyPath);
+    std::size_t amountBegun = 0;
+    const int status = performOnFiles(
+        arguments, documents,
+        [&](const gtString& file, const hoKey& key)
+        {
+            if (areSignaturesTaken || clKindOfName(file) == clNameKind::Document)
+            {
+                return work(inputs, file, key, results);
+            }
+            const gtString name = clPrintableName(file);
+            complain(name, "it has the name of a signature, and there is no such document",
+                     "; --also-signatures takes it for a document");
+            results.add(otherKind, arguments._command == clCommand::Test ? lineOf(file, otherKind) : gtString(), false);
+            return clStatusNotChecked;
+        },
+        &amountBegun);
+    // Without a key none is begun.
+    if (arguments._isSummaryWanted && amountBegun > 0)
+    {
+        clWriteOutput(results.summary(documents.size() - amountBegun, arguments._files.size() - documents.size()));
     }
     return status;
 }
@@ -118,58 +175,85 @@ bool isFreeTarget(const clArguments& arguments, const clInputs& inputs, const gt
     return signatureFile.isOk();
 }
 
-int signFile(const clArguments& arguments, const clInputs& inputs, const gtString& file, const hoKey& key)
+hoSignatureLines wantedLines(const clArguments& arguments)
 {
-    const gtString name = clPrintableName(file);
-    const bool isForOutput = arguments._hasOutput && arguments._outputPath == standardStream;
-    const gtString path = arguments._hasOutput ? arguments._outputPath : hoSignaturePath(file);
-    const gtString signatureName = clPrintableName(path);
+    return arguments._isDigestOnly ? hoSignatureLines::DigestOnly : hoSignatureLines::Both;
+}
+
+// Whether the signature that is there is as good as the one that would be made.
+bool isAlreadySigned(const clArguments& arguments, const gtString& path, const gtString& file, const hoKey& key)
+{
+    gtString signature;
+    if (!hoReadSignatureFile(path, signature).isOk())
+    {
+        return false;
+    }
+    clProgressLine progress = progressFor(arguments, clPrintableName(file));
+    const hoVerdict verdict = hoTestFile(file, {&key}, signature.asStringView(), &progress)._verdict;
+    return verdict == hoVerdict::Good ||
+           (verdict == hoVerdict::Weak && wantedLines(arguments) == hoSignatureLines::DigestOnly);
+}
+
+// Makes the signature and writes it. False: it has said why not.
+bool makeSignature(const clArguments& arguments, const clInputs& inputs, const gtString& path, const gtString& file,
+                   const hoKey& key)
+{
+    const bool isForOutput = path == standardStream;
     if (!isForOutput && !isFreeTarget(arguments, inputs, path))
     {
-        return clStatusNotChecked;
+        return false;
     }
+    const gtString name = clPrintableName(file);
     gtString signature;
     hoSigningFacts facts;
     {
-        clProgressLine progress = progressFor(name);
-        const hoSignatureLines lines = arguments._isDigestOnly ? hoSignatureLines::DigestOnly : hoSignatureLines::Both;
-        facts = hoSignFile(file, key, lines, &progress, signature);
+        clProgressLine progress = progressFor(arguments, name);
+        facts = hoSignFile(file, key, wantedLines(arguments), &progress, signature);
     }
     if (!facts.isOk())
     {
         complainOfSigning(arguments, name, facts);
-        return clStatusNotChecked;
+        return false;
     }
     if (isForOutput)
     {
         clWriteOutput(signature);
-        return clStatusGood;
+        return true;
     }
     // Reading may have taken long enough for something to be put there.
     if (!isFreeTarget(arguments, inputs, path))
     {
-        return clStatusNotChecked;
+        return false;
     }
+    const gtString signatureName = clPrintableName(path);
     const bool isReadOnly = osIsReadOnly(path);
     const hoSignatureFileResult signatureFile = hoWriteSignatureFile(path, signature, arguments._isForced);
     if (!signatureFile.isOk())
     {
         complainOfSignatureFile(signatureName, signatureFile);
-        return clStatusNotChecked;
+        return false;
     }
     if (isReadOnly)
     {
         complain(gtString("warning: ").append(signatureName), "a read-only signature was replaced");
     }
-    clWriteOutput(gtString(name).append(": signed, ").append(signatureName).append('\n'));
-    return clStatusGood;
+    return true;
 }
 
-int signFiles(const clArguments& arguments)
+int signFile(const clArguments& arguments, const clInputs& inputs, const gtString& file, const hoKey& key,
+             clResults& results)
 {
-    const clInputs inputs(arguments._files, arguments._keyPath);
-    return performOnFiles(arguments, [&](const gtString& file, const hoKey& key)
-                          { return signFile(arguments, inputs, file, key); });
+    const gtString path = arguments._hasOutput ? arguments._outputPath : hoSignaturePath(file);
+    const bool isKept = arguments._isSignedSkipped && isAlreadySigned(arguments, path, file, key);
+    if (!isKept && !makeSignature(arguments, inputs, path, file, key))
+    {
+        results.add("not signed", gtString(), false);
+        return clStatusNotChecked;
+    }
+    const gtString kind = isKept ? "already signed" : "signed";
+    const gtString result = gtString(kind).append(", ").append(clPrintableName(path));
+    results.add(kind, path == standardStream ? gtString() : lineOf(file, result), true);
+    return clStatusGood;
 }
 
 // Where the signature of the file is.
@@ -234,7 +318,7 @@ void complainOfVerdict(const clArguments& arguments, const gtString& file, const
     }
 }
 
-int testFile(const clArguments& arguments, const gtString& file, const hoKey& key)
+int testFile(const clArguments& arguments, const gtString& file, const hoKey& key, clResults& results)
 {
     const gtString name = clPrintableName(file);
     hoSignatureFileResult signatureFile;
@@ -252,7 +336,7 @@ int testFile(const clArguments& arguments, const gtString& file, const hoKey& ke
         signatureFile = readSignature(arguments, file, signature);
         if (signatureFile.isOk())
         {
-            clProgressLine progress = progressFor(name);
+            clProgressLine progress = progressFor(arguments, name);
             facts = hoTestFile(file, {&key}, signature.asStringView(), &progress);
         }
         else
@@ -265,7 +349,8 @@ int testFile(const clArguments& arguments, const gtString& file, const hoKey& ke
     {
         complainOfVerdict(arguments, file, signatureFile, facts);
     }
-    clWriteOutput(gtString(name).append(": ").append(hoVerdictText(facts._verdict)).append('\n'));
+    const gtString verdict = hoVerdictText(facts._verdict);
+    results.add(verdict, lineOf(file, verdict), status == clStatusGood);
     return status;
 }
 
@@ -275,7 +360,7 @@ int digestFile(const clArguments& arguments, const gtString& file, const hoKey& 
     gtString digestText;
     hoSigningFacts facts;
     {
-        clProgressLine progress = progressFor(name);
+        clProgressLine progress = progressFor(arguments, name);
         facts = hoDigestOfFile(file, key, &progress, digestText);
     }
     if (!facts.isOk())
@@ -363,22 +448,22 @@ int decrypt(const clArguments& arguments)
 
 int perform(const clArguments& arguments)
 {
-    const auto on = [&arguments](int (*work)(const clArguments&, const gtString&, const hoKey&))
-    {
-        return performOnFiles(arguments, [&arguments, work](const gtString& file, const hoKey& key)
-                              { return work(arguments, file, key); });
-    };
     switch (arguments._command)
     {
     case clCommand::ShowText:
         clWriteOutput(arguments._text);
         return clStatusGood;
     case clCommand::Sign:
-        return signFiles(arguments);
+        return performOnDocuments(arguments, "not signed",
+                                  [&](const clInputs& inputs, const gtString& file, const hoKey& key,
+                                      clResults& results) { return signFile(arguments, inputs, file, key, results); });
     case clCommand::Test:
-        return on(testFile);
+        return performOnDocuments(arguments, hoVerdictText(hoVerdict::NotTested),
+                                  [&](const clInputs&, const gtString& file, const hoKey& key, clResults& results)
+                                  { return testFile(arguments, file, key, results); });
     case clCommand::Digest:
-        return on(digestFile);
+        return performOnFiles(arguments, arguments._files,
+                              [&](const gtString& file, const hoKey& key) { return digestFile(arguments, file, key); });
     case clCommand::Encrypt:
         return encrypt(arguments);
     case clCommand::Decrypt:
@@ -396,6 +481,10 @@ int perform(const clArguments& arguments)
 
 int clPerform(const clArguments& arguments)
 {
+    if (arguments._isStatusOnly)
+    {
+        clSilenceComplaints();
+    }
     const int status = perform(arguments);
     const int error = clFlushOutput();
     if (error != 0)

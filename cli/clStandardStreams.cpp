@@ -18,6 +18,7 @@ namespace
 char outputBuffer[65536];
 std::size_t amountBuffered = 0;
 int outputError = 0;
+bool isSilent = false;
 
 void write(std::string_view bytes)
 {
@@ -72,8 +73,17 @@ void clComplain(const gtString& text)
 {
     // Results come before what is said about them, where both go to the same place.
     static_cast<void>(clFlushOutput());
+    if (isSilent)
+    {
+        return;
+    }
     const gtString line = gtString("countersign: ").append(text).append('\n');
     static_cast<void>(osWriteAll(STDERR_FILENO, line.asStringView(), clIsInterrupted));
+}
+
+void clSilenceComplaints()
+{
+    isSilent = true;
 }
 
 int clReadInput(gtString& bytes, int limit)

@@ -16,6 +16,9 @@ int clFlushOutput();
 // Writes "countersign: ", the text and a line end to standard error.
 void clComplain(const gtString& text);
 
+// From now on clComplain writes nothing.
+void clSilenceComplaints();
+
 // Appends all of standard input, until the bytes reach the limit. No copy of them stays anywhere else. 0, or the
 // system's error number: EINTR after a signal that asks to end.
 int clReadInput(gtString& bytes, int limit);

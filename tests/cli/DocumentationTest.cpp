@@ -132,7 +132,7 @@ TEST(Documentation, ManualTellsTheSameOptions)
         {
             const bool isEverywhere = everywhere.count(option) != 0;
             std::ostringstream pattern;
-            pattern << "(\n\\.BR [^\n]*" << option << "([ \"][^\n]*)?";
+            pattern << "(\n\\.BR? [^\n]*" << option << "([ \"][^\n]*)?";
             if (!isEverywhere)
             {
                 // Others that it belongs to may come first.
