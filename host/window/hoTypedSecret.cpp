@@ -27,3 +27,9 @@ hoTypedSecret::~hoTypedSecret()
 {
     gtWipe(_pBytes.get(), _length);
 }
+
+void hoShowTypedSecret(wxTextCtrl& field, bool isShown)
+{
+    const long style = field.GetWindowStyleFlag();
+    field.SetWindowStyleFlag(isShown ? style & ~wxTE_PASSWORD : style | wxTE_PASSWORD);
+}

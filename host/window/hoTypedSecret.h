@@ -30,4 +30,7 @@ private:
     std::unique_ptr<char[]> _pBytes;
 };
 
+// Shows what is typed into a password field, or hides it. While it is shown, what draws it has copies of its own.
+void hoShowTypedSecret(wxTextCtrl& field, bool isShown);
+
 #endif
