@@ -9,7 +9,7 @@ gtString clKeyAdvice(const hoKeyFileFacts& facts)
     {
     case hoKeyFileProblem::NoKey:
     case hoKeyFileProblem::NotRsa:
-        return "; openssl genrsa makes one";
+        return "; countersign keygen makes one";
     default:
         return "";
     }

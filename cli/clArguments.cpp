@@ -11,6 +11,7 @@
 #include "cli/clPrintableName.h"
 #include "cli/clSplitArguments.h"
 #include "countersignVersion.h"
+#include "host/keys/hoNewKeyPair.h"
 
 namespace
 {
@@ -42,9 +43,8 @@ const char* const mainFooter = R"(Examples:
   countersign encrypt --key public.pem "at noon"       prints the cipher text
   countersign help sign                                tells the options of a command
 
-Make a pair of keys:
-  openssl genrsa -out private.pem 2048
-  openssl rsa -in private.pem -pubout -out public.pem
+Make a pair of keys, alice.pem and alice.pub.pem:
+  countersign keygen --output alice
 
 Put -- in front of names that begin with a dash. Exit status: 0 good, 1 checked and not good, 2 not checked or
 wrong use. A signature has two lines: an exclusive-or digest under textbook RSA, which finds accidents, and a
@@ -96,6 +96,13 @@ Prints one line each: the size in bits, whether the file has a private key, whet
 exponent follow, eight hexadecimal characters a digit of 32 bits, the highest digit first. --private prints the private
 exponent, which nobody else must see. --public prints the public key and nothing else.)";
 
+const char* const keygenFooter = R"(Examples:
+  countersign keygen
+  countersign keygen --bits 4096 --output alice
+
+Writes NAME.pem, the private key, which nobody but its owner can read, and NAME.pub.pem, the public key. The passphrase
+that encrypts the private one is asked for twice. Nothing is overwritten, and an interrupt leaves no file.)";
+
 const char* const digestFooter = R"(Examples:
   countersign digest --key public.pem report.pdf
 
@@ -110,6 +117,8 @@ struct ParsedValues
     std::string _signaturePath;
     std::string _plainText;
     std::string _passphraseDescriptor;
+    std::string _bits;
+    std::string _newKeyName = "countersign-key";
     std::string _passphrasePath;
 };
 
@@ -123,12 +132,15 @@ public:
 private:
     CLI::App* addCommand(clCommand command, const std::string& name, const std::string& description,
                          const std::string& footer, const std::string& keyDescription);
+    void addKeygen();
+    void addPassphrase(CLI::App* pCommand, const std::string& what);
     void addFiles(CLI::App* pCommand, const std::string& description);
     void addText(CLI::App* pCommand, const std::string& description);
     void addOutputFlags(CLI::App* pCommand, const std::string& nameOfGood);
     static clCommandShape shapeOf(const CLI::App& app, const std::string& name);
     std::vector<clCommandShape> shapes() const;
     clArguments textFor(const clSplitArguments& arguments) const;
+    void takeNewKey(clArguments& result) const;
     void takePassphraseDescriptor(clArguments& result, const gtString& command) const;
     void checkWhatParserCannot(clArguments& result) const;
     static clArguments wrongUse(const gtString& what, const gtString& command);
@@ -148,6 +160,7 @@ private:
     bool _isQuiet = false;
     bool _isStatusOnly = false;
     bool _isSummaryWanted = false;
+    bool _isPassphraseLeftOut = false;
     CLI::Option* _pOutput = nullptr;
     CLI::Option* _pSignature = nullptr;
     std::vector<CLI::Option*> _texts;
@@ -198,6 +211,8 @@ Parser::Parser()
     pKey->add_flag("-P,--public", _isPublicWanted, "Print the public half as PEM, and nothing else");
     pKey->add_flag("-n,--numbers", _areNumbersWanted, "Print modulus and exponent, too");
 
+    addKeygen();
+
     addFiles(addCommand(clCommand::Digest, "digest", "Print the digest text of files", digestFooter,
                         "A key of the size that shall sign, a PEM file, private or public"),
              "The files to read");
@@ -210,15 +225,32 @@ CLI::App* Parser::addCommand(clCommand command, const std::string& name, const s
     pCommand->set_help_flag("-h,--help", "Print this help and end");
     pCommand->footer(footer);
     pCommand->add_option("-k,--key", _values._keyPath, keyDescription)->type_name("PEM")->required();
-    pCommand
-        ->add_option("--passphrase-fd", _values._passphraseDescriptor,
-                     "Read the key's passphrase from this descriptor: a line")
-        ->type_name("N");
-    pCommand->add_option("--passphrase-file", _values._passphrasePath, "Read it from the first line of this file")
-        ->type_name("PATH");
+    addPassphrase(pCommand, "the key's passphrase");
     pCommand->add_flag("--no-warnings", _areWarningsLeftOut, "Do not warn of what is risky");
     _commands.emplace_back(command, pCommand);
     return pCommand;
+}
+
+void Parser::addKeygen()
+{
+    CLI::App* pCommand = _app.add_subcommand("keygen", "Make a pair of keys: NAME.pem and NAME.pub.pem");
+    pCommand->set_help_flag("-h,--help", "Print this help and end");
+    pCommand->footer(keygenFooter);
+    pCommand->add_option("-b,--bits", _values._bits, "The size: a multiple of 32 from 512 to 4096; 2048 without it")
+        ->type_name("N");
+    pCommand->add_option("-o,--output", _values._newKeyName, "The files' name; countersign-key without it")
+        ->type_name("NAME");
+    pCommand->add_flag("--no-passphrase", _isPassphraseLeftOut, "Do not encrypt the private key");
+    addPassphrase(pCommand, "the new passphrase");
+    _commands.emplace_back(clCommand::Keygen, pCommand);
+}
+
+void Parser::addPassphrase(CLI::App* pCommand, const std::string& what)
+{
+    const std::string description = "Read " + what + " from this descriptor: a line";
+    pCommand->add_option("--passphrase-fd", _values._passphraseDescriptor, description)->type_name("N");
+    pCommand->add_option("--passphrase-file", _values._passphrasePath, "Read it from the first line of this file")
+        ->type_name("PATH");
 }
 
 void Parser::addFiles(CLI::App* pCommand, const std::string& description)
@@ -359,13 +391,41 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
     result._isQuiet = _isQuiet;
     result._isStatusOnly = _isStatusOnly;
     result._isSummaryWanted = _isSummaryWanted;
+    result._isPassphraseLeftOut = _isPassphraseLeftOut;
     result._hasOutput = _pOutput->count() > 0;
     result._hasSignature = _pSignature->count() > 0;
     result._hasPlainText =
         std::any_of(_texts.begin(), _texts.end(), [](const CLI::Option* pText) { return pText->count() > 0; });
     takePassphraseDescriptor(result, split._command);
+    if (result._command == clCommand::Keygen)
+    {
+        takeNewKey(result);
+    }
     checkWhatParserCannot(result);
     return result;
+}
+
+void Parser::takeNewKey(clArguments& result) const
+{
+    const std::string& text = _values._bits;
+    const char* const pEnd = text.data() + text.size();
+    result._outputPath = unmarked(_values._newKeyName);
+    result._bits = hoUsualNewKeyBits;
+    if (!text.empty())
+    {
+        const auto [pRest, error] = std::from_chars(text.data(), pEnd, result._bits);
+        if (error != std::errc() || pRest != pEnd || !hoIsNewKeySize(result._bits))
+        {
+            result = wrongUse(gtString("--bits takes a multiple of 32 from 512 to 4096, and not ")
+                                  .append(clPrintableName(unmarked(text))),
+                              "keygen");
+            return;
+        }
+    }
+    if (result._isPassphraseLeftOut && (result._passphraseDescriptor >= 0 || !result._passphrasePath.isEmpty()))
+    {
+        result = wrongUse("--no-passphrase does not go together with a passphrase", "keygen");
+    }
 }
 
 void Parser::takePassphraseDescriptor(clArguments& result, const gtString& command) const

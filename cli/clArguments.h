@@ -16,12 +16,14 @@ enum class clCommand
     Encrypt,
     Decrypt,
     Key,
+    Keygen,
     Digest
 };
 
 struct clArguments
 {
     clCommand _command = clCommand::WrongUse;
+    int _bits = 0;                      // --bits
     int _passphraseDescriptor = -1;     // --passphrase-fd; -1: not given
     gtString _text;                     // of ShowText and WrongUse, ready to be printed
     gtString _keyPath;                  // --key
@@ -45,6 +47,7 @@ struct clArguments
     bool _isQuiet = false;              // --quiet
     bool _isStatusOnly = false;         // --status
     bool _isSummaryWanted = false;      // --summary
+    bool _isPassphraseLeftOut = false;  // --no-passphrase
 };
 
 // Parses the arguments that follow the program's name. Never throws, but for missing memory.

@@ -12,6 +12,7 @@
 #include "cli/clInterrupt.h"
 #include "cli/clKeyCommand.h"
 #include "cli/clKeyLoading.h"
+#include "cli/clKeygen.h"
 #include "cli/clPrintableName.h"
 #include "cli/clProgressLine.h"
 #include "cli/clResults.h"
@@ -470,6 +471,8 @@ int perform(const clArguments& arguments)
         return decrypt(arguments);
     case clCommand::Key:
         return clPerformKey(arguments);
+    case clCommand::Keygen:
+        return clPerformKeygen(arguments);
     case clCommand::WrongUse:
         break;
     }

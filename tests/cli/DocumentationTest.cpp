@@ -20,7 +20,7 @@ using Options = std::set<std::string>;
 // Of all commands.
 const Options everywhere = {"-k", "--key", "-h", "--help", "--passphrase-fd", "--passphrase-file", "--no-warnings"};
 
-const std::vector<std::string> commands = {"sign", "test", "encrypt", "decrypt", "key", "digest"};
+const std::vector<std::string> commands = {"sign", "test", "encrypt", "decrypt", "key", "keygen", "digest"};
 
 std::string sourceFile(const std::string& path)
 {

@@ -314,6 +314,76 @@ TEST_F(Terminal, AsksAgainWhenItIsBackInTheForeground)
     EXPECT_THAT(session.printed(), Not(HasSubstr("ses")));
 }
 
+TEST_F(Terminal, AsksTwiceForANewPassphrase)
+{
+    struct Case
+    {
+        const char* _pFirst;
+        const char* _pSecond;
+        const char* _pSaid;
+    };
+    for (const Case& typed : {Case{"sesame\n", "sesame\n", "alice.pub.pem: public key"},
+                              Case{"sesame\n", "barley\n", "the two passphrases differ"},
+                              Case{"\n", nullptr, "the passphrase is empty; --no-passphrase"},
+                              Case{"sesame\n", "\x03", nullptr}, Case{"\x03", nullptr, nullptr}})
+    {
+        const TemporaryFolder folder;
+        Session session(folder.path(), {"keygen", "--bits", "512", "--output", "alice"});
+        session.waitFor("New passphrase for alice.pem: ");
+        session.waitUntilItReads();
+        session.type(typed._pFirst);
+        if (typed._pSecond != nullptr)
+        {
+            session.waitFor("again: ");
+            session.waitUntilItReads();
+            session.type(typed._pSecond);
+        }
+        const int status = session.waitForStatus();
+        EXPECT_TRUE(session.isEchoing());
+        EXPECT_THAT(session.printed(), Not(HasSubstr("sesame")));
+        if (typed._pSaid == nullptr)
+        {
+            EXPECT_TRUE(WIFSIGNALED(status));
+        }
+        else
+        {
+            session.waitFor(typed._pSaid);
+        }
+        const bool isMade = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        EXPECT_EQ(isMade, typed._pSecond != nullptr && std::string(typed._pFirst) == typed._pSecond);
+        EXPECT_EQ(folder.names(),
+                  isMade ? (std::vector<std::string>{"alice.pem", "alice.pub.pem"}) : std::vector<std::string>());
+        if (isMade)
+        {
+            runOpenSSL(folder, {"pkey", "-in", "alice.pem", "-passin", "pass:sesame", "-noout"});
+        }
+    }
+}
+
+// The pair may be there before the signal is; then there are both halves of it.
+TEST_F(Terminal, LeavesNoPieceOfAKeyWhenItIsInterrupted)
+{
+    int amountInterrupted = 0;
+    for (int i = 0; i < 5; ++i)
+    {
+        const TemporaryFolder folder;
+        Session session(folder.path(), {"keygen", "--bits", "4096"});
+        for (const char* pQuestion : {"New passphrase for countersign-key.pem: ", "again: "})
+        {
+            session.waitFor(pQuestion);
+            session.waitUntilItReads();
+            session.type("sesame\n");
+        }
+        session.waitFor("\r\n");
+        session.signalForeground(SIGINT);
+        const int status = session.waitForStatus();
+        const std::size_t amountOfFiles = folder.names().size();
+        EXPECT_TRUE(amountOfFiles == 2 || (amountOfFiles == 0 && WIFSIGNALED(status))) << amountOfFiles;
+        amountInterrupted += amountOfFiles == 0 ? 1 : 0;
+    }
+    EXPECT_GT(amountInterrupted, 0);
+}
+
 TEST_F(Terminal, TakesPassphrasesOfEveryLengthThatAKeyFileCanHave)
 {
     for (const std::size_t length : {1U, 127U, 1023U, 1024U, 1025U, 2000U})
