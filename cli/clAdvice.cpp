@@ -41,7 +41,7 @@ gtString clSignatureFileAdvice(const hoSignatureFileResult& facts)
     case hoSignatureFileProblem::CannotBeRead:
         return facts._systemError == ENOENT ? "; countersign sign makes one, --signature names another" : "";
     case hoSignatureFileProblem::Exists:
-        return "; --force overwrites it";
+        return "; --skip-signed passes over what is still good, --force overwrites it";
     case hoSignatureFileProblem::NotRegular:
         return "; name a file with --output";
     case hoSignatureFileProblem::CannotBeWritten:

@@ -4,8 +4,8 @@
 // missing value.
 //
 // An option's value is the rest of its argument (--key=k.pem, -kk.pem) or the next argument. It is never empty, and one
-// that begins with a dash has to stand in the option's own argument; "-" alone is a value and an operand like any other.
-// Flags of one letter may stand together (-fd). Behind "--" there are operands only.
+// that begins with a dash has to stand in the option's own argument; "-" alone is a value and an operand like any
+// other. Flags of one letter may stand together (-fd). Behind "--" there are operands only.
 #ifndef COUNTERSIGN_CL_SPLIT_ARGUMENTS_H
 #define COUNTERSIGN_CL_SPLIT_ARGUMENTS_H
 

@@ -29,8 +29,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     case clCommand::Encrypt:
     case clCommand::Decrypt:
     case clCommand::Key:
+    case clCommand::Keygen:
         FUZZ_CHECK(result._files.empty());
         break;
+    }
+
+    // A value is never empty: an option that has none cannot have taken another argument for it.
+    if (result._command == clCommand::Sign || result._command == clCommand::Test)
+    {
+        FUZZ_CHECK(!result._keyPath.isEmpty());
+        FUZZ_CHECK(result._hasOutput != result._outputPath.isEmpty());
+        FUZZ_CHECK(result._hasSignature != result._signaturePath.isEmpty());
     }
 
     // What stands behind the dashes arrives as it is.

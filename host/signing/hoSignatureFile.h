@@ -31,8 +31,8 @@ gtString hoSignaturePath(const gtString& path);
 // All bytes of the file. What they say is not looked at.
 hoSignatureFileResult hoReadSignatureFile(const gtString& path, gtString& signature);
 
-// Whether hoWriteSignatureFile would refuse the name because of what is there, or because the folder is not there or may
-// not be written to; nothing is written. To be asked before a file is read whose signature could not be written.
+// Whether hoWriteSignatureFile would refuse the name because of what is there, or because the folder is not there or
+// may not be written to; nothing is written. To be asked before a file is read whose signature could not be written.
 hoSignatureFileResult hoCheckSignaturePath(const gtString& path, bool mayOverwrite);
 
 // Writes the bytes, whole or not at all, as osWriteFileAtomically does: a symbolic link to a file is followed, and two

@@ -56,7 +56,7 @@ std::string followLinks(const std::string& path)
     return end;
 }
 
-// Gives the new file what the one that it replaces has. Owners are given by root alone; the set-id bits are for programs.
+// Gives the new file what the one that it replaces has. Root alone gives owners; the set-id bits are for programs.
 void copyOwnerAndRights(int descriptor, const struct stat& status)
 {
     mode_t rights = status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);

@@ -103,7 +103,7 @@ TEST_F(ManyDocuments, AreLeftAloneWhereTheyAreSigned)
     // Signed, and not good any more.
     spoil("b");
     const tsOutcome kept = run({"sign", "-n", "-k", "private.pem", "a", "b"});
-    expectFailure(kept, {"b.sig: it exists already and was kept", "--force"});
+    expectFailure(kept, {"b.sig: it exists already and was kept", "--skip-signed", "--force"});
     EXPECT_EQ(kept._output, "a: already signed, a.sig\n");
     EXPECT_EQ(outputOf({"sign", "-nf", "-k", "private.pem", "a", "b"}), "a: already signed, a.sig\nb: signed, b.sig\n");
     EXPECT_EQ(_folder.read("a.sig"), signature);
