@@ -113,6 +113,7 @@ struct ParsedValues
 {
     std::string _keyPath;
     std::vector<std::string> _files;
+    std::string _namesPath;
     std::string _outputPath;
     std::string _signaturePath;
     std::string _plainText;
@@ -142,12 +143,14 @@ private:
     clArguments textFor(const clSplitArguments& arguments) const;
     void takeNewKey(clArguments& result) const;
     void takePassphraseDescriptor(clArguments& result, const gtString& command) const;
+    static void checkNames(clArguments& result, const gtString& command);
     void checkWhatParserCannot(clArguments& result) const;
     static clArguments wrongUse(const gtString& what, const gtString& command);
 
     CLI::App _app{"Signs and tests files, and encrypts short texts, with RSA keys from PEM files.", "countersign"};
     std::vector<std::pair<clCommand, CLI::App*>> _commands;
     ParsedValues _values;
+    bool _isRecursive = false;
     bool _isForced = false;
     bool _isDigestOnly = false;
     bool _isWeakAccepted = false;
@@ -255,7 +258,11 @@ void Parser::addPassphrase(CLI::App* pCommand, const std::string& what)
 
 void Parser::addFiles(CLI::App* pCommand, const std::string& description)
 {
-    pCommand->add_option("FILE", _values._files, description)->type_name("")->required();
+    pCommand->add_flag("-r,--recursive", _isRecursive, "Take the files below a FILE that is a folder");
+    pCommand
+        ->add_option("--files0-from", _values._namesPath, "Take the names of files from PATH, too, a NUL behind each")
+        ->type_name("PATH");
+    pCommand->add_option("FILE", _values._files, description)->type_name("");
 }
 
 void Parser::addText(CLI::App* pCommand, const std::string& description)
@@ -379,6 +386,8 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
     result._signaturePath = unmarked(_values._signaturePath);
     result._plainText = unmarked(_values._plainText);
     result._isForced = _isForced;
+    result._isRecursive = _isRecursive;
+    result._namesPath = unmarked(_values._namesPath);
     result._isDigestOnly = _isDigestOnly;
     result._isWeakAccepted = _isWeakAccepted;
     result._isPrivateWanted = _isPrivateWanted;
@@ -402,6 +411,7 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
         takeNewKey(result);
     }
     checkWhatParserCannot(result);
+    checkNames(result, split._command);
     return result;
 }
 
@@ -446,6 +456,25 @@ void Parser::takePassphraseDescriptor(clArguments& result, const gtString& comma
     else if (!result._passphrasePath.isEmpty())
     {
         result = wrongUse("--passphrase-fd and --passphrase-file do not go together", command);
+    }
+}
+
+void Parser::checkNames(clArguments& result, const gtString& command)
+{
+    const bool takesFiles = result._command == clCommand::Sign || result._command == clCommand::Test ||
+                            result._command == clCommand::Digest;
+    const bool mayBeMany = result._isRecursive || !result._namesPath.isEmpty();
+    const bool isOneOutput = result._hasOutput && result._outputPath != "-";
+    if (takesFiles && result._files.empty() && result._namesPath.isEmpty())
+    {
+        result = wrongUse("no FILE is named", command);
+    }
+    else if (takesFiles && mayBeMany && (isOneOutput || result._hasSignature))
+    {
+        const gtString option = isOneOutput ? "--output" : "--signature";
+        result = wrongUse(gtString(option).append(
+                              " names one signature; it goes together with neither --recursive nor --files0-from"),
+                          command);
     }
 }
 

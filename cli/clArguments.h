@@ -28,6 +28,7 @@ struct clArguments
     gtString _text;                     // of ShowText and WrongUse, ready to be printed
     gtString _keyPath;                  // --key
     std::vector<gtString> _files;       // FILE...
+    gtString _namesPath;                // --files0-from; empty: not given
     gtString _outputPath;               // --output
     gtString _signaturePath;            // --signature
     gtString _plainText;                // TEXT
@@ -35,6 +36,7 @@ struct clArguments
     bool _hasOutput = false;            // --output
     bool _hasSignature = false;         // --signature
     bool _hasPlainText = false;         // TEXT
+    bool _isRecursive = false;          // --recursive
     bool _isForced = false;             // --force
     bool _isDigestOnly = false;         // --digest-only
     bool _isWeakAccepted = false;       // --accept-weak

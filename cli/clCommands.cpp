@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "cli/clAdvice.h"
+#include "cli/clDocumentNames.h"
 #include "cli/clInputs.h"
 #include "cli/clInterrupt.h"
 #include "cli/clKeyCommand.h"
@@ -480,6 +481,18 @@ int perform(const clArguments& arguments)
     return clStatusNotChecked;
 }
 
+int performOnWhatIsNamed(const clArguments& arguments)
+{
+    if (!arguments._isRecursive && arguments._namesPath.isEmpty())
+    {
+        return perform(arguments);
+    }
+    bool isComplete = true;
+    const clArguments gathered = clGatherDocuments(arguments, isComplete);
+    const int status = gathered._files.empty() || clIsInterrupted() ? clStatusNotChecked : perform(gathered);
+    return isComplete ? status : clStatusNotChecked;
+}
+
 }  // namespace
 
 int clPerform(const clArguments& arguments)
@@ -488,7 +501,7 @@ int clPerform(const clArguments& arguments)
     {
         clSilenceComplaints();
     }
-    const int status = perform(arguments);
+    const int status = performOnWhatIsNamed(arguments);
     const int error = clFlushOutput();
     if (error != 0)
     {
