@@ -43,13 +43,16 @@ void hoMessageBar::dismiss()
 
 void hoMessageBar::show()
 {
+    // Told apart by signs and words: the desktop may give all bars one colour and no icon.
     if (!_refusals.empty())
     {
-        bar().ShowMessage(refusalText(), wxICON_ERROR);
+        bar().ShowMessage(wxString(wxUniChar(0x26A0)) + " " + refusalText(), wxICON_WARNING);
     }
     else if (!_result._line.empty())
     {
-        bar().ShowMessage(_result._line, _result._isAllWell ? wxICON_INFORMATION : wxICON_WARNING);
+        const wxString sign =
+            _result._isAllWell ? wxString(wxUniChar(0x2713)) + " " : wxUniChar(0x2717) + wxString(" Not all is well. ");
+        bar().ShowMessage(sign + _result._line, _result._isAllWell ? wxICON_INFORMATION : wxICON_ERROR);
     }
     else if (!_keyWarning._line.empty())
     {
@@ -121,7 +124,9 @@ void hoMessageBar::OnDetails(wxCommandEvent&)
     }
     else
     {
+        // Told in full they have done their work; a result or a warning stays.
         showRefusals();
+        _refusals.clear();
+        show();
     }
-    dismiss();
 }

@@ -104,6 +104,7 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
     std::size_t failed = 0;
     const bool isSigning = kind == hoSigningJob::Kind::Sign;
     hoSummary summary;
+    wxString withoutFailure;
     for (const hoSigningOutcome& outcome : outcomes)
     {
         const bool isKept = outcome._signatureFile._problem == hoSignatureFileProblem::Exists;
@@ -121,8 +122,13 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
             bad += state == hoDocumentState::Bad ? 1U : 0U;
             unsignedOnes += state == hoDocumentState::NotSigned ? 1U : 0U;
         }
-        summary._details += hoDisplayText(outcome._path) + "\n    " + outcomeText(outcome) + "\n";
+        const bool isHarmless = isKept || state == hoDocumentState::NotSigned || isGood(state) ||
+                                (isSigning && state == hoDocumentState::Weak);
+        (isFailed || !isHarmless ? summary._details : withoutFailure) +=
+            hoDisplayText(outcome._path) + "\n    " + outcomeText(outcome) + "\n";
     }
+
+    summary._details += withoutFailure;
 
     Counts counts;
     counts.add(good, isSigning ? "signed" : "good");

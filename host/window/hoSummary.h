@@ -28,7 +28,8 @@ struct hoSummary
 // they cannot.
 hoSummary hoKeyWarning(const hoLoadedKey& key);
 
-// The result of a job in one line ("5 documents tested: 3 good, 2 bad."), and document by document.
+// The result of a job in one line ("5 documents tested: 3 good, 2 bad."), and document by document, those
+// that need looking at first.
 hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcome>& outcomes, bool isCancelled);
 
 // The question whether to replace signatures that are there, which is not to be asked of none: how many, and what is known

@@ -15,7 +15,32 @@ std::string question(const std::vector<hoDocumentState>& states)
     }
     return hoReplacementQuestion(documents).utf8_string();
 }
+
+hoSigningOutcome outcome(const char* pPath, hoDocumentState state)
+{
+    hoSigningOutcome result;
+    result._path = pPath;
+    result._verdict._state = state;
+    return result;
+}
 }  // namespace
+
+TEST(Summary, TellsFailuresFirst)
+{
+    using State = hoDocumentState;
+    const hoSummary summary =
+        hoSummaryOf(hoSigningJob::Kind::Test,
+                    {outcome("/good", State::Good), outcome("/unsigned", State::NotSigned), outcome("/bad", State::Bad),
+                     outcome("/mine", State::SignedByMe), outcome("/other", State::AnotherKey)},
+                    false);
+    const std::string details = summary._details.utf8_string();
+    const auto at = [&](const char* pPath) { return details.find(pPath); };
+    ASSERT_NE(at("/other"), std::string::npos);
+    EXPECT_LT(at("/bad"), at("/other"));
+    EXPECT_LT(at("/other"), at("/good"));
+    EXPECT_LT(at("/good"), at("/unsigned"));
+    EXPECT_LT(at("/unsigned"), at("/mine"));
+}
 
 TEST(ReplacementQuestion, TellsWhatSpeaksAgainstIt)
 {
