@@ -2,6 +2,7 @@
 #include "host/MainFrame.h"
 
 #include "host/desktop/hoApplicationArguments.h"
+#include "host/documents/hoOpenedPaths.h"
 #include "host/keys/hoKeyFile.h"
 #include "host/messages/hoNumbers.h"
 #include "host/window/hoCommands.h"
@@ -15,6 +16,7 @@
 #include "platform/osWrappers/osProcess.h"
 #include "platform/toolkit/gtTextConversion.h"
 
+#include <wx/msgdlg.h>
 #include <wx/sizer.h>
 
 #include <utility>
@@ -23,6 +25,8 @@ namespace
 {
 const wxSize usualClientSize(900, 450);
 const wxSize leastSize(520, 320);
+// Documents that a folder may bring at once.
+const std::size_t mostWithoutQuestion = 200;
 }  // namespace
 
 MainFrame::MainFrame()
@@ -107,7 +111,7 @@ void MainFrame::makeWindow()
                                             _isRecentChanged = true;
                                             _memory.settings().setText("folder", document.folder());
                                         },
-                                        [this] { showChangesSoon(); }});
+                                        [this] { showChangesSoon(); }, [this] { _messageBar.setResult(hoSummary()); }});
     _pStatusBar = new hoStatusBar(this);
     SetStatusBar(_pStatusBar);
     SetDropTarget(new hoDocumentDropTarget(*this, [this](const hoUriList& list) { openDropped(list); }));
@@ -130,6 +134,16 @@ void MainFrame::bindCommands()
 {
     using Kind = hoSigningJob::Kind;
     using Half = hoKeyController::Half;
+    // Why the commands of the menu that has just been opened are grey.
+    Bind(wxEVT_MENU_OPEN,
+         [this](wxMenuEvent& event)
+         {
+             event.Skip();
+             if (event.GetMenu() != nullptr && event.GetMenu()->FindChildItem(ID_SIGN) != nullptr)
+             {
+                 CallAfter([this] { _pStatusBar->showNotice(whyGrey()); });
+             }
+         });
     const auto on = [this](int id, auto action)
     {
         Bind(
@@ -197,6 +211,27 @@ void MainFrame::bindEvents()
          });
 }
 
+wxString MainFrame::whyGrey() const
+{
+    if (documents().isEmpty())
+    {
+        return "Nothing to sign or test: open documents first.";
+    }
+    if (!keys().canTest())
+    {
+        return "Signing and testing take a key: load one first.";
+    }
+    if (isAtWork())
+    {
+        return "Documents are being signed or tested.";
+    }
+    if (!keys().canSign())
+    {
+        return "Signing takes a private key.";
+    }
+    return _pView->amountSelected() == 0 ? wxString("No document is selected.") : wxString();
+}
+
 void MainFrame::openNow(const std::vector<gtString>& paths)
 {
     if (!paths.empty())
@@ -224,6 +259,15 @@ void MainFrame::OnCopyPath(wxCommandEvent&)
     }
 }
 
+bool MainFrame::askToOpen(std::size_t amount)
+{
+    wxMessageDialog question(this, "Open " + gtTextFromBytes(hoAmountText(amount, "document", "documents")) + "?",
+                             "Countersign", wxOK | wxCANCEL | wxICON_QUESTION);
+    question.SetExtendedMessage("They are in the folders that were dropped, and in the folders inside.");
+    question.SetOKCancelLabels("&Open", "&Cancel");
+    return question.ShowModal() == wxID_OK;
+}
+
 void MainFrame::openDropped(const hoUriList& list)
 {
     _messageBar.clear();
@@ -232,6 +276,12 @@ void MainFrame::openDropped(const hoUriList& list)
     for (const gtString& path : list._paths)
     {
         (hoIsKeyFile(path) ? keys : documents).push_back(path);
+    }
+    const std::size_t dropped = documents.size();
+    documents = hoDocumentsMeant(documents);
+    if (documents.size() > mostWithoutQuestion && documents.size() > dropped && !askToOpen(documents.size()))
+    {
+        documents.clear();
     }
     documents.insert(documents.end(), list._refused.begin(), list._refused.end());
     _pView->openAndSelect(documents);
@@ -244,6 +294,7 @@ void MainFrame::openDropped(const hoUriList& list)
 void MainFrame::onKeysChanged()
 {
     _messageBar.setKeyWarning(hoSummary());
+    _messageBar.setResult(hoSummary());
     _pView->forgetStates(keys().canTest());
 }
 

@@ -22,6 +22,37 @@ gtString withoutCase(const gtString& text)
     return bytes;
 }
 
+// Text that is compared byte by byte as people order names: numbers in it by their values ("file-2" before "file-10").
+gtString naturalOrder(const gtString& text)
+{
+    const std::string bytes = withoutCase(text).asStdString();
+    const auto isDigit = [](char byte) { return byte >= '0' && byte <= '9'; };
+    std::string key;
+    for (std::size_t i = 0; i < bytes.size();)
+    {
+        if (!isDigit(bytes[i]))
+        {
+            key += bytes[i++];
+            continue;
+        }
+        while (i + 1 < bytes.size() && bytes[i] == '0' && isDigit(bytes[i + 1]))
+        {
+            ++i;
+        }
+        std::size_t end = i;
+        while (end < bytes.size() && isDigit(bytes[end]))
+        {
+            ++end;
+        }
+        // A number with more figures is larger. 255: the longest name that a file has.
+        key += '0';
+        key += static_cast<char>(std::min<std::size_t>(end - i, 255));
+        key.append(bytes, i, end - i);
+        i = end;
+    }
+    return key;
+}
+
 // What a document is ordered by, worked out once a document and not once a comparison.
 struct SortKey
 {
@@ -67,7 +98,7 @@ hoDocumentState stateWithoutVerdict(const hoDocument& document)
 
 SortKey keyOf(const hoDocument& document, std::size_t position, hoDocumentList::Column column)
 {
-    SortKey key{0, 0, gtString(), withoutCase(document.name()), document._path, position};
+    SortKey key{0, 0, gtString(), naturalOrder(document.name()), document._path, position};
     switch (column)
     {
     case hoDocumentList::Column::Name:
@@ -83,7 +114,7 @@ SortKey keyOf(const hoDocument& document, std::size_t position, hoDocumentList::
         key._fraction = document._facts._modifiedNanoseconds;
         break;
     case hoDocumentList::Column::Path:
-        key._text = withoutCase(key._path);
+        key._text = naturalOrder(key._path);
         break;
     }
     return key;

@@ -69,8 +69,8 @@ public:
     void closeAll();
 
     // Orders the documents by one column; those that are equal in it by name and path, so that the result does not
-    // depend on the order before. Names and paths are compared byte by byte, without regard to the case of A to Z at
-    // first. Documents that are opened later come at the end.
+    // depend on the order before. Names and paths are compared byte by byte, but for the case of A to Z and numbers in
+    // them, which are compared by their values. Documents that are opened later come at the end.
     void sort(Column column, bool isAscending);
 
     // All sizes together, in bytes.

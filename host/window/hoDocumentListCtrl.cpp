@@ -79,7 +79,11 @@ void hoDocumentListCtrl::setCanTest(bool canTest)
 
 void hoDocumentListCtrl::showChanges()
 {
-    SetItemCount(static_cast<long>(_documents.size()));
+    // A new amount leaves the rows unpainted until the program is idle, which it is not while a job reports.
+    if (GetItemCount() != static_cast<int>(_documents.size()))
+    {
+        SetItemCount(static_cast<long>(_documents.size()));
+    }
     _tooltipRow = wxNOT_FOUND;
     _pRows->UnsetToolTip();
     Refresh();

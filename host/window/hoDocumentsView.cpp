@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoDocumentsView.h"
 
+#include "host/documents/hoOpenedPaths.h"
 #include "host/window/hoClipboard.h"
 #include "host/window/hoCommands.h"
 #include "host/window/hoDocumentListCtrl.h"
@@ -53,7 +54,9 @@ hoDocumentsView::hoDocumentsView(wxWindow* pParent, Callbacks callbacks)
       _callbacks(std::move(callbacks)),
       _watcher([this] { refreshDocuments(); }),
       _pList(nullptr),
-      _canTest(false)
+      _canTest(false),
+      _sortedColumn(wxNOT_FOUND),
+      _isAscending(true)
 {
     AddPage(makeEmptyPage(this), "empty");
     SetMinSize(wxSize(1, 1));
@@ -78,7 +81,7 @@ std::vector<gtString> hoDocumentsView::chooseDocuments(const gtString& folder)
 
 std::size_t hoDocumentsView::open(const gtString& path)
 {
-    const hoDocumentList::Opening opening = _documents.open(path);
+    const hoDocumentList::Opening opening = _documents.open(hoDocumentMeant(path));
     if (!opening._result.isOk())
     {
         _callbacks._onRefused(path, opening._result);
@@ -89,6 +92,7 @@ std::size_t hoDocumentsView::open(const gtString& path)
         {
             // New documents come last, so the rows are no longer in the order of a column.
             list().RemoveSortIndicator();
+            _sortedColumn = wxNOT_FOUND;
         }
         list().showChanges();
         _callbacks._onOpened(_documents[opening._position]);
@@ -154,6 +158,8 @@ void hoDocumentsView::selectAll()
     {
         _pList->SetFocus();
         _pList->selectAll();
+        // The toolkit tells of one row, if any.
+        _callbacks._onChange();
     }
 }
 
@@ -193,12 +199,12 @@ std::vector<hoDocument> hoDocumentsView::documentsToProcess(bool areAllWanted)
     {
         rows = _pList->selected();
     }
-    const std::size_t amount = rows.empty() ? _documents.size() : rows.size();
+    const std::size_t amount = areAllWanted ? _documents.size() : rows.size();
     std::vector<hoDocument> documents;
     documents.reserve(amount);
     for (std::size_t i = 0; i < amount; ++i)
     {
-        const std::size_t position = rows.empty() ? i : rows[i];
+        const std::size_t position = areAllWanted ? i : rows[i];
         _documents.refresh(position);
         documents.push_back(_documents[position]);
     }
@@ -230,12 +236,20 @@ void hoDocumentsView::closeAll()
 void hoDocumentsView::refreshDocuments()
 {
     bool isChanged = false;
+    bool isOutdated = false;
     for (std::size_t position = 0; position < _documents.size(); ++position)
     {
+        const hoDocumentState before = _documents[position]._verdict._state;
         isChanged = _documents.refresh(position) || isChanged;
+        isOutdated = _documents[position]._verdict._state != before || isOutdated;
+    }
+    if (isOutdated && _callbacks._onOutdated)
+    {
+        _callbacks._onOutdated();
     }
     if (isChanged)
     {
+        sortAgain();
         list().showChanges();
         _callbacks._onChange();
     }
@@ -258,6 +272,7 @@ void hoDocumentsView::showOutcomes(const std::vector<hoSigningOutcome>& outcomes
     {
         _documents.setVerdict(outcome._path, outcome._verdict);
     }
+    sortAgain();
     list().showChanges();
 }
 
@@ -331,13 +346,22 @@ void hoDocumentsView::bindList()
                      }
                      event.Skip();
                  });
-    _pList->Bind(wxEVT_CONTEXT_MENU,
-                 [this](wxContextMenuEvent&)
-                 {
-                     wxMenu menu;
-                     hoFillContextMenu(menu);
-                     list().PopupMenu(&menu);
-                 });
+    _pList->Bind(wxEVT_CONTEXT_MENU, [this](wxContextMenuEvent& event) { popUpMenu(event); });
+}
+
+void hoDocumentsView::popUpMenu(const wxContextMenuEvent& event)
+{
+    wxMenu menu;
+    hoFillContextMenu(menu);
+    wxPoint where = wxDefaultPosition;
+    const long row = list().GetNextItem(wxNOT_FOUND, wxLIST_NEXT_ALL, wxLIST_STATE_FOCUSED);
+    wxRect rect;
+    // Called by the keyboard it has no position; it opens at the row that the keyboard is on.
+    if (event.GetPosition() == wxDefaultPosition && row >= 0 && list().GetItemRect(row, rect))
+    {
+        where = rect.GetBottomLeft();
+    }
+    list().PopupMenu(&menu, where);
 }
 
 void hoDocumentsView::OnColumnClick(wxListEvent& event)
@@ -347,10 +371,20 @@ void hoDocumentsView::OnColumnClick(wxListEvent& event)
     {
         return;
     }
+    _sortedColumn = column;
+    _isAscending = list().GetUpdatedAscendingSortIndicator(column);
+    list().ShowSortIndicator(column, _isAscending);
+    sortAgain();
+}
+
+void hoDocumentsView::sortAgain()
+{
+    if (_sortedColumn == wxNOT_FOUND)
+    {
+        return;
+    }
     const std::vector<gtString> paths = selectedPaths();
-    const bool isAscending = list().GetUpdatedAscendingSortIndicator(column);
-    _documents.sort(hoDocumentListCtrl::columnAt(column), isAscending);
-    list().ShowSortIndicator(column, isAscending);
+    _documents.sort(hoDocumentListCtrl::columnAt(_sortedColumn), _isAscending);
     list().showChanges();
 
     std::vector<std::size_t> rows;
@@ -360,5 +394,8 @@ void hoDocumentsView::OnColumnClick(wxListEvent& event)
         rows.push_back(_documents.positionOf(path));
     }
     std::sort(rows.begin(), rows.end());
-    list().select(rows);
+    if (rows != list().selected())
+    {
+        list().select(rows);
+    }
 }

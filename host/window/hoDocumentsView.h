@@ -28,6 +28,7 @@ public:
         std::function<void(const gtString& path, const osFileResult& result)> _onRefused;  // it could not be opened
         std::function<void(const hoDocument& document)> _onOpened;  // also if it was open already
         std::function<void()> _onChange;                            // documents, their states, or what is selected
+        std::function<void()> _onOutdated = {};  // what was found of a document no longer holds; may be empty
     };
 
     hoDocumentsView(wxWindow* pParent, Callbacks callbacks);
@@ -36,7 +37,8 @@ public:
 
     // Asks for documents; folder: where the dialog begins. None when the user cancels.
     std::vector<gtString> chooseDocuments(const gtString& folder);
-    // Opens the document and gives its position, or hoDocumentList::nowhere. Selects nothing.
+    // Opens the document, or the one that a signature file belongs to, and gives its position, or
+    // hoDocumentList::nowhere. Selects nothing.
     std::size_t open(const gtString& path);
     // Opens a document that somebody waits for: it is selected by the next showChanges().
     void openAskedFor(const gtString& path);
@@ -50,7 +52,7 @@ public:
     // Copies the paths of the selected documents to the clipboard, one a line, and gives their number; 0 if that
     // failed.
     std::size_t copySelectedPaths() const;
-    // The selected documents, or all if none is selected or all are asked for, after a look at their files.
+    // The selected documents, or all if they are asked for, after a look at their files.
     std::vector<hoDocument> documentsToProcess(bool areAllWanted);
 
     void closeSelected();
@@ -79,6 +81,8 @@ private:
     std::vector<gtString> selectedPaths() const;
     void selectPaths(const std::vector<gtString>& absolutePaths);
     void OnColumnClick(wxListEvent& event);
+    void sortAgain();
+    void popUpMenu(const wxContextMenuEvent& event);
 
     const Callbacks _callbacks;
     hoDocumentList _documents;
@@ -87,6 +91,8 @@ private:
     std::vector<int> _columnWidths;
     std::vector<gtString> _askedFor;  // absolute paths that are to be selected
     bool _canTest;
+    int _sortedColumn;  // wxNOT_FOUND: the rows are in the order in which they came
+    bool _isAscending;
 };
 
 #endif

@@ -49,8 +49,8 @@ wxMenu* makeKeyMenu()
 wxMenu* makeSignatureMenu()
 {
     auto* pMenu = new wxMenu;
-    pMenu->Append(ID_SIGN, "&Sign\tCtrl+S", "Sign the selected documents, or all if none is selected");
-    pMenu->Append(ID_TEST, "&Test\tCtrl+T", "Test the signatures of the selected documents, or all");
+    pMenu->Append(ID_SIGN, "&Sign\tCtrl+S", "Sign the selected documents");
+    pMenu->Append(ID_TEST, "&Test\tCtrl+T", "Test the signatures of the selected documents");
     pMenu->AppendSeparator();
     pMenu->Append(ID_SIGN_ALL, "Sign &all\tCtrl+Shift+S", "Sign all documents");
     pMenu->Append(ID_TEST_ALL, "Test a&ll\tCtrl+Shift+T", "Test the signatures of all documents");
@@ -124,9 +124,11 @@ void hoMenuBar::followConditions(wxFrame& frame, const Conditions& conditions)
     enable(ID_COPY_PATH, conditions._hasSelection);
     enable(ID_CLOSE_ALL_DOCUMENTS, conditions._hasDocuments);
     enable(wxID_SELECTALL, conditions._hasDocuments);
-    enable(ID_SIGN, conditions._canSign);
+    const auto ofSelection = [hasSelection = conditions._hasSelection](const std::function<bool()>& canBegin)
+    { return [hasSelection, canBegin] { return hasSelection() && canBegin(); }; };
+    enable(ID_SIGN, ofSelection(conditions._canSign));
     enable(ID_SIGN_ALL, conditions._canSign);
-    enable(ID_TEST, conditions._canTest);
+    enable(ID_TEST, ofSelection(conditions._canTest));
     enable(ID_TEST_ALL, conditions._canTest);
     enable(ID_FORGET_KEYS, conditions._hasKeys);
     frame.Bind(

@@ -238,6 +238,38 @@ TEST_F(MainWindow, OpensWhatIsDropped)
               "c\xe2\x80\x9d: it is not on this machine; choose a file that is.");
 }
 
+TEST_F(MainWindow, OpensWhatIsInADroppedFolder)
+{
+    start();
+    auto* pTarget = dynamic_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget());
+    ASSERT_NE(pTarget, nullptr);
+    std::filesystem::create_directory(_folder.path("few"));
+    _folder.write("few/a", "x");
+    _folder.write("few/a.sig", "00");
+    _folder.write("few/b", "x");
+    pTarget->drop("file://" + _folder.path("few") + "\r\n");
+    settle();
+    EXPECT_THAT(rows(), ElementsAre("a", "b"));
+    EXPECT_EQ(_pFrame->refusalMessage(), "");
+
+    std::filesystem::create_directory(_folder.path("many"));
+    for (int number = 0; number <= 200; ++number)
+    {
+        _folder.write("many/" + std::to_string(number), "x");
+    }
+    for (const char* pAnswer : {"Escape", "alt+o"})
+    {
+        tsScript script;
+        script.waitUntil("the question is there", [this] { return isAnotherWindowActive(); })
+            .perform("answer", [&] { tsPressKeys(pAnswer); })
+            .start();
+        pTarget->drop("file://" + _folder.path("many") + "\r\n");
+        tsRunUntil("the question is answered", [&] { return script.isFinished() && !isAnotherWindowActive(); });
+        settle();
+        EXPECT_EQ(rowCount(), pAnswer == std::string("alt+o") ? 203 : 2) << pAnswer;
+    }
+}
+
 TEST_F(MainWindow, OpensWhatTheFileDialogGives)
 {
     start();

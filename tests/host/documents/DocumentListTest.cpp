@@ -173,3 +173,17 @@ TEST_F(DocumentList, HoldsTenThousandDocuments)
     EXPECT_EQ(_list.find(_folder.path("9999").c_str()), 0U);
     EXPECT_EQ(_list.find(_folder.path("0").c_str()), static_cast<std::size_t>(amount - 1));
 }
+
+TEST_F(DocumentList, OrdersNumbersInNamesByTheirValues)
+{
+    const std::vector<std::string> ordered = {"file", "file-1", "File-2", "file-02b", "file-10", "file-100", "file-a"};
+    for (const std::size_t i : {4U, 2U, 1U, 3U, 5U, 0U, 6U})
+    {
+        openNew(ordered[i]);
+    }
+    for (const auto column : {hoDocumentList::Column::Name, hoDocumentList::Column::Path})
+    {
+        _list.sort(column, true);
+        EXPECT_EQ(namesOf(_list), ordered);
+    }
+}

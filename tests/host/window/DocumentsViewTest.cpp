@@ -21,7 +21,7 @@ protected:
         _pView = new hoDocumentsView(_pFrame,
                                      {[this](const gtString& path, const osFileResult&) { _refused.push_back(path); },
                                       [this](const hoDocument& document) { _opened.push_back(document._path); },
-                                      [this] { ++_changes; }});
+                                      [this] { ++_changes; }, [this] { ++_outdated; }});
         showWith(_pView);
     }
 
@@ -41,6 +41,7 @@ protected:
     std::vector<gtString> _refused;
     std::vector<gtString> _opened;
     int _changes = 0;
+    int _outdated = 0;
 };
 }  // namespace
 
@@ -94,14 +95,79 @@ TEST_F(DocumentsView, SelectsTheNextDocumentAfterClosingOne)
     EXPECT_EQ(_pView->GetSelection(), 0);
 }
 
-TEST_F(DocumentsView, GivesAllDocumentsWhenNoneIsSelectedOrAllAreWanted)
+TEST_F(DocumentsView, GivesNoDocumentWhenNoneIsSelected)
 {
     _pView->open(_folder.write("a", "text"));
     _pView->open(_folder.write("b", "text"));
-    EXPECT_EQ(_pView->documentsToProcess(false).size(), 2U);
+    EXPECT_EQ(_pView->documentsToProcess(false).size(), 0U);
+    EXPECT_EQ(_pView->documentsToProcess(true).size(), 2U);
     _pView->select({1});
     EXPECT_EQ(_pView->documentsToProcess(false).size(), 1U);
     EXPECT_EQ(_pView->documentsToProcess(true).size(), 2U);
+}
+
+TEST_F(DocumentsView, TellsThatAllAreSelected)
+{
+    _pView->openAndSelect({_folder.write("a", "text"), _folder.write("b", "text")});
+    _pView->select({0});
+    tsRunEvents();
+    const int before = _changes;
+    _pView->selectAll();
+    EXPECT_EQ(_pView->amountSelected(), 2U);
+    EXPECT_GT(_changes, before);
+}
+
+TEST_F(DocumentsView, StaysPaintedWhileOutcomesCome)
+{
+    for (const char* pName : {"a", "b", "c"})
+    {
+        _pView->open(_folder.write(pName, "text"));
+    }
+    _pView->showChanges();
+    const auto ink = [this]
+    {
+        const wxImage picture = tsPictureOfScreen();
+        const wxRect area = list()->GetScreenRect();
+        int amount = 0;
+        // Below the column heads.
+        for (int y = area.GetTop() + 40; picture.IsOk() && y < area.GetBottom(); ++y)
+        {
+            for (int x = area.GetLeft(); x < area.GetRight(); ++x)
+            {
+                amount += picture.GetGreen(x, y) < 128 ? 1 : 0;
+            }
+        }
+        return amount;
+    };
+    tsRunUntil("the list has the size of its page", [this] { return list()->GetSize() == _pView->GetClientSize(); });
+    tsRunEvents();
+    _pView->Update();
+    // Painted before the program is idle.
+    _pView->showOutcomes({});
+    list()->Refresh();
+    for (wxWindow* pChild : list()->GetChildren())
+    {
+        pChild->Refresh();
+        pChild->Update();
+    }
+    EXPECT_GT(ink(), 100);
+}
+
+TEST_F(DocumentsView, TellsWhenAVerdictNoLongerHolds)
+{
+    _pView->open(_folder.write("a", "text"));
+    _pView->refreshDocuments();
+    EXPECT_EQ(_outdated, 0);
+    _folder.write("a.sig", "00");
+    _pView->refreshDocuments();
+    EXPECT_EQ(_outdated, 1);
+}
+
+TEST_F(DocumentsView, OpensTheDocumentOfASignatureFile)
+{
+    const gtString a = _folder.write("a", "text");
+    _pView->openAndSelect({gtString(_folder.write("a.sig", "00"))});
+    EXPECT_THAT(selected(), ElementsAre(a));
 }
 
 TEST_F(DocumentsView, KeepsColumnWidthsForTheList)

@@ -52,9 +52,7 @@ TEST_F(MenuBar, EnablesCommandsAsTheConditionsSay)
                                                           {ID_CLOSE_DOCUMENTS, &hasSelection},
                                                           {ID_COPY_PATH, &hasSelection},
                                                           {ID_FORGET_KEYS, &hasKeys},
-                                                          {ID_SIGN, &canSign},
                                                           {ID_SIGN_ALL, &canSign},
-                                                          {ID_TEST, &canTest},
                                                           {ID_TEST_ALL, &canTest}};
     for (const bool value : {true, false})
     {
@@ -68,6 +66,13 @@ TEST_F(MenuBar, EnablesCommandsAsTheConditionsSay)
                 EXPECT_TRUE(event.GetSetEnabled());
                 EXPECT_EQ(event.GetEnabled(), *pOther) << label(*pBar, id);
             }
+            // These two work on the selection.
+            wxUpdateUIEvent sign(ID_SIGN);
+            _pFrame->ProcessWindowEvent(sign);
+            EXPECT_EQ(sign.GetEnabled(), canSign && hasSelection);
+            wxUpdateUIEvent test(ID_TEST);
+            _pFrame->ProcessWindowEvent(test);
+            EXPECT_EQ(test.GetEnabled(), canTest && hasSelection);
         }
     }
     hasDialogs = true;
