@@ -376,7 +376,7 @@ TEST_F(MainWindow, KeepsItsSizeFromStartToStart)
     };
     const std::string first = runAndClose(nullptr, nullptr);
     const auto number = [&](const std::string& name)
-    { return std::atoi(first.c_str() + first.find("window." + name + "=") + name.size() + 8); };
+    { return std::stoi(first.substr(first.find("window." + name + "=") + name.size() + 8)); };
     EXPECT_EQ(number("w") - number("decor_l") - number("decor_r"), 900) << first;
     EXPECT_EQ(runAndClose(nullptr, nullptr), first);
     EXPECT_EQ(runAndClose(nullptr, nullptr), first);
