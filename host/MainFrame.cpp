@@ -2,12 +2,10 @@
 #include "host/MainFrame.h"
 
 #include "host/desktop/hoApplicationArguments.h"
-#include "host/documents/hoOpenedPaths.h"
-#include "host/keys/hoKeyFile.h"
-#include "host/messages/hoNumbers.h"
 #include "host/window/hoCommands.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoDocumentDropTarget.h"
+#include "host/window/hoDroppedFiles.h"
 #include "host/window/hoEncryptionDialog.h"
 #include "host/window/hoHelp.h"
 #include "host/window/hoIcons.h"
@@ -16,7 +14,6 @@
 #include "platform/osWrappers/osProcess.h"
 #include "platform/toolkit/gtTextConversion.h"
 
-#include <wx/msgdlg.h>
 #include <wx/sizer.h>
 
 #include <utility>
@@ -25,8 +22,6 @@ namespace
 {
 const wxSize usualClientSize(900, 450);
 const wxSize leastSize(520, 320);
-// Documents that a folder may bring at once.
-const std::size_t mostWithoutQuestion = 200;
 }  // namespace
 
 MainFrame::MainFrame()
@@ -141,7 +136,10 @@ void MainFrame::bindCommands()
              event.Skip();
              if (event.GetMenu() != nullptr && event.GetMenu()->FindChildItem(ID_SIGN) != nullptr)
              {
-                 CallAfter([this] { _pStatusBar->showNotice(whyGrey()); });
+                 CallAfter(
+                     [this] {
+                         _pStatusBar->showNotice(hoWhyNoJob(documents(), _pView->amountSelected(), keys(), isAtWork()));
+                     });
              }
          });
     const auto on = [this](int id, auto action)
@@ -162,7 +160,7 @@ void MainFrame::bindCommands()
     on(ID_CLOSE_DOCUMENTS, [this] { _pView->closeSelected(); });
     on(ID_CLOSE_ALL_DOCUMENTS, [this] { _pView->closeAll(); });
     on(wxID_EXIT, [this] { Close(); });
-    Bind(wxEVT_MENU, &MainFrame::OnCopyPath, this, ID_COPY_PATH);
+    on(ID_COPY_PATH, [this] { _pStatusBar->showNotice(hoCopiedText(_pView->copySelectedPaths())); });
     on(wxID_SELECTALL, [this] { _pView->selectAll(); });
 
     on(ID_LOAD_PRIVATE_KEY, [this] { _keys.chooseKey(Half::Private); });
@@ -211,27 +209,6 @@ void MainFrame::bindEvents()
          });
 }
 
-wxString MainFrame::whyGrey() const
-{
-    if (documents().isEmpty())
-    {
-        return "Nothing to sign or test: open documents first.";
-    }
-    if (!keys().canTest())
-    {
-        return "Signing and testing take a key: load one first.";
-    }
-    if (isAtWork())
-    {
-        return "Documents are being signed or tested.";
-    }
-    if (!keys().canSign())
-    {
-        return "Signing takes a private key.";
-    }
-    return _pView->amountSelected() == 0 ? wxString("No document is selected.") : wxString();
-}
-
 void MainFrame::openNow(const std::vector<gtString>& paths)
 {
     if (!paths.empty())
@@ -250,42 +227,12 @@ void MainFrame::OnRecent(wxCommandEvent& event)
     }
 }
 
-void MainFrame::OnCopyPath(wxCommandEvent&)
-{
-    const std::size_t amount = _pView->copySelectedPaths();
-    if (amount > 0)
-    {
-        _pStatusBar->showNotice(gtTextFromBytes(hoAmountText(amount, "path copied", "paths copied")));
-    }
-}
-
-bool MainFrame::askToOpen(std::size_t amount)
-{
-    wxMessageDialog question(this, "Open " + gtTextFromBytes(hoAmountText(amount, "document", "documents")) + "?",
-                             "Countersign", wxOK | wxCANCEL | wxICON_QUESTION);
-    question.SetExtendedMessage("They are in the folders that were dropped, and in the folders inside.");
-    question.SetOKCancelLabels("&Open", "&Cancel");
-    return question.ShowModal() == wxID_OK;
-}
-
 void MainFrame::openDropped(const hoUriList& list)
 {
     _messageBar.clear();
-    std::vector<gtString> documents;
-    std::vector<gtString> keys;
-    for (const gtString& path : list._paths)
-    {
-        (hoIsKeyFile(path) ? keys : documents).push_back(path);
-    }
-    const std::size_t dropped = documents.size();
-    documents = hoDocumentsMeant(documents);
-    if (documents.size() > mostWithoutQuestion && documents.size() > dropped && !askToOpen(documents.size()))
-    {
-        documents.clear();
-    }
-    documents.insert(documents.end(), list._refused.begin(), list._refused.end());
-    _pView->openAndSelect(documents);
-    for (const gtString& path : keys)
+    const hoDroppedFiles files = hoTakeDroppedFiles(*this, list);
+    _pView->openAndSelect(files._documents);
+    for (const gtString& path : files._keys)
     {
         _keys.loadKey(path, hoKeyController::Half::Any);
     }

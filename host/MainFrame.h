@@ -72,13 +72,8 @@ private:
     void bindEvents();
 
     void OnRecent(wxCommandEvent& event);
-    void OnCopyPath(wxCommandEvent& event);
 
-    // Why documents cannot be signed or tested now; empty when they can.
-    wxString whyGrey() const;
     void openNow(const std::vector<gtString>& paths);
-    // Whether to open so many documents, which came with folders.
-    bool askToOpen(std::size_t amount);
     void openDropped(const hoUriList& list);
     void onKeysChanged();
     void onKeyWarning(const hoSummary& warning);

@@ -58,15 +58,13 @@ std::vector<gtString> hoDocumentsMeant(const std::vector<gtString>& paths)
     for (const gtString& path : paths)
     {
         std::error_code error;
-        if (fs::is_directory(path.asStdString(), error))
-        {
-            const std::vector<gtString> files = filesIn(path);
-            std::for_each(files.begin(), files.end(), add);
-        }
-        else
+        const bool isFolder = fs::is_directory(path.asStdString(), error);
+        const std::vector<gtString> files = isFolder ? filesIn(path) : std::vector<gtString>();
+        if (files.empty())
         {
             add(path);
         }
+        std::for_each(files.begin(), files.end(), add);
     }
     return documents;
 }

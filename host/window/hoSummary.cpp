@@ -181,6 +181,33 @@ wxString hoReplacementQuestion(const std::vector<hoDocument>& documents)
     return text;
 }
 
+wxString hoWhyNoJob(const hoDocumentList& documents, std::size_t amountSelected, const hoKeyRing& keys, bool isAtWork)
+{
+    if (documents.isEmpty())
+    {
+        return "Nothing to sign or test: open documents first.";
+    }
+    if (!keys.canTest())
+    {
+        return "Signing and testing take a key: load one first.";
+    }
+    if (isAtWork)
+    {
+        return "Documents are being signed or tested.";
+    }
+    if (!keys.canSign())
+    {
+        return "Signing takes a private key.";
+    }
+    return amountSelected == 0 ? wxString("No document is selected.") : wxString();
+}
+
+wxString hoCopiedText(std::size_t amountOfPaths)
+{
+    return amountOfPaths == 0 ? wxString()
+                              : gtTextFromBytes(hoAmountText(amountOfPaths, "path copied", "paths copied"));
+}
+
 gtString hoLastComponent(const gtString& path)
 {
     const std::string_view bytes = path.asStringView();

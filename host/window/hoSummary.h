@@ -3,6 +3,7 @@
 #ifndef COUNTERSIGN_HO_SUMMARY_H
 #define COUNTERSIGN_HO_SUMMARY_H
 
+#include "host/documents/hoDocumentList.h"
 #include "host/keys/hoKeyRing.h"
 #include "host/signing/hoSigningJob.h"
 
@@ -35,6 +36,12 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
 // The question whether to replace signatures that are there, which is not to be asked of none: how many, and what is known
 // of them that speaks against it.
 wxString hoReplacementQuestion(const std::vector<hoDocument>& documents);
+
+// Why the selected documents cannot be signed or tested now; empty when they can.
+wxString hoWhyNoJob(const hoDocumentList& documents, std::size_t amountSelected, const hoKeyRing& keys, bool isAtWork);
+
+// "3 paths copied"; empty for none.
+wxString hoCopiedText(std::size_t amountOfPaths);
 
 // The last component of a path, for a message; the whole path when that is empty.
 gtString hoLastComponent(const gtString& path);

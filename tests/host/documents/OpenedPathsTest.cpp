@@ -37,4 +37,7 @@ TEST(OpenedPaths, AFolderMeansWhatIsInIt)
     folder.write("documents/a.sig", "00");
     const gtString missing = folder.path("missing");
     EXPECT_THAT(hoDocumentsMeant({missing, folder.path("documents"), b}), ElementsAre(missing, a, b, c));
+
+    std::filesystem::create_directories(folder.path("empty/inner"));
+    EXPECT_THAT(hoDocumentsMeant({folder.path("empty")}), ElementsAre(gtString(folder.path("empty"))));
 }

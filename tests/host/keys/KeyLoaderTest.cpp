@@ -85,14 +85,14 @@ TEST_F(KeyLoader, TakesNoForAnAnswer)
     EXPECT_EQ(_facts._problem, hoKeyFileProblem::PassphraseNeeded);
 }
 
-TEST_F(KeyLoader, CutsALongPassphrase)
+TEST_F(KeyLoader, RefusesALongPassphrase)
 {
     const auto pLoader = load("encrypted");
     ASSERT_EQ(pLoader->waitFor(patience), State::PassphraseWanted);
     pLoader->answerPassphrase(std::string(100000, 'a'));
     ASSERT_EQ(pLoader->waitFor(patience), State::Finished);
     EXPECT_EQ(pLoader->takeKey(_facts), nullptr);
-    EXPECT_EQ(_facts._problem, hoKeyFileProblem::WrongPassphrase);
+    EXPECT_EQ(_facts._problem, hoKeyFileProblem::PassphraseTooLong);
 }
 
 TEST_F(KeyLoader, CanBeGivenUpWhileItWaits)

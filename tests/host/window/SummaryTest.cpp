@@ -70,3 +70,19 @@ TEST(KeyWarning, TellsHowOthersMayGetAtAPrivateKey)
     EXPECT_EQ(hoKeyWarning(key)._line, "Others may read or change the private key " + name + ".");
     EXPECT_NE(hoKeyWarning(key)._details.find("start it without LD_PRELOAD"), wxString::npos) << "one hides another";
 }
+
+TEST(WhyNoJob, NamesTheFirstThingThatIsMissing)
+{
+    hoDocumentList documents;
+    hoKeyRing keys;
+    EXPECT_EQ(hoWhyNoJob(documents, 0, keys, false), "Nothing to sign or test: open documents first.");
+    documents.open("/proc/self/exe");
+    ASSERT_FALSE(documents.isEmpty());
+    EXPECT_EQ(hoWhyNoJob(documents, 0, keys, false), "Signing and testing take a key: load one first.");
+    keys._public._pKey = std::make_shared<hoKey>();
+    EXPECT_EQ(hoWhyNoJob(documents, 0, keys, true), "Documents are being signed or tested.");
+    EXPECT_EQ(hoWhyNoJob(documents, 0, keys, false), "Signing takes a private key.");
+    keys._private._pKey = keys._public._pKey;
+    EXPECT_EQ(hoWhyNoJob(documents, 0, keys, false), "No document is selected.");
+    EXPECT_EQ(hoWhyNoJob(documents, 1, keys, false), "");
+}
