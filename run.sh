@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Builds Countersign and opens the given documents in it. Installs what is missing first.
+# Builds Countersign, says where its programs are, and opens the given documents in the window. Installs what is missing
+# first.
 #
 #   ./run.sh [FILE...]
 #
@@ -11,9 +12,12 @@ set -u
 "$root/scripts/install-dependencies.sh" run || exit
 # Whoever only runs the application needs no test libraries; whoever has built the tests keeps them.
 [ -e "$root/build/release/CMakeCache.txt" ] || cmakeArguments=(-DCOUNTERSIGN_BUILD_TESTS=OFF)
-configureAndBuild release countersign_desktop
+configureAndBuild release countersign_desktop countersign_cli
 
-program=$root/build/release/bin/countersign-desktop
+programs=$root/build/release/bin
+program=$programs/countersign-desktop
+say "the programs countersign and countersign-desktop are ready; this line puts them on the path:"
+printf 'export PATH=%q:"$PATH"\n' "$programs"
 if hasDisplay; then
     say "running the application"
     exec "$program" "$@"

@@ -62,7 +62,7 @@ public:
         }
         else if (_length > hoLongestPassphrase)
         {
-            clComplain("the passphrase is too long; a key file takes up to 1024 bytes");
+            clComplain(hoLongPassphraseReason());
         }
         else if (_length == 0)
         {

@@ -121,9 +121,7 @@ gtString hoKeyFileReason(const hoKeyFileFacts& facts)
     case hoKeyFileProblem::PassphraseNeeded:
         return "it is encrypted, and no passphrase was given";
     case hoKeyFileProblem::PassphraseTooLong:
-        return gtString("the passphrase is too long; a key file takes up to ")
-            .append(std::to_string(hoLongestPassphrase))
-            .append(" bytes");
+        return hoLongPassphraseReason();
     case hoKeyFileProblem::WrongPassphrase:
         return "wrong passphrase";
     case hoKeyFileProblem::Damaged:
@@ -367,6 +365,13 @@ gtString hoVerdictReason(const hoTestFacts& facts)
     default:
         return gtString();
     }
+}
+
+gtString hoLongPassphraseReason()
+{
+    return gtString("the passphrase is too long; a key file takes up to ")
+        .append(std::to_string(hoLongestPassphrase))
+        .append(" bytes");
 }
 
 gtString hoPrivateEncryptionWarning()

@@ -39,6 +39,9 @@ gtString hoVerdictReason(const hoTestFacts& facts);
 // What a file is instead of a signature of this program.
 gtString hoSignatureFormReason(hoSignatureForm form);
 
+// Of a passphrase of more than hoLongestPassphrase bytes.
+gtString hoLongPassphraseReason();
+
 // What encrypting with a private key means.
 gtString hoPrivateEncryptionWarning();
 

@@ -18,16 +18,6 @@
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 
-namespace
-{
-// A reason with a capital and a full stop.
-wxString sentence(const gtString& reason)
-{
-    const wxString text = gtTextFromBytes(reason);
-    return text.Left(1).Upper() + text.Mid(1) + ".";
-}
-}  // namespace
-
 hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
     : wxDialog(pParent, wxID_ANY, "Texts", wxDefaultPosition, wxDefaultSize, wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
       _keys(keys),
@@ -146,7 +136,7 @@ void hoEncryptionDialog::encrypt()
     }
     else
     {
-        say(sentence(hoEncryptionReason(result._problem, *encryptingKey(), length)));
+        say(hoSentence(hoEncryptionReason(result._problem, *encryptingKey(), length)));
     }
 }
 
@@ -175,7 +165,7 @@ void hoEncryptionDialog::decrypt()
         sayWithBytes("This text is another key's, or damaged.", found._bytes);
         break;
     default:
-        say(sentence(hoDecryptionReason(found._problem, *decryptingKey(), cipherText.length())));
+        say(hoSentence(hoDecryptionReason(found._problem, *decryptingKey(), cipherText.length())));
         break;
     }
     gtWipe(found._bytes);

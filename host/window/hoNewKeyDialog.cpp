@@ -288,6 +288,12 @@ bool hoNewKeyDialog::agree()
         _pAgain->SetFocus();
         return false;
     }
+    if (_stage == Stage::Input && hoTypedSecret(*_pPassphrase).text().size() > hoLongestPassphrase)
+    {
+        say(hoSentence(hoLongPassphraseReason()));
+        _pPassphrase->SetFocus();
+        return false;
+    }
     const osWritingResult trial = hoTryKeyFolder(files._privatePath);
     if (!trial.isOk())
     {

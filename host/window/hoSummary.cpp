@@ -202,6 +202,12 @@ wxString hoWhyNoJob(const hoDocumentList& documents, std::size_t amountSelected,
     return amountSelected == 0 ? wxString("No document is selected.") : wxString();
 }
 
+wxString hoSentence(const gtString& reason)
+{
+    const wxString text = gtTextFromBytes(reason);
+    return text.Left(1).Upper() + text.Mid(1) + ".";
+}
+
 wxString hoCopiedText(std::size_t amountOfPaths)
 {
     return amountOfPaths == 0 ? wxString()

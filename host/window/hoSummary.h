@@ -46,6 +46,9 @@ wxString hoCopiedText(std::size_t amountOfPaths);
 // The last component of a path, for a message; the whole path when that is empty.
 gtString hoLastComponent(const gtString& path);
 
+// A reason with a capital and a full stop.
+wxString hoSentence(const gtString& reason);
+
 // The text between double quotation marks.
 wxString hoQuotedText(const wxString& text);
 

@@ -484,6 +484,21 @@ END
         # A window of its own stands out from the bare screen by its many colours.
         colours=$(identify -format '%k' "$source/build/countersign.png") || complain "the picture cannot be read"
         [ "$colours" -gt 50 ] || complain "the picture has $colours colours only"
+
+        # README's worked example, with the programs where the line to paste finds them.
+        line=$(grep '^export PATH=' "$here/output") || complain "there is no line to paste"
+        awk '/^## /{ here = /^## A worked example$/ } here && /^```/ { if (inside) exit; inside = 1; next } inside' \
+            "$source/README.md" >"$here/example"
+        {
+            printf '%s\nexec 2>&1\n' "$line"
+            grep '^\$ ' "$here/example" | while IFS= read -r command; do
+                printf "status=\$?; cat <<'THE_COMMAND'\n%s\nTHE_COMMAND\n(exit \$status)\n%s\n" \
+                    "$command" "${command#\$ }"
+            done
+        } >"$here/commands"
+        env PATH=/usr/local/bin:/usr/bin:/bin bash "$here/commands" >"$here/output"
+        [ -s "$here/example" ] || complain "there is no worked example"
+        cmp "$here/example" "$here/output" || complain "the worked example does something else"
         ;;
 
     *)

@@ -164,6 +164,30 @@ TEST_F(NewKeyDialog, TriesTheFolderBeforeItMakesAKey)
     EXPECT_TRUE(std::filesystem::is_empty(_folder.path()));
 }
 
+// No program could load such a key again.
+TEST_F(NewKeyDialog, RefusesAPassphraseThatNoKeyFileTakes)
+{
+    _script
+        .perform("give a long passphrase",
+                 [this]
+                 {
+                     // Two bytes a character.
+                     const wxString passphrase(static_cast<wchar_t>(0xE9), hoLongestPassphrase / 2);
+                     input("passphrase").SetValue(passphrase + "x");
+                     input("again").SetValue(passphrase + "x");
+                     create();
+                     EXPECT_EQ(said(), "The passphrase is too long; a key file takes up to 1024 bytes.");
+                     EXPECT_EQ(enabled().size(), 6U) << "nothing has begun";
+                     expectNothingClipped();
+                     input("passphrase").SetValue(passphrase);
+                     input("again").SetValue(passphrase);
+                     create();
+                 })
+        .waitUntil("it has ended", [this] { return !_pDialog->IsModal(); });
+    EXPECT_EQ(show(), wxID_OK);
+    EXPECT_TRUE(isFile("countersign-key.pem"));
+}
+
 TEST_F(NewKeyDialog, KeepsAFinishedKeyUntilItIsSaved)
 {
     _script
