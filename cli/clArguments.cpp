@@ -40,7 +40,7 @@ gtString unmarked(std::string_view argument)
 const char* const mainFooter = R"(Examples:
   countersign sign --key private.pem report.pdf        writes report.pdf.sig
   countersign test --key public.pem report.pdf         tells whether report.pdf is still the same
-  countersign encrypt --key public.pem "at noon"       prints the cipher text
+  countersign encrypt --key public.pem < note.txt      prints the cipher text
   countersign help sign                                tells the options of a command
 
 Make a pair of keys, alice.pem and alice.pub.pem:
@@ -74,8 +74,10 @@ Prints one line a file with the verdict, and on standard error what is behind it
 With many files the status is the highest.)";
 
 const char* const encryptFooter = R"(Examples:
-  countersign encrypt --key public.pem "at noon"
   countersign encrypt --key public.pem < note.txt > note.cipher
+  printf 'at noon' | countersign encrypt --key public.pem
+
+A TEXT that is given as an argument can be seen by others on this machine.
 
 What is encrypted with public.pem is decrypted with private.pem. With --private it is the other way round, and no
 secret. The text is taken byte by byte, a line end included, and has to fit one block: 127 bytes with a key of 1024
@@ -83,7 +85,7 @@ bits.)";
 
 const char* const decryptFooter = R"(Examples:
   countersign decrypt --key private.pem < note.cipher
-  countersign encrypt --key public.pem "at noon" | countersign decrypt --key private.pem
+  printf 'at noon' | countersign encrypt --key public.pem | countersign decrypt --key private.pem
 
 The text is printed byte by byte; a line end is added on a terminal only. Exit status 1: another key's, or damaged.)";
 
