@@ -136,10 +136,10 @@ void MainFrame::bindCommands()
              event.Skip();
              if (event.GetMenu() != nullptr && event.GetMenu()->FindChildItem(ID_SIGN) != nullptr)
              {
-                 CallAfter(
-                     [this] {
-                         _pStatusBar->showNotice(hoWhyNoJob(documents(), _pView->amountSelected(), keys(), isAtWork()));
-                     });
+                 // The toolkit empties the field for the menu, and brings back what it says now when that is closed.
+                 const wxString reason = hoWhyNoJob(documents(), _pView->amountSelected(), keys(), isAtWork());
+                 _pStatusBar->showReason(reason);
+                 CallAfter([this, reason] { _pStatusBar->showReason(reason); });
              }
          });
     const auto on = [this](int id, auto action)
@@ -279,6 +279,7 @@ void MainFrame::showChangesNow()
     {
         comeToFront();
     }
+    _pStatusBar->endReason();
     _pStatusBar->showDocuments(documents(), _pView->amountSelected());
     _pStatusBar->showKeys(keys());
     _messageBar.show();

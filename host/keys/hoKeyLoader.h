@@ -11,6 +11,8 @@
 #include <memory>
 #include <string_view>
 
+#pragma GCC visibility push(default)
+
 // All functions are for the thread that made the object.
 class hoKeyLoader
 {
@@ -46,5 +48,7 @@ private:
 
     std::shared_ptr<Loading> _pLoading;  // the thread's, too
 };
+
+#pragma GCC visibility pop
 
 #endif

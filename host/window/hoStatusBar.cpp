@@ -30,6 +30,21 @@ void hoStatusBar::showNotice(const wxString& text)
     SetStatusText(text, FIELD_NOTICE);
 }
 
+void hoStatusBar::showReason(const wxString& text)
+{
+    _reason = text;
+    showNotice(text);
+}
+
+void hoStatusBar::endReason()
+{
+    if (!_reason.empty() && GetStatusText(FIELD_NOTICE) == _reason)
+    {
+        showNotice(wxString());
+    }
+    _reason.clear();
+}
+
 void hoStatusBar::showKeys(const hoKeyRing& keys)
 {
     const wxString privateKey = hoKeyText(keys._private, true);

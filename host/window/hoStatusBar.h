@@ -16,8 +16,14 @@ public:
 
     // The first field stays until it is written again, or a menu is looked through.
     void showNotice(const wxString& text);
+    // The same for why something cannot be done now; endReason takes it away, if it is still there.
+    void showReason(const wxString& text);
+    void endReason();
     void showKeys(const hoKeyRing& keys);
     void showDocuments(const hoDocumentList& documents, std::size_t amountSelected);
+
+private:
+    wxString _reason;
 };
 
 #endif
