@@ -9,8 +9,10 @@
 // Calls: those of tsSystemFault; new for the allocations from the first call on that names a file or asks about one,
 // parse for those from the start of main on (to be exact from its first pipe: nobody catches what static objects
 // throw).
+#include <array>
 #include <atomic>
 #include <cerrno>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
@@ -33,11 +35,13 @@ bool mayAllocate()
     return !(hasOpened && tsFails("new")) && !(hasMainBegun && tsFails("parse"));
 }
 
-// Stays until the end of the program.
+// Their memory is not given back, as the calls go on while static objects are destroyed; what is kept here is no leak.
+std::array<const tsSystemFault*, 16> faults = {};
+std::size_t amountOfFaults = 0;
+
 void add(const tsFault& fault)
 {
-    // Its memory is not given back: the calls go on while static objects are destroyed.
-    static_cast<void>(new tsSystemFault(fault));
+    faults.at(amountOfFaults++) = new tsSystemFault(fault);
 }
 
 void addAlways(const char* pCall, int error)
