@@ -33,8 +33,8 @@ hoSummary hoKeyWarning(const hoLoadedKey& key);
 // that need looking at first.
 hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcome>& outcomes, bool isCancelled);
 
-// The question whether to replace signatures that are there, which is not to be asked of none: how many, and what is known
-// of them that speaks against it.
+// The question whether to replace signatures that are there, which is not to be asked of none: how many, and what is
+// known of them that speaks against it.
 wxString hoReplacementQuestion(const std::vector<hoDocument>& documents);
 
 // Why the selected documents cannot be signed or tested now; empty when they can.

@@ -17,8 +17,8 @@ void gtWipe(void* pBytes, std::size_t amountOfBytes);
 // a secret before another, shorter text takes its place.
 void gtWipe(gtString& text);
 
-// A text that is wiped so when it goes away, however that comes. Not to be copied. Made of a function's result in braces,
-// gtWipedText text{function()}, it leaves no second text behind.
+// A text that is wiped so when it goes away, however that comes. Not to be copied. Made of a function's result in
+// braces, gtWipedText text{function()}, it leaves no second text behind.
 struct gtWipedText
 {
     gtString _text;
