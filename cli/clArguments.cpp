@@ -63,6 +63,9 @@ tests weak.)";
 const char* const testFooter = R"(Examples:
   countersign test --key public.pem *.iso
   countersign test --key public.pem --signature signatures/report.sig report.pdf
+  countersign test --key alice.pem --key bob.pem --key-dir keys report.pdf
+
+One key is required, by --key or --key-dir. In a folder of keys the files that hold none are passed over.
 
 Prints one line a file with the verdict, and on standard error what is behind it:
   good              both lines of the signature hold                                    status 0
@@ -113,7 +116,8 @@ The digest depends on the key's size only. With more than one file each line end
 // What CLI11 fills in. It speaks std::string.
 struct ParsedValues
 {
-    std::string _keyPath;
+    std::vector<std::string> _keyPaths;
+    std::vector<std::string> _keyFolders;
     std::vector<std::string> _files;
     std::string _namesPath;
     std::string _outputPath;
@@ -191,8 +195,10 @@ Parser::Parser()
     addOutputFlags(pSign, "files that are signed");
     addFiles(pSign, "The files to sign");
 
-    CLI::App* pTest = addCommand(clCommand::Test, "test", "Test files against FILE.sig beside each FILE (also: verify)",
-                                 testFooter, "The public key, a PEM file (of a private key the public half is taken)");
+    CLI::App* pTest =
+        addCommand(clCommand::Test, "test", "Test files against FILE.sig beside each FILE (also: verify)", testFooter,
+                   "A public key, a PEM file (of a private key the public half); of several the line "
+                   "names the one that holds");
     _pSignature = pTest->add_option("-s,--signature", _values._signaturePath,
                                     "Where the signature of a single FILE is instead; - for standard input");
     _pSignature->type_name("PATH");
@@ -229,7 +235,20 @@ CLI::App* Parser::addCommand(clCommand command, const std::string& name, const s
     CLI::App* pCommand = _app.add_subcommand(name, description);
     pCommand->set_help_flag("-h,--help", "Print this help and end");
     pCommand->footer(footer);
-    pCommand->add_option("-k,--key", _values._keyPath, keyDescription)->type_name("PEM")->required();
+    CLI::Option* const pKeys = pCommand->add_option("-k,--key", _values._keyPaths, keyDescription);
+    pKeys->type_name("PEM")->allow_extra_args(false);
+    if (command == clCommand::Test)
+    {
+        pCommand
+            ->add_option("--key-dir", _values._keyFolders,
+                         "Try the keys in this folder, too; instead of --key or besides")
+            ->type_name("DIR")
+            ->allow_extra_args(false);
+    }
+    else
+    {
+        pKeys->expected(1)->required();
+    }
     addPassphrase(pCommand, "the key's passphrase");
     pCommand->add_flag("--no-warnings", _areWarningsLeftOut, "Do not warn of what is risky");
     _commands.emplace_back(command, pCommand);
@@ -383,7 +402,15 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
     {
         result._files.push_back(unmarked(file));
     }
-    result._keyPath = unmarked(_values._keyPath);
+    for (const std::string& key : _values._keyPaths)
+    {
+        result._keyPaths.push_back(unmarked(key));
+    }
+    result._keyPath = result._keyPaths.empty() ? gtString() : result._keyPaths.front();
+    for (const std::string& folder : _values._keyFolders)
+    {
+        result._keyFolders.push_back(unmarked(folder));
+    }
     result._outputPath = unmarked(_values._outputPath);
     result._signaturePath = unmarked(_values._signaturePath);
     result._plainText = unmarked(_values._plainText);
@@ -467,7 +494,11 @@ void Parser::checkNames(clArguments& result, const gtString& command)
                             result._command == clCommand::Digest;
     const bool mayBeMany = result._isRecursive || !result._namesPath.isEmpty();
     const bool isOneOutput = result._hasOutput && result._outputPath != "-";
-    if (takesFiles && result._files.empty() && result._namesPath.isEmpty())
+    if (result._command == clCommand::Test && result._keyPaths.empty() && result._keyFolders.empty())
+    {
+        result = wrongUse("--key PEM or --key-dir DIR is missing", command);
+    }
+    else if (takesFiles && result._files.empty() && result._namesPath.isEmpty())
     {
         result = wrongUse("no FILE is named", command);
     }

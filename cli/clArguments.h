@@ -26,7 +26,9 @@ struct clArguments
     int _bits = 0;                      // --bits
     int _passphraseDescriptor = -1;     // --passphrase-fd; -1: not given
     gtString _text;                     // of ShowText and WrongUse, ready to be printed
-    gtString _keyPath;                  // --key
+    gtString _keyPath;                  // the first --key; empty: not given
+    std::vector<gtString> _keyPaths;    // --key; of test there may be several
+    std::vector<gtString> _keyFolders;  // --key-dir
     std::vector<gtString> _files;       // FILE...
     gtString _namesPath;                // --files0-from; empty: not given
     gtString _outputPath;               // --output

@@ -14,6 +14,7 @@
 #include "cli/clKeyCommand.h"
 #include "cli/clKeyLoading.h"
 #include "cli/clKeygen.h"
+#include "cli/clOutcome.h"
 #include "cli/clPrintableName.h"
 #include "cli/clProgressLine.h"
 #include "cli/clResults.h"
@@ -38,24 +39,21 @@ void complain(const gtString& name, const gtString& reason, const gtString& advi
     clComplain(gtString(name).append(": ").append(reason).append(advice));
 }
 
-void complainOfSigning(const clArguments& arguments, const gtString& name, const hoSigningFacts& facts)
+// The problem is the document's or the key's.
+void complainOfSigning(clOutcome& outcome, const gtString& file, const clLoadedKey& key, const hoSigningFacts& facts)
 {
     const bool isTheKeys = facts._problem == hoSigningProblem::NoPrivateKey ||
                            facts._problem == hoSigningProblem::KeyTooSmall ||
                            facts._problem == hoSigningProblem::CannotCountersign ||
                            facts._problem == hoSigningProblem::CountersigningFailed;
-    complain(isTheKeys ? clPrintableName(arguments._keyPath) : name, hoSigningReason(facts), clSigningAdvice(facts));
+    outcome.complain(clPrintableName(isTheKeys ? key._path : file), hoSigningReason(facts), clSigningAdvice(facts));
 }
 
+// The key of a command that takes one.
 std::unique_ptr<const hoKey> loadKey(const clArguments& arguments)
 {
-    const bool isPublicEnough = arguments._command == clCommand::Test || arguments._command == clCommand::Digest ||
-                                (arguments._command == clCommand::Encrypt && !arguments._isPrivateWanted);
-    hoKeyFileFacts facts;
-    std::unique_ptr<const hoKey> pKey =
-        clLoadKey(arguments, arguments._keyPath, isPublicEnough ? hoKeyNeed::Public : hoKeyNeed::Any, facts);
-    // A private key need not be in memory longer than it takes to read its file.
-    return (pKey != nullptr && isPublicEnough) ? pKey->publicHalf() : std::move(pKey);
+    clKeys keys = clLoadKeys(arguments);
+    return keys.empty() ? nullptr : std::move(keys.front()._pKey);
 }
 
 // How long the program has been running, for the progress.
@@ -81,24 +79,23 @@ gtString lineOf(const gtString& file, const gtString& result)
     return clPrintableName(file).append(": ").append(result).append('\n');
 }
 
-// Works on one file after the other, and returns the gravest of the statuses. amountBegun: how many it came to.
+// Works on one document after the other, and returns the gravest of the statuses. amountBegun: how many it came to.
 template <class Work>
-int performOnFiles(const clArguments& arguments, const std::vector<gtString>& files, Work work,
-                   std::size_t* pAmountBegun = nullptr)
+int performInOrder(const clArguments& arguments, const std::vector<gtString>& documents, clResults& results, Work work,
+                   std::size_t& amountBegun)
 {
-    const std::unique_ptr<const hoKey> pKey = loadKey(arguments);
-    if (pKey == nullptr)
+    const clKeys keys = clLoadKeys(arguments);
+    if (keys.empty())
     {
         return clStatusNotChecked;
     }
     int status = clStatusGood;
-    for (const gtString& file : files)
+    for (const gtString& document : documents)
     {
-        status = std::max(status, work(file, *pKey));
-        if (pAmountBegun != nullptr)
-        {
-            ++*pAmountBegun;
-        }
+        const clOutcome outcome = work(document, keys);
+        results.add(outcome);
+        status = std::max(status, outcome._status);
+        ++amountBegun;
         // What a program that is killed has done is told by then. Where it cannot be told, nothing more is begun.
         if (clFlushOutput() != 0 || clIsInterrupted())
         {
@@ -128,23 +125,24 @@ int performOnDocuments(const clArguments& arguments, const gtString& otherKind, 
         return clStatusNotChecked;
     }
     clResults results(arguments);
-    const clInputs inputs(documents, arguments._keyPath);
+    const clInputs inputs(documents, arguments._keyPaths);
     std::size_t amountBegun = 0;
-    const int status = performOnFiles(
-        arguments, documents,
-        [&](const gtString& file, const hoKey& key)
+    const int status = performInOrder(
+        arguments, documents, results,
+        [&](const gtString& file, const clKeys& keys)
         {
             if (areSignaturesTaken || clKindOfName(file) == clNameKind::Document)
             {
-                return work(inputs, file, key, results);
+                return work(inputs, file, keys);
             }
-            const gtString name = clPrintableName(file);
-            complain(name, "it has the name of a signature, and there is no such document",
-                     "; --also-signatures takes it for a document");
-            results.add(otherKind, arguments._command == clCommand::Test ? lineOf(file, otherKind) : gtString(), false);
-            return clStatusNotChecked;
+            clOutcome outcome;
+            outcome._kind = otherKind;
+            outcome._line = arguments._command == clCommand::Test ? lineOf(file, otherKind) : gtString();
+            outcome.complain(clPrintableName(file), "it has the name of a signature, and there is no such document",
+                             "; --also-signatures takes it for a document");
+            return outcome;
         },
-        &amountBegun);
+        amountBegun);
     // Without a key none is begun.
     if (arguments._isSummaryWanted && amountBegun > 0)
     {
@@ -153,26 +151,25 @@ int performOnDocuments(const clArguments& arguments, const gtString& otherKind, 
     return status;
 }
 
-void complainOfSignatureFile(const gtString& name, const hoSignatureFileResult& facts)
+void complainOfSignatureFile(clOutcome& outcome, const gtString& path, const hoSignatureFileResult& facts)
 {
-    complain(name, hoSignatureFileReason(facts), clSignatureFileAdvice(facts));
+    outcome.complain(clPrintableName(path), hoSignatureFileReason(facts), clSignatureFileAdvice(facts));
 }
 
 // Whether a signature may be written to the path, as far as can be told before the document is read.
-bool isFreeTarget(const clArguments& arguments, const clInputs& inputs, const gtString& path)
+bool isFreeTarget(const clArguments& arguments, const clInputs& inputs, const gtString& path, clOutcome& outcome)
 {
-    const gtString name = clPrintableName(path);
     const gtString input = inputs.inputAt(path);
     if (!input.isEmpty())
     {
-        complain(name, gtString("it is ").append(input).append(", which is never overwritten"),
-                 "; --output puts the signature elsewhere");
+        outcome.complain(clPrintableName(path), gtString("it is ").append(input).append(", which is never overwritten"),
+                         "; --output puts the signature elsewhere");
         return false;
     }
     const hoSignatureFileResult signatureFile = hoCheckSignaturePath(path, arguments._isForced);
     if (!signatureFile.isOk())
     {
-        complainOfSignatureFile(name, signatureFile);
+        complainOfSignatureFile(outcome, path, signatureFile);
     }
     return signatureFile.isOk();
 }
@@ -196,66 +193,67 @@ bool isAlreadySigned(const clArguments& arguments, const gtString& path, const g
            (verdict == hoVerdict::Weak && wantedLines(arguments) == hoSignatureLines::DigestOnly);
 }
 
-// Makes the signature and writes it. False: it has said why not.
+// Makes the signature and writes it. False: the outcome says why not.
 bool makeSignature(const clArguments& arguments, const clInputs& inputs, const gtString& path, const gtString& file,
-                   const hoKey& key)
+                   const clLoadedKey& key, clOutcome& outcome)
 {
     const bool isForOutput = path == standardStream;
-    if (!isForOutput && !isFreeTarget(arguments, inputs, path))
+    if (!isForOutput && !isFreeTarget(arguments, inputs, path, outcome))
     {
         return false;
     }
-    const gtString name = clPrintableName(file);
     gtString signature;
     hoSigningFacts facts;
     {
-        clProgressLine progress = progressFor(arguments, name);
-        facts = hoSignFile(file, key, wantedLines(arguments), &progress, signature);
+        clProgressLine progress = progressFor(arguments, clPrintableName(file));
+        facts = hoSignFile(file, *key._pKey, wantedLines(arguments), &progress, signature);
     }
     if (!facts.isOk())
     {
-        complainOfSigning(arguments, name, facts);
+        complainOfSigning(outcome, file, key, facts);
         return false;
     }
     if (isForOutput)
     {
-        clWriteOutput(signature);
+        outcome._product = signature;
         return true;
     }
     // Reading may have taken long enough for something to be put there.
-    if (!isFreeTarget(arguments, inputs, path))
+    if (!isFreeTarget(arguments, inputs, path, outcome))
     {
         return false;
     }
-    const gtString signatureName = clPrintableName(path);
     const bool isReadOnly = osIsReadOnly(path);
     const hoSignatureFileResult signatureFile = hoWriteSignatureFile(path, signature, arguments._isForced);
     if (!signatureFile.isOk())
     {
-        complainOfSignatureFile(signatureName, signatureFile);
+        complainOfSignatureFile(outcome, path, signatureFile);
         return false;
     }
     if (isReadOnly)
     {
-        complain(gtString("warning: ").append(signatureName), "a read-only signature was replaced");
+        outcome.complain(gtString("warning: ").append(clPrintableName(path)), "a read-only signature was replaced");
     }
     return true;
 }
 
-int signFile(const clArguments& arguments, const clInputs& inputs, const gtString& file, const hoKey& key,
-             clResults& results)
+clOutcome signFile(const clArguments& arguments, const clInputs& inputs, const gtString& file, const clLoadedKey& key)
 {
+    clOutcome outcome;
     const gtString path = arguments._hasOutput ? arguments._outputPath : hoSignaturePath(file);
-    const bool isKept = arguments._isSignedSkipped && isAlreadySigned(arguments, path, file, key);
-    if (!isKept && !makeSignature(arguments, inputs, path, file, key))
+    const bool isKept = arguments._isSignedSkipped && isAlreadySigned(arguments, path, file, *key._pKey);
+    if (!isKept && !makeSignature(arguments, inputs, path, file, key, outcome))
     {
-        results.add("not signed", gtString(), false);
-        return clStatusNotChecked;
+        outcome._kind = "not signed";
+        return outcome;
     }
-    const gtString kind = isKept ? "already signed" : "signed";
-    const gtString result = gtString(kind).append(", ").append(clPrintableName(path));
-    results.add(kind, path == standardStream ? gtString() : lineOf(file, result), true);
-    return clStatusGood;
+    outcome._status = clStatusGood;
+    outcome._kind = isKept ? "already signed" : "signed";
+    if (path != standardStream)
+    {
+        outcome._line = lineOf(file, gtString(outcome._kind).append(", ").append(clPrintableName(path)));
+    }
+    return outcome;
 }
 
 // Where the signature of the file is.
@@ -295,19 +293,19 @@ int statusOf(hoVerdict verdict, bool isWeakAccepted)
     }
 }
 
-// On standard error, under the name of what it is about.
+// Under the name of what it is about.
 void complainOfVerdict(const clArguments& arguments, const gtString& file, const hoSignatureFileResult& signatureFile,
-                       const hoTestFacts& facts)
+                       const clKeys& keys, const hoTestFacts& facts, clOutcome& outcome)
 {
     const gtString signatureName =
         isSignatureOnInput(arguments) ? gtString("standard input") : clPrintableName(signaturePathFor(arguments, file));
     if (!signatureFile.isOk())
     {
-        complain(signatureName, hoSignatureFileReason(signatureFile), clVerdictAdvice(facts._verdict));
+        outcome.complain(signatureName, hoSignatureFileReason(signatureFile), clVerdictAdvice(facts._verdict));
     }
     else if (!facts.isOk())
     {
-        complainOfSigning(arguments, clPrintableName(file), facts);
+        complainOfSigning(outcome, file, keys[facts._key], facts);
     }
     else if (facts._verdict == hoVerdict::Bad)
     {
@@ -316,13 +314,19 @@ void complainOfVerdict(const clArguments& arguments, const gtString& file, const
     }
     else
     {
-        complain(signatureName, hoVerdictReason(facts), clVerdictAdvice(facts._verdict));
+        outcome.complain(signatureName, hoVerdictReason(facts), clVerdictAdvice(facts._verdict));
     }
 }
 
-int testFile(const clArguments& arguments, const gtString& file, const hoKey& key, clResults& results)
+// Whether the verdict says that the signature is one key's.
+bool isOfOneKey(hoVerdict verdict)
 {
-    const gtString name = clPrintableName(file);
+    return verdict == hoVerdict::Good || verdict == hoVerdict::Bad || verdict == hoVerdict::Weak;
+}
+
+clOutcome testFile(const clArguments& arguments, const gtString& file, const clKeys& keys)
+{
+    clOutcome outcome;
     hoSignatureFileResult signatureFile;
     hoTestFacts facts;
     // A file that is not there is told about before its signature is missed.
@@ -338,44 +342,60 @@ int testFile(const clArguments& arguments, const gtString& file, const hoKey& ke
         signatureFile = readSignature(arguments, file, signature);
         if (signatureFile.isOk())
         {
-            clProgressLine progress = progressFor(arguments, name);
-            facts = hoTestFile(file, {&key}, signature.asStringView(), &progress);
+            clProgressLine progress = progressFor(arguments, clPrintableName(file));
+            facts = hoTestFile(file, clPointersTo(keys), signature.asStringView(), &progress);
         }
         else
         {
             facts = hoTestFacts(signatureFile);
         }
     }
-    const int status = statusOf(facts._verdict, arguments._isWeakAccepted);
-    if (status != clStatusGood)
+    outcome._status = statusOf(facts._verdict, arguments._isWeakAccepted);
+    if (outcome._status != clStatusGood)
     {
-        complainOfVerdict(arguments, file, signatureFile, facts);
+        complainOfVerdict(arguments, file, signatureFile, keys, facts, outcome);
     }
-    const gtString verdict = hoVerdictText(facts._verdict);
-    results.add(verdict, lineOf(file, verdict), status == clStatusGood);
-    return status;
+    outcome._kind = hoVerdictText(facts._verdict);
+    gtString result = outcome._kind;
+    // Of a single key it is known which one it is.
+    const bool mayBeSeveral = arguments._keyPaths.size() > 1 || !arguments._keyFolders.empty();
+    if (mayBeSeveral && isOfOneKey(facts._verdict))
+    {
+        result.append(", ").append(clPrintableName(keys[facts._key]._path));
+    }
+    outcome._line = lineOf(file, result);
+    return outcome;
 }
 
-int digestFile(const clArguments& arguments, const gtString& file, const hoKey& key)
+clOutcome digestFile(const clArguments& arguments, const gtString& file, const clLoadedKey& key)
 {
-    const gtString name = clPrintableName(file);
-    gtString digestText;
+    clOutcome outcome;
     hoSigningFacts facts;
     {
-        clProgressLine progress = progressFor(arguments, name);
-        facts = hoDigestOfFile(file, key, &progress, digestText);
+        clProgressLine progress = progressFor(arguments, clPrintableName(file));
+        facts = hoDigestOfFile(file, *key._pKey, &progress, outcome._product);
     }
     if (!facts.isOk())
     {
-        complainOfSigning(arguments, name, facts);
-        return clStatusNotChecked;
+        complainOfSigning(outcome, file, key, facts);
+        return outcome;
     }
+    outcome._status = clStatusGood;
     if (arguments._files.size() > 1)
     {
-        digestText.append("  ").append(name);
+        outcome._product.append("  ").append(clPrintableName(file));
     }
-    clWriteOutput(digestText.append('\n'));
-    return clStatusGood;
+    outcome._product.append('\n');
+    return outcome;
+}
+
+int digestFiles(const clArguments& arguments)
+{
+    clResults results(arguments);
+    std::size_t ignored = 0;
+    return performInOrder(
+        arguments, arguments._files, results,
+        [&](const gtString& file, const clKeys& keys) { return digestFile(arguments, file, keys.front()); }, ignored);
 }
 
 // The text from the arguments or from standard input.
@@ -457,15 +477,14 @@ int perform(const clArguments& arguments)
         return clStatusGood;
     case clCommand::Sign:
         return performOnDocuments(arguments, "not signed",
-                                  [&](const clInputs& inputs, const gtString& file, const hoKey& key,
-                                      clResults& results) { return signFile(arguments, inputs, file, key, results); });
+                                  [&](const clInputs& inputs, const gtString& file, const clKeys& keys)
+                                  { return signFile(arguments, inputs, file, keys.front()); });
     case clCommand::Test:
         return performOnDocuments(arguments, hoVerdictText(hoVerdict::NotTested),
-                                  [&](const clInputs&, const gtString& file, const hoKey& key, clResults& results)
-                                  { return testFile(arguments, file, key, results); });
+                                  [&](const clInputs&, const gtString& file, const clKeys& keys)
+                                  { return testFile(arguments, file, keys); });
     case clCommand::Digest:
-        return performOnFiles(arguments, arguments._files,
-                              [&](const gtString& file, const hoKey& key) { return digestFile(arguments, file, key); });
+        return digestFiles(arguments);
     case clCommand::Encrypt:
         return encrypt(arguments);
     case clCommand::Decrypt:

@@ -5,12 +5,15 @@
 
 #include "cli/clPrintableName.h"
 
-clInputs::clInputs(const std::vector<gtString>& documents, const gtString& keyPath)
+clInputs::clInputs(const std::vector<gtString>& documents, const std::vector<gtString>& keyPaths)
 {
     Identity identity;
-    if (identify(keyPath, identity))
+    for (const gtString& keyPath : keyPaths)
     {
-        _names.emplace(identity, gtString("the key ").append(clPrintableName(keyPath)));
+        if (identify(keyPath, identity))
+        {
+            _names.emplace(identity, gtString("the key ").append(clPrintableName(keyPath)));
+        }
     }
     for (const gtString& document : documents)
     {

@@ -15,7 +15,7 @@ class clInputs
 public:
     // Files are told apart by device and number, so that links and hard links do not hide one. Those that are not there
     // are left out.
-    clInputs(const std::vector<gtString>& documents, const gtString& keyPath);
+    clInputs(const std::vector<gtString>& documents, const std::vector<gtString>& keyPaths);
 
     // What is at the path, links followed: "the key k.pem", "the document report", printable; empty: none of them.
     gtString inputAt(const gtString& path) const;

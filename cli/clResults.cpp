@@ -7,21 +7,27 @@
 #include "cli/clStandardStreams.h"
 #include "host/messages/hoNumbers.h"
 
-void clResults::add(const gtString& kind, const gtString& line, bool isGood)
+void clResults::add(const clOutcome& outcome)
 {
-    const auto found = std::find_if(_amounts.begin(), _amounts.end(),
-                                    [&kind](const auto& kindAndAmount) { return kindAndAmount.first == kind; });
+    const auto found =
+        std::find_if(_amounts.begin(), _amounts.end(),
+                     [&outcome](const auto& kindAndAmount) { return kindAndAmount.first == outcome._kind; });
     if (found == _amounts.end())
     {
-        _amounts.emplace_back(kind, 1);
+        _amounts.emplace_back(outcome._kind, 1);
     }
     else
     {
         ++found->second;
     }
-    if (!_arguments._isStatusOnly && (!isGood || !_arguments._isQuiet))
+    for (const gtString& complaint : outcome._complaints)
     {
-        clWriteOutput(line);
+        clComplain(complaint);
+    }
+    clWriteOutput(outcome._product);
+    if (!_arguments._isStatusOnly && (outcome._status != clStatusGood || !_arguments._isQuiet))
+    {
+        clWriteOutput(outcome._line);
     }
 }
 

@@ -4,6 +4,7 @@
 #define COUNTERSIGN_CL_RESULTS_H
 
 #include "cli/clArguments.h"
+#include "cli/clOutcome.h"
 
 #include <cstddef>
 #include <utility>
@@ -15,9 +16,9 @@ public:
     // Of the arguments, --quiet, --status and --summary count. They must outlive this object.
     explicit clResults(const clArguments& arguments) : _arguments(arguments) {}
 
-    // kind: "good", "signed"; it is counted. line: with its end, empty where there is none. Good results have no line
-    // with --quiet, and none has one with --status.
-    void add(const gtString& kind, const gtString& line, bool isGood);
+    // Prints what the outcome holds and counts its kind. Good ones have no line with --quiet, and none has one with
+    // --status.
+    void add(const clOutcome& outcome);
 
     // "3 documents: 2 good, 1 BAD; 4 signatures left out", with a line end: the kinds in the order in which they first
     // came. amountNotBegun: documents behind the one at which the work stopped.

@@ -37,7 +37,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
     // A value is never empty: an option that has none cannot have taken another argument for it.
     if (result._command == clCommand::Sign || result._command == clCommand::Test)
     {
-        FUZZ_CHECK(!result._keyPath.isEmpty());
+        FUZZ_CHECK(!result._keyPaths.empty() || !result._keyFolders.empty());
+        for (const std::vector<gtString>& paths : {result._keyPaths, result._keyFolders})
+        {
+            for (const gtString& path : paths)
+            {
+                FUZZ_CHECK(!path.isEmpty());
+            }
+        }
         FUZZ_CHECK(result._hasOutput != result._outputPath.isEmpty());
         FUZZ_CHECK(result._hasSignature != result._signaturePath.isEmpty());
     }

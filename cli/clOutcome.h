@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+// What came of one document: all that is to be printed, so that the work need not print anything itself.
+#ifndef COUNTERSIGN_CL_OUTCOME_H
+#define COUNTERSIGN_CL_OUTCOME_H
+
+#include "cli/clCommands.h"
+
+#include <utility>
+#include <vector>
+
+struct clOutcome
+{
+    int _status = clStatusNotChecked;
+    gtString _kind;                     // "good", "signed": counted for the summary
+    gtString _line;                     // about the document, with its end; empty where there is none
+    gtString _product;                  // what was asked for (a signature, a digest text), with its end
+    std::vector<gtString> _complaints;  // for standard error, without the program's name and line ends
+
+    void complain(const gtString& name, const gtString& reason, const gtString& advice = gtString())
+    {
+        _complaints.push_back(gtString(name).append(": ").append(reason).append(advice));
+    }
+};
+
+#endif
