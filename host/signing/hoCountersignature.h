@@ -9,7 +9,9 @@
 // encrypts texts of others with a private key gives out powers of numbers that others chose. Keys for texts are better
 // kept apart from keys for signing.
 //
-// Nothing here prints or throws but std::bad_alloc. Safe from any thread, any number with the same key.
+// Nothing here prints or throws but std::bad_alloc. Safe from any thread, any number with the same key: each call makes
+// a context of its own, libcrypto locks what a key keeps between uses (its blinding), and gives each thread a generator
+// of random numbers of its own.
 #ifndef COUNTERSIGN_HO_COUNTERSIGNATURE_H
 #define COUNTERSIGN_HO_COUNTERSIGNATURE_H
 

@@ -53,43 +53,96 @@ hoDocumentState stateOf(const hoTestFacts& facts, bool isMine)
 }
 }  // namespace
 
+// How far one document is.
+class hoSigningJob::Reading : public hoIProgress
+{
+public:
+    explicit Reading(hoSigningJob& job) : _job(job), _bytesDone(0) {}
+
+    bool onProgress(unsigned long long bytesDone, unsigned long long) override
+    {
+        setBytesDone(bytesDone);
+        _job.notify();
+        return !_job._isCancelled;
+    }
+
+    void setBytesDone(std::uint64_t bytesDone)
+    {
+        // Less than before, too: unsigned sums come out right.
+        _job._bytesDone += bytesDone - _bytesDone;
+        _bytesDone = bytesDone;
+    }
+
+private:
+    hoSigningJob& _job;
+    std::uint64_t _bytesDone;
+};
+
 hoSigningJob::hoSigningJob(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite,
-                           std::function<void()> onChange, hoSignatureLines lines)
+                           std::function<void()> onChange, hoSignatureLines lines, unsigned int threads)
     : _kind(kind),
       _documents(documents),
       _keys(keys),
       _mayOverwrite(mayOverwrite),
       _lines(lines),
       _onChange(std::move(onChange)),
-      _bytesInAll(0),
+      _bytesInAll(sizeOf(documents)),
       _isCancelled(false),
       _isFinished(false),
-      _bytesOfDocument(0),
-      _bytesBefore(0),
+      _bytesDone(0),
       _documentsDone(0),
-      _outcomes(documents.size()),
+      _outcomes(outcomesFor(documents)),
+      _isDone(documents.size(), false),
       _isKnown(documents.size(), false),
-      _taken(0)
+      _firstNotDone(0),
+      _taken(0),
+      _work(
+          documents.size(), std::max(threads, 1U), std::max<std::size_t>(documents.size(), 1),
+          [this](std::size_t number) { perform(number); },
+          [this]
+          {
+              _isFinished = true;
+              notify();
+          })
 {
-    for (std::size_t i = 0; i < _documents.size(); ++i)
-    {
-        _bytesInAll += _documents[i]._facts._size;
-        _outcomes[i]._path = _documents[i]._path;
-    }
-    _thread = std::thread(&hoSigningJob::run, this);
 }
 
 hoSigningJob::~hoSigningJob()
 {
     cancel();
-    _thread.join();
+}
+
+std::uint64_t hoSigningJob::sizeOf(const std::vector<hoDocument>& documents)
+{
+    std::uint64_t size = 0;
+    for (const hoDocument& document : documents)
+    {
+        size += document._facts._size;
+    }
+    return size;
+}
+
+std::vector<hoSigningOutcome> hoSigningJob::outcomesFor(const std::vector<hoDocument>& documents)
+{
+    std::vector<hoSigningOutcome> outcomes(documents.size());
+    for (std::size_t i = 0; i < documents.size(); ++i)
+    {
+        outcomes[i]._path = documents[i]._path;
+    }
+    return outcomes;
+}
+
+void hoSigningJob::cancel()
+{
+    _isCancelled = true;
+    _work.cancel();
 }
 
 hoSigningJob::Progress hoSigningJob::progress() const
 {
     const std::lock_guard<std::mutex> lock(_mutex);
-    const std::uint64_t done = _bytesBefore + _bytesOfDocument;
-    const gtString path = _documentsDone < _documents.size() ? _documents[_documentsDone]._path : gtString();
+    const std::uint64_t done = _bytesDone;
+    const gtString path = _firstNotDone < _documents.size() ? _documents[_firstNotDone]._path : gtString();
     return {done, std::max(done, _bytesInAll), _documentsDone, path};
 }
 
@@ -97,8 +150,8 @@ std::vector<hoSigningOutcome> hoSigningJob::takeOutcomes()
 {
     const std::lock_guard<std::mutex> lock(_mutex);
     std::vector<hoSigningOutcome> outcomes;
-    outcomes.reserve(_documentsDone - _taken);
-    for (; _taken < _documentsDone; ++_taken)
+    outcomes.reserve(_firstNotDone - _taken);
+    for (; _taken < _firstNotDone; ++_taken)
     {
         if (_isKnown[_taken])
         {
@@ -108,46 +161,38 @@ std::vector<hoSigningOutcome> hoSigningJob::takeOutcomes()
     return outcomes;
 }
 
-bool hoSigningJob::onProgress(unsigned long long bytesDone, unsigned long long)
+void hoSigningJob::perform(std::size_t number)
 {
-    _bytesOfDocument = bytesDone;
-    notify();
-    return !_isCancelled;
-}
-
-void hoSigningJob::run()
-{
-    for (std::size_t i = 0; i < _documents.size() && !_isCancelled; ++i)
+    const hoDocument& document = _documents[number];
+    hoSigningOutcome& outcome = _outcomes[number];
+    Reading reading(*this);
+    try
     {
-        const hoDocument& document = _documents[i];
-        // Nobody looks at it before it is done.
-        hoSigningOutcome& outcome = _outcomes[i];
-        try
+        if (_kind == Kind::Sign)
         {
-            if (_kind == Kind::Sign)
-            {
-                sign(document, outcome);
-            }
-            else
-            {
-                test(document, outcome);
-            }
+            sign(document, reading, outcome);
         }
-        catch (const std::bad_alloc&)
+        else
         {
-            outcome._signing._problem = hoSigningProblem::NoMemory;
-            outcome._verdict = hoDocumentVerdict{hoDocumentState::NotTested, {}, {}};
+            test(document, reading, outcome);
         }
-        {
-            const std::lock_guard<std::mutex> lock(_mutex);
-            _isKnown[i] = outcome._signing._problem != hoSigningProblem::Cancelled;
-            _bytesBefore += document._facts._size;
-            _bytesOfDocument = 0;
-            ++_documentsDone;
-        }
-        notify();
     }
-    _isFinished = true;
+    catch (const std::bad_alloc&)
+    {
+        outcome._signing._problem = hoSigningProblem::NoMemory;
+        outcome._verdict = hoDocumentVerdict{hoDocumentState::NotTested, {}, {}};
+    }
+    reading.setBytesDone(document._facts._size);
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _isKnown[number] = outcome._signing._problem != hoSigningProblem::Cancelled;
+        _isDone[number] = true;
+        ++_documentsDone;
+        while (_firstNotDone < _documents.size() && _isDone[_firstNotDone])
+        {
+            ++_firstNotDone;
+        }
+    }
     notify();
 }
 
@@ -159,7 +204,7 @@ void hoSigningJob::notify() const
     }
 }
 
-void hoSigningJob::sign(const hoDocument& document, hoSigningOutcome& outcome)
+void hoSigningJob::sign(const hoDocument& document, hoIProgress& progress, hoSigningOutcome& outcome) const
 {
     outcome._verdict = document._verdict;
     const gtString signaturePath = hoSignaturePath(document._path);
@@ -170,7 +215,7 @@ void hoSigningJob::sign(const hoDocument& document, hoSigningOutcome& outcome)
     }
 
     gtString signature;
-    outcome._signing = hoTestFacts(hoSignFile(document._path, *_keys._pPrivateKey, _lines, this, signature));
+    outcome._signing = hoTestFacts(hoSignFile(document._path, *_keys._pPrivateKey, _lines, &progress, signature));
     if (!outcome._signing.isOk())
     {
         if (outcome._signing._problem == hoSigningProblem::FileCannotBeRead)
@@ -189,7 +234,7 @@ void hoSigningJob::sign(const hoDocument& document, hoSigningOutcome& outcome)
     }
 }
 
-void hoSigningJob::test(const hoDocument& document, hoSigningOutcome& outcome)
+void hoSigningJob::test(const hoDocument& document, hoIProgress& progress, hoSigningOutcome& outcome) const
 {
     const osFileFacts signatureBefore = signatureFacts(document._path);
     gtString signature;
@@ -215,7 +260,7 @@ void hoSigningJob::test(const hoDocument& document, hoSigningOutcome& outcome)
             keys.push_back(pKey);
         }
     }
-    outcome._signing = hoTestFile(document._path, keys, signature.asStringView(), this);
+    outcome._signing = hoTestFile(document._path, keys, signature.asStringView(), &progress);
     outcome._verdict._file = outcome._signing._file;
     outcome._verdict._signature = signatureBefore;
     const hoKey* const pMine = _keys._pPrivateKey.get();

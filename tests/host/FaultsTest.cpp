@@ -144,7 +144,8 @@ protected:
     void work(hoSigningJob::Kind kind, const std::shared_ptr<const hoKey>& pKey)
     {
         _outcomes.clear();
-        hoSigningJob worker(kind, _documents, {pKey, nullptr}, true);
+        // On one thread, so that the calls come in the same order each time.
+        hoSigningJob worker(kind, _documents, {pKey, nullptr}, true, nullptr, hoSignatureLines::Both, 1);
         while (!worker.isFinished())
         {
             std::this_thread::yield();

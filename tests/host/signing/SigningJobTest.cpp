@@ -214,6 +214,65 @@ TEST_F(DocumentWork, GoesOnAfterADocumentThatCannotBeRead)
     EXPECT_EQ(state(1), hoDocumentState::SignedByMe);
 }
 
+TEST_F(DocumentWork, IsTheSameOnAnyAmountOfThreads)
+{
+    // The first take longest, so that the others are done before them.
+    for (int number = 0; number < 20; ++number)
+    {
+        open(std::to_string(number), std::string(number < 2 ? 5000000 : 10, 'x'));
+    }
+    for (const char* pName : {"0", "7", "19"})
+    {
+        std::filesystem::remove(_folder.path(pName));
+    }
+    for (const unsigned int threads : {1U, 2U, 8U, 100U})
+    {
+        hoSigningJob work(Kind::Sign, all(), {mine, nullptr}, true, nullptr, hoSignatureLines::Both, threads);
+        std::vector<hoSigningOutcome> outcomes;
+        while (outcomes.size() < 20)
+        {
+            const bool isFinished = work.isFinished();
+            for (const hoSigningOutcome& outcome : work.takeOutcomes())
+            {
+                outcomes.push_back(outcome);
+            }
+            ASSERT_TRUE(!isFinished || outcomes.size() == 20) << threads;
+        }
+        for (std::size_t number = 0; number < 20; ++number)
+        {
+            EXPECT_EQ(outcomes[number]._path, _list[number]._path) << threads;
+            const bool isGone = number == 0 || number == 7 || number == 19;
+            EXPECT_EQ(outcomes[number]._signing._problem,
+                      isGone ? hoSigningProblem::FileCannotBeRead : hoSigningProblem::None);
+            EXPECT_EQ(outcomes[number]._verdict._state,
+                      isGone ? hoDocumentState::CannotBeRead : hoDocumentState::SignedByMe);
+        }
+    }
+}
+
+TEST_F(DocumentWork, CancelsAllThatAreBeingRead)
+{
+    for (const char* pName : {"a", "b", "c"})
+    {
+        open(pName, "");
+        std::filesystem::resize_file(_folder.path(pName), 64ULL << 30);
+        ASSERT_TRUE(_list.refresh(_list.size() - 1));
+    }
+    hoSigningJob work(Kind::Sign, all(), {mine, nullptr}, false, nullptr, hoSignatureLines::Both, 2);
+    while (work.progress()._bytesDone == 0)
+    {
+        std::this_thread::yield();
+    }
+    work.cancel();
+    while (!work.isFinished())
+    {
+        std::this_thread::yield();
+    }
+    EXPECT_LE(work.progress()._documentsDone, 2U);
+    EXPECT_TRUE(work.takeOutcomes().empty());
+    EXPECT_FALSE(std::filesystem::exists(_folder.path("a.sig")));
+}
+
 TEST_F(DocumentWork, CanBeCancelled)
 {
     // A sparse file that takes many seconds to read.
