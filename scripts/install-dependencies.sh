@@ -34,6 +34,8 @@ testOptional=(
     clang libclang-rt-dev
     # What changes the sources for scripts/mutate.sh.
     python3-clang
+    # The shells that completion is tried with.
+    zsh fish
 )
 developOptional=(
     clang-format clang-tidy gcovr shellcheck mandoc doxygen

@@ -91,6 +91,8 @@ check() {
 
 sources=()
 scripts=()
+zshScripts=()
+fishScripts=()
 manualPages=()
 entries=()
 metainfo=()
@@ -101,6 +103,8 @@ for file in "${files[@]}"; do
         # File managers' actions have the ending, too.
         *.desktop) grep -qE '^Type=(Action|Service)$' "$file" || entries+=("$file") ;;
         *.metainfo.xml) metainfo+=("$file") ;;
+        *.zsh | */completion/_*) zshScripts+=("$file") ;;
+        *.fish) fishScripts+=("$file") ;;
         *.sh | */completion/*) scripts+=("$file") ;;
         *) [[ $(head -c 64 "$file" | head -n 1 | tr -d '\0') =~ ^#!.*[/\ ](ba|da)?sh ]] && scripts+=("$file") ;;
     esac
@@ -142,6 +146,20 @@ lintWidth() {
 }
 check grep "lines of at most 120 characters" lintWidth -- "${sources[@]}"
 check shellcheck "scripts (shellcheck)" shellcheck -- "${scripts[@]}"
+# Each by itself: zsh takes further names for arguments.
+lintZsh() {
+    local script status=0
+    for script; do
+        zsh -n "$script" || status=1
+    done
+    return "$status"
+}
+if command -v zsh >/dev/null 2>&1; then
+    check zsh "scripts of zsh (zsh -n)" lintZsh -- "${zshScripts[@]}"
+else
+    say "left out: scripts of zsh (package zsh)"
+fi
+check fish "scripts of fish (fish --no-execute)" fish --no-execute -- "${fishScripts[@]}"
 if command -v mandoc >/dev/null 2>&1; then
     check mandoc "manual pages (mandoc)" lintManualPages -- "${manualPages[@]}"
 else

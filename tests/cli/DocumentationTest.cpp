@@ -72,6 +72,20 @@ std::string manual()
     return text;
 }
 
+Options linesOf(const std::string& text)
+{
+    Options result;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+    {
+        if (!line.empty())
+        {
+            result.insert(line);
+        }
+    }
+    return result;
+}
+
 // What bash would offer behind these words.
 Options completions(const std::vector<std::string>& words, const std::string& folder = "/")
 {
@@ -88,13 +102,58 @@ Options completions(const std::vector<std::string>& words, const std::string& fo
     const tsOutcome outcome = tsRun(bash);
     EXPECT_EQ(outcome._exitStatus, 0);
     EXPECT_EQ(outcome._errors, "");
+    return linesOf(outcome._output);
+}
+
+// With the program that is tested, which the completions of zsh and fish ask.
+void putProgramOnPath()
+{
+    const std::string program = COUNTERSIGN_PROGRAM;
+    const std::string path = program.substr(0, program.rfind('/')) + ":" + getenv("PATH");
+    setenv("PATH", path.c_str(), 1);
+}
+
+struct Shell
+{
+    std::string _name;
+    // Prints what is offered at the end of the line $2; $1 is the folder of the sources.
+    std::vector<std::string> _command;
+};
+
+const std::vector<Shell> otherShells = {
+    {"zsh", {"zsh", "-f", "-c", "zsh -f $1/tests/cli/zshCompletion.zsh $1/cli/completion \"$2\"", "zsh"}},
+    // What it says of an offer stands behind a tab. Without a name for $0 there.
+    {"fish",
+     {"fish", "--no-config", "-c",
+      "source $argv[1]/cli/completion/countersign.fish; complete -C $argv[2] | string replace -r '\\t.*' ''; true"}}};
+
+bool isThere(const std::string& program)
+{
+    return tsRun({program, "-c", "exit 0"})._exitStatus == 0;
+}
+
+Options completionsBy(const Shell& shell, const std::string& line, const std::string& folder = "/")
+{
+    tsCommand command;
+    command._arguments = shell._command;
+    command._arguments.insert(command._arguments.end(), {COUNTERSIGN_SOURCE, line});
+    command._folder = folder;
+    command._prepare = putProgramOnPath;
+    const tsOutcome outcome = tsRun(command);
+    EXPECT_EQ(outcome._exitStatus, 0) << outcome._errors;
+    EXPECT_EQ(outcome._errors, "");
+    return linesOf(outcome._output);
+}
+
+// The offers that begin so.
+Options beginningWith(const std::string& beginning, const Options& offers)
+{
     Options result;
-    std::istringstream lines(outcome._output);
-    for (std::string line; std::getline(lines, line);)
+    for (const std::string& offer : offers)
     {
-        if (!line.empty())
+        if (offer.compare(0, beginning.size(), beginning) == 0)
         {
-            result.insert(line);
+            result.insert(offer);
         }
     }
     return result;
@@ -193,6 +252,60 @@ TEST(Documentation, CompletionOffersFiles)
     EXPECT_EQ(completions({"sign", "-o", "a"}, folder.path()), (Options{"a file.txt", "a file.txt.sig"}));
 }
 
+class CompletionIn : public ::testing::TestWithParam<Shell>
+{
+protected:
+    void SetUp() override
+    {
+        if (!isThere(GetParam()._name))
+        {
+            GTEST_SKIP() << "there is no " << GetParam()._name << " here";
+        }
+    }
+
+    static Options offers(const std::string& line, const std::string& folder = "/")
+    {
+        return completionsBy(GetParam(), "countersign " + line, folder);
+    }
+};
+
+TEST_P(CompletionIn, OffersTheSameOptions)
+{
+    Options first(commands.begin(), commands.end());
+    EXPECT_EQ(offers("help "), first);
+    first.insert({"help", "verify"});
+    EXPECT_EQ(offers(""), first);
+    EXPECT_EQ(offers("-"), optionsOfHelp({}));
+    EXPECT_EQ(offers("verify -"), optionsOfHelp({"test"}));
+    for (const std::string& command : commands)
+    {
+        EXPECT_EQ(offers(command + " -"), optionsOfHelp({command})) << command;
+    }
+    EXPECT_EQ(offers("s"), Options{"sign"});
+    EXPECT_EQ(offers("sign --fo"), Options{"--force"});
+    EXPECT_EQ(offers("keygen --bits "), Options{});
+}
+
+TEST_P(CompletionIn, OffersFiles)
+{
+    const TemporaryFolder folder;
+    folder.write("key.pem", "");
+    folder.write("file.txt", "");
+    folder.write("file.txt.sig", "");
+    folder.write("-dash", "");
+    const auto files = [&](const std::string& line) { return offers(line, folder.path()); };
+    EXPECT_EQ(beginningWith("k", files("sign --key ")), Options{"key.pem"});
+    EXPECT_EQ(beginningWith("file", files("test -s file.txt.")), Options{"file.txt.sig"});
+    EXPECT_EQ(files("sign -k key.pem f"), (Options{"file.txt", "file.txt.sig"}));
+    EXPECT_EQ(files("sign -o f"), (Options{"file.txt", "file.txt.sig"}));
+    EXPECT_EQ(files("sign -k key.pem -- -d"), Options{"-dash"});
+    EXPECT_EQ(files("encrypt -k key.pem f"), Options{});
+    EXPECT_EQ(files("keygen f"), Options{});
+}
+
+INSTANTIATE_TEST_SUITE_P(Documentation, CompletionIn, ::testing::ValuesIn(otherShells),
+                         [](const ::testing::TestParamInfo<Shell>& parameter) { return parameter.param._name; });
+
 class ReadmeExamples : public ::testing::TestWithParam<const char*>
 {
 };
@@ -230,12 +343,7 @@ TEST_P(ReadmeExamples, DoWhatTheyShow)
     tsCommand bash;
     bash._arguments = {"bash", "-c", script};
     bash._folder = folder.path();
-    bash._prepare = []
-    {
-        const std::string program = COUNTERSIGN_PROGRAM;
-        const std::string path = program.substr(0, program.rfind('/')) + ":" + getenv("PATH");
-        setenv("PATH", path.c_str(), 1);
-    };
+    bash._prepare = putProgramOnPath;
     EXPECT_EQ(tsRun(bash)._output, block);
 }
 
