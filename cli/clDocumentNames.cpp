@@ -3,42 +3,23 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 #include <vector>
 
 #include "cli/clInterrupt.h"
 #include "cli/clPrintableName.h"
 #include "cli/clStandardStreams.h"
+#include "host/documents/hoFolderFiles.h"
 #include "host/messages/hoMessages.h"
 #include "host/signing/hoSignatureFile.h"
 
 namespace
 {
-
-struct FolderCloser
-{
-    void operator()(DIR* pFolder) const { ::closedir(pFolder); }
-};
-using Folder = std::unique_ptr<DIR, FolderCloser>;
-
-bool endsWith(std::string_view text, std::string_view end)
-{
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
-// By the names that a file has while it is being written.
-bool isTemporary(std::string_view name)
-{
-    const std::string_view begin = ".countersign-";
-    return name.substr(0, begin.size()) == begin && endsWith(name, ".tmp");
-}
 
 void complainOfReading(const gtString& name, int error)
 {
@@ -51,27 +32,6 @@ public:
     Gatherer(const clArguments& arguments, std::vector<gtString>& files, bool& isComplete)
         : _arguments(arguments), _files(files), _isComplete(isComplete)
     {
-    }
-
-    // The folder itself may be named by a link.
-    void addFolder(const gtString& path)
-    {
-        // Paths with what is to be done with them, the next one last.
-        std::vector<Entry> open = {{path.asStdString(), true}};
-        while (!open.empty() && !clIsInterrupted())
-        {
-            const Entry entry = std::move(open.back());
-            open.pop_back();
-            if (!entry._isFolder)
-            {
-                _files.emplace_back(std::string_view(entry._path));
-                continue;
-            }
-            std::vector<Entry> entries = read(entry._path, entry._path == path.asStdString());
-            std::sort(entries.begin(), entries.end(),
-                      [](const Entry& one, const Entry& other) { return one._path > other._path; });
-            open.insert(open.end(), std::make_move_iterator(entries.begin()), std::make_move_iterator(entries.end()));
-        }
     }
 
     void addNames(std::string_view names)
@@ -100,68 +60,17 @@ public:
     }
 
 private:
-    struct Entry
+    void addFolder(const gtString& path)
     {
-        std::string _path;
-        bool _isFolder;
-    };
-
-    std::vector<Entry> read(const std::string& path, bool mayBeLink)
-    {
-        std::vector<Entry> entries;
-        const int descriptor = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | (mayBeLink ? 0 : O_NOFOLLOW));
-        const Folder folder(descriptor < 0 ? nullptr : ::fdopendir(descriptor));
-        if (folder == nullptr)
+        const hoFolderFiles found = hoFilesBelow(path, clIsInterrupted);
+        for (const hoUnreadablePath& unreadable : found._unreadable)
         {
-            reject(path, errno);
-            if (descriptor >= 0)
-            {
-                ::close(descriptor);
-            }
-            return entries;
+            _isComplete = false;
+            complainOfReading(clPrintableName(unreadable._path), unreadable._error);
         }
-        const std::string before = endsWith(path, "/") ? path : path + "/";
-        errno = 0;
-        while (const struct dirent* const pEntry = ::readdir(folder.get()))
-        {
-            const std::string_view name = pEntry->d_name;
-            struct stat facts = {};
-            if (name == "." || name == "..")
-            {
-                continue;
-            }
-            if (::fstatat(::dirfd(folder.get()), pEntry->d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0)
-            {
-                // What has been removed in between is no document.
-                if (errno != ENOENT)
-                {
-                    reject(before + pEntry->d_name, errno);
-                }
-                errno = 0;
-                continue;
-            }
-            if (S_ISDIR(facts.st_mode) || (S_ISREG(facts.st_mode) && isDocument(name)))
-            {
-                entries.push_back({before + pEntry->d_name, S_ISDIR(facts.st_mode)});
-            }
-        }
-        if (errno != 0)
-        {
-            reject(path, errno);
-        }
-        return entries;
-    }
-
-    bool isDocument(std::string_view name) const
-    {
-        const gtString ending = hoSignaturePath("");
-        return !isTemporary(name) && (_arguments._areSignaturesWanted || !endsWith(name, ending.asStringView()));
-    }
-
-    void reject(const std::string& path, int error)
-    {
-        _isComplete = false;
-        complainOfReading(clPrintableName(gtString(std::string_view(path))), error);
+        std::copy_if(found._paths.begin(), found._paths.end(), std::back_inserter(_files),
+                     [this](const gtString& file)
+                     { return _arguments._areSignaturesWanted || hoDocumentOfSignature(file).isEmpty(); });
     }
 
     const clArguments& _arguments;

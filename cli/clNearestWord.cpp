@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "platform/baseTools/gtStartsWith.h"
+
 namespace
 {
 
@@ -50,7 +52,7 @@ gtString clNearestWord(const gtString& word, const std::vector<gtString>& candid
     std::size_t least = given.size() / 3 + 1;
     for (const gtString& candidate : candidates)
     {
-        if (given.size() >= shortestBeginning && candidate.asStringView().substr(0, given.size()) == given)
+        if (given.size() >= shortestBeginning && gtStartsWith(candidate.asStringView(), given))
         {
             return candidate;
         }

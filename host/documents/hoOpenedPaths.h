@@ -11,8 +11,8 @@
 // The path without ".sig" when it ends in that and a file without it is there; else the path.
 gtString hoDocumentMeant(const gtString& path);
 
-// The paths, with the files in a folder and in its folders in its place, in the order of their paths. A folder without
-// files stays. Links to folders are not followed, and what cannot be read is passed over. Every document comes once.
+// The paths, with the files below a folder (see hoFilesBelow) in its place. A folder without files stays. What cannot be
+// read is passed over. Every document comes once.
 std::vector<gtString> hoDocumentsMeant(const std::vector<gtString>& paths);
 
 #endif

@@ -7,6 +7,7 @@
 #include <openssl/x509.h>
 
 #include "host/keys/hoLibcryptoObjects.h"
+#include "platform/baseTools/gtStartsWith.h"
 
 namespace
 {
@@ -17,31 +18,21 @@ using Pkcs12 = std::unique_ptr<PKCS12, hoReleaser<PKCS12, PKCS12_free>>;
 constexpr std::string_view beginOfPem = "-----BEGIN ";
 constexpr std::string_view blanks = " \t\r\n";
 
-bool endsWith(std::string_view text, std::string_view end)
-{
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
-bool beginsWith(std::string_view text, std::string_view begin)
-{
-    return text.substr(0, begin.size()) == begin;
-}
-
 }  // namespace
 
 bool hoPemBlock::isPrivateKey() const
 {
-    return endsWith(_label, "PRIVATE KEY");
+    return gtEndsWith(_label, "PRIVATE KEY");
 }
 
 bool hoPemBlock::isPublicKey() const
 {
-    return endsWith(_label, "PUBLIC KEY");
+    return gtEndsWith(_label, "PUBLIC KEY");
 }
 
 bool hoPemBlock::isCertificate() const
 {
-    return endsWith(_label, "CERTIFICATE");
+    return gtEndsWith(_label, "CERTIFICATE");
 }
 
 std::vector<hoPemBlock> hoFindPemBlocks(std::string_view text)
@@ -66,7 +57,7 @@ std::vector<hoPemBlock> hoFindPemBlocks(std::string_view text)
 bool hoBeginsWithPem(std::string_view text)
 {
     const std::size_t first = text.find_first_not_of(blanks);
-    return first != std::string_view::npos && beginsWith(text.substr(first), beginOfPem);
+    return first != std::string_view::npos && gtStartsWith(text.substr(first), beginOfPem);
 }
 
 hoKeyFileProblem hoProblemOfOther(std::string_view bytes, const std::vector<hoPemBlock>& blocks)
@@ -74,27 +65,27 @@ hoKeyFileProblem hoProblemOfOther(std::string_view bytes, const std::vector<hoPe
     using namespace std::string_view_literals;
     const std::size_t first = bytes.find_first_not_of(blanks);
     const std::string_view begin = bytes.substr(first == std::string_view::npos ? 0 : first);
-    if (beginsWith(bytes, "\xFF\xFE") || beginsWith(bytes, "\xFE\xFF") || beginsWith(bytes, "-\0-\0"sv) ||
-        beginsWith(bytes, "\0-\0-"sv))
+    if (gtStartsWith(bytes, "\xFF\xFE") || gtStartsWith(bytes, "\xFE\xFF") || gtStartsWith(bytes, "-\0-\0"sv) ||
+        gtStartsWith(bytes, "\0-\0-"sv))
     {
         return hoKeyFileProblem::Utf16;
     }
-    if (beginsWith(begin, "ssh-") || beginsWith(begin, "ecdsa-sha2-") ||
-        beginsWith(begin, "---- BEGIN SSH2 PUBLIC KEY"))
+    if (gtStartsWith(begin, "ssh-") || gtStartsWith(begin, "ecdsa-sha2-") ||
+        gtStartsWith(begin, "---- BEGIN SSH2 PUBLIC KEY"))
     {
         return hoKeyFileProblem::SshPublicKey;
     }
-    if (beginsWith(begin, "PuTTY-User-Key-File-"))
+    if (gtStartsWith(begin, "PuTTY-User-Key-File-"))
     {
         return hoKeyFileProblem::PuttyFormat;
     }
     for (const hoPemBlock& block : blocks)
     {
-        if (endsWith(block._label, "CERTIFICATE REQUEST"))
+        if (gtEndsWith(block._label, "CERTIFICATE REQUEST"))
         {
             return hoKeyFileProblem::CertificateRequest;
         }
-        if (beginsWith(block._label, "PGP ") && endsWith(block._label, "KEY BLOCK"))
+        if (gtStartsWith(block._label, "PGP ") && gtEndsWith(block._label, "KEY BLOCK"))
         {
             return hoKeyFileProblem::OpenPgpKey;
         }

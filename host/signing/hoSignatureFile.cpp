@@ -1,18 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/signing/hoSignatureFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <new>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 
 #include "host/signing/hoSignatureText.h"
+#include "platform/baseTools/gtStartsWith.h"
 #include "platform/osWrappers/osAtomicFile.h"
 #include "platform/osWrappers/osFile.h"
 
 namespace
 {
+
+constexpr std::string_view endOfSignaturePath = ".sig";
 
 hoSignatureFileResult cannotBeWritten(int systemError)
 {
@@ -38,8 +43,16 @@ hoSignatureFileResult checkFolder(const gtString& path, bool mayOverwrite)
 gtString hoSignaturePath(const gtString& path)
 {
     gtString result(path);
-    result.append(".sig");
+    result.append(endOfSignaturePath);
     return result;
+}
+
+gtString hoDocumentOfSignature(const gtString& path)
+{
+    const std::string_view bytes = path.asStringView();
+    const std::string_view document = bytes.substr(0, bytes.size() - std::min(bytes.size(), endOfSignaturePath.size()));
+    const bool isSignature = gtEndsWith(bytes, endOfSignaturePath) && !document.empty() && document.back() != '/';
+    return isSignature ? gtString(document) : gtString();
 }
 
 hoSignatureFileResult hoReadSignatureFile(const gtString& path, gtString& signature)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Signature files, beside the signed file and with its name and ".sig". hoSignatureText.h has what is in them.
 //
-// Nothing here prints, and nothing throws but hoSignaturePath (std::bad_alloc). Calls on different files may run on any
+// Nothing here prints, and nothing throws but hoSignaturePath and hoDocumentOfSignature (std::bad_alloc). Calls on different files may run on any
 // threads.
 #ifndef COUNTERSIGN_HO_SIGNATURE_FILE_H
 #define COUNTERSIGN_HO_SIGNATURE_FILE_H
@@ -27,6 +27,10 @@ using hoSignatureFileResult = osResult<hoSignatureFileProblem>;
 
 // The name of the file's signature file.
 gtString hoSignaturePath(const gtString& path);
+
+// The path of the document that a signature file of this name is beside, whether or not either is there; empty when
+// this is no signature file's name. A file that is named ".sig" and no more is nobody's signature.
+gtString hoDocumentOfSignature(const gtString& path);
 
 // All bytes of the file. What they say is not looked at.
 hoSignatureFileResult hoReadSignatureFile(const gtString& path, gtString& signature);

@@ -4,6 +4,7 @@
 #include "crypto/crDigits.h"
 #include "host/keys/hoKeyFile.h"
 #include "host/signing/hoSignatureFile.h"
+#include "platform/baseTools/gtStartsWith.h"
 
 #include <openssl/evp.h>
 
@@ -20,11 +21,6 @@ constexpr std::size_t lengthOfDigit = crCharactersPerDigit;
 constexpr std::size_t leastDigits = 4;
 constexpr std::size_t mostDigits = hoLargestKeyBits / 32;
 constexpr std::size_t mostBytesOfCountersignature = hoLargestKeyBits / 8;
-
-bool beginsWith(std::string_view text, std::string_view begin)
-{
-    return text.substr(0, begin.size()) == begin;
-}
 
 bool isHex(std::string_view text)
 {
@@ -57,7 +53,7 @@ bool isOpenPgpPacket(std::string_view bytes)
 // The kind of what is no signature of this program's: another program's, if it is known; otherwise the given one.
 hoSignatureForm formOfOther(std::string_view bytes, hoSignatureForm otherwise)
 {
-    const auto begin = [bytes](std::string_view text) { return beginsWith(bytes, text); };
+    const auto begin = [bytes](std::string_view text) { return gtStartsWith(bytes, text); };
     if (begin("\xEF\xBB\xBF") || begin("\xFF\xFE") || begin("\xFE\xFF"))
     {
         return hoSignatureForm::ByteOrderMark;
@@ -108,7 +104,7 @@ bool decodeBase64(std::string_view text, std::vector<unsigned char>& bytes)
 
 bool parseCountersignature(std::string_view line, hoSignatureText& signature)
 {
-    if (!beginsWith(line, beginOfCountersignature))
+    if (!gtStartsWith(line, beginOfCountersignature))
     {
         return false;
     }
@@ -172,16 +168,16 @@ hoSignatureForm parse(std::string_view bytes, hoSignatureText& signature)
     }
 
     const std::size_t secondEnd = rest.find('\n');
-    const bool isBegun = beginsWith(beginOfCountersignature, rest.substr(0, beginOfCountersignature.size())) ||
-                         beginsWith(rest, beginOfCountersignature);
+    const bool isBegun = gtStartsWith(beginOfCountersignature, rest.substr(0, beginOfCountersignature.size())) ||
+                         gtStartsWith(rest, beginOfCountersignature);
     if (secondEnd == std::string_view::npos)
     {
         return isBegun ? hoSignatureForm::Truncated : hoSignatureForm::TrailingBytes;
     }
     if (!parseCountersignature(rest.substr(0, secondEnd), signature))
     {
-        return beginsWith(rest, "countersignature:") ? hoSignatureForm::OtherCountersignature
-                                                     : hoSignatureForm::TrailingBytes;
+        return gtStartsWith(rest, "countersignature:") ? hoSignatureForm::OtherCountersignature
+                                                       : hoSignatureForm::TrailingBytes;
     }
     return secondEnd + 1 == rest.size() ? hoSignatureForm::Countersigned : hoSignatureForm::TrailingBytes;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/osWrappers/osAtomicFile.h"
 
+#include "platform/baseTools/gtStartsWith.h"
 #include "platform/osWrappers/osWriteAll.h"
 
 #include <cerrno>
@@ -21,6 +22,8 @@ constexpr int attemptsAtAName = 1000;
 // As many as the system follows.
 constexpr int mostLinks = 40;
 constexpr unsigned int ownersAlone = 0600;
+constexpr char startOfTemporaryName[] = ".countersign-";
+constexpr char endOfTemporaryName[] = ".tmp";
 
 std::string folderOf(const std::string& path)
 {
@@ -79,8 +82,9 @@ int createBeside(const std::string& folder, unsigned int rights, std::string& pa
     for (int attempt = 0; attempt < attemptsAtAName; ++attempt)
     {
         // Its own number keeps processes apart, counting keeps the threads and the leftovers apart.
-        path = folder + (folder == "." ? "/" : "") + ".countersign-" + std::to_string(::getpid()) + "-" +
-               std::to_string(attempt) + ".tmp";
+        path = folder + (folder == "." ? "/" : "");
+        path.append(startOfTemporaryName).append(std::to_string(::getpid())).append("-");
+        path.append(std::to_string(attempt)).append(endOfTemporaryName);
         const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, rightsAtFirst);
         if (descriptor >= 0 || (errno != EEXIST && errno != EINTR))
         {
@@ -256,4 +260,9 @@ bool osIsReadOnly(const gtString& path)
     }
     // Root may write to every file, and is to be told nevertheless.
     return (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0 || ::access(path.asCharArray(), W_OK) != 0;
+}
+
+bool osIsTemporaryName(std::string_view name)
+{
+    return gtStartsWith(name, startOfTemporaryName) && gtEndsWith(name, endOfTemporaryName);
 }

@@ -48,6 +48,10 @@ int osCheckFolderOfFile(const gtString& path, bool mayOverwrite);
 // file can be replaced all the same by whoever may write to its folder.
 bool osIsReadOnly(const gtString& path);
 
+// Whether a file of this name, which is the last component of its path, is one that osWriteFileAtomically has not
+// finished or has left behind when its process was killed.
+bool osIsTemporaryName(std::string_view name);
+
 #pragma GCC visibility pop
 
 #endif

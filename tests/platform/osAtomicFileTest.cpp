@@ -149,6 +149,15 @@ TEST(WholeFile, TellsWhatIsReadOnly)
     EXPECT_FALSE(osIsReadOnly(gtString("a\0b", 3)));
 }
 
+TEST(WholeFile, HasATemporaryNameUntilItIsWhole)
+{
+    EXPECT_TRUE(osIsTemporaryName(".countersign-12-0.tmp"));
+    EXPECT_FALSE(osIsTemporaryName("countersign-12-0.tmp"));
+    EXPECT_FALSE(osIsTemporaryName(".countersign-12-0"));
+    EXPECT_FALSE(osIsTemporaryName("/.countersign-12-0.tmp"));
+    EXPECT_FALSE(osIsTemporaryName(""));
+}
+
 TEST(WholeFile, NeedsAFolderThatLetsItBeMade)
 {
     const TemporaryFolder folder;

@@ -31,11 +31,13 @@ TEST(OpenedPaths, AFolderMeansWhatIsInIt)
     const TemporaryFolder folder;
     std::filesystem::create_directories(folder.path("documents/inner/deep"));
     std::filesystem::create_directory_symlink(folder.path("documents"), folder.path("documents/circle"));
+    const gtString missing = folder.path("missing");
     const gtString b = folder.write("documents/b", "2");
     const gtString a = folder.write("documents/a", "1");
     const gtString c = folder.write("documents/inner/deep/c", "3");
     folder.write("documents/a.sig", "00");
-    const gtString missing = folder.path("missing");
+    folder.write("documents/.countersign-12-0.tmp", "half a signature");
+    std::filesystem::create_symlink(b.asStdString(), folder.path("documents/link"));
     EXPECT_THAT(hoDocumentsMeant({missing, folder.path("documents"), b}), ElementsAre(missing, a, b, c));
 
     std::filesystem::create_directories(folder.path("empty/inner"));
