@@ -144,6 +144,7 @@ private:
     void addFiles(CLI::App* pCommand, const std::string& description);
     void addText(CLI::App* pCommand, const std::string& description);
     void addOutputFlags(CLI::App* pCommand, const std::string& nameOfGood);
+    void addJson(CLI::App* pCommand);
     static clCommandShape shapeOf(const CLI::App& app, const std::string& name);
     std::vector<clCommandShape> shapes() const;
     clArguments textFor(const clSplitArguments& arguments) const;
@@ -169,6 +170,7 @@ private:
     bool _isQuiet = false;
     bool _isStatusOnly = false;
     bool _isSummaryWanted = false;
+    bool _isJsonWanted = false;
     bool _isPassphraseLeftOut = false;
     CLI::Option* _pOutput = nullptr;
     CLI::Option* _pSignature = nullptr;
@@ -221,12 +223,14 @@ Parser::Parser()
     pKey->add_flag("-p,--private", _isPrivateWanted, "Print the numbers, with the private exponent");
     pKey->add_flag("-P,--public", _isPublicWanted, "Print the public half as PEM, and nothing else");
     pKey->add_flag("-n,--numbers", _areNumbersWanted, "Print modulus and exponent, too");
+    addJson(pKey);
 
     addKeygen();
 
-    addFiles(addCommand(clCommand::Digest, "digest", "Print the digest text of files", digestFooter,
-                        "A key of the size that shall sign, a PEM file, private or public"),
-             "The files to read");
+    CLI::App* pDigest = addCommand(clCommand::Digest, "digest", "Print the digest text of files", digestFooter,
+                                   "A key of the size that shall sign, a PEM file, private or public");
+    addJson(pDigest);
+    addFiles(pDigest, "The files to read");
 }
 
 CLI::App* Parser::addCommand(clCommand command, const std::string& name, const std::string& description,
@@ -296,6 +300,12 @@ void Parser::addOutputFlags(CLI::App* pCommand, const std::string& nameOfGood)
     pCommand->add_flag("-q,--quiet", _isQuiet, "Print no line for " + nameOfGood + ", and no progress");
     pCommand->add_flag("--status", _isStatusOnly, "Print nothing at all; the exit status tells");
     pCommand->add_flag("--summary", _isSummaryWanted, "Print at the end how many files there were of each kind");
+    addJson(pCommand);
+}
+
+void Parser::addJson(CLI::App* pCommand)
+{
+    pCommand->add_flag("--json", _isJsonWanted, "Print results and messages for programs: a JSON object a line");
 }
 
 clCommandShape Parser::shapeOf(const CLI::App& app, const std::string& name)
@@ -429,6 +439,7 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
     result._isQuiet = _isQuiet;
     result._isStatusOnly = _isStatusOnly;
     result._isSummaryWanted = _isSummaryWanted;
+    result._isJsonWanted = _isJsonWanted;
     result._isPassphraseLeftOut = _isPassphraseLeftOut;
     result._hasOutput = _pOutput->count() > 0;
     result._hasSignature = _pSignature->count() > 0;
@@ -518,11 +529,22 @@ void Parser::checkWhatParserCannot(clArguments& result) const
         result = wrongUse("--public prints nothing else; leave --private and --numbers out", "key");
         return;
     }
+    if (result._isJsonWanted && (result._isPublicWanted || result._isPrivateWanted))
+    {
+        const gtString other = result._isPublicWanted ? "--public" : "--private";
+        result = wrongUse(gtString("--json tells what a key is, and ").append(other).append(" prints a key"), "key");
+        return;
+    }
     const gtString command = result._command == clCommand::Sign ? "sign" : "test";
     const bool isForOutput = result._hasOutput && result._outputPath == "-";
-    if (result._isStatusOnly && (result._isSummaryWanted || isForOutput))
+    if (result._isJsonWanted && isForOutput)
     {
-        const gtString other = result._isSummaryWanted ? "--summary" : "--output -";
+        result = wrongUse("--json and --output - both ask for standard output", command);
+        return;
+    }
+    if (result._isStatusOnly && (result._isSummaryWanted || result._isJsonWanted || isForOutput))
+    {
+        const gtString other = result._isSummaryWanted ? "--summary" : result._isJsonWanted ? "--json" : "--output -";
         result = wrongUse(gtString("--status prints nothing, and ").append(other).append(" asks for output"), command);
         return;
     }

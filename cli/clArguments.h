@@ -51,6 +51,7 @@ struct clArguments
     bool _isQuiet = false;              // --quiet
     bool _isStatusOnly = false;         // --status
     bool _isSummaryWanted = false;      // --summary
+    bool _isJsonWanted = false;         // --json
     bool _isPassphraseLeftOut = false;  // --no-passphrase
 };
 

@@ -11,6 +11,7 @@
 #include "cli/clDocumentNames.h"
 #include "cli/clInputs.h"
 #include "cli/clInterrupt.h"
+#include "cli/clJsonOutput.h"
 #include "cli/clKeyCommand.h"
 #include "cli/clKeyLoading.h"
 #include "cli/clKeygen.h"
@@ -21,6 +22,8 @@
 #include "cli/clSignatureNames.h"
 #include "cli/clStandardStreams.h"
 #include "cli/clTerminal.h"
+#include "host/keys/hoKeyRing.h"
+#include "host/keys/hoPublicKey.h"
 #include "host/messages/hoMessages.h"
 #include "platform/baseTools/gtWipe.h"
 #include "platform/osWrappers/osAtomicFile.h"
@@ -93,7 +96,7 @@ int performInOrder(const clArguments& arguments, const std::vector<gtString>& do
     for (const gtString& document : documents)
     {
         const clOutcome outcome = work(document, keys);
-        results.add(outcome);
+        results.add(document, outcome);
         status = std::max(status, outcome._status);
         ++amountBegun;
         // What a program that is killed has done is told by then. Where it cannot be told, nothing more is begun.
@@ -137,6 +140,7 @@ int performOnDocuments(const clArguments& arguments, const gtString& otherKind, 
             }
             clOutcome outcome;
             outcome._kind = otherKind;
+            outcome._result = arguments._command == clCommand::Test ? "not-tested" : "not-signed";
             outcome._line = arguments._command == clCommand::Test ? lineOf(file, otherKind) : gtString();
             outcome.complain(clPrintableName(file), "it has the name of a signature, and there is no such document",
                              "; --also-signatures takes it for a document");
@@ -146,7 +150,10 @@ int performOnDocuments(const clArguments& arguments, const gtString& otherKind, 
     // Without a key none is begun.
     if (arguments._isSummaryWanted && amountBegun > 0)
     {
-        clWriteOutput(results.summary(documents.size() - amountBegun, arguments._files.size() - documents.size()));
+        const std::size_t amountNotBegun = documents.size() - amountBegun;
+        const std::size_t amountOfSignatures = arguments._files.size() - documents.size();
+        arguments._isJsonWanted ? clWriteJson(results.jsonSummary(amountNotBegun, amountOfSignatures))
+                                : clWriteOutput(results.summary(amountNotBegun, amountOfSignatures));
     }
     return status;
 }
@@ -232,9 +239,17 @@ bool makeSignature(const clArguments& arguments, const clInputs& inputs, const g
     }
     if (isReadOnly)
     {
-        outcome.complain(gtString("warning: ").append(clPrintableName(path)), "a read-only signature was replaced");
+        outcome.warn(clPrintableName(path), "a read-only signature was replaced");
     }
     return true;
+}
+
+clJsonObject factsOf(const clLoadedKey& key)
+{
+    clJsonObject object;
+    object.addFileName("file", key._path).addNumber("bits", static_cast<std::size_t>(key._pKey->bits()));
+    object.add("fingerprint", hoFingerprint(*key._pKey)).add("shortFingerprint", hoShortFingerprint(*key._pKey));
+    return object;
 }
 
 clOutcome signFile(const clArguments& arguments, const clInputs& inputs, const gtString& file, const clLoadedKey& key)
@@ -245,10 +260,13 @@ clOutcome signFile(const clArguments& arguments, const clInputs& inputs, const g
     if (!isKept && !makeSignature(arguments, inputs, path, file, key, outcome))
     {
         outcome._kind = "not signed";
+        outcome._result = "not-signed";
         return outcome;
     }
     outcome._status = clStatusGood;
     outcome._kind = isKept ? "already signed" : "signed";
+    outcome._result = isKept ? "already-signed" : "signed";
+    outcome._facts.addFileName("signature", path).addObject("key", factsOf(key));
     if (path != standardStream)
     {
         outcome._line = lineOf(file, gtString(outcome._kind).append(", ").append(clPrintableName(path)));
@@ -324,6 +342,51 @@ bool isOfOneKey(hoVerdict verdict)
     return verdict == hoVerdict::Good || verdict == hoVerdict::Bad || verdict == hoVerdict::Weak;
 }
 
+const char* resultOf(hoVerdict verdict)
+{
+    switch (verdict)
+    {
+    case hoVerdict::Good:
+        return "good";
+    case hoVerdict::Bad:
+        return "bad";
+    case hoVerdict::Weak:
+        return "weak";
+    case hoVerdict::AnotherKey:
+        return "another-key";
+    case hoVerdict::NotASignature:
+        return "not-a-signature";
+    case hoVerdict::NotSigned:
+        return "not-signed";
+    case hoVerdict::Missing:
+        return "missing";
+    case hoVerdict::Unreadable:
+        return "unreadable";
+    case hoVerdict::Changed:
+        return "changed";
+    case hoVerdict::NotTested:
+        break;
+    }
+    return "not-tested";
+}
+
+void addFacts(clJsonObject& object, const clArguments& arguments, const gtString& file, const clKeys& keys,
+              const hoTestFacts& facts)
+{
+    if (!isSignatureOnInput(arguments))
+    {
+        object.addFileName("signature", signaturePathFor(arguments, file));
+    }
+    if (isOfOneKey(facts._verdict))
+    {
+        object.addObject("key", factsOf(keys[facts._key]));
+    }
+    if (!facts._fingerprint.isEmpty())
+    {
+        object.add("signatureFingerprint", facts._fingerprint);
+    }
+}
+
 clOutcome testFile(const clArguments& arguments, const gtString& file, const clKeys& keys)
 {
     clOutcome outcome;
@@ -356,6 +419,8 @@ clOutcome testFile(const clArguments& arguments, const gtString& file, const clK
         complainOfVerdict(arguments, file, signatureFile, keys, facts, outcome);
     }
     outcome._kind = hoVerdictText(facts._verdict);
+    outcome._result = resultOf(facts._verdict);
+    addFacts(outcome._facts, arguments, file, keys, facts);
     gtString result = outcome._kind;
     // Of a single key it is known which one it is.
     const bool mayBeSeveral = arguments._keyPaths.size() > 1 || !arguments._keyFolders.empty();
@@ -370,6 +435,7 @@ clOutcome testFile(const clArguments& arguments, const gtString& file, const clK
 clOutcome digestFile(const clArguments& arguments, const gtString& file, const clLoadedKey& key)
 {
     clOutcome outcome;
+    outcome._result = "not-read";
     hoSigningFacts facts;
     {
         clProgressLine progress = progressFor(arguments, clPrintableName(file));
@@ -381,6 +447,8 @@ clOutcome digestFile(const clArguments& arguments, const gtString& file, const c
         return outcome;
     }
     outcome._status = clStatusGood;
+    outcome._result = "read";
+    outcome._facts.add("digest", outcome._product);
     if (arguments._files.size() > 1)
     {
         outcome._product.append("  ").append(clPrintableName(file));
@@ -424,7 +492,7 @@ int encrypt(const clArguments& arguments)
     }
     if (arguments._isPrivateWanted && !arguments._areWarningsLeftOut)
     {
-        complain(gtString("warning: ").append(clPrintableName(arguments._keyPath)), hoPrivateEncryptionWarning());
+        clWarn(clPrintableName(arguments._keyPath).append(": ").append(hoPrivateEncryptionWarning()));
     }
     gtString cipherText;
     const hoTextResult result = hoEncryptText(pKey->ownKey(), text._text, cipherText);
@@ -518,12 +586,20 @@ int clPerform(const clArguments& arguments)
 {
     if (arguments._isStatusOnly)
     {
-        clSilenceComplaints();
+        clSendMessagesTo([](const clMessage&) {});
+    }
+    else if (arguments._isJsonWanted)
+    {
+        clComplainInJson(arguments._command);
     }
     const int status = performOnWhatIsNamed(arguments);
     const int error = clFlushOutput();
     if (error != 0)
     {
+        if (!arguments._isStatusOnly)
+        {
+            clSendMessagesTo(nullptr);
+        }
         complain("standard output: cannot be written", hoSystemErrorText(error));
         return clStatusNotChecked;
     }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/clCommands.h"
+#include "cli/clJsonOutput.h"
 #include "cli/clKeyLoading.h"
 #include "cli/clPrintableName.h"
 #include "cli/clStandardStreams.h"
@@ -38,6 +39,22 @@ void writeNumbers(const crRSAEncryptionKey& key)
     clWriteOutput("\n");
 }
 
+// --private is refused with --json, so nothing here is secret.
+void writeJson(const clArguments& arguments, const hoKey& key, const hoKeyFileFacts& facts)
+{
+    clJsonObject object = clBeginJson("key", arguments._command);
+    object.addFileName("file", arguments._keyPath).addNumber("bits", static_cast<std::size_t>(key.bits()));
+    object.add("kind", key.hasPrivateKey() ? "private" : "public").addFlag("encrypted", facts._isEncrypted);
+    object.add("fingerprint", hoFingerprint(key)).add("shortFingerprint", hoShortFingerprint(key));
+    if (arguments._areNumbersWanted)
+    {
+        const crRSAEncryptionKey& numbers = key.publicKey();
+        object.add("modulus", hoFixedWidthText(numbers.productDigits(), numbers.amountOfProductDigits()));
+        object.add("exponent", hoFixedWidthText(numbers.numberDigits(), numbers.amountOfNumberDigits()));
+    }
+    clWriteJson(object);
+}
+
 }  // namespace
 
 bool clHasWantedHalf(const clArguments& arguments, const hoKey& key)
@@ -63,6 +80,11 @@ int clPerformKey(const clArguments& arguments)
     if (arguments._isPublicWanted)
     {
         clWriteOutput(hoPublicKeyPem(*pKey));
+        return clStatusGood;
+    }
+    if (arguments._isJsonWanted)
+    {
+        writeJson(arguments, *pKey, facts);
         return clStatusGood;
     }
     writeFacts(*pKey, facts);

@@ -19,7 +19,7 @@ namespace
 
 void warn(const gtString& name, const gtString& reason)
 {
-    clComplain(gtString("warning: ").append(name).append(": ").append(reason));
+    clWarn(gtString(name).append(": ").append(reason));
 }
 
 void warnOfPrivateKey(const gtString& name, const hoKeyFileFacts& facts)

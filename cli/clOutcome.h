@@ -4,21 +4,28 @@
 #define COUNTERSIGN_CL_OUTCOME_H
 
 #include "cli/clCommands.h"
+#include "cli/clJsonObject.h"
 
-#include <utility>
 #include <vector>
 
 struct clOutcome
 {
     int _status = clStatusNotChecked;
-    gtString _kind;                     // "good", "signed": counted for the summary
-    gtString _line;                     // about the document, with its end; empty where there is none
-    gtString _product;                  // what was asked for (a signature, a digest text), with its end
-    std::vector<gtString> _complaints;  // for standard error, without the program's name and line ends
+    gtString _kind;       // "good", "signed": counted for the summary
+    gtString _line;       // about the document, with its end; empty where there is none
+    gtString _product;    // what was asked for (a signature, a digest text), with its end
+    gtString _result;     // the kind as a word for programs: "good", "another-key"
+    clJsonObject _facts;  // what --json tells besides
+    std::vector<clMessage> _messages;
 
     void complain(const gtString& name, const gtString& reason, const gtString& advice = gtString())
     {
-        _complaints.push_back(gtString(name).append(": ").append(reason).append(advice));
+        _messages.push_back({gtString(name).append(": ").append(reason).append(advice), false});
+    }
+
+    void warn(const gtString& name, const gtString& reason)
+    {
+        _messages.push_back({gtString(name).append(": ").append(reason), true});
     }
 };
 

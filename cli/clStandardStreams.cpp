@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 
 #include "cli/clInterrupt.h"
 #include "platform/baseTools/gtWipe.h"
@@ -18,7 +19,12 @@ namespace
 char outputBuffer[65536];
 std::size_t amountBuffered = 0;
 int outputError = 0;
-bool isSilent = false;
+
+clMessageReceiver& messageReceiver()
+{
+    static clMessageReceiver receiver;
+    return receiver;
+}
 
 void write(std::string_view bytes)
 {
@@ -71,19 +77,31 @@ int clFlushOutput()
 
 void clComplain(const gtString& text)
 {
+    clTell({text, false});
+}
+
+void clWarn(const gtString& text)
+{
+    clTell({text, true});
+}
+
+void clTell(const clMessage& message)
+{
     // Results come before what is said about them, where both go to the same place.
     static_cast<void>(clFlushOutput());
-    if (isSilent)
+    if (messageReceiver() != nullptr)
     {
+        messageReceiver()(message);
         return;
     }
-    const gtString line = gtString("countersign: ").append(text).append('\n');
+    const gtString line =
+        gtString("countersign: ").append(message._isWarning ? "warning: " : "").append(message._text).append('\n');
     static_cast<void>(osWriteAll(STDERR_FILENO, line.asStringView(), clIsInterrupted));
 }
 
-void clSilenceComplaints()
+void clSendMessagesTo(clMessageReceiver receiver)
 {
-    isSilent = true;
+    messageReceiver() = std::move(receiver);
 }
 
 int clReadInput(gtString& bytes, int limit)

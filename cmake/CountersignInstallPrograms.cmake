@@ -10,9 +10,9 @@ foreach(program IN ITEMS desktop cli)
     endif()
 endforeach()
 
-# The notices of what is compiled into the command line.
+# The notices of what is compiled into the command line, and what its objects look like.
 if(TARGET countersign_cli)
-    install(FILES "${PROJECT_SOURCE_DIR}/debian/copyright"
+    install(FILES "${PROJECT_SOURCE_DIR}/debian/copyright" "${PROJECT_SOURCE_DIR}/docs/countersign-output.schema.json"
         DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT countersign_cli)
 endif()
 

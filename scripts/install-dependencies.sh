@@ -27,7 +27,7 @@ test=(
 )
 testOptional=(
     # The desktop's own validators.
-    desktop-file-utils appstream shared-mime-info xdg-utils python3-yaml
+    desktop-file-utils appstream shared-mime-info xdg-utils python3-yaml python3-jsonschema
     # What makes the package, and what reads the manual pages.
     dpkg-dev file man-db
     # The fuzzers' compiler.

@@ -155,7 +155,8 @@ case $case in
             "lib.*/libKXOSWrappers\.so\.$abi" "lib.*/libKXOSWrappers\.so\.$version"
         expectFiles libcountersign-dev 'lib.*/libKXBaseTools\.so' include/countersign/bigdigits.h \
             'lib.*/cmake/countersign/countersignConfig\.cmake' 'lib.*/pkgconfig/countersign-bigdigits\.pc'
-        expectFiles countersign bin/countersign share/man/man1/countersign.1 share/bash-completion/completions/countersign \
+        expectFiles countersign bin/countersign share/man/man1/countersign.1 \
+            share/doc/countersign/countersign-output.schema.json share/bash-completion/completions/countersign \
             share/zsh/vendor-completions/_countersign share/fish/vendor_completions.d/countersign.fish
         expectFiles countersign-desktop bin/countersign-desktop share/applications/org.countersign.Countersign.desktop \
             share/metainfo/org.countersign.Countersign.metainfo.xml \
