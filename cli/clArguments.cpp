@@ -113,6 +113,9 @@ const char* const digestFooter = R"(Examples:
 
 The digest depends on the key's size only. With more than one file each line ends with two blanks and the name.)";
 
+// More threads than this are of no use to anybody.
+constexpr int mostJobs = 1024;
+
 // What CLI11 fills in. It speaks std::string.
 struct ParsedValues
 {
@@ -127,6 +130,7 @@ struct ParsedValues
     std::string _bits;
     std::string _newKeyName = "countersign-key";
     std::string _passphrasePath;
+    std::string _jobs;
 };
 
 // CLI11 needs addresses that stay.
@@ -149,6 +153,7 @@ private:
     std::vector<clCommandShape> shapes() const;
     clArguments textFor(const clSplitArguments& arguments) const;
     void takeNewKey(clArguments& result) const;
+    void takeJobs(clArguments& result, const gtString& command) const;
     void takePassphraseDescriptor(clArguments& result, const gtString& command) const;
     static void checkNames(clArguments& result, const gtString& command);
     void checkWhatParserCannot(clArguments& result) const;
@@ -287,6 +292,8 @@ void Parser::addFiles(CLI::App* pCommand, const std::string& description)
     pCommand
         ->add_option("--files0-from", _values._namesPath, "Take the names of files from PATH, too, a NUL behind each")
         ->type_name("PATH");
+    pCommand->add_option("-j,--jobs", _values._jobs, "Work on N files at a time; without it on one for each processor")
+        ->type_name("N");
     pCommand->add_option("FILE", _values._files, description)->type_name("");
 }
 
@@ -446,6 +453,7 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
     result._hasPlainText =
         std::any_of(_texts.begin(), _texts.end(), [](const CLI::Option* pText) { return pText->count() > 0; });
     takePassphraseDescriptor(result, split._command);
+    takeJobs(result, split._command);
     if (result._command == clCommand::Keygen)
     {
         takeNewKey(result);
@@ -496,6 +504,25 @@ void Parser::takePassphraseDescriptor(clArguments& result, const gtString& comma
     else if (!result._passphrasePath.isEmpty())
     {
         result = wrongUse("--passphrase-fd and --passphrase-file do not go together", command);
+    }
+}
+
+void Parser::takeJobs(clArguments& result, const gtString& command) const
+{
+    const std::string& text = _values._jobs;
+    const char* const pEnd = text.data() + text.size();
+    if (text.empty())
+    {
+        return;
+    }
+    const auto [pRest, error] = std::from_chars(text.data(), pEnd, result._jobs);
+    if (error != std::errc() || pRest != pEnd || result._jobs < 1 || result._jobs > mostJobs)
+    {
+        result = wrongUse(gtString("--jobs takes a number from 1 to ")
+                              .append(std::to_string(mostJobs))
+                              .append(", and not ")
+                              .append(clPrintableName(unmarked(text))),
+                          command);
     }
 }
 

@@ -24,6 +24,7 @@ struct clArguments
 {
     clCommand _command = clCommand::WrongUse;
     int _bits = 0;                      // --bits
+    int _jobs = 0;                      // --jobs; 0: not given
     int _passphraseDescriptor = -1;     // --passphrase-fd; -1: not given
     gtString _text;                     // of ShowText and WrongUse, ready to be printed
     gtString _keyPath;                  // the first --key; empty: not given

@@ -9,6 +9,7 @@
 
 #include "cli/clAdvice.h"
 #include "cli/clDocumentNames.h"
+#include "cli/clDocumentWork.h"
 #include "cli/clInputs.h"
 #include "cli/clInterrupt.h"
 #include "cli/clJsonOutput.h"
@@ -71,10 +72,17 @@ void writeProgress(const gtString& text)
     static_cast<void>(osWriteAll(STDERR_FILENO, text.asStringView(), clIsInterrupted));
 }
 
-clProgressLine progressFor(const clArguments& arguments, const gtString& name)
+clProgressLine progressFor(const clArguments& arguments, const clTurn& turn, const gtString& name)
 {
     const int columns = arguments._isQuiet || arguments._isStatusOnly ? 0 : clColumnsOfStandardError();
-    return clProgressLine(name, columns, now, columns > 0 ? writeProgress : clProgressLine::Writer(), clIsInterrupted);
+    const auto write = [isFirst = turn._isFirst](const gtString& text)
+    {
+        if (isFirst())
+        {
+            writeProgress(text);
+        }
+    };
+    return clProgressLine(name, columns, now, columns > 0 ? write : clProgressLine::Writer(), turn._isCancelled);
 }
 
 gtString lineOf(const gtString& file, const gtString& result)
@@ -82,30 +90,19 @@ gtString lineOf(const gtString& file, const gtString& result)
     return clPrintableName(file).append(": ").append(result).append('\n');
 }
 
-// Works on one document after the other, and returns the gravest of the statuses. amountBegun: how many it came to.
+// Works on documents with the keys, and returns the gravest of the statuses. amountBegun: how many it came to.
 template <class Work>
-int performInOrder(const clArguments& arguments, const std::vector<gtString>& documents, clResults& results, Work work,
-                   std::size_t& amountBegun)
+int performWithKeys(const clArguments& arguments, const std::vector<gtString>& documents, clResults& results, Work work,
+                    std::size_t& amountBegun)
 {
     const clKeys keys = clLoadKeys(arguments);
     if (keys.empty())
     {
         return clStatusNotChecked;
     }
-    int status = clStatusGood;
-    for (const gtString& document : documents)
-    {
-        const clOutcome outcome = work(document, keys);
-        results.add(document, outcome);
-        status = std::max(status, outcome._status);
-        ++amountBegun;
-        // What a program that is killed has done is told by then. Where it cannot be told, nothing more is begun.
-        if (clFlushOutput() != 0 || clIsInterrupted())
-        {
-            break;
-        }
-    }
-    return status;
+    return clPerformInOrder(
+        arguments, documents, [&](const gtString& document, const clTurn& turn) { return work(document, keys, turn); },
+        results, amountBegun);
 }
 
 // The same for documents with signatures beside them, which a pattern names together with them. otherKind: the result
@@ -130,13 +127,13 @@ int performOnDocuments(const clArguments& arguments, const gtString& otherKind, 
     clResults results(arguments);
     const clInputs inputs(documents, arguments._keyPaths);
     std::size_t amountBegun = 0;
-    const int status = performInOrder(
+    const int status = performWithKeys(
         arguments, documents, results,
-        [&](const gtString& file, const clKeys& keys)
+        [&](const gtString& file, const clKeys& keys, const clTurn& turn)
         {
             if (areSignaturesTaken || clKindOfName(file) == clNameKind::Document)
             {
-                return work(inputs, file, keys);
+                return work(inputs, file, keys, turn);
             }
             clOutcome outcome;
             outcome._kind = otherKind;
@@ -187,49 +184,39 @@ hoSignatureLines wantedLines(const clArguments& arguments)
 }
 
 // Whether the signature that is there is as good as the one that would be made.
-bool isAlreadySigned(const clArguments& arguments, const gtString& path, const gtString& file, const hoKey& key)
+bool isAlreadySigned(const clArguments& arguments, const gtString& path, const gtString& file, const hoKey& key,
+                     const clTurn& turn)
 {
     gtString signature;
     if (!hoReadSignatureFile(path, signature).isOk())
     {
         return false;
     }
-    clProgressLine progress = progressFor(arguments, clPrintableName(file));
+    clProgressLine progress = progressFor(arguments, turn, clPrintableName(file));
     const hoVerdict verdict = hoTestFile(file, {&key}, signature.asStringView(), &progress)._verdict;
     return verdict == hoVerdict::Good ||
            (verdict == hoVerdict::Weak && wantedLines(arguments) == hoSignatureLines::DigestOnly);
 }
 
-// Makes the signature and writes it. False: the outcome says why not.
-bool makeSignature(const clArguments& arguments, const clInputs& inputs, const gtString& path, const gtString& file,
-                   const clLoadedKey& key, clOutcome& outcome)
+// A signature that is to be written yet.
+struct MadeSignature
 {
-    const bool isForOutput = path == standardStream;
-    if (!isForOutput && !isFreeTarget(arguments, inputs, path, outcome))
-    {
-        return false;
-    }
-    gtString signature;
-    hoSigningFacts facts;
-    {
-        clProgressLine progress = progressFor(arguments, clPrintableName(file));
-        facts = hoSignFile(file, *key._pKey, wantedLines(arguments), &progress, signature);
-    }
-    if (!facts.isOk())
-    {
-        complainOfSigning(outcome, file, key, facts);
-        return false;
-    }
-    if (isForOutput)
-    {
-        outcome._product = signature;
-        return true;
-    }
-    // Reading may have taken long enough for something to be put there.
-    if (!isFreeTarget(arguments, inputs, path, outcome))
-    {
-        return false;
-    }
+    bool _isTried = false;  // otherwise its place was taken
+    hoSigningFacts _facts;
+    gtString _text;
+};
+
+void makeSignature(const clArguments& arguments, const gtString& file, const hoKey& key, const clTurn& turn,
+                   MadeSignature& signature)
+{
+    clProgressLine progress = progressFor(arguments, turn, clPrintableName(file));
+    signature._isTried = true;
+    signature._facts = hoSignFile(file, key, wantedLines(arguments), &progress, signature._text);
+}
+
+// False: the outcome says why not.
+bool writeSignature(const clArguments& arguments, const gtString& path, const gtString& signature, clOutcome& outcome)
+{
     const bool isReadOnly = osIsReadOnly(path);
     const hoSignatureFileResult signatureFile = hoWriteSignatureFile(path, signature, arguments._isForced);
     if (!signatureFile.isOk())
@@ -252,17 +239,8 @@ clJsonObject factsOf(const clLoadedKey& key)
     return object;
 }
 
-clOutcome signFile(const clArguments& arguments, const clInputs& inputs, const gtString& file, const clLoadedKey& key)
+void setSigned(clOutcome& outcome, bool isKept, const gtString& file, const gtString& path, const clLoadedKey& key)
 {
-    clOutcome outcome;
-    const gtString path = arguments._hasOutput ? arguments._outputPath : hoSignaturePath(file);
-    const bool isKept = arguments._isSignedSkipped && isAlreadySigned(arguments, path, file, *key._pKey);
-    if (!isKept && !makeSignature(arguments, inputs, path, file, key, outcome))
-    {
-        outcome._kind = "not signed";
-        outcome._result = "not-signed";
-        return outcome;
-    }
     outcome._status = clStatusGood;
     outcome._kind = isKept ? "already signed" : "signed";
     outcome._result = isKept ? "already-signed" : "signed";
@@ -271,6 +249,74 @@ clOutcome signFile(const clArguments& arguments, const clInputs& inputs, const g
     {
         outcome._line = lineOf(file, gtString(outcome._kind).append(", ").append(clPrintableName(path)));
     }
+}
+
+// Of what is at the path; none when there is nothing.
+osFileFacts fileFactsOf(const gtString& path)
+{
+    osFileFacts facts;
+    static_cast<void>(osReadFileFacts(path, facts));
+    return facts;
+}
+
+clOutcome signFile(const clArguments& arguments, const clInputs& inputs, const gtString& file, const clLoadedKey& key,
+                   const clTurn& turn)
+{
+    clOutcome outcome;
+    outcome._kind = "not signed";
+    outcome._result = "not-signed";
+    const gtString path = arguments._hasOutput ? arguments._outputPath : hoSignaturePath(file);
+    const bool isForOutput = path == standardStream;
+    const osFileFacts before = fileFactsOf(path);
+    if (arguments._isSignedSkipped && isAlreadySigned(arguments, path, file, *key._pKey, turn))
+    {
+        setSigned(outcome, true, file, path, key);
+        return outcome;
+    }
+    MadeSignature made;
+    clOutcome ignored;
+    if (isForOutput || isFreeTarget(arguments, inputs, path, ignored))
+    {
+        makeSignature(arguments, file, *key._pKey, turn, made);
+    }
+    if (made._isTried && !made._facts.isOk())
+    {
+        complainOfSigning(outcome, file, key, made._facts);
+        return outcome;
+    }
+    if (isForOutput)
+    {
+        setSigned(outcome, false, file, path, key);
+        outcome._product = made._text;
+        return outcome;
+    }
+    outcome._finish = [&arguments, &inputs, &key, file, path, before, made, turn](clOutcome& finished) mutable
+    {
+        // The same file may have been signed under another name.
+        if (arguments._isSignedSkipped && fileFactsOf(path) != before &&
+            isAlreadySigned(arguments, path, file, *key._pKey, turn))
+        {
+            setSigned(finished, true, file, path, key);
+            return;
+        }
+        // Reading may have taken long enough for something to be put there, or to go.
+        if (!isFreeTarget(arguments, inputs, path, finished))
+        {
+            return;
+        }
+        if (!made._isTried)
+        {
+            makeSignature(arguments, file, *key._pKey, turn, made);
+        }
+        if (!made._facts.isOk())
+        {
+            complainOfSigning(finished, file, key, made._facts);
+        }
+        else if (writeSignature(arguments, path, made._text, finished))
+        {
+            setSigned(finished, false, file, path, key);
+        }
+    };
     return outcome;
 }
 
@@ -387,7 +433,7 @@ void addFacts(clJsonObject& object, const clArguments& arguments, const gtString
     }
 }
 
-clOutcome testFile(const clArguments& arguments, const gtString& file, const clKeys& keys)
+clOutcome testFile(const clArguments& arguments, const gtString& file, const clKeys& keys, const clTurn& turn)
 {
     clOutcome outcome;
     hoSignatureFileResult signatureFile;
@@ -405,7 +451,7 @@ clOutcome testFile(const clArguments& arguments, const gtString& file, const clK
         signatureFile = readSignature(arguments, file, signature);
         if (signatureFile.isOk())
         {
-            clProgressLine progress = progressFor(arguments, clPrintableName(file));
+            clProgressLine progress = progressFor(arguments, turn, clPrintableName(file));
             facts = hoTestFile(file, clPointersTo(keys), signature.asStringView(), &progress);
         }
         else
@@ -432,13 +478,13 @@ clOutcome testFile(const clArguments& arguments, const gtString& file, const clK
     return outcome;
 }
 
-clOutcome digestFile(const clArguments& arguments, const gtString& file, const clLoadedKey& key)
+clOutcome digestFile(const clArguments& arguments, const gtString& file, const clLoadedKey& key, const clTurn& turn)
 {
     clOutcome outcome;
     outcome._result = "not-read";
     hoSigningFacts facts;
     {
-        clProgressLine progress = progressFor(arguments, clPrintableName(file));
+        clProgressLine progress = progressFor(arguments, turn, clPrintableName(file));
         facts = hoDigestOfFile(file, *key._pKey, &progress, outcome._product);
     }
     if (!facts.isOk())
@@ -461,9 +507,11 @@ int digestFiles(const clArguments& arguments)
 {
     clResults results(arguments);
     std::size_t ignored = 0;
-    return performInOrder(
+    return performWithKeys(
         arguments, arguments._files, results,
-        [&](const gtString& file, const clKeys& keys) { return digestFile(arguments, file, keys.front()); }, ignored);
+        [&](const gtString& file, const clKeys& keys, const clTurn& turn)
+        { return digestFile(arguments, file, keys.front(), turn); },
+        ignored);
 }
 
 // The text from the arguments or from standard input.
@@ -544,13 +592,14 @@ int perform(const clArguments& arguments)
         clWriteOutput(arguments._text);
         return clStatusGood;
     case clCommand::Sign:
-        return performOnDocuments(arguments, "not signed",
-                                  [&](const clInputs& inputs, const gtString& file, const clKeys& keys)
-                                  { return signFile(arguments, inputs, file, keys.front()); });
+        return performOnDocuments(
+            arguments, "not signed",
+            [&](const clInputs& inputs, const gtString& file, const clKeys& keys, const clTurn& turn)
+            { return signFile(arguments, inputs, file, keys.front(), turn); });
     case clCommand::Test:
         return performOnDocuments(arguments, hoVerdictText(hoVerdict::NotTested),
-                                  [&](const clInputs&, const gtString& file, const clKeys& keys)
-                                  { return testFile(arguments, file, keys); });
+                                  [&](const clInputs&, const gtString& file, const clKeys& keys, const clTurn& turn)
+                                  { return testFile(arguments, file, keys, turn); });
     case clCommand::Digest:
         return digestFiles(arguments);
     case clCommand::Encrypt:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cli/clInterrupt.h"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -11,7 +12,9 @@
 namespace
 {
 
-volatile std::sig_atomic_t caughtSignal = 0;
+// Several threads ask for it.
+std::atomic<int> caughtSignal = 0;
+static_assert(std::atomic<int>::is_always_lock_free, "signal handlers may take no lock");
 
 // The handler writes a byte here, so that a signal that comes just before the waiting begins still ends it.
 int wakePipe[2] = {-1, -1};

@@ -8,6 +8,7 @@
 // ignored (nohup) stay ignored. Where the system has no descriptors to give, nothing changes.
 void clCatchInterrupts();
 
+// Safe from any thread.
 bool clIsInterrupted();
 
 // Waits until the descriptor has something to read, its end included. False when a signal has been noted, however close

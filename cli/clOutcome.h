@@ -6,6 +6,7 @@
 #include "cli/clCommands.h"
 #include "cli/clJsonObject.h"
 
+#include <functional>
 #include <vector>
 
 struct clOutcome
@@ -17,6 +18,10 @@ struct clOutcome
     gtString _result;     // the kind as a word for programs: "good", "another-key"
     clJsonObject _facts;  // what --json tells besides
     std::vector<clMessage> _messages;
+
+    // What is left to do in the document's turn, once all before it are done and printed: whatever writes files. Empty
+    // where there is nothing.
+    std::function<void(clOutcome& outcome)> _finish;
 
     void complain(const gtString& name, const gtString& reason, const gtString& advice = gtString())
     {

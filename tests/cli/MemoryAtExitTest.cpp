@@ -153,6 +153,9 @@ TEST_F(MemoryAtExit, HoldsNoPrivateKey)
     EXPECT_NE(exponent.find(_secrets[2].bytes), std::string::npos) << "the search is for what is printed";
     EXPECT_EQ(leftBy({"sign", "-k", "private.pem", "report"}, ""), Names());
     EXPECT_EQ(leftBy({"test", "-k", "private.pem", "report"}, ""), Names());
+    // The stacks of threads are kept by the C library.
+    _folder.write("second", "s");
+    EXPECT_EQ(leftBy({"sign", "-f", "-j", "2", "-k", "private.pem", "report", "second"}, ""), Names());
     EXPECT_EQ(leftBy({"encrypt", "-p", "-k", "private.pem"}, "x"), Names());
 }
 
