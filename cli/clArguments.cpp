@@ -54,6 +54,7 @@ const char* const signFooter = R"(Examples:
   countersign sign --key private.pem *.iso
   countersign sign --key private.pem --output - report.pdf > signatures/report.sig
   countersign sign --key private.pem -- -odd-name
+  tar -c folder | countersign sign --key private.pem --output folder.sig -
 
 A signature that is there already is kept unless --force is given. A file of that name that is no signature of
 countersign is never overwritten, nor is a FILE or the key, whatever links lead there. FILE.sig is left out where it
@@ -156,6 +157,7 @@ private:
     void takeJobs(clArguments& result, const gtString& command) const;
     void takePassphraseDescriptor(clArguments& result, const gtString& command) const;
     static void checkNames(clArguments& result, const gtString& command);
+    static void checkStandardInput(clArguments& result, const gtString& command);
     void checkWhatParserCannot(clArguments& result) const;
     static clArguments wrongUse(const gtString& what, const gtString& command);
 
@@ -200,7 +202,7 @@ Parser::Parser()
     pSign->add_flag("-n,--skip-signed", _isSignedSkipped, "Leave files alone whose signature is good by this key");
     pSign->add_flag("-a,--also-signatures", _areSignaturesWanted, "Sign files named *.sig, too");
     addOutputFlags(pSign, "files that are signed");
-    addFiles(pSign, "The files to sign");
+    addFiles(pSign, "The files to sign; - for standard input");
 
     CLI::App* pTest =
         addCommand(clCommand::Test, "test", "Test files against FILE.sig beside each FILE (also: verify)", testFooter,
@@ -212,7 +214,7 @@ Parser::Parser()
     pTest->add_flag("-w,--accept-weak", _isWeakAccepted, "Take a signature without a countersignature for good");
     pTest->add_flag("-a,--also-signatures", _areSignaturesWanted, "Test files named *.sig, too");
     addOutputFlags(pTest, "good files");
-    addFiles(pTest, "The files to test");
+    addFiles(pTest, "The files to test; - for standard input");
 
     CLI::App* pEncrypt = addCommand(clCommand::Encrypt, "encrypt", "Encrypt a short text", encryptFooter,
                                     "The public key, a PEM file (of a private key the public half is taken)");
@@ -235,7 +237,7 @@ Parser::Parser()
     CLI::App* pDigest = addCommand(clCommand::Digest, "digest", "Print the digest text of files", digestFooter,
                                    "A key of the size that shall sign, a PEM file, private or public");
     addJson(pDigest);
-    addFiles(pDigest, "The files to read");
+    addFiles(pDigest, "The files to read; - for standard input");
 }
 
 CLI::App* Parser::addCommand(clCommand command, const std::string& name, const std::string& description,
@@ -460,6 +462,7 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
     }
     checkWhatParserCannot(result);
     checkNames(result, split._command);
+    checkStandardInput(result, split._command);
     return result;
 }
 
@@ -546,6 +549,71 @@ void Parser::checkNames(clArguments& result, const gtString& command)
         result = wrongUse(gtString(option).append(
                               " names one signature; it goes together with neither --recursive nor --files0-from"),
                           command);
+    }
+}
+
+void Parser::checkStandardInput(clArguments& result, const gtString& command)
+{
+    const gtString dash = "-";
+    std::vector<gtString> readers;
+    for (const gtString& path : result._keyPaths)
+    {
+        if (path == dash)
+        {
+            readers.emplace_back("--key -");
+        }
+    }
+    if (!readers.empty() && result._passphraseDescriptor == 0)
+    {
+        readers.emplace_back("--passphrase-fd 0");
+    }
+    const bool isTextRead = result._command == clCommand::Encrypt || result._command == clCommand::Decrypt;
+    if (isTextRead && !result._hasPlainText)
+    {
+        readers.emplace_back("the missing TEXT");
+    }
+    if (result._hasSignature && result._signaturePath == dash)
+    {
+        readers.emplace_back("--signature -");
+    }
+    if (result._namesPath == dash)
+    {
+        readers.emplace_back("--files0-from -");
+    }
+    const std::size_t amountOfOthers = readers.size();
+    for (const gtString& file : result._files)
+    {
+        if (file == dash)
+        {
+            readers.emplace_back("FILE -");
+        }
+    }
+    if (readers.size() > 1)
+    {
+        result = wrongUse(gtString("standard input can be read only once, and both ")
+                              .append(readers[0])
+                              .append(" and ")
+                              .append(readers[1])
+                              .append(" read it"),
+                          command);
+    }
+    else if (readers.size() == amountOfOthers)
+    {
+        return;
+    }
+    else if (result._command == clCommand::Sign && !result._hasOutput)
+    {
+        result = wrongUse("standard input has no place for a signature beside it; --output PATH or --output - tells "
+                          "where it goes",
+                          command);
+    }
+    else if (result._command == clCommand::Sign && result._isSignedSkipped)
+    {
+        result = wrongUse("--skip-signed reads a FILE twice, and standard input can be read only once", command);
+    }
+    else if (result._command == clCommand::Test && !result._hasSignature)
+    {
+        result = wrongUse("standard input has no signature beside it; --signature PATH names it", command);
     }
 }
 

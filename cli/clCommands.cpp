@@ -22,6 +22,7 @@
 #include "cli/clResults.h"
 #include "cli/clSignatureNames.h"
 #include "cli/clStandardStreams.h"
+#include "cli/clStreams.h"
 #include "cli/clTerminal.h"
 #include "host/keys/hoKeyRing.h"
 #include "host/keys/hoPublicKey.h"
@@ -50,7 +51,7 @@ void complainOfSigning(clOutcome& outcome, const gtString& file, const clLoadedK
                            facts._problem == hoSigningProblem::KeyTooSmall ||
                            facts._problem == hoSigningProblem::CannotCountersign ||
                            facts._problem == hoSigningProblem::CountersigningFailed;
-    outcome.complain(clPrintableName(isTheKeys ? key._path : file), hoSigningReason(facts), clSigningAdvice(facts));
+    outcome.complain(clStreamName(isTheKeys ? key._path : file), hoSigningReason(facts), clSigningAdvice(facts));
 }
 
 // The key of a command that takes one.
@@ -211,7 +212,8 @@ void makeSignature(const clArguments& arguments, const gtString& file, const hoK
 {
     clProgressLine progress = progressFor(arguments, turn, clPrintableName(file));
     signature._isTried = true;
-    signature._facts = hoSignFile(file, key, wantedLines(arguments), &progress, signature._text);
+    const clOpenDocument document(file);
+    signature._facts = hoSignDocument(document.source(), key, wantedLines(arguments), &progress, signature._text);
 }
 
 // False: the outcome says why not.
@@ -237,6 +239,26 @@ clJsonObject factsOf(const clLoadedKey& key)
     object.addFileName("file", key._path).addNumber("bits", static_cast<std::size_t>(key._pKey->bits()));
     object.add("fingerprint", hoFingerprint(*key._pKey)).add("shortFingerprint", hoShortFingerprint(*key._pKey));
     return object;
+}
+
+// Whether it is enough to read the document once, if it can be read only once. False: the outcome says what is missing.
+bool checkReadOnce(const clArguments& arguments, const gtString& file, clOutcome& outcome)
+{
+    const bool isTest = arguments._command == clCommand::Test;
+    if (!clIsStream(file) || (isTest ? arguments._hasSignature : arguments._hasOutput && !arguments._isSignedSkipped))
+    {
+        return true;
+    }
+    if (isTest || !arguments._hasOutput)
+    {
+        outcome.complain(clStreamName(file), "it is a pipe, and its signature has no place beside it",
+                         isTest ? "; --signature PATH tells where it is" : "; --output PATH tells where it goes");
+    }
+    else
+    {
+        outcome.complain(clStreamName(file), "it is a pipe, which can be read only once", "; leave --skip-signed out");
+    }
+    return false;
 }
 
 void setSigned(clOutcome& outcome, bool isKept, const gtString& file, const gtString& path, const clLoadedKey& key)
@@ -267,6 +289,10 @@ clOutcome signFile(const clArguments& arguments, const clInputs& inputs, const g
     outcome._result = "not-signed";
     const gtString path = arguments._hasOutput ? arguments._outputPath : hoSignaturePath(file);
     const bool isForOutput = path == standardStream;
+    if (!checkReadOnce(arguments, file, outcome))
+    {
+        return outcome;
+    }
     const osFileFacts before = fileFactsOf(path);
     if (arguments._isSignedSkipped && isAlreadySigned(arguments, path, file, *key._pKey, turn))
     {
@@ -436,11 +462,18 @@ void addFacts(clJsonObject& object, const clArguments& arguments, const gtString
 clOutcome testFile(const clArguments& arguments, const gtString& file, const clKeys& keys, const clTurn& turn)
 {
     clOutcome outcome;
+    if (!checkReadOnce(arguments, file, outcome))
+    {
+        outcome._kind = hoVerdictText(hoVerdict::NotTested);
+        outcome._result = resultOf(hoVerdict::NotTested);
+        outcome._line = lineOf(file, outcome._kind);
+        return outcome;
+    }
     hoSignatureFileResult signatureFile;
     hoTestFacts facts;
     // A file that is not there is told about before its signature is missed.
     osFileFacts ignored;
-    const osFileResult reading = osReadFileFacts(file, ignored);
+    const osFileResult reading = clIsStream(file) ? osFileResult() : osReadFileFacts(file, ignored);
     if (!reading.isOk())
     {
         facts = hoTestFacts(hoSigningFacts(reading));
@@ -452,7 +485,8 @@ clOutcome testFile(const clArguments& arguments, const gtString& file, const clK
         if (signatureFile.isOk())
         {
             clProgressLine progress = progressFor(arguments, turn, clPrintableName(file));
-            facts = hoTestFile(file, clPointersTo(keys), signature.asStringView(), &progress);
+            const clOpenDocument document(file);
+            facts = hoTestDocument(document.source(), clPointersTo(keys), signature.asStringView(), &progress);
         }
         else
         {
@@ -485,7 +519,8 @@ clOutcome digestFile(const clArguments& arguments, const gtString& file, const c
     hoSigningFacts facts;
     {
         clProgressLine progress = progressFor(arguments, turn, clPrintableName(file));
-        facts = hoDigestOfFile(file, *key._pKey, &progress, outcome._product);
+        const clOpenDocument document(file);
+        facts = hoDigestOfDocument(document.source(), *key._pKey, &progress, outcome._product);
     }
     if (!facts.isOk())
     {
@@ -586,6 +621,12 @@ int decrypt(const clArguments& arguments)
 
 int perform(const clArguments& arguments)
 {
+    const gtString readTwice = clFindStreamReadTwice(arguments);
+    if (!readTwice.isEmpty())
+    {
+        clComplain(readTwice);
+        return clStatusNotChecked;
+    }
     switch (arguments._command)
     {
     case clCommand::ShowText:

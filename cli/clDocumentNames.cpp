@@ -14,6 +14,7 @@
 #include "cli/clInterrupt.h"
 #include "cli/clPrintableName.h"
 #include "cli/clStandardStreams.h"
+#include "cli/clStreams.h"
 #include "host/documents/hoFolderFiles.h"
 #include "host/messages/hoMessages.h"
 #include "host/signing/hoSignatureFile.h"
@@ -39,7 +40,9 @@ public:
         while (!names.empty())
         {
             const std::size_t end = std::min(names.find('\0'), names.size());
-            add(gtString(names.substr(0, end)));
+            const gtString name = names.substr(0, end);
+            // In a list all names are those of files.
+            add(clIsStandardInput(name) ? gtString("./-") : name);
             names.remove_prefix(std::min(end + 1, names.size()));
         }
     }
@@ -47,8 +50,8 @@ public:
     void add(const gtString& name)
     {
         struct stat facts = {};
-        const bool isFolder =
-            _arguments._isRecursive && ::stat(name.asCharArray(), &facts) == 0 && S_ISDIR(facts.st_mode);
+        const bool isFolder = _arguments._isRecursive && !clIsStandardInput(name) &&
+                              ::stat(name.asCharArray(), &facts) == 0 && S_ISDIR(facts.st_mode);
         if (isFolder)
         {
             addFolder(name);

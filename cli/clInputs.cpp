@@ -2,24 +2,25 @@
 #include "cli/clInputs.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
-#include "cli/clPrintableName.h"
+#include "cli/clStreams.h"
 
 clInputs::clInputs(const std::vector<gtString>& documents, const std::vector<gtString>& keyPaths)
 {
     Identity identity;
     for (const gtString& keyPath : keyPaths)
     {
-        if (identify(keyPath, identity))
+        if (identifyInput(keyPath, identity))
         {
-            _names.emplace(identity, gtString("the key ").append(clPrintableName(keyPath)));
+            _names.emplace(identity, gtString("the key ").append(clStreamName(keyPath)));
         }
     }
     for (const gtString& document : documents)
     {
-        if (identify(document, identity))
+        if (identifyInput(document, identity))
         {
-            _names.emplace(identity, gtString("the document ").append(clPrintableName(document)));
+            _names.emplace(identity, gtString("the document ").append(clStreamName(document)));
         }
     }
 }
@@ -35,6 +36,21 @@ bool clInputs::identify(const gtString& path, Identity& identity)
 {
     struct stat status = {};
     if (path.asStringView().find('\0') != std::string_view::npos || ::stat(path.asCharArray(), &status) != 0)
+    {
+        return false;
+    }
+    identity = Identity(static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino));
+    return true;
+}
+
+bool clInputs::identifyInput(const gtString& name, Identity& identity)
+{
+    if (!clIsStandardInput(name))
+    {
+        return identify(name, identity);
+    }
+    struct stat status = {};
+    if (::fstat(STDIN_FILENO, &status) != 0)
     {
         return false;
     }

@@ -24,6 +24,8 @@ private:
     using Identity = std::pair<std::uint64_t, std::uint64_t>;
 
     static bool identify(const gtString& path, Identity& identity);
+    // Of a name that may stand for standard input, which may be a file.
+    static bool identifyInput(const gtString& name, Identity& identity);
 
     std::map<Identity, gtString> _names;
 };

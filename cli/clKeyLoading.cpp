@@ -12,7 +12,9 @@
 #include "cli/clPassphrase.h"
 #include "cli/clPrintableName.h"
 #include "cli/clStandardStreams.h"
+#include "cli/clStreams.h"
 #include "host/messages/hoMessages.h"
+#include "platform/baseTools/gtWipe.h"
 
 namespace
 {
@@ -36,6 +38,30 @@ void warnOfPrivateKey(const gtString& name, const hoKeyFileFacts& facts)
     {
         warn(name, hoLibcryptoMemoryWarning());
     }
+}
+
+// From a file, a pipe or standard input.
+std::unique_ptr<const hoKey> load(const gtString& path, clPassphrase& passphrase, hoKeyFileFacts& facts, hoKeyNeed need)
+{
+    if (!clIsStream(path))
+    {
+        return hoLoadKeyFile(path, &passphrase, facts, need);
+    }
+    facts = hoKeyFileFacts();
+    gtWipedText bytes;
+    // One byte more than a key may have, which tells that there are too many.
+    facts._systemError = clReadStream(path, bytes._text, static_cast<int>(hoLargestKeyFile) + 1);
+    if (facts._systemError != 0)
+    {
+        facts._problem = hoKeyFileProblem::CannotBeRead;
+        return nullptr;
+    }
+    if (bytes._text.length() > hoLargestKeyFile)
+    {
+        facts._problem = hoKeyFileProblem::TooLarge;
+        return nullptr;
+    }
+    return hoLoadKey(bytes._text.asCharArray(), bytes._text.length(), &passphrase, facts, need);
 }
 
 // A private key need not be in memory longer than it takes to read its file.
@@ -111,9 +137,9 @@ bool addFolder(const gtString& folder, clKeys& keys)
 std::unique_ptr<const hoKey> clLoadKey(const clArguments& arguments, const gtString& path, hoKeyNeed need,
                                        hoKeyFileFacts& facts)
 {
-    const gtString name = clPrintableName(path);
+    const gtString name = clStreamName(path);
     clPassphrase passphrase(arguments, gtString("Passphrase for ").append(name).append(": "));
-    std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(path, &passphrase, facts, need);
+    std::unique_ptr<const hoKey> pKey = load(path, passphrase, facts, need);
     if (pKey == nullptr && !clIsInterrupted())
     {
         gtString reason = gtString(name).append(": ").append(hoKeyFileReason(facts)).append(clKeyAdvice(facts));

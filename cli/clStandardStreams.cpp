@@ -106,6 +106,11 @@ void clSendMessagesTo(clMessageReceiver receiver)
 
 int clReadInput(gtString& bytes, int limit)
 {
+    return clReadDescriptor(STDIN_FILENO, bytes, limit);
+}
+
+int clReadDescriptor(int descriptor, gtString& bytes, int limit)
+{
     // A text that grows would leave copies behind.
     bytes.reserve(limit);
     struct WipedBuffer
@@ -116,12 +121,12 @@ int clReadInput(gtString& bytes, int limit)
     char(&buffer)[sizeof(wiped._bytes)] = wiped._bytes;
     while (bytes.length() < limit)
     {
-        if (!clWaitForInput(STDIN_FILENO))
+        if (!clWaitForInput(descriptor))
         {
             return EINTR;
         }
         const ssize_t amount =
-            ::read(STDIN_FILENO, buffer, std::min(sizeof(buffer), static_cast<std::size_t>(limit - bytes.length())));
+            ::read(descriptor, buffer, std::min(sizeof(buffer), static_cast<std::size_t>(limit - bytes.length())));
         if (amount > 0)
         {
             bytes.append(buffer, static_cast<int>(amount));
@@ -130,7 +135,7 @@ int clReadInput(gtString& bytes, int limit)
         {
             return 0;
         }
-        else if (errno != EINTR || clIsInterrupted())
+        else if ((errno != EINTR && errno != EAGAIN) || clIsInterrupted())
         {
             return errno;
         }

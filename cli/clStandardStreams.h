@@ -29,4 +29,7 @@ void clSendMessagesTo(clMessageReceiver receiver);
 // system's error number: EINTR after a signal that asks to end.
 int clReadInput(gtString& bytes, int limit);
 
+// The same of another descriptor.
+int clReadDescriptor(int descriptor, gtString& bytes, int limit);
+
 #endif

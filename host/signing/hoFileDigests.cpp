@@ -2,7 +2,7 @@
 #include "host/signing/hoFileDigests.h"
 
 #include "crypto/crRSADigitalSigner.h"
-#include "platform/osWrappers/osFile.h"
+#include "host/signing/hoDocumentReader.h"
 
 #include <openssl/evp.h>
 
@@ -24,7 +24,7 @@ constexpr unsigned long long bytesBetweenReports = 1024 * 1024;
 constexpr int mostLooks = 4;
 constexpr std::int64_t longestSleep = 100 * 1000 * 1000;
 
-hoSigningFacts readError(const osFile& file)
+hoSigningFacts readError(const hoDocumentReader& file)
 {
     return hoSigningFacts(osFileResult(osFileProblem::CannotBeRead, file.errorNumber()));
 }
@@ -74,7 +74,7 @@ bool mayGoOn(hoIProgress* pProgress, unsigned long long done, const osFileFacts&
 }
 
 // Takes the facts of a file that any change from now on would alter.
-hoSigningFacts settle(osFile& file, hoIProgress* pProgress, osFileFacts& facts)
+hoSigningFacts settle(hoDocumentReader& file, hoIProgress* pProgress, osFileFacts& facts)
 {
     for (int looks = 0; looks < mostLooks; ++looks)
     {
@@ -82,7 +82,7 @@ hoSigningFacts settle(osFile& file, hoIProgress* pProgress, osFileFacts& facts)
         {
             return readError(file);
         }
-        std::int64_t left = osTimeUntilStampsMove(facts);
+        std::int64_t left = file.isRegular() ? osTimeUntilStampsMove(facts) : 0;
         if (left <= 0)
         {
             return hoSigningProblem::None;
@@ -100,7 +100,7 @@ hoSigningFacts settle(osFile& file, hoIProgress* pProgress, osFileFacts& facts)
     return hoSigningProblem::FileChanged;
 }
 
-hoSigningFacts readToEnd(osFile& file, const osFileFacts& facts, crRSADigitalSigner& signer, Sha256& sha256,
+hoSigningFacts readToEnd(hoDocumentReader& file, const osFileFacts& facts, crRSADigitalSigner& signer, Sha256& sha256,
                          hoIProgress* pProgress)
 {
     const auto runLength = static_cast<unsigned long>(signer.amountOfDigestBytes());
@@ -123,6 +123,10 @@ hoSigningFacts readToEnd(osFile& file, const osFileFacts& facts, crRSADigitalSig
             }
         }
     }
+    if (file.isGivenUp())
+    {
+        return hoSigningProblem::Cancelled;
+    }
     if (file.hasReadError())
     {
         return readError(file);
@@ -135,18 +139,18 @@ hoSigningFacts readToEnd(osFile& file, const osFileFacts& facts, crRSADigitalSig
 
 hoIProgress::~hoIProgress() = default;
 
-hoSigningFacts hoReadDigests(const gtString& path, const crRSAEncryptionKey& key, bool isShaWanted,
+hoSigningFacts hoReadDigests(const hoDocumentSource& source, const crRSAEncryptionKey& key, bool isShaWanted,
                              hoIProgress* pProgress, hoFileDigests& digests)
 {
     // Only this tells in detail why a file cannot be opened. What it says of a file that can is not believed.
     osFileFacts ofTheName;
-    const osFileResult reading = osReadFileFacts(path, ofTheName);
+    const osFileResult reading = source.hasPath() ? osReadFileFacts(source._path, ofTheName) : osFileResult();
     if (!reading.isOk())
     {
         return hoSigningFacts(reading);
     }
-    osFile file;
-    if (!file.open(osFilePath(path), osChannel::OS_BINARY_CHANNEL, osFile::OS_OPEN_TO_READ))
+    hoDocumentReader file(source);
+    if (!file.open())
     {
         return readError(file);
     }
@@ -171,7 +175,7 @@ hoSigningFacts hoReadDigests(const gtString& path, const crRSAEncryptionKey& key
     {
         return readError(file);
     }
-    if (after != before)
+    if (file.isRegular() && after != before)
     {
         return hoSigningProblem::FileChanged;
     }

@@ -13,6 +13,7 @@
 #define COUNTERSIGN_HO_FILE_DIGESTS_H
 
 #include "host/signing/hoCountersignature.h"
+#include "host/signing/hoDocumentSource.h"
 #include "host/signing/hoIProgress.h"
 #include "host/signing/hoSigningFacts.h"
 
@@ -24,10 +25,10 @@ struct hoFileDigests
     hoSha256 _sha256 = {};
 };
 
-// Reads the file once, with memory that does not depend on its size. isShaWanted: otherwise _sha256 is left alone.
+// Reads the document once, with memory that does not depend on its size. isShaWanted: otherwise _sha256 is left alone.
 // digests is written only when there is no problem; pProgress may be null. The key must have at least
 // hoSmallestSigningKeyBits. Throws std::bad_alloc. Safe from any thread.
-hoSigningFacts hoReadDigests(const gtString& path, const crRSAEncryptionKey& key, bool isShaWanted,
+hoSigningFacts hoReadDigests(const hoDocumentSource& source, const crRSAEncryptionKey& key, bool isShaWanted,
                              hoIProgress* pProgress, hoFileDigests& digests);
 
 #endif

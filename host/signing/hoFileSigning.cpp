@@ -77,11 +77,12 @@ hoVerdict verdictOf(const hoSigningFacts& facts)
 }
 
 // Of a signature that is this key's.
-hoTestFacts compare(const gtString& path, const hoKey& key, const hoSignatureText& signature, hoIProgress* pProgress)
+hoTestFacts compare(const hoDocumentSource& source, const hoKey& key, const hoSignatureText& signature,
+                    hoIProgress* pProgress)
 {
     const bool isCountersigned = signature._form == hoSignatureForm::Countersigned;
     hoFileDigests digests;
-    hoTestFacts facts(hoReadDigests(path, key.publicKey(), isCountersigned, pProgress, digests));
+    hoTestFacts facts(hoReadDigests(source, key.publicKey(), isCountersigned, pProgress, digests));
     if (!facts.isOk())
     {
         return facts;
@@ -105,7 +106,7 @@ hoTestFacts compare(const gtString& path, const hoKey& key, const hoSignatureTex
     return facts;
 }
 
-hoTestFacts test(const gtString& path, const std::vector<const hoKey*>& keys, std::string_view bytes,
+hoTestFacts test(const hoDocumentSource& source, const std::vector<const hoKey*>& keys, std::string_view bytes,
                  hoIProgress* pProgress)
 {
     const hoSignatureText signature = hoParseSignature(bytes);
@@ -131,13 +132,13 @@ hoTestFacts test(const gtString& path, const std::vector<const hoKey*>& keys, st
     }
     if (found == hoVerdict::Good)
     {
-        facts = compare(path, *keys[number], signature, pProgress);
+        facts = compare(source, *keys[number], signature, pProgress);
     }
     else
     {
         // A document that is not there is told about first.
         osFileFacts ofTheName;
-        const osFileResult reading = osReadFileFacts(path, ofTheName);
+        const osFileResult reading = source.hasPath() ? osReadFileFacts(source._path, ofTheName) : osFileResult();
         facts = reading.isOk() ? hoTestFacts() : hoTestFacts(hoSigningFacts(reading));
         facts._verdict = reading.isOk() ? found : facts._verdict;
         facts._file = ofTheName;
@@ -151,11 +152,11 @@ hoTestFacts test(const gtString& path, const std::vector<const hoKey*>& keys, st
     return facts;
 }
 
-hoSigningFacts sign(const gtString& path, const hoKey& key, bool isCountersigned, hoIProgress* pProgress,
+hoSigningFacts sign(const hoDocumentSource& source, const hoKey& key, bool isCountersigned, hoIProgress* pProgress,
                     gtString& signature)
 {
     hoFileDigests digests;
-    const hoSigningFacts facts = hoReadDigests(path, key.publicKey(), isCountersigned, pProgress, digests);
+    const hoSigningFacts facts = hoReadDigests(source, key.publicKey(), isCountersigned, pProgress, digests);
     if (!facts.isOk())
     {
         return facts;
@@ -207,8 +208,8 @@ hoTestFacts::hoTestFacts(const hoSignatureFileResult& signatureFile)
     }
 }
 
-hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoSignatureLines lines, hoIProgress* pProgress,
-                          gtString& signature)
+hoSigningFacts hoSignDocument(const hoDocumentSource& source, const hoKey& key, hoSignatureLines lines,
+                              hoIProgress* pProgress, gtString& signature)
 {
     if (!key.hasPrivateKey())
     {
@@ -225,7 +226,7 @@ hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoSignatureLin
     }
     try
     {
-        return sign(path, key, isCountersigned, pProgress, signature);
+        return sign(source, key, isCountersigned, pProgress, signature);
     }
     catch (const std::bad_alloc&)
     {
@@ -233,12 +234,12 @@ hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoSignatureLin
     }
 }
 
-hoTestFacts hoTestFile(const gtString& path, const std::vector<const hoKey*>& keys, std::string_view signature,
-                       hoIProgress* pProgress)
+hoTestFacts hoTestDocument(const hoDocumentSource& source, const std::vector<const hoKey*>& keys,
+                           std::string_view signature, hoIProgress* pProgress)
 {
     try
     {
-        return test(path, keys, signature, pProgress);
+        return test(source, keys, signature, pProgress);
     }
     catch (const std::bad_alloc&)
     {
@@ -246,7 +247,8 @@ hoTestFacts hoTestFile(const gtString& path, const std::vector<const hoKey*>& ke
     }
 }
 
-hoSigningFacts hoDigestOfFile(const gtString& path, const hoKey& key, hoIProgress* pProgress, gtString& digestText)
+hoSigningFacts hoDigestOfDocument(const hoDocumentSource& source, const hoKey& key, hoIProgress* pProgress,
+                                  gtString& digestText)
 {
     if (key.bits() < hoSmallestSigningKeyBits)
     {
@@ -255,7 +257,7 @@ hoSigningFacts hoDigestOfFile(const gtString& path, const hoKey& key, hoIProgres
     try
     {
         hoFileDigests digests;
-        const hoSigningFacts facts = hoReadDigests(path, key.publicKey(), false, pProgress, digests);
+        const hoSigningFacts facts = hoReadDigests(source, key.publicKey(), false, pProgress, digests);
         if (facts.isOk())
         {
             digestText = digests._digestText;

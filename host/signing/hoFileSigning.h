@@ -9,6 +9,7 @@
 #define COUNTERSIGN_HO_FILE_SIGNING_H
 
 #include "host/keys/hoKeyFile.h"
+#include "host/signing/hoDocumentSource.h"
 #include "host/signing/hoIProgress.h"
 #include "host/signing/hoSignatureFile.h"
 #include "host/signing/hoSignatureText.h"
@@ -43,16 +44,36 @@ struct hoTestFacts : hoSigningFacts
 
 // The bytes of the signature file under the private key. They are tested with the public key before they are given out.
 // signature is written only when there is no problem; pProgress may be null.
-hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoSignatureLines lines, hoIProgress* pProgress,
-                          gtString& signature);
+hoSigningFacts hoSignDocument(const hoDocumentSource& source, const hoKey& key, hoSignatureLines lines,
+                              hoIProgress* pProgress, gtString& signature);
 
-// Tests the file against the bytes of a signature file. The file is read only if the signature is one of a key, and
+// Tests the document against the bytes of a signature file. It is read only if the signature is one of a key, and
 // once. keys: in the order in which they are tried, not empty; if the signature is none's, the verdict is that of the
 // key that comes nearest.
-hoTestFacts hoTestFile(const gtString& path, const std::vector<const hoKey*>& keys, std::string_view signature,
-                       hoIProgress* pProgress);
+hoTestFacts hoTestDocument(const hoDocumentSource& source, const std::vector<const hoKey*>& keys,
+                           std::string_view signature, hoIProgress* pProgress);
 
-// The digest's text of the file under a key of this size.
-hoSigningFacts hoDigestOfFile(const gtString& path, const hoKey& key, hoIProgress* pProgress, gtString& digestText);
+// The digest's text of the document under a key of this size.
+hoSigningFacts hoDigestOfDocument(const hoDocumentSource& source, const hoKey& key, hoIProgress* pProgress,
+                                  gtString& digestText);
+
+// The same of files by their paths.
+inline hoSigningFacts hoSignFile(const gtString& path, const hoKey& key, hoSignatureLines lines, hoIProgress* pProgress,
+                                 gtString& signature)
+{
+    return hoSignDocument(hoDocumentSource(path), key, lines, pProgress, signature);
+}
+
+inline hoTestFacts hoTestFile(const gtString& path, const std::vector<const hoKey*>& keys, std::string_view signature,
+                              hoIProgress* pProgress)
+{
+    return hoTestDocument(hoDocumentSource(path), keys, signature, pProgress);
+}
+
+inline hoSigningFacts hoDigestOfFile(const gtString& path, const hoKey& key, hoIProgress* pProgress,
+                                     gtString& digestText)
+{
+    return hoDigestOfDocument(hoDocumentSource(path), key, pProgress, digestText);
+}
 
 #endif

@@ -61,7 +61,7 @@ TEST(Arguments, TakeOddNamesAsTheyAre)
     }
     EXPECT_EQ(clParseArguments({"sign", "--key=-odd.pem", "f"})._keyPath, "-odd.pem");
     EXPECT_EQ(clParseArguments({"sign", "--key", "k", "--output", "-", "f"})._outputPath, "-");
-    EXPECT_EQ(clParseArguments({"sign", "--key", "k", "-"})._files, std::vector<gtString>{"-"});
+    EXPECT_EQ(clParseArguments({"digest", "--key", "k", "-"})._files, std::vector<gtString>{"-"});
 }
 
 TEST(Arguments, ThatAreWrongAreToldAbout)
@@ -132,6 +132,20 @@ TEST(Arguments, ThatAreWrongAreNamed)
         {{"sign", "--key=k"}, "no FILE is named"},
         {{"key", "--key=k", "ex\ntra"}, "one argument too many: ex\\ntra"},
         {{"encrypt", "--key=k", "two", "texts"}, "one argument too many: texts"},
+        {{"sign", "-k", "k", "-"},
+         "standard input has no place for a signature beside it; --output PATH or --output -"},
+        {{"sign", "-k", "k", "--skip-signed", "-o", "s", "-"}, "--skip-signed reads a FILE twice"},
+        {{"test", "-k", "k", "-"}, "standard input has no signature beside it; --signature PATH names it"},
+        {{"test", "-k", "k", "-s", "-", "-"},
+         "standard input can be read only once, and both --signature - and FILE -"},
+        {{"digest", "-k", "k", "-", "-"}, "standard input can be read only once, and both FILE - and FILE - read it"},
+        {{"digest", "-k", "k", "--files0-from", "-", "-"},
+         "standard input can be read only once, and both --files0-from - and FILE - read it"},
+        {{"digest", "-k", "-", "-"}, "standard input can be read only once, and both --key - and FILE - read it"},
+        {{"test", "-k", "-", "-k", "-", "f"}, "standard input can be read only once, and both --key - and --key -"},
+        {{"decrypt", "-k", "-"}, "standard input can be read only once, and both --key - and the missing TEXT read it"},
+        {{"key", "-k", "-", "--passphrase-fd", "0"},
+         "standard input can be read only once, and both --key - and --passphrase-fd 0 read it"},
     };
     for (const auto& [arguments, pWords] : cases)
     {
@@ -152,7 +166,7 @@ TEST(Arguments, TakeValuesInEverySpelling)
     {
         std::vector<gtString> arguments = {"sign"};
         arguments.insert(arguments.end(), spelling.begin(), spelling.end());
-        arguments.insert(arguments.end(), {"-", "f"});
+        arguments.insert(arguments.end(), {"-o", "-", "-", "f"});
         const clArguments result = clParseArguments(arguments);
         EXPECT_EQ(result._command, clCommand::Sign) << result._text;
         EXPECT_EQ(result._keyPath, "k");

@@ -2,8 +2,10 @@
 #include "host/signing/hoFileSigning.h"
 
 #include <cerrno>
+#include <fcntl.h>
 #include <fstream>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -279,4 +281,92 @@ TEST_F(FileSigning, GivesTheDigestsText)
     gtString text;
     EXPECT_EQ(hoDigestOfFile(path("file"), *_pPublic, nullptr, text)._problem, hoSigningProblem::None);
     EXPECT_EQ(text, expected);
+}
+
+TEST_F(FileSigning, NoticesChangesOfAnOpenFile)
+{
+    const auto always = [](int) { return true; };
+    const std::string contents = bytes(threeMegabytes);
+    const std::string file = _folder.write("file", "line" + contents);
+    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(descriptor, 0);
+    // What stands before is not the document's.
+    ASSERT_EQ(lseek(descriptor, 4, SEEK_SET), 4);
+    gtString signature;
+    EXPECT_EQ(
+        hoSignDocument(hoDocumentSource(descriptor, always), *_pPrivate, hoSignatureLines::Both, nullptr, signature)
+            ._problem,
+        hoSigningProblem::None);
+    _folder.write("other", contents);
+    EXPECT_EQ(hoTestFile(path("other"), {_pPublic.get()}, signature.asStringView(), nullptr)._verdict, hoVerdict::Good);
+
+    for (const bool isCut : {false, true})
+    {
+        ASSERT_EQ(lseek(descriptor, 4, SEEK_SET), 4);
+        Progress progress;
+        progress.atFirstCall = [&]
+        {
+            if (isCut)
+            {
+                ASSERT_EQ(truncate(file.c_str(), 1000), 0);
+            }
+            else
+            {
+                std::ofstream(file, std::ios::app) << "more";
+            }
+        };
+        EXPECT_EQ(
+            hoTestDocument(hoDocumentSource(descriptor, always), {_pPublic.get()}, signature.asStringView(), &progress)
+                ._verdict,
+            hoVerdict::Changed);
+        EXPECT_EQ(progress.atFirstCall, nullptr);
+    }
+    ::close(descriptor);
+}
+
+TEST_F(FileSigning, ReadsAPipeToItsEndOrUntilItIsGivenUp)
+{
+    const std::string contents = bytes(threeMegabytes);
+    _folder.write("file", contents);
+    gtString signature;
+    ASSERT_EQ(hoSignFile(path("file"), *_pPrivate, hoSignatureLines::Both, nullptr, signature)._problem,
+              hoSigningProblem::None);
+    for (const int mostWaits : {1, 1 << 30})
+    {
+        int ends[2] = {-1, -1};
+        ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+        int waits = 0;
+        std::thread writer(
+            [&]
+            {
+                std::string_view rest = contents;
+                while (!rest.empty())
+                {
+                    const ssize_t amount = ::write(ends[1], rest.data(), rest.size());
+                    if (amount <= 0)
+                    {
+                        break;
+                    }
+                    rest.remove_prefix(static_cast<std::size_t>(amount));
+                }
+                ::close(ends[1]);
+            });
+        const hoTestFacts facts = hoTestDocument(hoDocumentSource(ends[0], [&](int) { return waits++ < mostWaits; }),
+                                                 {_pPublic.get()}, signature.asStringView(), nullptr);
+        if (mostWaits == 1)
+        {
+            EXPECT_EQ(facts._problem, hoSigningProblem::Cancelled);
+            // So that the writer ends.
+            std::string rest(1 << 16, ' ');
+            while (::read(ends[0], rest.data(), rest.size()) > 0)
+            {
+            }
+        }
+        else
+        {
+            EXPECT_EQ(facts._verdict, hoVerdict::Good);
+        }
+        writer.join();
+        ::close(ends[0]);
+    }
 }

@@ -192,8 +192,9 @@ TEST_F(Program, TellsWhatIsNoFile)
     for (const char* pCommand : {"test", "digest"})
     {
         expectFailure(run({pCommand, "-k", "public.pem", "folder"}), {"folder: it is a folder"});
-        expectFailure(run({pCommand, "-k", "public.pem", "pipe"}), {"pipe: it is a pipe"});
     }
+    expectFailure(run({"sign", "-k", "private.pem", "pipe"}), {"pipe: it is a pipe", "--output"});
+    expectFailure(run({"test", "-k", "public.pem", "pipe"}), {"pipe: it is a pipe", "--signature"});
     expectFailure(run({"sign", "-f", "-k", "private.pem", "folder"}), {"folder: it is a folder"});
     EXPECT_EQ(_folder.read("folder.sig"), oldSignature);
     // What is wrong with one file does not keep it from the others.
