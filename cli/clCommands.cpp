@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "cli/clAdvice.h"
+#include "cli/clColours.h"
 #include "cli/clDocumentNames.h"
 #include "cli/clDocumentWork.h"
 #include "cli/clInputs.h"
@@ -139,7 +140,8 @@ int performOnDocuments(const clArguments& arguments, const gtString& otherKind, 
             clOutcome outcome;
             outcome._kind = otherKind;
             outcome._result = arguments._command == clCommand::Test ? "not-tested" : "not-signed";
-            outcome._line = arguments._command == clCommand::Test ? lineOf(file, otherKind) : gtString();
+            outcome._line =
+                arguments._command == clCommand::Test ? lineOf(file, clVerdictWord(hoVerdict::NotTested)) : gtString();
             outcome.complain(clPrintableName(file), "it has the name of a signature, and there is no such document",
                              "; --also-signatures takes it for a document");
             return outcome;
@@ -501,7 +503,7 @@ clOutcome testFile(const clArguments& arguments, const gtString& file, const clK
     outcome._kind = hoVerdictText(facts._verdict);
     outcome._result = resultOf(facts._verdict);
     addFacts(outcome._facts, arguments, file, keys, facts);
-    gtString result = outcome._kind;
+    gtString result = clVerdictWord(facts._verdict);
     // Of a single key it is known which one it is.
     const bool mayBeSeveral = arguments._keyPaths.size() > 1 || !arguments._keyFolders.empty();
     if (mayBeSeveral && isOfOneKey(facts._verdict))
