@@ -12,11 +12,12 @@ set -u
 "$root/scripts/install-dependencies.sh" develop || exit
 build=$root/build/benchmark
 rooms=("$@")
-[ "${#rooms[@]}" -gt 0 ] || rooms=(bigdigits crypto signing platform host)
+[ "${#rooms[@]}" -gt 0 ] || rooms=(bigdigits crypto signing cli platform host)
 targets=()
 for room in "${rooms[@]}"; do
     [ -d "$root/benchmarks/$room" ] || fail "there is no room '$room' with benchmarks in benchmarks/$room"
     targets+=(--target "benchmark_$room")
+    [ "$room" != cli ] || targets+=(--target countersign_cli)
 done
 
 cache=()
@@ -25,13 +26,14 @@ if command -v ccache >/dev/null 2>&1; then
 fi
 step "configuring (build/benchmark)" cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
     "-DCMAKE_CXX_FLAGS_RELEASE=-O3 -DNDEBUG" -DCOUNTERSIGN_BUILD_BENCHMARKS=ON -DCOUNTERSIGN_BUILD_TESTS=OFF \
-    -DCOUNTERSIGN_BUILD_CLI=OFF "${cache[@]}"
+    -DCOUNTERSIGN_BUILD_CLI=ON "${cache[@]}"
 step "building (build/benchmark)" cmake --build "$build" "${targets[@]}"
 
 files=()
 for room in "${rooms[@]}"; do
     say "measuring $room (some minutes)"
     program=("$build/bin/benchmark_$room")
+    [ "$room" != cli ] || program+=("$build/bin/countersign")
     if [ "$room" = host ]; then
         program=("$root/scripts/with-display.sh" "${program[@]}" "$build/bin/countersign-desktop"
             "$build/bin/benchmark_bareFrame")

@@ -34,8 +34,8 @@ testOptional=(
     clang libclang-rt-dev
     # What changes the sources for scripts/mutate.sh.
     python3-clang
-    # The shells that completion is tried with.
-    zsh fish
+    # The shells that completion is tried with, and the programs that the manual compares with.
+    zsh fish minisign signify-openbsd gpg
 )
 developOptional=(
     clang-format clang-tidy gcovr shellcheck mandoc doxygen

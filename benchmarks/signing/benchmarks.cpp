@@ -5,13 +5,11 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <string>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
+#include "benchmarks/childProcess.h"
 #include "host/signing/hoFileSigning.h"
 
 namespace
@@ -19,52 +17,6 @@ namespace
 
 const std::string signOption = "--sign";
 const std::string testOption = "--test";
-
-void check(bool isTrue)
-{
-    if (!isTrue)
-    {
-        std::perror("benchmark_signing");
-        std::exit(1);
-    }
-}
-
-double seconds(const timeval& time)
-{
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-}
-
-// Runs the program without output, and gives its processor time and its largest memory in KiB.
-double run(const std::vector<std::string>& words, long& peak)
-{
-    const pid_t process = fork();
-    if (process == 0)
-    {
-        std::vector<char*> pointers;
-        for (const std::string& word : words)
-        {
-            pointers.push_back(const_cast<char*>(word.c_str()));
-        }
-        pointers.push_back(nullptr);
-        const int nowhere = open("/dev/null", O_WRONLY);
-        dup2(nowhere, 1);
-        dup2(nowhere, 2);
-        execvp(pointers[0], pointers.data());
-        _exit(127);
-    }
-    int status = 0;
-    struct rusage usage = {};
-    check(process > 0 && wait4(process, &status, 0, &usage) == process);
-    check(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    peak = usage.ru_maxrss;
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-void run(const std::vector<std::string>& words)
-{
-    long peak = 0;
-    run(words, peak);
-}
 
 void add(const std::string& name, const std::vector<std::string>& words)
 {
@@ -74,7 +26,9 @@ void add(const std::string& name, const std::vector<std::string>& words)
                                      long peak = 0;
                                      for (auto _ : state)
                                      {
-                                         state.SetIterationTime(run(words, peak));
+                                         const ProcessCost cost = runProcess(words);
+                                         state.SetIterationTime(cost._processorSeconds);
+                                         peak = cost._peakKiB;
                                      }
                                      state.counters["peakKiB"] = static_cast<double>(peak);
                                  })
@@ -107,8 +61,8 @@ void addFile(const std::string& folder, const std::string& keyFile, const std::s
     add("sign" + ending + "ours", {self, signOption, file, keyFile});
     add("sign" + ending + "openssl dgst",
         {"openssl", "dgst", "-sha256", "-sign", keyFile, "-out", file + ".openssl", file});
-    run({self, signOption, file, keyFile});
-    run({"openssl", "dgst", "-sha256", "-sign", keyFile, "-out", file + ".openssl", file});
+    runProcess({self, signOption, file, keyFile});
+    runProcess({"openssl", "dgst", "-sha256", "-sign", keyFile, "-out", file + ".openssl", file});
     add("test the signature of" + ending + "ours", {self, testOption, file, publicFile});
     add("test the signature of" + ending + "openssl dgst",
         {"openssl", "dgst", "-sha256", "-verify", publicFile, "-signature", file + ".openssl", file});
@@ -144,8 +98,8 @@ int main(int argc, char** argv)
     check(mkdtemp(folder.data()) != nullptr);
     const std::string keyFile = folder + "/private.pem";
     const std::string publicFile = folder + "/public.pem";
-    run({"openssl", "genrsa", "-out", keyFile, "2048"});
-    run({"openssl", "rsa", "-in", keyFile, "-pubout", "-out", publicFile});
+    runProcess({"openssl", "genrsa", "-out", keyFile, "2048"});
+    runProcess({"openssl", "rsa", "-in", keyFile, "-pubout", "-out", publicFile});
     addFile(folder, keyFile, publicFile, "1 MB", 1000L * 1000);
     addFile(folder, keyFile, publicFile, "1 GB", 1000L * 1000 * 1000);
     benchmark::Initialize(&argc, argv);
@@ -155,6 +109,6 @@ int main(int argc, char** argv)
         benchmark::RunSpecifiedBenchmarks();
     }
     benchmark::Shutdown();
-    run({"rm", "-r", folder});
+    runProcess({"rm", "-r", folder});
     return isUnderstood ? 0 : 1;
 }
