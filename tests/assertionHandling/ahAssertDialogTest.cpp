@@ -2,7 +2,6 @@
 #include "assertionHandling/ahAssertDialog.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <iterator>
 #include <map>
@@ -23,6 +22,7 @@
 #include "assertionHandling/ahAssertDialogIcon.h"
 #include "assertionHandling/ahDialogBasedAssertionFailureHandler.h"
 #include "platform/toolkit/gtTextConversion.h"
+#include "tests/support/tsContrast.h"
 #include "tests/support/tsWindowTest.h"
 
 namespace
@@ -734,62 +734,6 @@ TEST(DialogBytes, AreTheSameInEveryLocale)
     }
 }
 
-namespace
-{
-
-// WCAG 2.1.
-double luminance(const wxColour& colour)
-{
-    const auto linear = [](unsigned char value)
-    { return value <= 10 ? value / 255.0 / 12.92 : std::pow((value / 255.0 + 0.055) / 1.055, 2.4); };
-    return 0.2126 * linear(colour.Red()) + 0.7152 * linear(colour.Green()) + 0.0722 * linear(colour.Blue());
-}
-
-double contrast(const wxColour& one, const wxColour& other)
-{
-    const double first = luminance(one) + 0.05;
-    const double second = luminance(other) + 0.05;
-    return std::max(first, second) / std::min(first, second);
-}
-
-// What is written in a piece of the screen, and what it is written on: the commonest colour, and the one that stands
-// out most from it. The edges of letters are paler.
-struct Ink
-{
-    wxColour ground;
-    wxColour letters;
-};
-
-Ink inkOf(const wxImage& picture, const wxRect& rect)
-{
-    std::map<unsigned int, int> amounts;
-    const wxRect inside = wxRect(picture.GetSize()).Intersect(rect);
-    for (int y = inside.GetTop(); y <= inside.GetBottom(); ++y)
-    {
-        for (int x = inside.GetLeft(); x <= inside.GetRight(); ++x)
-        {
-            amounts[wxColour(picture.GetRed(x, y), picture.GetGreen(x, y), picture.GetBlue(x, y)).GetRGB()]++;
-        }
-    }
-    Ink ink = {*wxWHITE, *wxWHITE};
-    const auto commonest = std::max_element(amounts.begin(), amounts.end(),
-                                            [](const auto& a, const auto& b) { return a.second < b.second; });
-    if (commonest != amounts.end())
-    {
-        ink.ground.SetRGB(commonest->first);
-        ink.letters = ink.ground;
-    }
-    for (const auto& amount : amounts)
-    {
-        wxColour colour;
-        colour.SetRGB(amount.first);
-        ink.letters = contrast(colour, ink.ground) > contrast(ink.letters, ink.ground) ? colour : ink.letters;
-    }
-    return ink;
-}
-
-}  // namespace
-
 // By itself in the theme that the tests have anyhow; DialogContrast.IsHighInEveryTheme runs it in others.
 TEST(DialogContrast, IsHighOnTheScreen)
 {
@@ -820,7 +764,7 @@ TEST(DialogContrast, IsHighOnTheScreen)
                        return std::all_of(places.begin(), places.end(),
                                           [&](const auto& place)
                                           {
-                                              const Ink ink = inkOf(picture, place.second);
+                                              const tsInk ink = tsInkOf(picture, place.second);
                                               return ink.ground != ink.letters;
                                           });
                    })
@@ -833,23 +777,24 @@ TEST(DialogContrast, IsHighOnTheScreen)
     EXPECT_EQ(background, dialog.GetBackgroundColour());
     for (const auto& place : places)
     {
-        const Ink ink = inkOf(picture, place.second);
-        EXPECT_GE(contrast(ink.ground, ink.letters), 7)
+        const tsInk ink = tsInkOf(picture, place.second);
+        EXPECT_GE(tsContrast(ink.ground, ink.letters), 7)
             << place.first << ": " << ink.letters.GetAsString(wxC2S_HTML_SYNTAX).utf8_str() << " on "
             << ink.ground.GetAsString(wxC2S_HTML_SYNTAX).utf8_str();
     }
     for (const char* pHeading : {"Debug Assertion", "Assert Reason", "https://"})
     {
-        const Ink ink = inkOf(picture, places[pHeading]);
+        const tsInk ink = tsInkOf(picture, places[pHeading]);
         EXPECT_EQ(ink.ground, background) << pHeading;
-        EXPECT_GE(contrast(*wxBLUE, ink.ground), 7) << pHeading;
+        EXPECT_GE(tsContrast(*wxBLUE, ink.ground), 7) << pHeading;
         EXPECT_TRUE(isBlue(ink.letters.Red(), ink.letters.Green(), ink.letters.Blue())) << pHeading;
     }
     // The dialog's face is the report's.
     const wxPoint besideReport = dialog.report()->GetScreenRect().GetTopRight() + wxPoint(5, 125);
-    const wxColour face = inkOf(picture, wxRect(besideReport, wxSize(3, 3))).ground;
-    EXPECT_LT(contrast(face, background), 1.1) << face.GetAsString(wxC2S_HTML_SYNTAX).utf8_str()
-                                               << ", report: " << background.GetAsString(wxC2S_HTML_SYNTAX).utf8_str();
+    const wxColour face = tsInkOf(picture, wxRect(besideReport, wxSize(3, 3))).ground;
+    EXPECT_LT(tsContrast(face, background), 1.1)
+        << face.GetAsString(wxC2S_HTML_SYNTAX).utf8_str()
+        << ", report: " << background.GetAsString(wxC2S_HTML_SYNTAX).utf8_str();
 }
 
 TEST(DialogContrast, IsHighInEveryTheme)
