@@ -6,6 +6,7 @@
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoStateIcons.h"
 #include "host/window/hoSummary.h"
+#include "platform/toolkit/gtColours.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/headerctrl.h>
@@ -59,7 +60,8 @@ hoDocumentListCtrl::hoDocumentListCtrl(wxWindow* pParent, const hoDocumentList& 
             _pRows = pChild;
         }
     }
-    EnableAlternateRowColours();
+    gtColourAlternateRows(*this);
+    gtMakeSelectedRowsLegible(*this);
 
     _pRows->Bind(wxEVT_SIZE, &hoDocumentListCtrl::OnSize, this);
     Bind(wxEVT_LIST_COL_END_DRAG,

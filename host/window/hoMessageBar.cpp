@@ -7,6 +7,7 @@
 #include "host/window/hoDetailsDialog.h"
 #include "host/window/hoDisplayText.h"
 #include "platform/baseTools/gtNumberText.h"
+#include "platform/toolkit/gtColours.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/frame.h>
@@ -43,25 +44,33 @@ void hoMessageBar::dismiss()
 
 void hoMessageBar::show()
 {
-    // Told apart by signs and words: the desktop may give all bars one colour and no icon.
+    // Told apart by signs and words, too: colours alone do not reach everybody, and the desktop may show no icon.
     if (!_refusals.empty())
     {
-        bar().ShowMessage(wxString(wxUniChar(0x26A0)) + " " + refusalText(), wxICON_WARNING);
+        say(gtBarColour::Brown, wxString(wxUniChar(0x26A0)) + " " + refusalText(), wxICON_WARNING);
+    }
+    else if (!_result._line.empty() && _result._isAllWell)
+    {
+        say(gtBarColour::Green, wxString(wxUniChar(0x2713)) + " " + _result._line, wxICON_INFORMATION);
     }
     else if (!_result._line.empty())
     {
-        const wxString sign =
-            _result._isAllWell ? wxString(wxUniChar(0x2713)) + " " : wxUniChar(0x2717) + wxString(" Not all is well. ");
-        bar().ShowMessage(sign + _result._line, _result._isAllWell ? wxICON_INFORMATION : wxICON_ERROR);
+        say(gtBarColour::Red, wxString(wxUniChar(0x2717)) + " Not all is well. " + _result._line, wxICON_ERROR);
     }
     else if (!_keyWarning._line.empty())
     {
-        bar().ShowMessage(_keyWarning._line, wxICON_WARNING);
+        say(gtBarColour::Brown, wxString(wxUniChar(0x26A0)) + " " + _keyWarning._line, wxICON_WARNING);
     }
     else if (_pBar != nullptr && _pBar->IsShown())
     {
         _pBar->Dismiss();
     }
+}
+
+void hoMessageBar::say(gtBarColour colour, const wxString& text, int icon)
+{
+    gtColourBar(bar(), colour);
+    bar().ShowMessage(text, icon);
 }
 
 wxString hoMessageBar::refusalText() const

@@ -9,6 +9,7 @@
 #define COUNTERSIGN_HO_MESSAGE_BAR_H
 
 #include "host/window/hoSummary.h"
+#include "platform/toolkit/gtColours.h"
 
 #include <utility>
 #include <vector>
@@ -43,6 +44,7 @@ public:
 
 private:
     wxInfoBar& bar();
+    void say(gtBarColour colour, const wxString& text, int icon);
     void showRefusals();
     void OnDetails(wxCommandEvent& event);
 
