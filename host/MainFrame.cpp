@@ -5,6 +5,7 @@
 #include "host/window/hoCommands.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoDocumentDropTarget.h"
+#include "host/window/hoDropFrame.h"
 #include "host/window/hoDroppedFiles.h"
 #include "host/window/hoEncryptionDialog.h"
 #include "host/window/hoHelp.h"
@@ -12,8 +13,10 @@
 #include "host/window/hoMenuBar.h"
 #include "host/window/hoStatusBar.h"
 #include "platform/osWrappers/osProcess.h"
+#include "platform/toolkit/gtMenuTooltip.h"
 #include "platform/toolkit/gtTextConversion.h"
 
+#include <wx/msgdlg.h>
 #include <wx/sizer.h>
 
 #include <utility>
@@ -50,7 +53,8 @@ MainFrame::MainFrame()
                           }}),
       _areChangesPending(false),
       _isRecentChanged(false),
-      _isFrontWanted(false)
+      _isFrontWanted(false),
+      _isAskingToQuit(false)
 {
     // Private keys and passphrases will be in memory.
     osWriteNoCoreFiles();
@@ -94,22 +98,28 @@ void MainFrame::makeWindow()
     SetIcons(hoApplicationIcons());
     _pMenuBar = new hoMenuBar;
     SetMenuBar(_pMenuBar);
-    _pView = new hoDocumentsView(this, {[this](const gtString& path, const osFileResult& result)
-                                        {
-                                            _messageBar.addRefusal(path, result);
-                                            _isRecentChanged =
-                                                _memory.recentDocuments().remove(path) || _isRecentChanged;
-                                        },
-                                        [this](const hoDocument& document)
-                                        {
-                                            _memory.recentDocuments().add(document._path);
-                                            _isRecentChanged = true;
-                                            _memory.settings().setText("folder", document.folder());
-                                        },
-                                        [this] { showChangesSoon(); }, [this] { _messageBar.setResult(hoSummary()); }});
+    auto* pDropFrame = new hoDropFrame(this);
+    _pView = new hoDocumentsView(
+        pDropFrame,
+        {[this](const gtString& path, const osFileResult& result)
+         {
+             _messageBar.addRefusal(path, result);
+             _isRecentChanged = _memory.recentDocuments().remove(path) || _isRecentChanged;
+         },
+         [this](const hoDocument& document)
+         {
+             _memory.recentDocuments().add(document._path);
+             _isRecentChanged = true;
+             _memory.settings().setText("folder", document.folder());
+         },
+         [this] { showChangesSoon(); }, [this] { _messageBar.setResult(hoSummary()); },
+         [this] { _pStatusBar->showReason(hoWhyNoJob(documents(), _pView->amountSelected(), keys(), isAtWork())); }});
+    pDropFrame->setContents(_pView);
     _pStatusBar = new hoStatusBar(this);
     SetStatusBar(_pStatusBar);
-    SetDropTarget(new hoDocumentDropTarget(*this, [this](const hoUriList& list) { openDropped(list); }));
+    SetDropTarget(new hoDocumentDropTarget(
+        *this, [this](const hoUriList& list) { openDropped(list); },
+        [pDropFrame](bool isOver) { pDropFrame->showBorder(isOver); }));
 
     _memory.load();
     _pMenuBar->showRecentDocuments(_memory.recentDocuments().paths());
@@ -118,10 +128,11 @@ void MainFrame::makeWindow()
     _pStatusBar->showDocuments(documents(), 0);
 
     auto* pTop = new wxBoxSizer(wxVERTICAL);
-    pTop->Add(_pView, wxSizerFlags(1).Expand());
+    pTop->Add(pDropFrame, wxSizerFlags(1).Expand());
     SetSizer(pTop);
     SetMinSize(FromDIP(leastSize));
     _memory.restorePlace(*this, FromDIP(usualClientSize));
+    _memory.follow(*this);
     _pView->SetFocus();
 }
 
@@ -134,7 +145,15 @@ void MainFrame::bindCommands()
          [this](wxMenuEvent& event)
          {
              event.Skip();
-             if (event.GetMenu() != nullptr && event.GetMenu()->FindChildItem(ID_SIGN) != nullptr)
+             if (event.GetMenu() == nullptr)
+             {
+                 return;
+             }
+             for (wxMenuItem* pItem : event.GetMenu()->GetMenuItems())
+             {
+                 gtSetMenuTooltip(*pItem, whyGrey(pItem->GetId()));
+             }
+             if (event.GetMenu()->FindChildItem(ID_SIGN) != nullptr)
              {
                  // The toolkit empties the field for the menu, and brings back what it says now when that is closed.
                  const wxString reason = hoWhyNoJob(documents(), _pView->amountSelected(), keys(), isAtWork());
@@ -204,9 +223,51 @@ void MainFrame::bindEvents()
     Bind(wxEVT_CLOSE_WINDOW,
          [this](wxCloseEvent& event)
          {
+             if (event.CanVeto() && isAtWork() && !askToQuit())
+             {
+                 event.Veto();
+                 return;
+             }
              endAllJobs();
              event.Skip();
          });
+}
+
+wxString MainFrame::whyGrey(int id) const
+{
+    const bool isOfSelection = id == ID_SIGN || id == ID_TEST || id == ID_CLOSE_DOCUMENTS || id == ID_COPY_PATH;
+    const bool isSigning = id == ID_SIGN || id == ID_SIGN_ALL;
+    const bool isJob = isSigning || id == ID_TEST || id == ID_TEST_ALL;
+    const bool isOfDocuments = isOfSelection || isJob || id == ID_CLOSE_ALL_DOCUMENTS || id == wxID_SELECTALL;
+    if (isJob && keys().canTest() && !isAtWork() && isSigning && !keys().canSign())
+    {
+        return "Signing takes a private key.";
+    }
+    if (isJob && (!keys().canTest() || isAtWork()))
+    {
+        return hoWhyNoJob(documents(), 1, keys(), isAtWork());
+    }
+    if (isOfDocuments)
+    {
+        return hoWhyNoneSelected(documents(), isOfSelection ? _pView->amountSelected() : documents().size());
+    }
+    return id == ID_FORGET_KEYS && !keys().canTest() ? wxString("No key is loaded.") : wxString();
+}
+
+bool MainFrame::askToQuit()
+{
+    // A second request while the first is being decided changes nothing.
+    if (std::exchange(_isAskingToQuit, true))
+    {
+        return false;
+    }
+    wxMessageDialog question(this, "Documents are being signed or tested. Quit all the same?", "Countersign",
+                             wxOK | wxCANCEL | wxCANCEL_DEFAULT | wxICON_WARNING);
+    question.SetExtendedMessage("The signatures that are finished stay. The other documents are left as they are.");
+    question.SetOKCancelLabels("&Quit", "&Go on");
+    const bool isWanted = question.ShowModal() == wxID_OK;
+    _isAskingToQuit = false;
+    return isWanted;
 }
 
 void MainFrame::openNow(const std::vector<gtString>& paths)

@@ -62,6 +62,9 @@ public:
     // Whether documents are being signed or tested.
     bool isAtWork() const { return _signing.isAtWork(); }
 
+    // Whether the question is up that comes when the window is closed meanwhile.
+    bool isAskingToQuit() const { return _isAskingToQuit; }
+
     // Whether failed assertions come up as dialogs.
     bool hasAssertionDialogs() const { return _assertions.hasDialogs(); }
     void setAssertionDialogs(bool areOn) { _assertions.setDialogs(areOn); }
@@ -77,6 +80,10 @@ private:
     void openDropped(const hoUriList& list);
     void onKeysChanged();
     void onKeyWarning(const hoSummary& warning);
+    // Why the menus' command is grey; empty when it is not.
+    wxString whyGrey(int id) const;
+    // Whether to quit while documents are being signed or tested.
+    bool askToQuit();
     void comeToFront();
 
     // Rows and states are shown at once. Messages, status and recent documents are shown once the present event is
@@ -100,6 +107,7 @@ private:
     bool _areChangesPending;
     bool _isRecentChanged;
     bool _isFrontWanted;
+    bool _isAskingToQuit;
 };
 
 #endif

@@ -1,38 +1,80 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoDetailsDialog.h"
 
+#include "host/messages/hoMessages.h"
 #include "host/window/hoClipboard.h"
+#include "host/window/hoDisplayText.h"
+#include "host/window/hoScreenFit.h"
+#include "host/window/hoSummary.h"
+#include "platform/osWrappers/osAtomicFile.h"
+#include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/button.h>
+#include <wx/filedlg.h>
+#include <wx/msgdlg.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
+
+namespace
+{
+const wxSize usualSize(584, 370);
+const wxSize leastTextSize(200, 80);
+}  // namespace
 
 hoDetailsDialog::hoDetailsDialog(wxWindow* pParent, const wxString& title, const wxString& heading,
                                  const wxString& text)
     : wxDialog(pParent, wxID_ANY, title, wxDefaultPosition, wxDefaultSize, wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER)
 {
-    auto* pHeading = new wxStaticText(this, wxID_ANY, heading);
-    auto* pText = new wxTextCtrl(this, wxID_ANY, text, wxDefaultPosition, FromDIP(wxSize(560, 260)),
+    auto* pHeading = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(heading), wxDefaultPosition,
+                                      wxDefaultSize, wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END);
+    auto* pText = new wxTextCtrl(this, wxID_ANY, text, wxDefaultPosition, wxDefaultSize,
                                  wxTE_MULTILINE | wxTE_READONLY | wxTE_DONTWRAP);
-    auto* pCopy = new wxButton(this, wxID_COPY);
-    auto* pClose = new wxButton(this, wxID_CLOSE);
+    auto* pCopy = new wxButton(this, wxID_COPY, "&Copy");
+    auto* pSave = new wxButton(this, wxID_SAVE, "&Save...");
+    auto* pClose = new wxButton(this, wxID_CLOSE, "C&lose");
+    pHeading->SetMinSize(wxSize(1, pHeading->GetBestSize().GetHeight()));
+    pText->SetMinSize(FromDIP(leastTextSize));
     pCopy->SetToolTip("Copy the whole text to the clipboard");
+    pSave->SetToolTip("Write the whole text to a file");
     SetEscapeId(wxID_CLOSE);
     SetAffirmativeId(wxID_CLOSE);
 
     pCopy->Bind(wxEVT_BUTTON, [text](wxCommandEvent&) { hoCopyText(text); });
+    pSave->Bind(wxEVT_BUTTON, [this, text](wxCommandEvent&) { save(text); });
 
     auto* pButtons = new wxBoxSizer(wxHORIZONTAL);
     pButtons->AddStretchSpacer();
     pButtons->Add(pCopy, wxSizerFlags().Border(wxRIGHT));
+    pButtons->Add(pSave, wxSizerFlags().Border(wxRIGHT));
     pButtons->Add(pClose);
     auto* pTop = new wxBoxSizer(wxVERTICAL);
     pTop->Add(pHeading, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxTOP));
     pTop->Add(pText, wxSizerFlags(1).Expand().DoubleBorder());
     pTop->Add(pButtons, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxBOTTOM));
-    SetSizerAndFit(pTop);
+    SetSizer(pTop);
+    hoFitOnScreen(*this, FromDIP(usualSize));
     CentreOnParent();
     pClose->SetDefault();
     pClose->SetFocus();
+}
+
+void hoDetailsDialog::save(const wxString& text)
+{
+    wxFileDialog dialog(this, "Save the details", wxString(), "details.txt", "Text (*.txt)|*.txt|All files|*",
+                        wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
+    if (dialog.ShowModal() != wxID_OK)
+    {
+        return;
+    }
+    const gtString path = gtPathBytesFromText(dialog.GetPath());
+    const osWritingResult result = osWriteFileAtomically(path, gtBytesFromText(text).asStringView(), true);
+    if (!result.isOk())
+    {
+        wxMessageDialog(this,
+                        "Cannot save " + hoQuotedText(hoDisplayText(hoLastComponent(path), 60)) + ": " +
+                            gtTextFromBytes(hoWritingReason(result)) + ".",
+                        "Countersign", wxOK | wxICON_ERROR)
+            .ShowModal();
+    }
 }

@@ -5,16 +5,30 @@
 
 #include <utility>
 
-hoDocumentDropTarget::hoDocumentDropTarget(wxWindow& window, DropFunction onDrop)
+hoDocumentDropTarget::hoDocumentDropTarget(wxWindow& window, DropFunction onDrop,
+                                           std::function<void(bool isOver)> onHover)
     : wxDropTarget(new wxCustomDataObject(wxDF_FILENAME)),
       _window(window),
       _onDrop(std::move(onDrop)),
+      _onHover(std::move(onHover)),
       _pData(static_cast<wxCustomDataObject*>(GetDataObject()))
 {
 }
 
+wxDragResult hoDocumentDropTarget::OnEnter(wxCoord x, wxCoord y, wxDragResult proposed)
+{
+    _onHover(true);
+    return wxDropTarget::OnEnter(x, y, proposed);
+}
+
+void hoDocumentDropTarget::OnLeave()
+{
+    _onHover(false);
+}
+
 wxDragResult hoDocumentDropTarget::OnData(wxCoord, wxCoord, wxDragResult proposed)
 {
+    _onHover(false);
     if (!GetData())
     {
         return wxDragNone;

@@ -15,9 +15,12 @@ public:
     using DropFunction = std::function<void(const hoUriList& list)>;
 
     // onDrop is called once the other program's drag has ended, on the main thread; never after window is gone.
-    // For wxWindow::SetDropTarget, which takes the target over.
-    hoDocumentDropTarget(wxWindow& window, DropFunction onDrop);
+    // onHover: something is over the window that can be dropped, or no longer. For wxWindow::SetDropTarget, which takes
+    // the target over.
+    hoDocumentDropTarget(wxWindow& window, DropFunction onDrop, std::function<void(bool isOver)> onHover);
 
+    wxDragResult OnEnter(wxCoord x, wxCoord y, wxDragResult proposed) override;
+    void OnLeave() override;
     wxDragResult OnData(wxCoord x, wxCoord y, wxDragResult proposed) override;
 
     // What a drop of this text (text/uri-list) does.
@@ -26,6 +29,7 @@ public:
 private:
     wxWindow& _window;
     const DropFunction _onDrop;
+    const std::function<void(bool isOver)> _onHover;
     wxCustomDataObject* _pData;  // belongs to the base
 };
 

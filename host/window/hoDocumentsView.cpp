@@ -223,13 +223,23 @@ void hoDocumentsView::closeSelected()
     // The row that takes the place of the closed one is selected, so that a key pressed again closes the next.
     list().select(_documents.isEmpty() ? std::vector<std::size_t>()
                                        : std::vector<std::size_t>{std::min(rows.front(), _documents.size() - 1)});
-    _callbacks._onChange();
+    onClosed();
 }
 
 void hoDocumentsView::closeAll()
 {
     _documents.closeAll();
     list().showChanges();
+    onClosed();
+}
+
+void hoDocumentsView::onClosed()
+{
+    // A result counts documents that are no longer there.
+    if (_callbacks._onOutdated)
+    {
+        _callbacks._onOutdated();
+    }
     _callbacks._onChange();
 }
 
@@ -360,6 +370,10 @@ void hoDocumentsView::popUpMenu(const wxContextMenuEvent& event)
     if (event.GetPosition() == wxDefaultPosition && row >= 0 && list().GetItemRect(row, rect))
     {
         where = rect.GetBottomLeft();
+    }
+    if (_callbacks._onMenu)
+    {
+        _callbacks._onMenu();
     }
     list().PopupMenu(&menu, where);
 }

@@ -28,7 +28,10 @@ public:
         std::function<void(const gtString& path, const osFileResult& result)> _onRefused;  // it could not be opened
         std::function<void(const hoDocument& document)> _onOpened;  // also if it was open already
         std::function<void()> _onChange;                            // documents, their states, or what is selected
-        std::function<void()> _onOutdated = {};  // what was found of a document no longer holds; may be empty
+        // What was found of a document no longer holds, or documents are closed. May be empty.
+        std::function<void()> _onOutdated = {};
+        // A menu is about to come up. May be empty.
+        std::function<void()> _onMenu = {};
     };
 
     hoDocumentsView(wxWindow* pParent, Callbacks callbacks);
@@ -77,6 +80,7 @@ public:
 private:
     hoDocumentListCtrl& list();
     void bindList();
+    void onClosed();
     void watchFolders();
     std::vector<gtString> selectedPaths() const;
     void selectPaths(const std::vector<gtString>& absolutePaths);

@@ -7,6 +7,7 @@
 #include "host/window/hoClipboard.h"
 #include "host/window/hoDetailsDialog.h"
 #include "host/window/hoDisplayText.h"
+#include "host/window/hoScreenFit.h"
 #include "host/window/hoSummary.h"
 #include "platform/baseTools/gtNumberText.h"
 #include "platform/baseTools/gtWipe.h"
@@ -18,6 +19,13 @@
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 
+namespace
+{
+const wxSize usualSize(544, 500);
+const wxSize leastTextSize(200, 64);
+const long longestLine = 20000;  // characters: the cipher text of a key of 65,536 bits takes fewer
+}  // namespace
+
 hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
     : wxDialog(pParent, wxID_ANY, "Texts", wxDefaultPosition, wxDefaultSize, wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
       _keys(keys),
@@ -27,16 +35,18 @@ hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
       _pSaid(nullptr)
 {
     auto* pPlainLabel = new wxStaticText(this, wxID_ANY, "&Plain text");
-    _pPlain = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, FromDIP(wxSize(520, 110)), wxTE_MULTILINE);
-    _pCount = new wxStaticText(this, wxID_ANY, wxString());
+    _pPlain = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_MULTILINE);
+    _pCount = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
+                               wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END);
     auto* pCopyPlain = new wxButton(this, wxID_ANY, "Copy p&lain text");
     auto* pEncrypt = new wxButton(this, wxID_ANY, "&Encrypt");
     auto* pDecrypt = new wxButton(this, wxID_ANY, "&Decrypt");
     auto* pCipherLabel = new wxStaticText(this, wxID_ANY, "C&ipher text");
-    _pCipher = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, FromDIP(wxSize(520, 110)),
-                              wxTE_MULTILINE | wxTE_CHARWRAP);
-    auto* pCopyCipher = new wxButton(this, wxID_ANY, "Copy &cipher text");
-    _pSaid = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE);
+    _pCipher =
+        new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_MULTILINE | wxTE_DONTWRAP);
+    auto* pCopyCipher = new wxButton(this, wxID_ANY, "C&opy cipher text");
+    _pSaid = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
+                              wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END);
     wxString keysText = hoKeyText(_keys._public, false);
     keysText = keysText.empty() ? "Encrypts with the partner of the " + hoKeyText(_keys._private, true)
                                 : "Encrypts with the " + keysText;
@@ -46,10 +56,18 @@ hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
     {
         keysText = "Load a key to encrypt or decrypt.";
     }
-    auto* pKeys = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(keysText));
+    auto* pKeys = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(keysText), wxDefaultPosition,
+                                   wxDefaultSize, wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END);
     pKeys->SetName("keys");
-    auto* pClose = new wxButton(this, wxID_CLOSE);
+    auto* pClose = new wxButton(this, wxID_CLOSE, "&Close");
 
+    _pPlain->SetMinSize(FromDIP(leastTextSize));
+    _pCipher->SetMinSize(FromDIP(leastTextSize));
+    // What is too long for the dialog is cut off, and does not make it wider than a small screen.
+    for (wxStaticText* pLine : {_pCount, _pSaid, pKeys})
+    {
+        pLine->SetMinSize(wxSize(1, pLine->GetBestSize().GetHeight()));
+    }
     _pPlain->SetName("plain");
     _pCount->SetName("count");
     _pCipher->SetName("cipher");
@@ -75,7 +93,15 @@ hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
                       gtAllowBreaksInLongWords(_pPlain);
                       showCount();
                   });
-    _pCipher->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { gtAllowBreaksInLongWords(_pCipher); });
+    _pCipher->Bind(wxEVT_TEXT,
+                   [this](wxCommandEvent&)
+                   {
+                       // Broken lines get hyphens, which are no part of the cipher text. None is as long as this.
+                       if (_pCipher->GetLastPosition() > longestLine)
+                       {
+                           gtAllowBreaksInLongWords(_pCipher);
+                       }
+                   });
     pEncrypt->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { encrypt(); });
     pDecrypt->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { decrypt(); });
     pCopyPlain->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { copy(_pPlain, "plain text"); });
@@ -102,7 +128,8 @@ hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
     pTop->Add(_pSaid, row);
     pTop->Add(pKeys, row);
     pTop->Add(pButtons, wxSizerFlags().Expand().DoubleBorder());
-    SetSizerAndFit(pTop);
+    SetSizer(pTop);
+    hoFitOnScreen(*this, FromDIP(usualSize));
     CentreOnParent();
     _pPlain->SetFocus();
 }
@@ -197,6 +224,8 @@ void hoEncryptionDialog::showCount()
 void hoEncryptionDialog::say(const wxString& text)
 {
     _pSaid->SetLabelText(text);
+    // Whole where it is cut off.
+    _pSaid->SetToolTip(text);
 }
 
 // In a window of their own: what was typed above stays.

@@ -27,7 +27,7 @@
 namespace
 {
 const int pulseInterval = 50;  // milliseconds
-const int fileWidth = 380;
+const int fileWidth = 360;
 const int linesSaid = 3;
 const std::size_t mostPathCharacters = 60;
 const int bitsOffered[] = {512, 1024, 2048, 3072, 4096};

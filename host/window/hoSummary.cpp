@@ -199,6 +199,15 @@ wxString hoWhyNoJob(const hoDocumentList& documents, std::size_t amountSelected,
     {
         return "Signing takes a private key.";
     }
+    return hoWhyNoneSelected(documents, amountSelected);
+}
+
+wxString hoWhyNoneSelected(const hoDocumentList& documents, std::size_t amountSelected)
+{
+    if (documents.isEmpty())
+    {
+        return "No document is open.";
+    }
     return amountSelected == 0 ? wxString("No document is selected.") : wxString();
 }
 

@@ -40,6 +40,9 @@ wxString hoReplacementQuestion(const std::vector<hoDocument>& documents);
 // Why the selected documents cannot be signed or tested now; empty when they can.
 wxString hoWhyNoJob(const hoDocumentList& documents, std::size_t amountSelected, const hoKeyRing& keys, bool isAtWork);
 
+// Why nothing can be done with the selected documents; empty when there are some.
+wxString hoWhyNoneSelected(const hoDocumentList& documents, std::size_t amountSelected);
+
 // "3 paths copied"; empty for none.
 wxString hoCopiedText(std::size_t amountOfPaths);
 

@@ -4,6 +4,7 @@
 #include "host/window/hoDisplayText.h"
 #include "platform/toolkit/gtTextConversion.h"
 
+#include <wx/display.h>
 #include <wx/frame.h>
 
 #include <filesystem>
@@ -15,6 +16,7 @@ namespace
 {
 const std::size_t mostColumns = 20;
 const int mostColumnWidth = 10000;
+const int screenMargin = 60;  // what the desktop may keep of a screen for itself, or the window's borders take
 
 gtString placeSetting(const wxString& name)
 {
@@ -120,6 +122,68 @@ void hoWindowMemory::restorePlace(wxFrame& frame, const wxSize& usualClientSize)
     frame.SetClientSize(frame.GetClientSize());
 }
 
+// The place to go back to from a maximised window: the one that it had, or where it began maximised, the one that is
+// remembered.
+void hoWindowMemory::keepPlace(const hoSettings& before)
+{
+    const auto keep = [&](const char* pName, bool isKnown, int known)
+    {
+        const gtString name = placeSetting(pName);
+        const gtString remembered = before.text(name);
+        if (isKnown)
+        {
+            _settings.setNumber(name, known);
+        }
+        else if (!remembered.isEmpty())
+        {
+            _settings.setText(name, remembered);
+        }
+    };
+    const bool hasSize = _size._last.IsFullySpecified() && _size._last.x > 0;
+    keep("w", hasSize, _size._last.x);
+    keep("h", hasSize, _size._last.y);
+    const bool hasPlace = _place._last != wxDefaultPosition;
+    keep("x", hasPlace, _place._last.x);
+    keep("y", hasPlace, _place._last.y);
+}
+
+void hoWindowMemory::follow(wxFrame& frame)
+{
+    frame.Bind(wxEVT_SIZE,
+               [this, &frame](wxSizeEvent& event)
+               {
+                   note(frame);
+                   event.Skip();
+               });
+    frame.Bind(wxEVT_MOVE,
+               [this, &frame](wxMoveEvent& event)
+               {
+                   note(frame);
+                   event.Skip();
+               });
+    frame.Bind(wxEVT_MAXIMIZE,
+               [this, &frame](wxMaximizeEvent& event)
+               {
+                   const wxSize screen = wxDisplay(&frame).GetClientArea().GetSize();
+                   const wxSize last = _size._last + wxSize(screenMargin, screenMargin);
+                   if (frame.IsMaximized() && last.x >= screen.x && last.y >= screen.y)
+                   {
+                       _size._last = _size._before;
+                       _place._last = _place._before;
+                   }
+                   event.Skip();
+               });
+}
+
+void hoWindowMemory::note(const wxFrame& frame)
+{
+    if (frame.IsShown() && !frame.IsMaximized() && !frame.IsIconized() && !frame.IsFullScreen())
+    {
+        _size.note(frame.GetSize());
+        _place.note(frame.GetPosition());
+    }
+}
+
 void hoWindowMemory::save(const wxFrame& frame, const std::vector<int>& columnWidths)
 {
     _settings.setTexts("recent", _recent.paths());
@@ -132,7 +196,12 @@ void hoWindowMemory::save(const wxFrame& frame, const std::vector<int>& columnWi
     const bool hasItsSize = frame.GetSize().x >= frame.GetMinSize().x && frame.GetSize().y >= frame.GetMinSize().y;
     if (frame.IsShown() && !frame.IsIconized() && hasItsSize)
     {
+        const hoSettings before = _settings;
         frame.SaveGeometry(PlaceWriter(_settings));
+        if (frame.IsMaximized())
+        {
+            keepPlace(before);
+        }
     }
     const gtString file = hoUserSettingsPath();
     if (!file.isEmpty() && _canSave && !_settings.save(file))

@@ -7,11 +7,12 @@
 #include "host/documents/hoRecentDocuments.h"
 #include "host/documents/hoSettings.h"
 
+#include <wx/gdicmn.h>
+
 #include <functional>
 #include <vector>
 
 class wxFrame;
-class wxSize;
 class wxString;
 
 class hoWindowMemory
@@ -31,14 +32,39 @@ public:
     // borders and bars.
     void restorePlace(wxFrame& frame, const wxSize& usualClientSize) const;
 
+    // From now on the size and the place that the frame has while it is not maximised are the ones to remember. The
+    // frame is gone when this object goes, or before.
+    void follow(wxFrame& frame);
+
     // No widths: those that are remembered stay.
     void save(const wxFrame& frame, const std::vector<int>& columnWidths);
 
 private:
+    // What a window had last, and what it had before that. When it is maximised the desktop may tell of the size first.
+    template <class T>
+    struct History
+    {
+        T _last = T(wxDefaultCoord, wxDefaultCoord);
+        T _before = T(wxDefaultCoord, wxDefaultCoord);
+        void note(const T& present)
+        {
+            if (present != _last)
+            {
+                _before = _last;
+                _last = present;
+            }
+        }
+    };
+
+    void note(const wxFrame& frame);
+    void keepPlace(const hoSettings& before);
+
     const std::function<void(const wxString& text)> _onProblem;
     hoSettings _settings;
     hoRecentDocuments _recent;
-    bool _canSave;  // the file holds nothing that could not be read
+    History<wxSize> _size;    // of a window that is neither maximised nor an icon
+    History<wxPoint> _place;  // the same
+    bool _canSave;            // the file holds nothing that could not be read
 };
 
 #endif

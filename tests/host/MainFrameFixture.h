@@ -117,7 +117,8 @@ protected:
                           isGone = isGone || event.GetWindow() == _pFrame;
                           event.Skip();
                       });
-        _pFrame->Close();
+        // Without the question that comes in the middle of work.
+        _pFrame->Close(_pFrame->isAtWork());
         tsRunUntil("the main window is gone", [&] { return isGone; });
         _pFrame = nullptr;
     }

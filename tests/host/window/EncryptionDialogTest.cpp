@@ -13,7 +13,11 @@
 #include <wx/clipbrd.h>
 #include <wx/textctrl.h>
 
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
+
+#include <gtk/gtk.h>
 
 namespace
 {
@@ -89,6 +93,84 @@ TEST_F(TextsDialog, NeedsAKey)
                                nullptr);
                  });
     inDialog(script);
+}
+
+TEST_F(TextsDialog, HasRoomForEverything)
+{
+    startWithKey(newKeyText(512));
+    const auto expectApart = [](const char* pWhen)
+    {
+        const wxWindowList& children = tsTopModalDialog()->GetChildren();
+        for (auto one = children.begin(); one != children.end(); ++one)
+        {
+            for (auto other = std::next(one); other != children.end(); ++other)
+            {
+                EXPECT_FALSE((*one)->GetRect().Intersects((*other)->GetRect()))
+                    << pWhen << ": " << (*one)->GetLabel() << " and " << (*other)->GetLabel();
+            }
+        }
+    };
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", &isUp)
+        .perform("put a text in that is too long", [] { box("plain").SetValue(wxString('x', 900)); })
+        .waitUntil("the bytes are counted", [] { return label("count").find("too long") != std::string::npos; })
+        .perform("look, and make it small",
+                 [&]
+                 {
+                     expectApart("at first");
+                     auto* pDialog = dynamic_cast<wxDialog*>(tsTopModalDialog());
+                     pDialog->SetSize(pDialog->GetMinSize());
+                 })
+        .waitUntil("it is small",
+                   [] { return tsTopModalDialog()->GetSize().x <= tsTopModalDialog()->GetMinSize().x + 4; })
+        .perform("look", [&] { expectApart("small"); });
+    inDialog(script);
+}
+
+TEST_F(TextsDialog, GivesEachControlAMnemonicOfItsOwn)
+{
+    startWithKey(newKeyText(512));
+    std::string mnemonics;
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", &isUp)
+        .perform("read them",
+                 [&]
+                 {
+                     for (const wxWindow* pChild : tsTopModalDialog()->GetChildren())
+                     {
+                         const std::string text = pChild->GetLabel().Lower().utf8_string();
+                         const std::size_t position = text.find('&');
+                         if (position != std::string::npos && text.at(position + 1) != '&')
+                         {
+                             mnemonics += text.at(position + 1);
+                         }
+                     }
+                 });
+    inDialog(script);
+    std::sort(mnemonics.begin(), mnemonics.end());
+    EXPECT_EQ(mnemonics.size(), 7U) << mnemonics;
+    EXPECT_EQ(std::adjacent_find(mnemonics.begin(), mnemonics.end()), mnemonics.end()) << mnemonics;
+}
+
+// The toolkit puts hyphens where it breaks a word, and the cipher text is one.
+TEST_F(TextsDialog, ShowsTheCipherTextInOneLine)
+{
+    startWithKey(newKeyText(512));
+    bool isBroken = true;
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", &isUp)
+        .perform("put a long cipher text in", [] { box("cipher").SetValue(wxString('a', 4000)); })
+        .waitUntil("it is shown", [] { return box("cipher").GetLastPosition() == 4000; })
+        .perform("look for a break",
+                 [&]
+                 {
+                     auto* pView = GTK_TEXT_VIEW(gtk_bin_get_child(GTK_BIN(box("cipher").GetHandle())));
+                     GtkTextIter position;
+                     gtk_text_buffer_get_start_iter(gtk_text_view_get_buffer(pView), &position);
+                     isBroken = gtk_text_view_forward_display_line(pView, &position) != FALSE;
+                 });
+    inDialog(script);
+    EXPECT_FALSE(isBroken);
 }
 
 TEST_F(TextsDialog, EncryptsAndDecryptsByKeys)

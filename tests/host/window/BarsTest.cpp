@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: Apache-2.0
+// The bar above the documents as it is seen: its text, its sign, and its Details.
+#include "tests/host/MainFrameFixture.h"
+#include "tests/host/NewKey.h"
+
+#include "host/window/hoDetailsDialog.h"
+#include "host/window/hoDocumentDropTarget.h"
+
+#include <gmock/gmock.h>
+#include <wx/clipbrd.h>
+#include <wx/infobar.h>
+#include <wx/textctrl.h>
+
+#include <functional>
+
+#include <gtk/gtk.h>
+
+namespace
+{
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const char* const good = "\xe2\x9c\x93 ";
+const char* const bad = "\xe2\x9c\x97 ";
+const char* const warning = "\xe2\x9a\xa0 ";
+
+using Visit = std::function<void(GtkWidget*)>;
+
+void visitAll(GtkWidget* pWidget, const Visit& visit)
+{
+    visit(pWidget);
+    if (GTK_IS_CONTAINER(pWidget))
+    {
+        gtk_container_forall(
+            GTK_CONTAINER(pWidget),
+            [](GtkWidget* pChild, gpointer pVisit) { visitAll(pChild, *static_cast<const Visit*>(pVisit)); },
+            const_cast<Visit*>(&visit));
+    }
+}
+
+class Bars : public MainFrameFixture
+{
+protected:
+    wxWindow* bar() const
+    {
+        for (wxWindow* pChild : _pFrame->GetChildren())
+        {
+            if (dynamic_cast<const wxInfoBar*>(pChild) != nullptr)
+            {
+                return pChild;
+            }
+        }
+        return nullptr;
+    }
+    bool isBarShown() const { return bar() != nullptr && bar()->IsShownOnScreen(); }
+    // What its label shows, or nothing. Every character of it has a picture in the fonts that are there.
+    std::string seen() const
+    {
+        std::string text;
+        if (!isBarShown())
+        {
+            return text;
+        }
+        visitAll(bar()->GetHandle(),
+                 [&](GtkWidget* pWidget)
+                 {
+                     const bool isOfButton = gtk_widget_get_ancestor(pWidget, GTK_TYPE_BUTTON) != nullptr;
+                     if (GTK_IS_LABEL(pWidget) && gtk_widget_get_mapped(pWidget) != FALSE && !isOfButton)
+                     {
+                         text += gtk_label_get_text(GTK_LABEL(pWidget));
+                         PangoLayout* const pLayout = gtk_label_get_layout(GTK_LABEL(pWidget));
+                         EXPECT_EQ(pango_layout_get_unknown_glyphs_count(pLayout), 0) << text;
+                     }
+                 });
+        return text;
+    }
+    void clickButton(const std::string& label) const
+    {
+        wxPoint middle;
+        visitAll(bar()->GetHandle(),
+                 [&](GtkWidget* pWidget)
+                 {
+                     if (GTK_IS_BUTTON(pWidget) && gtk_button_get_label(GTK_BUTTON(pWidget)) != nullptr &&
+                         gtk_button_get_label(GTK_BUTTON(pWidget)) == label)
+                     {
+                         GtkAllocation place;
+                         gtk_widget_get_allocation(pWidget, &place);
+                         int x = 0;
+                         int y = 0;
+                         gdk_window_get_origin(gtk_widget_get_window(pWidget), &x, &y);
+                         middle = wxPoint(x + place.x + place.width / 2, y + place.y + place.height / 2);
+                     }
+                 });
+        ASSERT_NE(middle, wxPoint()) << label;
+        tsClickAt(middle);
+    }
+    void startWithKey()
+    {
+        start({"countersign-desktop", _folder.write("a.txt", "first"), _folder.write("b.txt", "second")});
+        static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
+            ->drop("file://" + _folder.write("mine.pem", newKeyText(1024)) + "\r\n");
+        tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
+        settle();
+    }
+    void work(const std::string& keys)
+    {
+        tsPressKeys(keys);
+        tsRunUntil("the work is done",
+                   [this] { return !_pFrame->isAtWork() && !_pFrame->workMessage()._line.empty(); });
+        tsRunUntil("the bar is shown", [this] { return isBarShown() && !seen().empty(); });
+    }
+    static bool areDetailsUp()
+    {
+        const auto* pDialog = dynamic_cast<hoDetailsDialog*>(tsTopModalDialog());
+        return pDialog != nullptr && tsHasKeyboard(*pDialog);
+    }
+    static bool isActive(const std::string& title)
+    {
+        std::string found;
+        tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &found);
+        return found == title + "\n";
+    }
+};
+}  // namespace
+
+TEST_F(Bars, TellGoodBadAndWhatCannotBeOpenedApart)
+{
+    startWithKey();
+    work("ctrl+shift+s");
+    EXPECT_EQ(seen(), good + std::string("2 documents: 2 signed."));
+    _folder.write("b.txt", "changed");
+    work("ctrl+shift+t");
+    EXPECT_EQ(seen(), bad + std::string("Not all is well. 2 documents: 1 good, 1 bad."));
+    openAskedFor(_folder.path("missing.txt"));
+    tsRunUntil("the bar tells of it", [this] { return seen().find("missing") != std::string::npos; });
+    EXPECT_THAT(seen(), StartsWith(warning + std::string("Cannot open")));
+}
+
+TEST_F(Bars, GoWhenADocumentOfTheirResultIsClosed)
+{
+    startWithKey();
+    work("ctrl+shift+s");
+    openAskedFor(_folder.path("a.txt"));
+    EXPECT_TRUE(isBarShown());
+    tsPressKeys("Delete");
+    tsRunUntil("the bar is gone", [this] { return !isBarShown(); });
+    EXPECT_TRUE(_pFrame->workMessage()._line.empty());
+
+    tsPressKeys("ctrl+a");
+    work("ctrl+t");
+    tsPressKeys("ctrl+shift+w");
+    tsRunUntil("the bar is gone", [this] { return !isBarShown(); });
+}
+
+TEST_F(Bars, StayWhenTheirDetailsAreClosed)
+{
+    startWithKey();
+    work("ctrl+shift+s");
+    const std::string before = seen();
+    tsScript script;
+    script.waitUntil("the details have the keyboard", areDetailsUp)
+        .perform("close them", [] { tsPressKeys("Escape"); })
+        .start();
+    clickButton("Details...");
+    tsRunUntil("the details are closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+    settle();
+    EXPECT_TRUE(isBarShown());
+    EXPECT_EQ(seen(), before);
+
+    clickButton("Dismiss");
+    tsRunUntil("the bar is gone", [this] { return !isBarShown(); });
+}
+
+TEST_F(Bars, GiveDetailsToCopyAndToSave)
+{
+    startWithKey();
+    work("ctrl+shift+s");
+    const std::string details = _pFrame->workMessage()._details.utf8_string();
+    EXPECT_THAT(details, HasSubstr(_folder.path("a.txt") + "\n"));
+    // The dialog begins in the current folder, with this name.
+    const std::string file = _folder.path("details.txt");
+    const std::filesystem::path folderBefore = std::filesystem::current_path();
+    std::filesystem::current_path(_folder.path());
+    std::string afterSaving;
+    std::string afterRefusing;
+    const auto isQuestionUp = []
+    {
+        std::string id;
+        return tsRunProgram({"xdotool", "getactivewindow"}, &id) == 0 && !id.empty() && !isActive("Countersign") &&
+               !isActive("Save the details") && !isActive("Details");
+    };
+
+    tsScript script;
+    const auto save = [&]
+    {
+        script.waitUntil("the details have the keyboard", areDetailsUp)
+            .perform("save", [] { tsClick(*wxWindow::FindWindowById(wxID_SAVE, tsTopModalDialog())); })
+            .waitUntil("the file dialog is up", [] { return isActive("Save the details"); })
+            .perform("press Return", [] { tsPressKeys("Return"); });
+    };
+    script.waitUntil("the details have the keyboard", areDetailsUp)
+        .perform("copy", [] { tsClick(*wxWindow::FindWindowById(wxID_COPY, tsTopModalDialog())); });
+    save();
+    script.waitUntil("the file is written", [&] { return std::filesystem::exists(file); })
+        .perform("put another file in its place",
+                 [&]
+                 {
+                     afterSaving = _folder.read("details.txt");
+                     _folder.write("details.txt", "kept");
+                 });
+    save();
+    script.waitUntil("the question is up", isQuestionUp)
+        .perform("refuse", [] { tsPressKeys("Escape"); })
+        .waitUntil("the file dialog is up", [] { return isActive("Save the details"); })
+        .perform("cancel",
+                 [&]
+                 {
+                     afterRefusing = _folder.read("details.txt");
+                     tsPressKeys("Escape");
+                 });
+    save();
+    script.waitUntil("the question is up", isQuestionUp)
+        .perform("agree", [] { tsPressKeys("alt+r"); })
+        .waitUntil("the details have the keyboard", areDetailsUp)
+        .perform("close them", [] { tsPressKeys("Escape"); })
+        .start();
+    clickButton("Details...");
+    tsRunUntil("the details are closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+    std::filesystem::current_path(folderBefore);
+    const wxClipboardLocker clipboard;
+    wxTextDataObject copied;
+    EXPECT_TRUE(wxTheClipboard->GetData(copied));
+    EXPECT_EQ(copied.GetText().utf8_string(), details);
+    EXPECT_EQ(afterSaving, details);
+    EXPECT_EQ(afterRefusing, "kept");
+    EXPECT_EQ(_folder.read("details.txt"), details);
+}

@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: Apache-2.0
+// The list of the documents: its menu, why commands are grey, and its order while states change.
+#include "tests/host/MainFrameFixture.h"
+#include "tests/host/NewKey.h"
+
+#include "host/window/hoDocumentDropTarget.h"
+
+#include <gmock/gmock.h>
+
+#include <gtk/gtk.h>
+
+namespace
+{
+using testing::ElementsAre;
+
+class DocumentsMenu : public MainFrameFixture
+{
+protected:
+    // Where the menu is that is up, or an empty place.
+    static wxRect menuPlace()
+    {
+        wxRect place;
+        GList* const pWindows = gtk_window_list_toplevels();
+        for (GList* pWindow = pWindows; pWindow != nullptr; pWindow = pWindow->next)
+        {
+            GtkWidget* const pWidget = GTK_WIDGET(pWindow->data);
+            if (GTK_IS_MENU(gtk_bin_get_child(GTK_BIN(pWidget))) && gtk_widget_get_mapped(pWidget) != FALSE)
+            {
+                int x = 0;
+                int y = 0;
+                gdk_window_get_origin(gtk_widget_get_window(pWidget), &x, &y);
+                place = wxRect(x, y, gtk_widget_get_allocated_width(pWidget), gtk_widget_get_allocated_height(pWidget));
+            }
+        }
+        g_list_free(pWindows);
+        return place;
+    }
+    wxRect rowPlace(long row) const
+    {
+        wxRect rect;
+        list().GetItemRect(row, rect);
+        rect.SetPosition(list().ClientToScreen(rect.GetPosition()));
+        return rect;
+    }
+    void loadKey()
+    {
+        static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
+            ->drop("file://" + _folder.write("mine.pem", newKeyText(1024)) + "\r\n");
+        tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
+        settle();
+    }
+    void work(const std::string& keys)
+    {
+        tsPressKeys(keys);
+        tsRunUntil("the work is done",
+                   [this] { return !_pFrame->isAtWork() && !_pFrame->workMessage()._line.empty(); });
+    }
+};
+}  // namespace
+
+TEST_F(DocumentsMenu, OpensAtTheRowWhenTheKeyboardCallsIt)
+{
+    start({"countersign-desktop", _folder.write("a.txt", "x"), _folder.write("b.txt", "x"), _folder.write("c.txt", "x"),
+           _folder.write("d.txt", "x")});
+    openAskedFor(_folder.path("c.txt"));
+    // The pointer is elsewhere.
+    const wxRect listRect = list().GetScreenRect();
+    tsRunProgram(
+        {"xdotool", "mousemove", std::to_string(listRect.GetRight() - 20), std::to_string(listRect.GetBottom() - 20)});
+    for (const char* pKeys : {"Menu", "shift+F10"})
+    {
+        wxRect menu;
+        tsScript script;
+        script
+            .waitUntil("the menu is up",
+                       [&]
+                       {
+                           menu = menuPlace();
+                           return !menu.IsEmpty();
+                       })
+            .perform("close it", [] { tsPressKeys("Escape"); })
+            .start();
+        tsPressKeys(pKeys);
+        tsRunUntil("the menu is closed", [&] { return script.isFinished() && menuPlace().IsEmpty(); });
+        const wxRect row = rowPlace(2);
+        // Give or take a border and the head of the columns.
+        EXPECT_NEAR(menu.y, row.GetBottom(), 32) << pKeys;
+        EXPECT_NEAR(menu.x, row.x, 16) << pKeys;
+    }
+}
+
+TEST_F(DocumentsMenu, KeepsTheOrderTrueWhileStatesChange)
+{
+    start({"countersign-desktop", _folder.write("file-10", "x"), _folder.write("file-2", "x"),
+           _folder.write("file-1", "x")});
+    loadKey();
+    const wxRect head = list().GetScreenRect();
+    // By state, then by name.
+    tsClickAt(head.GetTopLeft() + wxPoint(list().GetColumnWidth(0) + 30, 10));
+    tsRunUntil("the rows are sorted", [this] { return rows().front() == "file-1"; });
+    EXPECT_THAT(rows(), ElementsAre("file-1", "file-2", "file-10"));
+    openAskedFor(_folder.path("file-1"));
+    work("ctrl+s");
+    // Not signed comes before signed.
+    EXPECT_THAT(rows(), ElementsAre("file-2", "file-10", "file-1"));
+    EXPECT_THAT(rows(1), ElementsAre("Not signed", "Not signed", "Signed by me"));
+    EXPECT_THAT(selectedRows(), ElementsAre("file-1"));
+    openAskedFor(_folder.path("file-2"));
+    work("ctrl+s");
+    EXPECT_THAT(rows(), ElementsAre("file-10", "file-1", "file-2"));
+    EXPECT_THAT(selectedRows(), ElementsAre("file-2"));
+}
+
+TEST_F(DocumentsMenu, SaysWhyCommandsAreGrey)
+{
+    start();
+    // What the tooltip of an entry says once its menu is open.
+    const auto tooltip = [this](const char* pMenuKeys, const char* pMenu, const char* pItem)
+    {
+        openMenu(pMenuKeys);
+        const wxMenuItem* const pFound =
+            _pFrame->GetMenuBar()->FindItem(_pFrame->GetMenuBar()->FindMenuItem(pMenu, pItem));
+        char* const pText = gtk_widget_get_tooltip_text(pFound->GetMenuItem());
+        const std::string text = pText == nullptr ? "" : pText;
+        g_free(pText);
+        tsPressKeys("Escape");
+        tsPressKeys("Escape");
+        settle();
+        return text;
+    };
+    EXPECT_EQ(tooltip("alt+f", "File", "Close all"), "No document is open.");
+    EXPECT_EQ(tooltip("alt+e", "Edit", "Copy path"), "No document is open.");
+    EXPECT_EQ(tooltip("alt+k", "Key", "Forget keys"), "No key is loaded.");
+    EXPECT_EQ(tooltip("alt+s", "Signature", "Test all"), "Nothing to sign or test: open documents first.");
+    openAskedFor(_folder.write("a.txt", "x"));
+    EXPECT_EQ(tooltip("alt+s", "Signature", "Test"), "Signing and testing take a key: load one first.");
+    loadKey();
+    EXPECT_EQ(tooltip("alt+s", "Signature", "Sign"), "");
+    EXPECT_EQ(tooltip("alt+f", "File", "Close"), "");
+    EXPECT_EQ(tooltip("alt+k", "Key", "Forget keys"), "");
+    list().SetItemState(0, 0, wxLIST_STATE_SELECTED);
+    settle();
+    EXPECT_EQ(tooltip("alt+e", "Edit", "Copy path"), "No document is selected.");
+    EXPECT_EQ(tooltip("alt+s", "Signature", "Sign"), "No document is selected.");
+    EXPECT_EQ(tooltip("alt+s", "Signature", "Sign all"), "");
+}
+
+TEST_F(DocumentsMenu, ShowsTheTooltipOfAGreyCommand)
+{
+    start();
+    openMenu("alt+k");
+    tsRunUntil("the menu is up", [] { return !menuPlace().IsEmpty(); });
+    const wxRect menu = menuPlace();
+    const auto isTooltipUp = []
+    {
+        bool isUp = false;
+        GList* const pWindows = gtk_window_list_toplevels();
+        for (GList* pWindow = pWindows; pWindow != nullptr; pWindow = pWindow->next)
+        {
+            GtkWidget* const pWidget = GTK_WIDGET(pWindow->data);
+            isUp = isUp || (gtk_window_get_type_hint(GTK_WINDOW(pWidget)) == GDK_WINDOW_TYPE_HINT_TOOLTIP &&
+                            gtk_widget_get_mapped(pWidget) != FALSE);
+        }
+        g_list_free(pWindows);
+        return isUp;
+    };
+    EXPECT_FALSE(isTooltipUp());
+    // The last entry, Forget keys.
+    for (const int distance : {0, 3})
+    {
+        tsRunProgram({"xdotool", "mousemove", std::to_string(menu.x + menu.width / 2 + distance),
+                      std::to_string(menu.GetBottom() - 18)});
+        tsRunEvents();
+    }
+    tsRunUntil("the tooltip is up", isTooltipUp);
+    tsPressKeys("Escape");
+    tsPressKeys("Escape");
+    settle();
+}
