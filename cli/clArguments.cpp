@@ -3,11 +3,13 @@
 
 #include <algorithm>
 #include <charconv>
+#include <map>
 #include <string>
 #include <string_view>
 
 #include <CLI/CLI.hpp>
 
+#include "cli/clHelpLayout.h"
 #include "cli/clPrintableName.h"
 #include "cli/clSplitArguments.h"
 #include "countersignVersion.h"
@@ -38,10 +40,10 @@ gtString unmarked(std::string_view argument)
 }
 
 const char* const mainFooter = R"(Examples:
-  countersign sign --key private.pem report.pdf        writes report.pdf.sig
-  countersign test --key public.pem report.pdf         tells whether report.pdf is still the same
-  countersign encrypt --key public.pem < note.txt      prints the cipher text
-  countersign help sign                                tells the options of a command
+  countersign sign --key private.pem report.pdf     writes report.pdf.sig
+  countersign test --key public.pem report.pdf      tells whether it is the same
+  countersign encrypt --key public.pem < note.txt   prints the cipher text
+  countersign help sign                             tells a command's options
 
 Make a pair of keys, alice.pem and alice.pub.pem:
   countersign keygen --output alice
@@ -52,7 +54,7 @@ countersignature (RSASSA-PSS with SHA-256), which openssl can check, too. Texts 
 
 const char* const signFooter = R"(Examples:
   countersign sign --key private.pem *.iso
-  countersign sign --key private.pem --output - report.pdf > signatures/report.sig
+  countersign sign --key private.pem --output - report.pdf > report.sig
   countersign sign --key private.pem -- -odd-name
   tar -c folder | countersign sign --key private.pem --output folder.sig -
 
@@ -63,18 +65,19 @@ tests weak.)";
 
 const char* const testFooter = R"(Examples:
   countersign test --key public.pem *.iso
-  countersign test --key public.pem --signature signatures/report.sig report.pdf
+  countersign test --key public.pem --signature report.sig report.pdf
   countersign test --key alice.pem --key bob.pem --key-dir keys report.pdf
 
 One key is required, by --key or --key-dir. In a folder of keys the files that hold none are passed over.
 
 Prints one line a file with the verdict, and on standard error what is behind it:
-  good              both lines of the signature hold                                    status 0
-  BAD               the signature is the key's, the file is another                     status 1
-  weak              the digest holds, and there is no countersignature       status 2, or 0 with --accept-weak
-  another key       the signature is not this key's                                     status 2
-  not a signature   FILE.sig is damaged, or of another program                          status 2
-  not signed, missing, unreadable, changed while read, not tested                       status 2
+  good              both lines of the signature hold                  status 0
+  BAD               the signature is the key's, the file is another   status 1
+  weak              the digest holds, there is no countersignature    status 2
+  another key       the signature is not this key's                   status 2
+  not a signature   FILE.sig is damaged, or of another program        status 2
+  not signed, missing, unreadable, changed while read, not tested     status 2
+With --accept-weak the status of a weak signature is 0.
 With many files the status is the highest.)";
 
 const char* const encryptFooter = R"(Examples:
@@ -89,7 +92,8 @@ bits.)";
 
 const char* const decryptFooter = R"(Examples:
   countersign decrypt --key private.pem < note.cipher
-  printf 'at noon' | countersign encrypt --key public.pem | countersign decrypt --key private.pem
+  countersign encrypt --key public.pem < note.txt |
+      countersign decrypt --key private.pem
 
 The text is printed byte by byte; a line end is added on a terminal only. Exit status 1: another key's, or damaged.)";
 
@@ -152,6 +156,7 @@ private:
     void addJson(CLI::App* pCommand);
     static clCommandShape shapeOf(const CLI::App& app, const std::string& name);
     std::vector<clCommandShape> shapes() const;
+    static gtString helpOf(const CLI::App& app);
     clArguments textFor(const clSplitArguments& arguments) const;
     void takeNewKey(clArguments& result) const;
     void takeJobs(clArguments& result, const gtString& command) const;
@@ -189,7 +194,7 @@ Parser::Parser()
     _app.require_subcommand(1);
     _app.set_help_flag("-h,--help", "Print this help and end");
     _app.set_version_flag("-V,--version", "countersign " COUNTERSIGN_VERSION, "Print the version and end");
-    _app.footer(mainFooter);
+    _app.footer(clFillParagraphs(mainFooter));
 
     CLI::App* pSign = addCommand(clCommand::Sign, "sign", "Sign files: write FILE.sig beside each FILE", signFooter,
                                  "The private key, a PEM file");
@@ -245,7 +250,7 @@ CLI::App* Parser::addCommand(clCommand command, const std::string& name, const s
 {
     CLI::App* pCommand = _app.add_subcommand(name, description);
     pCommand->set_help_flag("-h,--help", "Print this help and end");
-    pCommand->footer(footer);
+    pCommand->footer(clFillParagraphs(footer));
     CLI::Option* const pKeys = pCommand->add_option("-k,--key", _values._keyPaths, keyDescription);
     pKeys->type_name("PEM")->allow_extra_args(false);
     if (command == clCommand::Test)
@@ -270,7 +275,7 @@ void Parser::addKeygen()
 {
     CLI::App* pCommand = _app.add_subcommand("keygen", "Make a pair of keys: NAME.pem and NAME.pub.pem");
     pCommand->set_help_flag("-h,--help", "Print this help and end");
-    pCommand->footer(keygenFooter);
+    pCommand->footer(clFillParagraphs(keygenFooter));
     pCommand->add_option("-b,--bits", _values._bits, "The size: a multiple of 32 from 512 to 4096; 2048 without it")
         ->type_name("N");
     pCommand->add_option("-o,--output", _values._newKeyName, "The files' name; countersign-key without it")
@@ -352,6 +357,29 @@ std::vector<clCommandShape> Parser::shapes() const
     return result;
 }
 
+// The parser's text, with what is required in the line that tells the usage.
+gtString Parser::helpOf(const CLI::App& app)
+{
+    static const std::map<std::string, std::string> usages = {
+        {"countersign", "countersign COMMAND [OPTION...] [ARGUMENT...]"},
+        {"sign", "countersign sign --key PEM [OPTION...] FILE..."},
+        {"test", "countersign test {--key PEM | --key-dir DIR} [OPTION...] FILE..."},
+        {"encrypt", "countersign encrypt --key PEM [OPTION...] [TEXT]"},
+        {"decrypt", "countersign decrypt --key PEM [OPTION...] [TEXT]"},
+        {"key", "countersign key --key PEM [OPTION...]"},
+        {"keygen", "countersign keygen [OPTION...]"},
+        {"digest", "countersign digest --key PEM [OPTION...] FILE..."},
+    };
+    std::string text = app.help();
+    const std::string begin = "\nUsage: ";
+    const std::size_t usage = text.find(begin) + begin.size();
+    text.replace(usage, text.find('\n', usage) - usage, usages.at(app.get_name()));
+    text = clFitLines(text);
+    // Behind the footer there are two.
+    text.erase(text.find_last_not_of('\n') + 2);
+    return gtString(text);
+}
+
 clArguments Parser::textFor(const clSplitArguments& arguments) const
 {
     clArguments result;
@@ -363,7 +391,7 @@ clArguments Parser::textFor(const clSplitArguments& arguments) const
     }
     const CLI::App* const pApp =
         arguments._command.isEmpty() ? &_app : _app.get_subcommand(arguments._command.asStdString());
-    result._text = pApp->help();
+    result._text = helpOf(*pApp);
     return result;
 }
 
@@ -373,7 +401,7 @@ clArguments Parser::parse(const std::vector<gtString>& arguments)
     if (arguments.empty())
     {
         clArguments result;
-        result._text = gtString("countersign: ").append(split._wrong).append("\n\n").append(_app.help());
+        result._text = gtString("countersign: ").append(split._wrong).append("\n\n").append(helpOf(_app));
         return result;
     }
     if (!split._wrong.isEmpty())

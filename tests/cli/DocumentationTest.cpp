@@ -178,6 +178,40 @@ TEST(Documentation, HelpNamesEveryCommandWithExamples)
     }
 }
 
+TEST(Documentation, HelpFitsATerminalAndShowsWhatIsRequired)
+{
+    EXPECT_NE(help({}).find("\nUsage: countersign COMMAND "), std::string::npos);
+    for (const std::string& command : commands)
+    {
+        const std::string text = help({command});
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);)
+        {
+            EXPECT_LE(line.size(), 80U) << command << ": " << line;
+        }
+        const std::size_t usage = text.find("\nUsage: countersign " + command + " ");
+        ASSERT_NE(usage, std::string::npos) << text;
+        const std::string usageLine = text.substr(usage + 1, text.find('\n', usage + 1) - usage - 1);
+        // Without it each command says that it is missing.
+        for (const char* pRequired : {"--key PEM", " FILE..."})
+        {
+            const bool isFile = pRequired[0] == ' ';
+            const std::string complaint = isFile ? "no FILE is named" : "--key PEM";
+            const tsOutcome without =
+                isFile ? tsRun({COUNTERSIGN_PROGRAM, command, "-k", "k"}) : tsRun({COUNTERSIGN_PROGRAM, command, "f"});
+            EXPECT_EQ(usageLine.find(pRequired) != std::string::npos,
+                      without._errors.find(complaint) != std::string::npos)
+                << usageLine << "\n"
+                << without._errors;
+        }
+    }
+    std::istringstream lines(help({}));
+    for (std::string line; std::getline(lines, line);)
+    {
+        EXPECT_LE(line.size(), 80U) << line;
+    }
+}
+
 TEST(Documentation, ManualTellsTheSameOptions)
 {
     const std::string text = manual();
