@@ -340,6 +340,41 @@ TEST_P(CompletionIn, OffersFiles)
 INSTANTIATE_TEST_SUITE_P(Documentation, CompletionIn, ::testing::ValuesIn(otherShells),
                          [](const ::testing::TestParamInfo<Shell>& parameter) { return parameter.param._name; });
 
+TEST(Documentation, ManualsExamplesWork)
+{
+    std::string text = manual();
+    const std::string begin = ".SH EXAMPLES\n.nf\n";
+    const std::size_t examples = text.find(begin);
+    ASSERT_NE(examples, std::string::npos);
+    text = text.substr(examples + begin.size(), text.find("\n.fi", examples) - examples - begin.size());
+    const std::pair<std::string, std::string> written[] = {
+        {"\\(aq", "'"},
+        {"\\e", "\\"},
+        // It would ask for one.
+        {"keygen --output", "keygen --no-passphrase --output"},
+    };
+    for (const auto& [before, after] : written)
+    {
+        ASSERT_NE(text.find(before), std::string::npos) << before;
+        for (std::size_t found = text.find(before); found != std::string::npos; found = text.find(before, found))
+        {
+            text.replace(found, before.size(), after);
+            found += after.size();
+        }
+    }
+    const TemporaryFolder folder;
+    folder.write("report.pdf", "contents");
+    tsCommand bash;
+    bash._arguments = {"bash", "-e", "-c", text};
+    bash._folder = folder.path();
+    bash._prepare = putProgramOnPath;
+    const tsOutcome outcome = tsRun(bash);
+    EXPECT_EQ(outcome._exitStatus, 0) << outcome._errors;
+    EXPECT_NE(outcome._output.find("report.pdf: signed, report.pdf.sig\nreport.pdf: good\nVerified OK\nat noon"),
+              std::string::npos)
+        << outcome._output;
+}
+
 class ReadmeExamples : public ::testing::TestWithParam<const char*>
 {
 };
