@@ -20,10 +20,16 @@ function __countersign_has_no_command
     test -z (__countersign_command)
 end
 
+# The lines of the help of a command, those joined that are one.
+function __countersign_help
+    set -l text (command countersign help $argv 2>/dev/null | string collect)
+    string replace -ar '\n {11,}' ' ' -- "$text" | string split \n
+end
+
 # Offers the options that the help of the first word tells of, behind any of the words.
 function __countersign_add_options
     set -l condition "__countersign_has_command $argv"
-    for line in (command countersign help $argv[1] 2>/dev/null)
+    for line in (__countersign_help $argv[1])
         if string match -q -- '  FILE*' $line
             complete -c countersign -n $condition -F
             continue
@@ -57,7 +63,7 @@ or return
 complete -c countersign -f
 complete -c countersign -n __countersign_has_no_command -s h -l help -d 'Print the help and end'
 complete -c countersign -n __countersign_has_no_command -s V -l version -d 'Print the version and end'
-for line in (command countersign help 2>/dev/null)
+for line in (__countersign_help)
     set -l parts (string match -r -- '^  ([a-z]+)  +([A-Z].*)$' $line)
     or continue
     complete -c countersign -n '__countersign_has_no_command; or __countersign_has_command help' -a $parts[2] -d $parts[3]

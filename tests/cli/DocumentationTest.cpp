@@ -337,6 +337,23 @@ TEST_P(CompletionIn, OffersFiles)
     EXPECT_EQ(files("keygen f"), Options{});
 }
 
+TEST(Documentation, CompletionSaysWhatTheHelpDoes)
+{
+    if (!isThere("fish"))
+    {
+        GTEST_SKIP() << "there is no fish here";
+    }
+    // More than a line of the help.
+    tsCommand fish;
+    fish._arguments = {"fish", "--no-config", "-c",
+                       "source $argv[1]/cli/completion/countersign.fish; complete -C 'countersign sign --output'",
+                       COUNTERSIGN_SOURCE};
+    fish._prepare = putProgramOnPath;
+    EXPECT_EQ(tsRun(fish)._output,
+              "--output\tWhere the signature of a single FILE goes instead; - for standard output, "
+              "also of many\n");
+}
+
 INSTANTIATE_TEST_SUITE_P(Documentation, CompletionIn, ::testing::ValuesIn(otherShells),
                          [](const ::testing::TestParamInfo<Shell>& parameter) { return parameter.param._name; });
 
