@@ -10,6 +10,7 @@
 #include "host/window/hoEncryptionDialog.h"
 #include "host/window/hoHelp.h"
 #include "host/window/hoIcons.h"
+#include "host/window/hoKeyInformationDialog.h"
 #include "host/window/hoMenuBar.h"
 #include "host/window/hoStatusBar.h"
 #include "platform/osWrappers/osProcess.h"
@@ -35,7 +36,13 @@ MainFrame::MainFrame()
       _memory([this](const wxString& text) { _pStatusBar->showNotice(text); }),
       _keys(*this, _memory.settings(),
             {[this] { onKeysChanged(); }, [this](const hoSummary& warning) { onKeyWarning(warning); },
-             [this](const wxString& text) { _pStatusBar->showNotice(text); }}),
+             [this](const wxString& text) { _pStatusBar->showNotice(text); },
+             [this](const gtString& path)
+             {
+                 _memory.recentKeys().add(path);
+                 _isRecentChanged = true;
+                 showChangesSoon();
+             }}),
       _signing(*this, _keys.keys(),
                {[this] { _messageBar.dismiss(); },
                 [this](const std::vector<hoSigningOutcome>& outcomes) { _pView->showOutcomes(outcomes); },
@@ -123,6 +130,7 @@ void MainFrame::makeWindow()
 
     _memory.load();
     _pMenuBar->showRecentDocuments(_memory.recentDocuments().paths());
+    _pMenuBar->showRecentKeys(_memory.recentKeys().paths());
     _pView->setColumnWidths(_memory.columnWidths());
     _pStatusBar->showKeys(keys());
     _pStatusBar->showDocuments(documents(), 0);
@@ -186,6 +194,17 @@ void MainFrame::bindCommands()
     on(ID_LOAD_PUBLIC_KEY, [this] { _keys.chooseKey(Half::Public); });
     on(ID_NEW_KEY_PAIR, [this] { _keys.makeKeyPair(); });
     on(ID_TEXTS, [this] { hoEncryptionDialog(this, keys()).ShowModal(); });
+    on(ID_KEY_INFORMATION, [this] { hoKeyInformationDialog(this, keys()).ShowModal(); });
+    Bind(
+        wxEVT_MENU, [this](wxCommandEvent& event) { loadRecentKey(event.GetId() - ID_RECENT_KEY_FIRST); },
+        ID_RECENT_KEY_FIRST, ID_RECENT_KEY_LAST);
+    on(ID_CLEAR_RECENT_KEYS,
+       [this]
+       {
+           _memory.recentKeys().clear();
+           _isRecentChanged = true;
+           showChangesSoon();
+       });
     on(ID_FORGET_KEYS, [this] { _keys.setKeys(hoKeyRing()); });
 
     on(ID_SIGN, [this] { _signing.begin(Kind::Sign, _pView->documentsToProcess(false)); });
@@ -251,7 +270,8 @@ wxString MainFrame::whyGrey(int id) const
     {
         return hoWhyNoneSelected(documents(), isOfSelection ? _pView->amountSelected() : documents().size());
     }
-    return id == ID_FORGET_KEYS && !keys().canTest() ? wxString("No key is loaded.") : wxString();
+    const bool isOfKeys = id == ID_FORGET_KEYS || id == ID_KEY_INFORMATION;
+    return isOfKeys && !keys().canTest() ? wxString("No key is loaded.") : wxString();
 }
 
 bool MainFrame::askToQuit()
@@ -285,6 +305,17 @@ void MainFrame::OnRecent(wxCommandEvent& event)
     if (number < _memory.recentDocuments().paths().size())
     {
         openNow({_memory.recentDocuments().paths()[number]});
+    }
+}
+
+void MainFrame::loadRecentKey(int number)
+{
+    const std::vector<gtString>& paths = _memory.recentKeys().paths();
+    if (number >= 0 && static_cast<std::size_t>(number) < paths.size())
+    {
+        // A copy: the list changes when the key is loaded.
+        const gtString path = paths[static_cast<std::size_t>(number)];
+        _keys.loadKey(path, hoKeyController::Half::Any);
     }
 }
 
@@ -347,6 +378,7 @@ void MainFrame::showChangesNow()
     if (std::exchange(_isRecentChanged, false))
     {
         _pMenuBar->showRecentDocuments(_memory.recentDocuments().paths());
+        _pMenuBar->showRecentKeys(_memory.recentKeys().paths());
         _memory.save(*this, _pView->columnWidths());
     }
 }

@@ -78,6 +78,7 @@ private:
 
     void openNow(const std::vector<gtString>& paths);
     void openDropped(const hoUriList& list);
+    void loadRecentKey(int number);
     void onKeysChanged();
     void onKeyWarning(const hoSummary& warning);
     // Why the menus' command is grey; empty when it is not.

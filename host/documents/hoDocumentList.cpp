@@ -65,6 +65,11 @@ struct SortKey
 };
 
 // That came of looking into the signature, and mostly into the document.
+bool isUnreadable(hoDocumentState state)
+{
+    return state == hoDocumentState::CannotBeRead || state == hoDocumentState::Missing;
+}
+
 bool isVerdict(hoDocumentState state)
 {
     switch (state)
@@ -168,9 +173,10 @@ bool hoDocumentList::refresh(std::size_t position)
     hoDocument& document = _documents[position];
     osFileFacts facts = document._facts;
     hoDocumentState state = document._verdict._state;
-    if (!osReadFileFacts(document._path, facts).isOk())
+    const osFileResult result = osReadFileFacts(document._path, facts);
+    if (!result.isOk())
     {
-        state = hoDocumentState::CannotBeRead;
+        state = result._problem == osFileProblem::NotThere ? hoDocumentState::Missing : hoDocumentState::CannotBeRead;
     }
     else if (!isVerdict(state) && state != hoDocumentState::Changed)
     {
@@ -201,7 +207,7 @@ void hoDocumentList::forgetStates()
     // Nothing is left of any verdict before anything that may fail.
     for (hoDocument& document : _documents)
     {
-        if (document._verdict._state != hoDocumentState::CannotBeRead)
+        if (!isUnreadable(document._verdict._state))
         {
             document._verdict = hoDocumentVerdict();
             document._verdict._state = hoDocumentState::NotTested;
@@ -209,7 +215,7 @@ void hoDocumentList::forgetStates()
     }
     for (hoDocument& document : _documents)
     {
-        if (document._verdict._state != hoDocumentState::CannotBeRead)
+        if (!isUnreadable(document._verdict._state))
         {
             document._verdict._state = stateWithoutVerdict(document);
         }

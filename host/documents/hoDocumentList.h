@@ -52,7 +52,7 @@ public:
     Opening open(const gtString& path);
 
     // Looks at the document's file and at its signature again. A state that was found with other ones becomes Changed,
-    // or CannotBeRead when the file is gone; a file that is back is NotTested or NotSigned. Whether anything is other
+    // or Missing when the file is gone; a file that is back is NotTested or NotSigned. Whether anything is other
     // than before.
     bool refresh(std::size_t position);
 

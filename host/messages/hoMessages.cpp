@@ -403,6 +403,8 @@ gtString hoStateText(hoDocumentState state, bool canTest)
         return "Changed since";
     case hoDocumentState::CannotBeRead:
         return "Cannot be read";
+    case hoDocumentState::Missing:
+        return "Missing";
     }
     return gtString();
 }

@@ -18,7 +18,8 @@ enum class hoDocumentState
     AnotherKey,     // it is not a loaded key's
     NotASignature,  // what is beside it is nothing that this program writes
     Changed,        // the document or its signature has changed since one of the six above was found
-    CannotBeRead    // the document is gone, or cannot be read
+    CannotBeRead,   // the document is there, and cannot be read
+    Missing         // there is no such file
 };
 
 // A state, and the files that it was found with.

@@ -41,7 +41,7 @@ hoDocumentState stateOf(const hoTestFacts& facts, bool isMine)
     case hoVerdict::NotSigned:
         return hoDocumentState::NotSigned;
     case hoVerdict::Missing:
-        return hoDocumentState::CannotBeRead;
+        return hoDocumentState::Missing;
     case hoVerdict::Unreadable:
         // The document cannot be read, or its signature.
         return facts.isOk() ? hoDocumentState::NotTested : hoDocumentState::CannotBeRead;

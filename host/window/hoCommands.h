@@ -18,6 +18,8 @@ enum hoCommand
     ID_LOAD_PUBLIC_KEY,
     ID_NEW_KEY_PAIR,
     ID_TEXTS,
+    ID_KEY_INFORMATION,
+    ID_CLEAR_RECENT_KEYS,
     ID_FORGET_KEYS,
     ID_SIGN,
     ID_SIGN_ALL,
@@ -28,7 +30,9 @@ enum hoCommand
     ID_ASSERTION_REPORT,
     ID_SHOW_DETAILS,
     ID_RECENT_FIRST,
-    ID_RECENT_LAST = ID_RECENT_FIRST + static_cast<int>(hoRecentDocuments::mostDocuments) - 1
+    ID_RECENT_LAST = ID_RECENT_FIRST + static_cast<int>(hoRecentDocuments::mostDocuments) - 1,
+    ID_RECENT_KEY_FIRST,
+    ID_RECENT_KEY_LAST = ID_RECENT_KEY_FIRST + static_cast<int>(hoRecentDocuments::mostDocuments) - 1
 };
 
 #endif

@@ -30,9 +30,9 @@ hoDetailsDialog::hoDetailsDialog(wxWindow* pParent, const wxString& title, const
                                       wxDefaultSize, wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END);
     auto* pText = new wxTextCtrl(this, wxID_ANY, text, wxDefaultPosition, wxDefaultSize,
                                  wxTE_MULTILINE | wxTE_READONLY | wxTE_DONTWRAP);
-    auto* pCopy = new wxButton(this, wxID_COPY, "&Copy");
+    auto* pCopy = new wxButton(this, wxID_COPY, "Copy &all");
     auto* pSave = new wxButton(this, wxID_SAVE, "&Save...");
-    auto* pClose = new wxButton(this, wxID_CLOSE, "C&lose");
+    auto* pClose = new wxButton(this, wxID_CLOSE);
     pHeading->SetMinSize(wxSize(1, pHeading->GetBestSize().GetHeight()));
     pText->SetMinSize(FromDIP(leastTextSize));
     pCopy->SetToolTip("Copy the whole text to the clipboard");

@@ -9,6 +9,7 @@
 #include "host/window/hoMenuBar.h"
 #include "platform/toolkit/gtTextConversion.h"
 
+#include <wx/button.h>
 #include <wx/filedlg.h>
 #include <wx/panel.h>
 #include <wx/settings.h>
@@ -34,15 +35,45 @@ wxPanel* makeEmptyPage(wxWindow* pParent)
 {
     auto* pPage = new wxPanel(pParent);
     auto* pPicture = new wxStaticBitmap(pPage, wxID_ANY, hoApplicationPicture().GetBitmap(pPage->FromDIP(pictureSize)));
-    auto* pLine = new wxStaticText(pPage, wxID_ANY, "Drop documents here, or choose File > Open (Ctrl+O).");
-    pLine->SetName("emptyLine");
+    struct Step
+    {
+        const char* _text;
+        int _command;
+        const char* _button;
+    };
+    const Step steps[] = {
+        {"1.  Load a key: a private one to sign, a public one to test.", ID_LOAD_PRIVATE_KEY, "Load &private key..."},
+        {"", ID_LOAD_PUBLIC_KEY, "Load p&ublic key..."},
+        {"", ID_NEW_KEY_PAIR, "&New key pair..."},
+        {"2.  Drop documents here, or choose File > Open (Ctrl+O).", wxID_OPEN, "&Open documents..."},
+        {"3.  Sign them (Ctrl+S), or test their signatures (Ctrl+T).", wxID_NONE, nullptr},
+    };
     pPage->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
-    pLine->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOXTEXT));
+    auto* pSteps = new wxFlexGridSizer(2, pPage->FromDIP(wxSize(24, 6)));
+    for (const Step& step : steps)
+    {
+        auto* pText = new wxStaticText(pPage, wxID_ANY, step._text);
+        pText->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOXTEXT));
+        pSteps->Add(pText, wxSizerFlags().CentreVertical());
+        if (step._command == wxID_OPEN)
+        {
+            pText->SetName("emptyLine");
+        }
+        if (step._button == nullptr)
+        {
+            continue;
+        }
+        auto* pButton = new wxButton(pPage, step._command, step._button);
+        // What the menu's entry does.
+        pButton->Bind(wxEVT_BUTTON, [pPage, command = step._command](wxCommandEvent&)
+                      { pPage->GetEventHandler()->QueueEvent(new wxCommandEvent(wxEVT_MENU, command)); });
+        pSteps->Add(pButton, wxSizerFlags().Expand());
+    }
 
     auto* pTop = new wxBoxSizer(wxVERTICAL);
     pTop->AddStretchSpacer(2);
     pTop->Add(pPicture, wxSizerFlags().CentreHorizontal());
-    pTop->Add(pLine, wxSizerFlags().CentreHorizontal().TripleBorder());
+    pTop->Add(pSteps, wxSizerFlags().CentreHorizontal().TripleBorder());
     pTop->AddStretchSpacer(3);
     pPage->SetSizer(pTop);
     return pPage;

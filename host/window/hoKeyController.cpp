@@ -76,6 +76,10 @@ void hoKeyController::loadKey(const gtString& path, Half half)
     }
     (isPrivate ? keys._private : keys._public) = loaded;
     setKeys(keys);
+    if (_callbacks._onLoaded)
+    {
+        _callbacks._onLoaded(path);
+    }
     const hoSummary warning = isPrivate ? hoKeyWarning(loaded) : hoSummary();
     if (!warning._line.empty())
     {

@@ -27,6 +27,7 @@ public:
         std::function<void()> _onChange;                           // of the keys
         std::function<void(const hoSummary& warning)> _onWarning;  // about a private key that has just been loaded
         std::function<void(const wxString& text)> _onNotice;
+        std::function<void(const gtString& path)> _onLoaded = {};  // from this file; may be empty
     };
 
     // The parent of the dialogs and the settings must outlive this object. The settings keep the folder of the last

@@ -32,12 +32,15 @@ wxMenu* makeEditMenu()
     return pMenu;
 }
 
-wxMenu* makeKeyMenu()
+wxMenu* makeKeyMenu(wxMenu* pRecentMenu)
 {
     auto* pMenu = new wxMenu;
     pMenu->Append(ID_LOAD_PRIVATE_KEY, "Load p&rivate key...\tCtrl+K", "Load the key that signs, from a PEM file");
     pMenu->Append(ID_LOAD_PUBLIC_KEY, "Load p&ublic key...\tCtrl+Shift+K",
                   "Load the key that tests somebody's signatures, from a PEM file");
+    pMenu->AppendSubMenu(pRecentMenu, "Load r&ecent key", "Load a key that was loaded before");
+    pMenu->Append(ID_KEY_INFORMATION, "&Information...\tCtrl+I",
+                  "Show size and fingerprint of the loaded keys, and export the public half");
     pMenu->AppendSeparator();
     pMenu->Append(ID_NEW_KEY_PAIR, "&New key pair...", "Make a private key and its public partner");
     pMenu->Append(ID_TEXTS, "&Texts...\tCtrl+E", "Encrypt and decrypt short texts with the loaded keys");
@@ -76,28 +79,15 @@ wxMenu* makeHelpMenu()
     pMenu->Append(wxID_ABOUT, "&About Countersign", "What this application is, and what it is not");
     return pMenu;
 }
-}  // namespace
-
-hoMenuBar::hoMenuBar() : _pRecentMenu(new wxMenu)
+void fill(wxMenu& menu, const std::vector<gtString>& paths, int firstId, int clearId, const wxString& clearHelp)
 {
-    Append(makeFileMenu(_pRecentMenu), "&File");
-    Append(makeEditMenu(), "&Edit");
-    Append(makeKeyMenu(), "&Key");
-    Append(makeSignatureMenu(), "&Signature");
-    Append(makeDeveloperMenu(), "&Developer");
-    Append(makeHelpMenu(), "&Help");
-    showRecentDocuments({});
-}
-
-void hoMenuBar::showRecentDocuments(const std::vector<gtString>& paths)
-{
-    while (_pRecentMenu->GetMenuItemCount() > 0)
+    while (menu.GetMenuItemCount() > 0)
     {
-        _pRecentMenu->Destroy(_pRecentMenu->FindItemByPosition(0));
+        menu.Destroy(menu.FindItemByPosition(0));
     }
     if (paths.empty())
     {
-        _pRecentMenu->Append(ID_CLEAR_RECENT, "None yet")->Enable(false);
+        menu.Append(clearId, "None yet")->Enable(false);
         return;
     }
     int number = 0;
@@ -105,11 +95,34 @@ void hoMenuBar::showRecentDocuments(const std::vector<gtString>& paths)
     {
         const wxString label = hoDisplayText(path, mostPathCharacters);
         const wxString mnemonic = number < 9 ? wxString::Format("&%d  ", number + 1) : wxString("1&0  ");
-        _pRecentMenu->Append(ID_RECENT_FIRST + number, mnemonic + wxControl::EscapeMnemonics(label));
+        menu.Append(firstId + number, mnemonic + wxControl::EscapeMnemonics(label));
         ++number;
     }
-    _pRecentMenu->AppendSeparator();
-    _pRecentMenu->Append(ID_CLEAR_RECENT, "&Clear this list", "Forget which documents were open before");
+    menu.AppendSeparator();
+    menu.Append(clearId, "&Clear this list", clearHelp);
+}
+}  // namespace
+
+hoMenuBar::hoMenuBar() : _pRecentMenu(new wxMenu), _pRecentKeysMenu(new wxMenu)
+{
+    Append(makeFileMenu(_pRecentMenu), "&File");
+    Append(makeEditMenu(), "&Edit");
+    Append(makeKeyMenu(_pRecentKeysMenu), "&Key");
+    Append(makeSignatureMenu(), "&Signature");
+    Append(makeDeveloperMenu(), "&Developer");
+    Append(makeHelpMenu(), "&Help");
+    showRecentDocuments({});
+    showRecentKeys({});
+}
+
+void hoMenuBar::showRecentDocuments(const std::vector<gtString>& paths)
+{
+    fill(*_pRecentMenu, paths, ID_RECENT_FIRST, ID_CLEAR_RECENT, "Forget which documents were open before");
+}
+
+void hoMenuBar::showRecentKeys(const std::vector<gtString>& paths)
+{
+    fill(*_pRecentKeysMenu, paths, ID_RECENT_KEY_FIRST, ID_CLEAR_RECENT_KEYS, "Forget which keys were loaded before");
 }
 
 void hoMenuBar::followConditions(wxFrame& frame, const Conditions& conditions)
@@ -131,6 +144,7 @@ void hoMenuBar::followConditions(wxFrame& frame, const Conditions& conditions)
     enable(ID_TEST, ofSelection(conditions._canTest));
     enable(ID_TEST_ALL, conditions._canTest);
     enable(ID_FORGET_KEYS, conditions._hasKeys);
+    enable(ID_KEY_INFORMATION, conditions._hasKeys);
     frame.Bind(
         wxEVT_UPDATE_UI,
         [isChecked = conditions._hasAssertionDialogs](wxUpdateUIEvent& event) { event.Check(isChecked()); },

@@ -27,17 +27,21 @@ public:
         std::function<bool()> _hasAssertionDialogs;
     };
 
-    // For wxFrame::SetMenuBar, which takes the bar over. The list of recent documents is empty.
+    // For wxFrame::SetMenuBar, which takes the bar over. The lists of recent documents and keys are empty.
     hoMenuBar();
 
     // Fills File > Open recent: the n-th path has the id ID_RECENT_FIRST + n. At most hoRecentDocuments::mostDocuments.
     void showRecentDocuments(const std::vector<gtString>& paths);
 
+    // The same of Key > Load recent key, from ID_RECENT_KEY_FIRST on.
+    void showRecentKeys(const std::vector<gtString>& paths);
+
     // From now on the commands of this frame are enabled and checked as the conditions say.
     static void followConditions(wxFrame& frame, const Conditions& conditions);
 
 private:
-    wxMenu* _pRecentMenu;  // belongs to the bar
+    wxMenu* _pRecentMenu;  // these two belong to the bar
+    wxMenu* _pRecentKeysMenu;
 };
 
 // What a right click on the documents brings up.

@@ -42,6 +42,10 @@ std::string contents(hoDocumentState state)
         return R"(<path d="M8 1 15.5 14.5H.5Z" fill="#b36b00"/><path d="M8 5.5V10M8 11.5V13" stroke="#fff"/>)";
     case hoDocumentState::CannotBeRead:
         return R"(<circle cx="8" cy="8" r="6" fill="#fff" stroke="#77767b"/><path d="M4 12 12 4" stroke="#77767b"/>)";
+    case hoDocumentState::Missing:
+        // The outline of a page that is not there.
+        return R"(<path d="M3.5 1.5H10L13 4.5V14.5H3.5Z" fill="#fff" stroke="#77767b" stroke-width="1"
+                        stroke-dasharray="2 1.5"/>)";
     }
     return std::string();
 }
@@ -51,7 +55,7 @@ std::string contents(hoDocumentState state)
 wxVector<wxBitmapBundle> hoStateIcons()
 {
     wxVector<wxBitmapBundle> icons;
-    for (int state = 0; state <= static_cast<int>(hoDocumentState::CannotBeRead); ++state)
+    for (int state = 0; state <= static_cast<int>(hoDocumentState::Missing); ++state)
     {
         const std::string picture =
             R"(<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16"><g fill="none" stroke-width="2">)" +

@@ -83,11 +83,16 @@ void hoWindowMemory::load()
     {
         _onProblem("What was remembered cannot be read and stays as it is: " + hoDisplayText(path));
     }
-    const std::vector<gtString> recent = _settings.texts("recent");
-    for (auto document = recent.rbegin(); document != recent.rend(); ++document)
+    const auto fill = [this](hoRecentDocuments& recent, const char* pName)
     {
-        _recent.add(*document);
-    }
+        const std::vector<gtString> paths = _settings.texts(pName);
+        for (auto newest = paths.rbegin(); newest != paths.rend(); ++newest)
+        {
+            recent.add(*newest);
+        }
+    };
+    fill(_recent, "recent");
+    fill(_recentKeys, "recentKey");
 }
 
 std::vector<int> hoWindowMemory::columnWidths() const
@@ -187,6 +192,7 @@ void hoWindowMemory::note(const wxFrame& frame)
 void hoWindowMemory::save(const wxFrame& frame, const std::vector<int>& columnWidths)
 {
     _settings.setTexts("recent", _recent.paths());
+    _settings.setTexts("recentKey", _recentKeys.paths());
     std::size_t column = 0;
     for (const int width : columnWidths)
     {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the main window remembers between runs: its place, the widths of its columns, the recent documents, the last
-// folders. In hoUserSettingsPath(). A file that cannot be read is left as it is. Main thread only.
+// What the main window remembers between runs: its place, the widths of its columns, the recent documents and key
+// files (their paths alone), the last folders. In hoUserSettingsPath(). A file that cannot be read is left as it is.
+// Main thread only.
 #ifndef COUNTERSIGN_HO_WINDOW_MEMORY_H
 #define COUNTERSIGN_HO_WINDOW_MEMORY_H
 
@@ -25,6 +26,8 @@ public:
     void load();
     hoSettings& settings() { return _settings; }
     hoRecentDocuments& recentDocuments() { return _recent; }
+    // The files that keys were loaded from.
+    hoRecentDocuments& recentKeys() { return _recentKeys; }
     // Of the columns from the first on; 0 where nothing sensible is remembered.
     std::vector<int> columnWidths() const;
 
@@ -62,6 +65,7 @@ private:
     const std::function<void(const wxString& text)> _onProblem;
     hoSettings _settings;
     hoRecentDocuments _recent;
+    hoRecentDocuments _recentKeys;
     History<wxSize> _size;    // of a window that is neither maximised nor an icon
     History<wxPoint> _place;  // the same
     bool _canSave;            // the file holds nothing that could not be read

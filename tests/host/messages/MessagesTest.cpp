@@ -107,7 +107,7 @@ TEST(Messages, TellTextProblemsApart)
 TEST(Messages, NameEveryState)
 {
     std::set<gtString> seen;
-    for (int state = 0; state <= static_cast<int>(hoDocumentState::CannotBeRead); ++state)
+    for (int state = 0; state <= static_cast<int>(hoDocumentState::Missing); ++state)
     {
         const gtString text = hoStateText(static_cast<hoDocumentState>(state), true);
         EXPECT_FALSE(text.isEmpty());

@@ -144,9 +144,9 @@ TEST_F(DocumentWork, AGoodStateDoesNotOutliveItsBytes)
 
     std::filesystem::remove(_folder.path("a"));
     EXPECT_TRUE(_list.refresh(0));
-    EXPECT_EQ(state(0), hoDocumentState::CannotBeRead);
+    EXPECT_EQ(state(0), hoDocumentState::Missing);
     perform(Kind::Test, {mine, nullptr});
-    EXPECT_EQ(state(0), hoDocumentState::CannotBeRead);
+    EXPECT_EQ(state(0), hoDocumentState::Missing);
     _folder.write("a", "some text");
     EXPECT_TRUE(_list.refresh(0));
     EXPECT_EQ(state(0), hoDocumentState::NotTested);
@@ -210,7 +210,7 @@ TEST_F(DocumentWork, GoesOnAfterADocumentThatCannotBeRead)
     const std::vector<hoSigningOutcome> outcomes = perform(Kind::Sign, {mine, nullptr});
     ASSERT_EQ(outcomes.size(), 2U);
     EXPECT_EQ(outcomes[0]._signing._problem, hoSigningProblem::FileCannotBeRead);
-    EXPECT_EQ(state(0), hoDocumentState::CannotBeRead);
+    EXPECT_EQ(state(0), hoDocumentState::Missing);
     EXPECT_EQ(state(1), hoDocumentState::SignedByMe);
 }
 

@@ -121,7 +121,7 @@ TEST_F(DocumentsMenu, SaysWhyCommandsAreGrey)
         const wxMenuItem* const pFound =
             _pFrame->GetMenuBar()->FindItem(_pFrame->GetMenuBar()->FindMenuItem(pMenu, pItem));
         char* const pText = gtk_widget_get_tooltip_text(pFound->GetMenuItem());
-        const std::string text = pText == nullptr ? "" : pText;
+        std::string text = pText == nullptr ? "" : pText;
         g_free(pText);
         tsPressKeys("Escape");
         tsPressKeys("Escape");
@@ -176,4 +176,12 @@ TEST_F(DocumentsMenu, ShowsTheTooltipOfAGreyCommand)
     tsPressKeys("Escape");
     tsPressKeys("Escape");
     settle();
+}
+
+TEST_F(DocumentsMenu, ListsADocumentThatIsGoneAsMissing)
+{
+    start({"countersign-desktop", _folder.write("a.txt", "x"), _folder.write("b.txt", "x")});
+    std::filesystem::remove(_folder.path("a.txt"));
+    tsRunUntil("the state says so", [this] { return rows(1).front() == "Missing"; });
+    EXPECT_THAT(rows(1), ElementsAre("Missing", "Not signed"));
 }

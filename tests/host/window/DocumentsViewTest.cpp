@@ -187,6 +187,6 @@ TEST_F(DocumentsView, NoticesADocumentThatIsGone)
     const int before = _changes;
     std::filesystem::remove(_folder.path("a"));
     _pView->refreshDocuments();
-    EXPECT_EQ(_pView->documents()[0]._verdict._state, hoDocumentState::CannotBeRead);
+    EXPECT_EQ(_pView->documents()[0]._verdict._state, hoDocumentState::Missing);
     EXPECT_EQ(_changes, before + 1);
 }

@@ -131,8 +131,8 @@ TEST_F(HostileDocuments, TenThousandAreOpenedWorkedOnAndClosed)
     {
         std::filesystem::remove_all(_many.path(std::to_string(folder)));
     }
-    tsRunUntil("all are gone", [this] { return list().GetItemText(0, 1) == "Cannot be read"; });
-    EXPECT_THAT(rows(1), Each("Cannot be read"));
+    tsRunUntil("all are gone", [this] { return list().GetItemText(0, 1) == "Missing"; });
+    EXPECT_THAT(rows(1), Each("Missing"));
     drop(paths);
     tsRunUntil("all are refused", [this] { return !_pFrame->refusalMessage().empty(); });
     EXPECT_EQ(_pFrame->refusalMessage(), all + " documents could not be opened.");
@@ -172,7 +172,7 @@ TEST_F(HostileDocuments, OnAFolderThatDisappearsAreSaidToBeGone)
     tsRunUntil("the work has ended", [this] { return !_pFrame->isAtWork(); });
     settle();
     EXPECT_EQ(message(), "20 documents: 20 could not be signed.");
-    EXPECT_THAT(rows(1), Each("Cannot be read"));
+    EXPECT_THAT(rows(1), Each("Missing"));
     EXPECT_FALSE(std::filesystem::exists(_many.path("0")));
     std::filesystem::create_directory(_many.path("0"));
     _many.write("0/2.txt", "back");

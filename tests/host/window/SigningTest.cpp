@@ -135,7 +135,7 @@ TEST_F(Signing, AsksBeforeItSignsWeakly)
 TEST_F(Signing, TellsStatesByShapesToo)
 {
     const wxVector<wxBitmapBundle> icons = hoStateIcons();
-    ASSERT_EQ(icons.size(), 10U);
+    ASSERT_EQ(icons.size(), 11U);
     // What is left of a picture without its colours: where it is opaque, and how bright.
     std::set<std::string> shapes;
     for (const wxBitmapBundle& icon : icons)
@@ -259,7 +259,7 @@ TEST_F(Signing, SeesDocumentsChangeAndGoAndComeBack)
     _folder.write("a.txt", "other");
     tsRunUntil("a change is seen", [this] { return rows(1)[0] == "Changed since" && rows(2)[0] == "5 bytes"; });
     std::filesystem::remove(_folder.path("b.txt"));
-    tsRunUntil("a removal is seen", [this] { return rows(1)[1] == "Cannot be read"; });
+    tsRunUntil("a removal is seen", [this] { return rows(1)[1] == "Missing"; });
     _folder.write("b.txt", "second");
     tsRunUntil("a return is seen", [this] { return rows(1)[1] == "Not tested"; });
     _folder.write("c.txt.sig", "00");
@@ -279,7 +279,7 @@ TEST_F(Signing, SeesAFolderGoAndComeBack)
     // Nothing in the folder itself tells of this; the next event or the window's activation does.
     wxActivateEvent activation(wxEVT_ACTIVATE, true);
     _pFrame->ProcessWindowEvent(activation);
-    tsRunUntil("the loss is seen", [this] { return rows(1)[0] == "Cannot be read"; });
+    tsRunUntil("the loss is seen", [this] { return rows(1)[0] == "Missing"; });
     std::filesystem::rename(_folder.path("elsewhere"), _folder.path("folder"));
     _pFrame->ProcessWindowEvent(activation);
     tsRunUntil("the return is seen", [this] { return rows(1)[0] == "Not signed"; });

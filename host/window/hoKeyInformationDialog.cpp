@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/window/hoKeyInformationDialog.h"
+
+#include "host/keys/hoPublicKey.h"
+#include "host/messages/hoMessages.h"
+#include "host/window/hoClipboard.h"
+#include "host/window/hoDisplayText.h"
+#include "host/window/hoScreenFit.h"
+#include "host/window/hoSummary.h"
+#include "platform/osWrappers/osAtomicFile.h"
+#include "platform/toolkit/gtTextConversion.h"
+
+#include <wx/button.h>
+#include <wx/filedlg.h>
+#include <wx/msgdlg.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+
+namespace
+{
+const wxSize usualSize(590, 300);
+const wxSize leastTextSize(200, 80);
+const unsigned int rightsOfPublicFile = 0644;
+
+const hoLoadedKey& exportedKey(const hoKeyRing& keys)
+{
+    return keys._private._pKey != nullptr ? keys._private : keys._public;
+}
+
+wxString informationOf(const hoLoadedKey& key, const wxString& kind)
+{
+    if (key._pKey == nullptr)
+    {
+        return wxString();
+    }
+    return wxString::Format("%s of %d bits\n", kind, key._pKey->bits()) + "    File: " + hoDisplayText(key._path) +
+           "\n    Fingerprint (SHA-256 of the public key):\n    " + gtTextFromBytes(hoFingerprint(*key._pKey)) +
+           "\n    In signatures: " + gtTextFromBytes(hoShortFingerprint(*key._pKey)) + "\n";
+}
+}  // namespace
+
+wxString hoKeyInformation(const hoKeyRing& keys)
+{
+    return informationOf(keys._private, "Private key") + informationOf(keys._public, "Public key");
+}
+
+hoKeyInformationDialog::hoKeyInformationDialog(wxWindow* pParent, const hoKeyRing& keys)
+    : wxDialog(pParent, wxID_ANY, "Key information", wxDefaultPosition, wxDefaultSize,
+               wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
+      _keys(keys)
+{
+    const wxString text = hoKeyInformation(keys);
+    auto* pLabel = new wxStaticText(this, wxID_ANY, "&Loaded keys");
+    auto* pText = new wxTextCtrl(this, wxID_ANY, text, wxDefaultPosition, wxDefaultSize,
+                                 wxTE_MULTILINE | wxTE_READONLY | wxTE_DONTWRAP);
+    auto* pExport = new wxButton(this, wxID_SAVE, "&Export public key...");
+    auto* pCopy = new wxButton(this, wxID_COPY, "Copy &all");
+    auto* pClose = new wxButton(this, wxID_CLOSE);
+    pText->SetName("keyInformation");
+    pText->SetMinSize(FromDIP(leastTextSize));
+    pExport->SetToolTip("Write the public half to a file, for those who shall test what you sign");
+    pCopy->SetToolTip("Copy the whole text to the clipboard");
+    SetEscapeId(wxID_CLOSE);
+    SetAffirmativeId(wxID_CLOSE);
+
+    pExport->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { exportPublicHalf(); });
+    pCopy->Bind(wxEVT_BUTTON, [text](wxCommandEvent&) { hoCopyText(text); });
+
+    auto* pButtons = new wxBoxSizer(wxHORIZONTAL);
+    pButtons->Add(pExport);
+    pButtons->AddStretchSpacer();
+    pButtons->Add(pCopy, wxSizerFlags().Border(wxRIGHT));
+    pButtons->Add(pClose);
+    auto* pTop = new wxBoxSizer(wxVERTICAL);
+    pTop->Add(pLabel, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxTOP));
+    pTop->Add(pText, wxSizerFlags(1).Expand().DoubleBorder());
+    pTop->Add(pButtons, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxBOTTOM));
+    SetSizer(pTop);
+    hoFitOnScreen(*this, FromDIP(usualSize));
+    CentreOnParent();
+    pClose->SetDefault();
+    pClose->SetFocus();
+}
+
+void hoKeyInformationDialog::exportPublicHalf()
+{
+    const hoLoadedKey& key = exportedKey(_keys);
+    const wxString name = hoDisplayText(hoLastComponent(key._path), 60).BeforeLast('.') + ".pub.pem";
+    wxFileDialog dialog(this, "Export the public key", wxString(), name, "PEM files (*.pem)|*.pem|All files|*",
+                        wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
+    if (dialog.ShowModal() != wxID_OK)
+    {
+        return;
+    }
+    const gtString path = gtPathBytesFromText(dialog.GetPath());
+    const osWritingResult result =
+        osWriteFileAtomically(path, hoPublicKeyPem(*key._pKey).asStringView(), true, rightsOfPublicFile);
+    if (!result.isOk())
+    {
+        wxMessageDialog(this,
+                        "Cannot export to " + hoQuotedText(hoDisplayText(hoLastComponent(path), 60)) + ": " +
+                            gtTextFromBytes(hoWritingReason(result)) + ".",
+                        "Countersign", wxOK | wxICON_ERROR)
+            .ShowModal();
+    }
+}

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+// Shows what is known of the loaded keys: size, file and full fingerprint. Copies that, and exports the public half of
+// a key.
+#ifndef COUNTERSIGN_HO_KEY_INFORMATION_DIALOG_H
+#define COUNTERSIGN_HO_KEY_INFORMATION_DIALOG_H
+
+#include "host/keys/hoKeyRing.h"
+
+#include <wx/dialog.h>
+
+class hoKeyInformationDialog : public wxDialog
+{
+public:
+    // One key at least is loaded. With both, the private one's partner is exported.
+    hoKeyInformationDialog(wxWindow* pParent, const hoKeyRing& keys);
+
+private:
+    void exportPublicHalf();
+
+    const hoKeyRing _keys;
+};
+
+// A few lines for each key that is loaded.
+wxString hoKeyInformation(const hoKeyRing& keys);
+
+#endif
