@@ -26,11 +26,13 @@ launcher=()
 if command -v ccache >/dev/null 2>&1; then
     launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 fi
+# It would not keep what is compiled with precompiled headers.
+export CCACHE_SLOPPINESS=pch_defines,time_macros
 cd "$source" || exit 1
 mkdir -p "$build" || exit 1
 log=$build/made.log
 if ! cmake --preset "$preset" -B "$build" -DCOUNTERSIGN_WITH_TOOLKIT=ON -DCOUNTERSIGN_BUILD_DESKTOP=ON \
-    -DCOUNTERSIGN_BUILD_TESTS=ON -DCOUNTERSIGN_WINDOW_TESTS=ON -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1" \
+    -DCOUNTERSIGN_BUILD_TESTS=ON -DCOUNTERSIGN_WINDOW_TESTS=ON -DCOUNTERSIGN_PRECOMPILE=ON -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1" \
     "${launcher[@]}" >"$log" 2>&1 || ! cmake --build "$build" "${targets[@]}" >>"$log" 2>&1; then
     tail -n 60 "$log" >&2
     exit 1
