@@ -9,6 +9,8 @@
 
 #include "cli/clMessage.h"
 
+#include <nlohmann/json.hpp>
+
 #include <cstddef>
 #include <vector>
 
@@ -33,9 +35,7 @@ public:
     gtString text() const;
 
 private:
-    clJsonObject& addValue(const char* pName, const gtString& value);
-
-    gtString _members;
+    nlohmann::ordered_json _object = nlohmann::ordered_json::object();
 };
 
 #endif

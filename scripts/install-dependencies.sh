@@ -15,7 +15,7 @@ set -u
 # The one list of packages, by what they are for. The names are those of Debian 12 and 13.
 run=(
     g++ cmake ninja-build pkgconf ccache
-    libwxgtk3.2-dev libgtk-3-dev libssl-dev libcli11-dev libbsd-dev
+    libwxgtk3.2-dev libgtk-3-dev libssl-dev libcli11-dev libbsd-dev nlohmann-json3-dev
     # Without a display: a virtual one, a window manager and a camera.
     xvfb openbox xdotool wmctrl x11-utils imagemagick fonts-dejavu-core adwaita-icon-theme
 )

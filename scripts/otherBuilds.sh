@@ -191,7 +191,7 @@ arm64Root() {
     [ -n "$mirror" ] || skip "this system's package mirror is not known"
     rm -rf "$folder"
     debootstrap --arch=arm64 --foreign --variant=minbase \
-        --include=g++,libssl-dev,libgmp-dev,libcli11-dev,libbsd-dev,zlib1g-dev "$codename" "$folder" "$mirror" || return
+        --include=g++,libssl-dev,libgmp-dev,libcli11-dev,libbsd-dev,nlohmann-json3-dev,zlib1g-dev "$codename" "$folder" "$mirror" || return
     for package in "$folder"/var/cache/apt/archives/*.deb; do
         dpkg -x "$package" "$folder" || return
     done

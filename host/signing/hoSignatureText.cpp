@@ -3,6 +3,7 @@
 
 #include "crypto/crDigits.h"
 #include "host/keys/hoKeyFile.h"
+#include "host/signing/hoBase64.h"
 #include "host/signing/hoSignatureFile.h"
 #include "platform/baseTools/gtStartsWith.h"
 
@@ -74,12 +75,9 @@ hoSignatureForm formOfOther(std::string_view bytes, hoSignatureForm otherwise)
     return begin("-----BEGIN ") ? hoSignatureForm::OtherPem : otherwise;
 }
 
-gtString encodeBase64(const std::vector<unsigned char>& bytes)
+std::string_view viewOf(const std::vector<unsigned char>& bytes)
 {
-    // With the NUL that the encoder puts behind it.
-    std::vector<unsigned char> text((bytes.size() + 2) / 3 * 4 + 1);
-    const int length = EVP_EncodeBlock(text.data(), bytes.data(), static_cast<int>(bytes.size()));
-    return gtString(reinterpret_cast<const char*>(text.data()), length);
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 // False for what the encoder does not write.
@@ -99,7 +97,7 @@ bool decodeBase64(std::string_view text, std::vector<unsigned char>& bytes)
     const std::size_t padding = text[text.size() - 2] == '=' ? 2 : (text.back() == '=' ? 1 : 0);
     bytes.resize(bytes.size() - padding);
     // It also takes blanks around the text, and bits that are set behind the last byte.
-    return encodeBase64(bytes).asStringView() == text;
+    return hoBase64(viewOf(bytes)).asStringView() == text;
 }
 
 bool parseCountersignature(std::string_view line, hoSignatureText& signature)
@@ -202,6 +200,6 @@ gtString hoCountersignatureLine(const gtString& fingerprint, const std::vector<u
     return gtString(beginOfCountersignature)
         .append(fingerprint)
         .append(' ')
-        .append(encodeBase64(countersignature))
+        .append(hoBase64(viewOf(countersignature)))
         .append('\n');
 }

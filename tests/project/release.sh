@@ -133,19 +133,24 @@ case $case in
 
     noticesAreThere)
         # What is compiled in is named with its notice, as its own package words it.
-        theirs=/usr/share/doc/libcli11-dev/copyright
-        if [ ! -f "$theirs" ]; then
-            echo "skipped: libcli11-dev is not installed, or without its notice"
-            exit 77
-        fi
         words() {
             tr -s '[:space:]' ' ' | sed 's/ \. / /g'
         }
-        notice=$(sed -n '/^ Redistribution and use/,/^ SUCH DAMAGE/p' "$theirs" | words)
-        [ "${#notice}" -gt 1000 ] || complain "$theirs has another form"
         ours=$(words <"$source/debian/copyright")
-        [ "${ours#*"${notice# }"}" != "$ours" ] || complain "debian/copyright does not have CLI11's notice"
-        grep -q 'University of Cincinnati' "$source/debian/copyright" || complain "debian/copyright does not say whose it is"
+        # hasNotice PACKAGE OWNER BEGIN END: the notice goes from one expression to the other.
+        hasNotice() {
+            local theirs=/usr/share/doc/$1/copyright notice
+            if [ ! -f "$theirs" ]; then
+                echo "skipped: $1 is not installed, or without its notice"
+                exit 77
+            fi
+            notice=$(sed -n "/^ $3/,/^ $4/{p;/^ $4/q}" "$theirs" | words)
+            [ "${#notice}" -gt 1000 ] || complain "$theirs has another form"
+            [ "${ours#*"${notice# }"}" != "$ours" ] || complain "debian/copyright does not have the notice of $1"
+            [ "${ours#*"$2"}" != "$ours" ] || complain "debian/copyright does not say that $1 is $2's"
+        }
+        hasNotice libcli11-dev 'University of Cincinnati' 'Redistribution and use' 'SUCH DAMAGE'
+        hasNotice nlohmann-json3-dev 'Niels Lohmann' 'Permission is hereby granted' 'SOFTWARE\.'
         ;;
 
     flatpakManifest)

@@ -20,6 +20,7 @@ LIBRARIES = {
     "x11": r"X11/",
     "openssl": r"openssl/",
     "cli11": r"CLI/",
+    "json": r"nlohmann/",
     "libbsd": r"(bsd/|readpassphrase\.h)",
 }
 
@@ -52,7 +53,7 @@ ROOMS = {
         + PLATFORM,
         ["wx"],
     ),
-    "cli": (ENGINES + ["crypto"] + PLATFORM, ["cli11", "libbsd"]),
+    "cli": (ENGINES + ["crypto"] + PLATFORM, ["cli11", "json", "libbsd"]),
 }
 
 # Made by the build, or found on the include path of whoever links the shell.
