@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <sched.h>
 #include <utility>
 
 namespace
@@ -71,6 +72,14 @@ hoOrderedWork::~hoOrderedWork()
 
 unsigned int hoOrderedWork::amountOfProcessors()
 {
+#if defined(__linux__)
+    // The standard library counts those that the process may not use, too.
+    cpu_set_t processors;
+    if (::sched_getaffinity(0, sizeof(processors), &processors) == 0)
+    {
+        return static_cast<unsigned int>(CPU_COUNT(&processors));
+    }
+#endif
     return std::max(std::thread::hardware_concurrency(), 1U);
 }
 

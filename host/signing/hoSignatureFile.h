@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Signature files, beside the signed file and with its name and ".sig". hoSignatureText.h has what is in them.
 //
-// Nothing here prints, and nothing throws but hoSignaturePath and hoDocumentOfSignature (std::bad_alloc). Calls on different files may run on any
-// threads.
+// Nothing here prints, and nothing throws but hoSignaturePath and hoDocumentOfSignature (std::bad_alloc). Calls on
+// different files may run on any threads.
 #ifndef COUNTERSIGN_HO_SIGNATURE_FILE_H
 #define COUNTERSIGN_HO_SIGNATURE_FILE_H
 

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <memory>
 #include <mutex>
+#include <sched.h>
 #include <vector>
 
 namespace
@@ -56,6 +57,24 @@ TEST(OrderedWorkThreads, PerformEachPieceOnceAndGiveThemInOrder)
         EXPECT_FALSE(work.waitForFirst());
         EXPECT_EQ(times, std::vector<int>(amount, 1)) << threads;
     }
+}
+
+TEST(OrderedWorkThreads, AreForTheProcessorsThatTheProcessMayUse)
+{
+    cpu_set_t all;
+    ASSERT_EQ(::sched_getaffinity(0, sizeof(all), &all), 0);
+    EXPECT_EQ(hoOrderedWork::amountOfProcessors(), static_cast<unsigned int>(CPU_COUNT(&all)));
+    std::size_t processor = 0;
+    while (!CPU_ISSET(processor, &all))
+    {
+        ++processor;
+    }
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(processor, &one);
+    ASSERT_EQ(::sched_setaffinity(0, sizeof(one), &one), 0);
+    EXPECT_EQ(hoOrderedWork::amountOfProcessors(), 1U);
+    EXPECT_EQ(::sched_setaffinity(0, sizeof(all), &all), 0);
 }
 
 TEST(OrderedWorkThreads, AreAllAtWorkAtATime)
