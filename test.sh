@@ -63,7 +63,9 @@ fi
 for label in "${excluded[@]}"; do
     arguments+=(-LE "$label")
 done
-[ -n "$hasJobs" ] || arguments+=(-j "$(nproc)")
+# One more than there are processors: tests of windows often wait for the screen.
+jobs=$(($(nproc) + 1))
+[ -n "$hasJobs" ] || arguments+=(-j "$jobs")
 
 # The long ones lint, too.
 packages='test'
@@ -88,7 +90,6 @@ esac
 
 cd "$root" || fail "entering $root"
 # The displays that windows will need at the same time.
-jobs=$(nproc)
 windows=$(ctest --preset "$preset" "${arguments[@]}" -N -L '^window$' 2>/dev/null | sed -n 's/^Total Tests: //p')
 runner=()
 if [ "${windows:-0}" -gt 1 ]; then

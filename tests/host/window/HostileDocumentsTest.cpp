@@ -5,6 +5,7 @@
 #include "tests/host/NewKey.h"
 
 #include "host/documents/hoPercentText.h"
+#include "host/signing/hoOrderedWork.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoDocumentDropTarget.h"
 #include "host/window/hoEncryptionDialog.h"
@@ -16,6 +17,7 @@
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
 
+#include <algorithm>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -162,13 +164,16 @@ TEST_F(HostileDocuments, OnAFolderThatDisappearsAreSaidToBeGone)
     drop(paths);
     tsRunUntil("all are open", [&] { return rowCount() == 20; });
     settle();
-    _many.write("0/0.txt", "");
-    std::filesystem::resize_file(_many.path("0/0.txt"), 8ULL << 30);
+    // Each thread gets one that takes long.
+    for (std::size_t i = 0; i < std::min<std::size_t>(paths.size(), hoOrderedWork::amountOfProcessors()); ++i)
+    {
+        std::filesystem::resize_file(paths[i], 4ULL << 30);
+    }
     tsPressKeys("ctrl+shift+s");
     tsRunUntil("the work has begun", [this] { return _pFrame->isAtWork(); });
     std::filesystem::remove_all(_many.path("0"));
     std::filesystem::remove_all(_many.path("1"));
-    // The first is being read; it is gone all the same when it is finished.
+    // The first ones are being read; they are gone all the same when they are finished.
     tsRunUntil("the work has ended", [this] { return !_pFrame->isAtWork(); });
     settle();
     EXPECT_EQ(message(), "20 documents: 20 could not be signed.");
