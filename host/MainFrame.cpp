@@ -8,16 +8,15 @@
 #include "host/window/hoDropFrame.h"
 #include "host/window/hoDroppedFiles.h"
 #include "host/window/hoEncryptionDialog.h"
+#include "host/window/hoGreyCommands.h"
 #include "host/window/hoHelp.h"
 #include "host/window/hoIcons.h"
 #include "host/window/hoKeyInformationDialog.h"
 #include "host/window/hoMenuBar.h"
 #include "host/window/hoStatusBar.h"
 #include "platform/osWrappers/osProcess.h"
-#include "platform/toolkit/gtMenuTooltip.h"
-#include "platform/toolkit/gtTextConversion.h"
+#include "platform/toolkit/gtComeToFront.h"
 
-#include <wx/msgdlg.h>
 #include <wx/sizer.h>
 
 #include <utility>
@@ -40,8 +39,7 @@ MainFrame::MainFrame()
              [this](const gtString& path)
              {
                  _memory.recentKeys().add(path);
-                 _isRecentChanged = true;
-                 showChangesSoon();
+                 rememberSoon();
              }}),
       _signing(*this, _keys.keys(),
                {[this] { _messageBar.dismiss(); },
@@ -60,12 +58,11 @@ MainFrame::MainFrame()
                           }}),
       _areChangesPending(false),
       _isRecentChanged(false),
-      _isFrontWanted(false),
-      _isAskingToQuit(false)
+      _isFrontWanted(false)
 {
     // Private keys and passphrases will be in memory.
     osWriteNoCoreFiles();
-    if (_instance.handOver(hoApplicationDocuments(), [this] { comeToFront(); }))
+    if (_instance.handOver(hoApplicationDocuments(), [this] { gtComeToFront(*this); }))
     {
         // The shell shows every window that it makes; the toolkit would complain about one that was never created.
         wxDisableAsserts();
@@ -106,21 +103,20 @@ void MainFrame::makeWindow()
     _pMenuBar = new hoMenuBar;
     SetMenuBar(_pMenuBar);
     auto* pDropFrame = new hoDropFrame(this);
-    _pView = new hoDocumentsView(
-        pDropFrame,
-        {[this](const gtString& path, const osFileResult& result)
-         {
-             _messageBar.addRefusal(path, result);
-             _isRecentChanged = _memory.recentDocuments().remove(path) || _isRecentChanged;
-         },
-         [this](const hoDocument& document)
-         {
-             _memory.recentDocuments().add(document._path);
-             _isRecentChanged = true;
-             _memory.settings().setText("folder", document.folder());
-         },
-         [this] { showChangesSoon(); }, [this] { _messageBar.setResult(hoSummary()); },
-         [this] { _pStatusBar->showReason(hoWhyNoJob(documents(), _pView->amountSelected(), keys(), isAtWork())); }});
+    _pView = new hoDocumentsView(pDropFrame,
+                                 {[this](const gtString& path, const osFileResult& result)
+                                  {
+                                      _messageBar.addRefusal(path, result);
+                                      _isRecentChanged = _memory.recentDocuments().remove(path) || _isRecentChanged;
+                                  },
+                                  [this](const hoDocument& document)
+                                  {
+                                      _memory.recentDocuments().add(document._path);
+                                      _isRecentChanged = true;
+                                      _memory.settings().setText("folder", document.folder());
+                                  },
+                                  [this] { showChangesSoon(); }, [this] { _messageBar.setResult(hoSummary()); },
+                                  [this] { _pStatusBar->showReason(whyGrey(ID_SIGN)); }});
     pDropFrame->setContents(_pView);
     _pStatusBar = new hoStatusBar(this);
     SetStatusBar(_pStatusBar);
@@ -129,8 +125,7 @@ void MainFrame::makeWindow()
         [pDropFrame](bool isOver) { pDropFrame->showBorder(isOver); }));
 
     _memory.load();
-    _pMenuBar->showRecentDocuments(_memory.recentDocuments().paths());
-    _pMenuBar->showRecentKeys(_memory.recentKeys().paths());
+    _pMenuBar->showRecentPaths(_memory.recentDocuments().paths(), _memory.recentKeys().paths());
     _pView->setColumnWidths(_memory.columnWidths());
     _pStatusBar->showKeys(keys());
     _pStatusBar->showDocuments(documents(), 0);
@@ -148,27 +143,6 @@ void MainFrame::bindCommands()
 {
     using Kind = hoSigningJob::Kind;
     using Half = hoKeyController::Half;
-    // Why the commands of the menu that has just been opened are grey.
-    Bind(wxEVT_MENU_OPEN,
-         [this](wxMenuEvent& event)
-         {
-             event.Skip();
-             if (event.GetMenu() == nullptr)
-             {
-                 return;
-             }
-             for (wxMenuItem* pItem : event.GetMenu()->GetMenuItems())
-             {
-                 gtSetMenuTooltip(*pItem, whyGrey(pItem->GetId()));
-             }
-             if (event.GetMenu()->FindChildItem(ID_SIGN) != nullptr)
-             {
-                 // The toolkit empties the field for the menu, and brings back what it says now when that is closed.
-                 const wxString reason = hoWhyNoJob(documents(), _pView->amountSelected(), keys(), isAtWork());
-                 _pStatusBar->showReason(reason);
-                 CallAfter([this, reason] { _pStatusBar->showReason(reason); });
-             }
-         });
     const auto on = [this](int id, auto action)
     {
         Bind(
@@ -176,14 +150,6 @@ void MainFrame::bindCommands()
     };
 
     on(wxID_OPEN, [this] { openNow(_pView->chooseDocuments(_memory.settings().text("folder"))); });
-    Bind(wxEVT_MENU, &MainFrame::OnRecent, this, ID_RECENT_FIRST, ID_RECENT_LAST);
-    on(ID_CLEAR_RECENT,
-       [this]
-       {
-           _memory.recentDocuments().clear();
-           _isRecentChanged = true;
-           showChangesSoon();
-       });
     on(ID_CLOSE_DOCUMENTS, [this] { _pView->closeSelected(); });
     on(ID_CLOSE_ALL_DOCUMENTS, [this] { _pView->closeAll(); });
     on(wxID_EXIT, [this] { Close(); });
@@ -195,16 +161,6 @@ void MainFrame::bindCommands()
     on(ID_NEW_KEY_PAIR, [this] { _keys.makeKeyPair(); });
     on(ID_TEXTS, [this] { hoEncryptionDialog(this, keys()).ShowModal(); });
     on(ID_KEY_INFORMATION, [this] { hoKeyInformationDialog(this, keys()).ShowModal(); });
-    Bind(
-        wxEVT_MENU, [this](wxCommandEvent& event) { loadRecentKey(event.GetId() - ID_RECENT_KEY_FIRST); },
-        ID_RECENT_KEY_FIRST, ID_RECENT_KEY_LAST);
-    on(ID_CLEAR_RECENT_KEYS,
-       [this]
-       {
-           _memory.recentKeys().clear();
-           _isRecentChanged = true;
-           showChangesSoon();
-       });
     on(ID_FORGET_KEYS, [this] { _keys.setKeys(hoKeyRing()); });
 
     on(ID_SIGN, [this] { _signing.begin(Kind::Sign, _pView->documentsToProcess(false)); });
@@ -218,6 +174,13 @@ void MainFrame::bindCommands()
     on(ID_ASSERTION_REPORT, [this] { _assertions.showReport(); });
     on(wxID_HELP, [this] { hoShowManual(this, hoApplicationPath()); });
     on(wxID_ABOUT, [this] { hoShowAbout(this); });
+
+    hoMenuBar::followRecentPaths(
+        *this, _memory.recentDocuments(), ID_RECENT_FIRST, ID_CLEAR_RECENT,
+        [this](const gtString& path) { openNow({path}); }, [this] { rememberSoon(); });
+    hoMenuBar::followRecentPaths(
+        *this, _memory.recentKeys(), ID_RECENT_KEY_FIRST, ID_CLEAR_RECENT_KEYS,
+        [this](const gtString& path) { _keys.loadKey(path, Half::Any); }, [this] { rememberSoon(); });
 }
 
 void MainFrame::bindEvents()
@@ -229,6 +192,9 @@ void MainFrame::bindEvents()
                                  [this] { return !documents().isEmpty() && _signing.canBegin(Kind::Sign); },
                                  [this] { return !documents().isEmpty() && _signing.canBegin(Kind::Test); },
                                  [this] { return hasAssertionDialogs(); }});
+    hoExplainGreyCommands(
+        *this, [this](int command) { return whyGrey(command); },
+        [this](const wxString& reason) { _pStatusBar->showReason(reason); });
     // For folders that cannot be watched, such as those of another machine.
     Bind(wxEVT_ACTIVATE,
          [this](wxActivateEvent& event)
@@ -242,7 +208,7 @@ void MainFrame::bindEvents()
     Bind(wxEVT_CLOSE_WINDOW,
          [this](wxCloseEvent& event)
          {
-             if (event.CanVeto() && isAtWork() && !askToQuit())
+             if (event.CanVeto() && isAtWork() && !_signing.askToQuit())
              {
                  event.Veto();
                  return;
@@ -252,70 +218,12 @@ void MainFrame::bindEvents()
          });
 }
 
-wxString MainFrame::whyGrey(int id) const
-{
-    const bool isOfSelection = id == ID_SIGN || id == ID_TEST || id == ID_CLOSE_DOCUMENTS || id == ID_COPY_PATH;
-    const bool isSigning = id == ID_SIGN || id == ID_SIGN_ALL;
-    const bool isJob = isSigning || id == ID_TEST || id == ID_TEST_ALL;
-    const bool isOfDocuments = isOfSelection || isJob || id == ID_CLOSE_ALL_DOCUMENTS || id == wxID_SELECTALL;
-    if (isJob && keys().canTest() && !isAtWork() && isSigning && !keys().canSign())
-    {
-        return "Signing takes a private key.";
-    }
-    if (isJob && (!keys().canTest() || isAtWork()))
-    {
-        return hoWhyNoJob(documents(), 1, keys(), isAtWork());
-    }
-    if (isOfDocuments)
-    {
-        return hoWhyNoneSelected(documents(), isOfSelection ? _pView->amountSelected() : documents().size());
-    }
-    const bool isOfKeys = id == ID_FORGET_KEYS || id == ID_KEY_INFORMATION;
-    return isOfKeys && !keys().canTest() ? wxString("No key is loaded.") : wxString();
-}
-
-bool MainFrame::askToQuit()
-{
-    // A second request while the first is being decided changes nothing.
-    if (std::exchange(_isAskingToQuit, true))
-    {
-        return false;
-    }
-    wxMessageDialog question(this, "Documents are being signed or tested. Quit all the same?", "Countersign",
-                             wxOK | wxCANCEL | wxCANCEL_DEFAULT | wxICON_WARNING);
-    question.SetExtendedMessage("The signatures that are finished stay. The other documents are left as they are.");
-    question.SetOKCancelLabels("&Quit", "&Go on");
-    const bool isWanted = question.ShowModal() == wxID_OK;
-    _isAskingToQuit = false;
-    return isWanted;
-}
-
 void MainFrame::openNow(const std::vector<gtString>& paths)
 {
     if (!paths.empty())
     {
         _messageBar.clear();
         _pView->openAndSelect(paths);
-    }
-}
-
-void MainFrame::OnRecent(wxCommandEvent& event)
-{
-    const std::size_t number = static_cast<std::size_t>(event.GetId() - ID_RECENT_FIRST);
-    if (number < _memory.recentDocuments().paths().size())
-    {
-        openNow({_memory.recentDocuments().paths()[number]});
-    }
-}
-
-void MainFrame::loadRecentKey(int number)
-{
-    const std::vector<gtString>& paths = _memory.recentKeys().paths();
-    if (number >= 0 && static_cast<std::size_t>(number) < paths.size())
-    {
-        // A copy: the list changes when the key is loaded.
-        const gtString path = paths[static_cast<std::size_t>(number)];
-        _keys.loadKey(path, hoKeyController::Half::Any);
     }
 }
 
@@ -345,14 +253,15 @@ void MainFrame::onKeyWarning(const hoSummary& warning)
     showChangesSoon();
 }
 
-void MainFrame::comeToFront()
+wxString MainFrame::whyGrey(int command) const
 {
-    if (IsIconized())
-    {
-        Iconize(false);
-    }
-    Show();
-    Raise();
+    return hoWhyGrey(command, documents(), _pView->amountSelected(), keys(), isAtWork());
+}
+
+void MainFrame::rememberSoon()
+{
+    _isRecentChanged = true;
+    showChangesSoon();
 }
 
 void MainFrame::showChangesSoon()
@@ -369,7 +278,7 @@ void MainFrame::showChangesNow()
     _pView->showChanges();
     if (std::exchange(_isFrontWanted, false))
     {
-        comeToFront();
+        gtComeToFront(*this);
     }
     _pStatusBar->endReason();
     _pStatusBar->showDocuments(documents(), _pView->amountSelected());
@@ -377,8 +286,7 @@ void MainFrame::showChangesNow()
     _messageBar.show();
     if (std::exchange(_isRecentChanged, false))
     {
-        _pMenuBar->showRecentDocuments(_memory.recentDocuments().paths());
-        _pMenuBar->showRecentKeys(_memory.recentKeys().paths());
+        _pMenuBar->showRecentPaths(_memory.recentDocuments().paths(), _memory.recentKeys().paths());
         _memory.save(*this, _pView->columnWidths());
     }
 }

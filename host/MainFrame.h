@@ -63,7 +63,7 @@ public:
     bool isAtWork() const { return _signing.isAtWork(); }
 
     // Whether the question is up that comes when the window is closed meanwhile.
-    bool isAskingToQuit() const { return _isAskingToQuit; }
+    bool isAskingToQuit() const { return _signing.isAskingToQuit(); }
 
     // Whether failed assertions come up as dialogs.
     bool hasAssertionDialogs() const { return _assertions.hasDialogs(); }
@@ -74,22 +74,17 @@ private:
     void bindCommands();
     void bindEvents();
 
-    void OnRecent(wxCommandEvent& event);
-
     void openNow(const std::vector<gtString>& paths);
     void openDropped(const hoUriList& list);
-    void loadRecentKey(int number);
     void onKeysChanged();
     void onKeyWarning(const hoSummary& warning);
-    // Why the menus' command is grey; empty when it is not.
-    wxString whyGrey(int id) const;
-    // Whether to quit while documents are being signed or tested.
-    bool askToQuit();
-    void comeToFront();
+    wxString whyGrey(int command) const;
 
     // Rows and states are shown at once. Messages, status and recent documents are shown once the present event is
     // dealt with, however many documents it brought.
     void showChangesSoon();
+    // The same, and the recent paths are written down.
+    void rememberSoon();
     void showChangesNow();
     void endAllJobs();
 
@@ -108,7 +103,6 @@ private:
     bool _areChangesPending;
     bool _isRecentChanged;
     bool _isFrontWanted;
-    bool _isAskingToQuit;
 };
 
 #endif

@@ -4,6 +4,7 @@
 #include "assertionReporting/arAssertionReportWindow.h"
 #include "platform/baseTools/gtAssert.h"
 #include "platform/osWrappers/osProcess.h"
+#include "platform/toolkit/gtComeToFront.h"
 
 #include <string_view>
 #include <utility>
@@ -48,6 +49,5 @@ void hoAssertionController::showReport()
     {
         _pReportWindow = _kit.makeReportWindow(&_parent);
     }
-    _pReportWindow->Show();
-    _pReportWindow->Raise();
+    gtComeToFront(*_pReportWindow);
 }

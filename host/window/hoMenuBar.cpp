@@ -79,6 +79,7 @@ wxMenu* makeHelpMenu()
     pMenu->Append(wxID_ABOUT, "&About Countersign", "What this application is, and what it is not");
     return pMenu;
 }
+
 void fill(wxMenu& menu, const std::vector<gtString>& paths, int firstId, int clearId, const wxString& clearHelp)
 {
     while (menu.GetMenuItemCount() > 0)
@@ -111,18 +112,13 @@ hoMenuBar::hoMenuBar() : _pRecentMenu(new wxMenu), _pRecentKeysMenu(new wxMenu)
     Append(makeSignatureMenu(), "&Signature");
     Append(makeDeveloperMenu(), "&Developer");
     Append(makeHelpMenu(), "&Help");
-    showRecentDocuments({});
-    showRecentKeys({});
+    showRecentPaths({}, {});
 }
 
-void hoMenuBar::showRecentDocuments(const std::vector<gtString>& paths)
+void hoMenuBar::showRecentPaths(const std::vector<gtString>& documents, const std::vector<gtString>& keys)
 {
-    fill(*_pRecentMenu, paths, ID_RECENT_FIRST, ID_CLEAR_RECENT, "Forget which documents were open before");
-}
-
-void hoMenuBar::showRecentKeys(const std::vector<gtString>& paths)
-{
-    fill(*_pRecentKeysMenu, paths, ID_RECENT_KEY_FIRST, ID_CLEAR_RECENT_KEYS, "Forget which keys were loaded before");
+    fill(*_pRecentMenu, documents, ID_RECENT_FIRST, ID_CLEAR_RECENT, "Forget which documents were open before");
+    fill(*_pRecentKeysMenu, keys, ID_RECENT_KEY_FIRST, ID_CLEAR_RECENT_KEYS, "Forget which keys were loaded before");
 }
 
 void hoMenuBar::followConditions(wxFrame& frame, const Conditions& conditions)
@@ -149,6 +145,33 @@ void hoMenuBar::followConditions(wxFrame& frame, const Conditions& conditions)
         wxEVT_UPDATE_UI,
         [isChecked = conditions._hasAssertionDialogs](wxUpdateUIEvent& event) { event.Check(isChecked()); },
         ID_ASSERTION_DIALOGS);
+}
+
+void hoMenuBar::followRecentPaths(wxFrame& frame, hoRecentDocuments& recent, int firstId, int clearId,
+                                  const std::function<void(const gtString& path)>& open,
+                                  const std::function<void()>& onClear)
+{
+    frame.Bind(
+        wxEVT_MENU,
+        [&recent, firstId, open](wxCommandEvent& event)
+        {
+            const auto number = static_cast<std::size_t>(event.GetId() - firstId);
+            if (number < recent.paths().size())
+            {
+                // A copy: what is opened moves to the front of the list.
+                const gtString path = recent.paths()[number];
+                open(path);
+            }
+        },
+        firstId, firstId + static_cast<int>(hoRecentDocuments::mostDocuments) - 1);
+    frame.Bind(
+        wxEVT_MENU,
+        [&recent, onClear](wxCommandEvent&)
+        {
+            recent.clear();
+            onClear();
+        },
+        clearId);
 }
 
 void hoFillContextMenu(wxMenu& menu)

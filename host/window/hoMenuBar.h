@@ -4,7 +4,7 @@
 #ifndef COUNTERSIGN_HO_MENU_BAR_H
 #define COUNTERSIGN_HO_MENU_BAR_H
 
-#include "platform/baseTools/gtString.h"
+#include "host/documents/hoRecentDocuments.h"
 
 #include <wx/menu.h>
 
@@ -30,14 +30,19 @@ public:
     // For wxFrame::SetMenuBar, which takes the bar over. The lists of recent documents and keys are empty.
     hoMenuBar();
 
-    // Fills File > Open recent: the n-th path has the id ID_RECENT_FIRST + n. At most hoRecentDocuments::mostDocuments.
-    void showRecentDocuments(const std::vector<gtString>& paths);
-
-    // The same of Key > Load recent key, from ID_RECENT_KEY_FIRST on.
-    void showRecentKeys(const std::vector<gtString>& paths);
+    // Fills File > Open recent, where the n-th path has the id ID_RECENT_FIRST + n, and Key > Load recent key, from
+    // ID_RECENT_KEY_FIRST on. At most hoRecentDocuments::mostDocuments of each.
+    void showRecentPaths(const std::vector<gtString>& documents, const std::vector<gtString>& keys);
 
     // From now on the commands of this frame are enabled and checked as the conditions say.
     static void followConditions(wxFrame& frame, const Conditions& conditions);
+
+    // From now on the frame's commands of a list of recent paths do what they say. firstId: ID_RECENT_FIRST or
+    // ID_RECENT_KEY_FIRST. open gets the path that is chosen. onClear is called when the list has been cleared. The list
+    // must outlive the frame's commands.
+    static void followRecentPaths(wxFrame& frame, hoRecentDocuments& recent, int firstId, int clearId,
+                                  const std::function<void(const gtString& path)>& open,
+                                  const std::function<void()>& onClear);
 
 private:
     wxMenu* _pRecentMenu;  // these two belong to the bar

@@ -23,7 +23,12 @@ bool isSameKey(const hoLoadedKey& left, const hoLoadedKey& right)
 }  // namespace
 
 hoSigningController::hoSigningController(wxWindow& parent, const hoKeyRing& keys, Callbacks callbacks)
-    : _parent(parent), _keys(keys), _callbacks(std::move(callbacks)), _isChanged(false), _pProgressDialog(nullptr)
+    : _parent(parent),
+      _keys(keys),
+      _callbacks(std::move(callbacks)),
+      _isChanged(false),
+      _isAskingToQuit(false),
+      _pProgressDialog(nullptr)
 {
     _pause.Bind(wxEVT_TIMER,
                 [this](wxTimerEvent&)
@@ -144,6 +149,22 @@ bool hoSigningController::askAboutSignatures(const std::vector<hoDocument>& docu
     mayOverwrite = answer == wxID_YES || answer == wxID_OK;
     // Another job may have begun while the question was up.
     return (mayOverwrite || answer == wxID_NO) && canBegin(hoSigningJob::Kind::Sign);
+}
+
+bool hoSigningController::askToQuit()
+{
+    // A second request while the first is being decided changes nothing.
+    if (std::exchange(_isAskingToQuit, true))
+    {
+        return false;
+    }
+    wxMessageDialog question(&_parent, "Documents are being signed or tested. Quit all the same?", "Countersign",
+                             wxOK | wxCANCEL | wxCANCEL_DEFAULT | wxICON_WARNING);
+    question.SetExtendedMessage("The signatures that are finished stay. The other documents are left as they are.");
+    question.SetOKCancelLabels("&Quit", "&Go on");
+    const bool isWanted = question.ShowModal() == wxID_OK;
+    _isAskingToQuit = false;
+    return isWanted;
 }
 
 void hoSigningController::stop()

@@ -45,6 +45,11 @@ public:
     // if the user cancels. Where the system gives no thread a message says so: after _onBegin, and no _onEnd comes.
     void begin(hoSigningJob::Kind kind, const std::vector<hoDocument>& documents);
 
+    // Whether the window is to be closed though a job runs: asks, above the parent. A second call while the question is up
+    // gives false.
+    bool askToQuit();
+    bool isAskingToQuit() const { return _isAskingToQuit; }
+
     // Gives up the job, without a callback. When this returns nothing is written any more.
     void stop();
     // The same where the toolkit can no longer be used. Leaves the object fit for nothing but this.
@@ -68,6 +73,7 @@ private:
     wxTimer _patience;                        // until a progress dialog appears
     wxTimer _pause;                           // while it runs changes are only noted
     bool _isChanged;
+    bool _isAskingToQuit;
     hoProgressDialog* _pProgressDialog;        // null while there is none
     std::unique_ptr<gtMainThreadCall> _pCall;  // from the first job on
     // The last member: its thread uses _pCall.

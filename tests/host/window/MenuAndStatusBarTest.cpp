@@ -26,11 +26,11 @@ TEST_F(MenuBar, ListsRecentDocuments)
     EXPECT_EQ(label(*pBar, ID_CLEAR_RECENT), "None yet");
     EXPECT_FALSE(pBar->FindItem(ID_CLEAR_RECENT)->IsEnabled());
 
-    pBar->showRecentDocuments({"/a&b", "/c\nd"});
+    pBar->showRecentPaths({"/a&b", "/c\nd"}, {});
     EXPECT_EQ(label(*pBar, ID_RECENT_FIRST), "1  /a&b");
     EXPECT_EQ(label(*pBar, ID_RECENT_FIRST + 1), "2  /c\u240ad");
     EXPECT_EQ(label(*pBar, ID_CLEAR_RECENT), "Clear this list");
-    pBar->showRecentDocuments({});
+    pBar->showRecentPaths({}, {});
     EXPECT_EQ(pBar->FindItem(ID_RECENT_FIRST), nullptr);
 }
 
