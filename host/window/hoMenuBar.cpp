@@ -141,6 +141,19 @@ void hoMenuBar::followConditions(wxFrame& frame, const Conditions& conditions)
     enable(ID_TEST_ALL, conditions._canTest);
     enable(ID_FORGET_KEYS, conditions._hasKeys);
     enable(ID_KEY_INFORMATION, conditions._hasKeys);
+    // A list takes this key for the one that goes to the next control.
+    frame.Bind(wxEVT_CHAR_HOOK,
+               [&frame, hasKeys = conditions._hasKeys](wxKeyEvent& event)
+               {
+                   if (event.GetKeyCode() != 'I' || event.GetModifiers() != wxMOD_CONTROL)
+                   {
+                       event.Skip();
+                   }
+                   else if (hasKeys())
+                   {
+                       wxQueueEvent(&frame, new wxCommandEvent(wxEVT_MENU, ID_KEY_INFORMATION));
+                   }
+               });
     frame.Bind(
         wxEVT_UPDATE_UI,
         [isChecked = conditions._hasAssertionDialogs](wxUpdateUIEvent& event) { event.Check(isChecked()); },

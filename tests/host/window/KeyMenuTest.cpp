@@ -83,6 +83,23 @@ TEST_F(KeyMenu, TellsOfTheKeyAndExportsItsPublicHalf)
     EXPECT_EQ(_folder.read("mine.pub.pem"), hoPublicKeyPem(key).asStdString());
 }
 
+// In a list the key is another one's: the one that goes to the next control.
+TEST_F(KeyMenu, TellsOfTheKeyWhileTheListHasTheKeyboard)
+{
+    start();
+    openAskedFor(_folder.write("a.txt", "x"));
+    tsPressKeys("ctrl+i");
+    settle();
+    EXPECT_EQ(tsTopModalDialog(), nullptr) << "there is no key";
+    loadKey();
+    tsScript script;
+    script.waitUntil("the information has the keyboard", isInformationUp)
+        .perform("close it", [] { tsPressKeys("Escape"); })
+        .start();
+    tsPressKeys("ctrl+i");
+    tsRunUntil("the information is closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+}
+
 TEST_F(KeyMenu, RemembersTheFilesOfKeys)
 {
     start();
