@@ -11,8 +11,8 @@
 // The path without ".sig" when it ends in that and a file without it is there; else the path.
 gtString hoDocumentMeant(const gtString& path);
 
-// The paths, with the files below a folder (see hoFilesBelow) in its place. A folder without files stays. What cannot be
-// read is passed over. Every document comes once.
+// The paths, with the files below a folder (see hoFilesBelow) in its place. A folder without files stays. What cannot
+// be read is passed over. Every document comes once.
 std::vector<gtString> hoDocumentsMeant(const std::vector<gtString>& paths);
 
 #endif

@@ -16,8 +16,8 @@ class wxFrame;
 wxString hoWhyGrey(int command, const hoDocumentList& documents, std::size_t amountSelected, const hoKeyRing& keys,
                    bool isAtWork);
 
-// From now on each menu of the frame's bar that opens has tooltips that say why commands are grey, by whyGrey. When it is
-// the one with the commands that sign and test, showReason gets the reason of Sign, which may be empty.
+// From now on each menu of the frame's bar that opens has tooltips that say why commands are grey, by whyGrey. When it
+// is the one with the commands that sign and test, showReason gets the reason of Sign, which may be empty.
 void hoExplainGreyCommands(wxFrame& frame, const std::function<wxString(int command)>& whyGrey,
                            const std::function<void(const wxString& reason)>& showReason);
 

@@ -38,8 +38,8 @@ public:
     static void followConditions(wxFrame& frame, const Conditions& conditions);
 
     // From now on the frame's commands of a list of recent paths do what they say. firstId: ID_RECENT_FIRST or
-    // ID_RECENT_KEY_FIRST. open gets the path that is chosen. onClear is called when the list has been cleared. The list
-    // must outlive the frame's commands.
+    // ID_RECENT_KEY_FIRST. open gets the path that is chosen. onClear is called when the list has been cleared. The
+    // list must outlive the frame's commands.
     static void followRecentPaths(wxFrame& frame, hoRecentDocuments& recent, int firstId, int clearId,
                                   const std::function<void(const gtString& path)>& open,
                                   const std::function<void()>& onClear);

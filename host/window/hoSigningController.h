@@ -45,8 +45,8 @@ public:
     // if the user cancels. Where the system gives no thread a message says so: after _onBegin, and no _onEnd comes.
     void begin(hoSigningJob::Kind kind, const std::vector<hoDocument>& documents);
 
-    // Whether the window is to be closed though a job runs: asks, above the parent. A second call while the question is up
-    // gives false.
+    // Whether the window is to be closed though a job runs: asks, above the parent. A second call while the question is
+    // up gives false.
     bool askToQuit();
     bool isAskingToQuit() const { return _isAskingToQuit; }
 
