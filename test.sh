@@ -99,9 +99,18 @@ fi
 say "running the tests (preset $preset)"
 summary=$(mktemp "$root/build/summary.XXXXXX") || fail "writing in $root/build"
 trap 'rm -f "$summary"' EXIT
-# ctest's summary comes last.
-"${runner[@]}" ctest --preset "$preset" "${arguments[@]}" |
-    awk -v summary="$summary" '/^[0-9]+% tests passed/ { held = 1 } held { print >summary; next } { print; fflush() }'
+# ctest's summary comes last. Not by awk: Debian's reads lines in blocks.
+"${runner[@]}" ctest --preset "$preset" "${arguments[@]}" | {
+    isHeld=
+    while IFS= read -r line || [ -n "$line" ]; do
+        [[ -n $isHeld || ! $line =~ ^[0-9]+%\ tests\ passed ]] || isHeld=yes
+        if [ -n "$isHeld" ]; then
+            printf '%s\n' "$line" >>"$summary"
+        else
+            printf '%s\n' "$line"
+        fi
+    done
+}
 status=${PIPESTATUS[0]}
 log=$root/build/$preset/Testing/Temporary/LastTest.log
 [ ! -s "$summary" ] || [ ! -f "$log" ] || "$root/scripts/list-forms.sh" "$log"

@@ -135,6 +135,19 @@ case $case in
         # What is chosen may be a long one.
         expectRun '' '--rerun-failed -j 4' --rerun-failed
         expectRun '' '-I 3,4 -j 4' -I 3,4
+        # Lines come as ctest prints them, also where no terminal takes them.
+        stand ctest "case \" \$* \" in *' -N '*) echo 'Total Tests: 0'; exit ;; esac
+            echo first; while [ ! -e '$here/seen' ]; do sleep 0.1; done"
+        mkfifo "$here/lines"
+        PATH=$here/bin:$PATH "$here/copy/test.sh" >"$here/lines" 2>&1 &
+        exec 3<"$here/lines"
+        line=
+        while [ "$line" != first ] && read -r -t 60 line <&3; do :; done
+        : >"$here/seen"
+        [ "$line" = first ] || complain "a line is held back"
+        cat <&3 >/dev/null
+        exec 3<&-
+        wait
         ;;
 
     testsThatAreChosenAreBuilt)
