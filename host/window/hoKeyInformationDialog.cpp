@@ -86,7 +86,9 @@ hoKeyInformationDialog::hoKeyInformationDialog(wxWindow* pParent, const hoKeyRin
 void hoKeyInformationDialog::exportPublicHalf()
 {
     const hoLoadedKey& key = exportedKey(_keys);
-    const wxString name = hoDisplayText(hoLastComponent(key._path), 60).BeforeLast('.') + ".pub.pem";
+    const wxString file = hoDisplayText(hoLastComponent(key._path), 60);
+    const wxString stem = file.BeforeLast('.');
+    const wxString name = (stem.empty() ? file : stem) + ".pub.pem";
     wxFileDialog dialog(this, "Export the public key", wxString(), name, "PEM files (*.pem)|*.pem|All files|*",
                         wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
     if (dialog.ShowModal() != wxID_OK)
