@@ -7,8 +7,8 @@
 # run: to build and run the programs; test: also to run the tests (the default); develop: also to lint, measure,
 # fuzz and package; release: also what scripts/release-check.sh needs.
 #
-# Some packages are optional: without one, a test is skipped and says so. An optional package that is not to be had, or
-# only by removing another one, is left out with a word, and is tried again when the installed packages have changed.
+# Some packages are optional: without one, a test is skipped and says so. An optional package that is not available, or
+# only by removing another one, is skipped with a word, and is tried again when the installed packages have changed.
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
@@ -87,12 +87,12 @@ for package in "${needed[@]}"; do
     isInstalled "$package" || missing+=("$package")
 done
 
-# Which optional packages were not to be had, one a line. It holds for as long as nothing else gets installed.
+# Which optional packages are not available, one a line. It holds for as long as nothing else gets installed.
 statusFile=${COUNTERSIGN_DPKG_STATUS:-/var/lib/dpkg/status}
-leftOut=$root/build/left-out-packages
+unavailable=$root/build/unavailable-packages
 known=
-if [ -f "$leftOut" ] && [ ! "$statusFile" -nt "$leftOut" ]; then
-    known=$(cat "$leftOut")
+if [ -f "$unavailable" ] && [ ! "$statusFile" -nt "$unavailable" ]; then
+    known=$(cat "$unavailable")
 fi
 wished=()
 for package in "${optional[@]}"; do
@@ -105,7 +105,7 @@ if [ "$(id -u)" -eq 0 ]; then
 elif command -v sudo >/dev/null 2>&1 && { sudo -n true 2>/dev/null || [ -t 0 ]; }; then
     asRoot=(sudo)
 elif [ "${#missing[@]}" -eq 0 ]; then
-    say "left out, as it takes root or sudo to install them: ${wished[*]}"
+    say "skipped, as it takes root or sudo to install them: ${wished[*]}"
     exit 0
 else
     say "these packages are missing: ${missing[*]}"
@@ -151,7 +151,7 @@ for package in "${wished[@]}"; do
     isInstalled "$package" || out+=("$package")
 done
 if [ "${#out[@]}" -gt 0 ]; then
-    say "left out, not to be had here without removing other packages: ${out[*]}"
-    mkdir -p "$root/build" && printf '%s\n' "$known" "${out[@]}" | sed '/^$/d' | sort -u >"$leftOut"
+    say "skipped, not available here without removing other packages: ${out[*]}"
+    mkdir -p "$root/build" && printf '%s\n' "$known" "${out[@]}" | sed '/^$/d' | sort -u >"$unavailable"
 fi
 exit 0

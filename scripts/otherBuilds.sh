@@ -37,7 +37,7 @@ esac
 "$root/scripts/install-dependencies.sh" "$packages" || exit
 work=$root/build/other
 mkdir -p "$work" || fail "making the folder $work"
-leftOutTests=${COUNTERSIGN_OTHER_TESTS:-^(long|window)$}
+skippedTests=${COUNTERSIGN_OTHER_TESTS:-^(long|window)$}
 skipped=77
 
 # ccache would not keep what is compiled with precompiled headers.
@@ -69,7 +69,7 @@ build() {
 runTests() {
     local folder=$1
     shift
-    ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$(nproc)" -LE "$leftOutTests" "$@"
+    ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$(nproc)" -LE "$skippedTests" "$@"
 }
 
 # copySources FOLDER: what git knows and what it would take, as it is now; a repository of its own.
@@ -162,7 +162,7 @@ variant_user() {
     export -f runProgram
     chown -R nobody: "$source" &&
         setpriv --reuid=nobody --regid="$(id -g nobody)" --clear-groups env HOME="$source" CCACHE_DIR="$source/.ccache" \
-            bash -c 'cd "$HOME/countersign" && runProgram && ./test.sh -LE "$1"' - "$leftOutTests"
+            bash -c 'cd "$HOME/countersign" && runProgram && ./test.sh -LE "$1"' - "$skippedTests"
     local status=$?
     rm -rf "$source"
     return "$status"
@@ -177,7 +177,7 @@ variant_offline() {
     copySources "$source" &&
         (cd "$source" && ./test.sh -R '^platform' && runProgram) &&
         printf '\n' | tee -a "$source/platform/baseTools/gtString.cpp" "$source/host/MainFrame.cpp" >/dev/null &&
-        unshare "${nothing[@]}" --net bash -c 'cd "$1" && runProgram && ./test.sh -LE "$2"' - "$source" "$leftOutTests"
+        unshare "${nothing[@]}" --net bash -c 'cd "$1" && runProgram && ./test.sh -LE "$2"' - "$source" "$skippedTests"
 }
 
 # arm64Root FOLDER: an arm64 system's libraries and headers, unpacked and not installed, so that nothing here has to go.

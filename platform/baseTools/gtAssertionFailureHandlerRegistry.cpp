@@ -13,7 +13,7 @@
 
 namespace
 {
-// Registrations are numbered: one that is taken back and made again is another one.
+// Registrations are numbered: taking one back and making it again gives it a new number.
 struct Registration
 {
     gtIAssertionFailureHandler* pHandler;

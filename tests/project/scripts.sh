@@ -265,7 +265,7 @@ case $case in
         expectCalls update '-y --no-remove .* install gdb' '-s -y --no-remove .* install clang' \
             '-s -y --no-remove .* install clang shellcheck' '-s -y --no-remove .* install clang shellcheck mandoc' \
             '-y --no-remove .* install clang shellcheck'
-        expectLine '^countersign: left out, not to be had here without removing other packages: mandoc$'
+        expectLine '^countersign: skipped, not available here without removing other packages: mandoc$'
         # It is not asked for again before something changes.
         rm "$here/apt"
         installDependencies develop || complain "it failed the second time"
@@ -282,7 +282,7 @@ case $case in
         printf 'clang\n' >"$here/broken"
         installDependencies develop || complain "it failed"
         grep -qx shellcheck "$here/missing" && complain "shellcheck was not installed"
-        expectLine '^countersign: left out, not to be had here without removing other packages: clang$'
+        expectLine '^countersign: skipped, not available here without removing other packages: clang$'
         # One that is needed does not go without saying.
         packageSystem gdb
         printf 'gdb\n' >"$here/broken"
@@ -296,7 +296,7 @@ case $case in
         stand sudo 'exit 1'
         installDependencies test || complain "it failed"
         expectCalls
-        expectLine '^countersign: left out, as it takes root or sudo to install them: clang$'
+        expectLine '^countersign: skipped, as it takes root or sudo to install them: clang$'
         ;;
 
     saysWhenItMayNotInstall)
