@@ -2,6 +2,7 @@
 #include "host/MainFrame.h"
 
 #include "host/desktop/hoApplicationArguments.h"
+#include "host/window/hoCatalogues.h"
 #include "host/window/hoCommands.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoDocumentDropTarget.h"
@@ -98,6 +99,7 @@ void MainFrame::openFilePath(const gtString& path, bool isAskedFor)
 
 void MainFrame::makeWindow()
 {
+    hoUseCatalogueOfUser(hoApplicationPath());
     Create(nullptr, wxID_ANY, "Countersign", wxDefaultPosition, usualClientSize);
     SetIcons(hoApplicationIcons());
     _pMenuBar = new hoMenuBar;

@@ -2,6 +2,8 @@
 #include "host/messages/hoMessages.h"
 
 #include "crypto/crRSAEncryptionKey.h"
+#include "host/messages/hoFilledText.h"
+#include "host/messages/hoLanguage.h"
 #include "host/messages/hoNumbers.h"
 #include "host/signing/hoCountersignature.h"
 
@@ -12,11 +14,15 @@
 namespace
 {
 
-const char* const noMemory = "there is not enough memory";
-
-gtString bitsText(int bits)
+gtString noMemory()
 {
-    return gtString(std::to_string(bits)).append(" bits");
+    return hoTranslated("there is not enough memory");
+}
+
+// Without marks between the digits.
+gtString plainNumber(int number)
+{
+    return std::to_string(number);
 }
 
 gtString bytesText(int bytes)
@@ -31,9 +37,9 @@ int bitsOf(const crRSAEncryptionKey& key)
     return key.amountOfProductDigits() * bitsPerDigit;
 }
 
-gtString because(const char* pText, int systemError)
+gtString because(const gtString& format, int systemError)
 {
-    return gtString(pText).append(": ").append(hoSystemErrorText(systemError));
+    return hoFilledText(format, {hoSystemErrorText(systemError)});
 }
 
 }  // namespace
@@ -51,24 +57,24 @@ gtString hoFileReason(const osFileResult& result)
     case osFileProblem::None:
         break;
     case osFileProblem::NoName:
-        return "the name is empty";
+        return hoTranslated("the name is empty");
     case osFileProblem::NotThere:
-        return "there is no such file";
+        return hoTranslated("there is no such file");
     case osFileProblem::NotLocal:
-        return "it is not on this machine; choose a file that is";
+        return hoTranslated("it is not on this machine; choose a file that is");
     case osFileProblem::NotPermitted:
-        return "you may not read it";
+        return hoTranslated("you may not read it");
     case osFileProblem::IsFolder:
-        return "it is a folder; choose the files in it";
+        return hoTranslated("it is a folder; choose the files in it");
     case osFileProblem::NotRegular:
-        return "it is a pipe, a socket or a device, not a file";
+        return hoTranslated("it is a pipe, a socket or a device, not a file");
     case osFileProblem::NameTooLong:
-        return "the name is longer than the system allows";
+        return hoTranslated("the name is longer than the system allows");
     case osFileProblem::TooManyLinks:
-        return "its symbolic links lead in a circle";
+        return hoTranslated("its symbolic links lead in a circle");
     case osFileProblem::CannotBeRead:
-        return result._systemError == 0 ? gtString("the system cannot read it")
-                                        : because("it cannot be read", result._systemError);
+        return result._systemError == 0 ? hoTranslated("the system cannot read it")
+                                        : because(hoTranslated("it cannot be read: %s"), result._systemError);
     }
     return gtString();
 }
@@ -80,59 +86,59 @@ gtString hoKeyFileReason(const hoKeyFileFacts& facts)
     case hoKeyFileProblem::None:
         break;
     case hoKeyFileProblem::CannotBeRead:
-        return because("the key cannot be read", facts._systemError);
+        return because(hoTranslated("the key cannot be read: %s"), facts._systemError);
     case hoKeyFileProblem::IsFolder:
-        return "it is a folder, not a key; choose a PEM file";
+        return hoTranslated("it is a folder, not a key; choose a PEM file");
     case hoKeyFileProblem::NotRegular:
-        return "it is a pipe, a socket or a device, not a key; choose a PEM file";
+        return hoTranslated("it is a pipe, a socket or a device, not a key; choose a PEM file");
     case hoKeyFileProblem::TooLarge:
-        return "it is too large for a key; choose a PEM file";
+        return hoTranslated("it is too large for a key; choose a PEM file");
     case hoKeyFileProblem::NoKey:
-        return "there is no key in it";
+        return hoTranslated("there is no key in it");
     case hoKeyFileProblem::OpenSshFormat:
-        return "it is a key in OpenSSH's own format; ssh-keygen -p -m PEM -f FILE turns a copy into PEM";
+        return hoTranslated("it is a key in OpenSSH's own format; ssh-keygen -p -m PEM -f FILE turns a copy into PEM");
     case hoKeyFileProblem::SshPublicKey:
-        return "it is a public key for SSH; ssh-keygen -e -m PKCS8 -f FILE > key.pem turns it into PEM";
+        return hoTranslated("it is a public key for SSH; ssh-keygen -e -m PKCS8 -f FILE > key.pem turns it into PEM");
     case hoKeyFileProblem::PuttyFormat:
-        return "it is a key in PuTTY's format; puttygen FILE -O private-openssh -o key.pem turns it into another";
+        return hoTranslated(
+            "it is a key in PuTTY's format; puttygen FILE -O private-openssh -o key.pem turns it into another");
     case hoKeyFileProblem::OpenPgpKey:
-        return "it is a key for OpenPGP, which cannot be turned into another; openssl genrsa -out key.pem 2048 makes "
-               "one";
+        return hoTranslated(
+            "it is a key for OpenPGP, which cannot be turned into another; openssl genrsa -out key.pem 2048 makes one");
     case hoKeyFileProblem::CertificateRequest:
-        return "it is a certificate request; openssl req -in FILE -noout -pubkey -out key.pem takes its public key out";
+        return hoTranslated(
+            "it is a certificate request; openssl req -in FILE -noout -pubkey -out key.pem takes its public key out");
     case hoKeyFileProblem::Pkcs12:
-        return "it is a PKCS#12 file; openssl pkcs12 -in FILE -nocerts -out key.pem takes its private key out";
+        return hoTranslated(
+            "it is a PKCS#12 file; openssl pkcs12 -in FILE -nocerts -out key.pem takes its private key out");
     case hoKeyFileProblem::Utf16:
-        return "it is text in UTF-16; iconv -f UTF-16 -t ASCII FILE > key.pem turns it into ASCII";
+        return hoTranslated("it is text in UTF-16; iconv -f UTF-16 -t ASCII FILE > key.pem turns it into ASCII");
     case hoKeyFileProblem::RsaPss:
-        return "it is a key for RSASSA-PSS alone; openssl asn1parse -in FILE -strparse $(openssl asn1parse -in FILE | "
-               "awk -F: "
-               "'/OCTET/{print $1; exit}') -noout -out key.der takes the mark off a private one";
+        return hoTranslated(
+            "it is a key for RSASSA-PSS alone; openssl asn1parse -in FILE -strparse $(openssl asn1parse -in FILE | awk "
+            "-F: '/OCTET/{print $1; exit}') -noout -out key.der takes the mark off a private one");
     case hoKeyFileProblem::EncryptionNotSupported:
-        return "it is encrypted in a way that is not supported any more, whatever the passphrase is; openssl pkey "
-               "-provider "
-               "legacy -provider default -in FILE -aes256 -out key.pem encrypts it anew";
+        return hoTranslated(
+            "it is encrypted in a way that is not supported any more, whatever the passphrase is; openssl pkey "
+            "-provider legacy -provider default -in FILE -aes256 -out key.pem encrypts it anew");
     case hoKeyFileProblem::Unsafe:
-        return "its numbers keep nothing secret (an even number, an exponent below 3, or a modulus that is no product "
-               "of two "
-               "primes)";
+        return hoTranslated("its numbers keep nothing secret (an even number, an exponent below 3, or a modulus that "
+                            "is no product of two primes)");
     case hoKeyFileProblem::NotRsa:
-        return "it is not an RSA key";
+        return hoTranslated("it is not an RSA key");
     case hoKeyFileProblem::PassphraseNeeded:
-        return "it is encrypted, and no passphrase was given";
+        return hoTranslated("it is encrypted, and no passphrase was given");
     case hoKeyFileProblem::PassphraseTooLong:
         return hoLongPassphraseReason();
     case hoKeyFileProblem::WrongPassphrase:
-        return "wrong passphrase";
+        return hoTranslated("wrong passphrase");
     case hoKeyFileProblem::Damaged:
-        return "the key in it is damaged";
+        return hoTranslated("the key in it is damaged");
     case hoKeyFileProblem::SizeNotSupported:
-        return gtString("the key has ")
-            .append(bitsText(facts._bits))
-            .append("; keys have a multiple of 32, up to ")
-            .append(std::to_string(hoLargestKeyBits));
+        return hoFilledText(hoTranslated("the key has %s bits; keys have a multiple of 32, up to %s"),
+                            {plainNumber(facts._bits), plainNumber(hoLargestKeyBits)});
     case hoKeyFileProblem::NoMemory:
-        return noMemory;
+        return noMemory();
     }
     return gtString();
 }
@@ -144,27 +150,26 @@ gtString hoSigningReason(const hoSigningFacts& facts)
     case hoSigningProblem::None:
         break;
     case hoSigningProblem::NoPrivateKey:
-        return "the key is a public one, and signing takes a private key";
+        return hoTranslated("the key is a public one, and signing takes a private key");
     case hoSigningProblem::KeyTooSmall:
-        return gtString("the key is too small for files, which take ")
-            .append(bitsText(hoSmallestSigningKeyBits))
-            .append(" or more");
+        return hoFilledText(hoTranslated("the key is too small for files, which take %s bits or more"),
+                            {plainNumber(hoSmallestSigningKeyBits)});
     case hoSigningProblem::CannotCountersign:
-        return gtString("the key is too small to countersign, which takes ")
-            .append(bitsText(hoLeastCountersigningBits))
-            .append(" or more");
+        return hoFilledText(hoTranslated("the key is too small to countersign, which takes %s bits or more"),
+                            {plainNumber(hoLeastCountersigningBits)});
     case hoSigningProblem::CountersigningFailed:
-        return "libcrypto cannot countersign with this key";
+        return hoTranslated("libcrypto cannot countersign with this key");
     case hoSigningProblem::FileCannotBeRead:
         return hoFileReason(osFileResult(facts._fileProblem, facts._systemError));
     case hoSigningProblem::FileChanged:
-        return "it was changed while it was being read; try again when nothing writes to it";
+        return hoTranslated("it was changed while it was being read; try again when nothing writes to it");
     case hoSigningProblem::Cancelled:
-        return "interrupted";
+        return hoTranslated("interrupted");
     case hoSigningProblem::SelfTestFailed:
-        return "the new signature does not test good and was discarded; something is wrong with this machine";
+        return hoTranslated(
+            "the new signature does not test good and was discarded; something is wrong with this machine");
     case hoSigningProblem::NoMemory:
-        return noMemory;
+        return noMemory();
     }
     return gtString();
 }
@@ -176,20 +181,22 @@ gtString hoSignatureFileReason(const hoSignatureFileResult& facts)
     case hoSignatureFileProblem::None:
         break;
     case hoSignatureFileProblem::CannotBeRead:
-        return facts._systemError == ENOENT ? gtString("there is no such signature")
-                                            : because("the signature cannot be read", facts._systemError);
+        return facts._systemError == ENOENT
+                   ? hoTranslated("there is no such signature")
+                   : because(hoTranslated("the signature cannot be read: %s"), facts._systemError);
     case hoSignatureFileProblem::TooLarge:
-        return "it is too large for a signature";
+        return hoTranslated("it is too large for a signature");
     case hoSignatureFileProblem::Exists:
-        return "it exists already and was kept";
+        return hoTranslated("it exists already and was kept");
     case hoSignatureFileProblem::NotOurs:
-        return "it is not a signature of this program, and is never overwritten; move it away or choose another name";
+        return hoTranslated(
+            "it is not a signature of this program, and is never overwritten; move it away or choose another name");
     case hoSignatureFileProblem::NotRegular:
-        return "it is a folder or a device, and is not overwritten";
+        return hoTranslated("it is a folder or a device, and is not overwritten");
     case hoSignatureFileProblem::CannotBeWritten:
-        return because("the signature cannot be written", facts._systemError);
+        return because(hoTranslated("the signature cannot be written: %s"), facts._systemError);
     case hoSignatureFileProblem::NoMemory:
-        return noMemory;
+        return noMemory();
     }
     return gtString();
 }
@@ -201,12 +208,12 @@ gtString hoWritingReason(const osWritingResult& result)
     case osWritingProblem::None:
         break;
     case osWritingProblem::Exists:
-        return "it exists already and was kept";
+        return hoTranslated("it exists already and was kept");
     case osWritingProblem::IsFolder:
     case osWritingProblem::NotRegular:
-        return "it is a folder or a device, and is not overwritten";
+        return hoTranslated("it is a folder or a device, and is not overwritten");
     case osWritingProblem::CannotBeWritten:
-        return because("it cannot be written", result._systemError);
+        return because(hoTranslated("it cannot be written: %s"), result._systemError);
     }
     return gtString();
 }
@@ -216,21 +223,19 @@ gtString hoEncryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key
     switch (problem)
     {
     case hoTextProblem::TooLong:
-        return gtString("the text has ")
-            .append(bytesText(length))
+        return hoFilledText(
             // A reader may have stopped long before the end of the text.
-            .append(length > 2 * hoLongestText(key) ? " or more" : "")
-            .append(", and a key of ")
-            .append(bitsText(bitsOf(key)))
-            .append(" takes ")
-            .append(std::to_string(hoLongestText(key)))
-            .append(" at most");
+            length > 2 * hoLongestText(key)
+                ? hoTranslated("the text has %1$s or more, and a key of %2$s bits takes %3$s at most")
+                : hoTranslated("the text has %1$s, and a key of %2$s bits takes %3$s at most"),
+            {bytesText(length), plainNumber(bitsOf(key)), plainNumber(hoLongestText(key))});
     case hoTextProblem::HoldsNul:
-        return "the text holds a NUL byte, and would end there when it is decrypted";
+        return hoTranslated("the text holds a NUL byte, and would end there when it is decrypted");
     case hoTextProblem::TooLargeForKey:
-        return "the text is as long as the key takes, and its last byte is too high; make it one byte shorter";
+        return hoTranslated(
+            "the text is as long as the key takes, and its last byte is too high; make it one byte shorter");
     case hoTextProblem::NoMemory:
-        return noMemory;
+        return noMemory();
     default:
         return gtString();
     }
@@ -241,21 +246,21 @@ gtString hoDecryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key
     switch (problem)
     {
     case hoTextProblem::NotACipherText:
-        return "this is not a cipher text, which has hexadecimal characters and nothing else";
+        return hoTranslated("this is not a cipher text, which has hexadecimal characters and nothing else");
     case hoTextProblem::OtherSize:
-        return gtString("the cipher text has ")
-            .append(hoAmountText(static_cast<std::uint64_t>(length), "character", "characters"))
-            .append("; one for a key of ")
-            .append(bitsText(bitsOf(key)))
-            .append(" has ")
-            .append(std::to_string(hoLengthOfCipherText(key)))
-            .append(" and begins with the length of its text, ")
-            .append(bytesText(hoLongestText(key)))
-            .append(" at most");
+        return hoFilledText(
+            hoTranslatedPlural("the cipher text has %1$s character; one for a key of %2$s bits has %3$s and begins "
+                               "with the length of its text, %4$s at most",
+                               "the cipher text has %1$s characters; one for a key of %2$s bits has %3$s and begins "
+                               "with the length of its text, %4$s at most",
+                               static_cast<std::uint64_t>(length)),
+            {hoNumberText(static_cast<std::uint64_t>(length)), plainNumber(bitsOf(key)),
+             plainNumber(hoLengthOfCipherText(key)), bytesText(hoLongestText(key))});
     case hoTextProblem::DoesNotComeOut:
-        return "this text is another key's, or damaged; it takes the partner of the key that encrypted it";
+        return hoTranslated(
+            "this text is another key's, or damaged; it takes the partner of the key that encrypted it");
     case hoTextProblem::NoMemory:
-        return noMemory;
+        return noMemory();
     default:
         return gtString();
     }
@@ -269,35 +274,36 @@ gtString hoSignatureFormReason(hoSignatureForm form)
     case hoSignatureForm::Countersigned:
         break;
     case hoSignatureForm::Minisign:
-        return "it is a signature of minisign";
+        return hoTranslated("it is a signature of minisign");
     case hoSignatureForm::Signify:
-        return "it is a signature of signify";
+        return hoTranslated("it is a signature of signify");
     case hoSignatureForm::OpenPgp:
-        return "it is a signature of OpenPGP, as gpg makes them";
+        return hoTranslated("it is a signature of OpenPGP, as gpg makes them");
     case hoSignatureForm::Ssh:
-        return "it is a signature of ssh-keygen";
+        return hoTranslated("it is a signature of ssh-keygen");
     case hoSignatureForm::OtherPem:
-        return "it is a PEM file of another kind, such as a key, a certificate or CMS";
+        return hoTranslated("it is a PEM file of another kind, such as a key, a certificate or CMS");
     case hoSignatureForm::Empty:
-        return "it is empty";
+        return hoTranslated("it is empty");
     case hoSignatureForm::TooLarge:
-        return "it is too large for a signature";
+        return hoTranslated("it is too large for a signature");
     case hoSignatureForm::ByteOrderMark:
-        return "it begins with a byte-order mark, which an editor has added; signatures are plain ASCII";
+        return hoTranslated("it begins with a byte-order mark, which an editor has added; signatures are plain ASCII");
     case hoSignatureForm::OtherLineEnds:
-        return "its lines end in carriage returns; signatures have line feeds alone";
+        return hoTranslated("its lines end in carriage returns; signatures have line feeds alone");
     case hoSignatureForm::Wrapped:
-        return "its first line is broken into several; a signature has it in one";
+        return hoTranslated("its first line is broken into several; a signature has it in one");
     case hoSignatureForm::Truncated:
-        return "it ends before its last line does; a part of it is missing";
+        return hoTranslated("it ends before its last line does; a part of it is missing");
     case hoSignatureForm::OtherCharacters:
-        return "its first line has other characters than 0 to 9 and a to f";
+        return hoTranslated("its first line has other characters than 0 to 9 and a to f");
     case hoSignatureForm::OtherLength:
-        return "its first line has not the length of a signature";
+        return hoTranslated("its first line has not the length of a signature");
     case hoSignatureForm::OtherCountersignature:
-        return "its second line is damaged, or a countersignature of a kind that this program does not know";
+        return hoTranslated(
+            "its second line is damaged, or a countersignature of a kind that this program does not know");
     case hoSignatureForm::TrailingBytes:
-        return "something follows the signature in it";
+        return hoTranslated("something follows the signature in it");
     }
     return gtString();
 }
@@ -339,29 +345,26 @@ gtString hoVerdictReason(const hoTestFacts& facts)
     switch (facts._verdict)
     {
     case hoVerdict::Bad:
-        return "the document is not the one that was signed";
+        return hoTranslated("the document is not the one that was signed");
     case hoVerdict::Weak:
-        return "its exclusive-or digest holds, but there is no countersignature: changes that the digest cannot see "
-               "are "
-               "possible";
+        return hoTranslated("its exclusive-or digest holds, but there is no countersignature: changes that the digest "
+                            "cannot see are possible");
     case hoVerdict::AnotherKey:
         return facts._fingerprint.isEmpty() || facts._fingerprint == facts._keyFingerprint
-                   ? gtString("the signature was made with another key, or is damaged")
-                   : gtString("the signature was made with the key ")
-                         .append(facts._fingerprint)
-                         .append(", and the one given is ")
-                         .append(facts._keyFingerprint);
+                   ? hoTranslated("the signature was made with another key, or is damaged")
+                   : hoFilledText(hoTranslated("the signature was made with the key %1$s, and the one given is %2$s"),
+                                  {facts._fingerprint, facts._keyFingerprint});
     case hoVerdict::NotASignature:
         if (facts._signatureBits != 0 && facts._signatureBits != facts._keyBits)
         {
-            return gtString("its first line has the length for a key of ")
-                .append(bitsText(facts._signatureBits))
-                .append(", and the one given has ")
-                .append(std::to_string(facts._keyBits));
+            return hoFilledText(
+                hoTranslated("its first line has the length for a key of %1$s bits, and the one given has %2$s"),
+                {plainNumber(facts._signatureBits), plainNumber(facts._keyBits)});
         }
-        return facts._signatureBits == 0 ? hoSignatureFormReason(facts._form)
-                                         : gtString("its second line is not a countersignature of a key of ")
-                                               .append(bitsText(facts._keyBits));
+        return facts._signatureBits == 0
+                   ? hoSignatureFormReason(facts._form)
+                   : hoFilledText(hoTranslated("its second line is not a countersignature of a key of %s bits"),
+                                  {plainNumber(facts._keyBits)});
     default:
         return gtString();
     }
@@ -369,9 +372,8 @@ gtString hoVerdictReason(const hoTestFacts& facts)
 
 gtString hoLongPassphraseReason()
 {
-    return gtString("the passphrase is too long; a key file takes up to ")
-        .append(std::to_string(hoLongestPassphrase))
-        .append(" bytes");
+    return hoFilledText(hoTranslated("the passphrase is too long; a key file takes up to %s bytes"),
+                        {std::to_string(hoLongestPassphrase)});
 }
 
 gtString hoPrivateEncryptionWarning()
@@ -384,43 +386,44 @@ gtString hoStateText(hoDocumentState state, bool canTest)
     switch (state)
     {
     case hoDocumentState::NotSigned:
-        return "Not signed";
+        return hoTranslated("Not signed");
     case hoDocumentState::NotTested:
-        return canTest ? "Not tested" : "No key loaded";
+        return canTest ? hoTranslated("Not tested") : hoTranslated("No key loaded");
     case hoDocumentState::SignedByMe:
-        return "Signed by me";
+        return hoTranslated("Signed by me");
     case hoDocumentState::Good:
-        return "Good";
+        return hoTranslated("Good");
     case hoDocumentState::Weak:
-        return "Weak";
+        return hoTranslated("Weak");
     case hoDocumentState::Bad:
-        return "Bad";
+        return hoTranslated("Bad");
     case hoDocumentState::AnotherKey:
-        return "Another key";
+        return hoTranslated("Another key");
     case hoDocumentState::NotASignature:
-        return "Not a signature";
+        return hoTranslated("Not a signature");
     case hoDocumentState::Changed:
-        return "Changed since";
+        return hoTranslated("Changed since");
     case hoDocumentState::CannotBeRead:
-        return "Cannot be read";
+        return hoTranslated("Cannot be read");
     case hoDocumentState::Missing:
-        return "Missing";
+        return hoTranslated("Missing");
     }
     return gtString();
 }
 
 gtString hoOpenKeyWarning()
 {
-    return "others may read or change this private key; chmod 600 keeps it to you";
+    return hoTranslated("others may read or change this private key; chmod 600 keeps it to you");
 }
 
 gtString hoOpenFolderWarning()
 {
-    return "others may replace this private key, because they may write to its folder; chmod 700 keeps that to you";
+    return hoTranslated(
+        "others may replace this private key, because they may write to its folder; chmod 700 keeps that to you");
 }
 
 gtString hoLibcryptoMemoryWarning()
 {
-    return "traces of this private key stay in memory, because another library used libcrypto before this program did; "
-           "start it without LD_PRELOAD";
+    return hoTranslated("traces of this private key stay in memory, because another library used libcrypto before this "
+                        "program did; start it without LD_PRELOAD");
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Every problem and verdict in words, once for the window and the command line.
+// Every problem and verdict in words, once for the window and the command line, in the program's language
+// (hoLanguage.h).
 //
 // A reason is a clause without a subject's name and without a full stop, to stand behind a name and a colon: "it is a
 // folder; choose the files in it". Empty when there is no problem. UTF-8. Plain functions; safe from any thread; only
@@ -29,7 +30,8 @@ gtString hoWritingReason(const osWritingResult& result);
 gtString hoEncryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key, int length);
 gtString hoDecryptionReason(hoTextProblem problem, const crRSAEncryptionKey& key, int length);
 
-// The verdict as a word or two, as it stands behind a document's name: "good", "BAD", "another key".
+// The verdict as a word or two, as it stands behind a document's name: "good", "BAD", "another key". In English,
+// whatever the language is, as scripts read it.
 gtString hoVerdictText(hoVerdict verdict);
 
 // What stands behind the verdict: why the document could not be tested, what its signature is instead of one of the
@@ -42,7 +44,7 @@ gtString hoSignatureFormReason(hoSignatureForm form);
 // Of a passphrase of more than hoLongestPassphrase bytes.
 gtString hoLongPassphraseReason();
 
-// What encrypting with a private key means.
+// What encrypting with a private key means. In English, whatever the language is.
 gtString hoPrivateEncryptionWarning();
 
 // The state as a word or two, with a capital. canTest: a key is loaded that could tell.

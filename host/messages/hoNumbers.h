@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Numbers and sizes as text. Plain functions; safe from any thread; only std::bad_alloc comes out.
+// Numbers and sizes as text, in the program's language (hoLanguage.h). Plain functions; safe from any thread; only
+// std::bad_alloc comes out.
 #ifndef COUNTERSIGN_HO_NUMBERS_H
 #define COUNTERSIGN_HO_NUMBERS_H
 
@@ -7,7 +8,10 @@
 
 #include <cstdint>
 
-// "1 document", "2,000 documents".
+// "12,345", with the marks of the language.
+gtString hoNumberText(std::uint64_t number);
+
+// "1 document", "2,000 documents". In English, whatever the language is.
 gtString hoAmountText(std::uint64_t amount, const char* pOne, const char* pMany);
 
 // A size with three figures: "0 bytes", "1 byte", "999 bytes", "1.23 kB", "18.4 EB". 1 kB is 1000 bytes.

@@ -2,6 +2,7 @@
 #include "host/window/hoAssertionController.h"
 
 #include "assertionReporting/arAssertionReportWindow.h"
+#include "host/window/hoTexts.h"
 #include "platform/baseTools/gtAssert.h"
 #include "platform/osWrappers/osProcess.h"
 #include "platform/toolkit/gtComeToFront.h"
@@ -38,7 +39,7 @@ void hoAssertionController::failAssertion()
 {
     if (!hasDialogs())
     {
-        _callbacks._onNotice("An assertion failed, and its handler stayed silent");
+        _callbacks._onNotice(_("An assertion failed, and its handler stayed silent"));
     }
     GT_ASSERT_AT(false, "this one was asked for in the Developer menu", "OnFailAssertion", __FILE__, __LINE__);
 }

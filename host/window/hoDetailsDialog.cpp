@@ -6,6 +6,7 @@
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoScreenFit.h"
 #include "host/window/hoSummary.h"
+#include "host/window/hoTexts.h"
 #include "platform/osWrappers/osAtomicFile.h"
 #include "platform/toolkit/gtTextConversion.h"
 
@@ -30,13 +31,13 @@ hoDetailsDialog::hoDetailsDialog(wxWindow* pParent, const wxString& title, const
                                       wxDefaultSize, wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END);
     auto* pText = new wxTextCtrl(this, wxID_ANY, text, wxDefaultPosition, wxDefaultSize,
                                  wxTE_MULTILINE | wxTE_READONLY | wxTE_DONTWRAP);
-    auto* pCopy = new wxButton(this, wxID_COPY, "Copy &all");
-    auto* pSave = new wxButton(this, wxID_SAVE, "&Save...");
+    auto* pCopy = new wxButton(this, wxID_COPY, _("Copy &all"));
+    auto* pSave = new wxButton(this, wxID_SAVE, _("&Save..."));
     auto* pClose = new wxButton(this, wxID_CLOSE);
     pHeading->SetMinSize(wxSize(1, pHeading->GetBestSize().GetHeight()));
     pText->SetMinSize(FromDIP(leastTextSize));
-    pCopy->SetToolTip("Copy the whole text to the clipboard");
-    pSave->SetToolTip("Write the whole text to a file");
+    pCopy->SetToolTip(_("Copy the whole text to the clipboard"));
+    pSave->SetToolTip(_("Write the whole text to a file"));
     SetEscapeId(wxID_CLOSE);
     SetAffirmativeId(wxID_CLOSE);
 
@@ -61,7 +62,7 @@ hoDetailsDialog::hoDetailsDialog(wxWindow* pParent, const wxString& title, const
 
 void hoDetailsDialog::save(const wxString& text)
 {
-    wxFileDialog dialog(this, "Save the details", wxString(), "details.txt", "Text (*.txt)|*.txt|All files|*",
+    wxFileDialog dialog(this, _("Save the details"), wxString(), _("details.txt"), _("Text (*.txt)|*.txt|All files|*"),
                         wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
     if (dialog.ShowModal() != wxID_OK)
     {
@@ -72,8 +73,8 @@ void hoDetailsDialog::save(const wxString& text)
     if (!result.isOk())
     {
         wxMessageDialog(this,
-                        "Cannot save " + hoQuotedText(hoDisplayText(hoLastComponent(path), 60)) + ": " +
-                            gtTextFromBytes(hoWritingReason(result)) + ".",
+                        hoFilledText(_("Cannot save %s: %s."), {hoQuotedText(hoDisplayText(hoLastComponent(path), 60)),
+                                                                gtTextFromBytes(hoWritingReason(result))}),
                         "Countersign", wxOK | wxICON_ERROR)
             .ShowModal();
     }

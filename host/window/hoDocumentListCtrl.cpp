@@ -6,6 +6,7 @@
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoStateIcons.h"
 #include "host/window/hoSummary.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtColours.h"
 #include "platform/toolkit/gtTextConversion.h"
 
@@ -19,23 +20,45 @@ namespace
 struct ColumnFace
 {
     const char* _title;
-    const char* _widestText;  // the column is as wide as this at first
+    const char* _widestText;  // the column is as wide as this at first; null: as its contents are
     hoDocumentList::Column _column;
     wxListColumnFormat _format;
 };
 
 const ColumnFace columns[] = {
-    {"Name", "A name of usual length.document", hoDocumentList::Column::Name, wxLIST_FORMAT_LEFT},
-    {"State", "Cannot be read", hoDocumentList::Column::State, wxLIST_FORMAT_LEFT},
-    {"Size", "999 bytes", hoDocumentList::Column::Size, wxLIST_FORMAT_RIGHT},
-    {"Modified", "2026-11-30 20:00", hoDocumentList::Column::Modified, wxLIST_FORMAT_LEFT},
-    {"Path", "/home/somebody", hoDocumentList::Column::Path, wxLIST_FORMAT_LEFT},
+    {wxTRANSLATE("Name"), "A name of usual length.document", hoDocumentList::Column::Name, wxLIST_FORMAT_LEFT},
+    {wxTRANSLATE("State"), nullptr, hoDocumentList::Column::State, wxLIST_FORMAT_LEFT},
+    {wxTRANSLATE("Size"), nullptr, hoDocumentList::Column::Size, wxLIST_FORMAT_RIGHT},
+    {wxTRANSLATE("Modified"), nullptr, hoDocumentList::Column::Modified, wxLIST_FORMAT_LEFT},
+    {wxTRANSLATE("Path"), "/home/somebody", hoDocumentList::Column::Path, wxLIST_FORMAT_LEFT},
 };
 const int lastColumn = static_cast<int>(std::size(columns)) - 1;
+const std::int64_t wideTime = 1796068800;  // seconds since 1970: the last day of a November
 const int columnPadding = 20;
 const int stateIconWidth = 18;
 const int leastColumnWidth = 20;
 const int mostColumnWidth = 4000;
+
+int widthOf(const wxWindow& window, const ColumnFace& column)
+{
+    const auto width = [&](const wxString& text) { return window.GetTextExtent(text).GetWidth(); };
+    int widest = 0;
+    switch (column._column)
+    {
+    case hoDocumentList::Column::State:
+        for (int state = 0; state <= static_cast<int>(hoDocumentState::Missing); ++state)
+        {
+            widest = std::max(widest, width(gtTextFromBytes(hoStateText(static_cast<hoDocumentState>(state), true))));
+        }
+        return widest;
+    case hoDocumentList::Column::Size:
+        return width(gtTextFromBytes(hoSizeText(999)));
+    case hoDocumentList::Column::Modified:
+        return width(hoTimeText(wideTime));
+    default:
+        return width(column._widestText);
+    }
+}
 }  // namespace
 
 hoDocumentListCtrl::hoDocumentListCtrl(wxWindow* pParent, const hoDocumentList& documents)
@@ -50,8 +73,8 @@ hoDocumentListCtrl::hoDocumentListCtrl(wxWindow* pParent, const hoDocumentList& 
     for (int column = 0; column <= lastColumn; ++column)
     {
         const int picture = columns[column]._column == hoDocumentList::Column::State ? FromDIP(stateIconWidth) : 0;
-        AppendColumn(columns[column]._title, columns[column]._format,
-                     GetTextExtent(columns[column]._widestText).GetWidth() + picture + FromDIP(columnPadding));
+        AppendColumn(wxGetTranslation(columns[column]._title), columns[column]._format,
+                     widthOf(*this, columns[column]) + picture + FromDIP(columnPadding));
     }
     for (wxWindow* pChild : GetChildren())
     {
@@ -161,9 +184,12 @@ hoDocumentList::Column hoDocumentListCtrl::columnAt(int column)
 wxString hoDocumentListCtrl::tooltipOf(std::size_t row) const
 {
     const hoDocument& document = _documents[row];
-    return hoDisplayText(document._path) + "\n" + gtTextFromBytes(hoStateText(document._verdict._state, _canTest)) +
-           ", " + gtTextFromBytes(hoExactSizeText(document._facts._size)) + ", modified " +
-           hoTimeText(document._facts._modifiedSeconds, true);
+    return hoDisplayText(document._path) + "\n" +
+           // The state, the size and the time of a document.
+           hoFilledText(_("%1$s, %2$s, modified %3$s"),
+                        {gtTextFromBytes(hoStateText(document._verdict._state, _canTest)),
+                         gtTextFromBytes(hoExactSizeText(document._facts._size)),
+                         hoTimeText(document._facts._modifiedSeconds, true)});
 }
 
 wxString hoDocumentListCtrl::OnGetItemText(long row, long column) const

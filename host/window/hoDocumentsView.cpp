@@ -7,6 +7,7 @@
 #include "host/window/hoDocumentListCtrl.h"
 #include "host/window/hoIcons.h"
 #include "host/window/hoMenuBar.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/button.h>
@@ -42,17 +43,19 @@ wxPanel* makeEmptyPage(wxWindow* pParent)
         const char* _button;
     };
     const Step steps[] = {
-        {"1.  Load a key: a private one to sign, a public one to test.", ID_LOAD_PRIVATE_KEY, "Load &private key..."},
-        {"", ID_LOAD_PUBLIC_KEY, "Load p&ublic key..."},
-        {"", ID_NEW_KEY_PAIR, "&New key pair..."},
-        {"2.  Drop documents here, or choose File > Open (Ctrl+O).", wxID_OPEN, "&Open documents..."},
-        {"3.  Sign them (Ctrl+S), or test their signatures (Ctrl+T).", wxID_NONE, nullptr},
+        {wxTRANSLATE("1.  Load a key: a private one to sign, a public one to test."), ID_LOAD_PRIVATE_KEY,
+         wxTRANSLATE("Load &private key...")},
+        {"", ID_LOAD_PUBLIC_KEY, wxTRANSLATE("Load p&ublic key...")},
+        {"", ID_NEW_KEY_PAIR, wxTRANSLATE("&New key pair...")},
+        {wxTRANSLATE("2.  Drop documents here, or choose File > Open (Ctrl+O)."), wxID_OPEN,
+         wxTRANSLATE("&Open documents...")},
+        {wxTRANSLATE("3.  Sign them (Ctrl+S), or test their signatures (Ctrl+T)."), wxID_NONE, nullptr},
     };
     pPage->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
     auto* pSteps = new wxFlexGridSizer(2, pPage->FromDIP(wxSize(24, 6)));
     for (const Step& step : steps)
     {
-        auto* pText = new wxStaticText(pPage, wxID_ANY, step._text);
+        auto* pText = new wxStaticText(pPage, wxID_ANY, *step._text == 0 ? wxString() : wxGetTranslation(step._text));
         pText->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOXTEXT));
         pSteps->Add(pText, wxSizerFlags().CentreVertical());
         if (step._command == wxID_OPEN)
@@ -63,7 +66,7 @@ wxPanel* makeEmptyPage(wxWindow* pParent)
         {
             continue;
         }
-        auto* pButton = new wxButton(pPage, step._command, step._button);
+        auto* pButton = new wxButton(pPage, step._command, wxGetTranslation(step._button));
         // What the menu's entry does.
         pButton->Bind(wxEVT_BUTTON, [pPage, command = step._command](wxCommandEvent&)
                       { pPage->GetEventHandler()->QueueEvent(new wxCommandEvent(wxEVT_MENU, command)); });
@@ -96,7 +99,7 @@ hoDocumentsView::hoDocumentsView(wxWindow* pParent, Callbacks callbacks)
 std::vector<gtString> hoDocumentsView::chooseDocuments(const gtString& folder)
 {
     std::vector<gtString> paths;
-    wxFileDialog dialog(this, "Open documents", gtPathTextFromBytes(folder), wxString(),
+    wxFileDialog dialog(this, _("Open documents"), gtPathTextFromBytes(folder), wxString(),
                         wxFileSelectorDefaultWildcardStr, wxFD_OPEN | wxFD_MULTIPLE);
     if (dialog.ShowModal() == wxID_OK)
     {

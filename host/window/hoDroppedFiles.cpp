@@ -3,8 +3,7 @@
 
 #include "host/documents/hoOpenedPaths.h"
 #include "host/keys/hoKeyFile.h"
-#include "host/messages/hoNumbers.h"
-#include "platform/toolkit/gtTextConversion.h"
+#include "host/window/hoTexts.h"
 
 #include <wx/msgdlg.h>
 
@@ -13,10 +12,10 @@ namespace
 
 bool askToOpen(wxWindow& parent, std::size_t amount)
 {
-    wxMessageDialog question(&parent, "Open " + gtTextFromBytes(hoAmountText(amount, "document", "documents")) + "?",
-                             "Countersign", wxOK | wxCANCEL | wxICON_QUESTION);
-    question.SetExtendedMessage("They are in the folders that were dropped, and in the folders inside.");
-    question.SetOKCancelLabels("&Open", "&Cancel");
+    wxMessageDialog question(&parent, hoCounted("Open %s document?", "Open %s documents?", amount), "Countersign",
+                             wxOK | wxCANCEL | wxICON_QUESTION);
+    question.SetExtendedMessage(_("They are in the folders that were dropped, and in the folders inside."));
+    question.SetOKCancelLabels(_("&Open"), _("&Cancel"));
     return question.ShowModal() == wxID_OK;
 }
 

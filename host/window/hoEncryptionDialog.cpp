@@ -9,7 +9,7 @@
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoScreenFit.h"
 #include "host/window/hoSummary.h"
-#include "platform/baseTools/gtNumberText.h"
+#include "host/window/hoTexts.h"
 #include "platform/baseTools/gtWipe.h"
 #include "platform/toolkit/gtTextConversion.h"
 #include "platform/toolkit/gtTextLayout.h"
@@ -24,42 +24,49 @@ namespace
 const wxSize usualSize(544, 500);
 const wxSize leastTextSize(200, 64);
 const long longestLine = 20000;  // characters: the cipher text of a key of 65,536 bits takes fewer
+
+wxString keysText(const hoKeyRing& keys)
+{
+    if (!keys.canTest())
+    {
+        return _("Load a key to encrypt or decrypt.");
+    }
+    const wxString privateKey = hoKeyText(keys._private, true);
+    const wxString publicKey = hoKeyText(keys._public, false);
+    return (publicKey.empty() ? hoFilledText(_("Encrypts with the partner of the %s."), {privateKey})
+                              : hoFilledText(_("Encrypts with the %s."), {publicKey})) +
+           "\n" +
+           (keys.canSign() ? hoFilledText(_("Decrypts with the %s."), {privateKey})
+                           : _("Load a private key to decrypt."));
+}
 }  // namespace
 
 hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
-    : wxDialog(pParent, wxID_ANY, "Texts", wxDefaultPosition, wxDefaultSize, wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
+    : wxDialog(pParent, wxID_ANY, _("Texts"), wxDefaultPosition, wxDefaultSize,
+               wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
       _keys(keys),
       _pPlain(nullptr),
       _pCount(nullptr),
       _pCipher(nullptr),
       _pSaid(nullptr)
 {
-    auto* pPlainLabel = new wxStaticText(this, wxID_ANY, "&Plain text");
+    auto* pPlainLabel = new wxStaticText(this, wxID_ANY, _("&Plain text"));
     _pPlain = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_MULTILINE);
     _pCount = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                                wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END);
-    auto* pCopyPlain = new wxButton(this, wxID_ANY, "Copy p&lain text");
-    auto* pEncrypt = new wxButton(this, wxID_ANY, "&Encrypt");
-    auto* pDecrypt = new wxButton(this, wxID_ANY, "&Decrypt");
-    auto* pCipherLabel = new wxStaticText(this, wxID_ANY, "C&ipher text");
+    auto* pCopyPlain = new wxButton(this, wxID_ANY, _("Copy p&lain text"));
+    auto* pEncrypt = new wxButton(this, wxID_ANY, _("&Encrypt"));
+    auto* pDecrypt = new wxButton(this, wxID_ANY, _("&Decrypt"));
+    auto* pCipherLabel = new wxStaticText(this, wxID_ANY, _("C&ipher text"));
     _pCipher =
         new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_MULTILINE | wxTE_DONTWRAP);
-    auto* pCopyCipher = new wxButton(this, wxID_ANY, "C&opy cipher text");
+    auto* pCopyCipher = new wxButton(this, wxID_ANY, _("C&opy cipher text"));
     _pSaid = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                               wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END);
-    wxString keysText = hoKeyText(_keys._public, false);
-    keysText = keysText.empty() ? "Encrypts with the partner of the " + hoKeyText(_keys._private, true)
-                                : "Encrypts with the " + keysText;
-    keysText += _keys.canSign() ? ".\nDecrypts with the " + hoKeyText(_keys._private, true) + "."
-                                : wxString(".\nLoad a private key to decrypt.");
-    if (!_keys.canTest())
-    {
-        keysText = "Load a key to encrypt or decrypt.";
-    }
-    auto* pKeys = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(keysText), wxDefaultPosition,
+    auto* pKeys = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(keysText(_keys)), wxDefaultPosition,
                                    wxDefaultSize, wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END);
     pKeys->SetName("keys");
-    auto* pClose = new wxButton(this, wxID_CLOSE, "&Close");
+    auto* pClose = new wxButton(this, wxID_CLOSE, _("&Close"));
 
     _pPlain->SetMinSize(FromDIP(leastTextSize));
     _pCipher->SetMinSize(FromDIP(leastTextSize));
@@ -73,8 +80,8 @@ hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
     _pCipher->SetName("cipher");
     _pSaid->SetName("said");
     _pCipher->SetFont(wxFontInfo().Family(wxFONTFAMILY_TELETYPE));
-    pEncrypt->SetToolTip("With the public key, or with the private key's partner");
-    pDecrypt->SetToolTip("With the private key");
+    pEncrypt->SetToolTip(_("With the public key, or with the private key's partner"));
+    pDecrypt->SetToolTip(_("With the private key"));
     SetEscapeId(wxID_CLOSE);
     showCount();
 
@@ -104,8 +111,8 @@ hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
                    });
     pEncrypt->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { encrypt(); });
     pDecrypt->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { decrypt(); });
-    pCopyPlain->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { copy(_pPlain, "plain text"); });
-    pCopyCipher->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { copy(_pCipher, "cipher text"); });
+    pCopyPlain->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { copy(_pPlain, _("Copied the plain text.")); });
+    pCopyCipher->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { copy(_pCipher, _("Copied the cipher text.")); });
 
     auto* pUnderPlain = new wxBoxSizer(wxHORIZONTAL);
     pUnderPlain->Add(_pCount, wxSizerFlags(1).CentreVertical());
@@ -159,7 +166,7 @@ void hoEncryptionDialog::encrypt()
     if (result.isOk())
     {
         _pCipher->ChangeValue(gtTextFromBytes(cipherText));
-        say("Encrypted.");
+        say(_("Encrypted."));
     }
     else
     {
@@ -181,15 +188,17 @@ void hoEncryptionDialog::decrypt()
         if (found._isText)
         {
             _pPlain->ChangeValue(gtTextFromBytes(found._bytes));
-            say("Decrypted.");
+            say(_("Decrypted."));
         }
         else
         {
-            sayWithBytes("What came out is no valid text (UTF-8).", found._bytes);
+            sayWithBytes(_("What came out is no valid text (UTF-8)."),
+                         _("What came out is no valid text (UTF-8). These bytes come out:"), found._bytes);
         }
         break;
     case hoTextProblem::DoesNotComeOut:
-        sayWithBytes("This text is another key's, or damaged.", found._bytes);
+        sayWithBytes(_("This text is another key's, or damaged."),
+                     _("This text is another key's, or damaged. These bytes come out:"), found._bytes);
         break;
     default:
         say(hoSentence(hoDecryptionReason(found._problem, *decryptingKey(), cipherText.length())));
@@ -199,9 +208,9 @@ void hoEncryptionDialog::decrypt()
     showCount();
 }
 
-void hoEncryptionDialog::copy(const wxTextCtrl* pText, const wxString& what)
+void hoEncryptionDialog::copy(const wxTextCtrl* pText, const wxString& done)
 {
-    say(hoCopyText(pText->GetValue()) ? "Copied the " + what + "." : wxString("The clipboard is not available."));
+    say(hoCopyText(pText->GetValue()) ? done : _("The clipboard is not available."));
 }
 
 void hoEncryptionDialog::showCount()
@@ -212,13 +221,10 @@ void hoEncryptionDialog::showCount()
     }
     const int length = gtBytesFromText(_pPlain->GetValue()).length();
     const int most = hoLongestText(*encryptingKey());
-    wxString count = gtTextFromBytes(gtNumberText(static_cast<std::uint64_t>(length))) + " of " +
-                     gtTextFromBytes(hoExactSizeText(static_cast<std::uint64_t>(most)));
-    if (length > most)
-    {
-        count += ": too long for this key";
-    }
-    _pCount->SetLabelText(count);
+    // How long a text is, and how long it may be.
+    const wxString format = length > most ? _("%1$s of %2$s: too long for this key") : _("%1$s of %2$s");
+    _pCount->SetLabelText(hoFilledText(format, {hoNumber(static_cast<std::uint64_t>(length)),
+                                                gtTextFromBytes(hoExactSizeText(static_cast<std::uint64_t>(most)))}));
 }
 
 void hoEncryptionDialog::say(const wxString& text)
@@ -229,8 +235,8 @@ void hoEncryptionDialog::say(const wxString& text)
 }
 
 // In a window of their own: what was typed above stays.
-void hoEncryptionDialog::sayWithBytes(const wxString& text, const gtString& bytes)
+void hoEncryptionDialog::sayWithBytes(const wxString& text, const wxString& heading, const gtString& bytes)
 {
     say(text);
-    hoDetailsDialog(this, "No text", text + " These bytes come out:", gtTextFromBytes(hoHexDump(bytes))).ShowModal();
+    hoDetailsDialog(this, _("No text"), heading, gtTextFromBytes(hoHexDump(bytes))).ShowModal();
 }

@@ -22,10 +22,10 @@ private:
     const crRSAEncryptionKey* decryptingKey() const;
     void encrypt();
     void decrypt();
-    void copy(const wxTextCtrl* pText, const wxString& what);
+    void copy(const wxTextCtrl* pText, const wxString& done);
     void showCount();
     void say(const wxString& text);
-    void sayWithBytes(const wxString& text, const gtString& bytes);
+    void sayWithBytes(const wxString& text, const wxString& heading, const gtString& bytes);
 
     const hoKeyRing _keys;
     wxTextCtrl* _pPlain;

@@ -3,6 +3,7 @@
 
 #include "host/window/hoCommands.h"
 #include "host/window/hoSummary.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtMenuTooltip.h"
 
 #include <wx/frame.h>
@@ -35,7 +36,7 @@ wxString hoWhyGrey(int command, const hoDocumentList& documents, std::size_t amo
         return hoWhyNoneSelected(documents, documents.size());
     case ID_FORGET_KEYS:
     case ID_KEY_INFORMATION:
-        return keys.canTest() ? wxString() : wxString("No key is loaded.");
+        return keys.canTest() ? wxString() : _("No key is loaded.");
     default:
         return wxString();
     }

@@ -4,6 +4,7 @@
 #include "countersignVersion.h"
 #include "host/desktop/hoManual.h"
 #include "host/window/hoDisplayText.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/aboutdlg.h>
@@ -12,14 +13,14 @@
 
 wxString hoAboutText()
 {
-    return "Signs files and tells later whether they are still the same,\n"
-           "encrypts short texts, and helps developers with failed assertions.\n"
-           "\n"
-           "It protects against accidents, not against somebody who\n"
-           "wants to deceive you. The digest of a file is an exclusive-or\n"
-           "of its bytes, and anybody can make another file that has it.\n"
-           "The encryption is textbook RSA without random padding: equal\n"
-           "texts give equal cipher texts, and a guess can be checked.";
+    return _("Signs files and tells later whether they are still the same,\n"
+             "encrypts short texts, and helps developers with failed assertions.\n"
+             "\n"
+             "It protects against accidents, not against somebody who\n"
+             "wants to deceive you. The digest of a file is an exclusive-or\n"
+             "of its bytes, and anybody can make another file that has it.\n"
+             "The encryption is textbook RSA without random padding: equal\n"
+             "texts give equal cipher texts, and a guess can be checked.");
 }
 
 void hoShowAbout(wxWindow* pParent)
@@ -36,14 +37,15 @@ void hoShowManual(wxWindow* pParent, const gtString& program)
     const gtString manual = hoManualPath(program);
     if (manual.isEmpty())
     {
-        wxMessageBox("The manual is not there. It is installed with the program, as "
-                     "share/doc/countersign/manual.html; installing Countersign anew brings it back.",
-                     "Manual", wxOK | wxICON_ERROR, pParent);
+        wxMessageBox(_("The manual is not there. It is installed with the program, as "
+                       "share/doc/countersign/manual.html; installing Countersign anew brings it back."),
+                     _("Manual"), wxOK | wxICON_ERROR, pParent);
     }
     else if (!wxLaunchDefaultApplication(gtPathTextFromBytes(manual)))
     {
-        wxMessageBox("There is no program to open the manual with. It is " + hoDisplayText(manual) +
-                         " and can be read in any browser.",
-                     "Manual", wxOK | wxICON_ERROR, pParent);
+        wxMessageBox(hoFilledText(_("There is no program to open the manual with. It is %s and can be read in any "
+                                    "browser."),
+                                  {hoDisplayText(manual)}),
+                     _("Manual"), wxOK | wxICON_ERROR, pParent);
     }
 }

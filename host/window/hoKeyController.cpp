@@ -4,6 +4,7 @@
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoKeyLoading.h"
 #include "host/window/hoNewKeyDialog.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/filedlg.h>
@@ -37,9 +38,9 @@ void hoKeyController::setKeys(const hoKeyRing& keys)
 
 void hoKeyController::chooseKey(Half half)
 {
-    wxFileDialog dialog(&_parent, half == Half::Private ? "Load a private key" : "Load a public key",
+    wxFileDialog dialog(&_parent, half == Half::Private ? _("Load a private key") : _("Load a public key"),
                         gtPathTextFromBytes(_settings.text(folderSetting)), wxString(),
-                        "PEM files (*.pem)|*.pem;*.PEM|All files|*", wxFD_OPEN | wxFD_FILE_MUST_EXIST);
+                        _("PEM files (*.pem)|*.pem;*.PEM|All files|*"), wxFD_OPEN | wxFD_FILE_MUST_EXIST);
     if (dialog.ShowModal() == wxID_OK)
     {
         loadKey(gtPathBytesFromText(dialog.GetPath()), half);
@@ -62,7 +63,9 @@ void hoKeyController::loadKey(const gtString& path, Half half)
     if (half == Half::Private && !loaded._pKey->hasPrivateKey())
     {
         const wxString name = hoQuotedText(hoDisplayText(hoLastComponent(path), mostNameCharacters));
-        showError(_parent, name + " holds a public key, which cannot sign. Load it as a public key to test with it.");
+        showError(_parent,
+                  hoFilledText(_("%s holds a public key, which cannot sign. Load it as a public key to test with it."),
+                               {name}));
         return;
     }
     const std::string_view bytes = path.asStringView();
@@ -94,7 +97,7 @@ void hoKeyController::makeKeyPair()
     hoNewKeyDialog dialog(&_parent, _settings.text(folderSetting, folder));
     if (dialog.ShowModal() == wxID_OK)
     {
-        _callbacks._onNotice("New key pair: " + hoDisplayText(dialog.privateKeyPath()));
+        _callbacks._onNotice(hoFilledText(_("New key pair: %s"), {hoDisplayText(dialog.privateKeyPath())}));
         loadKey(dialog.privateKeyPath(), Half::Private);
     }
 }

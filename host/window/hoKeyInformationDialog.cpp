@@ -7,6 +7,7 @@
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoScreenFit.h"
 #include "host/window/hoSummary.h"
+#include "host/window/hoTexts.h"
 #include "platform/osWrappers/osAtomicFile.h"
 #include "platform/toolkit/gtTextConversion.h"
 
@@ -28,39 +29,44 @@ const hoLoadedKey& exportedKey(const hoKeyRing& keys)
     return keys._private._pKey != nullptr ? keys._private : keys._public;
 }
 
-wxString informationOf(const hoLoadedKey& key, const wxString& kind)
+// heading: with a place for the key's size.
+wxString informationOf(const hoLoadedKey& key, const wxString& heading)
 {
     if (key._pKey == nullptr)
     {
         return wxString();
     }
-    return wxString::Format("%s of %d bits\n", kind, key._pKey->bits()) + "    File: " + hoDisplayText(key._path) +
-           "\n    Fingerprint (SHA-256 of the public key):\n    " + gtTextFromBytes(hoFingerprint(*key._pKey)) +
-           "\n    In signatures: " + gtTextFromBytes(hoShortFingerprint(*key._pKey)) + "\n";
+    const wxString indent = "    ";
+    return hoFilledText(heading, {hoPlainNumber(key._pKey->bits())}) + "\n" + indent +
+           hoFilledText(_("File: %s"), {hoDisplayText(key._path)}) + "\n" + indent +
+           _("Fingerprint (SHA-256 of the public key):") + "\n" + indent + gtTextFromBytes(hoFingerprint(*key._pKey)) +
+           "\n" + indent + hoFilledText(_("In signatures: %s"), {gtTextFromBytes(hoShortFingerprint(*key._pKey))}) +
+           "\n";
 }
 }  // namespace
 
 wxString hoKeyInformation(const hoKeyRing& keys)
 {
-    return informationOf(keys._private, "Private key") + informationOf(keys._public, "Public key");
+    return informationOf(keys._private, _("Private key of %s bits")) +
+           informationOf(keys._public, _("Public key of %s bits"));
 }
 
 hoKeyInformationDialog::hoKeyInformationDialog(wxWindow* pParent, const hoKeyRing& keys)
-    : wxDialog(pParent, wxID_ANY, "Key information", wxDefaultPosition, wxDefaultSize,
+    : wxDialog(pParent, wxID_ANY, _("Key information"), wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
       _keys(keys)
 {
     const wxString text = hoKeyInformation(keys);
-    auto* pLabel = new wxStaticText(this, wxID_ANY, "&Loaded keys");
+    auto* pLabel = new wxStaticText(this, wxID_ANY, _("&Loaded keys"));
     auto* pText = new wxTextCtrl(this, wxID_ANY, text, wxDefaultPosition, wxDefaultSize,
                                  wxTE_MULTILINE | wxTE_READONLY | wxTE_DONTWRAP);
-    auto* pExport = new wxButton(this, wxID_SAVE, "&Export public key...");
-    auto* pCopy = new wxButton(this, wxID_COPY, "Copy &all");
+    auto* pExport = new wxButton(this, wxID_SAVE, _("&Export public key..."));
+    auto* pCopy = new wxButton(this, wxID_COPY, _("Copy &all"));
     auto* pClose = new wxButton(this, wxID_CLOSE);
     pText->SetName("keyInformation");
     pText->SetMinSize(FromDIP(leastTextSize));
-    pExport->SetToolTip("Write the public half to a file, for those who shall test what you sign");
-    pCopy->SetToolTip("Copy the whole text to the clipboard");
+    pExport->SetToolTip(_("Write the public half to a file, for those who shall test what you sign"));
+    pCopy->SetToolTip(_("Copy the whole text to the clipboard"));
     SetEscapeId(wxID_CLOSE);
     SetAffirmativeId(wxID_CLOSE);
 
@@ -89,7 +95,7 @@ void hoKeyInformationDialog::exportPublicHalf()
     const wxString file = hoDisplayText(hoLastComponent(key._path), 60);
     const wxString stem = file.BeforeLast('.');
     const wxString name = (stem.empty() ? file : stem) + ".pub.pem";
-    wxFileDialog dialog(this, "Export the public key", wxString(), name, "PEM files (*.pem)|*.pem|All files|*",
+    wxFileDialog dialog(this, _("Export the public key"), wxString(), name, _("PEM files (*.pem)|*.pem|All files|*"),
                         wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
     if (dialog.ShowModal() != wxID_OK)
     {
@@ -100,10 +106,11 @@ void hoKeyInformationDialog::exportPublicHalf()
         osWriteFileAtomically(path, hoPublicKeyPem(*key._pKey).asStringView(), true, rightsOfPublicFile);
     if (!result.isOk())
     {
-        wxMessageDialog(this,
-                        "Cannot export to " + hoQuotedText(hoDisplayText(hoLastComponent(path), 60)) + ": " +
-                            gtTextFromBytes(hoWritingReason(result)) + ".",
-                        "Countersign", wxOK | wxICON_ERROR)
+        wxMessageDialog(
+            this,
+            hoFilledText(_("Cannot export to %s: %s."), {hoQuotedText(hoDisplayText(hoLastComponent(path), 60)),
+                                                         gtTextFromBytes(hoWritingReason(result))}),
+            "Countersign", wxOK | wxICON_ERROR)
             .ShowModal();
     }
 }

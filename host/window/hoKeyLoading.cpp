@@ -5,6 +5,7 @@
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoPassphraseDialog.h"
 #include "host/window/hoSummary.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtMainThreadCall.h"
 
 #include <wx/activityindicator.h>
@@ -27,10 +28,11 @@ constexpr std::chrono::milliseconds patience(200);
 class WaitingDialog : public wxDialog
 {
 public:
-    WaitingDialog(wxWindow* pParent, const wxString& name) : wxDialog(pParent, wxID_ANY, "Loading the key")
+    WaitingDialog(wxWindow* pParent, const wxString& name) : wxDialog(pParent, wxID_ANY, _("Loading the key"))
     {
         auto* pIndicator = new wxActivityIndicator(this);
-        auto* pText = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics("Checking the key " + name + "..."));
+        auto* pText = new wxStaticText(this, wxID_ANY,
+                                       wxControl::EscapeMnemonics(hoFilledText(_("Checking the key %s..."), {name})));
         auto* pCancel = new wxButton(this, wxID_CANCEL);
         pIndicator->Start();
 
@@ -58,7 +60,7 @@ public:
     {
     }
 
-    // False when the user has cancelled.
+    // question: with a place for the key's name. False when the user has cancelled.
     bool goOn(const wxString& question)
     {
         for (;;)
@@ -85,7 +87,7 @@ public:
 private:
     void askForPassphrase(const wxString& question)
     {
-        hoPassphraseDialog dialog(_pParent, question + _name + ":");
+        hoPassphraseDialog dialog(_pParent, hoFilledText(question, {_name}));
         if (dialog.ShowModal() == wxID_OK)
         {
             _loader.answerPassphrase(dialog.passphrase().text());
@@ -125,7 +127,7 @@ private:
 
 hoLoadedKey hoLoadKeyAsking(wxWindow* pParent, const gtString& path, hoKeyNeed need, hoKeyFileFacts& facts)
 {
-    wxString question = "Passphrase of ";
+    wxString question = _("Passphrase of %s:");
     hoLoadedKey loaded;
     do
     {
@@ -147,7 +149,7 @@ hoLoadedKey hoLoadKeyAsking(wxWindow* pParent, const gtString& path, hoKeyNeed n
             facts._problem = hoKeyFileProblem::CannotBeRead;
             facts._systemError = error.code().value();
         }
-        question = "Wrong passphrase. Passphrase of ";
+        question = _("Wrong passphrase. Passphrase of %s:");
     } while (facts._problem == hoKeyFileProblem::WrongPassphrase);
     loaded._path = path;
     loaded._isOpenToOthers = facts._isPrivate && facts._isOpenToOthers;

@@ -3,6 +3,7 @@
 
 #include "host/window/hoCommands.h"
 #include "host/window/hoDisplayText.h"
+#include "host/window/hoTexts.h"
 
 #include <wx/frame.h>
 
@@ -13,70 +14,72 @@ const std::size_t mostPathCharacters = 120;
 wxMenu* makeFileMenu(wxMenu* pRecentMenu)
 {
     auto* pMenu = new wxMenu;
-    pMenu->Append(wxID_OPEN, "&Open...\tCtrl+O", "Open documents, several at once");
-    pMenu->AppendSubMenu(pRecentMenu, "Open &recent", "Open a document that was open before");
+    pMenu->Append(wxID_OPEN, _("&Open...\tCtrl+O"), _("Open documents, several at once"));
+    pMenu->AppendSubMenu(pRecentMenu, _("Open &recent"), _("Open a document that was open before"));
     pMenu->AppendSeparator();
-    pMenu->Append(ID_CLOSE_DOCUMENTS, "&Close\tCtrl+W", "Take the selected documents out of the list; the files stay");
-    pMenu->Append(ID_CLOSE_ALL_DOCUMENTS, "Close &all\tCtrl+Shift+W",
-                  "Take all documents out of the list; the files stay");
+    pMenu->Append(ID_CLOSE_DOCUMENTS, _("&Close\tCtrl+W"),
+                  _("Take the selected documents out of the list; the files stay"));
+    pMenu->Append(ID_CLOSE_ALL_DOCUMENTS, _("Close &all\tCtrl+Shift+W"),
+                  _("Take all documents out of the list; the files stay"));
     pMenu->AppendSeparator();
-    pMenu->Append(wxID_EXIT, "&Quit\tCtrl+Q", "Close the window and end the application");
+    pMenu->Append(wxID_EXIT, _("&Quit\tCtrl+Q"), _("Close the window and end the application"));
     return pMenu;
 }
 
 wxMenu* makeEditMenu()
 {
     auto* pMenu = new wxMenu;
-    pMenu->Append(ID_COPY_PATH, "&Copy path\tCtrl+C", "Copy the paths of the selected documents, one a line");
-    pMenu->Append(wxID_SELECTALL, "Select &all\tCtrl+A", "Select all documents");
+    pMenu->Append(ID_COPY_PATH, _("&Copy path\tCtrl+C"), _("Copy the paths of the selected documents, one a line"));
+    pMenu->Append(wxID_SELECTALL, _("Select &all\tCtrl+A"), _("Select all documents"));
     return pMenu;
 }
 
 wxMenu* makeKeyMenu(wxMenu* pRecentMenu)
 {
     auto* pMenu = new wxMenu;
-    pMenu->Append(ID_LOAD_PRIVATE_KEY, "Load p&rivate key...\tCtrl+K", "Load the key that signs, from a PEM file");
-    pMenu->Append(ID_LOAD_PUBLIC_KEY, "Load p&ublic key...\tCtrl+Shift+K",
-                  "Load the key that tests somebody's signatures, from a PEM file");
-    pMenu->AppendSubMenu(pRecentMenu, "Load r&ecent key", "Load a key that was loaded before");
-    pMenu->Append(ID_KEY_INFORMATION, "&Information...\tCtrl+I",
-                  "Show size and fingerprint of the loaded keys, and export the public half");
+    pMenu->Append(ID_LOAD_PRIVATE_KEY, _("Load p&rivate key...\tCtrl+K"),
+                  _("Load the key that signs, from a PEM file"));
+    pMenu->Append(ID_LOAD_PUBLIC_KEY, _("Load p&ublic key...\tCtrl+Shift+K"),
+                  _("Load the key that tests somebody's signatures, from a PEM file"));
+    pMenu->AppendSubMenu(pRecentMenu, _("Load r&ecent key"), _("Load a key that was loaded before"));
+    pMenu->Append(ID_KEY_INFORMATION, _("&Information...\tCtrl+I"),
+                  _("Show size and fingerprint of the loaded keys, and export the public half"));
     pMenu->AppendSeparator();
-    pMenu->Append(ID_NEW_KEY_PAIR, "&New key pair...", "Make a private key and its public partner");
-    pMenu->Append(ID_TEXTS, "&Texts...\tCtrl+E", "Encrypt and decrypt short texts with the loaded keys");
+    pMenu->Append(ID_NEW_KEY_PAIR, _("&New key pair..."), _("Make a private key and its public partner"));
+    pMenu->Append(ID_TEXTS, _("&Texts...\tCtrl+E"), _("Encrypt and decrypt short texts with the loaded keys"));
     pMenu->AppendSeparator();
-    pMenu->Append(ID_FORGET_KEYS, "&Forget keys", "Take the loaded keys out of memory; their files stay");
+    pMenu->Append(ID_FORGET_KEYS, _("&Forget keys"), _("Take the loaded keys out of memory; their files stay"));
     return pMenu;
 }
 
 wxMenu* makeSignatureMenu()
 {
     auto* pMenu = new wxMenu;
-    pMenu->Append(ID_SIGN, "&Sign\tCtrl+S", "Sign the selected documents");
-    pMenu->Append(ID_TEST, "&Test\tCtrl+T", "Test the signatures of the selected documents");
+    pMenu->Append(ID_SIGN, _("&Sign\tCtrl+S"), _("Sign the selected documents"));
+    pMenu->Append(ID_TEST, _("&Test\tCtrl+T"), _("Test the signatures of the selected documents"));
     pMenu->AppendSeparator();
-    pMenu->Append(ID_SIGN_ALL, "Sign &all\tCtrl+Shift+S", "Sign all documents");
-    pMenu->Append(ID_TEST_ALL, "Test a&ll\tCtrl+Shift+T", "Test the signatures of all documents");
+    pMenu->Append(ID_SIGN_ALL, _("Sign &all\tCtrl+Shift+S"), _("Sign all documents"));
+    pMenu->Append(ID_TEST_ALL, _("Test a&ll\tCtrl+Shift+T"), _("Test the signatures of all documents"));
     return pMenu;
 }
 
 wxMenu* makeDeveloperMenu()
 {
     auto* pMenu = new wxMenu;
-    pMenu->AppendCheckItem(ID_ASSERTION_DIALOGS, "&Assertion dialogs",
-                           "Show a dialog for each failed assertion instead of staying silent");
-    pMenu->Append(ID_FAIL_ASSERTION, "&Fail an assertion", "Fail one assertion, to see what happens then");
+    pMenu->AppendCheckItem(ID_ASSERTION_DIALOGS, _("&Assertion dialogs"),
+                           _("Show a dialog for each failed assertion instead of staying silent"));
+    pMenu->Append(ID_FAIL_ASSERTION, _("&Fail an assertion"), _("Fail one assertion, to see what happens then"));
     pMenu->AppendSeparator();
-    pMenu->Append(ID_ASSERTION_REPORT, "Assertion &report...",
-                  "Show where assertions have failed while there were dialogs for them");
+    pMenu->Append(ID_ASSERTION_REPORT, _("Assertion &report..."),
+                  _("Show where assertions have failed while there were dialogs for them"));
     return pMenu;
 }
 
 wxMenu* makeHelpMenu()
 {
     auto* pMenu = new wxMenu;
-    pMenu->Append(wxID_HELP, "&Manual\tF1", "Open the manual in the desktop's program for it");
-    pMenu->Append(wxID_ABOUT, "&About Countersign", "What this application is, and what it is not");
+    pMenu->Append(wxID_HELP, _("&Manual\tF1"), _("Open the manual in the desktop's program for it"));
+    pMenu->Append(wxID_ABOUT, _("&About Countersign"), _("What this application is, and what it is not"));
     return pMenu;
 }
 
@@ -88,7 +91,7 @@ void fill(wxMenu& menu, const std::vector<gtString>& paths, int firstId, int cle
     }
     if (paths.empty())
     {
-        menu.Append(clearId, "None yet")->Enable(false);
+        menu.Append(clearId, _("None yet"))->Enable(false);
         return;
     }
     int number = 0;
@@ -100,25 +103,25 @@ void fill(wxMenu& menu, const std::vector<gtString>& paths, int firstId, int cle
         ++number;
     }
     menu.AppendSeparator();
-    menu.Append(clearId, "&Clear this list", clearHelp);
+    menu.Append(clearId, _("&Clear this list"), clearHelp);
 }
 }  // namespace
 
 hoMenuBar::hoMenuBar() : _pRecentMenu(new wxMenu), _pRecentKeysMenu(new wxMenu)
 {
-    Append(makeFileMenu(_pRecentMenu), "&File");
-    Append(makeEditMenu(), "&Edit");
-    Append(makeKeyMenu(_pRecentKeysMenu), "&Key");
-    Append(makeSignatureMenu(), "&Signature");
-    Append(makeDeveloperMenu(), "&Developer");
-    Append(makeHelpMenu(), "&Help");
+    Append(makeFileMenu(_pRecentMenu), _("&File"));
+    Append(makeEditMenu(), _("&Edit"));
+    Append(makeKeyMenu(_pRecentKeysMenu), _("&Key"));
+    Append(makeSignatureMenu(), _("&Signature"));
+    Append(makeDeveloperMenu(), _("&Developer"));
+    Append(makeHelpMenu(), _("&Help"));
     showRecentPaths({}, {});
 }
 
 void hoMenuBar::showRecentPaths(const std::vector<gtString>& documents, const std::vector<gtString>& keys)
 {
-    fill(*_pRecentMenu, documents, ID_RECENT_FIRST, ID_CLEAR_RECENT, "Forget which documents were open before");
-    fill(*_pRecentKeysMenu, keys, ID_RECENT_KEY_FIRST, ID_CLEAR_RECENT_KEYS, "Forget which keys were loaded before");
+    fill(*_pRecentMenu, documents, ID_RECENT_FIRST, ID_CLEAR_RECENT, _("Forget which documents were open before"));
+    fill(*_pRecentKeysMenu, keys, ID_RECENT_KEY_FIRST, ID_CLEAR_RECENT_KEYS, _("Forget which keys were loaded before"));
 }
 
 void hoMenuBar::followConditions(wxFrame& frame, const Conditions& conditions)
@@ -189,9 +192,9 @@ void hoMenuBar::followRecentPaths(wxFrame& frame, hoRecentDocuments& recent, int
 
 void hoFillContextMenu(wxMenu& menu)
 {
-    menu.Append(ID_SIGN, "&Sign");
-    menu.Append(ID_TEST, "&Test");
+    menu.Append(ID_SIGN, _("&Sign"));
+    menu.Append(ID_TEST, _("&Test"));
     menu.AppendSeparator();
-    menu.Append(ID_COPY_PATH, "&Copy path");
-    menu.Append(ID_CLOSE_DOCUMENTS, "C&lose");
+    menu.Append(ID_COPY_PATH, _("&Copy path"));
+    menu.Append(ID_CLOSE_DOCUMENTS, _("C&lose"));
 }

@@ -2,11 +2,10 @@
 #include "host/window/hoMessageBar.h"
 
 #include "host/messages/hoMessages.h"
-#include "host/messages/hoNumbers.h"
 #include "host/window/hoCommands.h"
 #include "host/window/hoDetailsDialog.h"
 #include "host/window/hoDisplayText.h"
-#include "platform/baseTools/gtNumberText.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtColours.h"
 #include "platform/toolkit/gtTextConversion.h"
 
@@ -55,7 +54,8 @@ void hoMessageBar::show()
     }
     else if (!_result._line.empty())
     {
-        say(gtBarColour::Red, wxString(wxUniChar(0x2717)) + " Not all is well. " + _result._line, wxICON_ERROR);
+        say(gtBarColour::Red,
+            wxString(wxUniChar(0x2717)) + " " + hoFilledText(_("Not all is well. %s"), {_result._line}), wxICON_ERROR);
     }
     else if (!_keyWarning._line.empty())
     {
@@ -81,11 +81,12 @@ wxString hoMessageBar::refusalText() const
     }
     if (_refusals.size() > 1)
     {
-        return gtTextFromBytes(gtNumberText(_refusals.size())) + " documents could not be opened.";
+        return hoCounted("%s document could not be opened.", "%s documents could not be opened.", _refusals.size());
     }
     const auto& [path, problem] = _refusals.front();
-    return "Cannot open " + hoQuotedText(hoDisplayText(hoLastComponent(path), mostNameCharacters)) + ": " +
-           gtTextFromBytes(hoFileReason(problem)) + ".";
+    return hoFilledText(_("Cannot open %s: %s."),
+                        {hoQuotedText(hoDisplayText(hoLastComponent(path), mostNameCharacters)),
+                         gtTextFromBytes(hoFileReason(problem))});
 }
 
 wxInfoBar& hoMessageBar::bar()
@@ -94,8 +95,8 @@ wxInfoBar& hoMessageBar::bar()
     {
         wxWindow* const pBelow = _frame.GetSizer()->GetItem(std::size_t(0))->GetWindow();
         _pBar = new wxInfoBar(&_frame);
-        _pBar->AddButton(ID_SHOW_DETAILS, "Details...");
-        _pBar->AddButton(wxID_CLOSE, "Dismiss");
+        _pBar->AddButton(ID_SHOW_DETAILS, _("Details..."));
+        _pBar->AddButton(wxID_CLOSE, _("Dismiss"));
         _pBar->Bind(wxEVT_BUTTON, &hoMessageBar::OnDetails, this, ID_SHOW_DETAILS);
         _pBar->Bind(
             wxEVT_BUTTON, [this](wxCommandEvent&) { dismiss(); }, wxID_CLOSE);
@@ -117,11 +118,11 @@ void hoMessageBar::showRefusals()
     }
     if (listed < _refusals.size())
     {
-        text += "and " + gtTextFromBytes(gtNumberText(_refusals.size() - listed)) + " more\n";
+        text += hoCounted("and %s more", "and %s more", _refusals.size() - listed) + "\n";
     }
-    const wxString heading = gtTextFromBytes(
-        hoAmountText(_refusals.size(), "document could not be opened:", "documents could not be opened:"));
-    hoDetailsDialog(&_frame, "Documents that could not be opened", heading, text).ShowModal();
+    const wxString heading =
+        hoCounted("%s document could not be opened:", "%s documents could not be opened:", _refusals.size());
+    hoDetailsDialog(&_frame, _("Documents that could not be opened"), heading, text).ShowModal();
 }
 
 void hoMessageBar::OnDetails(wxCommandEvent&)
@@ -129,7 +130,7 @@ void hoMessageBar::OnDetails(wxCommandEvent&)
     if (_refusals.empty())
     {
         const hoSummary& shown = _result._line.empty() ? _keyWarning : _result;
-        hoDetailsDialog(&_frame, "Details", shown._line, shown._details).ShowModal();
+        hoDetailsDialog(&_frame, _("Details"), shown._line, shown._details).ShowModal();
     }
     else
     {

@@ -5,6 +5,7 @@
 #include "host/messages/hoMessages.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoSummary.h"
+#include "host/window/hoTexts.h"
 #include "host/window/hoTypedSecret.h"
 #include "platform/toolkit/gtTextConversion.h"
 
@@ -31,12 +32,18 @@ const int fileWidth = 360;
 const int linesSaid = 3;
 const std::size_t mostPathCharacters = 60;
 const int bitsOffered[] = {512, 1024, 2048, 3072, 4096};
-const char* const fileWildcard = "PEM files (*.pem)|*.pem|All files|*";
 
 wxString sizesAllowed()
 {
-    return wxString::Format("A key has %d to %d bits, a multiple of %d.", hoLeastNewKeyBits, hoMostNewKeyBits,
-                            hoStepOfNewKeyBits);
+    return hoFilledText(
+        _("A key has %s to %s bits, a multiple of %s."),
+        {hoPlainNumber(hoLeastNewKeyBits), hoPlainNumber(hoMostNewKeyBits), hoPlainNumber(hoStepOfNewKeyBits)});
+}
+
+// A key's size as it is offered. Behind the number comes the unit in the user's language.
+wxString sizeText(const wxString& number)
+{
+    return hoFilledText(_("%s bits"), {number});
 }
 
 // The private key's name with ".pub" before ".pem".
@@ -53,7 +60,7 @@ gtString publicPathOf(const gtString& privatePath)
 }  // namespace
 
 hoNewKeyDialog::hoNewKeyDialog(wxWindow* pParent, const gtString& folder)
-    : wxDialog(pParent, wxID_ANY, "New key pair", wxDefaultPosition, wxDefaultSize,
+    : wxDialog(pParent, wxID_ANY, _("New key pair"), wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
       _folder(folder),
       _stage(Stage::Input),
@@ -70,29 +77,29 @@ hoNewKeyDialog::hoNewKeyDialog(wxWindow* pParent, const gtString& folder)
       _call([this] { onFinished(); })
 {
     // The order in which they are made is the keyboard's, and a label's letter leads to what is made after it.
-    auto* pBitsLabel = new wxStaticText(this, wxID_ANY, "&Size");
+    auto* pBitsLabel = new wxStaticText(this, wxID_ANY, _("&Size"));
     _pBits = new wxComboBox(this, wxID_ANY);
-    auto* pFileLabel = new wxStaticText(this, wxID_ANY, "Private key &file");
+    auto* pFileLabel = new wxStaticText(this, wxID_ANY, _("Private key &file"));
     _pFile = new wxTextCtrl(this, wxID_ANY);
-    _pBrowse = new wxButton(this, wxID_ANY, "&Browse...");
-    auto* pPublicLabel = new wxStaticText(this, wxID_ANY, "Public key file");
+    _pBrowse = new wxButton(this, wxID_ANY, _("&Browse..."));
+    auto* pPublicLabel = new wxStaticText(this, wxID_ANY, _("Public key file"));
     _pPublicFile = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                                     wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_MIDDLE);
-    auto* pPassphraseLabel = new wxStaticText(this, wxID_ANY, "&Passphrase");
+    auto* pPassphraseLabel = new wxStaticText(this, wxID_ANY, _("&Passphrase"));
     _pPassphrase = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_PASSWORD);
-    auto* pAgainLabel = new wxStaticText(this, wxID_ANY, "Passphrase &again");
+    auto* pAgainLabel = new wxStaticText(this, wxID_ANY, _("Passphrase &again"));
     _pAgain = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxTE_PASSWORD);
-    _pShow = new wxCheckBox(this, wxID_ANY, "S&how the passphrase");
+    _pShow = new wxCheckBox(this, wxID_ANY, _("S&how the passphrase"));
     _pSaid = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE);
     _pGauge = new wxGauge(this, wxID_ANY, 100);
     auto* pCancel = new wxButton(this, wxID_CANCEL);
-    _pCreate = new wxButton(this, wxID_OK, "C&reate");
+    _pCreate = new wxButton(this, wxID_OK, _("C&reate"));
 
     for (const int bits : bitsOffered)
     {
-        _pBits->Append(wxString::Format("%d bits", bits));
+        _pBits->Append(sizeText(hoPlainNumber(bits)));
     }
-    _pBits->SetValue(wxString::Format("%d bits", hoUsualNewKeyBits));
+    _pBits->SetValue(sizeText(hoPlainNumber(hoUsualNewKeyBits)));
     _pBits->SetToolTip(sizesAllowed());
     _pBits->SetName("bits");
     _pFile->SetName("file");
@@ -150,7 +157,7 @@ hoNewKeyDialog::hoNewKeyDialog(wxWindow* pParent, const gtString& folder)
     pTop->Add(pButtons, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxBOTTOM));
     SetSizerAndFit(pTop);
     CentreOnParent();
-    say("Without a passphrase the private key is not encrypted in its file.");
+    say(_("Without a passphrase the private key is not encrypted in its file."));
     _pCreate->SetDefault();
     _pPassphrase->SetFocus();
 }
@@ -160,9 +167,9 @@ void hoNewKeyDialog::OnBrowse(wxCommandEvent&)
     // Replacing is asked for when the files are agreed, whatever way the name came.
     const gtString path = typedPath();
     const std::string_view bytes = path.asStringView();
-    wxFileDialog dialog(this, "Private key file", gtPathTextFromBytes(bytes.substr(0, bytes.rfind('/') + 1)),
-                        path.isEmpty() ? wxString() : gtPathTextFromBytes(hoLastComponent(path)), fileWildcard,
-                        wxFD_SAVE);
+    wxFileDialog dialog(this, _("Private key file"), gtPathTextFromBytes(bytes.substr(0, bytes.rfind('/') + 1)),
+                        path.isEmpty() ? wxString() : gtPathTextFromBytes(hoLastComponent(path)),
+                        _("PEM files (*.pem)|*.pem|All files|*"), wxFD_SAVE);
     if (dialog.ShowModal() == wxID_OK)
     {
         _pFile->SetValue(dialog.GetPath());
@@ -194,10 +201,10 @@ void hoNewKeyDialog::beginMaking()
     }
     catch (const std::system_error& error)
     {
-        say("The key pair cannot be made now: " + gtTextFromBytes(error.code().message()) + ".");
+        say(hoFilledText(_("The key pair cannot be made now: %s."), {gtTextFromBytes(error.code().message())}));
         return;
     }
-    say("Making the key pair...");
+    say(_("Making the key pair..."));
     showStage(Stage::Making);
     _pulse.Start(pulseInterval);
 }
@@ -216,7 +223,7 @@ void hoNewKeyDialog::onFinished()
         return;
     }
     _pPair.reset();
-    say("The key pair could not be made.");
+    say(_("The key pair could not be made."));
     showStage(Stage::Input);
 }
 
@@ -224,10 +231,10 @@ void hoNewKeyDialog::cancel()
 {
     if (_stage == Stage::Unsaved)
     {
-        wxMessageDialog question(this, "The new key pair is not saved.", "New key pair",
+        wxMessageDialog question(this, _("The new key pair is not saved."), _("New key pair"),
                                  wxYES_NO | wxNO_DEFAULT | wxICON_WARNING);
-        question.SetExtendedMessage("It is in memory alone. Without its files it is lost.");
-        question.SetYesNoLabels("&Throw it away", "&Go back");
+        question.SetExtendedMessage(_("It is in memory alone. Without its files it is lost."));
+        question.SetYesNoLabels(_("&Throw it away"), _("&Go back"));
         if (question.ShowModal() != wxID_YES)
         {
             return;
@@ -254,9 +261,13 @@ gtString hoNewKeyDialog::typedPath() const
 int hoNewKeyDialog::typedBits() const
 {
     wxString number = _pBits->GetValue().Strip(wxString::both);
-    if (number.EndsWith("bits", &number))
+    for (const wxString& unit : {sizeText(wxString()), wxString("bits")})
     {
-        number.Trim();
+        if (number.EndsWith(unit.Strip(wxString::both), &number))
+        {
+            number.Trim();
+            break;
+        }
     }
     long bits = 0;
     return number.ToLong(&bits) && bits > 0 && bits <= hoMostNewKeyBits ? static_cast<int>(bits) : 0;
@@ -274,7 +285,7 @@ bool hoNewKeyDialog::agree()
     files._privatePath = typedPath();
     if (files._privatePath.isEmpty())
     {
-        say("Name a file for the private key.");
+        say(_("Name a file for the private key."));
         _pFile->SetFocus();
         return false;
     }
@@ -284,7 +295,7 @@ bool hoNewKeyDialog::agree()
     showPublicFile();
     if (_stage == Stage::Input && hoTypedSecret(*_pPassphrase).text() != hoTypedSecret(*_pAgain).text())
     {
-        say("The two passphrases differ.");
+        say(_("The two passphrases differ."));
         _pAgain->SetFocus();
         return false;
     }
@@ -298,8 +309,9 @@ bool hoNewKeyDialog::agree()
     if (!trial.isOk())
     {
         const std::string_view bytes = files._privatePath.asStringView();
-        say("No file can be made in " + hoDisplayText(bytes.substr(0, bytes.rfind('/') + 1), mostPathCharacters) +
-            ": " + gtTextFromBytes(hoSystemErrorText(trial._systemError)) + ".");
+        say(hoFilledText(_("No file can be made in %s: %s."),
+                         {hoDisplayText(bytes.substr(0, bytes.rfind('/') + 1), mostPathCharacters),
+                          gtTextFromBytes(hoSystemErrorText(trial._systemError))}));
         _pFile->SetFocus();
         return false;
     }
@@ -321,15 +333,16 @@ bool hoNewKeyDialog::askToReplace(const gtString& path, bool& mayReplace)
     }
     if (stat(path.asCharArray(), &entry) == 0 && !S_ISREG(entry.st_mode))
     {
-        say(hoDisplayText(path, mostPathCharacters) +
-            (S_ISDIR(entry.st_mode) ? " is a folder. Name a file." : " is a pipe, a socket or a device. Name a file."));
+        say(hoFilledText(S_ISDIR(entry.st_mode) ? _("%s is a folder. Name a file.")
+                                                : _("%s is a pipe, a socket or a device. Name a file."),
+                         {hoDisplayText(path, mostPathCharacters)}));
         _pFile->SetFocus();
         return false;
     }
-    wxMessageDialog question(this, hoDisplayText(path) + " is there already.", "New key pair",
+    wxMessageDialog question(this, hoFilledText(_("%s is there already."), {hoDisplayText(path)}), _("New key pair"),
                              wxYES_NO | wxNO_DEFAULT | wxICON_WARNING);
-    question.SetExtendedMessage("Replacing it loses the key in it for good.");
-    question.SetYesNoLabels("&Replace", "&Keep");
+    question.SetExtendedMessage(_("Replacing it loses the key in it for good."));
+    question.SetYesNoLabels(_("&Replace"), _("&Keep"));
     mayReplace = question.ShowModal() == wxID_YES;
     return mayReplace;
 }
@@ -353,8 +366,8 @@ void hoNewKeyDialog::writeFiles()
         EndModal(wxID_OK);
         return;
     }
-    say(hoDisplayText(path, mostPathCharacters) + ": " + gtTextFromBytes(hoWritingReason(writing)) +
-        ". The key pair is made and not saved. Name another place and save it there.");
+    say(hoFilledText(_("%s: %s. The key pair is made and not saved. Name another place and save it there."),
+                     {hoDisplayText(path, mostPathCharacters), gtTextFromBytes(hoWritingReason(writing))}));
     showStage(Stage::Unsaved);
 }
 
@@ -390,7 +403,7 @@ void hoNewKeyDialog::showStage(Stage stage)
     {
         pInput->Enable(stage != Stage::Making);
     }
-    _pCreate->SetLabel(stage == Stage::Unsaved ? "Sa&ve" : "C&reate");
+    _pCreate->SetLabel(stage == Stage::Unsaved ? _("Sa&ve") : _("C&reate"));
     // What was disabled has lost the keyboard, and with it Escape.
     wxWindow* const pNext = stage == Stage::Making ? FindWindow(wxID_CANCEL) : _pFile;
     pNext->SetFocus();

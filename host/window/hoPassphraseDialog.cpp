@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoPassphraseDialog.h"
 
+#include "host/window/hoTexts.h"
+
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
@@ -11,7 +13,7 @@ const int fieldWidth = 320;
 }  // namespace
 
 hoPassphraseDialog::hoPassphraseDialog(wxWindow* pParent, const wxString& question)
-    : wxDialog(pParent, wxID_ANY, "Passphrase"), _pPassphrase(nullptr)
+    : wxDialog(pParent, wxID_ANY, _("Passphrase")), _pPassphrase(nullptr)
 {
     auto* pQuestion = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(question));
     _pPassphrase =

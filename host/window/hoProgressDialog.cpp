@@ -4,7 +4,7 @@
 #include "host/messages/hoNumbers.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoSummary.h"
-#include "platform/baseTools/gtNumberText.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <algorithm>
@@ -21,7 +21,8 @@ const int width = 420;
 }  // namespace
 
 hoProgressDialog::hoProgressDialog(wxWindow* pParent, hoSigningJob& work)
-    : wxDialog(pParent, wxID_ANY, work.kind() == hoSigningJob::Kind::Sign ? "Signing documents" : "Testing documents"),
+    : wxDialog(pParent, wxID_ANY,
+               work.kind() == hoSigningJob::Kind::Sign ? _("Signing documents") : _("Testing documents")),
       _work(work),
       _pDocument(new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                                   wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_MIDDLE)),
@@ -48,17 +49,19 @@ hoProgressDialog::hoProgressDialog(wxWindow* pParent, hoSigningJob& work)
 void hoProgressDialog::showProgress()
 {
     const hoSigningJob::Progress progress = _work.progress();
-    const wxString number =
-        gtTextFromBytes(gtNumberText(std::min(progress._documentsDone + 1, _work.amountOfDocuments())));
-    _pDocument->SetLabelText(number + " of " + gtTextFromBytes(gtNumberText(_work.amountOfDocuments())) + ": " +
-                             hoDisplayText(hoLastComponent(progress._path), 80));
+    // The number of a document, how many there are, and its name.
+    _pDocument->SetLabelText(
+        hoFilledText(_("%1$s of %2$s: %3$s"),
+                     {hoNumber(std::min(progress._documentsDone + 1, _work.amountOfDocuments())),
+                      hoNumber(_work.amountOfDocuments()), hoDisplayText(hoLastComponent(progress._path), 80)}));
     const double part = progress._bytesInAll == 0
                             ? 0
                             : static_cast<double>(progress._bytesDone) / static_cast<double>(progress._bytesInAll);
     _pGauge->SetValue(static_cast<int>(part * gaugeRange));
-    _pBytes->SetLabelText(_work.isCancelled() ? wxString("Cancelling...")
-                                              : gtTextFromBytes(hoSizeText(progress._bytesDone)) + " of " +
-                                                    gtTextFromBytes(hoSizeText(progress._bytesInAll)));
+    _pBytes->SetLabelText(_work.isCancelled()
+                              ? _("Cancelling...")
+                              : hoFilledText(_("%1$s of %2$s"), {gtTextFromBytes(hoSizeText(progress._bytesDone)),
+                                                                 gtTextFromBytes(hoSizeText(progress._bytesInAll))}));
 }
 
 void hoProgressDialog::cancel()

@@ -3,6 +3,7 @@
 
 #include "host/signing/hoCountersignature.h"
 #include "host/window/hoProgressDialog.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtMainThreadCall.h"
 #include "platform/toolkit/gtTextConversion.h"
 
@@ -89,8 +90,8 @@ void hoSigningController::begin(hoSigningJob::Kind kind, const std::vector<hoDoc
     catch (const std::system_error& error)
     {
         wxMessageDialog(&_parent,
-                        "The work cannot be begun now: " + gtTextFromBytes(error.code().message()) +
-                            ". Try again when fewer programs are running.",
+                        hoFilledText(_("The work cannot be begun now: %s. Try again when fewer programs are running."),
+                                     {gtTextFromBytes(error.code().message())}),
                         "Countersign", wxOK | wxICON_ERROR)
             .ShowModal();
         return;
@@ -105,13 +106,14 @@ bool hoSigningController::askAboutSmallKey(hoSignatureLines& lines)
     {
         return true;
     }
-    wxMessageDialog question(&_parent, wxString::Format("A key of %d bits is too small to countersign.", bits),
+    wxMessageDialog question(&_parent,
+                             hoFilledText(_("A key of %s bits is too small to countersign."), {hoPlainNumber(bits)}),
                              "Countersign", wxYES_NO | wxNO_DEFAULT | wxICON_WARNING);
-    question.SetExtendedMessage(wxString::Format(
-        "Keys of %d bits or more countersign. Without a countersignature a signature is weak: it holds "
-        "for some changed documents, too.",
-        hoLeastCountersigningBits));
-    question.SetYesNoLabels("Sign &weakly", "&Do not sign");
+    question.SetExtendedMessage(
+        hoFilledText(_("Keys of %s bits or more countersign. Without a countersignature a signature is weak: it holds "
+                       "for some changed documents, too."),
+                     {hoPlainNumber(hoLeastCountersigningBits)}));
+    question.SetYesNoLabels(_("Sign &weakly"), _("&Do not sign"));
     lines = hoSignatureLines::DigestOnly;
     // Another job may have begun, or the key may have gone, while the question was up.
     return question.ShowModal() == wxID_YES && canBegin(hoSigningJob::Kind::Sign);
@@ -136,14 +138,14 @@ bool hoSigningController::askAboutSignatures(const std::vector<hoDocument>& docu
     wxMessageDialog question(&_parent, hoReplacementQuestion(alreadySigned), "Countersign",
                              (areOthersThere ? wxYES_NO | wxCANCEL : wxOK | wxCANCEL) | wxCANCEL_DEFAULT |
                                  wxICON_WARNING);
-    question.SetExtendedMessage("The new signature is written over what is in the .sig file, which is lost.");
+    question.SetExtendedMessage(_("The new signature is written over what is in the .sig file, which is lost."));
     if (areOthersThere)
     {
-        question.SetYesNoCancelLabels("&Replace", "&Keep, sign the others", "&Cancel");
+        question.SetYesNoCancelLabels(_("&Replace"), _("&Keep, sign the others"), _("&Cancel"));
     }
     else
     {
-        question.SetOKCancelLabels("&Replace", "&Cancel");
+        question.SetOKCancelLabels(_("&Replace"), _("&Cancel"));
     }
     const int answer = question.ShowModal();
     mayOverwrite = answer == wxID_YES || answer == wxID_OK;
@@ -158,10 +160,10 @@ bool hoSigningController::askToQuit()
     {
         return false;
     }
-    wxMessageDialog question(&_parent, "Documents are being signed or tested. Quit all the same?", "Countersign",
+    wxMessageDialog question(&_parent, _("Documents are being signed or tested. Quit all the same?"), "Countersign",
                              wxOK | wxCANCEL | wxCANCEL_DEFAULT | wxICON_WARNING);
-    question.SetExtendedMessage("The signatures that are finished stay. The other documents are left as they are.");
-    question.SetOKCancelLabels("&Quit", "&Go on");
+    question.SetExtendedMessage(_("The signatures that are finished stay. The other documents are left as they are."));
+    question.SetOKCancelLabels(_("&Quit"), _("&Go on"));
     const bool isWanted = question.ShowModal() == wxID_OK;
     _isAskingToQuit = false;
     return isWanted;

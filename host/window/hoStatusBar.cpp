@@ -4,7 +4,7 @@
 #include "host/messages/hoNumbers.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoSummary.h"
-#include "platform/baseTools/gtNumberText.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 namespace
@@ -50,21 +50,18 @@ void hoStatusBar::showKeys(const hoKeyRing& keys)
     const wxString privateKey = hoKeyText(keys._private, true);
     const wxString publicKey = hoKeyText(keys._public, false);
     const bool areBoth = !privateKey.empty() && !publicKey.empty();
-    const wxString text = privateKey + (areBoth ? "; " : "") + publicKey;
-    SetStatusText(text.empty() ? wxString("No key") : text, FIELD_KEYS);
+    // The private key and the public one.
+    const wxString text = areBoth ? hoFilledText(_("%s; %s"), {privateKey, publicKey}) : privateKey + publicKey;
+    SetStatusText(text.empty() ? _("No key") : text, FIELD_KEYS);
 }
 
 void hoStatusBar::showDocuments(const hoDocumentList& documents, std::size_t amountSelected)
 {
-    wxString text = "No documents";
-    if (!documents.isEmpty())
-    {
-        text = gtTextFromBytes(hoAmountText(documents.size(), "document", "documents")) + ", " +
-               gtTextFromBytes(hoSizeText(documents.totalSize()));
-        if (amountSelected > 0)
-        {
-            text += ", " + gtTextFromBytes(gtNumberText(amountSelected)) + " selected";
-        }
-    }
+    const wxString selected =
+        amountSelected == 0 ? wxString() : hoCounted("%s selected", "%s selected", amountSelected);
+    const wxString text = documents.isEmpty()
+                              ? _("No documents")
+                              : hoListed({hoCounted("%s document", "%s documents", documents.size()),
+                                          gtTextFromBytes(hoSizeText(documents.totalSize())), selected});
     SetStatusText(text, FIELD_DOCUMENTS);
 }

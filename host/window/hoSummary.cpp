@@ -2,15 +2,51 @@
 #include "host/window/hoSummary.h"
 
 #include "host/messages/hoMessages.h"
-#include "host/messages/hoNumbers.h"
 #include "host/window/hoDisplayText.h"
-#include "platform/baseTools/gtNumberText.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <algorithm>
 
 namespace
 {
+// A file or a state, and what is to be said of it.
+wxString withReason(const wxString& what, const wxString& reason)
+{
+    return hoFilledText(_("%s: %s"), {what, reason});
+}
+
+// As it stands in the middle of a line.
+wxString stateInDetails(hoDocumentState state)
+{
+    switch (state)
+    {
+    case hoDocumentState::NotSigned:
+        return _("not signed");
+    case hoDocumentState::NotTested:
+        return _("not tested");
+    case hoDocumentState::SignedByMe:
+        return _("signed by me");
+    case hoDocumentState::Good:
+        return _("good");
+    case hoDocumentState::Weak:
+        return _("weak");
+    case hoDocumentState::Bad:
+        return _("bad");
+    case hoDocumentState::AnotherKey:
+        return _("another key");
+    case hoDocumentState::NotASignature:
+        return _("not a signature");
+    case hoDocumentState::Changed:
+        return _("changed since");
+    case hoDocumentState::CannotBeRead:
+        return _("cannot be read");
+    case hoDocumentState::Missing:
+        return _("missing");
+    }
+    return wxString();
+}
+
 wxString outcomeText(const hoSigningOutcome& outcome)
 {
     if (!outcome._signing.isOk())
@@ -19,14 +55,14 @@ wxString outcomeText(const hoSigningOutcome& outcome)
     }
     if (!outcome._signatureFile.isOk())
     {
-        return hoDisplayText(hoLastComponent(hoSignaturePath(outcome._path)), 60) + ": " +
-               gtTextFromBytes(hoSignatureFileReason(outcome._signatureFile));
+        return withReason(hoDisplayText(hoLastComponent(hoSignaturePath(outcome._path)), 60),
+                          gtTextFromBytes(hoSignatureFileReason(outcome._signatureFile)));
     }
-    const wxString state = gtTextFromBytes(hoStateText(outcome._verdict._state, true)).Lower();
+    const wxString state = stateInDetails(outcome._verdict._state);
     // What was found is not what there is by now.
     const bool isChanged = outcome._verdict._state == hoDocumentState::Changed;
     const wxString reason = isChanged ? wxString() : gtTextFromBytes(hoVerdictReason(outcome._signing));
-    return reason.empty() ? state : state + ": " + reason;
+    return reason.empty() ? state : withReason(state, reason);
 }
 
 bool isGood(hoDocumentState state)
@@ -34,29 +70,89 @@ bool isGood(hoDocumentState state)
     return state == hoDocumentState::Good || state == hoDocumentState::SignedByMe;
 }
 
-class Counts
+// What a job has found: amounts of documents.
+struct Counts
 {
-public:
-    void add(std::size_t amount, const char* what)
-    {
-        if (amount > 0)
-        {
-            _text += (_text.empty() ? wxString() : wxString(", ")) + gtTextFromBytes(gtNumberText(amount)) + " " + what;
-        }
-    }
-    const wxString& text() const { return _text; }
-
-private:
-    wxString _text;
+    std::size_t _good = 0;
+    std::size_t _weak = 0;
+    std::size_t _bad = 0;
+    std::size_t _anothers = 0;
+    std::size_t _noSignatures = 0;
+    std::size_t _unsignedOnes = 0;
+    std::size_t _kept = 0;
+    std::size_t _failed = 0;
 };
+
+wxString countsText(const Counts& counts, bool isSigning)
+{
+    const auto text = [](std::size_t amount, const wxString& counted) { return amount == 0 ? wxString() : counted; };
+    return hoListed(
+        {text(counts._good, isSigning ? hoCounted("%s signed", "%s signed", counts._good)
+                                      : hoCounted("%s good", "%s good", counts._good)),
+         text(counts._bad, hoCounted("%s bad", "%s bad", counts._bad)),
+         text(counts._weak, hoCounted("%s weak", "%s weak", counts._weak)),
+         text(counts._anothers,
+              hoCounted("%s signed with another key", "%s signed with another key", counts._anothers)),
+         text(counts._noSignatures, hoCounted("%s without a signature that can be read",
+                                              "%s without a signature that can be read", counts._noSignatures)),
+         text(counts._unsignedOnes, hoCounted("%s not signed", "%s not signed", counts._unsignedOnes)),
+         text(counts._kept, hoCounted("%s kept as they were", "%s kept as they were", counts._kept)),
+         text(counts._failed, isSigning
+                                  ? hoCounted("%s could not be signed", "%s could not be signed", counts._failed)
+                                  : hoCounted("%s could not be tested", "%s could not be tested", counts._failed))});
+}
+
+wxString summaryLine(std::size_t documents, const wxString& counts, bool isCancelled)
+{
+    if (counts.empty())
+    {
+        return isCancelled ? hoCounted("Cancelled after %s document.", "Cancelled after %s documents.", documents)
+                           : hoCounted("%s document.", "%s documents.", documents);
+    }
+    // How many documents, and what was found, such as "3 good, 2 bad".
+    return isCancelled ? hoCounted("Cancelled after %1$s document: %2$s.", "Cancelled after %1$s documents: %2$s.",
+                                   documents, {counts})
+                       : hoCounted("%1$s document: %2$s.", "%1$s documents: %2$s.", documents, {counts});
+}
+// What speaks against replacing the one signature that there is.
+wxString concernOfTheOne(hoDocumentState state)
+{
+    switch (state)
+    {
+    case hoDocumentState::Bad:
+        return _("It does not match its document.");
+    case hoDocumentState::AnotherKey:
+        return _("It was made with another key.");
+    case hoDocumentState::Changed:
+        return _("It is no longer what was tested.");
+    default:
+        return _("It has not been tested.");
+    }
+}
+
+// The same where only some of several are in this state.
+wxString concernOfSome(hoDocumentState state, std::size_t amount)
+{
+    switch (state)
+    {
+    case hoDocumentState::Bad:
+        return hoCounted("%s does not match its document.", "%s do not match their documents.", amount);
+    case hoDocumentState::AnotherKey:
+        return hoCounted("%s was made with another key.", "%s were made with another key.", amount);
+    case hoDocumentState::Changed:
+        return hoCounted("%s is no longer what was tested.", "%s are no longer what was tested.", amount);
+    default:
+        return hoCounted("%s has not been tested.", "%s have not been tested.", amount);
+    }
+}
 }  // namespace
 
 wxString hoKeyProblemText(const gtString& path, const hoKeyFileFacts& facts)
 {
     const wxString name = hoQuotedText(hoDisplayText(hoLastComponent(path), 60));
     return facts._problem == hoKeyFileProblem::WrongPassphrase
-               ? "Wrong passphrase for " + name + "."
-               : "Cannot load " + name + ": " + gtTextFromBytes(hoKeyFileReason(facts)) + ".";
+               ? hoFilledText(_("Wrong passphrase for %s."), {name})
+               : hoFilledText(_("Cannot load %s: %s."), {name, gtTextFromBytes(hoKeyFileReason(facts))});
 }
 
 wxString hoKeyText(const hoLoadedKey& key, bool isPrivate)
@@ -65,9 +161,10 @@ wxString hoKeyText(const hoLoadedKey& key, bool isPrivate)
     {
         return wxString();
     }
-    const wxString kind = isPrivate ? "private" : "public";
-    return wxString::Format("%d-bit %s key ", key._pKey->bits(), kind) +
-           gtTextFromBytes(hoShortFingerprint(*key._pKey)) + ", " + hoDisplayText(hoLastComponent(key._path), 40);
+    // The size of a key, its fingerprint, and the name of its file.
+    return hoFilledText(isPrivate ? _("%s-bit private key %s, %s") : _("%s-bit public key %s, %s"),
+                        {hoPlainNumber(key._pKey->bits()), gtTextFromBytes(hoShortFingerprint(*key._pKey)),
+                         hoDisplayText(hoLastComponent(key._path), 40)});
 }
 
 hoSummary hoKeyWarning(const hoLoadedKey& key)
@@ -76,17 +173,17 @@ hoSummary hoKeyWarning(const hoLoadedKey& key)
     const wxString name = hoQuotedText(hoDisplayText(hoLastComponent(key._path), 60));
     if (key._isInMemoryForGood)
     {
-        warning._line = "Traces of the private key " + name + " stay in memory.";
+        warning._line = hoFilledText(_("Traces of the private key %s stay in memory."), {name});
         warning._details += "    " + gtTextFromBytes(hoLibcryptoMemoryWarning()) + "\n";
     }
     if (key._isFolderOpenToOthers)
     {
-        warning._line = "Others may replace the private key " + name + ".";
+        warning._line = hoFilledText(_("Others may replace the private key %s."), {name});
         warning._details += "    " + gtTextFromBytes(hoOpenFolderWarning()) + "\n";
     }
     if (key._isOpenToOthers)
     {
-        warning._line = "Others may read or change the private key " + name + ".";
+        warning._line = hoFilledText(_("Others may read or change the private key %s."), {name});
         warning._details += "    " + gtTextFromBytes(hoOpenKeyWarning()) + "\n";
     }
     return warning;
@@ -94,14 +191,7 @@ hoSummary hoKeyWarning(const hoLoadedKey& key)
 
 hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcome>& outcomes, bool isCancelled)
 {
-    std::size_t good = 0;
-    std::size_t weak = 0;
-    std::size_t bad = 0;
-    std::size_t anothers = 0;
-    std::size_t noSignatures = 0;
-    std::size_t unsignedOnes = 0;
-    std::size_t kept = 0;
-    std::size_t failed = 0;
+    Counts counts;
     const bool isSigning = kind == hoSigningJob::Kind::Sign;
     hoSummary summary;
     wxString withoutFailure;
@@ -110,17 +200,17 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
         const bool isKept = outcome._signatureFile._problem == hoSignatureFileProblem::Exists;
         const bool isFailed = !outcome._signing.isOk() || (!outcome._signatureFile.isOk() && !isKept);
         const hoDocumentState state = outcome._verdict._state;
-        kept += isKept ? 1U : 0U;
-        failed += isFailed || (!isKept && state == hoDocumentState::Changed) ? 1U : 0U;
+        counts._kept += isKept ? 1U : 0U;
+        counts._failed += isFailed || (!isKept && state == hoDocumentState::Changed) ? 1U : 0U;
         if (!isKept && !isFailed)
         {
             const bool isSigned = isSigning && state == hoDocumentState::Weak;
-            good += isGood(state) || isSigned ? 1U : 0U;
-            weak += state == hoDocumentState::Weak && !isSigned ? 1U : 0U;
-            anothers += state == hoDocumentState::AnotherKey ? 1U : 0U;
-            noSignatures += state == hoDocumentState::NotASignature ? 1U : 0U;
-            bad += state == hoDocumentState::Bad ? 1U : 0U;
-            unsignedOnes += state == hoDocumentState::NotSigned ? 1U : 0U;
+            counts._good += isGood(state) || isSigned ? 1U : 0U;
+            counts._weak += state == hoDocumentState::Weak && !isSigned ? 1U : 0U;
+            counts._anothers += state == hoDocumentState::AnotherKey ? 1U : 0U;
+            counts._noSignatures += state == hoDocumentState::NotASignature ? 1U : 0U;
+            counts._bad += state == hoDocumentState::Bad ? 1U : 0U;
+            counts._unsignedOnes += state == hoDocumentState::NotSigned ? 1U : 0U;
         }
         const bool isHarmless = isKept || state == hoDocumentState::NotSigned || isGood(state) ||
                                 (isSigning && state == hoDocumentState::Weak);
@@ -130,52 +220,24 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
 
     summary._details += withoutFailure;
 
-    Counts counts;
-    counts.add(good, isSigning ? "signed" : "good");
-    counts.add(bad, "bad");
-    counts.add(weak, "weak");
-    counts.add(anothers, "signed with another key");
-    counts.add(noSignatures, "without a signature that can be read");
-    counts.add(unsignedOnes, "not signed");
-    counts.add(kept, "kept as they were");
-    counts.add(failed, isSigning ? "could not be signed" : "could not be tested");
-    summary._line = isCancelled ? wxString("Cancelled after ") : wxString();
-    summary._line += gtTextFromBytes(hoAmountText(outcomes.size(), "document", "documents"));
-    if (!counts.text().empty())
-    {
-        summary._line += ": " + counts.text();
-    }
-    summary._line += ".";
-    summary._isAllWell = bad + weak + anothers + noSignatures + failed == 0 && !isCancelled;
+    summary._line = summaryLine(outcomes.size(), countsText(counts, isSigning), isCancelled);
+    summary._isAllWell =
+        counts._bad + counts._weak + counts._anothers + counts._noSignatures + counts._failed == 0 && !isCancelled;
     return summary;
 }
 
 wxString hoReplacementQuestion(const std::vector<hoDocument>& documents)
 {
-    struct Concern
+    wxString text = hoCounted("Replace %s signature?", "Replace %s signatures?", documents.size());
+    for (const hoDocumentState state :
+         {hoDocumentState::Bad, hoDocumentState::AnotherKey, hoDocumentState::Changed, hoDocumentState::NotTested})
     {
-        hoDocumentState _state;
-        const char* _one;
-        const char* _many;
-    };
-    const Concern concerns[] = {
-        {hoDocumentState::Bad, "does not match its document", "do not match their documents"},
-        {hoDocumentState::AnotherKey, "was made with another key", "were made with another key"},
-        {hoDocumentState::Changed, "is no longer what was tested", "are no longer what was tested"},
-        {hoDocumentState::NotTested, "has not been tested", "have not been tested"},
-    };
-    wxString text =
-        "Replace " + gtTextFromBytes(hoAmountText(documents.size(), "signature", "signatures")) + wxString("?");
-    for (const Concern& concern : concerns)
-    {
-        const auto amount = static_cast<std::size_t>(
-            std::count_if(documents.begin(), documents.end(),
-                          [&](const hoDocument& document) { return document._verdict._state == concern._state; }));
+        const auto amount = static_cast<std::size_t>(std::count_if(documents.begin(), documents.end(),
+                                                                   [&](const hoDocument& document)
+                                                                   { return document._verdict._state == state; }));
         if (amount > 0)
         {
-            const gtString clause = documents.size() == 1 ? gtString("It ").append(concern._one)
-                                                          : hoAmountText(amount, concern._one, concern._many);
-            text += " " + gtTextFromBytes(clause) + ".";
+            text += " " + (documents.size() == 1 ? concernOfTheOne(state) : concernOfSome(state, amount));
         }
     }
     return text;
@@ -185,19 +247,19 @@ wxString hoWhyNoJob(const hoDocumentList& documents, std::size_t amountSelected,
 {
     if (documents.isEmpty())
     {
-        return "Nothing to sign or test: open documents first.";
+        return _("Nothing to sign or test: open documents first.");
     }
     if (!keys.canTest())
     {
-        return "Signing and testing take a key: load one first.";
+        return _("Signing and testing take a key: load one first.");
     }
     if (isAtWork)
     {
-        return "Documents are being signed or tested.";
+        return _("Documents are being signed or tested.");
     }
     if (!keys.canSign())
     {
-        return "Signing takes a private key.";
+        return _("Signing takes a private key.");
     }
     return hoWhyNoneSelected(documents, amountSelected);
 }
@@ -206,21 +268,20 @@ wxString hoWhyNoneSelected(const hoDocumentList& documents, std::size_t amountSe
 {
     if (documents.isEmpty())
     {
-        return "No document is open.";
+        return _("No document is open.");
     }
-    return amountSelected == 0 ? wxString("No document is selected.") : wxString();
+    return amountSelected == 0 ? _("No document is selected.") : wxString();
 }
 
 wxString hoSentence(const gtString& reason)
 {
     const wxString text = gtTextFromBytes(reason);
-    return text.Left(1).Upper() + text.Mid(1) + ".";
+    return hoFilledText(_("%s."), {text.Left(1).Upper() + text.Mid(1)});
 }
 
 wxString hoCopiedText(std::size_t amountOfPaths)
 {
-    return amountOfPaths == 0 ? wxString()
-                              : gtTextFromBytes(hoAmountText(amountOfPaths, "path copied", "paths copied"));
+    return amountOfPaths == 0 ? wxString() : hoCounted("%s path copied", "%s paths copied", amountOfPaths);
 }
 
 gtString hoLastComponent(const gtString& path)
@@ -233,5 +294,8 @@ gtString hoLastComponent(const gtString& path)
 
 wxString hoQuotedText(const wxString& text)
 {
-    return wxUniChar(0x201C) + text + wxUniChar(0x201D);
+    // The sources are ASCII, and the marks of English are not.
+    const wxString plain = "\"%s\"";
+    const wxString format = wxGETTEXT_IN_CONTEXT("quotation marks", "\"%s\"");
+    return hoFilledText(format == plain ? wxUniChar(0x201C) + wxString("%s") + wxUniChar(0x201D) : format, {text});
 }

@@ -2,6 +2,7 @@
 #include "host/window/hoWindowMemory.h"
 
 #include "host/window/hoDisplayText.h"
+#include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/display.h>
@@ -81,7 +82,7 @@ void hoWindowMemory::load()
     _canSave = _settings.load(path) || !std::filesystem::exists(path.asStdString(), error);
     if (!_canSave)
     {
-        _onProblem("What was remembered cannot be read and stays as it is: " + hoDisplayText(path));
+        _onProblem(hoFilledText(_("What was remembered cannot be read and stays as it is: %s"), {hoDisplayText(path)}));
     }
     const auto fill = [this](hoRecentDocuments& recent, const char* pName)
     {
@@ -212,6 +213,6 @@ void hoWindowMemory::save(const wxFrame& frame, const std::vector<int>& columnWi
     const gtString file = hoUserSettingsPath();
     if (!file.isEmpty() && _canSave && !_settings.save(file))
     {
-        _onProblem("What to remember could not be written to " + hoDisplayText(file));
+        _onProblem(hoFilledText(_("What to remember could not be written to %s"), {hoDisplayText(file)}));
     }
 }
