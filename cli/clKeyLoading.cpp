@@ -19,6 +19,11 @@
 namespace
 {
 
+bool goesOn()
+{
+    return !clIsInterrupted();
+}
+
 void warn(const gtString& name, const gtString& reason)
 {
     clWarn(gtString(name).append(": ").append(reason));
@@ -45,7 +50,7 @@ std::unique_ptr<const hoKey> load(const gtString& path, clPassphrase& passphrase
 {
     if (!clIsStream(path))
     {
-        return hoLoadKeyFile(path, &passphrase, facts, need);
+        return hoLoadKeyFile(path, &passphrase, facts, need, goesOn);
     }
     facts = hoKeyFileFacts();
     gtWipedText bytes;
@@ -61,7 +66,7 @@ std::unique_ptr<const hoKey> load(const gtString& path, clPassphrase& passphrase
         facts._problem = hoKeyFileProblem::TooLarge;
         return nullptr;
     }
-    return hoLoadKey(bytes._text.asCharArray(), bytes._text.length(), &passphrase, facts, need);
+    return hoLoadKey(bytes._text.asCharArray(), bytes._text.length(), &passphrase, facts, need, goesOn);
 }
 
 // A private key need not be in memory longer than it takes to read its file.
@@ -103,14 +108,14 @@ bool addFolder(const gtString& folder, clKeys& keys)
     std::vector<gtString> reasons;
     for (const std::string& name : names)
     {
+        const bool endsWithSlash = folder[folder.length() - 1] == '/';
+        const gtString path = gtString(folder).append(endsWithSlash ? "" : "/").append(name);
+        hoKeyFileFacts facts;
+        const std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(path, nullptr, facts, hoKeyNeed::Public, goesOn);
         if (clIsInterrupted())
         {
             return false;
         }
-        const bool endsWithSlash = folder[folder.length() - 1] == '/';
-        const gtString path = gtString(folder).append(endsWithSlash ? "" : "/").append(name);
-        hoKeyFileFacts facts;
-        const std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(path, nullptr, facts, hoKeyNeed::Public);
         if (pKey != nullptr)
         {
             addPublicHalf(keys, path, *pKey);

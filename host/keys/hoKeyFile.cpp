@@ -139,7 +139,7 @@ std::unique_ptr<hoSecretBytes> readKeyFile(const gtString& path, hoKeyFileFacts&
 
 // A piece of the file that may be the key: a PEM block, or all of it.
 std::unique_ptr<const hoKey> loadCandidate(const hoPemBlock& block, hoPassphraseQuestion& question,
-                                           hoKeyFileFacts& facts)
+                                           hoKeyFileFacts& facts, const hoGoesOn& goesOn)
 {
     const bool isPem = !block._label.empty();
     if (block._label == "OPENSSH PRIVATE KEY")
@@ -180,7 +180,7 @@ std::unique_ptr<const hoKey> loadCandidate(const hoPemBlock& block, hoPassphrase
     {
         facts._isPrivate = hoNumberOfKey(key, OSSL_PKEY_PARAM_RSA_D) != nullptr;
     }
-    return hoKeyMaker::makeKey(key, facts);
+    return hoKeyMaker::makeKey(key, facts, goesOn);
 }
 
 // The pieces in the order in which they are tried.
@@ -208,7 +208,7 @@ std::vector<hoPemBlock> findCandidates(std::string_view bytes, const std::vector
 }
 
 std::unique_ptr<const hoKey> loadFrom(std::string_view bytes, hoKeyNeed need, hoIPassphraseSource* pSource,
-                                      hoKeyFileFacts& facts)
+                                      hoKeyFileFacts& facts, const hoGoesOn& goesOn)
 {
     const std::vector<hoPemBlock> blocks = hoFindPemBlocks(bytes);
     const std::vector<hoPemBlock> candidates = findCandidates(bytes, blocks, need);
@@ -219,7 +219,7 @@ std::unique_ptr<const hoKey> loadFrom(std::string_view bytes, hoKeyNeed need, ho
     for (const hoPemBlock& candidate : candidates)
     {
         facts = begun;
-        std::unique_ptr<const hoKey> pKey = loadCandidate(candidate, question, facts);
+        std::unique_ptr<const hoKey> pKey = loadCandidate(candidate, question, facts, goesOn);
         if (pKey != nullptr)
         {
             return pKey;
@@ -235,8 +235,8 @@ std::unique_ptr<const hoKey> loadFrom(std::string_view bytes, hoKeyNeed need, ho
         }
     }
     facts = candidates.empty() || facts._problem != hoKeyFileProblem::NotRsa ? facts : first;
-    const bool isUnknownDer =
-        !candidates.empty() && candidates.front()._label.empty() && facts._problem == hoKeyFileProblem::Damaged;
+    const bool isUnknownDer = !candidates.empty() && candidates.front()._label.empty() &&
+                              facts._problem == hoKeyFileProblem::Damaged && facts._bits == 0;
     if (candidates.empty() || isUnknownDer)
     {
         facts._problem = hoProblemOfOther(bytes, blocks);
@@ -249,7 +249,7 @@ std::unique_ptr<const hoKey> loadFrom(std::string_view bytes, hoKeyNeed need, ho
 hoIPassphraseSource::~hoIPassphraseSource() = default;
 
 std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, hoIPassphraseSource* pSource,
-                                       hoKeyFileFacts& facts, hoKeyNeed need)
+                                       hoKeyFileFacts& facts, hoKeyNeed need, const hoGoesOn& goesOn)
 {
     hoKeyFileFacts begun;
     begun._isOpenToOthers = facts._isOpenToOthers;
@@ -260,7 +260,8 @@ std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, ho
     std::unique_ptr<const hoKey> pKey;
     try
     {
-        pKey = loadFrom(std::string_view(pBytes, static_cast<std::size_t>(amountOfBytes)), need, pSource, facts);
+        pKey =
+            loadFrom(std::string_view(pBytes, static_cast<std::size_t>(amountOfBytes)), need, pSource, facts, goesOn);
     }
     catch (const std::bad_alloc&)
     {
@@ -271,15 +272,16 @@ std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, ho
 }
 
 std::unique_ptr<const hoKey> hoLoadKeyFile(const gtString& path, hoIPassphraseSource* pSource, hoKeyFileFacts& facts,
-                                           hoKeyNeed need)
+                                           hoKeyNeed need, const hoGoesOn& goesOn)
 {
     facts = hoKeyFileFacts();
     std::unique_ptr<hoSecretBytes> pBytes;
     try
     {
         pBytes = readKeyFile(path, facts);
-        return pBytes == nullptr ? nullptr
-                                 : hoLoadKey(pBytes->bytes(), static_cast<int>(pBytes->size()), pSource, facts, need);
+        return pBytes == nullptr
+                   ? nullptr
+                   : hoLoadKey(pBytes->bytes(), static_cast<int>(pBytes->size()), pSource, facts, need, goesOn);
     }
     catch (const std::bad_alloc&)
     {

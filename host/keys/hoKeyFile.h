@@ -2,9 +2,8 @@
 // RSA keys from files: private or public, PKCS#1 or PKCS#8, encrypted or not, and certificates, in PEM or DER, as
 // openssl writes them. A PEM file may hold other things and several keys; each begins on a line of its own.
 //
-// What loads can be used: public numbers are checked for what would send texts in the clear, and both halves by
-// libcrypto's own check up to hoMostCheckedBits. Above that the check takes minutes, and it is only seen that the
-// halves fit.
+// What loads can be used: public numbers are checked for what would send texts in the clear, and private ones for what
+// libcrypto's own check looks at. Only tests for primes, which take minutes above hoMostCheckedBits, end there.
 //
 // Results are facts; the wording is up to the command line and the window. Nothing here prints, waits (a named pipe is
 // refused) or touches a file other than by reading it. Without memory the loaders say NoMemory, and the other functions
@@ -14,6 +13,7 @@
 #ifndef COUNTERSIGN_HO_KEY_FILE_H
 #define COUNTERSIGN_HO_KEY_FILE_H
 
+#include <functional>
 #include <memory>
 
 #include "crypto/crRSAEncryptionKey.h"
@@ -49,6 +49,7 @@ enum class hoKeyFileProblem
     Damaged,                 // its numbers cannot be read, or the private half does not fit the public one
     Unsafe,            // with these numbers nothing is kept secret: an even one, an exponent below 3, a prime modulus
     SizeNotSupported,  // RSA, but with a modulus whose size is no multiple of 32 bits or above hoLargestKeyBits
+    Cancelled,         // the caller's function said so
     NoMemory
 };
 
@@ -125,15 +126,20 @@ private:
     std::shared_ptr<evp_pkey_st> _pLibcryptoPrivateKey;
 };
 
+// Whether the loading goes on; false ends it as Cancelled. May be empty, and may not throw.
+using hoGoesOn = std::function<bool()>;
+
 // Loads the key of the file that is needed; RSA keys go before others. The key is there when the problem is None, and
-// null otherwise. Without a source, encrypted files need a passphrase that nobody gives.
+// null otherwise. Without a source, encrypted files need a passphrase that nobody gives. goesOn is asked all the while
+// that the numbers are checked, and not before: nothing ends libcrypto's derivation of a key from a passphrase.
 std::unique_ptr<const hoKey> hoLoadKeyFile(const gtString& path, hoIPassphraseSource* pSource, hoKeyFileFacts& facts,
-                                           hoKeyNeed need = hoKeyNeed::Any);
+                                           hoKeyNeed need = hoKeyNeed::Any, const hoGoesOn& goesOn = hoGoesOn());
 
 // The same from bytes that the caller has read (and overwrites). What the facts say of the file and its folder
 // (_isOpenToOthers, _isFolderOpenToOthers) stays as the caller has set it.
 std::unique_ptr<const hoKey> hoLoadKey(const char* pBytes, int amountOfBytes, hoIPassphraseSource* pSource,
-                                       hoKeyFileFacts& facts, hoKeyNeed need = hoKeyNeed::Any);
+                                       hoKeyFileFacts& facts, hoKeyNeed need = hoKeyNeed::Any,
+                                       const hoGoesOn& goesOn = hoGoesOn());
 
 // Whether the file reads as a PEM file of keys: it can be read, is no larger than hoLargestKeyFile, begins with a PEM
 // block (blanks and empty lines before it do not count), and holds one with a key. Whether that key can be loaded is

@@ -5,7 +5,6 @@
 #include <condition_variable>
 #include <cstddef>
 #include <mutex>
-#include <thread>
 #include <utility>
 
 // What both threads use.
@@ -17,8 +16,9 @@ public:
     void run(const gtString& path, hoKeyNeed need)
     {
         hoKeyFileFacts facts;
-        std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(path, this, facts, need);
+        std::unique_ptr<const hoKey> pKey = hoLoadKeyFile(path, this, facts, need, [this] { return goesOn(); });
         const std::lock_guard<std::mutex> lock(_mutex);
+        _endsSoon = true;
         if (!_isGivenUp)
         {
             _pKey = std::move(pKey);
@@ -37,9 +37,11 @@ public:
         }
         _pBuffer = pBuffer;
         _size = static_cast<std::size_t>(size);
+        _endsSoon = true;
         change(State::PassphraseWanted);
         _changed.wait(lock, [this] { return _state != State::PassphraseWanted || _isGivenUp; });
         _pBuffer = nullptr;
+        _endsSoon = _isGivenUp;
         return _isGivenUp ? -1 : _lengthOfAnswer;
     }
 
@@ -70,12 +72,14 @@ public:
         _changed.notify_all();
     }
 
-    void giveUp()
+    // Whether the thread ends in a moment.
+    bool giveUp()
     {
         const std::lock_guard<std::mutex> lock(_mutex);
         _isGivenUp = true;
         _pKey.reset();
         _changed.notify_all();
+        return _endsSoon;
     }
 
     std::unique_ptr<const hoKey> takeKey(hoKeyFileFacts& facts)
@@ -86,6 +90,14 @@ public:
     }
 
 private:
+    // On the thread inside, once the file is decoded.
+    bool goesOn()
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _endsSoon = true;
+        return !_isGivenUp;
+    }
+
     void change(State state)
     {
         _state = state;
@@ -98,6 +110,7 @@ private:
     std::condition_variable _changed;
     State _state = State::Busy;
     bool _isGivenUp = false;
+    bool _endsSoon = false;    // the thread looks at _isGivenUp in a moment
     char* _pBuffer = nullptr;  // libcrypto's, while a passphrase is wanted
     std::size_t _size = 0;
     int _lengthOfAnswer = -1;
@@ -106,14 +119,21 @@ private:
 };
 
 hoKeyLoader::hoKeyLoader(const gtString& path, hoKeyNeed need, std::function<void()> onChange)
-    : _pLoading(std::make_shared<Loading>(std::move(onChange)))
+    : _pLoading(std::make_shared<Loading>(std::move(onChange))),
+      _thread([pLoading = _pLoading, path, need] { pLoading->run(path, need); })
 {
-    std::thread([pLoading = _pLoading, path, need] { pLoading->run(path, need); }).detach();
 }
 
 hoKeyLoader::~hoKeyLoader()
 {
-    _pLoading->giveUp();
+    if (_pLoading->giveUp())
+    {
+        _thread.join();
+    }
+    else
+    {
+        _thread.detach();
+    }
 }
 
 hoKeyLoader::State hoKeyLoader::waitFor(std::chrono::milliseconds time) const

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Loads a key file on a thread of its own. The checks of a large key take a good part of a second, and a hostile file
-// can make the derivation of its encryption's key take hours, which libcrypto does not let anybody interrupt.
+// Loads a key file on a thread of its own. The checks of a large key take a good part of a second, and can be ended. A
+// hostile file can make the derivation of its encryption's key take hours, which libcrypto does not let anybody end.
 #ifndef COUNTERSIGN_HO_KEY_LOADER_H
 #define COUNTERSIGN_HO_KEY_LOADER_H
 
@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <string_view>
+#include <thread>
 
 #pragma GCC visibility push(default)
 
@@ -27,8 +28,9 @@ public:
     // Begins at once. onChange: called on the thread inside whenever the state is no longer Busy; it may neither throw
     // nor use this object. Throws std::system_error where the system gives no thread, and std::bad_alloc.
     hoKeyLoader(const gtString& path, hoKeyNeed need, std::function<void()> onChange);
-    // Returns at once. A loading that is not finished is given up: onChange is called no more, and the thread ends by
-    // itself, with its key forgotten, when libcrypto lets it. The program can end before that.
+    // Returns at once. A loading that is not finished is given up: onChange is called no more. Its thread has ended;
+    // only while the file is read, or libcrypto derives a key from the passphrase, it goes on to the end of that, and
+    // forgets the key. The program can end before.
     ~hoKeyLoader();
     hoKeyLoader(const hoKeyLoader&) = delete;
     hoKeyLoader& operator=(const hoKeyLoader&) = delete;
@@ -47,6 +49,7 @@ private:
     class Loading;
 
     std::shared_ptr<Loading> _pLoading;  // the thread's, too
+    std::thread _thread;
 };
 
 #pragma GCC visibility pop

@@ -6,15 +6,16 @@
 #include <utility>
 
 #include <openssl/core_names.h>
+#include <openssl/err.h>
 #include <openssl/param_build.h>
 
+#include "host/keys/hoPrivateNumbers.h"
 #include "host/keys/hoSecretBytes.h"
 #include "platform/baseTools/gtWipe.h"
 
 namespace
 {
 
-using NumberContext = std::unique_ptr<BN_CTX, hoReleaser<BN_CTX, BN_CTX_free>>;
 using NumberParameters = std::unique_ptr<OSSL_PARAM_BLD, hoReleaser<OSSL_PARAM_BLD, OSSL_PARAM_BLD_free>>;
 using Parameters = std::unique_ptr<OSSL_PARAM, hoReleaser<OSSL_PARAM, OSSL_PARAM_free>>;
 
@@ -38,18 +39,6 @@ hoLibcryptoKey makePublicHalf(const hoBigNumber& modulus, const hoBigNumber& exp
         pKey = nullptr;
     }
     return hoLibcryptoKey(pKey);
-}
-
-// Whether the private exponent undoes the public one, tried on one number.
-bool exponentsFit(const BIGNUM* pModulus, const BIGNUM* pPublicExponent, BIGNUM* pPrivateExponent)
-{
-    const NumberContext context(BN_CTX_new());
-    const hoBigNumber number(BN_new());
-    BN_set_flags(pPrivateExponent, BN_FLG_CONSTTIME);
-    return context != nullptr && number != nullptr && BN_set_word(number.get(), 2) == 1 &&
-           BN_mod_exp(number.get(), number.get(), pPublicExponent, pModulus, context.get()) == 1 &&
-           BN_mod_exp(number.get(), number.get(), pPrivateExponent, pModulus, context.get()) == 1 &&
-           BN_is_word(number.get(), 2) == 1;
 }
 
 // Of so many digits, which the number must fit. To be wiped when it is secret.
@@ -78,23 +67,65 @@ bool isExponent(const hoBigNumber& number, const hoBigNumber& modulus)
            BN_cmp(number.get(), modulus.get()) < 0;
 }
 
-bool holdsBy(int (*check)(EVP_PKEY_CTX*), const hoLibcryptoKey& key)
+// The problem where one number is not what it must be.
+hoKeyFileProblem problemOf(hoPrimality found, hoPrimality wanted, hoKeyFileProblem otherwise, const hoGoesOn& goesOn)
+{
+    if (found == wanted)
+    {
+        return hoKeyFileProblem::None;
+    }
+    if (found != hoPrimality::Unknown)
+    {
+        return otherwise;
+    }
+    return goesOn && !goesOn() ? hoKeyFileProblem::Cancelled : hoKeyFileProblem::NoMemory;
+}
+
+bool passesPublicCheck(const hoLibcryptoKey& key)
 {
     const hoKeyContext context(EVP_PKEY_CTX_new_from_pkey(nullptr, key.get(), nullptr));
     if (context == nullptr)
     {
         throw std::bad_alloc();
     }
-    return check(context.get()) == 1;
+    return EVP_PKEY_public_check(context.get()) == 1;
 }
 
-// Whether texts under the key are no longer what they were, and cannot be had back by everybody. libcrypto's check
-// knows no modulus of less than 512 bits.
-bool isSafe(const hoBigNumber& modulus, const hoBigNumber& exponent, const hoLibcryptoKey& publicHalf, int bits)
+// Unsafe where texts under the key stay what they are, or everybody can have them back.
+hoKeyFileProblem publicProblem(const hoBigNumber& modulus, const hoBigNumber& exponent,
+                               const hoLibcryptoKey& publicHalf, BN_CTX* pContext, const hoGoesOn& goesOn)
 {
+    if (BN_is_odd(modulus.get()) == 0 || BN_is_odd(exponent.get()) == 0 || BN_is_one(exponent.get()) == 1)
+    {
+        return hoKeyFileProblem::Unsafe;
+    }
+    const int bits = BN_num_bits(modulus.get());
+    if (bits > hoMostCheckedBits)
+    {
+        return hoKeyFileProblem::None;
+    }
+    // libcrypto's check does the same, and cannot be ended; with a composite number it is quick.
+    const hoPrimality primality = hoTestPrimality(modulus.get(), pContext, goesOn);
+    const hoKeyFileProblem problem = problemOf(primality, hoPrimality::Composite, hoKeyFileProblem::Unsafe, goesOn);
+    // libcrypto's check knows no smaller modulus.
     const int leastCheckedBits = 512;
-    return BN_is_odd(modulus.get()) == 1 && BN_is_odd(exponent.get()) == 1 && BN_is_one(exponent.get()) == 0 &&
-           (bits < leastCheckedBits || bits > hoMostCheckedBits || holdsBy(EVP_PKEY_public_check, publicHalf));
+    if (problem != hoKeyFileProblem::None || bits < leastCheckedBits || passesPublicCheck(publicHalf))
+    {
+        return problem;
+    }
+    return hoKeyFileProblem::Unsafe;
+}
+
+hoKeyFileProblem privateProblem(const hoLibcryptoKey& key, int bits, BN_CTX* pContext, const hoGoesOn& goesOn)
+{
+    if (!hoPrivateNumbersFit(key, pContext))
+    {
+        const bool isMemory = ERR_GET_REASON(ERR_peek_last_error()) == ERR_R_MALLOC_FAILURE;
+        return isMemory ? hoKeyFileProblem::NoMemory : hoKeyFileProblem::Damaged;
+    }
+    return bits > hoMostCheckedBits
+               ? hoKeyFileProblem::None
+               : problemOf(hoTestFactors(key, pContext, goesOn), hoPrimality::Prime, hoKeyFileProblem::Damaged, goesOn);
 }
 
 }  // namespace
@@ -106,41 +137,42 @@ hoBigNumber hoNumberOfKey(const hoLibcryptoKey& key, const char* pName)
     return hoBigNumber(pNumber);
 }
 
-std::unique_ptr<const hoKey> hoKeyMaker::makeKey(hoLibcryptoKey& anyKey, hoKeyFileFacts& facts)
+std::unique_ptr<const hoKey> hoKeyMaker::makeKey(hoLibcryptoKey& anyKey, hoKeyFileFacts& facts, const hoGoesOn& goesOn)
 {
     const hoBigNumber modulus = hoNumberOfKey(anyKey, OSSL_PKEY_PARAM_RSA_N);
     const hoBigNumber publicExponent = hoNumberOfKey(anyKey, OSSL_PKEY_PARAM_RSA_E);
+    facts._bits = modulus == nullptr ? 0 : BN_num_bits(modulus.get());
     if (modulus == nullptr || !isExponent(publicExponent, modulus))
     {
         facts._problem = hoKeyFileProblem::Damaged;
         return nullptr;
     }
-    facts._bits = BN_num_bits(modulus.get());
     if (facts._bits % bitsPerDigit != 0 || facts._bits > hoLargestKeyBits)
     {
         facts._problem = hoKeyFileProblem::SizeNotSupported;
         return nullptr;
     }
     hoLibcryptoKey publicHalf = makePublicHalf(modulus, publicExponent);
-    if (publicHalf == nullptr)
+    const hoNumberContext context(BN_CTX_secure_new());
+    if (publicHalf == nullptr || context == nullptr)
     {
         facts._problem = hoKeyFileProblem::NoMemory;
         return nullptr;
     }
-    if (!isSafe(modulus, publicExponent, publicHalf, facts._bits))
+    facts._problem = publicProblem(modulus, publicExponent, publicHalf, context.get(), goesOn);
+    if (facts._problem != hoKeyFileProblem::None)
     {
-        facts._problem = hoKeyFileProblem::Unsafe;
         return nullptr;
     }
     hoBigNumber privateExponent;
     if (facts._isPrivate)
     {
         privateExponent = hoNumberOfKey(anyKey, OSSL_PKEY_PARAM_RSA_D);
-        if (!isExponent(privateExponent, modulus) ||
-            !exponentsFit(modulus.get(), publicExponent.get(), privateExponent.get()) ||
-            (facts._bits <= hoMostCheckedBits && !holdsBy(EVP_PKEY_check, anyKey)))
+        facts._problem = isExponent(privateExponent, modulus)
+                             ? privateProblem(anyKey, facts._bits, context.get(), goesOn)
+                             : hoKeyFileProblem::Damaged;
+        if (facts._problem != hoKeyFileProblem::None)
         {
-            facts._problem = hoKeyFileProblem::Damaged;
             return nullptr;
         }
     }

@@ -15,8 +15,8 @@ class hoKeyMaker
 {
 public:
     // facts._isPrivate: a private half is wanted. Takes the key away when it succeeds; null, and the facts say why, if
-    // it cannot be used. Throws std::bad_alloc.
-    static std::unique_ptr<const hoKey> makeKey(hoLibcryptoKey& anyKey, hoKeyFileFacts& facts);
+    // it cannot be used. goesOn: see hoLoadKey. Throws std::bad_alloc.
+    static std::unique_ptr<const hoKey> makeKey(hoLibcryptoKey& anyKey, hoKeyFileFacts& facts, const hoGoesOn& goesOn);
 
 private:
     static bool load(crRSAEncryptionKey& key, const hoBigNumber& modulus, const hoBigNumber& exponent, int bits);

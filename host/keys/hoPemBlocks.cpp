@@ -2,7 +2,10 @@
 #include "host/keys/hoPemBlocks.h"
 
 #include <cstddef>
+#include <new>
 
+#include <openssl/err.h>
+#include <openssl/pem.h>
 #include <openssl/pkcs12.h>
 #include <openssl/x509.h>
 
@@ -17,6 +20,47 @@ using Pkcs12 = std::unique_ptr<PKCS12, hoReleaser<PKCS12, PKCS12_free>>;
 
 constexpr std::string_view beginOfPem = "-----BEGIN ";
 constexpr std::string_view blanks = " \t\r\n";
+
+// A block as libcrypto reads it. What is in it may be secret.
+class ReadBlock
+{
+public:
+    // Reads the first block in what is left. isRead() tells whether it could be read.
+    explicit ReadBlock(BIO* pBio) : _isRead(PEM_read_bio_ex(pBio, &_pLabel, &_pHeader, &_pBytes, &_length, flags) == 1)
+    {
+    }
+    ~ReadBlock()
+    {
+        OPENSSL_secure_free(_pLabel);
+        OPENSSL_secure_free(_pHeader);
+        OPENSSL_secure_clear_free(_pBytes, static_cast<std::size_t>(_length));
+    }
+    ReadBlock(const ReadBlock&) = delete;
+    ReadBlock& operator=(const ReadBlock&) = delete;
+    bool isRead() const { return _isRead; }
+    std::string_view label() const { return _pLabel; }
+
+private:
+    static constexpr unsigned int flags = PEM_FLAG_SECURE | PEM_FLAG_EAY_COMPATIBLE;
+
+    char* _pLabel = nullptr;
+    char* _pHeader = nullptr;
+    unsigned char* _pBytes = nullptr;
+    long _length = 0;
+    const bool _isRead;
+};
+
+// The label of a block that libcrypto has found and cannot read, for what is told about it; libcrypto keeps it.
+std::string_view labelOfUnreadable(std::string_view text)
+{
+    std::size_t begin = text.find(beginOfPem);
+    while (begin != std::string_view::npos && begin != 0 && text[begin - 1] != '\n')
+    {
+        begin = text.find(beginOfPem, begin + 1);
+    }
+    const std::string_view label = begin == std::string_view::npos ? text : text.substr(begin + beginOfPem.size());
+    return label.substr(0, label.find("-----"));
+}
 
 }  // namespace
 
@@ -37,19 +81,31 @@ bool hoPemBlock::isCertificate() const
 
 std::vector<hoPemBlock> hoFindPemBlocks(std::string_view text)
 {
-    constexpr std::string_view dashes = "-----";
-    std::vector<hoPemBlock> blocks;
-    for (std::size_t begin = text.find(beginOfPem); begin != std::string_view::npos;
-         begin = text.find(beginOfPem, begin + 1))
+    const hoBio bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
+    if (bio == nullptr)
     {
-        if (begin != 0 && text[begin - 1] != '\n' && text[begin - 1] != '\r')
+        throw std::bad_alloc();
+    }
+    std::vector<hoPemBlock> blocks;
+    std::size_t begin = 0;
+    while (begin < text.size())
+    {
+        ERR_set_mark();
+        const ReadBlock block(bio.get());
+        const int reason = block.isRead() ? 0 : ERR_GET_REASON(ERR_peek_last_error());
+        ERR_pop_to_mark();
+        if (reason == ERR_R_MALLOC_FAILURE)
         {
-            continue;
+            throw std::bad_alloc();
         }
-        const std::string_view rest = text.substr(begin);
-        const std::string_view label = rest.substr(beginOfPem.size(), rest.find('\n') - beginOfPem.size());
-        const std::size_t end = rest.find(beginOfPem, beginOfPem.size());
-        blocks.push_back({label.substr(0, label.find(dashes)), rest.substr(0, end)});
+        const auto end = static_cast<std::size_t>(BIO_tell(bio.get()));
+        if (reason == PEM_R_NO_START_LINE || end <= begin)
+        {
+            break;
+        }
+        const std::string_view read = text.substr(begin, end - begin);
+        blocks.push_back({std::string(block.isRead() ? block.label() : labelOfUnreadable(read)), read});
+        begin = end;
     }
     return blocks;
 }

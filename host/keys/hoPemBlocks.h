@@ -3,6 +3,7 @@
 #ifndef COUNTERSIGN_HO_PEM_BLOCKS_H
 #define COUNTERSIGN_HO_PEM_BLOCKS_H
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -10,15 +11,16 @@
 
 struct hoPemBlock
 {
-    std::string_view _label;
-    std::string_view _text;  // from its first line to its last one
+    std::string _label;
+    std::string_view _text;  // to the block's last line, with what stands in front of it
 
     bool isPrivateKey() const;
     bool isPublicKey() const;
     bool isCertificate() const;
 };
 
-// The blocks that begin on a line of their own. They point into the text.
+// The blocks as libcrypto finds them: each begins on a line of its own. Those that it cannot read are among them. They
+// point into the text. Throws std::bad_alloc.
 std::vector<hoPemBlock> hoFindPemBlocks(std::string_view text);
 
 // Whether the text begins with a block; blanks and empty lines before it do not count.

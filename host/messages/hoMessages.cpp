@@ -137,6 +137,8 @@ gtString hoKeyFileReason(const hoKeyFileFacts& facts)
     case hoKeyFileProblem::SizeNotSupported:
         return hoFilledText(hoTranslated("the key has %s bits; keys have a multiple of 32, up to %s"),
                             {plainNumber(facts._bits), plainNumber(hoLargestKeyBits)});
+    case hoKeyFileProblem::Cancelled:
+        return hoTranslated("interrupted");
     case hoKeyFileProblem::NoMemory:
         return noMemory();
     }

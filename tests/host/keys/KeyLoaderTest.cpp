@@ -33,11 +33,15 @@ protected:
 
     std::unique_ptr<hoKeyLoader> load(const char* pName)
     {
-        return std::make_unique<hoKeyLoader>(_folder.path(pName), hoKeyNeed::Any, [this] { ++_changes; });
+        auto pInThread = std::make_shared<int>();
+        _pInThread = pInThread;
+        return std::make_unique<hoKeyLoader>(_folder.path(pName), hoKeyNeed::Any,
+                                             [this, pInThread = std::move(pInThread)] { ++_changes; });
     }
 
     const TemporaryFolder _folder;
     std::atomic<int> _changes{0};
+    std::weak_ptr<int> _pInThread;  // as long as the thread or the loader is there
     hoKeyFileFacts _facts;
 };
 
@@ -101,6 +105,15 @@ TEST_F(KeyLoader, CanBeGivenUpWhileItWaits)
     ASSERT_EQ(pLoader->waitFor(patience), State::PassphraseWanted);
     pLoader.reset();
     EXPECT_EQ(_changes, 1);
+    EXPECT_TRUE(_pInThread.expired()) << "the thread has not ended";
+}
+
+TEST_F(KeyLoader, LeavesNoThreadBehindWhenItIsDone)
+{
+    auto pLoader = load("plain");
+    ASSERT_EQ(pLoader->waitFor(patience), State::Finished);
+    pLoader.reset();
+    EXPECT_TRUE(_pInThread.expired()) << "the thread has not ended";
 }
 
 // The thread is still in libcrypto when this program ends.
