@@ -2,17 +2,16 @@
 #include "host/MainFrame.h"
 
 #include "host/desktop/hoApplicationArguments.h"
+#include "host/window/hoBindCommand.h"
 #include "host/window/hoCatalogues.h"
 #include "host/window/hoCommands.h"
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoDocumentDropTarget.h"
 #include "host/window/hoDropFrame.h"
 #include "host/window/hoDroppedFiles.h"
-#include "host/window/hoEncryptionDialog.h"
 #include "host/window/hoGreyCommands.h"
 #include "host/window/hoHelp.h"
 #include "host/window/hoIcons.h"
-#include "host/window/hoKeyInformationDialog.h"
 #include "host/window/hoMenuBar.h"
 #include "host/window/hoStatusBar.h"
 #include "platform/osWrappers/osProcess.h"
@@ -57,6 +56,9 @@ MainFrame::MainFrame()
                               _signing.stop();
                               _memory.save(*this, _pView->columnWidths());
                           }}),
+      _documentCommands(*this, _keys.keys(),
+                        {[this] { return _pView->documentsToProcess(false); },
+                         [this](const wxString& text) { _pStatusBar->showNotice(text); }}),
       _areChangesPending(false),
       _isRecentChanged(false),
       _isFrontWanted(false)
@@ -144,12 +146,7 @@ void MainFrame::makeWindow()
 void MainFrame::bindCommands()
 {
     using Kind = hoSigningJob::Kind;
-    using Half = hoKeyController::Half;
-    const auto on = [this](int id, auto action)
-    {
-        Bind(
-            wxEVT_MENU, [action](wxCommandEvent&) { action(); }, id);
-    };
+    const auto on = [this](int id, const auto& action) { hoBindCommand(*this, id, action); };
 
     on(wxID_OPEN, [this] { openNow(_pView->chooseDocuments(_memory.settings().text("folder"))); });
     on(ID_CLOSE_DOCUMENTS, [this] { _pView->closeSelected(); });
@@ -158,13 +155,7 @@ void MainFrame::bindCommands()
     on(ID_COPY_PATH, [this] { _pStatusBar->showNotice(hoCopiedText(_pView->copySelectedPaths())); });
     on(wxID_SELECTALL, [this] { _pView->selectAll(); });
 
-    on(ID_LOAD_PRIVATE_KEY, [this] { _keys.chooseKey(Half::Private); });
-    on(ID_LOAD_PUBLIC_KEY, [this] { _keys.chooseKey(Half::Public); });
-    on(ID_NEW_KEY_PAIR, [this] { _keys.makeKeyPair(); });
-    on(ID_TEXTS, [this] { hoEncryptionDialog(this, keys()).ShowModal(); });
-    on(ID_KEY_INFORMATION, [this] { hoKeyInformationDialog(this, keys()).ShowModal(); });
-    on(ID_FORGET_KEYS, [this] { _keys.setKeys(hoKeyRing()); });
-
+    _keys.bindCommands(*this);
     on(ID_SIGN, [this] { _signing.begin(Kind::Sign, _pView->documentsToProcess(false)); });
     on(ID_TEST, [this] { _signing.begin(Kind::Test, _pView->documentsToProcess(false)); });
     on(ID_SIGN_ALL, [this] { _signing.begin(Kind::Sign, _pView->documentsToProcess(true)); });
@@ -182,18 +173,18 @@ void MainFrame::bindCommands()
         [this](const gtString& path) { openNow({path}); }, [this] { rememberSoon(); });
     hoMenuBar::followRecentPaths(
         *this, _memory.recentKeys(), ID_RECENT_KEY_FIRST, ID_CLEAR_RECENT_KEYS,
-        [this](const gtString& path) { _keys.loadKey(path, Half::Any); }, [this] { rememberSoon(); });
+        [this](const gtString& path) { _keys.loadKey(path, hoKeyController::Half::Any); }, [this] { rememberSoon(); });
 }
 
 void MainFrame::bindEvents()
 {
     using Kind = hoSigningJob::Kind;
-    hoMenuBar::followConditions(*this,
-                                {[this] { return !documents().isEmpty(); },
-                                 [this] { return _pView->amountSelected() > 0; }, [this] { return keys().canTest(); },
-                                 [this] { return !documents().isEmpty() && _signing.canBegin(Kind::Sign); },
-                                 [this] { return !documents().isEmpty() && _signing.canBegin(Kind::Test); },
-                                 [this] { return hasAssertionDialogs(); }});
+    hoMenuBar::followConditions(
+        *this, {[this] { return !documents().isEmpty(); }, [this] { return _pView->amountSelected() > 0; },
+                [this] { return _pView->amountSelected() == 1; }, [this] { return keys().canTest(); },
+                [this] { return !documents().isEmpty() && _signing.canBegin(Kind::Sign); },
+                [this] { return !documents().isEmpty() && _signing.canBegin(Kind::Test); },
+                [this] { return hasAssertionDialogs(); }});
     hoExplainGreyCommands(
         *this, [this](int command) { return whyGrey(command); },
         [this](const wxString& reason) { _pStatusBar->showReason(reason); });

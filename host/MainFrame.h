@@ -21,6 +21,7 @@
 #include "host/desktop/hoEndSignals.h"
 #include "host/desktop/hoSingleInstance.h"
 #include "host/window/hoAssertionController.h"
+#include "host/window/hoDocumentCommands.h"
 #include "host/window/hoDocumentsView.h"
 #include "host/window/hoKeyController.h"
 #include "host/window/hoMessageBar.h"
@@ -97,6 +98,7 @@ private:
     hoKeyController _keys;
     hoSigningController _signing;
     hoAssertionController _assertions;
+    hoDocumentCommands _documentCommands;
     std::unique_ptr<hoEndSignals> _pEndSignals;  // null where the window was never created
     std::unique_ptr<hoDisplayLoss> _pDisplayLoss;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/desktop/hoSessionBus.h"
 
+#include "host/desktop/hoBusAddress.h"
 #include "host/desktop/hoUriList.h"
 
 #include <gio/gio.h>
@@ -46,23 +47,6 @@ struct Free
     void operator()(gpointer pMemory) const { g_free(pMemory); }
 };
 using Text = std::unique_ptr<char, Free>;
-
-// The bus's address, empty when there is none. GIO by itself would start a bus that nobody asked for.
-std::string addressOfBus()
-{
-    const char* pAddress = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-    if (pAddress != nullptr && *pAddress != '\0')
-    {
-        return pAddress;
-    }
-    const Text socket(g_build_filename(g_get_user_runtime_dir(), "bus", nullptr));
-    if (!g_file_test(socket.get(), G_FILE_TEST_EXISTS))
-    {
-        return {};
-    }
-    const Text escaped(g_dbus_address_escape_value(socket.get()));
-    return std::string("unix:path=") + escaped.get();
-}
 
 gtString pathOrUri(const char* pUri)
 {
@@ -130,15 +114,15 @@ public:
 
     bool open()
     {
-        const std::string address = addressOfBus();
-        if (address.empty())
+        const gtString address = hoSessionBusAddress();
+        if (address.isEmpty())
         {
             return false;
         }
         const int flags =
             G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION;
-        _pBus.reset(g_dbus_connection_new_for_address_sync(address.c_str(), static_cast<GDBusConnectionFlags>(flags),
-                                                           nullptr, nullptr, nullptr));
+        _pBus.reset(g_dbus_connection_new_for_address_sync(
+            address.asCharArray(), static_cast<GDBusConnectionFlags>(flags), nullptr, nullptr, nullptr));
         return _pBus != nullptr;
     }
 

@@ -381,6 +381,9 @@ void hoDocumentsView::bindList()
     _pList->Bind(wxEVT_LIST_COL_CLICK, &hoDocumentsView::OnColumnClick, this);
     _pList->Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent&) { _callbacks._onChange(); });
     _pList->Bind(wxEVT_LIST_ITEM_DESELECTED, [this](wxListEvent&) { _callbacks._onChange(); });
+    // By Return or a double click.
+    _pList->Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](wxListEvent&)
+                 { GetParent()->GetEventHandler()->QueueEvent(new wxCommandEvent(wxEVT_MENU, ID_VIEW_DOCUMENTS)); });
     _pList->Bind(wxEVT_LIST_KEY_DOWN,
                  [this](wxListEvent& event)
                  {

@@ -30,7 +30,12 @@ wxString hoWhyGrey(int command, const hoDocumentList& documents, std::size_t amo
     }
     case ID_CLOSE_DOCUMENTS:
     case ID_COPY_PATH:
+    case ID_VIEW_DOCUMENTS:
+    case ID_SHOW_IN_FOLDER:
         return hoWhyNoneSelected(documents, amountSelected);
+    case ID_PROPERTIES:
+        return amountSelected > 1 ? _("More than one document is selected.")
+                                  : hoWhyNoneSelected(documents, amountSelected);
     case ID_CLOSE_ALL_DOCUMENTS:
     case wxID_SELECTALL:
         return hoWhyNoneSelected(documents, documents.size());

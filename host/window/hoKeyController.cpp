@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoKeyController.h"
 
+#include "host/window/hoBindCommand.h"
+#include "host/window/hoCommands.h"
 #include "host/window/hoDisplayText.h"
+#include "host/window/hoEncryptionDialog.h"
+#include "host/window/hoKeyInformationDialog.h"
 #include "host/window/hoKeyLoading.h"
 #include "host/window/hoNewKeyDialog.h"
 #include "host/window/hoTexts.h"
@@ -28,6 +32,16 @@ void showError(wxWindow& parent, const wxString& text)
 hoKeyController::hoKeyController(wxWindow& parent, hoSettings& settings, Callbacks callbacks)
     : _parent(parent), _settings(settings), _callbacks(std::move(callbacks))
 {
+}
+
+void hoKeyController::bindCommands(wxEvtHandler& handler)
+{
+    hoBindCommand(handler, ID_LOAD_PRIVATE_KEY, [this] { chooseKey(Half::Private); });
+    hoBindCommand(handler, ID_LOAD_PUBLIC_KEY, [this] { chooseKey(Half::Public); });
+    hoBindCommand(handler, ID_NEW_KEY_PAIR, [this] { makeKeyPair(); });
+    hoBindCommand(handler, ID_TEXTS, [this] { hoEncryptionDialog(&_parent, _keys).ShowModal(); });
+    hoBindCommand(handler, ID_KEY_INFORMATION, [this] { hoKeyInformationDialog(&_parent, _keys).ShowModal(); });
+    hoBindCommand(handler, ID_FORGET_KEYS, [this] { setKeys(hoKeyRing()); });
 }
 
 void hoKeyController::setKeys(const hoKeyRing& keys)

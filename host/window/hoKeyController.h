@@ -9,6 +9,7 @@
 
 #include <functional>
 
+class wxEvtHandler;
 class wxWindow;
 
 class hoKeyController
@@ -35,6 +36,10 @@ public:
     hoKeyController(wxWindow& parent, hoSettings& settings, Callbacks callbacks);
     hoKeyController(const hoKeyController&) = delete;
     hoKeyController& operator=(const hoKeyController&) = delete;
+
+    // From now on the commands of the Key menu do what they say, but for the recent keys. The handler goes with this
+    // object.
+    void bindCommands(wxEvtHandler& handler);
 
     const hoKeyRing& keys() const { return _keys; }
     void setKeys(const hoKeyRing& keys);

@@ -17,6 +17,12 @@ wxMenu* makeFileMenu(wxMenu* pRecentMenu)
     pMenu->Append(wxID_OPEN, _("&Open...\tCtrl+O"), _("Open documents, several at once"));
     pMenu->AppendSubMenu(pRecentMenu, _("Open &recent"), _("Open a document that was open before"));
     pMenu->AppendSeparator();
+    pMenu->Append(ID_VIEW_DOCUMENTS, _("Open in its &program\tCtrl+Return"),
+                  _("Open the selected documents in the desktop's programs for them"));
+    pMenu->Append(ID_SHOW_IN_FOLDER, _("Show in &folder"), _("Show the selected documents in the file manager"));
+    pMenu->Append(ID_PROPERTIES, _("Propert&ies...\tAlt+Return"),
+                  _("Show path, size, times, signature and digests of the selected document"));
+    pMenu->AppendSeparator();
     pMenu->Append(ID_CLOSE_DOCUMENTS, _("&Close\tCtrl+W"),
                   _("Take the selected documents out of the list; the files stay"));
     pMenu->Append(ID_CLOSE_ALL_DOCUMENTS, _("Close &all\tCtrl+Shift+W"),
@@ -134,6 +140,9 @@ void hoMenuBar::followConditions(wxFrame& frame, const Conditions& conditions)
 
     enable(ID_CLOSE_DOCUMENTS, conditions._hasSelection);
     enable(ID_COPY_PATH, conditions._hasSelection);
+    enable(ID_VIEW_DOCUMENTS, conditions._hasSelection);
+    enable(ID_SHOW_IN_FOLDER, conditions._hasSelection);
+    enable(ID_PROPERTIES, conditions._hasOneSelected);
     enable(ID_CLOSE_ALL_DOCUMENTS, conditions._hasDocuments);
     enable(wxID_SELECTALL, conditions._hasDocuments);
     const auto ofSelection = [hasSelection = conditions._hasSelection](const std::function<bool()>& canBegin)
@@ -192,9 +201,14 @@ void hoMenuBar::followRecentPaths(wxFrame& frame, hoRecentDocuments& recent, int
 
 void hoFillContextMenu(wxMenu& menu)
 {
+    menu.Append(ID_VIEW_DOCUMENTS, _("&Open in its program"));
+    menu.Append(ID_SHOW_IN_FOLDER, _("Show in &folder"));
+    menu.AppendSeparator();
     menu.Append(ID_SIGN, _("&Sign"));
     menu.Append(ID_TEST, _("&Test"));
     menu.AppendSeparator();
     menu.Append(ID_COPY_PATH, _("&Copy path"));
     menu.Append(ID_CLOSE_DOCUMENTS, _("C&lose"));
+    menu.AppendSeparator();
+    menu.Append(ID_PROPERTIES, _("&Properties..."));
 }

@@ -21,6 +21,7 @@ public:
     {
         std::function<bool()> _hasDocuments;
         std::function<bool()> _hasSelection;
+        std::function<bool()> _hasOneSelected;
         std::function<bool()> _hasKeys;
         std::function<bool()> _canSign;
         std::function<bool()> _canTest;

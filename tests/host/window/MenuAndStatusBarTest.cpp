@@ -40,23 +40,28 @@ TEST_F(MenuBar, EnablesCommandsAsTheConditionsSay)
     _pFrame->SetMenuBar(pBar);
     bool hasDocuments = false;
     bool hasSelection = false;
+    bool hasOneSelected = false;
     bool hasKeys = false;
     bool canSign = false;
     bool canTest = false;
     bool hasDialogs = false;
     hoMenuBar::followConditions(*_pFrame,
-                                {[&] { return hasDocuments; }, [&] { return hasSelection; }, [&] { return hasKeys; },
-                                 [&] { return canSign; }, [&] { return canTest; }, [&] { return hasDialogs; }});
+                                {[&] { return hasDocuments; }, [&] { return hasSelection; },
+                                 [&] { return hasOneSelected; }, [&] { return hasKeys; }, [&] { return canSign; },
+                                 [&] { return canTest; }, [&] { return hasDialogs; }});
     const std::vector<std::pair<int, bool*>> dependent = {{ID_CLOSE_ALL_DOCUMENTS, &hasDocuments},
                                                           {wxID_SELECTALL, &hasDocuments},
                                                           {ID_CLOSE_DOCUMENTS, &hasSelection},
                                                           {ID_COPY_PATH, &hasSelection},
+                                                          {ID_VIEW_DOCUMENTS, &hasSelection},
+                                                          {ID_SHOW_IN_FOLDER, &hasSelection},
+                                                          {ID_PROPERTIES, &hasOneSelected},
                                                           {ID_FORGET_KEYS, &hasKeys},
                                                           {ID_SIGN_ALL, &canSign},
                                                           {ID_TEST_ALL, &canTest}};
     for (const bool value : {true, false})
     {
-        for (bool* pCondition : {&hasDocuments, &hasSelection, &hasKeys, &canSign, &canTest})
+        for (bool* pCondition : {&hasDocuments, &hasSelection, &hasOneSelected, &hasKeys, &canSign, &canTest})
         {
             *pCondition = value;
             for (const auto& [id, pOther] : dependent)
