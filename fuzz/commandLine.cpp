@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Any arguments: a command with what it needs, or a text. And any name made printable.
+#include <algorithm>
 #include <vector>
 
 #include "cli/clArguments.h"
@@ -49,13 +50,20 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t size)
         FUZZ_CHECK(result._hasSignature != result._signaturePath.isEmpty());
     }
 
-    // What stands behind the dashes arrives as it is.
+    // What stands behind the dashes arrives as it is; standard input can be read only once.
     std::vector<gtString> files = arguments;
     if (!files.empty())
     {
         files.insert(files.begin(), {"digest", "--key", "k", "--"});
         const clArguments digest = clParseArguments(files);
-        FUZZ_CHECK(digest._command == clCommand::Digest && digest._files == arguments);
+        if (std::count(arguments.begin(), arguments.end(), gtString("-")) > 1)
+        {
+            FUZZ_CHECK(digest._command == clCommand::WrongUse);
+        }
+        else
+        {
+            FUZZ_CHECK(digest._command == clCommand::Digest && digest._files == arguments);
+        }
     }
     for (const gtString& argument : arguments)
     {
