@@ -7,7 +7,7 @@
 # TARGET is a fuzzer of the folder fuzz/ without its extension, or all (the default). Each first takes its seeds and what
 # earlier runs have kept (build/fuzz/corpus/TARGET), then looks for SECONDS (default 60; 0: the seeds only). What it
 # finds is put into build/fuzz/findings, and the status is not 0; the program build/fuzz/bin/fuzz_TARGET takes such a
-# file as its argument.
+# file as its argument. COUNTERSIGN_FUZZ_SEED: the number that the random choices come from (default: another each time).
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
@@ -41,6 +41,7 @@ for name in "${names[@]}"; do
     log=build/fuzz/$name.log
     mkdir -p "$corpus" || fail "making the folder $corpus"
     arguments=(-artifact_prefix="$findings/$name-" -timeout=25 -rss_limit_mb=2560 -print_final_stats=1 -verbosity=0)
+    [ -z "${COUNTERSIGN_FUZZ_SEED:-}" ] || arguments+=(-seed="$COUNTERSIGN_FUZZ_SEED")
     # A dictionary has no effect on the seeds.
     [ -f "fuzz/dictionaries/$name.dict" ] && arguments+=(-dict="fuzz/dictionaries/$name.dict")
     if [ "$seconds" -eq 0 ]; then
