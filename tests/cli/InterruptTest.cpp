@@ -17,18 +17,8 @@
 #include <gtest/gtest.h>
 
 #include "cliTestSupport.h"
+#include "tests/support/tsEnvironment.h"
 #include "tests/support/tsSignalled.h"
-
-namespace
-{
-
-unsigned long fromEnvironment(const char* pName, unsigned long fallback)
-{
-    const char* const pText = std::getenv(pName);
-    return pText == nullptr ? fallback : std::strtoul(pText, nullptr, 10);
-}
-
-}  // namespace
 
 TEST(Interrupts, LeaveAWholeSignatureOrNoneAtAnyMoment)
 {
@@ -62,12 +52,12 @@ TEST(Interrupts, LeaveAWholeSignatureOrNoneAtAnyMoment)
 
     const std::string oldSignature = "00000078" + std::string(256, '0') + "\n";
 
-    const unsigned long seed = fromEnvironment("COUNTERSIGN_SEED", std::random_device()());
+    const unsigned long seed = tsNumberFromEnvironment("COUNTERSIGN_SEED", std::random_device()());
     SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(seed));
     std::mt19937 random(static_cast<std::mt19937::result_type>(seed));
     // Somewhat longer, so that the end is among the moments.
     std::uniform_int_distribution<long> moments(0, longest.count() * 5 / 4);
-    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 120);
+    const unsigned long amount = tsNumberFromEnvironment("COUNTERSIGN_SHUTDOWNS", 120);
     unsigned long interrupted = 0;
     for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
     {

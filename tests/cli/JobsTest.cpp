@@ -18,6 +18,7 @@
 #include <gtest/gtest.h>
 
 #include "Program.h"
+#include "tests/support/tsEnvironment.h"
 #include "tests/support/tsSignalled.h"
 
 namespace
@@ -160,10 +161,8 @@ TEST_F(Jobs, LeaveNoSignatureThatIsNotTold)
 #if defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "the thread sanitizer's runtime holds signals back";
 #endif
-    const char* const pSeed = std::getenv("COUNTERSIGN_SEED");
-    const char* const pAmount = std::getenv("COUNTERSIGN_SHUTDOWNS");
-    const unsigned long seed = pSeed == nullptr ? std::random_device()() : std::strtoul(pSeed, nullptr, 10);
-    const unsigned long amount = pAmount == nullptr ? 40 : std::strtoul(pAmount, nullptr, 10);
+    const unsigned long seed = tsNumberFromEnvironment("COUNTERSIGN_SEED", std::random_device()());
+    const unsigned long amount = tsNumberFromEnvironment("COUNTERSIGN_SHUTDOWNS", 40);
     SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(seed));
     std::mt19937 random(static_cast<std::mt19937::result_type>(seed));
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "Program.h"
+#include "tests/support/tsEnvironment.h"
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
@@ -21,12 +22,6 @@ namespace
 {
 
 using Words = std::vector<std::string>;
-
-unsigned long numberFrom(const char* pVariable, unsigned long usual)
-{
-    const char* const pText = std::getenv(pVariable);
-    return pText == nullptr ? usual : std::strtoul(pText, nullptr, 10);
-}
 
 class RandomUse : public Program
 {
@@ -264,8 +259,8 @@ std::string shown(const Words& words)
 
 TEST_F(RandomUse, ChangesNoDocument)
 {
-    const unsigned long seed = numberFrom("COUNTERSIGN_SEED", 20261122);
-    const unsigned long uses = numberFrom("COUNTERSIGN_RANDOM_USES", 120);
+    const unsigned long seed = tsNumberFromEnvironment("COUNTERSIGN_SEED", 20261122);
+    const unsigned long uses = tsNumberFromEnvironment("COUNTERSIGN_RANDOM_USES", 120);
     _random.seed(static_cast<std::mt19937::result_type>(seed));
     std::map<int, unsigned long> amounts;
     for (unsigned long use = 0; use < uses; ++use)

@@ -4,6 +4,7 @@
 // COUNTERSIGN_SHUTDOWNS: how many (default 1000). The moments are random; COUNTERSIGN_SEED repeats them.
 #include "tests/host/NewKey.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/tsEnvironment.h"
 
 #include "host/documents/hoDocumentList.h"
 #include "host/keys/hoNewKeyPair.h"
@@ -20,21 +21,15 @@ namespace
 {
 using Clock = std::chrono::steady_clock;
 
-unsigned long fromEnvironment(const char* pName, unsigned long fallback)
-{
-    const char* const pText = std::getenv(pName);
-    return pText == nullptr ? fallback : std::strtoul(pText, nullptr, 10);
-}
-
 unsigned long amountOfShutdowns()
 {
-    return fromEnvironment("COUNTERSIGN_SHUTDOWNS", 1000);
+    return tsNumberFromEnvironment("COUNTERSIGN_SHUTDOWNS", 1000);
 }
 
 class WorkThreads : public testing::Test
 {
 protected:
-    WorkThreads() : _seed(fromEnvironment("COUNTERSIGN_SEED", std::random_device()())) {}
+    WorkThreads() : _seed(tsNumberFromEnvironment("COUNTERSIGN_SEED", std::random_device()())) {}
 
     std::vector<hoDocument> documentsIn(const std::string& folder, std::size_t longest) const
     {

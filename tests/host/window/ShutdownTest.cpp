@@ -8,6 +8,7 @@
 #include "tests/host/NewKey.h"
 
 #include "host/signing/hoFileSigning.h"
+#include "tests/support/tsEnvironment.h"
 #include "tests/support/tsSignalled.h"
 
 #include <gmock/gmock.h>
@@ -21,12 +22,6 @@
 namespace
 {
 const int documents = 4;
-
-unsigned long fromEnvironment(const char* pName, unsigned long fallback)
-{
-    const char* const pText = std::getenv(pName);
-    return pText == nullptr ? fallback : std::strtoul(pText, nullptr, 10);
-}
 
 class Shutdown : public MainFrameFixture
 {
@@ -113,7 +108,7 @@ protected:
 
     unsigned long seed()
     {
-        const unsigned long number = fromEnvironment("COUNTERSIGN_SEED", std::random_device()());
+        const unsigned long number = tsNumberFromEnvironment("COUNTERSIGN_SEED", std::random_device()());
         _random.seed(static_cast<std::mt19937::result_type>(number));
         return number;
     }
@@ -150,7 +145,7 @@ TEST_F(Shutdown, OfTheWindowWhileItWorks)
     }
     hoKeyRing keys;
     keys._private._pKey = _pKey;
-    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 24);
+    const unsigned long amount = tsNumberFromEnvironment("COUNTERSIGN_SHUTDOWNS", 24);
     unsigned long inTheMiddle = 0;
     for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
     {
@@ -192,7 +187,7 @@ TEST_F(Shutdown, OfTheWindowWhileItWorks)
 TEST_F(Shutdown, OfTheProgramBySignalsWhileItWorks)
 {
     SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(seed()));
-    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 12);
+    const unsigned long amount = tsNumberFromEnvironment("COUNTERSIGN_SHUTDOWNS", 12);
     int signatures = 0;
     for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
     {
@@ -212,7 +207,7 @@ TEST_F(Shutdown, OfTheProgramBySignalsWhileItWorks)
 TEST_F(Shutdown, OfTheProgramByAnAssertionsDialogWhileItWorks)
 {
     SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(seed()));
-    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 12);
+    const unsigned long amount = tsNumberFromEnvironment("COUNTERSIGN_SHUTDOWNS", 12);
     for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
     {
         const std::chrono::microseconds moment = randomMoment(60000);
@@ -258,7 +253,7 @@ TEST_F(Shutdown, OfTheProgramWhileItShowsItsProgress)
 TEST_F(Shutdown, OfTheDisplayWhileTheProgramWorks)
 {
     SCOPED_TRACE("COUNTERSIGN_SEED=" + std::to_string(seed()));
-    const unsigned long amount = fromEnvironment("COUNTERSIGN_SHUTDOWNS", 8);
+    const unsigned long amount = tsNumberFromEnvironment("COUNTERSIGN_SHUTDOWNS", 8);
     for (unsigned long number = 0; number < amount && !HasFailure(); ++number)
     {
         const std::chrono::microseconds moment = randomMoment(60000);
