@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoDetailsDialog.h"
 
-#include "host/messages/hoMessages.h"
 #include "host/window/hoClipboard.h"
-#include "host/window/hoDisplayText.h"
+#include "host/window/hoSaveFile.h"
 #include "host/window/hoScreenFit.h"
-#include "host/window/hoSummary.h"
 #include "host/window/hoTexts.h"
-#include "platform/osWrappers/osAtomicFile.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/button.h>
-#include <wx/filedlg.h>
-#include <wx/msgdlg.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
@@ -21,6 +16,16 @@ namespace
 {
 const wxSize usualSize(584, 370);
 const wxSize leastTextSize(200, 80);
+
+void save(wxWindow& parent, const wxString& text)
+{
+    hoSaveFileQuestion question;
+    question._title = _("Save the details");
+    question._name = _("details.txt");
+    question._types = _("Text (*.txt)|*.txt|All files|*");
+    question._failure = _("Cannot save %s: %s.");
+    hoSaveFile(parent, question, gtBytesFromText(text));
+}
 }  // namespace
 
 hoDetailsDialog::hoDetailsDialog(wxWindow* pParent, const wxString& title, const wxString& heading,
@@ -42,7 +47,7 @@ hoDetailsDialog::hoDetailsDialog(wxWindow* pParent, const wxString& title, const
     SetAffirmativeId(wxID_CLOSE);
 
     pCopy->Bind(wxEVT_BUTTON, [text](wxCommandEvent&) { hoCopyText(text); });
-    pSave->Bind(wxEVT_BUTTON, [this, text](wxCommandEvent&) { save(text); });
+    pSave->Bind(wxEVT_BUTTON, [this, text](wxCommandEvent&) { save(*this, text); });
 
     auto* pButtons = new wxBoxSizer(wxHORIZONTAL);
     pButtons->AddStretchSpacer();
@@ -58,24 +63,4 @@ hoDetailsDialog::hoDetailsDialog(wxWindow* pParent, const wxString& title, const
     CentreOnParent();
     pClose->SetDefault();
     pClose->SetFocus();
-}
-
-void hoDetailsDialog::save(const wxString& text)
-{
-    wxFileDialog dialog(this, _("Save the details"), wxString(), _("details.txt"), _("Text (*.txt)|*.txt|All files|*"),
-                        wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
-    if (dialog.ShowModal() != wxID_OK)
-    {
-        return;
-    }
-    const gtString path = gtPathBytesFromText(dialog.GetPath());
-    const osWritingResult result = osWriteFileAtomically(path, gtBytesFromText(text).asStringView(), true);
-    if (!result.isOk())
-    {
-        wxMessageDialog(this,
-                        hoFilledText(_("Cannot save %s: %s."), {hoQuotedText(hoDisplayText(hoLastComponent(path), 60)),
-                                                                gtTextFromBytes(hoWritingReason(result))}),
-                        "Countersign", wxOK | wxICON_ERROR)
-            .ShowModal();
-    }
 }

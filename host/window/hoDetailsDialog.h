@@ -10,9 +10,6 @@ class hoDetailsDialog : public wxDialog
 public:
     // heading: one line above the text. The text must be harmless already (hoDisplayText) and may have many lines.
     hoDetailsDialog(wxWindow* pParent, const wxString& title, const wxString& heading, const wxString& text);
-
-private:
-    void save(const wxString& text);
 };
 
 #endif

@@ -2,18 +2,15 @@
 #include "host/window/hoKeyInformationDialog.h"
 
 #include "host/keys/hoPublicKey.h"
-#include "host/messages/hoMessages.h"
 #include "host/window/hoClipboard.h"
 #include "host/window/hoDisplayText.h"
+#include "host/window/hoSaveFile.h"
 #include "host/window/hoScreenFit.h"
 #include "host/window/hoSummary.h"
 #include "host/window/hoTexts.h"
-#include "platform/osWrappers/osAtomicFile.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/button.h>
-#include <wx/filedlg.h>
-#include <wx/msgdlg.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
@@ -43,20 +40,21 @@ wxString informationOf(const hoLoadedKey& key, const wxString& heading)
            "\n" + indent + hoFilledText(_("In signatures: %s"), {gtTextFromBytes(hoShortFingerprint(*key._pKey))}) +
            "\n";
 }
-}  // namespace
 
-wxString hoKeyInformation(const hoKeyRing& keys)
+// A few lines for each key that is loaded.
+wxString informationOf(const hoKeyRing& keys)
 {
     return informationOf(keys._private, _("Private key of %s bits")) +
            informationOf(keys._public, _("Public key of %s bits"));
 }
+}  // namespace
 
 hoKeyInformationDialog::hoKeyInformationDialog(wxWindow* pParent, const hoKeyRing& keys)
     : wxDialog(pParent, wxID_ANY, _("Key information"), wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
       _keys(keys)
 {
-    const wxString text = hoKeyInformation(keys);
+    const wxString text = informationOf(keys);
     auto* pLabel = new wxStaticText(this, wxID_ANY, _("&Loaded keys"));
     auto* pText = new wxTextCtrl(this, wxID_ANY, text, wxDefaultPosition, wxDefaultSize,
                                  wxTE_MULTILINE | wxTE_READONLY | wxTE_DONTWRAP);
@@ -94,23 +92,12 @@ void hoKeyInformationDialog::exportPublicHalf()
     const hoLoadedKey& key = exportedKey(_keys);
     const wxString file = hoDisplayText(hoLastComponent(key._path), 60);
     const wxString stem = file.BeforeLast('.');
-    const wxString name = (stem.empty() ? file : stem) + ".pub.pem";
-    wxFileDialog dialog(this, _("Export the public key"), wxString(), name, _("PEM files (*.pem)|*.pem|All files|*"),
-                        wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
-    if (dialog.ShowModal() != wxID_OK)
-    {
-        return;
-    }
-    const gtString path = gtPathBytesFromText(dialog.GetPath());
-    const osWritingResult result =
-        osWriteFileAtomically(path, hoPublicKeyPem(*key._pKey).asStringView(), true, rightsOfPublicFile);
-    if (!result.isOk())
-    {
-        wxMessageDialog(
-            this,
-            hoFilledText(_("Cannot export to %s: %s."), {hoQuotedText(hoDisplayText(hoLastComponent(path), 60)),
-                                                         gtTextFromBytes(hoWritingReason(result))}),
-            "Countersign", wxOK | wxICON_ERROR)
-            .ShowModal();
-    }
+    hoSaveFileQuestion question;
+    question._title = _("Export the public key");
+    question._name = (stem.empty() ? file : stem) + ".pub.pem";
+    question._types = _("PEM files (*.pem)|*.pem|All files|*");
+    question._failure = _("Cannot export to %s: %s.");
+    question._rights = rightsOfPublicFile;
+    question._filesOfKeys = {_keys._private._path, _keys._public._path};
+    hoSaveFile(*this, question, hoPublicKeyPem(*key._pKey));
 }

@@ -20,7 +20,4 @@ private:
     const hoKeyRing _keys;
 };
 
-// A few lines for each key that is loaded.
-wxString hoKeyInformation(const hoKeyRing& keys);
-
 #endif

@@ -7,6 +7,8 @@
 
 #include "app/ApplicationShell.h"
 #include "host/MainFrame.h"
+#include "host/window/hoDocumentDropTarget.h"
+#include "tests/host/NewKey.h"
 #include "tests/support/tsWindowTest.h"
 
 #include <gtest/gtest.h>
@@ -159,6 +161,32 @@ protected:
     {
         _pFrame->openFilePath(gtString(path.data(), static_cast<int>(path.size())), true);
         settle();
+    }
+
+    // Makes a private key of 1024 bits in mine.pem, and loads it as a drop of its file does.
+    void dropNewKey()
+    {
+        const std::string path = _folder.write("mine.pem", newKeyText(1024));
+        std::filesystem::permissions(path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+        static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())->drop("file://" + path + "\r\n");
+        tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
+        settle();
+    }
+
+    // Presses keys that sign or test, and waits for the result.
+    void work(const std::string& keys)
+    {
+        tsPressKeys(keys);
+        tsRunUntil("the work is done",
+                   [this] { return !_pFrame->isAtWork() && !_pFrame->workMessage()._line.empty(); });
+    }
+
+    // Whether the window with this title has the keyboard, also one of the desktop's own.
+    static bool isActive(const std::string& title)
+    {
+        std::string found;
+        tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &found);
+        return found == title + "\n";
     }
 
     const TemporaryFolder _folder;

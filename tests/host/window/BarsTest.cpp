@@ -97,28 +97,17 @@ protected:
     void startWithKey()
     {
         start({"countersign-desktop", _folder.write("a.txt", "first"), _folder.write("b.txt", "second")});
-        static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
-            ->drop("file://" + _folder.write("mine.pem", newKeyText(1024)) + "\r\n");
-        tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
-        settle();
+        dropNewKey();
     }
     void work(const std::string& keys)
     {
-        tsPressKeys(keys);
-        tsRunUntil("the work is done",
-                   [this] { return !_pFrame->isAtWork() && !_pFrame->workMessage()._line.empty(); });
+        MainFrameFixture::work(keys);
         tsRunUntil("the bar is shown", [this] { return isBarShown() && !seen().empty(); });
     }
     static bool areDetailsUp()
     {
         const auto* pDialog = dynamic_cast<hoDetailsDialog*>(tsTopModalDialog());
         return pDialog != nullptr && tsHasKeyboard(*pDialog);
-    }
-    static bool isActive(const std::string& title)
-    {
-        std::string found;
-        tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &found);
-        return found == title + "\n";
     }
 };
 }  // namespace

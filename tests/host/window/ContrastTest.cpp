@@ -90,12 +90,6 @@ protected:
         expectLegible(screen, wxRect(rect.GetRight() - 70, middle - 7, 40, 14), what + ", Dismiss");
         return tsInkOf(screen, text).ground;
     }
-    void work(const std::string& keys)
-    {
-        tsPressKeys(keys);
-        tsRunUntil("the work is done",
-                   [this] { return !_pFrame->isAtWork() && !_pFrame->workMessage()._line.empty(); });
-    }
 };
 }  // namespace
 
@@ -111,10 +105,7 @@ TEST_F(Contrast, IsEnoughOnTheScreen)
     {
         openAskedFor(_folder.write(name, "text"));
     }
-    static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
-        ->drop("file://" + _folder.write("mine.pem", newKeyText(1024)) + "\r\n");
-    tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
-    settle();
+    dropNewKey();
     work("ctrl+shift+s");
     const wxColour good = expectBarLegible("good");
     _folder.write("b.txt", "other text");

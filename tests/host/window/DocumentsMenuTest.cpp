@@ -42,19 +42,6 @@ protected:
         rect.SetPosition(list().ClientToScreen(rect.GetPosition()));
         return rect;
     }
-    void loadKey()
-    {
-        static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
-            ->drop("file://" + _folder.write("mine.pem", newKeyText(1024)) + "\r\n");
-        tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
-        settle();
-    }
-    void work(const std::string& keys)
-    {
-        tsPressKeys(keys);
-        tsRunUntil("the work is done",
-                   [this] { return !_pFrame->isAtWork() && !_pFrame->workMessage()._line.empty(); });
-    }
 };
 }  // namespace
 
@@ -93,7 +80,7 @@ TEST_F(DocumentsMenu, KeepsTheOrderTrueWhileStatesChange)
 {
     start({"countersign-desktop", _folder.write("file-10", "x"), _folder.write("file-2", "x"),
            _folder.write("file-1", "x")});
-    loadKey();
+    dropNewKey();
     const wxRect head = list().GetScreenRect();
     // By state, then by name.
     tsClickAt(head.GetTopLeft() + wxPoint(list().GetColumnWidth(0) + 30, 10));
@@ -134,7 +121,7 @@ TEST_F(DocumentsMenu, SaysWhyCommandsAreGrey)
     EXPECT_EQ(tooltip("alt+s", "Signature", "Test all"), "Nothing to sign or test: open documents first.");
     openAskedFor(_folder.write("a.txt", "x"));
     EXPECT_EQ(tooltip("alt+s", "Signature", "Test"), "Signing and testing take a key: load one first.");
-    loadKey();
+    dropNewKey();
     EXPECT_EQ(tooltip("alt+s", "Signature", "Sign"), "");
     EXPECT_EQ(tooltip("alt+f", "File", "Close"), "");
     EXPECT_EQ(tooltip("alt+k", "Key", "Forget keys"), "");

@@ -12,13 +12,6 @@ namespace
 {
 using testing::HasSubstr;
 
-bool isActive(const std::string& title)
-{
-    std::string name;
-    tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &name);
-    return name == title + "\n";
-}
-
 class Help : public MainFrameFixture
 {
 protected:

@@ -19,20 +19,6 @@ using testing::HasSubstr;
 class KeyMenu : public MainFrameFixture
 {
 protected:
-    void loadKey()
-    {
-        const std::string path = _folder.write("mine.pem", newKeyText(1024));
-        std::filesystem::permissions(path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-        static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())->drop("file://" + path + "\r\n");
-        tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
-        settle();
-    }
-    static bool isActive(const std::string& title)
-    {
-        std::string found;
-        tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &found);
-        return found == title + "\n";
-    }
     static bool isInformationUp()
     {
         const auto* pDialog = dynamic_cast<hoKeyInformationDialog*>(tsTopModalDialog());
@@ -44,7 +30,7 @@ protected:
 TEST_F(KeyMenu, TellsOfTheKeyAndExportsItsPublicHalf)
 {
     start();
-    loadKey();
+    dropNewKey();
     const hoKey& key = *_pFrame->keys()._private._pKey;
     const std::filesystem::path folderBefore = std::filesystem::current_path();
     std::filesystem::current_path(_folder.path());
@@ -91,7 +77,7 @@ TEST_F(KeyMenu, TellsOfTheKeyWhileTheListHasTheKeyboard)
     tsPressKeys("ctrl+i");
     settle();
     EXPECT_EQ(tsTopModalDialog(), nullptr) << "there is no key";
-    loadKey();
+    dropNewKey();
     tsScript script;
     script.waitUntil("the information has the keyboard", isInformationUp)
         .perform("close it", [] { tsPressKeys("Escape"); })
@@ -100,10 +86,51 @@ TEST_F(KeyMenu, TellsOfTheKeyWhileTheListHasTheKeyboard)
     tsRunUntil("the information is closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
 }
 
+TEST_F(KeyMenu, ExportsNothingOverTheFileOfAKey)
+{
+    start();
+    dropNewKey();
+    const std::string before = _folder.read("mine.pem");
+    const std::filesystem::path folderBefore = std::filesystem::current_path();
+    std::filesystem::create_hard_link(_folder.path("mine.pem"), _folder.path("link.pem"));
+    std::filesystem::current_path(_folder.path());
+    const auto isToolkitsQuestionUp = [] { return isActive(""); };
+    std::string said;
+    tsScript script;
+    script.waitUntil("the information has the keyboard", isInformationUp)
+        .perform("export", [] { tsPressKeys("alt+e"); })
+        .waitUntil("the file dialog is up", [] { return isActive("Export the public key"); })
+        .perform("choose the key's own file",
+                 []
+                 {
+                     tsPressKeys("ctrl+a");
+                     tsType("link.pem");
+                     tsPressKeys("Return");
+                 })
+        .waitUntil("the question is up", isToolkitsQuestionUp)
+        .perform("agree to replace it", [] { tsPressKeys("alt+r"); })
+        .waitUntil("the refusal or the information is up", [] { return isActive("Countersign") || isInformationUp(); })
+        .perform("close it",
+                 [&]
+                 {
+                     said = isActive("Countersign") ? "refused" : "exported";
+                     tsPressKeys("Escape");
+                 })
+        .waitUntil("the information has the keyboard", [&] { return said == "exported" || isInformationUp(); })
+        .perform("close it, too", [] { tsPressKeys("Escape"); })
+        .start();
+    tsPressKeys("ctrl+i");
+    tsRunUntil("the information is closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+    std::filesystem::current_path(folderBefore);
+    EXPECT_EQ(said, "refused");
+    EXPECT_EQ(_folder.read("mine.pem"), before);
+    EXPECT_EQ(_folder.read("link.pem"), before);
+}
+
 TEST_F(KeyMenu, RemembersTheFilesOfKeys)
 {
     start();
-    loadKey();
+    dropNewKey();
     closeWindow();
     wxGetApp().OnExit();
     EXPECT_THAT(_folder.read("config/countersign/settings"),

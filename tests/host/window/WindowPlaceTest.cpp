@@ -38,9 +38,7 @@ protected:
     void startAtWork()
     {
         start({"countersign-desktop", _folder.write("huge", "")});
-        static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
-            ->drop("file://" + _folder.write("mine.pem", newKeyText(1024)) + "\r\n");
-        tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
+        dropNewKey();
         std::filesystem::resize_file(_folder.path("huge"), 64ULL << 30);
         settle();
         tsPressKeys("ctrl+shift+s");
