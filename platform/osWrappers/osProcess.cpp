@@ -281,7 +281,8 @@ std::string foundPath(const std::string& path)
     folders.insert(folders.end(), ofProgram.begin(), ofProgram.end());
     for (const std::string& folder : folders)
     {
-        std::string candidate = folder + "/" + path;
+        std::string candidate = folder;
+        candidate.append("/").append(path);
         if (exists(candidate))
         {
             return candidate;

@@ -605,7 +605,7 @@ TEST(DialogReport, MarksEveryKindOfUrl)
     wxString reason;
     for (const std::string& beginning : beginnings)
     {
-        reason += beginning + " " + beginning + "z/, (" + beginning + "y)\n";
+        reason.append(beginning).append(" ").append(beginning).append("z/, (").append(beginning).append("y)\n");
         expected.push_back(beginning + "z/");
         expected.push_back(beginning + "y");
     }

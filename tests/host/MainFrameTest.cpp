@@ -12,6 +12,7 @@
 #include <wx/textctrl.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <thread>
 
 #include <sys/stat.h>
@@ -354,7 +355,7 @@ TEST_F(MainWindow, KeepsItsSizeFromStartToStart)
                        std::string facts;
                        tsRunProgram({"xwininfo", "-id", window}, &facts);
                        const std::size_t width = facts.find("Width: ");
-                       return width != std::string::npos && std::atoi(facts.c_str() + width + 7) >= 600;
+                       return width != std::string::npos && std::strtol(facts.c_str() + width + 7, nullptr, 10) >= 600;
                    });
         if (pNewWidth != nullptr)
         {
