@@ -59,6 +59,7 @@ MainFrame::MainFrame()
       _documentCommands(*this, _keys.keys(),
                         {[this] { return _pView->documentsToProcess(false); },
                          [this](const wxString& text) { _pStatusBar->showNotice(text); }}),
+      _toolBar(*this, _memory.settings()),
       _areChangesPending(false),
       _isRecentChanged(false),
       _isFrontWanted(false)
@@ -83,7 +84,12 @@ MainFrame::MainFrame()
             hoEndSignals::endBy(signal);
         });
     _pDisplayLoss = std::make_unique<hoDisplayLoss>([this] { _signing.abandon(); });
-    CallAfter([this] { _pView->openAndSelect(hoApplicationDocuments()); });
+    CallAfter(
+        [this]
+        {
+            _toolBar.showIfWanted();
+            _pView->openAndSelect(hoApplicationDocuments());
+        });
 }
 
 void MainFrame::openFilePath(const gtString& path, bool isAskedFor)

@@ -26,6 +26,7 @@
 #include "host/window/hoKeyController.h"
 #include "host/window/hoMessageBar.h"
 #include "host/window/hoSigningController.h"
+#include "host/window/hoToolBar.h"
 #include "host/window/hoWindowMemory.h"
 
 #include <wx/frame.h>
@@ -99,6 +100,7 @@ private:
     hoSigningController _signing;
     hoAssertionController _assertions;
     hoDocumentCommands _documentCommands;
+    hoToolBar _toolBar;
     std::unique_ptr<hoEndSignals> _pEndSignals;  // null where the window was never created
     std::unique_ptr<hoDisplayLoss> _pDisplayLoss;
 

@@ -70,6 +70,8 @@ isGone() {
     ! kill -0 "$program" 2>/dev/null
 }
 
+# Where it brings up no tooltip.
+xdotool mousemove 9999 9999 2>/dev/null
 "$@" &
 program=$!
 waitUntil "its window appeared" hasWindow

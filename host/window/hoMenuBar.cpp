@@ -40,6 +40,13 @@ wxMenu* makeEditMenu()
     return pMenu;
 }
 
+wxMenu* makeViewMenu()
+{
+    auto* pMenu = new wxMenu;
+    pMenu->AppendCheckItem(ID_SHOW_TOOL_BAR, _("&Tool bar"), _("Show buttons for the most used commands"));
+    return pMenu;
+}
+
 wxMenu* makeKeyMenu(wxMenu* pRecentMenu)
 {
     auto* pMenu = new wxMenu;
@@ -117,6 +124,7 @@ hoMenuBar::hoMenuBar() : _pRecentMenu(new wxMenu), _pRecentKeysMenu(new wxMenu)
 {
     Append(makeFileMenu(_pRecentMenu), _("&File"));
     Append(makeEditMenu(), _("&Edit"));
+    Append(makeViewMenu(), _("&View"));
     Append(makeKeyMenu(_pRecentKeysMenu), _("&Key"));
     Append(makeSignatureMenu(), _("&Signature"));
     Append(makeDeveloperMenu(), _("&Developer"));

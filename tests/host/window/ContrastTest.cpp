@@ -7,6 +7,7 @@
 #include "host/window/hoDocumentDropTarget.h"
 
 #include <wx/infobar.h>
+#include <wx/toolbar.h>
 #include <wx/utils.h>
 
 #include <functional>
@@ -98,6 +99,10 @@ TEST_F(Contrast, IsEnoughOnTheScreen)
 {
     start();
     expectLegible(picture(), wxWindow::FindWindowByName("emptyLine", _pFrame)->GetScreenRect(), "the empty page");
+    // The first tool can be used: its icon, and the word beside it.
+    const wxRect tools = _pFrame->GetToolBar()->GetScreenRect();
+    expectLegible(picture(), wxRect(tools.x + 10, tools.y + 8, 22, tools.height - 16), "the tool's icon");
+    expectLegible(picture(), wxRect(tools.x + 38, tools.y + 8, 40, tools.height - 16), "the tool's word");
     openAskedFor(_folder.path("missing.txt"));
     const wxColour cannotOpen = expectBarLegible("cannot open");
 
