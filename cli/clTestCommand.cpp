@@ -26,13 +26,19 @@ bool isSignatureOnInput(const clArguments& arguments)
 
 hoSignatureFileResult readSignature(const clArguments& arguments, const gtString& file, gtString& signature)
 {
-    if (!isSignatureOnInput(arguments))
+    // Beside the file there is no place for a pipe.
+    if (!arguments._hasSignature || !clIsStream(arguments._signaturePath))
     {
         return hoReadSignatureFile(signaturePathFor(arguments, file), signature);
     }
     // One byte more than a signature may have, which tells that there are too many.
-    const int error = clReadInput(signature, static_cast<int>(hoLargestSignatureFile) + 1);
-    return error == 0 ? hoSignatureFileResult() : hoSignatureFileResult(hoSignatureFileProblem::CannotBeRead, error);
+    const int limit = static_cast<int>(hoLargestSignatureFile) + 1;
+    const int error = clReadStream(arguments._signaturePath, signature, limit);
+    if (error != 0)
+    {
+        return hoSignatureFileResult(hoSignatureFileProblem::CannotBeRead, error);
+    }
+    return signature.length() < limit ? hoSignatureFileProblem::None : hoSignatureFileProblem::TooLarge;
 }
 
 int statusOf(hoVerdict verdict, bool isWeakAccepted)

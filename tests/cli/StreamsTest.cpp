@@ -79,6 +79,26 @@ TEST_F(Streams, AreTested)
               outputOf({"digest", "-k", "public.pem", "document"}));
 }
 
+TEST_F(Streams, HoldSignatures)
+{
+    const std::string test = "\"$0\" test -k public.pem -s ";
+    EXPECT_EQ(outputOfShell(test + "<(cat document.sig) document"), "document: good\n");
+    EXPECT_EQ(outputOfShell(test + "<(head -c 10 document.sig; tail -c +11 document.sig) - < document"), "-: good\n");
+    EXPECT_THAT(outputOfShell(test + "<(cat document.sig) <(cat document)"), ::testing::EndsWith(": good\n"));
+    const tsOutcome altered = runInShell(test + "<(cat document.sig) - <<< altered");
+    EXPECT_EQ(altered._exitStatus, 1);
+    EXPECT_EQ(altered._output, "-: BAD\n");
+    expectFailure(runInShell(test + "<(true) document"), {"/dev/fd/", ": "});
+    const tsOutcome large = runInShell(test + "<(head -c 1048577 /dev/zero) document");
+    expectFailure(large, {"/dev/fd/", "it is too large for a signature"});
+    EXPECT_EQ(large._output, "document: not a signature\n");
+    ASSERT_EQ(mkfifo((_folder / "pipe").c_str(), 0600), 0);
+    expectFailure(runInShell("exec 3<> pipe; " + test + "pipe pipe"), {"it is the same pipe"});
+    ASSERT_EQ(mkfifo((_folder / "other.sig").c_str(), 0600), 0);
+    _folder.write("other", "x");
+    expectFailure(run({"test", "-k", "public.pem", "other"}), {"other.sig: "});
+}
+
 TEST_F(Streams, ThatAreFilesAreReadFromWhereTheyStand)
 {
     EXPECT_EQ(outputOfShell("\"$0\" test -k public.pem -s document.sig - < document"), "-: good\n");
