@@ -157,6 +157,16 @@ void bringFolderToDisk(const std::string& folder)
     }
 }
 
+// Whether the file cannot be replaced although the folder can be written to. Root is taken to have all its rights.
+bool isOthersInStickyFolder(const std::string& folder, const std::string& path)
+{
+    struct stat ofFolder = {};
+    struct stat ofFile = {};
+    const uid_t user = ::geteuid();
+    return user != 0 && ::stat(folder.c_str(), &ofFolder) == 0 && (ofFolder.st_mode & S_ISVTX) != 0 &&
+           ofFolder.st_uid != user && ::lstat(path.c_str(), &ofFile) == 0 && ofFile.st_uid != user;
+}
+
 osWritingResult exists()
 {
     return osWritingResult(osWritingProblem::Exists, EEXIST);
@@ -247,8 +257,13 @@ int osCheckFolderOfFile(const gtString& path, bool mayOverwrite)
     {
         return EINVAL;
     }
-    const std::string folder = folderOf(mayOverwrite ? followLinks(path.asStdString()) : path.asStdString());
-    return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0 ? 0 : errno;
+    const std::string wanted = mayOverwrite ? followLinks(path.asStdString()) : path.asStdString();
+    const std::string folder = folderOf(wanted);
+    if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+    {
+        return errno;
+    }
+    return mayOverwrite && isOthersInStickyFolder(folder, wanted) ? EPERM : 0;
 }
 
 bool osIsReadOnly(const gtString& path)

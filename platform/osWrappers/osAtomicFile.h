@@ -40,8 +40,8 @@ osWritingResult osWriteFileAtomically(const gtString& path, std::string_view byt
                                       unsigned int rights = 0);
 
 // Whether osWriteFileAtomically can make a file in the folder that it would write to, as far as this can be told
-// without making one: the folder is there, and the user of this process may write to it. The system's error number, or
-// 0. What has the name itself is not looked at.
+// without making one: the folder is there, the user of this process may write to it, and no sticky bit keeps what is to
+// be overwritten for its owner. The system's error number, or 0. What else has the name is not looked at.
 int osCheckFolderOfFile(const gtString& path, bool mayOverwrite);
 
 // Whether something has that name, links followed, that nobody may write to, or not the user of this process. Such a

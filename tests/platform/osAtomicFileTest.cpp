@@ -172,3 +172,30 @@ TEST(WholeFile, NeedsAFolderThatLetsItBeMade)
     EXPECT_EQ(osCheckFolderOfFile(folder.path("link"), true), ENOENT);
     EXPECT_EQ(osCheckFolderOfFile(folder.path("link"), false), 0);
 }
+
+TEST(WholeFile, OfSomebodyElseIsNotReplacedInAStickyFolder)
+{
+    const uid_t somebody = 65534;
+    if (geteuid() != 0)
+    {
+        GTEST_SKIP() << "only root can have files of two users";
+    }
+    const TemporaryFolder folder;
+    const std::string path = folder.write("roots", "old");
+    folder.write("own", "old");
+    std::filesystem::create_symlink("roots", folder.path("link"));
+    ASSERT_EQ(chown(folder.path("own").c_str(), somebody, static_cast<gid_t>(-1)), 0);
+    for (const mode_t mode : {01777U, 0777U})
+    {
+        ASSERT_EQ(chmod(folder.path().c_str(), mode), 0);
+        ASSERT_EQ(seteuid(somebody), 0);
+        const int error = mode == 0777U ? 0 : EPERM;
+        EXPECT_EQ(osCheckFolderOfFile(folder.path("link"), true), error);
+        EXPECT_EQ(osCheckFolderOfFile(path, true), error);
+        EXPECT_EQ(osWriteFileAtomically(path, "new", true)._systemError, error);
+        EXPECT_EQ(osCheckFolderOfFile(path, false), 0) << "nothing would be replaced";
+        EXPECT_EQ(osCheckFolderOfFile(folder.path("own"), true), 0);
+        EXPECT_EQ(osCheckFolderOfFile(folder.path("none"), true), 0);
+        ASSERT_EQ(seteuid(0), 0);
+    }
+}
