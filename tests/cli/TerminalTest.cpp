@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <string>
+#include <sys/inotify.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -40,6 +41,27 @@ struct Pipe
     Pipe(const Pipe&) = delete;
     Pipe& operator=(const Pipe&) = delete;
     std::array<int, 2> _ends = {-1, -1};
+};
+
+// Whether a file was begun in the folder, also one that is gone again.
+class NewFiles
+{
+public:
+    explicit NewFiles(const std::string& folder) : _descriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+        EXPECT_GE(inotify_add_watch(_descriptor, folder.c_str(), IN_CREATE), 0);
+    }
+    ~NewFiles() { close(_descriptor); }
+    NewFiles(const NewFiles&) = delete;
+    NewFiles& operator=(const NewFiles&) = delete;
+    bool areThereAny() const
+    {
+        std::array<char, 4096> events = {};
+        return read(_descriptor, events.data(), events.size()) > 0;
+    }
+
+private:
+    const int _descriptor;
 };
 
 // What the parent tells: which process it started, and what waitpid said of it each time.
@@ -360,13 +382,16 @@ TEST_F(Terminal, AsksTwiceForANewPassphrase)
     }
 }
 
-// The pair may be there before the signal is; then there are both halves of it.
+// The pair may be there before the signal is; then there are both halves of it. Otherwise no file is begun: what takes
+// long has been given up.
 TEST_F(Terminal, LeavesNoPieceOfAKeyWhenItIsInterrupted)
 {
     int amountInterrupted = 0;
+    int amountGivenUp = 0;
     for (int i = 0; i < 5; ++i)
     {
         const TemporaryFolder folder;
+        const NewFiles newFiles(folder.path());
         Session session(folder.path(), {"keygen", "--bits", "4096"});
         for (const char* pQuestion : {"New passphrase for countersign-key.pem: ", "again: "})
         {
@@ -380,8 +405,10 @@ TEST_F(Terminal, LeavesNoPieceOfAKeyWhenItIsInterrupted)
         const std::size_t amountOfFiles = folder.names().size();
         EXPECT_TRUE(amountOfFiles == 2 || (amountOfFiles == 0 && WIFSIGNALED(status))) << amountOfFiles;
         amountInterrupted += amountOfFiles == 0 ? 1 : 0;
+        amountGivenUp += newFiles.areThereAny() ? 0 : 1;
     }
     EXPECT_GT(amountInterrupted, 0);
+    EXPECT_GT(amountGivenUp, 0) << "the key was made to the end each time";
 }
 
 TEST_F(Terminal, TakesPassphrasesOfEveryLengthThatAKeyFileCanHave)
