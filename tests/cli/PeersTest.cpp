@@ -2,6 +2,7 @@
 // The manual's table of other programs: each cell is what the program is seen to do. A program that is not installed is
 // left out.
 #include <cstdlib>
+#include <filesystem>
 #include <set>
 #include <string>
 #include <vector>
@@ -205,6 +206,34 @@ TEST_P(Peers, TakeAFolder)
     const bool isTaken =
         run(GetParam()._signBelow, {"d"})._exitStatus == 0 && run("[ \"$(ls d | wc -l)\" = 2 ]", {})._exitStatus == 0;
     expectCell("a folder", isTaken ? "the files in it" : "refused");
+}
+
+TEST_P(Peers, PrintJson)
+{
+    const tsOutcome outcome = run(GetParam()._sign + " --json", {"a"});
+    const bool isJson = outcome._exitStatus == 0 && outcome._output.substr(0, 1) == "{";
+    expectCell("results as JSON", isJson ? "an object a line" : "no");
+}
+
+// The most threads that it has at a time.
+TEST_P(Peers, UseProcessors)
+{
+    for (const char* pName : {"a", "b"})
+    {
+        _folder.write(pName, "");
+        std::filesystem::resize_file(_folder / pName, 32 * 1024 * 1024);
+    }
+    const bool isOurs = GetParam()._name == "countersign";
+    const bool isTakingTwo = run(GetParam()._sign, {"a", "b"})._exitStatus == 0;
+    ASSERT_EQ(run("rm -f *.sig *.minisig SUMS", {})._exitStatus, 0);
+    // Once it has ended, it is a zombie with one thread, or gone.
+    const std::string watched =
+        "(exec " + GetParam()._sign + (isOurs ? " --jobs 2" : "") +
+        ") >/dev/null 2>&1 & while state=$(cut -d' ' -f3 /proc/$!/stat 2>/dev/null) && "
+        "[ \"$state\" != Z ]; do ls /proc/$!/task 2>/dev/null | wc -l; done | sort -n | tail -n 1";
+    const std::string most =
+        run(watched, isTakingTwo ? std::vector<std::string>{"a", "b"} : std::vector<std::string>{"a"})._output;
+    expectCell("processors for many files", most == "1\n" ? "one" : isOurs && most == "3\n" ? "all" : most);
 }
 
 TEST_P(Peers, KnowSeveralKeys)
