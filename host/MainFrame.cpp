@@ -66,6 +66,7 @@ MainFrame::MainFrame()
 {
     // Private keys and passphrases will be in memory.
     osWriteNoCoreFiles();
+    hoUseLanguageOfUser(hoApplicationPath());
     if (_instance.handOver(hoApplicationDocuments(), [this] { gtComeToFront(*this); }))
     {
         // The shell shows every window that it makes; the toolkit would complain about one that was never created.
@@ -107,7 +108,6 @@ void MainFrame::openFilePath(const gtString& path, bool isAskedFor)
 
 void MainFrame::makeWindow()
 {
-    hoUseCatalogueOfUser(hoApplicationPath());
     Create(nullptr, wxID_ANY, "Countersign", wxDefaultPosition, usualClientSize);
     SetIcons(hoApplicationIcons());
     _pMenuBar = new hoMenuBar;

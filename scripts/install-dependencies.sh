@@ -14,7 +14,7 @@ set -u
 
 # The one list of packages, by what they are for. The names are those of Debian 12 and 13.
 run=(
-    g++ cmake ninja-build pkgconf ccache
+    g++ cmake ninja-build pkgconf ccache gettext
     libwxgtk3.2-dev libgtk-3-dev libssl-dev libcli11-dev libbsd-dev nlohmann-json3-dev
     # Without a display: a virtual one, a window manager and a camera.
     xvfb openbox xdotool wmctrl x11-utils imagemagick fonts-dejavu-core adwaita-icon-theme
@@ -26,6 +26,8 @@ test=(
     dbus libglib2.0-bin
 )
 testOptional=(
+    # What dates look like elsewhere.
+    locales
     # The desktop's own validators.
     desktop-file-utils appstream shared-mime-info xdg-utils python3-yaml python3-jsonschema
     # What makes the package, and what reads the manual pages.

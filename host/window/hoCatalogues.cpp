@@ -4,6 +4,7 @@
 #include "host/messages/hoLanguage.h"
 #include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
+#include "platform/toolkit/gtTextDirection.h"
 
 #include <wx/log.h>
 
@@ -14,6 +15,8 @@
 #include <memory>
 #include <string>
 #include <system_error>
+
+#include <locale.h>
 
 namespace
 {
@@ -31,12 +34,9 @@ class Loader : public wxTranslationsLoader
 public:
     Loader(const gtString& folder, const gtString& language) : _folder(folder), _language(language) {}
 
-    wxMsgCatalog* LoadCatalog(const wxString& name, const wxString& language) override
+    // The toolkit may ask for the language with an encoding behind it.
+    wxMsgCatalog* LoadCatalog(const wxString& name, const wxString&) override
     {
-        if (name != domain || language != gtTextFromBytes(_language))
-        {
-            return nullptr;
-        }
         // A damaged catalogue is none.
         const wxLogNull silence;
         return wxMsgCatalog::CreateFromFile(gtPathTextFromBytes(catalogueOf(_folder, _language).string()), name);
@@ -63,26 +63,49 @@ gtString translatePlural(const char* pOne, const char* pMany, std::uint64_t amou
 
 bool isPlain(std::string_view locale)
 {
-    return locale.empty() || locale == "C" || locale == "POSIX" || locale.substr(0, 2) == "C.";
+    return locale.empty() || locale == "C" || locale == "POSIX";
 }
 
-hoNumberMarks marksOfLocale()
+hoNumberMarks marksOfLanguage()
 {
     hoNumberMarks marks;
-    const char* const pLocale = std::setlocale(LC_NUMERIC, nullptr);
-    if (pLocale == nullptr || isPlain(pLocale))
+    // Between groups of three digits.
+    marks._group = gtBytesFromText(wxGETTEXT_IN_CONTEXT("number", ","));
+    // Before the first decimal.
+    marks._decimal = gtBytesFromText(wxGETTEXT_IN_CONTEXT("number", "."));
+    return marks;
+}
+
+// Those of the environment's locale. The program's own stays C in this respect: libraries read numbers from files.
+hoNumberMarks marksOfUser()
+{
+    hoNumberMarks marks = marksOfLanguage();
+    const locale_t locale = newlocale(LC_NUMERIC_MASK | LC_CTYPE_MASK, "", locale_t());
+    if (locale == locale_t())
     {
-        // Between groups of three digits.
-        marks._group = gtBytesFromText(wxGETTEXT_IN_CONTEXT("number", ","));
-        // Before the first decimal.
-        marks._decimal = gtBytesFromText(wxGETTEXT_IN_CONTEXT("number", "."));
         return marks;
     }
-    const lconv& locale = *std::localeconv();
-    marks._group = gtBytesFromText(gtTextFromBytes(locale.thousands_sep));
-    marks._decimal = gtBytesFromText(gtTextFromBytes(locale.decimal_point));
-    marks._sizes = locale.grouping;
+    const locale_t before = uselocale(locale);
+    const lconv& conventions = *std::localeconv();
+    // The locale C has no groups.
+    if (*conventions.thousands_sep != '\0' || std::string_view(conventions.decimal_point) != ".")
+    {
+        marks._group = gtBytesFromText(gtTextFromBytes(conventions.thousands_sep));
+        marks._decimal = gtBytesFromText(gtTextFromBytes(conventions.decimal_point));
+        marks._sizes = conventions.grouping;
+    }
+    uselocale(before);
+    freelocale(locale);
     return marks;
+}
+
+void useLanguage(const hoNumberMarks& marks)
+{
+    hoLanguage language;
+    language._translate = &translate;
+    language._translatePlural = &translatePlural;
+    language._marks = marks;
+    hoSetLanguage(language);
 }
 }  // namespace
 
@@ -99,7 +122,7 @@ std::vector<gtString> hoLanguagesWanted(std::string_view locale, std::string_vie
         const std::size_t end = std::min(list.find(':', begin), list.size());
         const std::string_view name = list.substr(begin, end - begin);
         begin = end + 1;
-        if (isPlain(name))
+        if (isPlain(name) || name.substr(0, 2) == "C.")
         {
             continue;
         }
@@ -149,17 +172,22 @@ void hoUseCatalogue(const gtString& folder, const std::vector<gtString>& languag
     }
     wxTranslations::Set(pTranslations.release());
     // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the toolkit deletes the translations
-    hoLanguage language;
-    language._translate = &translate;
-    language._translatePlural = &translatePlural;
-    language._marks = marksOfLocale();
-    hoSetLanguage(language);
+    useLanguage(marksOfLanguage());
 }
 
-void hoUseCatalogueOfUser(const gtString& program)
+void hoUseLanguageOfUser(const gtString& program)
 {
+    for (const int category : {LC_CTYPE, LC_COLLATE, LC_MESSAGES, LC_TIME})
+    {
+        static_cast<void>(std::setlocale(category, ""));
+    }
     const char* const pLocale = std::setlocale(LC_MESSAGES, nullptr);
     const char* const pLanguages = std::getenv("LANGUAGE");
     hoUseCatalogue(hoCatalogueFolder(program),
                    hoLanguagesWanted(pLocale == nullptr ? "" : pLocale, pLanguages == nullptr ? "" : pLanguages));
+    useLanguage(marksOfUser());
+    if (wxTranslations::Get()->IsLoaded(domain))
+    {
+        gtFollowDirectionOfLocale();
+    }
 }

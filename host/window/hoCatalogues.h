@@ -3,7 +3,7 @@
 // thread only.
 //
 // The language is chosen as gettext does it: LANGUAGE, a list, best first; where that is empty, the locale's. A locale
-// that is C or is not installed gives English, and so does a language without a catalogue.
+// that is C or is not installed gives English whatever LANGUAGE says, and so does a language without a catalogue.
 #ifndef COUNTERSIGN_HO_CATALOGUES_H
 #define COUNTERSIGN_HO_CATALOGUES_H
 
@@ -21,10 +21,12 @@ std::vector<gtString> hoLanguagesWanted(std::string_view locale, std::string_vie
 gtString hoCatalogueFolder(const gtString& program);
 
 // From now on texts are in the first of these languages that has a catalogue in this folder; in English when none has.
-// The marks of numbers are those of the program's locale; where that is C, those of the language.
+// The marks of numbers are those of the language.
 void hoUseCatalogue(const gtString& folder, const std::vector<gtString>& languages);
 
-// The same for this program in the locale that it has set, as the environment says.
-void hoUseCatalogueOfUser(const gtString& program);
+// The same for this program, as the environment says: the locale of characters, sorting, messages and times becomes that
+// of the user, which the toolkit leaves at C, and so do the marks of numbers where the user's locale has any. Where texts
+// are translated, windows made from now on have the direction of the language. Before there are other threads.
+void hoUseLanguageOfUser(const gtString& program);
 
 #endif

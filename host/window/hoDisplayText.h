@@ -28,8 +28,8 @@ inline wxString hoHarmlessText(const wxString& text, std::size_t mostCharacters 
     return gtHarmlessText(text, mostCharacters);
 }
 
-// Seconds since 1970 as local time, in a shape that sorts: "2026-11-21 01:43" or, exact, "2026-11-21 01:43:07". A time
-// that the calendar does not hold gives "?".
+// Seconds since 1970 as local time in the shape of the program's locale; in the locale C in one that sorts: "2026-11-21
+// 01:43" or, exact, "2026-11-21 01:43:07". A time that the calendar does not hold gives "?".
 wxString hoTimeText(std::int64_t seconds, bool isExact = false);
 
 #endif

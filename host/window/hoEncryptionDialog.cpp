@@ -66,6 +66,8 @@ hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
     auto* pKeys = new wxStaticText(this, wxID_ANY, wxControl::EscapeMnemonics(keysText(_keys)), wxDefaultPosition,
                                    wxDefaultSize, wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END);
     pKeys->SetName("keys");
+    // Whole where it is cut off.
+    pKeys->SetToolTip(keysText(_keys));
     auto* pClose = new wxButton(this, wxID_CLOSE, _("&Close"));
 
     _pPlain->SetMinSize(FromDIP(leastTextSize));

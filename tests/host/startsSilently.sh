@@ -46,3 +46,4 @@ start "a start of a maximised window without borders"
 start "a start of a maximised window"
 rm -r "$XDG_CONFIG_HOME"
 start "a first start with a document" document.txt
+LC_ALL=C.UTF-8 LANGUAGE=de start "a start in German" document.txt

@@ -60,6 +60,13 @@ case $case in
             *"$version"*) ;;
             *) complain "the installed program says '$said', not version $version" ;;
         esac
+        # Where the window looks for them, relative to itself. Without msgfmt there are none.
+        if command -v msgfmt >/dev/null; then
+            while read -r language; do
+                [ -s "$here/another place/bin/../share/locale/$language/LC_MESSAGES/countersign.mo" ] ||
+                    complain "the catalogue of '$language' is not installed"
+            done <"$source/po/LINGUAS"
+        fi
         ! grep -rlF "$source" "$libraries/cmake" "$libraries/pkgconfig" ||
             complain "the installed package points back into the sources"
         ;;

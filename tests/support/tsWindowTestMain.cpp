@@ -54,6 +54,9 @@ int main(int argc, char** argv)
     if (!isAskedToListTests(argc, argv) && std::getenv(isThere) == nullptr)
     {
         setenv(isThere, "1", 1);
+        // In English, wherever the tests run.
+        setenv("LC_ALL", "C.UTF-8", 1);
+        unsetenv("LANGUAGE");
         char script[] = COUNTERSIGN_SCRIPTS "/with-display.sh";
         char self[4096];
         const ssize_t length = readlink("/proc/self/exe", self, sizeof(self) - 1);
