@@ -16,13 +16,59 @@ enum Field
     FIELD_DOCUMENTS,
     FIELD_COUNT
 };
+
+// Negative: shares of the width.
+const int usualWidths[FIELD_COUNT] = {-4, -5, -4};
+const int widthsWithBothKeys[FIELD_COUNT] = {-3, -7, -4};
+const int textMargin = 4;  // of a field, on each side
+
+wxString bitsOf(const hoLoadedKey& key)
+{
+    return hoPlainNumber(key._pKey->bits());
+}
+
+wxString fingerprintOf(const hoLoadedKey& key)
+{
+    return gtTextFromBytes(hoShortFingerprint(*key._pKey));
+}
+
+// What is said of the keys, the longest text first.
+std::vector<wxString> keyTexts(const hoKeyRing& keys)
+{
+    const bool hasPrivate = keys._private._pKey != nullptr;
+    const bool hasPublic = keys._public._pKey != nullptr;
+    if (hasPrivate && hasPublic)
+    {
+        const wxString privateKey = fingerprintOf(keys._private);
+        const wxString publicKey = fingerprintOf(keys._public);
+        // The private key and the public one.
+        return {hoFilledText(_("%s; %s"), {hoKeyText(keys._private, true), hoKeyText(keys._public, false)}),
+                hoFilledText(_("%s-bit private key %s; %s-bit public key %s"),
+                             {bitsOf(keys._private), privateKey, bitsOf(keys._public), publicKey}),
+                hoFilledText(_("Private %s; public %s"), {privateKey, publicKey})};
+    }
+    if (hasPrivate)
+    {
+        return {hoKeyText(keys._private, true), hoFilledText(_("Private key %s"), {fingerprintOf(keys._private)})};
+    }
+    if (hasPublic)
+    {
+        return {hoKeyText(keys._public, false), hoFilledText(_("Public key %s"), {fingerprintOf(keys._public)})};
+    }
+    return {_("No key")};
+}
 }  // namespace
 
 hoStatusBar::hoStatusBar(wxWindow* pParent) : wxStatusBar(pParent)
 {
-    // Negative: shares of the width.
-    const int widths[FIELD_COUNT] = {-4, -5, -4};
-    SetFieldsCount(FIELD_COUNT, widths);
+    SetFieldsCount(FIELD_COUNT, usualWidths);
+    Bind(wxEVT_SIZE,
+         [this](wxSizeEvent& event)
+         {
+             event.Skip();
+             // The fields have their new widths once this event is dealt with.
+             CallAfter(&hoStatusBar::fitKeys);
+         });
 }
 
 void hoStatusBar::showNotice(const wxString& text)
@@ -47,12 +93,26 @@ void hoStatusBar::endReason()
 
 void hoStatusBar::showKeys(const hoKeyRing& keys)
 {
-    const wxString privateKey = hoKeyText(keys._private, true);
-    const wxString publicKey = hoKeyText(keys._public, false);
-    const bool areBoth = !privateKey.empty() && !publicKey.empty();
-    // The private key and the public one.
-    const wxString text = areBoth ? hoFilledText(_("%s; %s"), {privateKey, publicKey}) : privateKey + publicKey;
-    SetStatusText(text.empty() ? _("No key") : text, FIELD_KEYS);
+    _keyTexts = keyTexts(keys);
+    const bool areBoth = keys._private._pKey != nullptr && keys._public._pKey != nullptr;
+    SetStatusWidths(FIELD_COUNT, areBoth ? widthsWithBothKeys : usualWidths);
+    fitKeys();
+}
+
+void hoStatusBar::fitKeys()
+{
+    wxRect field;
+    if (_keyTexts.empty() || !GetFieldRect(FIELD_KEYS, field))
+    {
+        return;
+    }
+    const int width = field.GetWidth() - 2 * FromDIP(textMargin);
+    std::size_t fitting = 0;
+    while (fitting + 1 < _keyTexts.size() && GetTextExtent(_keyTexts[fitting]).GetWidth() > width)
+    {
+        ++fitting;
+    }
+    SetStatusText(_keyTexts[fitting], FIELD_KEYS);
 }
 
 void hoStatusBar::showDocuments(const hoDocumentList& documents, std::size_t amountSelected)

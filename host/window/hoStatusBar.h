@@ -8,6 +8,8 @@
 
 #include <wx/statusbr.h>
 
+#include <vector>
+
 class hoStatusBar : public wxStatusBar
 {
 public:
@@ -19,11 +21,15 @@ public:
     // The same for why something cannot be done now; endReason takes it away, if it is still there.
     void showReason(const wxString& text);
     void endReason();
+    // In as many words as there is room for; both keys at any width, by their fingerprints.
     void showKeys(const hoKeyRing& keys);
     void showDocuments(const hoDocumentList& documents, std::size_t amountSelected);
 
 private:
+    void fitKeys();
+
     wxString _reason;
+    std::vector<wxString> _keyTexts;  // the longest first; empty until there are some
 };
 
 #endif

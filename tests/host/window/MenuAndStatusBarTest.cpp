@@ -7,6 +7,8 @@
 #include "host/window/hoMenuBar.h"
 #include "host/window/hoStatusBar.h"
 
+#include <wx/panel.h>
+
 namespace
 {
 using MenuBar = BareFrame;
@@ -104,7 +106,43 @@ TEST_F(StatusBar, SaysWhatThereIs)
     keys._private._pKey = newKey(512);
     keys._private._path = "/keys/mine.pem";
     pBar->showKeys(keys);
-    EXPECT_TRUE(pBar->GetStatusText(1).StartsWith("512-bit private key "));
+    showWith(new wxPanel(_pFrame));
+    _pFrame->SetSize(900, 400);
+    tsRunUntil("there is room", [&] { return pBar->GetStatusText(1).StartsWith("512-bit private key "); });
     pBar->showNotice("done");
     EXPECT_EQ(pBar->GetStatusText(0), "done");
+}
+
+TEST_F(StatusBar, ShowsBothKeysAtAnyWidth)
+{
+    auto* pBar = new hoStatusBar(_pFrame);
+    _pFrame->SetStatusBar(pBar);
+    showWith(new wxPanel(_pFrame));
+    hoKeyRing keys;
+    keys._private._pKey = newKey(512);
+    keys._private._path = "/keys/mine.pem";
+    keys._public._pKey = newKey(512);
+    keys._public._path = "/keys/her.pem";
+    pBar->showKeys(keys);
+    std::size_t longest = 0;
+    for (const int width : {1200, 900, 640, 520})
+    {
+        _pFrame->SetSize(width, 400);
+        tsRunUntil("the frame has its width", [&] { return _pFrame->GetSize().GetWidth() == width; });
+        tsRunUntil("the bar has it, too",
+                   [&] { return pBar->GetSize().GetWidth() == _pFrame->GetClientSize().GetWidth(); });
+        tsRunEvents();
+        wxRect field;
+        pBar->GetFieldRect(1, field);
+        EXPECT_LT(pBar->GetTextExtent(pBar->GetStatusText(1)).GetWidth(), field.GetWidth()) << width;
+        const std::string text = pBar->GetStatusText(1).utf8_string();
+        for (const hoLoadedKey* pKey : {&keys._private, &keys._public})
+        {
+            EXPECT_NE(text.find(hoShortFingerprint(*pKey->_pKey).asStdString()), std::string::npos) << text;
+        }
+        longest = std::max(longest, text.size());
+    }
+    EXPECT_GT(longest, pBar->GetStatusText(1).length()) << "a wide window tells more";
+    _pFrame->SetSize(1200, 400);
+    tsRunUntil("the names are back", [&] { return pBar->GetStatusText(1).Contains("her.pem"); });
 }
