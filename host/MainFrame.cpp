@@ -16,6 +16,7 @@
 #include "host/window/hoStatusBar.h"
 #include "platform/osWrappers/osProcess.h"
 #include "platform/toolkit/gtComeToFront.h"
+#include "platform/toolkit/gtTextDirection.h"
 
 #include <wx/sizer.h>
 
@@ -109,6 +110,7 @@ void MainFrame::openFilePath(const gtString& path, bool isAskedFor)
 void MainFrame::makeWindow()
 {
     Create(nullptr, wxID_ANY, "Countersign", wxDefaultPosition, usualClientSize);
+    gtTakeDirection(*this);
     SetIcons(hoApplicationIcons());
     _pMenuBar = new hoMenuBar;
     SetMenuBar(_pMenuBar);

@@ -24,6 +24,9 @@ step "taking docs/images/assertion-dialog-high-contrast.png" env GTK_THEME=HighC
 files=$(mktemp -d /tmp/countersign.XXXXXX) || fail "making a temporary folder"
 trap 'rm -rf "$files"' EXIT
 export XDG_CONFIG_HOME=$files/config
+# In English, wherever they are taken.
+export LC_ALL=C.UTF-8
+unset LANGUAGE
 documents=$files/Documents
 mkdir -p "$documents"
 head -c 48213 /dev/zero >"$documents/contract.pdf"
@@ -69,3 +72,9 @@ openssl rsa -aes128 -passout pass:secret -in "$files/alice.pem" -out "$files/loc
     fail "encrypting a key"
 chmod 600 "$files/locked.pem"
 COUNTERSIGN_PICTURE_KEYS="ctrl+k type:$files/locked.pem Return" mainWindow passphrase
+
+# In German.
+export LANGUAGE=de
+COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t Down" mainWindow main-window-german \
+    "$documents"/*.pdf "$documents"/*.odt "$documents"/*.txt "$documents"/*.flac
+COUNTERSIGN_PICTURE_KEYS="alt+s n" mainWindow new-key-pair-german

@@ -24,9 +24,10 @@ gtString hoCatalogueFolder(const gtString& program);
 // The marks of numbers are those of the language.
 void hoUseCatalogue(const gtString& folder, const std::vector<gtString>& languages);
 
-// The same for this program, as the environment says: the locale of characters, sorting, messages and times becomes that
-// of the user, which the toolkit leaves at C, and so do the marks of numbers where the user's locale has any. Where texts
-// are translated, windows made from now on have the direction of the language. Before there are other threads.
+// The same for this program, as the environment says: the locale of characters, sorting, messages and times becomes
+// that of the user, which the toolkit leaves at C, and so do the marks of numbers where the user's locale has any.
+// Where texts are translated, windows made from now on have the direction of the language. Before there are other
+// threads.
 void hoUseLanguageOfUser(const gtString& program);
 
 #endif

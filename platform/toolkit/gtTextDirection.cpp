@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/toolkit/gtTextDirection.h"
 
-#include <wx/defs.h>
+#include <wx/toplevel.h>
 
 #ifdef __WXGTK__
 #include <gtk/gtk.h>
@@ -11,5 +11,15 @@ void gtFollowDirectionOfLocale()
 {
 #ifdef __WXGTK__
     gtk_widget_set_default_direction(gtk_get_locale_direction());
+#endif
+}
+
+void gtTakeDirection([[maybe_unused]] wxTopLevelWindow& window)
+{
+#ifdef __WXGTK__
+    if (gtk_widget_get_default_direction() == GTK_TEXT_DIR_RTL)
+    {
+        window.SetLayoutDirection(wxLayout_RightToLeft);
+    }
 #endif
 }

@@ -3,8 +3,14 @@
 #ifndef GT_TEXT_DIRECTION_H
 #define GT_TEXT_DIRECTION_H
 
-// Windows that are made from now on have the direction of the locale's language. The toolkit looks at the locale when it
-// starts, at which time it is still C. Does nothing where the system cares for it by itself.
+class wxTopLevelWindow;
+
+// Windows that are made from now on have the direction of the locale's language. The toolkit looks at the locale when
+// it starts, at which time it is still C. Does nothing where the system cares for it by itself.
 void gtFollowDirectionOfLocale();
+
+// Gives a window without a parent that direction, for those that are made inside it or with it as parent: the toolkit
+// lays these out by its own.
+void gtTakeDirection(wxTopLevelWindow& window);
 
 #endif
