@@ -13,7 +13,7 @@
 #include <vector>
 
 // The work on one document. With more than one job it is called on several threads at once. It prints nothing but its
-// progress, and writes nothing: that is for the outcome's _finish.
+// progress, and writes nothing that has a name: that is for the outcome's _finish.
 using clDocumentWork = std::function<clOutcome(const gtString& document, const clTurn& turn)>;
 
 // Returns the gravest of the statuses. amountBegun is set to the number of outcomes that were printed: fewer than there

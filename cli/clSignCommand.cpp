@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cli/clSignCommand.h"
 
+#include <atomic>
+#include <memory>
+
 #include "cli/clAdvice.h"
 #include "cli/clDocumentCommands.h"
 #include "cli/clPrintableName.h"
@@ -63,6 +66,7 @@ struct MadeSignature
     bool _isTried = false;  // otherwise its place was taken
     hoSigningFacts _facts;
     gtString _text;
+    std::shared_ptr<hoPreparedSignature> _pPrepared;  // null: it is written when its turn comes
 };
 
 void makeSignature(const clArguments& arguments, const gtString& file, const hoKey& key, const clTurn& turn,
@@ -74,11 +78,41 @@ void makeSignature(const clArguments& arguments, const gtString& file, const hoK
     signature._facts = hoSignDocument(document.source(), key, wantedLines(arguments), &progress, signature._text);
 }
 
+// Brings it to the disk on this thread, so that those whose turn has not come do not wait for each other there.
+void prepareSignature(const clArguments& arguments, const gtString& path, MadeSignature& signature)
+{
+    // Few, since a program that is killed leaves them behind.
+    constexpr int mostPrepared = 64;
+    static std::atomic<int> amountPrepared = 0;
+    if (!signature._facts.isOk())
+    {
+        return;
+    }
+    if (amountPrepared.fetch_add(1) >= mostPrepared)
+    {
+        --amountPrepared;
+        return;
+    }
+    const auto release = [](hoPreparedSignature* pPrepared)
+    {
+        delete pPrepared;
+        --amountPrepared;
+    };
+    signature._pPrepared = std::shared_ptr<hoPreparedSignature>(new hoPreparedSignature, release);
+    if (!signature._pPrepared->prepare(path, signature._text, arguments._isForced))
+    {
+        signature._pPrepared.reset();
+    }
+}
+
 // False: the outcome says why not.
-bool writeSignature(const clArguments& arguments, const gtString& path, const gtString& signature, clOutcome& outcome)
+bool writeSignature(const clArguments& arguments, const gtString& path, const MadeSignature& signature,
+                    clOutcome& outcome)
 {
     const bool isReadOnly = osIsReadOnly(path);
-    const hoSignatureFileResult signatureFile = hoWriteSignatureFile(path, signature, arguments._isForced);
+    const hoSignatureFileResult signatureFile = signature._pPrepared != nullptr
+                                                    ? signature._pPrepared->giveName()
+                                                    : hoWriteSignatureFile(path, signature._text, arguments._isForced);
     if (!signatureFile.isOk())
     {
         complainOfSignatureFile(outcome, path, signatureFile);
@@ -146,11 +180,19 @@ clOutcome signFile(const clArguments& arguments, const clInputs& inputs, const g
         outcome._product = made._text;
         return outcome;
     }
+    if (made._isTried && !turn._isFirst())
+    {
+        prepareSignature(arguments, path, made);
+    }
     outcome._finish = [&arguments, &inputs, &key, file, path, before, made, turn](clOutcome& finished) mutable
     {
         // The same file may have been signed under another name.
-        if (arguments._isSignedSkipped && fileFactsOf(path) != before &&
-            isAlreadySigned(arguments, path, file, *key._pKey, turn))
+        const bool isAsBefore = fileFactsOf(path) == before;
+        if (!isAsBefore)
+        {
+            made._pPrepared.reset();
+        }
+        if (arguments._isSignedSkipped && !isAsBefore && isAlreadySigned(arguments, path, file, *key._pKey, turn))
         {
             setSigned(finished, true, file, path, key);
             return;
@@ -168,7 +210,7 @@ clOutcome signFile(const clArguments& arguments, const clInputs& inputs, const g
         {
             clComplainOfSigning(finished, file, key, made._facts);
         }
-        else if (writeSignature(arguments, path, made._text, finished))
+        else if (writeSignature(arguments, path, made, finished))
         {
             setSigned(finished, false, file, path, key);
         }

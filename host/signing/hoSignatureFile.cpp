@@ -24,6 +24,23 @@ hoSignatureFileResult cannotBeWritten(int systemError)
     return hoSignatureFileResult(hoSignatureFileProblem::CannotBeWritten, systemError);
 }
 
+hoSignatureFileResult resultOf(const osWritingResult& writing)
+{
+    switch (writing._problem)
+    {
+    case osWritingProblem::None:
+        return hoSignatureFileProblem::None;
+    case osWritingProblem::Exists:
+        return hoSignatureFileProblem::Exists;
+    case osWritingProblem::IsFolder:
+    case osWritingProblem::NotRegular:
+        return hoSignatureFileProblem::NotRegular;
+    case osWritingProblem::CannotBeWritten:
+        break;
+    }
+    return cannotBeWritten(writing._systemError);
+}
+
 // Of a name that nothing is in the way of.
 hoSignatureFileResult checkFolder(const gtString& path, bool mayOverwrite)
 {
@@ -130,6 +147,33 @@ hoSignatureFileResult hoCheckSignaturePath(const gtString& path, bool mayOverwri
     return mayOverwrite ? checkFolder(path, mayOverwrite) : hoSignatureFileProblem::Exists;
 }
 
+bool hoPreparedSignature::prepare(const gtString& path, const gtString& signature, bool mayOverwrite)
+{
+    try
+    {
+        struct stat status = {};
+        const bool isThere = ::lstat(path.asCharArray(), &status) == 0;
+        return hoCheckSignaturePath(path, mayOverwrite).isOk() &&
+               _file.prepare(path, signature.asStringView(), mayOverwrite && isThere).isOk();
+    }
+    catch (const std::bad_alloc&)
+    {
+        return false;
+    }
+}
+
+hoSignatureFileResult hoPreparedSignature::giveName()
+{
+    try
+    {
+        return resultOf(_file.giveName());
+    }
+    catch (const std::bad_alloc&)
+    {
+        return hoSignatureFileProblem::NoMemory;
+    }
+}
+
 hoSignatureFileResult hoWriteSignatureFile(const gtString& path, const gtString& signature, bool mayOverwrite)
 {
     try
@@ -142,20 +186,7 @@ hoSignatureFileResult hoWriteSignatureFile(const gtString& path, const gtString&
         {
             return check;
         }
-        const osWritingResult writing = osWriteFileAtomically(path, signature.asStringView(), mayOverwrite && isThere);
-        switch (writing._problem)
-        {
-        case osWritingProblem::None:
-            return hoSignatureFileProblem::None;
-        case osWritingProblem::Exists:
-            return hoSignatureFileProblem::Exists;
-        case osWritingProblem::IsFolder:
-        case osWritingProblem::NotRegular:
-            return hoSignatureFileProblem::NotRegular;
-        case osWritingProblem::CannotBeWritten:
-            break;
-        }
-        return cannotBeWritten(writing._systemError);
+        return resultOf(osWriteFileAtomically(path, signature.asStringView(), mayOverwrite && isThere));
     }
     catch (const std::bad_alloc&)
     {

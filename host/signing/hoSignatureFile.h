@@ -7,6 +7,7 @@
 #define COUNTERSIGN_HO_SIGNATURE_FILE_H
 
 #include "platform/baseTools/gtString.h"
+#include "platform/osWrappers/osAtomicFile.h"
 #include "platform/osWrappers/osResult.h"
 
 enum class hoSignatureFileProblem
@@ -38,6 +39,20 @@ hoSignatureFileResult hoReadSignatureFile(const gtString& path, gtString& signat
 // Whether hoWriteSignatureFile would refuse the name because of what is there, or because the folder is not there or
 // may not be written to; nothing is written. To be asked before a file is read whose signature could not be written.
 hoSignatureFileResult hoCheckSignaturePath(const gtString& path, bool mayOverwrite);
+
+// A signature that is on the disk and has no name yet.
+class hoPreparedSignature
+{
+public:
+    // Beside its place, as hoWriteSignatureFile would. On any thread. False: it cannot be done, which is told by
+    // hoWriteSignatureFile.
+    bool prepare(const gtString& path, const gtString& signature, bool mayOverwrite);
+    // Once, after a prepare that went well.
+    hoSignatureFileResult giveName();
+
+private:
+    osPreparedFile _file;
+};
 
 // Writes the bytes, whole or not at all, as osWriteFileAtomically does: a symbolic link to a file is followed, and two
 // that write at the same time without mayOverwrite do not overwrite each other.

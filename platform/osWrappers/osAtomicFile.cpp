@@ -13,6 +13,7 @@
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -179,8 +180,16 @@ osWritingResult refusal(int error)
 
 }  // namespace
 
-osWritingResult osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite,
-                                      unsigned int rights)
+osPreparedFile::~osPreparedFile()
+{
+    if (!_newPath.empty())
+    {
+        ::unlink(_newPath.c_str());
+    }
+}
+
+osWritingResult osPreparedFile::prepare(const gtString& path, std::string_view bytes, bool mayOverwrite,
+                                        unsigned int rights)
 {
     if (path.asStringView().find('\0') != std::string_view::npos)
     {
@@ -207,15 +216,17 @@ osWritingResult osWriteFileAtomically(const gtString& path, std::string_view byt
             return exists();
         }
     }
-    const std::string wanted = mayOverwrite ? followLinks(path.asStdString()) : path.asStdString();
+    _mayOverwrite = mayOverwrite;
+    _wanted = mayOverwrite ? followLinks(path.asStdString()) : path.asStdString();
     // Whatever takes memory comes before there is a file to clean up.
-    const std::string folder = folderOf(wanted);
+    _folder = folderOf(_wanted);
     std::string newPath;
-    const int descriptor = createBeside(folder, isReplaced ? ownersAlone : rights, newPath);
+    const int descriptor = createBeside(_folder, isReplaced ? ownersAlone : rights, newPath);
     if (descriptor < 0)
     {
         return refusal(errno);
     }
+    _newPath = std::move(newPath);
     if (rights == 0 && isReplaced)
     {
         copyOwnerAndRights(descriptor, status);
@@ -229,26 +240,37 @@ osWritingResult osWriteFileAtomically(const gtString& path, std::string_view byt
     {
         error = errno;
     }
+    return error == 0 ? osWritingResult() : refusal(error);
+}
+
+osWritingResult osPreparedFile::giveName()
+{
+    int error = 0;
     bool isTaken = false;
-    if (error == 0)
+    if (!_mayOverwrite)
     {
-        if (!mayOverwrite)
-        {
-            error = nameWithoutOverwriting(newPath, wanted);
-            isTaken = error == EEXIST;
-        }
-        else if (::rename(newPath.c_str(), wanted.c_str()) != 0)
-        {
-            error = errno;
-        }
+        error = nameWithoutOverwriting(_newPath, _wanted);
+        isTaken = error == EEXIST;
+    }
+    else if (::rename(_newPath.c_str(), _wanted.c_str()) != 0)
+    {
+        error = errno;
     }
     if (error != 0)
     {
-        ::unlink(newPath.c_str());
         return isTaken ? exists() : refusal(error);
     }
-    bringFolderToDisk(folder);
+    _newPath.clear();
+    bringFolderToDisk(_folder);
     return osWritingResult();
+}
+
+osWritingResult osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite,
+                                      unsigned int rights)
+{
+    osPreparedFile file;
+    const osWritingResult result = file.prepare(path, bytes, mayOverwrite, rights);
+    return result.isOk() ? file.giveName() : result;
 }
 
 int osCheckFolderOfFile(const gtString& path, bool mayOverwrite)

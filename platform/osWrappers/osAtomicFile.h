@@ -9,6 +9,7 @@
 #include "platform/baseTools/gtString.h"
 #include "platform/osWrappers/osResult.h"
 
+#include <string>
 #include <string_view>
 
 #pragma GCC visibility push(default)
@@ -38,6 +39,29 @@ using osWritingResult = osResult<osWritingProblem>;
 // no more rights than all others. Nobody else can open the file before it has its rights.
 osWritingResult osWriteFileAtomically(const gtString& path, std::string_view bytes, bool mayOverwrite,
                                       unsigned int rights = 0);
+
+// The same in two steps, for those who write many files on several threads and give them their names in order. The
+// first one waits for the disk, and may run on any thread.
+class osPreparedFile
+{
+public:
+    osPreparedFile() = default;
+    // A file that got no name is removed.
+    ~osPreparedFile();
+    osPreparedFile(const osPreparedFile&) = delete;
+    osPreparedFile& operator=(const osPreparedFile&) = delete;
+
+    // Once: all but the name. Nothing is left behind when it fails.
+    osWritingResult prepare(const gtString& path, std::string_view bytes, bool mayOverwrite, unsigned int rights = 0);
+    // Once, after a prepare that went well.
+    osWritingResult giveName();
+
+private:
+    bool _mayOverwrite = false;
+    std::string _wanted;
+    std::string _folder;
+    std::string _newPath;
+};
 
 // Whether osWriteFileAtomically can make a file in the folder that it would write to, as far as this can be told
 // without making one: the folder is there, the user of this process may write to it, and no sticky bit keeps what is to

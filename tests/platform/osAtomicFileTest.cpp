@@ -199,3 +199,28 @@ TEST(WholeFile, OfSomebodyElseIsNotReplacedInAStickyFolder)
         ASSERT_EQ(seteuid(0), 0);
     }
 }
+
+TEST(WholeFile, HasNoNameUntilItIsGivenOne)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.path("a");
+    {
+        osPreparedFile file;
+        ASSERT_TRUE(file.prepare(path, "bytes", false).isOk());
+        EXPECT_FALSE(std::filesystem::exists(path));
+        EXPECT_EQ(amountOfFiles(folder), 1);
+    }
+    EXPECT_EQ(amountOfFiles(folder), 0) << "nobody wants it";
+    osPreparedFile first;
+    osPreparedFile second;
+    ASSERT_TRUE(first.prepare(path, "first", false).isOk());
+    ASSERT_TRUE(second.prepare(path, "second", false).isOk());
+    EXPECT_TRUE(second.giveName().isOk());
+    EXPECT_EQ(first.giveName()._problem, osWritingProblem::Exists);
+    EXPECT_EQ(folder.read("a"), "second");
+    osPreparedFile third;
+    ASSERT_TRUE(third.prepare(path, "third", true).isOk());
+    EXPECT_EQ(folder.read("a"), "second");
+    EXPECT_TRUE(third.giveName().isOk());
+    EXPECT_EQ(folder.read("a"), "third");
+}
