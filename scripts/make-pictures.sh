@@ -55,6 +55,8 @@ COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t Down" mainWindow main-window \
 COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t shift+Tab shift+Tab space" mainWindow details \
     "$documents"/*.pdf "$documents"/*.odt "$documents"/*.txt "$documents"/*.flac
 
+COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t alt+Return" mainWindow properties "$documents/contract.pdf"
+
 # A file that takes a while, of holes alone.
 truncate -s 40G "$documents/backup.img" || fail "making a large file"
 COUNTERSIGN_PICTURE_KEYS="$keys dialog:ctrl+shift+s" mainWindow progress "$documents/backup.img"
