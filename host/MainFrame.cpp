@@ -86,12 +86,8 @@ MainFrame::MainFrame()
             hoEndSignals::endBy(signal);
         });
     _pDisplayLoss = std::make_unique<hoDisplayLoss>([this] { _signing.abandon(); });
-    CallAfter(
-        [this]
-        {
-            _toolBar.showIfWanted();
-            _pView->openAndSelect(hoApplicationDocuments());
-        });
+    CallAfter([this] { _toolBar.showIfWanted(); });
+    CallAfter([this] { _pView->openAndSelect(hoApplicationDocuments()); });
 }
 
 void MainFrame::openFilePath(const gtString& path, bool isAskedFor)
