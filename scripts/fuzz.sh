@@ -33,17 +33,16 @@ compiler=$(fuzzingCompiler)
 cmakeArguments=(-DCMAKE_C_COMPILER="${compiler/++/}" -DCMAKE_CXX_COMPILER="$compiler")
 configureAndBuild fuzz fuzzers
 
-findings=build/fuzz/findings
+export seconds findings=build/fuzz/findings
 mkdir -p "$findings" || fail "making the folder $findings"
-status=0
-for name in "${names[@]}"; do
-    corpus=build/fuzz/corpus/$name
-    log=build/fuzz/$name.log
+
+tryOne() {
+    local name=$1 corpus=build/fuzz/corpus/$1 log=build/fuzz/$1.log
     mkdir -p "$corpus" || fail "making the folder $corpus"
-    arguments=(-artifact_prefix="$findings/$name-" -timeout=25 -rss_limit_mb=2560 -print_final_stats=1 -verbosity=0)
+    local arguments=(-artifact_prefix="$findings/$name-" -timeout=25 -rss_limit_mb=2560 -print_final_stats=1 -verbosity=0)
     [ -z "${COUNTERSIGN_FUZZ_SEED:-}" ] || arguments+=(-seed="$COUNTERSIGN_FUZZ_SEED")
     # A dictionary has no effect on the seeds.
-    [ -f "fuzz/dictionaries/$name.dict" ] && arguments+=(-dict="fuzz/dictionaries/$name.dict")
+    [ ! -f "fuzz/dictionaries/$name.dict" ] || arguments+=(-dict="fuzz/dictionaries/$name.dict")
     if [ "$seconds" -eq 0 ]; then
         arguments+=(-runs=0)
     else
@@ -52,9 +51,11 @@ for name in "${names[@]}"; do
     if "build/fuzz/bin/fuzz_$name" "${arguments[@]}" "$corpus" "fuzz/seeds/$name" >"$log" 2>&1; then
         say "$name: nothing found, $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") executions"
     else
-        status=1
         tail -n 60 "$log" >&2
         say "$name: FOUND SOMETHING; see $log and $findings"
+        return 1
     fi
-done
-exit "$status"
+}
+export -f tryOne say fail
+
+printf '%s\n' "${names[@]}" | xargs -n 1 -P "$(nproc)" bash -c 'tryOne "$0"' || exit 1

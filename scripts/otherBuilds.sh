@@ -19,7 +19,8 @@
 # beside it. At the end there is a line for each: passed with the number of tests, SKIPPED with the reason, or FAILED.
 # The status is 1 if one has failed, 77 if all have been skipped.
 #
-# COUNTERSIGN_OTHER_TESTS: the labels of tests that are not run, as ctest's -LE takes them ("^(long|window)$").
+# COUNTERSIGN_OTHER_TESTS: the labels of tests that are not run, as ctest's -LE takes them. By default these are the long
+# ones, windows, and the project's scripts, which are the same in every build: "^(long|window|project)$".
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
@@ -37,7 +38,7 @@ esac
 "$root/scripts/install-dependencies.sh" "$packages" || exit
 work=$root/build/other
 mkdir -p "$work" || fail "making the folder $work"
-skippedTests=${COUNTERSIGN_OTHER_TESTS:-^(long|window)$}
+skippedTests=${COUNTERSIGN_OTHER_TESTS:-^(long|window|project)$}
 skipped=77
 
 # ccache would not keep what is compiled with precompiled headers.

@@ -38,6 +38,9 @@ if ! cmake --preset "$preset" -B "$build" -DCOUNTERSIGN_WITH_TOOLKIT=ON -DCOUNTE
     exit 1
 fi
 
+# Moments of the end are tried often enough without sanitizers.
+export COUNTERSIGN_SHUTDOWNS=8
+
 status=0
 # The project's scripts are the same in every build.
 ctest --test-dir "$build" --output-on-failure --no-tests=error -LE '^(window|project)$' "${tests[@]}" -j "$(nproc)" || status=1
@@ -50,8 +53,6 @@ fi
 programs=$(ctest --test-dir "$build" -N -V -L '^window$' -E "$singly" | sed -n 's/.*Test command: \([^ ]*\).*/\1/p' | sort -u)
 [ -n "$programs" ] || status=1
 
-# Two at a time. Moments of the end are tried often enough without sanitizers.
-export COUNTERSIGN_SHUTDOWNS=20
 runOne() {
     local program=$1
     # Some tests catch standard error.
@@ -71,5 +72,5 @@ if [ "$preset" = tsan ]; then
     assertions="AssertionThreads.*:MainThreadCall.*:HostileAssertions.*:AssertionReportWindow.HoldsWhatFails*"
     export GTEST_FILTER=$work:Shutdown.OfTheWindowWhileItWorks:$assertions
 fi
-xargs -r -n 1 -P 2 bash -c 'runOne "$0"' <<<"$programs" || status=1
+xargs -r -n 1 -P "$(nproc)" bash -c 'runOne "$0"' <<<"$programs" || status=1
 exit "$status"
