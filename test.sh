@@ -63,8 +63,8 @@ fi
 for label in "${excluded[@]}"; do
     arguments+=(-LE "$label")
 done
-# One more than there are processors: tests of windows often wait for the screen.
-jobs=$(($(nproc) + 1))
+# Two more than there are processors: tests of windows often wait for the screen.
+jobs=$(($(nproc) + 2))
 [ -n "$hasJobs" ] || arguments+=(-j "$jobs")
 
 # The long ones lint, too.

@@ -47,13 +47,10 @@ std::vector<wxString> keyTexts(const hoKeyRing& keys)
                              {bitsOf(keys._private), privateKey, bitsOf(keys._public), publicKey}),
                 hoFilledText(_("Private %s; public %s"), {privateKey, publicKey})};
     }
-    if (hasPrivate)
+    if (hasPrivate || hasPublic)
     {
-        return {hoKeyText(keys._private, true), hoFilledText(_("Private key %s"), {fingerprintOf(keys._private)})};
-    }
-    if (hasPublic)
-    {
-        return {hoKeyText(keys._public, false), hoFilledText(_("Public key %s"), {fingerprintOf(keys._public)})};
+        // Its end, the name of the file, may be cut.
+        return {hoKeyText(hasPrivate ? keys._private : keys._public, hasPrivate)};
     }
     return {_("No key")};
 }
