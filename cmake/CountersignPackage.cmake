@@ -38,7 +38,8 @@ file is still the one that was signed, in a window and on the command line.
 It encrypts short texts with an RSA key. Its libraries can be linked one by
 one.
 .
-It protects against accidents, not against an adversary." PARENT_SCOPE)
+A good signature holds a countersignature (RSA-PSS with SHA-256). The rest
+protects against accidents, not against an adversary." PARENT_SCOPE)
     set(CPACK_COMPONENTS_ALL ${CPACK_COMPONENTS_ALL} ${component} PARENT_SCOPE)
     set(CPACK_COUNTERSIGN_PACKAGES ${CPACK_COUNTERSIGN_PACKAGES} ${component} ${package} PARENT_SCOPE)
 endfunction()

@@ -16,9 +16,10 @@ wxString hoAboutText()
     return _("Signs files and tells later whether they are still the same,\n"
              "encrypts short texts, and helps developers with failed assertions.\n"
              "\n"
-             "It protects against accidents, not against somebody who\n"
-             "wants to deceive you. The digest of a file is an exclusive-or\n"
-             "of its bytes, and anybody can make another file that has it.\n"
+             "A good signature holds a countersignature (RSA-PSS with SHA-256),\n"
+             "which nobody can make without the private key. A weak one has none:\n"
+             "its digest is an exclusive-or of the bytes, which protects against\n"
+             "accidents, not against somebody who wants to deceive you.\n"
              "The encryption is textbook RSA without random padding: equal\n"
              "texts give equal cipher texts, and a guess can be checked.");
 }

@@ -57,9 +57,10 @@ TEST_F(Help, SaysThatThereIsNoManual)
     withMessage([this] { hoShowManual(_pFrame, _folder.path("bin/program")); });
 }
 
-TEST_F(Help, TellsWhatItIsNot)
+TEST_F(Help, TellsWhatItIsAndWhatItIsNot)
 {
     start();
+    EXPECT_THAT(hoAboutText().utf8_string(), HasSubstr("countersignature (RSA-PSS with SHA-256)"));
     EXPECT_THAT(hoAboutText().utf8_string(), HasSubstr("textbook RSA"));
     EXPECT_THAT(hoAboutText().utf8_string(), HasSubstr("exclusive-or"));
     EXPECT_THAT(hoAboutText().utf8_string(), HasSubstr("not against"));
