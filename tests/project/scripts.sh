@@ -123,18 +123,18 @@ expectRun() {
 case $case in
     testsOfBothTiersAreRun)
         testScript
-        expectRun '' '-LE ^long$ -j 4'
+        expectRun '' '-LE ^long$ -j 5'
         # ctest's summary is the last of it.
         [ "$(sed -n '/^ran$/,$p' "$here/output")" = $'ran\n80% tests passed, 1 tests failed out of 5\nthe rest\n'\
 "countersign: FAILED (status 8) while: running the tests" ] || complain "the output is another"
-        expectRun '' '-j 4' --all
-        expectRun '' '-V -LE ^long$ -j 4' -V
+        expectRun '' '-j 5' --all
+        expectRun '' '-V -LE ^long$ -j 5' -V
         expectRun '' '-j 1 -LE ^long$' -j 1
-        expectRun '' '-LE window|^long$ -j 4' -LE window
-        expectRun '' '-LE window -j 4' --all -LE window
+        expectRun '' '-LE window|^long$ -j 5' -LE window
+        expectRun '' '-LE window -j 5' --all -LE window
         # What is chosen may be a long one.
-        expectRun '' '--rerun-failed -j 4' --rerun-failed
-        expectRun '' '-I 3,4 -j 4' -I 3,4
+        expectRun '' '--rerun-failed -j 5' --rerun-failed
+        expectRun '' '-I 3,4 -j 5' -I 3,4
         # Lines come as ctest prints them, also where no terminal takes them.
         stand ctest "case \" \$* \" in *' -N '*) echo 'Total Tests: 0'; exit ;; esac
             echo first; while [ ! -e '$here/seen' ]; do sleep 0.1; done"
@@ -152,21 +152,21 @@ case $case in
 
     testsThatAreChosenAreBuilt)
         testScript
-        expectRun '--target test_fruit' '-R Apple.Falls -j 4' -R Apple.Falls
-        expectRun '--target test_fruit' '-R Apple -LE window -j 4' -R Apple -LE window
-        expectRun '--target gate --target hinge --target test_fruit' '-R ^garden -j 4' -R ^garden
-        expectRun '--target test_people' '-R Seven/Dwarf.Sings/Doc$ -j 4' -R 'Seven/Dwarf.Sings/Doc$'
+        expectRun '--target test_fruit' '-R Apple.Falls -j 5' -R Apple.Falls
+        expectRun '--target test_fruit' '-R Apple -LE window -j 5' -R Apple -LE window
+        expectRun '--target gate --target hinge --target test_fruit' '-R ^garden -j 5' -R ^garden
+        expectRun '--target test_people' '-R Seven/Dwarf.Sings/Doc$ -j 5' -R 'Seven/Dwarf.Sings/Doc$'
         # Names with parameters and names that macros make are made of words of the source, as far as can be seen.
-        expectRun '--target test_things' '-R Turns -j 4' -R Turns
-        expectRun '--target test_people --target test_things' '-R ^house[.] -j 4' -R '^house[.]'
-        expectRun '--target test_fruit --target test_people --target test_things' '-R Apple|(D|x)w -j 4' -R 'Apple|(D|x)w'
-        expectRun '--target test_people --target test_things' '-L house -j 4' -L house
-        expectRun '--target test_people' '-L house -L window -j 4' -L house -L window
-        expectRun '--target test_fruit' '-L garden -R Rolls -j 4' -L garden -R Rolls
-        expectRun '' '-L long -j 4' -L long
-        expectRun nothing '-R nothing -j 4' -R nothing
+        expectRun '--target test_things' '-R Turns -j 5' -R Turns
+        expectRun '--target test_people --target test_things' '-R ^house[.] -j 5' -R '^house[.]'
+        expectRun '--target test_fruit --target test_people --target test_things' '-R Apple|(D|x)w -j 5' -R 'Apple|(D|x)w'
+        expectRun '--target test_people --target test_things' '-L house -j 5' -L house
+        expectRun '--target test_people' '-L house -L window -j 5' -L house -L window
+        expectRun '--target test_fruit' '-L garden -R Rolls -j 5' -L garden -R Rolls
+        expectRun '' '-L long -j 5' -L long
+        expectRun nothing '-R nothing -j 5' -R nothing
         # What none has that is known may be there all the same.
-        expectRun '' '-R Pear -j 4' -R Pear
+        expectRun '' '-R Pear -j 5' -R Pear
         ;;
 
     testsAreKnown)
