@@ -2,6 +2,7 @@
 #include "host/MainFrame.h"
 
 #include "host/desktop/hoApplicationArguments.h"
+#include "host/desktop/hoNotification.h"
 #include "host/window/hoBindCommand.h"
 #include "host/window/hoCatalogues.h"
 #include "host/window/hoCommands.h"
@@ -16,6 +17,7 @@
 #include "host/window/hoStatusBar.h"
 #include "platform/osWrappers/osProcess.h"
 #include "platform/toolkit/gtComeToFront.h"
+#include "platform/toolkit/gtTextConversion.h"
 #include "platform/toolkit/gtTextDirection.h"
 
 #include <wx/sizer.h>
@@ -50,7 +52,8 @@ MainFrame::MainFrame()
                     _messageBar.setResult(summary);
                     showChangesSoon();
                 },
-                [this] { return !_assertions.isDeciding(); }}),
+                [this] { return !_assertions.isDeciding(); },
+                [](const hoSummary& summary) { hoNotify(gtBytesFromText(summary._line)); }}),
       _assertions(*this, {[this](const wxString& text) { _pStatusBar->showNotice(text); },
                           [this]
                           {

@@ -7,6 +7,7 @@
 #include "platform/toolkit/gtMainThreadCall.h"
 #include "platform/toolkit/gtTextConversion.h"
 
+#include <wx/app.h>
 #include <wx/msgdlg.h>
 
 #include <system_error>
@@ -217,8 +218,13 @@ void hoSigningController::follow()
 void hoSigningController::end()
 {
     const hoSummary summary = hoSummaryOf(_pJob->kind(), _outcomes, _pJob->isCancelled());
+    const bool isUnseen = _pProgressDialog != nullptr && !wxTheApp->IsActive();
     stop();
     _callbacks._onEnd(summary);
+    if (isUnseen && _callbacks._onUnseenEnd)
+    {
+        _callbacks._onUnseenEnd(summary);
+    }
 }
 
 void hoSigningController::closeProgressDialog()

@@ -29,6 +29,8 @@ public:
         std::function<void(const hoSummary& summary)> _onEnd;  // also of a job that was cancelled
         // Whether the window of the progress may appear now, and with it take the keyboard; empty: it may.
         std::function<bool()> _mayShowProgress = {};
+        // After _onEnd, of a job that took long enough to show its progress, when no window of the program is in front.
+        std::function<void(const hoSummary& summary)> _onUnseenEnd = {};
     };
 
     // The parent of the dialogs must outlive this object, and so must the keys, which may change at any time.

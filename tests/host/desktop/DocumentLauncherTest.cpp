@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // hoDocumentLauncher with a desktop of the test's own: a program for text files that writes down what it gets, and a
 // file manager on a bus.
+#include "RecordingBus.h"
 #include "host/desktop/hoDocumentLauncher.h"
 #include "tests/support/TemporaryFolder.h"
 
-#include <gio/gio.h>
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <cstdlib>
-#include <thread>
 
 namespace
 {
@@ -60,19 +58,6 @@ protected:
     }
     std::string viewed() const { return desktop.viewed().substr(_viewedBefore.size()); }
 
-    static void runUntil(const std::function<bool()>& condition)
-    {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(5);
-        while (!condition())
-        {
-            ASSERT_LT(std::chrono::steady_clock::now(), end);
-            if (g_main_context_iteration(nullptr, FALSE) == FALSE)
-            {
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
-        }
-    }
-
     const TemporaryFolder _folder;
     std::string _viewedBefore;
     std::vector<hoDocumentLauncher::Failure> _failures;
@@ -87,7 +72,7 @@ TEST_F(DocumentLauncher, OpensADocumentInItsProgram)
     const std::string path = _folder.write("a b%\xe4.txt", "some text\n");
     _launcher.open(path, nullptr);
     EXPECT_EQ(viewed(), "") << "not from inside the call";
-    runUntil([&] { return viewed() == path + "\n"; });
+    runMainContextUntil([&] { return viewed() == path + "\n"; });
     EXPECT_TRUE(_failures.empty());
 }
 
@@ -95,15 +80,15 @@ TEST_F(DocumentLauncher, TellsWhatCannotBeOpened)
 {
     const std::string picture = _folder.write("a.png", "\x89PNG\r\n\x1a\n");
     _launcher.open(picture, nullptr);
-    runUntil([&] { return _failures.size() == 1; });
+    runMainContextUntil([&] { return _failures.size() == 1; });
     EXPECT_EQ(_failures.front()._problem, Problem::NoProgram);
     EXPECT_EQ(_failures.front()._path.asStdString(), picture);
     EXPECT_FALSE(_failures.front()._reason.isEmpty());
     _launcher.open(_folder.path("none"), nullptr);
-    runUntil([&] { return _failures.size() == 2; });
+    runMainContextUntil([&] { return _failures.size() == 2; });
     EXPECT_EQ(_failures.back()._problem, Problem::Missing);
     _launcher.showInFolder({gtString(_folder.path("none/a"))}, nullptr);
-    runUntil([&] { return _failures.size() == 3; });
+    runMainContextUntil([&] { return _failures.size() == 3; });
     EXPECT_EQ(_failures.back()._problem, Problem::Missing);
     EXPECT_EQ(_failures.back()._path.asStdString(), _folder.path("none"));
 }
@@ -120,14 +105,14 @@ TEST_F(DocumentLauncher, RunsNoProgram)
         _programs.clear();
         _launcher.open(path, nullptr);
         expected += _folder.path() + "\n";
-        runUntil([&] { return viewed() == expected; });
+        runMainContextUntil([&] { return viewed() == expected; });
         EXPECT_THAT(_programs, ElementsAre(gtString(path)));
     }
     // The same script without the permission is a text.
     std::filesystem::permissions(script, std::filesystem::perms::owner_read);
     _launcher.open(script, nullptr);
     expected += script + "\n";
-    runUntil([&] { return viewed() == expected; });
+    runMainContextUntil([&] { return viewed() == expected; });
     EXPECT_TRUE(_failures.empty());
 }
 
@@ -138,49 +123,23 @@ TEST_F(DocumentLauncher, CallsNobodyWhenItIsGone)
         launcher.open(_folder.path("none"), nullptr);
     }
     _launcher.open(_folder.path("none either"), nullptr);
-    runUntil([&] { return !_failures.empty(); });
+    runMainContextUntil([&] { return !_failures.empty(); });
 }
 
 TEST_F(DocumentLauncher, ShowsDocumentsByTheFileManagerOnTheBus)
 {
-    GTestDBus* const pBus = g_test_dbus_new(G_TEST_DBUS_NONE);
-    g_test_dbus_up(pBus);
-    const int flags = G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION;
-    GDBusConnection* const pManager = g_dbus_connection_new_for_address_sync(
-        g_test_dbus_get_bus_address(pBus), static_cast<GDBusConnectionFlags>(flags), nullptr, nullptr, nullptr);
-    GDBusNodeInfo* const pNode =
-        g_dbus_node_info_new_for_xml("<node><interface name='org.freedesktop.FileManager1'><method name='ShowItems'>"
-                                     "<arg type='as' direction='in'/><arg type='s' direction='in'/></method>"
-                                     "</interface></node>",
-                                     nullptr);
-    std::string shown;
-    const GDBusInterfaceVTable table = {[](GDBusConnection*, const char*, const char*, const char*, const char* pMethod,
-                                           GVariant* pArguments, GDBusMethodInvocation* pCall, void* pShown)
-                                        {
-                                            char* const pText = g_variant_print(pArguments, FALSE);
-                                            *static_cast<std::string*>(pShown) += std::string(pMethod) + pText;
-                                            g_free(pText);
-                                            g_dbus_method_invocation_return_value(pCall, nullptr);
-                                        },
-                                        nullptr,
-                                        nullptr,
-                                        {nullptr}};
-    g_dbus_connection_register_object(pManager, "/org/freedesktop/FileManager1", pNode->interfaces[0], &table, &shown,
-                                      nullptr, nullptr);
+    RecordingBus bus("/org/freedesktop/FileManager1",
+                     "<interface name='org.freedesktop.FileManager1'><method name='ShowItems'>"
+                     "<arg type='as' direction='in'/><arg type='s' direction='in'/></method></interface>",
+                     "()");
     // There is no file manager yet: the folder is opened.
     _launcher.showInFolder({gtString(_folder.path("a")), gtString(_folder.path("b"))}, nullptr);
-    runUntil([&] { return viewed() == _folder.path() + "\n"; });
-    const guint name = g_bus_own_name_on_connection(pManager, "org.freedesktop.FileManager1",
-                                                    G_BUS_NAME_OWNER_FLAGS_NONE, nullptr, nullptr, nullptr, nullptr);
+    runMainContextUntil([&] { return viewed() == _folder.path() + "\n"; });
+    bus.takeName("org.freedesktop.FileManager1");
     _launcher.showInFolder({gtString(_folder.path("a b")), gtString(_folder.path("c"))}, nullptr);
-    runUntil([&] { return !shown.empty(); });
-    EXPECT_EQ(shown, "ShowItems(['file://" + _folder.path("a%20b") + "', 'file://" + _folder.path("c") + "'], '')");
+    runMainContextUntil([&] { return !bus.calls().empty(); });
+    EXPECT_EQ(bus.calls(),
+              "ShowItems(['file://" + _folder.path("a%20b") + "', 'file://" + _folder.path("c") + "'], '')");
     EXPECT_EQ(viewed(), _folder.path() + "\n");
     EXPECT_TRUE(_failures.empty());
-    g_bus_unown_name(name);
-    g_dbus_connection_close_sync(pManager, nullptr, nullptr);
-    g_object_unref(pManager);
-    g_dbus_node_info_unref(pNode);
-    g_test_dbus_down(pBus);
-    g_object_unref(pBus);
 }

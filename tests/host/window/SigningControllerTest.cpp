@@ -7,6 +7,8 @@
 #include "host/window/hoProgressDialog.h"
 #include "host/window/hoSigningController.h"
 
+#include <wx/app.h>
+
 #include <algorithm>
 
 namespace
@@ -29,7 +31,8 @@ protected:
                                            {
                                                ++_progressQuestions;
                                                return _mayShowProgress;
-                                           }});
+                                           },
+                                           [this](const hoSummary& summary) { _unseenEnds.push_back(summary); }});
     }
     void TearDown() override
     {
@@ -49,6 +52,24 @@ protected:
         return documents;
     }
 
+    static bool hasProgress()
+    {
+        return std::any_of(wxTopLevelWindows.begin(), wxTopLevelWindows.end(),
+                           [](const wxWindow* pWindow)
+                           { return dynamic_cast<const hoProgressDialog*>(pWindow) != nullptr && pWindow->IsShown(); });
+    }
+
+    // Signs a document until its progress is there. It ends when the document is cut.
+    void signUntilProgress()
+    {
+        _keys._private._pKey = newKey(1024);
+        const std::vector<hoDocument> one = documents(1);
+        // Of holes alone: it takes longer than the test.
+        std::filesystem::resize_file(_folder.path("document0"), 1ULL << 40);
+        _pController->begin(Kind::Sign, one);
+        tsRunUntil("the progress is there", hasProgress);
+    }
+
     void waitForEnd(std::size_t amount)
     {
         tsRunUntil("the job ends", [&] { return _ends.size() == amount; });
@@ -61,6 +82,7 @@ protected:
     bool _mayShowProgress = true;
     std::size_t _outcomes = 0;
     std::vector<hoSummary> _ends;
+    std::vector<hoSummary> _unseenEnds;
 };
 }  // namespace
 
@@ -103,12 +125,6 @@ TEST_F(SigningController, ReportsNoOutcomeOfKeysThatAreGone)
 
 TEST_F(SigningController, HoldsTheProgressBackUntilItMayAppear)
 {
-    const auto hasProgress = []
-    {
-        return std::any_of(wxTopLevelWindows.begin(), wxTopLevelWindows.end(),
-                           [](const wxWindow* pWindow)
-                           { return dynamic_cast<const hoProgressDialog*>(pWindow) != nullptr && pWindow->IsShown(); });
-    };
     _keys._private._pKey = newKey(1024);
     const std::vector<hoDocument> one = documents(1);
     // Of holes alone: it takes longer than the test.
@@ -121,6 +137,30 @@ TEST_F(SigningController, HoldsTheProgressBackUntilItMayAppear)
     tsRunUntil("the progress is there", hasProgress);
     _pController->stop();
     EXPECT_FALSE(std::filesystem::exists(_folder.path("document0.sig")));
+}
+
+TEST_F(SigningController, TellsAnUnseenEndOfLongWork)
+{
+    signUntilProgress();
+    for (wxWindow* const pWindow : wxTopLevelWindows)
+    {
+        dynamic_cast<wxTopLevelWindow&>(*pWindow).Iconize();
+    }
+    tsRunUntil("nothing of the program is in front", [] { return !wxTheApp->IsActive(); });
+    EXPECT_TRUE(_unseenEnds.empty());
+    std::filesystem::resize_file(_folder.path("document0"), 10);
+    waitForEnd(1);
+    ASSERT_EQ(_unseenEnds.size(), 1U);
+    EXPECT_EQ(_unseenEnds[0]._line, _ends[0]._line);
+}
+
+TEST_F(SigningController, TellsTheEndOnceWhereItIsSeen)
+{
+    signUntilProgress();
+    tsRunUntil("the program is in front", [] { return wxTheApp->IsActive(); });
+    std::filesystem::resize_file(_folder.path("document0"), 10);
+    waitForEnd(1);
+    EXPECT_TRUE(_unseenEnds.empty());
 }
 
 TEST_F(SigningController, StopsWithoutACallback)
