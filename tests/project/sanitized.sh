@@ -38,21 +38,20 @@ if ! cmake --preset "$preset" -B "$build" -DCOUNTERSIGN_WITH_TOOLKIT=ON -DCOUNTE
     exit 1
 fi
 
-# Moments of the end are tried often enough without sanitizers.
-export COUNTERSIGN_SHUTDOWNS=8
-
 status=0
 # The project's scripts are the same in every build.
 ctest --test-dir "$build" --output-on-failure --no-tests=error -LE '^(window|project)$' "${tests[@]}" -j "$(nproc)" || status=1
 
 # Of the session bus a process sees one; the program itself is started by a script.
-singly='SessionBus|host\.program'
+singly='SessionBus|NotificationWindow|host\.program'
 if [ "$preset" = asan ]; then
     ctest --test-dir "$build" --output-on-failure --no-tests=error -L '^window$' -R "$singly" -j "$(nproc)" || status=1
 fi
 programs=$(ctest --test-dir "$build" -N -V -L '^window$' -E "$singly" | sed -n 's/.*Test command: \([^ ]*\).*/\1/p' | sort -u)
 [ -n "$programs" ] || status=1
 
+# Moments of the windows' end are tried often enough without sanitizers.
+export COUNTERSIGN_SHUTDOWNS=8
 runOne() {
     local program=$1
     # Some tests catch standard error.

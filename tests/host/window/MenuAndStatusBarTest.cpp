@@ -131,10 +131,13 @@ TEST_F(StatusBar, ShowsBothKeysAtAnyWidth)
         tsRunUntil("the frame has its width", [&] { return _pFrame->GetSize().GetWidth() == width; });
         tsRunUntil("the bar has it, too",
                    [&] { return pBar->GetSize().GetWidth() == _pFrame->GetClientSize().GetWidth(); });
-        tsRunEvents();
-        wxRect field;
-        pBar->GetFieldRect(1, field);
-        EXPECT_LT(pBar->GetTextExtent(pBar->GetStatusText(1)).GetWidth(), field.GetWidth()) << width;
+        tsRunUntil("the keys have their room",
+                   [&]
+                   {
+                       wxRect field;
+                       pBar->GetFieldRect(1, field);
+                       return pBar->GetTextExtent(pBar->GetStatusText(1)).GetWidth() < field.GetWidth();
+                   });
         const std::string text = pBar->GetStatusText(1).utf8_string();
         for (const hoLoadedKey* pKey : {&keys._private, &keys._public})
         {
