@@ -74,24 +74,42 @@ protected:
                  });
         return text;
     }
-    void clickButton(const std::string& label) const
+    // On the screen; nothing as long as the bar still comes up.
+    wxPoint middleOfButton(const std::string& label) const
     {
         wxPoint middle;
         visitAll(bar()->GetHandle(),
                  [&](GtkWidget* pWidget)
                  {
-                     if (GTK_IS_BUTTON(pWidget) && gtk_button_get_label(GTK_BUTTON(pWidget)) != nullptr &&
-                         gtk_button_get_label(GTK_BUTTON(pWidget)) == label)
+                     if (!GTK_IS_BUTTON(pWidget) || gtk_button_get_label(GTK_BUTTON(pWidget)) == nullptr ||
+                         gtk_button_get_label(GTK_BUTTON(pWidget)) != label || gtk_widget_get_mapped(pWidget) == FALSE)
                      {
-                         GtkAllocation place;
-                         gtk_widget_get_allocation(pWidget, &place);
-                         int x = 0;
-                         int y = 0;
-                         gdk_window_get_origin(gtk_widget_get_window(pWidget), &x, &y);
-                         middle = wxPoint(x + place.x + place.width / 2, y + place.y + place.height / 2);
+                         return;
                      }
+                     GtkWidget* const pRevealer = gtk_widget_get_ancestor(pWidget, GTK_TYPE_REVEALER);
+                     if (pRevealer != nullptr && gtk_revealer_get_child_revealed(GTK_REVEALER(pRevealer)) == FALSE)
+                     {
+                         return;
+                     }
+                     GtkAllocation place;
+                     gtk_widget_get_allocation(pWidget, &place);
+                     int x = 0;
+                     int y = 0;
+                     gdk_window_get_origin(gtk_widget_get_window(pWidget), &x, &y);
+                     middle = wxPoint(x + place.x + place.width / 2, y + place.y + place.height / 2);
                  });
-        ASSERT_NE(middle, wxPoint()) << label;
+        return middle;
+    }
+    void clickButton(const std::string& label) const
+    {
+        wxPoint middle;
+        tsRunUntil("the button has its place",
+                   [&]
+                   {
+                       const wxPoint before = middle;
+                       middle = middleOfButton(label);
+                       return middle != wxPoint() && middle == before;
+                   });
         tsClickAt(middle);
     }
     void startWithKey()
