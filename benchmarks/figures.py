@@ -71,7 +71,7 @@ def main():
             ours, peak = times["ours"]
             cells = [size, f"**{inFigures(size, ours)}**"]
             for who in peers:
-                cells += [f"{inFigures(size, times[who][0])} ({ours / times[who][0]:.2f})" if who in times else ""]
+                cells += [f"{inFigures(size, times[who][0])} ({ours / times[who][0]:.2f})" if times.get(who, (0,))[0] else ""]
             if hasPeak:
                 cells += [f"{peak / 1024:.1f} MiB" if peak else ""]
             lines += ["| " + " | ".join(cells) + " |"]
