@@ -5,6 +5,8 @@
 
 #include <new>
 
+#include "host/keys/hoHexText.h"
+
 gtString hoShortFingerprint(const hoKey& key)
 {
     const crRSAEncryptionKey& half = key.publicKey();
@@ -16,11 +18,6 @@ gtString hoShortFingerprint(const hoKey& key)
     {
         throw std::bad_alloc();
     }
-    const unsigned int shownBytes = 4;
-    gtString shown;
-    for (unsigned int i = 0; i < shownBytes; ++i)
-    {
-        shown.appendFormattedString("%02x", static_cast<unsigned int>(digest[i]));
-    }
-    return shown;
+    const std::size_t shownBytes = 4;
+    return hoHexText(digest, shownBytes);
 }

@@ -7,6 +7,7 @@
 #include <openssl/pem.h>
 #include <openssl/x509.h>
 
+#include "host/keys/hoHexText.h"
 #include "host/keys/hoLibcryptoObjects.h"
 
 namespace
@@ -37,12 +38,7 @@ gtString hoFingerprint(const hoKey& key)
     {
         throw std::bad_alloc();
     }
-    gtString text;
-    for (unsigned int i = 0; i < lengthOfDigest; ++i)
-    {
-        text.appendFormattedString("%02x", static_cast<unsigned int>(digest[i]));
-    }
-    return text;
+    return hoHexText(digest, lengthOfDigest);
 }
 
 gtString hoPublicKeyPem(const hoKey& key)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/window/hoPropertiesDialog.h"
 
+#include "host/keys/hoHexText.h"
 #include "host/messages/hoMessages.h"
 #include "host/messages/hoNumbers.h"
 #include "host/window/hoClipboard.h"
@@ -25,19 +26,10 @@ const int leastValueWidth = 200;
 const int gaugeRange = 1000;
 const int bitsPerDigit = 32;
 
-const hoKey* digestKey(const hoKeyRing& keys)
+// Whose size the exclusive-or digest depends on; null when there is none.
+const std::shared_ptr<const hoKey>& digestKey(const hoKeyRing& keys)
 {
-    return keys._private._pKey != nullptr ? keys._private._pKey.get() : keys._public._pKey.get();
-}
-
-wxString hexText(const hoSha256& digest)
-{
-    wxString text;
-    for (const unsigned char byte : digest)
-    {
-        text += wxString::Format("%02x", static_cast<unsigned int>(byte));
-    }
-    return text;
+    return keys._private._pKey != nullptr ? keys._private._pKey : keys._public._pKey;
 }
 }  // namespace
 
@@ -57,7 +49,7 @@ hoPropertiesDialog::hoPropertiesDialog(wxWindow* pParent, const hoDocument& docu
 {
     const wxString wait = _("Reading...");
     const bool isThere = _document._verdict._state != hoDocumentState::Missing;
-    const hoKey* const pKey = digestKey(_keys);
+    const hoKey* const pKey = digestKey(_keys).get();
     auto* pGrid = new wxFlexGridSizer(2, FromDIP(wxSize(12, 4)));
     addRow(*pGrid, _("&Name:"), "name", hoDisplayText(_document.name()));
     addRow(*pGrid, _("&Path:"), "path", hoDisplayText(_document._path));
@@ -140,9 +132,7 @@ void hoPropertiesDialog::begin()
 {
     try
     {
-        const std::shared_ptr<const hoKey>& pKey =
-            _keys._private._pKey != nullptr ? _keys._private._pKey : _keys._public._pKey;
-        _pInspection = std::make_unique<hoInspection>(_document._path, pKey, [this] { _call.request(); });
+        _pInspection = std::make_unique<hoInspection>(_document._path, digestKey(_keys), [this] { _call.request(); });
     }
     catch (const std::system_error& error)
     {
@@ -180,7 +170,8 @@ void hoPropertiesDialog::showFacts(const hoInspectionFacts& facts)
     _pSigner->SetValue(facts._signature.isSignature() ? signerText(facts._signature) : none);
     _pSigned->SetValue(facts._isSigned ? hoTimeText(facts._signatureFile._modifiedSeconds, true) : none);
     const wxString reason = hoSentence(hoSigningReason(facts._reading));
-    _pSha256->SetValue(facts._reading.isOk() ? hexText(facts._digests._sha256) : reason);
+    const hoSha256& sha256 = facts._digests._sha256;
+    _pSha256->SetValue(facts._reading.isOk() ? gtTextFromBytes(hoHexText(sha256.data(), sha256.size())) : reason);
     wxString exclusiveOr = facts._reading.isOk() ? gtTextFromBytes(facts._digests._digestText) : reason;
     if (facts._reading.isOk() && exclusiveOr.empty())
     {

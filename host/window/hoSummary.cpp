@@ -114,6 +114,7 @@ wxString summaryLine(std::size_t documents, const wxString& counts, bool isCance
                                    documents, {counts})
                        : hoCounted("%1$s document: %2$s.", "%1$s documents: %2$s.", documents, {counts});
 }
+
 // What speaks against replacing the one signature that there is.
 wxString concernOfTheOne(hoDocumentState state)
 {

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The bar above the documents as it is seen: its text, its sign, and its Details.
 #include "tests/host/MainFrameFixture.h"
-#include "tests/host/NewKey.h"
 
 #include "host/window/hoDetailsDialog.h"
-#include "host/window/hoDocumentDropTarget.h"
 
 #include <gmock/gmock.h>
 #include <wx/clipbrd.h>

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // That everything in the main window can be read, by its pixels, and that the bars differ.
 #include "tests/host/MainFrameFixture.h"
-#include "tests/host/NewKey.h"
 #include "tests/support/tsContrast.h"
-
-#include "host/window/hoDocumentDropTarget.h"
 
 #include <wx/infobar.h>
 #include <wx/toolbar.h>

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Documents in the desktop's programs and folders, which here write down what they get, and their properties.
 #include "tests/host/MainFrameFixture.h"
-#include "tests/host/NewKey.h"
 
 #include "host/signing/hoFileSigning.h"
-#include "host/window/hoDocumentDropTarget.h"
 #include "host/window/hoPropertiesDialog.h"
 
 #include <gmock/gmock.h>
@@ -68,13 +66,6 @@ protected:
         tsPressKeys("Menu");
         tsRunUntil("it is chosen", [&] { return script.isFinished(); });
     }
-    void loadKey()
-    {
-        static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
-            ->drop("file://" + _folder.write("mine.pem", newKeyText(1024)) + "\r\n");
-        tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
-        settle();
-    }
     static bool isPropertiesUp()
     {
         const auto* pDialog = dynamic_cast<hoPropertiesDialog*>(tsTopModalDialog());
@@ -135,10 +126,9 @@ TEST_F(DocumentCommands, SayWhatCannotBeOpened)
 TEST_F(DocumentCommands, ShowTheProperties)
 {
     start({"countersign-desktop", _folder.write("a.txt", "some text\n"), _folder.write("b.txt", "x")});
-    loadKey();
+    dropNewKey();
     openAskedFor(_folder.path("a.txt"));
-    tsPressKeys("ctrl+s");
-    tsRunUntil("it is signed", [this] { return !_pFrame->isAtWork() && !_pFrame->workMessage()._line.empty(); });
+    work("ctrl+s");
     settle();
     std::string text;
     tsScript script;

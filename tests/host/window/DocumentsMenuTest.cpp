@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The list of the documents: its menu, why commands are grey, and its order while states change.
 #include "tests/host/MainFrameFixture.h"
-#include "tests/host/NewKey.h"
-
-#include "host/window/hoDocumentDropTarget.h"
 
 #include <gmock/gmock.h>
 

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the Key menu tells of keys and remembers of them, and the steps that the empty window names.
 #include "tests/host/MainFrameFixture.h"
-#include "tests/host/NewKey.h"
 
 #include "host/keys/hoPublicKey.h"
-#include "host/window/hoDocumentDropTarget.h"
 #include "host/window/hoKeyInformationDialog.h"
 
 #include <gmock/gmock.h>

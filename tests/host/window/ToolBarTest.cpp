@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The tool bar: real clicks, grey like the menus, and gone where it is not wanted.
 #include "tests/host/MainFrameFixture.h"
-#include "tests/host/NewKey.h"
 
 #include "host/window/hoCommands.h"
-#include "host/window/hoDocumentDropTarget.h"
 #include "host/window/hoThemeIcon.h"
 
 #include <gmock/gmock.h>
@@ -96,8 +94,7 @@ TEST_F(ToolBar, DoesWhatTheMenusDo)
     clickAndClose(wxID_OPEN, "Open documents");
     clickAndClose(ID_LOAD_PRIVATE_KEY, "Load a private key");
     openAskedFor(_folder.write("a.txt", "x"));
-    static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
-        ->drop("file://" + _folder.write("mine.pem", newKeyText(1024)) + "\r\n");
+    dropNewKey();
     waitForEnabled({true, true, true, true});
     clickTool(ID_SIGN);
     tsRunUntil("it is signed", [this] { return rows(1).front() == "Signed by me"; });
