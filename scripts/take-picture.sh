@@ -61,9 +61,10 @@ stands() {
     [ "$(identify -format '%k' "$files/now.png")" -gt 16 ] || return 1
     sleep 0.4
     [ -e "$files/before.png" ] || return 1
-    # Different pixels, but for a text cursor that blinks. Newer versions add a second number.
+    # Different pixels, but for a text cursor that blinks. A million is written as 1e+06; newer versions add a second
+    # number.
     difference=$(compare -metric AE "$files/before.png" "$files/now.png" null: 2>&1)
-    [ "${difference%% *}" -lt 100 ]
+    awk -v pixels="${difference%% *}" 'BEGIN { exit pixels ~ /^[0-9]/ && pixels + 0 < 100 ? 0 : 1 }'
 }
 
 isGone() {

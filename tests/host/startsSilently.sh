@@ -17,6 +17,7 @@ settings=$XDG_CONFIG_HOME/countersign/settings
 start() {
     local what=$1
     shift
+    rm -f "$here/compared"
     "$source/scripts/with-display.sh" "$source/scripts/take-picture.sh" "$here/picture.png" "$program" "$@" \
         >"$here/talk" 2>&1 || {
         cat "$here/talk" >&2
@@ -28,6 +29,19 @@ start() {
         exit 1
     fi
 }
+
+# The first comparison of two pictures says that all of them has changed, in the way that large numbers are written.
+compare=$(command -v compare) || exit 1
+mkdir bin
+cat >bin/compare <<EOF
+#!/bin/sh
+[ -e "$here/compared" ] && exec "$compare" "\$@"
+touch "$here/compared"
+echo 1.12724e+06 >&2
+exit 1
+EOF
+chmod +x bin/compare
+export PATH=$here/bin:$PATH
 
 printf x >document.txt
 start "the first start"
