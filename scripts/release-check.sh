@@ -40,6 +40,7 @@ packages scripts/debian-package.sh
 fuzzing scripts/fuzz.sh all $fuzzSeconds
 soak scripts/soak.sh $soakMinutes
 promises scripts/try-promises.sh
+mutants.tool tests/project/scripts.sh mutantsAreTried .
 mutants scripts/mutate.sh
 "
 steps=$(sed '/^$/d' <<<"$steps")

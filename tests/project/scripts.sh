@@ -3,8 +3,10 @@
 # Tries the scripts that people start.
 #
 #   scripts.sh CASE SOURCE-FOLDER [BUILD-FOLDER]
+#
+# Each case is a test, but for mutantsAreTried: that takes minutes and is a step of scripts/release-check.sh.
 set -u
-case=$1 source=$2
+case=$1 source=$(realpath -- "$2")
 
 here=$(mktemp -d)
 trap 'rm -rf "$here"' EXIT
