@@ -397,13 +397,14 @@ clArguments Parser::textFor(const clSplitArguments& arguments) const
 
 clArguments Parser::parse(const std::vector<gtString>& arguments)
 {
-    const clSplitArguments split = clSplit(arguments, shapes());
     if (arguments.empty())
     {
+        // Whoever names no command learns of them, and a script that expands to nothing has not succeeded.
         clArguments result;
-        result._text = gtString("countersign: ").append(split._wrong).append("\n\n").append(helpOf(_app));
+        result._text = helpOf(_app);
         return result;
     }
+    const clSplitArguments split = clSplit(arguments, shapes());
     if (!split._wrong.isEmpty())
     {
         return wrongUse(split._wrong, split._command);

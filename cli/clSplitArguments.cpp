@@ -133,11 +133,6 @@ const clOptionShape* Splitter::findOption(const clCommandShape& command, std::st
 
 void Splitter::takeFirst()
 {
-    if (_arguments.empty())
-    {
-        reject("there is no command");
-        return;
-    }
     const gtString& first = _arguments[_next++];
     if (first == helpCommand)
     {

@@ -47,6 +47,7 @@ struct clSplitArguments
     std::vector<gtString> _operands;
 };
 
+// arguments: at least one.
 // commands: the first has no name and the options that stand in front of a command.
 clSplitArguments clSplit(const std::vector<gtString>& arguments, const std::vector<clCommandShape>& commands);
 

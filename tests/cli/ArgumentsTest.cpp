@@ -67,7 +67,6 @@ TEST(Arguments, TakeOddNamesAsTheyAre)
 TEST(Arguments, ThatAreWrongAreToldAbout)
 {
     const std::vector<std::vector<gtString>> wrong = {
-        {},
         {"bogus"},
         {""},
         {"--bogus"},
@@ -91,10 +90,13 @@ TEST(Arguments, ThatAreWrongAreToldAbout)
     for (const std::vector<gtString>& arguments : wrong)
     {
         const clArguments result = clParseArguments(arguments);
-        EXPECT_EQ(result._command, clCommand::WrongUse) << (arguments.empty() ? gtString() : arguments.back());
+        EXPECT_EQ(result._command, clCommand::WrongUse) << arguments.back();
         EXPECT_EQ(result._text.asStringView().substr(0, 13), "countersign: ");
         EXPECT_NE(result._text.asStringView().find("--help"), std::string_view::npos);
     }
+    const clArguments none = clParseArguments({});
+    EXPECT_EQ(none._command, clCommand::WrongUse);
+    EXPECT_EQ(none._text, clParseArguments({"--help"})._text);
     EXPECT_NE(clParseArguments({"bogus\n"})._text.asStringView().find("bogus\\n"), std::string_view::npos);
 }
 
