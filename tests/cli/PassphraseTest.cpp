@@ -130,6 +130,28 @@ TEST_F(Passphrase, IsNotReadWhereNoneIsNeeded)
     EXPECT_EQ(outcome._exitStatus, 0) << outcome._errors;
 }
 
+TEST_F(Passphrase, IsAskedForWhateverIsLeftOut)
+{
+    for (const char* pOption : {"--quiet", "--status", "--json"})
+    {
+        tsCommand sign;
+        sign._arguments = {COUNTERSIGN_PROGRAM, "sign", "-f", pOption, "-k", "locked.pem", "report"};
+        sign._folder = _folder.path();
+        sign._hasTerminal = true;
+        bool isTyped = false;
+        sign._type = [&isTyped](const std::string& printed, pid_t)
+        {
+            const bool isAsked = !isTyped && printed.find("Passphrase for locked.pem: ") != std::string::npos;
+            isTyped = isTyped || isAsked;
+            return std::string(isAsked ? "sesame\n" : "");
+        };
+        const tsOutcome outcome = tsRun(sign);
+        EXPECT_TRUE(isTyped) << pOption;
+        EXPECT_EQ(outcome._exitStatus, 0) << pOption << outcome._printed;
+        EXPECT_EQ(outcome._printed, "Passphrase for locked.pem: \r\n") << pOption;
+    }
+}
+
 TEST_F(Passphrase, WarningsAreLeftOutWhenAsked)
 {
     ASSERT_EQ(chmod((_folder / "private.pem").c_str(), 0644), 0);

@@ -511,6 +511,40 @@ TEST_F(Program, ShowsItsProgressOnATerminalAndCanBeInterrupted)
     EXPECT_EQ(_folder.names(), (std::vector<std::string>{"huge", "next", "private.pem", "public.pem"}));
 }
 
+// Those that show nothing begin first, and are at work for as long as the other one.
+TEST_F(Program, ShowsItsProgressWhereItIsWanted)
+{
+    for (const char* pName : {"quiet", "silent", "shown"})
+    {
+        _folder.write(pName, "");
+        ASSERT_EQ(truncate((_folder / pName).c_str(), 64LL * 1024 * 1024 * 1024), 0);
+    }
+    tsCommand three;
+    three._arguments = {"sh", "-c",
+                        "\"$0\" sign --quiet -k private.pem quiet & \"$0\" sign --status -k private.pem silent & "
+                        "exec \"$0\" sign --json -k private.pem shown",
+                        COUNTERSIGN_PROGRAM};
+    three._folder = _folder.path();
+    three._hasTerminal = true;
+    std::size_t shown = 0;
+    int amountShown = 0;
+    three._type = [&](const std::string& printed, pid_t process)
+    {
+        const std::size_t last = printed.rfind(" % of 68.7 GB  shown");
+        amountShown += last != std::string::npos && last != shown ? 1 : 0;
+        shown = last;
+        if (amountShown == 3)
+        {
+            kill(-process, SIGTERM);
+        }
+        return std::string();
+    };
+    const tsOutcome outcome = tsRun(three);
+    EXPECT_GE(amountShown, 3) << outcome._printed;
+    EXPECT_THAT(outcome._printed, ::testing::Not(HasSubstr("GB  quiet")));
+    EXPECT_THAT(outcome._printed, ::testing::Not(HasSubstr("silent")));
+}
+
 // As nohup does.
 TEST_F(Program, GoesOnAfterSignalsThatItWasToldToIgnore)
 {

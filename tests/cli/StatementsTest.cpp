@@ -37,7 +37,9 @@ const Statement statements[] = {
     {manual, "byte by byte: a line end belongs to the text.",
      "echo x | countersign encrypt -k public.pem | countersign decrypt -k private.pem | od -An -c", "   x  \\n\n"},
     {manual, "A line end is added to the decrypted text on a terminal only.",
-     "printf x | countersign encrypt -k public.pem | countersign decrypt -k private.pem | wc -c", "1\n"},
+     "printf x | countersign encrypt -k public.pem >c; countersign decrypt -k private.pem <c | wc -c; "
+     "python3 -c 'import pty; pty.spawn([\"sh\", \"-c\", \"countersign decrypt -k private.pem <c\"])' | od -An -c",
+     "1\n   x  \\r  \\n\n"},
     {manual, "(127 bytes with a key of 1024 bits)",
      "for n in 127 128; do head -c $n public.pem | countersign encrypt -k public.pem 2>&1 >/dev/null | wc -l; done",
      "0\n1\n"},
@@ -119,6 +121,53 @@ const Statement statements[] = {
     {manual, "Where the signature of a single",
      "for o in '-o s' '-o s g'; do countersign sign -k private.pem f $o 2>/dev/null; echo $?; done; rm -f f; ls s",
      "f: signed, s\n0\n2\ns\n"},
+    {manual, "What is there is damaged, or of another program, which is named if it is known.",
+     "printf 'untrusted comment: \nRWQ=\ntrusted comment: \nAAAA\n' >f.sig; echo '-----BEGIN PGP SIGNATURE-----' "
+     ">g.sig; "
+     "countersign test -k public.pem f g 2>e; echo $?; grep -o 'signature of [^,]*' e",
+     "f: not a signature\ng: not a signature\n2\nsignature of minisign\nsignature of OpenPGP\n"},
+    // The last one is changed for as long as it is read.
+    {manual, "As they say. Status 2.",
+     "countersign sign -q -k private.pem f; for n in g none; do countersign test -k public.pem $n 2>/dev/null; echo "
+     "$?; "
+     "done; countersign test -k public.pem -s f.sig /proc/self/mem 2>/dev/null; echo $?; mv f.sig h.sig; "
+     "countersign test -k public.pem h.sig 2>/dev/null; echo $?; truncate -s 256M h; "
+     "for i in {1..20}; do countersign test -k public.pem h >o 2>/dev/null & "
+     "while kill -0 $! 2>/dev/null; do touch h; done; wait $!; s=$?; grep -q while o && break; done; cat o; echo $s",
+     "g: not signed\n2\nnone: missing\n2\n/proc/self/mem: unreadable\n2\nh.sig: not tested\n2\n"
+     "h: changed while read\n2\n"},
+    {manual, "Try the key of each file in the folder, too, in the order of the names.",
+     "mkdir keys; for n in b a c; do cp public.pem keys/$n; done; countersign sign -q -k private.pem f; "
+     "countersign test --key-dir keys f",
+     "f: good, keys/a\n"},
+    // A thread for each besides the first one, which prints; it alone where there is one processor.
+    {manual, "files at a time, from 1 to 1024; without it on one for each processor.",
+     "n=$(env -u OMP_NUM_THREADS -u OMP_THREAD_LIMIT nproc); for i in $(seq $n); do truncate -s 64M h$i; done; "
+     "countersign sign -k private.pem h* >o & "
+     "t=$(while state=$(cut -d' ' -f3 /proc/$!/stat 2>/dev/null) && [ \"$state\" != Z ]; do "
+     "ls /proc/$!/task 2>/dev/null | wc -l; done | sort -n | tail -n 1); echo $((t - (n > 1 ? n : 0)))",
+     "1\n"},
+    {manual, "There is no option and no variable of the environment that holds a passphrase",
+     "countersign sign --help | grep -oE -- '--pass[a-z0-9-]*'; "
+     "openssl rsa -in private.pem -aes128 -passout pass:sesame -out k.pem 2>/dev/null; "
+     "PASSPHRASE=sesame COUNTERSIGN_PASSPHRASE=sesame setsid -w countersign sign -k k.pem f 2>e; echo $?; "
+     "grep -c 'it is encrypted' e; countersign sign --passphrase sesame -k k.pem f 2>e; echo $?; "
+     "grep -c 'no option --passphrase;' e",
+     "--passphrase-fd\n--passphrase-file\n2\n1\n2\n1\n"},
+    {manual, "Print a help text and end.",
+     "countersign --help | cmp - <(countersign -h); countersign sign -h -k none f | cmp - <(countersign help sign); "
+     "countersign -h | grep -c '^Usage: countersign COMMAND'; ls f.sig 2>/dev/null",
+     "1\n"},
+    {manual, "Print the version and end.", "countersign --version | cmp - <(countersign -V); countersign -V | wc -w",
+     "2\n"},
+    {manual, "look at the writer's status before you",
+     "{ head -c 2 f; exit 1; } | countersign sign -k private.pem -o s -; head -c 2 f >g; "
+     "countersign test -k public.pem -s s g",
+     "-: signed, s\ng: good\n"},
+    {readme, "`countersign test` gives one of these verdicts:",
+     "countersign sign -q -k private.pem f; for l in de fr; do LANGUAGE=$l LC_ALL=C.UTF-8 "
+     "countersign test -k public.pem f g 2>e; grep -o 'there is no such signature' e; done",
+     "f: good\ng: not signed\nthere is no such signature\nf: good\ng: not signed\nthere is no such signature\n"},
     {readme, "a `weak` verdict means that there is none: anybody can cut it off.",
      "countersign sign -q -k private.pem f; sed -i 2d f.sig; countersign test -k public.pem f 2>/dev/null; echo $?; "
      "countersign test --accept-weak -k public.pem f; echo $?",

@@ -34,3 +34,11 @@ for locale in C.UTF-8 C; do
         exit 1
     fi
 done
+
+# Without a display there is no window.
+status=0
+env -u DISPLAY -u WAYLAND_DISPLAY "$program" "$plain" >"$here/talk" 2>&1 || status=$?
+if [ "$status" != 255 ]; then
+    printf 'without a display the status is %s:\n%s\n' "$status" "$(cat "$here/talk")" >&2
+    exit 1
+fi
