@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """Fails when a room includes what it may not.
 
-    rooms.py check SOURCE-FOLDER   looks at every include line of the product's sources
+    rooms.py check SOURCE-FOLDER   looks at every include line of the product's sources, and at README's table of rooms
     rooms.py refuses               shows that a forbidden include is found, in folders of its own
 
 A room is a folder. The nearest one in the table counts, so that host/keys is not host.
@@ -115,11 +115,46 @@ def faults(root):
     return found
 
 
+# As README writes them.
+WRITTEN = {
+    "wxWidgets": "wx",
+    "GTK": "gtk",
+    "GLib": "glib",
+    "X11": "x11",
+    "libcrypto": "openssl",
+    "CLI11": "cli11",
+    "nlohmann-json": "json",
+    "libbsd": "libbsd",
+}
+
+
+def faults_of_readme(text):
+    """What README's table of rooms says otherwise. Its `platform` is what of it has no window, or all for a window."""
+    found = []
+    rows = {}
+    for room, cell in re.findall(r"^\| `([a-zA-Z/.*]+)`(?:, `\w+/`)* \| [^|]* \| ([^|]*) \|$", text, re.MULTILINE):
+        rows[room.removesuffix(".*").rstrip("/").replace("host/MainFrame", "host")] = cell
+    for room, (rooms, libraries) in ROOMS.items():
+        if room not in rows:
+            found.append(f"README.md: the table has no {room}")
+            continue
+        said = set(re.findall(r"`([a-zA-Z/]+)`", rows[room]))
+        if "platform" in said:
+            said.remove("platform")
+            said.update(PLATFORM + (["platform/toolkit"] if "wx" in libraries else []))
+        said.update(library for word, library in WRITTEN.items() if re.search(rf"\b{word}\b", rows[room]))
+        said.discard(room)
+        may = set(rooms + libraries)
+        found += [f"README.md: {room} may include {name}, which is not said" for name in sorted(may - said)]
+        found += [f"README.md: {room} may not include {name}" for name in sorted(said - may)]
+    return found
+
+
 def check(root):
     files = [path for top in ("src", "platform", "crypto", "host") for path in (root / top).rglob("*.h")]
     if len(files) < 20:
         return [f"there are only {len(files)} headers in {root}"]
-    return faults(root)
+    return faults(root) + faults_of_readme((root / "README.md").read_text(encoding="utf-8"))
 
 
 # A file, what it includes, and whether it may.
@@ -168,6 +203,25 @@ def refuses():
             found = faults(root)
             if bool(found) == may:
                 wrong.append(f"{path} with {include}: {found or 'nothing is found'}")
+    return wrong + readmes_that_are_not_refused()
+
+
+def readmes_that_are_not_refused():
+    words = {library: word for word, library in WRITTEN.items()}
+    rows = {}
+    for room, (rooms, libraries) in ROOMS.items():
+        cell = ", ".join([f"`{other}`" for other in rooms] + [words[library] for library in libraries])
+        rows[room] = f"| `{room}/` | what lives there | {cell} |\n"
+    yes = faults_of_readme("".join(rows.values()))
+    wrong = [f"a table that is right: {yes}"] if yes else []
+    for room, before, after in (
+        ("host/keys", "`crypto`, ", ""),
+        ("host/keys", "`crypto`", "`crypto`, `host/signing`"),
+        ("host/keys", "libcrypto", "wxWidgets"),
+        ("cli", "| `cli/`", "| `cmd/`"),
+    ):
+        if not faults_of_readme("".join({**rows, room: rows[room].replace(before, after)}.values())):
+            wrong.append(f"README's row of {room} with '{after}' for '{before}': nothing is found")
     return wrong
 
 
