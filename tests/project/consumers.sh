@@ -197,6 +197,25 @@ END
         chmod 600 "$here/key.pem"
         expect "the program's output" "$(pemSignature)"$'\n'"$("$installed/bin/countersign" --version | grep -oE '[0-9.]+')" \
             "$("$moved/bin/signer" "$here/key.pem" "$here/empty")"
+        # README's function, in a program.
+        awk '/^```/ { if (text ~ /hoLoadKeyFile/) { printf "%s", text; exit } inside = /^```cpp$/; text = ""; next }
+            inside { text = text $0 "\n" }' "$source/README.md" >"$here/readme.cpp"
+        cat >>"$here/readme.cpp" <<'END'
+
+#include <iostream>
+
+int main(int, char** argv)
+{
+    gtString signature;
+    const bool isSigned = sign(argv[1], osFilePath(gtString(argv[2])), signature);
+    std::cout << signature;
+    return isSigned ? 0 : 1;
+}
+END
+        # shellcheck disable=SC2046
+        PKG_CONFIG_PATH=$libraries/pkgconfig c++ -std=c++17 -Wall -Wextra -Werror "$here/readme.cpp" -o "$here/readme" \
+            $(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs countersign-keys)
+        expect "README's function" "$(pemSignature)" "$("$here/readme" "$here/key.pem" "$here/empty")"
         ;;
     pkgConfig)
         export PKG_CONFIG_PATH=$libraries/pkgconfig

@@ -44,6 +44,46 @@ case $case in
         inReadme=$(sed -nE 's/^\| `(COUNTERSIGN_[A-Z_]+)` .*/\1/p' "$source/README.md" | sort)
         [ -n "$inSources" ] || complain "no options were found"
         [ "$inSources" = "$inReadme" ] || complain "$(diff <(echo "$inSources") <(echo "$inReadme"))"
+        # And of their defaults.
+        while read -r option default; do
+            found=$(sed -nE "s/^\| \`$option\` \| ([^|]*) \|.*/\1/p" "$source/README.md")
+            # shellcheck disable=SC2016
+            case $default:$found in
+                '"":empty' | ON:on | OFF:off | 'OFF:off (on in presets)') ;;
+                '${countersignIsWhole}:on (off in another project, and where components are named)') ;;
+                '${countersignIsWhole}:the same' | '${countersignHasTests}:the same; off with `BUILD_SHARED_LIBS`') ;;
+                *) complain "$option is $default in the sources, and '$found' in README" ;;
+            esac
+            inSources=$(grep -vx "$option" <<<"$inSources")
+        done < <(sed -nE -e 's/^option\((COUNTERSIGN_[A-Z_]+) .* ([^ ]+)\)$/\1 \2/p' \
+            -e 's/^set\((COUNTERSIGN_[A-Z_]+) ([^ ]*) CACHE .*/\1 \2/p' "$source/CMakeLists.txt")
+        [ -z "$inSources" ] || complain "no default was found of: $inSources"
+        ;;
+
+    presets)
+        # Those that README names, each with what it says of them, and what builds and tests by hand.
+        python3 - "$source" <<'END' || exit 1
+import json
+import pathlib
+import sys
+
+source = pathlib.Path(sys.argv[1])
+presets = json.loads((source / "CMakePresets.json").read_text(encoding="utf-8"))
+variables = {preset["name"]: preset["cacheVariables"] for preset in presets["configurePresets"]}
+expected = [
+    ("release", "CMAKE_BUILD_TYPE", "Release"),
+    ("release", "CMAKE_CXX_FLAGS_RELEASE", "-O3 -DNDEBUG"),
+    ("debug", "CMAKE_BUILD_TYPE", "Debug"),
+    ("asan", "COUNTERSIGN_SANITIZE", "address,undefined"),
+    ("tsan", "COUNTERSIGN_SANITIZE", "thread"),
+    ("base", "COUNTERSIGN_WERROR", "ON"),
+]
+wrong = [f"{name}: {key} is {variables[name].get(key)}" for name, key, value in expected if variables[name].get(key) != value]
+for kind in ("configurePresets", "buildPresets", "testPresets"):
+    names = {preset["name"] for preset in presets[kind]}
+    wrong += [f"{name} is not in {kind}" for name in ("release", "debug", "asan", "tsan") if name not in names]
+sys.exit("\n".join(wrong) or 0)
+END
         ;;
 
     buildTree)
