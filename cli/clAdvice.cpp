@@ -17,8 +17,11 @@ gtString clKeyAdvice(const hoKeyFileFacts& facts)
 
 gtString clSigningAdvice(const hoSigningFacts& facts)
 {
-    return facts._problem == hoSigningProblem::CannotCountersign ? "; --digest-only writes the digest's line alone"
-                                                                 : "";
+    if (facts._problem == hoSigningProblem::CannotCountersign)
+    {
+        return "; --digest-only writes the digest's line alone";
+    }
+    return facts._fileProblem == osFileProblem::IsFolder ? ", or take all by --recursive" : "";
 }
 
 gtString clVerdictAdvice(hoVerdict verdict)
