@@ -153,6 +153,22 @@ case $case in
         hasNotice nlohmann-json3-dev 'Niels Lohmann' 'Permission is hereby granted' 'SOFTWARE\.'
         ;;
 
+    packagesNameTheirSources)
+        # As README says, wherever the packages are built.
+        if [ ! -f /usr/share/dpkg/pkg-info.mk ]; then
+            echo "skipped: reading debian/rules takes the package dpkg-dev"
+            exit 77
+        fi
+        debian=$(sed -nE '1s/^countersign \(([^)]*)\) .*/\1/p' "$source/debian/changelog")
+        elsewhere=$(mktemp -d)
+        trap 'rm -rf "$elsewhere"' EXIT
+        cp -r "$source/debian" "$elsewhere"
+        for flags in DEB_CFLAGS_MAINT_APPEND DEB_CXXFLAGS_MAINT_APPEND; do
+            said=$(make -s --no-print-directory -C "$elsewhere" -f debian/rules --eval="said: ; @echo \$($flags)" said)
+            [ "$said" = "-ffile-prefix-map=$elsewhere=/usr/src/countersign-${debian%-*}" ] || complain "$flags: $said"
+        done
+        ;;
+
     flatpakManifest)
         manifest=$source/flatpak/org.countersign.Countersign.yml
         if ! python3 -c 'import yaml' 2>/dev/null; then
