@@ -290,7 +290,7 @@ TEST_F(Signing, SeesAFolderGoAndComeBack)
 TEST_F(Signing, AsksForThePassphraseUntilItFits)
 {
     start();
-    _folder.write("locked.pem", newKeyText(512, false, "open sesame"));
+    const std::string path = _folder.write("locked.pem", newKeyText(512, false, "open sesame"));
     tsScript script;
     const auto isAsking = [](const char* question)
     {
@@ -308,14 +308,24 @@ TEST_F(Signing, AsksForThePassphraseUntilItFits)
         }
         return false;
     };
-    script.waitUntil("the passphrase is asked for", [&] { return isAsking("Passphrase of locked.pem"); })
+    script
+        .waitUntil("the file dialog has the keyboard",
+                   []
+                   {
+                       std::string title;
+                       tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &title);
+                       return title == "Load a private key\n";
+                   })
+        .perform("type the path", [&] { tsType(path); })
+        .perform("choose it", [] { tsPressKeys("Return"); })
+        .waitUntil("the passphrase is asked for", [&] { return isAsking("Passphrase of locked.pem"); })
         .perform("give a wrong one", [] { tsType("wrong"); })
         .perform("press Return", [] { tsPressKeys("Return"); })
         .waitUntil("it is asked for again", [&] { return isAsking("Wrong passphrase"); })
         .perform("give the right one", [] { tsType("open sesame"); })
         .perform("press Return", [] { tsPressKeys("Return"); })
         .start();
-    drop(_folder.path("locked.pem"));
+    tsPressKeys("ctrl+k");
     tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
     EXPECT_TRUE(script.isFinished());
     settle();
