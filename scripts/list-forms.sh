@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Lists the forms of the arithmetic in bigdigits as tried or skipped, and how the skipped ones are tried elsewhere.
+# Lists the forms of the arithmetic in bigdigits as tried or skipped, and how the skipped ones are tried elsewhere. A form
+# that this processor lacks is tried emulated: all of it but its machine code.
 # Prints nothing about a run that has tried none of them.
 #
 #   scripts/list-forms.sh LOG          LOG is ctest's, build/PRESET/Testing/Temporary/LastTest.log
@@ -8,8 +9,10 @@ set -u
 exec awk '
 function expect(name, elsewhere) { forms[++amount] = name; advice[name] = elsewhere }
 function note(name, result) {
+    isEmulated = sub(/: Emulated/, ": ", name)
     if (!(name in advice)) expect(name, there "instructions for it")
-    if (result == "FAILED" || (result == "OK" && results[name] != "FAILED") || results[name] == "") results[name] = result
+    if (isEmulated && result == "OK") emulated[name] = 1
+    else if (result == "FAILED" || (result == "OK" && results[name] != "FAILED") || results[name] == "") results[name] = result
 }
 BEGIN {
     there = "run ./test.sh -L bigdigits on a processor with "
@@ -43,7 +46,7 @@ END {
         name = forms[i]
         if (results[name] == "OK") print "  tried    " name
         else if (results[name] == "FAILED") print "  FAILED   " name
-        else print "  skipped  " name (advice[name] == "" ? "" : "; " advice[name])
+        else print (name in emulated ? "  tried (emulated) " : "  skipped  ") name (advice[name] == "" ? "" : "; " advice[name])
     }
     for (i = 1; i <= otherAmount; i++) print "  " others[i]
     if (otherAmount == 0) print "  skipped  whole module by other compilers, options and word sizes; ./test.sh -R OtherBuilds"

@@ -49,6 +49,13 @@
 
 #if defined(__x86_64__)
 #include <immintrin.h>
+
+// A function for processors that have such features, and whether this one has a feature. Tests define them (and
+// MP_EMULATED) so that every form runs on every processor, made of what all of them have.
+#if !defined(MP_EMULATED)
+#define MP_FOR_PROCESSORS_WITH(features) __attribute__((target(features)))
+#define MP_PROCESSOR_HAS(feature) (__builtin_cpu_supports(feature) != 0)
+#endif
 #endif
 
 namespace
@@ -567,7 +574,7 @@ void squareWithWords(mpDigit w[], const mpDigit x[], size_t n)
 #if defined(__x86_64__)
 
 // Its multiplication leaves the flags alone.
-__attribute__((target("bmi2"))) void squareByWordsWithBmi2(mpDigit w[], const mpDigit x[], size_t n)
+MP_FOR_PROCESSORS_WITH("bmi2") void squareByWordsWithBmi2(mpDigit w[], const mpDigit x[], size_t n)
 {
     squareByWords(w, x, n);
 }
@@ -611,8 +618,8 @@ MP_INLINE size_t takeLimbs(uint64_t limbs[], const mpDigit a[], size_t n)
 }
 
 // w[0..un+vn) = u * v, neither longer than a block. u may be v.
-__attribute__((target("avx512f,avx512ifma,bmi2"))) void multiplyBlocks(mpDigit w[], const mpDigit u[], size_t un,
-                                                                       const mpDigit v[], size_t vn)
+MP_FOR_PROCESSORS_WITH("avx512f,avx512ifma,bmi2")
+void multiplyBlocks(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[], size_t vn)
 {
     uint64_t uRoom[limbsPerBlock + 2 * limbsAtOnce];
     uint64_t vRoom[limbsPerBlock + 2 * limbsAtOnce];
@@ -678,7 +685,7 @@ constexpr bool mayUse512Bits = true;
 
 bool has52BitLimbs()
 {
-    return mayUse512Bits && __builtin_cpu_supports("avx512ifma") && __builtin_cpu_supports("bmi2");
+    return mayUse512Bits && MP_PROCESSOR_HAS("avx512ifma") && MP_PROCESSOR_HAS("bmi2");
 }
 
 void squareByOneBlock(mpDigit w[], const mpDigit x[], size_t n)
@@ -1356,7 +1363,14 @@ using Pairs128Bits = PlainPairs<Vector16>;
 
 #endif
 
-#if defined(__x86_64__) && !defined(__clang__)
+#if defined(MP_EMULATED)
+
+#define MP_HAS_WIDE_PAIRS 1
+
+using Pairs256Bits = PlainPairs<Vector32>;
+using Pairs512Bits = PlainPairs<Vector64>;
+
+#elif defined(__x86_64__) && !defined(__clang__)
 
 // In assembly: the compiler inlines an intrinsic only into a function that is compiled for its processor, and what is
 // between that function and this one is for all processors. clang does not take such assembly, either.
@@ -2574,10 +2588,10 @@ MP_SHORT_LIMBS(128Bits, Vector16, Pairs128Bits, Pairs128Bits, Pairs128Bits, , 24
 
 #if MP_HAS_WIDE_PAIRS
 
-MP_SHORT_LIMBS(256Bits, Vector32, Pairs256Bits, Pairs256Bits, Pairs256Bits, __attribute__((target("avx2,bmi2"))), 24,
+MP_SHORT_LIMBS(256Bits, Vector32, Pairs256Bits, Pairs256Bits, Pairs256Bits, MP_FOR_PROCESSORS_WITH("avx2,bmi2"), 24,
                192, 72, 40)
 MP_SHORT_LIMBS(512Bits, Vector64, Pairs512Bits, Pairs512Bits, Pairs256Bits,
-               __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2"))), 16, 192, 40, 24)
+               MP_FOR_PROCESSORS_WITH("avx512f,avx512bw,avx512dq,avx512vl,bmi2"), 16, 192, 40, 24)
 
 #endif
 
@@ -2613,19 +2627,19 @@ MP_COLUMNS(128Bits, Vector16, )
 
 #if defined(__x86_64__)
 
-MP_COLUMNS(256Bits, Vector32, __attribute__((target("avx2,bmi2"))))
-MP_COLUMNS(512Bits, Vector64, __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2"))))
+MP_COLUMNS(256Bits, Vector32, MP_FOR_PROCESSORS_WITH("avx2,bmi2"))
+MP_COLUMNS(512Bits, Vector64, MP_FOR_PROCESSORS_WITH("avx512f,avx512bw,avx512dq,avx512vl,bmi2"))
 
 bool has512Bits()
 {
     // Each of these comes with the basic part, avx512f.
-    return mayUse512Bits && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
-           __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("bmi2");
+    return mayUse512Bits && MP_PROCESSOR_HAS("avx512bw") && MP_PROCESSOR_HAS("avx512dq") &&
+           MP_PROCESSOR_HAS("avx512vl") && MP_PROCESSOR_HAS("bmi2");
 }
 
 bool has256Bits()
 {
-    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2");
+    return MP_PROCESSOR_HAS("avx2") && MP_PROCESSOR_HAS("bmi2");
 }
 
 #endif
@@ -2705,7 +2719,7 @@ const ShortLimbForms* shortLimbForms()
 
 #if MP_HAS_COLUMNS && MP_HAS_WIDE_PAIRS
 
-__attribute__((target("avx2,bmi2"))) void squareUnitsBy256Bits(mpDigit w[], const mpDigit x[], size_t n)
+MP_FOR_PROCESSORS_WITH("avx2,bmi2") void squareUnitsBy256Bits(mpDigit w[], const mpDigit x[], size_t n)
 {
     squareByUnitsWith<Pairs256Bits>(w, x, n);
 }
@@ -2735,7 +2749,7 @@ SquareForm squareForm([[maybe_unused]] size_t n)
         return squareByUnits;
     }
 #endif
-    if (__builtin_cpu_supports("bmi2"))
+    if (MP_PROCESSOR_HAS("bmi2"))
     {
         return squareWithBmi2;
     }

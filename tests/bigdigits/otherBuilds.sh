@@ -47,6 +47,10 @@ compare() {
 compare "optimised" "$compiler" -O2
 compare "not optimised" "$compiler" -O0
 compare "for this processor" "$compiler" -O2 -march=native
+case $("$compiler" -dumpmachine) in
+    x86_64-*) compare "registers of 512 bits, emulated" "$compiler" -O2 -DMP_EMULATED \
+        -include "$repository/tests/bigdigits/emulatedVectors.h" ;;
+esac
 compare "signed overflow trapped, unsigned char" "$compiler" -O1 -ftrapv -funsigned-char
 compare "32 bits" "$compiler" -O2 -m32
 compare "32 bits, x87 arithmetic" "$compiler" -O1 -m32 -march=i686 -mfpmath=387
