@@ -337,6 +337,24 @@ void multiplyByRows(mpDigit w[], const mpDigit u[], size_t un, const mpDigit v[]
     }
 }
 
+// w[0..wn) += a[0..n) * B^at, or -= that: modulo B^wn.
+template <class Operation>
+void changeAt(mpDigit w[], size_t wn, size_t at, const mpDigit a[], size_t n, Operation operation, mpDigit lastOfCarry)
+{
+    if (at >= wn)
+    {
+        return;
+    }
+    const size_t count = std::min(n, wn - at);
+    mpDigit carry = operation(w + at, w + at, a, count);
+    for (size_t i = at + count; carry != 0 && i < wn; i++)
+    {
+        const mpDigit before = w[i];
+        w[i] += lastOfCarry;
+        carry = before == (lastOfCarry == 1 ? allOnes : 0) ? 1 : 0;
+    }
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Squares: each product of two different digits is formed once, and doubled at the end.
 
@@ -491,25 +509,7 @@ MP_OWN_FRAME void squareByHalves(mpDigit w[], const mpDigit x[], size_t n, Squar
     squareByHalves(w, x, n, form, longest, room);
 }
 
-// w[0..wn) += a[0..n) * B^at, or -= that: modulo B^wn.
-template <class Operation>
-void changeAt(mpDigit w[], size_t wn, size_t at, const mpDigit a[], size_t n, Operation operation, mpDigit lastOfCarry)
-{
-    if (at >= wn)
-    {
-        return;
-    }
-    const size_t count = std::min(n, wn - at);
-    mpDigit carry = operation(w + at, w + at, a, count);
-    for (size_t i = at + count; carry != 0 && i < wn; i++)
-    {
-        const mpDigit before = w[i];
-        w[i] += lastOfCarry;
-        carry = before == (lastOfCarry == 1 ? allOnes : 0) ? 1 : 0;
-    }
-}
-
-// The same with any number of parts: the square of a part counts wherever the part is a factor of a product, and the
+// Any number of parts: the square of a part counts wherever the part is a factor of a product, and the
 // squares of the differences are taken away. What is between may exceed 2 n digits; the result does not.
 MP_OWN_FRAME void squareByParts(mpDigit w[], const mpDigit x[], size_t n, SquareForm form, size_t longest)
 {
@@ -2997,6 +2997,8 @@ constexpr uint32_t hexDigitsPerDigit = 8;
 constexpr uint32_t decimalGroup = 19;
 constexpr uint64_t decimalScale = 10000000000000000000U;
 static_assert(decimalScale >> 63 == 1, "the scale is a normalised divisor");
+// That many fives make a factor of a word.
+constexpr size_t fivesAtOnce = 27;
 constexpr auto decimalReciprocal = static_cast<uint64_t>(~DoubleWord{0} / decimalScale);
 
 // Two digits as a word, of which the last may have one digit only.
@@ -3089,6 +3091,8 @@ MP_INLINE void takeDecimalGroup(mpDigit a[], size_t n, size_t& words, uint64_t s
 // As many decimal digits as a digit array's digit can hold are dealt with at once.
 constexpr uint32_t decimalGroup = 9;
 constexpr uint32_t decimalScale = 1000000000U;
+// That many fives make a factor of a digit.
+constexpr size_t fivesAtOnce = 13;
 
 // digits[0..count) = a, the highest first; they are zero before, and there are enough. a is zero afterwards.
 void writeDecimal(unsigned char digits[], size_t count, mpDigit a[], size_t n)
@@ -3140,19 +3144,21 @@ void writeHex(unsigned char digits[], size_t count, const mpDigit a[], size_t n)
     }
 }
 
-// a[0..n), which is zero before, becomes the number in s, modulo 2^(32n).
-void readDecimal(mpDigit a[], size_t n, const char* s)
+// a[0..n), which is zero before, becomes the number that the first "count" decimal digits in s make, modulo 2^(32n).
+// Returns where s goes on.
+const char* readDecimal(mpDigit a[], size_t n, const char* s, size_t count)
 {
     size_t used = 0;
     uint64_t scale = 1;
     uint64_t group = 0;
-    for (; *s != '\0'; ++s)
+    for (; count > 0; ++s)
     {
         const uint32_t digit = digitValue(*s, 10);
         if (digit < 10)
         {
             group = group * 10 + digit;
             scale *= 10;
+            count--;
         }
         if (scale == decimalScale)
         {
@@ -3162,6 +3168,225 @@ void readDecimal(mpDigit a[], size_t n, const char* s)
         }
     }
     takeDecimalGroup(a, n, used, scale, group);
+    return s;
+}
+
+// Decimal text by halving. A text is cut into leaves, and pairs of these are joined to a leaf of twice the length
+// until one is left; a number is divided into such leaves. Between two of them stands 10^characters = 5^characters *
+// B^(characters / 32), for which the characters of a leaf are a multiple of 32; so the factor is shorter by almost a
+// third.
+constexpr size_t charactersPerDigit = 32;
+
+// As many digits as so many characters can need: 1 / 32 of them times the binary logarithm of 10, rounded up.
+constexpr size_t digitsOfLeaf(size_t characters)
+{
+    constexpr uint64_t logarithm = 3321928095U;
+    constexpr uint64_t unit = 1000000000U;
+    return static_cast<size_t>((characters / charactersPerDigit * logarithm + unit - 1) / unit);
+}
+
+// Of this many characters a leaf leaves only 0.02 percent of its digits unused.
+constexpr size_t mostLeafCharacters = 992;
+constexpr size_t mostLeafDigits = digitsOfLeaf(mostLeafCharacters);
+static_assert(mostLeafDigits == 103, "a leaf of 992 characters has 103 digits");
+// Shorter texts are not halved. Longer ones give all the room that halving takes; see there.
+constexpr size_t fewestHalvedCharacters = 4 * mostLeafCharacters + 1;
+
+constexpr uint64_t powerOfFive(size_t exponent)
+{
+    uint64_t result = 1;
+    for (; exponent > 0; exponent--)
+    {
+        result *= 5;
+    }
+    return result;
+}
+
+// a[0..n) = 5^exponent, which fits. Returns its significant digits.
+size_t setPowerOfFive(mpDigit a[], size_t n, size_t exponent)
+{
+    setZero(a, n);
+    a[0] = 1;
+    size_t used = 1;
+    constexpr uint64_t most = powerOfFive(fivesAtOnce);
+    for (; exponent > fivesAtOnce; exponent -= fivesAtOnce)
+    {
+        takeDecimalGroup(a, n, used, most, 0);
+    }
+    takeDecimalGroup(a, n, used, powerOfFive(exponent), 0);
+    return significantDigits(a, n);
+}
+
+// pieces = "leaves" leaves of mostLeafDigits digits, the lowest first, in groups of 2 * half, each of them a number
+// below 10^(its characters): now in groups of half. power has room for half * 72 + 1 digits, and room is described
+// below.
+MP_OWN_FRAME void halvePieces(mpDigit pieces[], size_t leaves, size_t half, mpDigit power[], mpDigit room[])
+{
+    // Squares go to and fro between power and room; the last one is in power.
+    bool isInRoom = false;
+    for (size_t i = 1; i < half; i *= 2)
+    {
+        isInRoom = !isInRoom;
+    }
+    size_t n = setPowerOfFive(isInRoom ? room : power, mostLeafDigits - mostLeafCharacters / charactersPerDigit,
+                              mostLeafCharacters);
+    for (size_t i = 1; i < half; i *= 2)
+    {
+        square(isInRoom ? power : room, isInRoom ? room : power, n);
+        isInRoom = !isInRoom;
+        n = significantDigits(isInRoom ? room : power, 2 * n);
+    }
+
+    Divisor divisor = normalise(power, n);
+    mpDigit shortRoom[shortestForLeavingOut];
+    scale(divisor, room, shortRoom);
+    mpDigit* quotient = room + n;
+    const size_t below = half * (mostLeafCharacters / charactersPerDigit);
+    for (size_t first = 0; first + half < leaves; first += 2 * half)
+    {
+        mpDigit* piece = pieces + first * mostLeafDigits;
+        const size_t size = std::min(2 * half, leaves - first) * mostLeafDigits;
+        mpDigit* dividend = piece + below;
+        const size_t dividendSize = significantDigits(dividend, size - below);
+        if (dividendSize >= n)
+        {
+            const mpDigit top = shiftLeftBits(dividend, dividend, divisor.shift, dividendSize);
+            divideBy(divisor, quotient, top, dividend, dividendSize);
+            // The remainder ends where the upper half begins, or below that.
+            const size_t quotientSize = significantDigits(quotient, dividendSize - n + 1);
+            setEqual(piece + half * mostLeafDigits, quotient, quotientSize);
+        }
+    }
+}
+
+// The same as writeDecimal, for at least fewestHalvedCharacters; the top digit of a is not 0. a is used up. A digit
+// of a gives some 9.63 characters, which are memory for 2.4 digits, and this is enough:
+//
+// The leaves take 103 digits for each 992 characters. With L leaves, of which "half" are split off, the power has at
+// most 72 half + 1 digits and stands in a. Room is needed for its complement, one digit less, and for a quotient of
+// at most 103 (L - half) + 2 or 103 half + 2 digits, whichever is less: with half at least L / 2, or a half of that,
+// and so on, these are less than 88 L + 3 digits, and less than 191 L + 3 with the leaves. From 5 leaves on, there are
+// as many, for all characters are memory for more than 248 (L - 1) digits.
+MP_OWN_FRAME void writeDecimalByHalving(unsigned char digits[], size_t count, mpDigit a[], size_t n)
+{
+    const size_t leaves = (count + mostLeafCharacters - 1) / mostLeafCharacters;
+    auto* pieces = reinterpret_cast<mpDigit*>(digits);
+    setEqual(pieces, a, n);
+    size_t half = 1;
+    while (2 * half < leaves)
+    {
+        half *= 2;
+    }
+    for (; half > 0; half /= 2)
+    {
+        halvePieces(pieces, leaves, half, a, pieces + leaves * mostLeafDigits);
+    }
+
+    // The highest leaf is put first, as the characters are written from the end: those of a leaf take 992 octets, the
+    // leaf itself 412, so they do not reach a leaf that is still to be written, except the highest one.
+    for (size_t i = 0; i < leaves / 2; i++)
+    {
+        mpDigit* leaf = pieces + i * mostLeafDigits;
+        std::swap_ranges(leaf, leaf + mostLeafDigits, pieces + (leaves - 1 - i) * mostLeafDigits);
+    }
+    mpDigit highest[mostLeafDigits];
+    setEqual(highest, pieces, mostLeafDigits);
+    for (size_t i = leaves; i-- > 0;)
+    {
+        mpDigit leaf[mostLeafDigits];
+        setEqual(leaf, i == 0 ? highest : pieces + i * mostLeafDigits, mostLeafDigits);
+        const size_t length = std::min(count, mostLeafCharacters);
+        count -= length;
+        memset(digits + count, 0, length);
+        writeDecimal(digits + count, length, leaf, mostLeafDigits);
+    }
+}
+
+// w[0..wn) += high * power * B^at, modulo B^wn. high may be digits of w from at + pn on or above; it is zero
+// afterwards.
+MP_OWN_FRAME void moveProduct(mpDigit w[], size_t wn, mpDigit high[], size_t hn, const mpDigit power[], size_t pn,
+                              size_t at)
+{
+    constexpr size_t part = 1024;
+    mpDigit factor[part];
+    mpDigit other[part];
+    mpDigit product[2 * part];
+    for (size_t i = 0; i < hn; i += part)
+    {
+        const size_t size = std::min(part, hn - i);
+        setEqual(factor, high + i, size);
+        setZero(high + i, size);
+        for (size_t j = 0; j < pn; j += part)
+        {
+            const size_t otherSize = std::min(part, pn - j);
+            const size_t n = std::max(size, otherSize);
+            setZero(factor + size, n - size);
+            setEqual(other, power + j, otherSize);
+            setZero(other + otherSize, n - otherSize);
+            multiply(product, factor, other, n);
+            // What w holds by now is less than B^(at + pn + i + size), so no carry reaches what is left of high.
+            changeAt(w, wn, at + i + j, product, size + otherSize, add, 1);
+        }
+    }
+}
+
+// The same as readDecimal, for count at least fewestHalvedCharacters, the digits in s; n is not less than 0.1038 count.
+// room is zero before. False, with nothing changed, when it has too few digits; else these are used up.
+//
+// The lower half of the leaves stands in a, the upper one in room, and behind each of them is room for a power.
+MP_OWN_FRAME bool readDecimalByHalving(mpDigit a[], size_t n, mpDigit room[], size_t roomSize, const char* s,
+                                       size_t count)
+{
+    size_t leaves = 2;
+    while (count / leaves > mostLeafCharacters)
+    {
+        leaves *= 2;
+    }
+    const size_t half = leaves / 2;
+    const size_t below = (count / leaves + charactersPerDigit) / charactersPerDigit;
+    const size_t characters = below * charactersPerDigit;
+    const size_t leafSize = digitsOfLeaf(characters);
+    if (half * (leafSize + leafSize - below) > roomSize || half * leafSize + leaves / 4 * (leafSize - below) > n)
+    {
+        return false;
+    }
+
+    // The highest leaf may be shorter, and those above it empty.
+    for (size_t rest = count; rest > 0;)
+    {
+        const size_t leaf = (rest - 1) / characters;
+        const size_t length = rest - leaf * characters;
+        s = readDecimal(leaf < half ? a + leaf * leafSize : room + (leaf - half) * leafSize, leafSize, s, length);
+        rest -= length;
+    }
+
+    // The last power is in room.
+    bool isInRoom = true;
+    for (size_t i = 1; i < half; i *= 2)
+    {
+        isInRoom = !isInRoom;
+    }
+    mpDigit* powerInRoom = room + half * leafSize;
+    mpDigit* powerInNumber = a + half * leafSize;
+    size_t powerSize = setPowerOfFive(isInRoom ? powerInRoom : powerInNumber, leafSize - below, characters);
+    for (size_t step = 1; step < half; step *= 2)
+    {
+        const mpDigit* power = isInRoom ? powerInRoom : powerInNumber;
+        const size_t size = step * leafSize;
+        for (size_t first = 0; first < half; first += 2 * step)
+        {
+            for (mpDigit* lower : {a + first * leafSize, room + first * leafSize})
+            {
+                moveProduct(lower, 2 * size, lower + size, size, power, powerSize, step * below);
+            }
+        }
+        square(isInRoom ? powerInNumber : powerInRoom, power, powerSize);
+        isInRoom = !isInRoom;
+        powerSize = significantDigits(isInRoom ? powerInRoom : powerInNumber, 2 * powerSize);
+    }
+    setZero(powerInNumber, n - half * leafSize);
+    moveProduct(a, n, room, half * leafSize, powerInRoom, powerSize, half * below);
+    return true;
 }
 
 void readHex(mpDigit a[], size_t n, const char* s, size_t length)
@@ -3190,9 +3415,17 @@ uint32_t digitsFromText(mpDigit a[], uint32_t ndigits, const char* s, uint32_t b
     const size_t n = size / octetsPerDigit + (size % octetsPerDigit != 0 ? 1 : 0);
     auto* value = allocate<mpDigit>(n, message);
 
+    const size_t written = std::min<size_t>(n, ndigits);
+    bool isHalved = false;
     if (base == 10)
     {
-        readDecimal(value, n, s);
+        const auto count =
+            static_cast<size_t>(std::count_if(s, s + length, [](char ch) { return digitValue(ch, 10) < 10; }));
+        isHalved = count >= fewestHalvedCharacters && readDecimalByHalving(value, n, a, written, s, count);
+        if (!isHalved)
+        {
+            readDecimal(value, n, s, count);
+        }
     }
     else
     {
@@ -3204,9 +3437,12 @@ uint32_t digitsFromText(mpDigit a[], uint32_t ndigits, const char* s, uint32_t b
     {
         value[n - 1] &= ~(allOnes << 8 * (size % octetsPerDigit));
     }
-    const size_t written = std::min<size_t>(n, ndigits);
     setEqual(a, value, written);
     clearAndFree(value, n);
+    if (isHalved)
+    {
+        wipeStack(n);
+    }
     return static_cast<uint32_t>(written);
 }
 
@@ -3875,7 +4111,12 @@ uint32_t conv_to_base(const mpDigit a[], uint32_t ndigits, char* s, uint32_t sma
     const double factor = base == 10 ? decimalDigitsPerOctet : hexDigitsPerOctet;
     const auto digitCount = static_cast<size_t>(octetsOrDigitsFor(octetLength(a, ndigits), factor));
     auto* digits = allocate<unsigned char>(digitCount, outOfMemory);
-    if (base == 10)
+    if (base == 10 && digitCount >= fewestHalvedCharacters)
+    {
+        writeDecimalByHalving(digits, digitCount, value, significantDigits(value, ndigits));
+        wipeStack(ndigits);
+    }
+    else if (base == 10)
     {
         writeDecimal(digits, digitCount, value, ndigits);
     }

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Octets and text at the edges.
 #include "Digits.h"
+#include "RandomNumbers.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <set>
@@ -253,6 +255,101 @@ TEST(ReadingDecimal, LosesTheTopOctetOf1811Nines)
         // A blank makes room.
         mpConvFromDecimal(a, 400, ("   " + nines).c_str());
         EXPECT_EQ(a.value(), value);
+    }
+}
+
+// Long texts are halved, from 3969 characters on, into leaves of 992 when they are written and of 512 to 1024 when they
+// are read. Here are texts that end with a leaf, or beside its end, whose halves are even and uneven, whose leaves are
+// zero or the greatest, and whose top octet is lost.
+class LongText : public testing::TestWithParam<uint32_t>
+{
+protected:
+    LongText() : length(GetParam()), trace(__FILE__, __LINE__, random.trace()) {}
+
+    std::string someDigits()
+    {
+        std::string text(length, '0');
+        std::generate(text.begin(), text.end(), [this] { return static_cast<char>('0' + random.below(10)); });
+        text[0] = static_cast<char>('1' + random.below(9));
+        return text;
+    }
+
+    std::vector<std::string> texts()
+    {
+        std::string mostlyZeros(length, '0');
+        mostlyZeros[0] = '1';
+        std::string lastDigit = mostlyZeros;
+        lastDigit[length - 1] = '1';
+        std::string hole = someDigits();
+        std::fill_n(hole.begin() + 1000, length / 2, '0');
+        std::string nines = someDigits();
+        std::fill_n(nines.begin() + 1, 2 * length / 3, '9');
+        return {std::string(length, '9'), mostlyZeros, lastDigit, hole, nines, someDigits()};
+    }
+
+    RandomNumbers random;
+    uint32_t length;
+    testing::ScopedTrace trace;
+};
+
+TEST_P(LongText, IsWrittenAsByGmp)
+{
+    for (const std::string& text : texts())
+    {
+        const Natural value(text.c_str());
+        const size_t n = (value.bits() + 31) / 32;
+        EXPECT_EQ(written(mpConvToDecimal, Digits(value, n), length + 1, length), text);
+        EXPECT_EQ(written(mpConvToDecimal, Digits(value, n + 5), 2000, length), text.substr(0, 1999));
+        EXPECT_EQ(mpConvToDecimal(Digits(value, n), static_cast<uint32_t>(n), nullptr, 0), length);
+    }
+}
+
+TEST_P(LongText, IsReadAsByGmp)
+{
+    for (const std::string& text : texts())
+    {
+        const Natural value(text.c_str());
+        const auto octets = static_cast<size_t>(std::ceil(static_cast<double>(length) * 0.41524));
+        const auto wanted = static_cast<uint32_t>((octets + 3) / 4);
+        // Room for more than the text, for just the text, for what halving takes or not, and for its end.
+        for (const uint32_t n : {wanted + 100, wanted, wanted * 95 / 100, wanted / 2, 2U})
+        {
+            Digits a(n);
+            EXPECT_EQ(mpConvFromDecimal(a, n, text.c_str()), std::min(n, wanted));
+            EXPECT_EQ(a.value(), value.lowBits(std::min(8 * octets, size_t{32} * n))) << n << " digits";
+        }
+        // What is skipped makes room.
+        std::string spaced = "  " + text;
+        for (size_t i = 3; i < spaced.size(); i += 1 + random.below(700))
+        {
+            spaced.insert(i, random.oneIn(2) ? "," : "x\xB5 ");
+        }
+        Digits a(wanted + 300);
+        mpConvFromDecimal(a, a.size(), spaced.c_str());
+        EXPECT_EQ(a.value(), value);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, LongText,
+                         testing::Values(3000, 3968, 3969, 3970, 4096, 4097, 4960, 4961, 7936, 7937, 8191, 8193, 10000,
+                                         15872, 15873, 20000, 31744, 31745, 31776, 31777, 40000),
+                         testing::PrintToStringParamName());
+
+TEST(LongTexts, AreWrittenAndReadBack)
+{
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    for (uint32_t i = casesToRun(60); i > 0 && !HasFailure(); --i)
+    {
+        const uint32_t n = 400 + random.below(i == 1 ? 11000 : 2500);
+        const Digits a(random.oneIn(2) ? random.number(n) : random.uniformNumber(n));
+        const std::string expected = a.value().text();
+        const auto length = static_cast<uint32_t>(expected.size());
+        const std::string text = written(mpConvToDecimal, a, length + 1, length);
+        ASSERT_EQ(text, expected);
+        Digits b(n + 1);
+        mpConvFromDecimal(b, n + 1, ("   " + text).c_str());
+        ASSERT_EQ(b.value(), a.value());
     }
 }
 

@@ -199,6 +199,28 @@ TEST_F(Temporaries, OfTheConvertersAreClearedBeforeTheyAreFreed)
     EXPECT_TRUE(allCleared(memory));
 }
 
+TEST_F(Temporaries, OfDecimalTextAreTheSameHoweverLong)
+{
+    for (const uint32_t length : {5U, 100U, 1500U})
+    {
+        // Half a digit at the top: 4 * length - 2 octets.
+        std::vector<mpDigit> values(length, 0x9E3779B9U);
+        values[length - 1] = 0x1234U;
+        const Digits a(values);
+        std::string text(size_t{10} * length, '#');
+        const Memory writing;
+        const uint32_t characters = mpConvToDecimal(a, length, text.data(), static_cast<uint32_t>(text.size()));
+        EXPECT_EQ(sizes(writing), (Sizes{4 * size_t{length}, ceilToUnsigned((4 * length - 2) * 2.40824)}));
+        EXPECT_TRUE(allCleared(writing));
+
+        Digits b(length + 1);
+        const Memory reading;
+        mpConvFromDecimal(b, length + 1, text.c_str());
+        EXPECT_EQ(sizes(reading), (Sizes{(ceilToUnsigned(characters * 0.41524) + 3) / 4 * size_t{4}}));
+        EXPECT_TRUE(allCleared(reading));
+    }
+}
+
 TEST_F(Temporaries, OfBasicArithmeticAreNone)
 {
     Digits wide(10);

@@ -208,6 +208,34 @@ TEST_P(StackAfter, ADivisorHoldsNothingOfTheNumbers)
     expectNoTraces(stack, m.value(), "the other number");
 }
 
+// Texts so long that they are halved.
+class StackAfterText : public StackAfter
+{
+protected:
+    // What n digits are cut into: pieces of so many characters, and of eight times as many.
+    void expectNoPieces(const PaintedStack& stack, unsigned long characters)
+    {
+        expectNoTraces(stack, x.value() % Natural::power(10, characters), "the lowest piece");
+        expectNoTraces(stack, x.value() / Natural::power(10, 8 * characters), "the upper half");
+        expectNoTraces(stack, x.value() % Natural::power(10, 8 * characters), "the lower half");
+    }
+};
+
+TEST_P(StackAfterText, NothingOfTheNumberIsThere)
+{
+    std::string text(size_t{10} * n, '#');
+    PaintedStack writing;
+    writing.run([&] { mpConvToDecimal(x, n, text.data(), static_cast<uint32_t>(text.size())); });
+    expectNoPieces(writing, 992);
+    PaintedStack reading;
+    reading.run([&] { mpConvFromDecimal(result, n, text.c_str()); });
+    // The length below makes leaves of that many characters.
+    expectNoPieces(reading, 608);
+    EXPECT_EQ(result.value(), x.value());
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, StackAfterText, testing::Values(1000), testing::PrintToStringParamName());
+
 INSTANTIATE_TEST_SUITE_P(Lengths, StackAfter, testing::Values(4, 8, 9, 15, 16, 17, 20, 33, 64, 128, 257),
                          testing::PrintToStringParamName());
 
