@@ -6,13 +6,25 @@
 #
 # A room is a folder of benchmarks/; without one, all are taken, and only then is the page written. Nothing else should
 # run meanwhile. COUNTERSIGN_BENCHMARK_REPETITIONS sets how often each figure is taken (3).
+# COUNTERSIGN_BENCHMARK_FILTER chooses by a regular expression of names, <operation>/<size>/<who>.
+# COUNTERSIGN_BENCHMARK_WITHOUT_AVX512=yes measures bigdigits alone as on a processor that has AVX2 and no AVX-512.
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 "$root/scripts/install-dependencies.sh" develop || exit
 build=$root/build/benchmark
+flags="-O3 -DNDEBUG"
 rooms=("$@")
-[ "${#rooms[@]}" -gt 0 ] || rooms=(bigdigits crypto signing cli platform host)
+if [ -n "${COUNTERSIGN_BENCHMARK_WITHOUT_AVX512:-}" ]; then
+    build=$root/build/benchmark-without-avx512
+    flags="$flags -DMP_WITHOUT_AVX512"
+    # The same for libcrypto: without AVX-512 F, DQ, IFMA, CD, BW and VL.
+    export OPENSSL_ia32cap=:~0xD0230000
+    set -- bigdigits
+    rooms=(bigdigits)
+elif [ "${#rooms[@]}" -eq 0 ]; then
+    rooms=(bigdigits crypto signing cli platform host)
+fi
 targets=()
 for room in "${rooms[@]}"; do
     [ -d "$root/benchmarks/$room" ] || fail "there is no room '$room' with benchmarks in benchmarks/$room"
@@ -24,10 +36,10 @@ cache=()
 if command -v ccache >/dev/null 2>&1; then
     cache=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 fi
-step "configuring (build/benchmark)" cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-    "-DCMAKE_CXX_FLAGS_RELEASE=-O3 -DNDEBUG" -DCOUNTERSIGN_BUILD_BENCHMARKS=ON -DCOUNTERSIGN_BUILD_TESTS=OFF \
+step "configuring (${build#"$root/"})" cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    "-DCMAKE_CXX_FLAGS_RELEASE=$flags" -DCOUNTERSIGN_BUILD_BENCHMARKS=ON -DCOUNTERSIGN_BUILD_TESTS=OFF \
     -DCOUNTERSIGN_BUILD_CLI=ON "${cache[@]}"
-step "building (build/benchmark)" cmake --build "$build" "${targets[@]}"
+step "building (${build#"$root/"})" cmake --build "$build" "${targets[@]}"
 
 files=()
 for room in "${rooms[@]}"; do
@@ -38,13 +50,14 @@ for room in "${rooms[@]}"; do
         program=("$root/scripts/with-display.sh" "${program[@]}" "$build/bin/countersign-desktop"
             "$build/bin/benchmark_bareFrame")
     fi
-    "${program[@]}" --benchmark_repetitions="${COUNTERSIGN_BENCHMARK_REPETITIONS:-3}" \
-        --benchmark_min_time=0.03 --benchmark_report_aggregates_only=true --benchmark_format=console \
+    "${program[@]}" --benchmark_filter="${COUNTERSIGN_BENCHMARK_FILTER:-all}" \
+        --benchmark_repetitions="${COUNTERSIGN_BENCHMARK_REPETITIONS:-3}" --benchmark_min_time=0.03 \
+        --benchmark_report_aggregates_only=true --benchmark_format=console \
         --benchmark_out_format=json --benchmark_out="$build/$room.json" >"$build/$room.log" ||
         fail "measuring $room; see $build/$room.log"
     files+=("$build/$room.json")
 done
 page=
-[ "$#" -gt 0 ] || page=$root/docs/performance.md
+[ "$#" -gt 0 ] || [ -n "${COUNTERSIGN_BENCHMARK_FILTER:-}" ] || page=$root/docs/performance.md
 python3 "$root/benchmarks/figures.py" "$(c++ --version | head -n 1)" "$page" "${files[@]}" ||
     fail "reading what was measured"
