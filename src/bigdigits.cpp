@@ -2278,6 +2278,8 @@ public:
         }
         complement[_digits - 1] >>= _digits * bitsPerDigit - _size * shortLimbBits;
         divideByRows(quotient, complement, 0, v, n, _digits - n);
+        // The remainder is less than v, so the carry stays in it.
+        // NOLINTNEXTLINE(clang-analyzer-core.uninitialized.Assign)
         for (size_t i = 0; ++complement[i] == 0;)
         {
             i++;
