@@ -2276,14 +2276,14 @@ public:
         {
             complement[i] = allOnes;
         }
+        // All digits are set, of which there are some. NOLINTBEGIN(clang-analyzer-core.uninitialized.Assign)
         complement[_digits - 1] >>= _digits * bitsPerDigit - _size * shortLimbBits;
         divideByRows(quotient, complement, 0, v, n, _digits - n);
-        // The remainder is less than v, so the carry stays in it.
-        // NOLINTNEXTLINE(clang-analyzer-core.uninitialized.Assign)
         for (size_t i = 0; ++complement[i] == 0;)
         {
             i++;
         }
+        // NOLINTEND(clang-analyzer-core.uninitialized.Assign)
         _complement.template take<false>(complement, n);
         _quotient.clearBelow();
         _quotient.clear(0, mostShortLimbs + limbsPerGroup);
