@@ -243,6 +243,8 @@ void MainFrame::onKeysChanged()
     _messageBar.setKeyWarning(hoSummary());
     _messageBar.setResult(hoSummary());
     _pView->forgetStates(keys().canTest());
+    // The event may be the menu's own.
+    CallAfter([this] { _pMenuBar->showKeys(keys()); });
 }
 
 void MainFrame::onKeyWarning(const hoSummary& warning)

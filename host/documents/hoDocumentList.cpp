@@ -110,6 +110,7 @@ SortKey keyOf(const hoDocument& document, std::size_t position, hoDocumentList::
         break;
     case hoDocumentList::Column::State:
         key._number = static_cast<std::int64_t>(document._verdict._state);
+        key._text = document._verdict._keyName;
         break;
     case hoDocumentList::Column::Size:
         key._number = static_cast<std::int64_t>(document._facts._size);

@@ -352,8 +352,13 @@ gtString hoVerdictReason(const hoTestFacts& facts)
         return hoTranslated("its exclusive-or digest holds, but there is no countersignature: changes that the digest "
                             "cannot see are possible");
     case hoVerdict::AnotherKey:
-        return facts._fingerprint.isEmpty() || facts._fingerprint == facts._keyFingerprint
-                   ? hoTranslated("the signature was made with another key, or is damaged")
+        if (facts._fingerprint.isEmpty() || facts._fingerprint == facts._keyFingerprint)
+        {
+            return hoTranslated("the signature was made with another key, or is damaged");
+        }
+        return facts._amountOfKeys > 1
+                   ? hoFilledText(hoTranslated("the signature was made with the key %s, which is none of those given"),
+                                  {facts._fingerprint})
                    : hoFilledText(hoTranslated("the signature was made with the key %1$s, and the one given is %2$s"),
                                   {facts._fingerprint, facts._keyFingerprint});
     case hoVerdict::NotASignature:

@@ -22,12 +22,14 @@ enum class hoDocumentState
     Missing         // there is no such file
 };
 
-// A state, and the files that it was found with.
+// A state, and what it was found with.
 struct hoDocumentVerdict
 {
     hoDocumentState _state = hoDocumentState::NotSigned;
     osFileFacts _file;
     osFileFacts _signature;
+    // Which key it came from (hoTestingKey), where several were loaded and one of them has made the signature.
+    gtString _keyName;
 };
 
 struct hoDocument

@@ -147,6 +147,7 @@ hoTestFacts test(const hoDocumentSource& source, const std::vector<const hoKey*>
     facts._signatureBits = signature._digits * 32;
     facts._fingerprint = signature._fingerprint;
     facts._key = number;
+    facts._amountOfKeys = keys.size();
     facts._keyBits = keys[number]->bits();
     facts._keyFingerprint = hoShortFingerprint(*keys[number]);
     return facts;

@@ -30,11 +30,12 @@ struct hoTestFacts : hoSigningFacts
 {
     hoVerdict _verdict = hoVerdict::NotTested;
     hoSignatureForm _form = hoSignatureForm::Empty;  // what the signature is by its form
-    int _signatureBits = 0;    // size of the key that its first line was made for; 0: no signature
-    gtString _fingerprint;     // the second line's, if there is one
-    std::size_t _key = 0;      // which of the keys the verdict was found with,
-    int _keyBits = 0;          // its size,
-    gtString _keyFingerprint;  // and its short fingerprint
+    int _signatureBits = 0;         // size of the key that its first line was made for; 0: no signature
+    gtString _fingerprint;          // the second line's, if there is one
+    std::size_t _key = 0;           // which of the keys the verdict was found with,
+    std::size_t _amountOfKeys = 0;  // of how many,
+    int _keyBits = 0;               // its size,
+    gtString _keyFingerprint;       // and its short fingerprint
 
     hoTestFacts() = default;
     // The document or its signature could not be read.

@@ -8,14 +8,6 @@
 
 namespace
 {
-bool isSameModulus(const hoKey& left, const hoKey& right)
-{
-    const int digits = left.publicKey().amountOfProductDigits();
-    return digits == right.publicKey().amountOfProductDigits() &&
-           std::equal(left.publicKey().productDigits(), left.publicKey().productDigits() + digits,
-                      right.publicKey().productDigits());
-}
-
 // Of a signature file; none when there is none.
 osFileFacts signatureFacts(const gtString& path)
 {
@@ -78,11 +70,13 @@ private:
     std::uint64_t _bytesDone;
 };
 
-hoSigningJob::hoSigningJob(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite,
-                           std::function<void()> onChange, hoSignatureLines lines, unsigned int threads)
+hoSigningJob::hoSigningJob(Kind kind, const std::vector<hoDocument>& documents, const hoKeyRing& keys,
+                           bool mayOverwrite, std::function<void()> onChange, hoSignatureLines lines,
+                           unsigned int threads)
     : _kind(kind),
       _documents(documents),
-      _keys(keys),
+      _pPrivateKey(keys._private._pKey),
+      _testingKeys(keys.testingKeys()),
       _mayOverwrite(mayOverwrite),
       _lines(lines),
       _onChange(std::move(onChange)),
@@ -180,7 +174,7 @@ void hoSigningJob::perform(std::size_t number)
     catch (const std::bad_alloc&)
     {
         outcome._signing._problem = hoSigningProblem::NoMemory;
-        outcome._verdict = hoDocumentVerdict{hoDocumentState::NotTested, {}, {}};
+        outcome._verdict = hoDocumentVerdict{hoDocumentState::NotTested, {}, {}, {}};
     }
     reading.setBytesDone(document._facts._size);
     {
@@ -215,12 +209,12 @@ void hoSigningJob::sign(const hoDocument& document, hoIProgress& progress, hoSig
     }
 
     gtString signature;
-    outcome._signing = hoTestFacts(hoSignFile(document._path, *_keys._pPrivateKey, _lines, &progress, signature));
+    outcome._signing = hoTestFacts(hoSignFile(document._path, *_pPrivateKey, _lines, &progress, signature));
     if (!outcome._signing.isOk())
     {
         if (outcome._signing._problem == hoSigningProblem::FileCannotBeRead)
         {
-            outcome._verdict = hoDocumentVerdict{hoDocumentState::CannotBeRead, {}, {}};
+            outcome._verdict = hoDocumentVerdict{hoDocumentState::CannotBeRead, {}, {}, {}};
         }
         return;
     }
@@ -230,7 +224,7 @@ void hoSigningJob::sign(const hoDocument& document, hoIProgress& progress, hoSig
         // What holds by its digest alone is weak, whoever has signed it.
         const hoDocumentState state =
             _lines == hoSignatureLines::Both ? hoDocumentState::SignedByMe : hoDocumentState::Weak;
-        outcome._verdict = {state, outcome._signing._file, signatureFacts(document._path)};
+        outcome._verdict = {state, outcome._signing._file, signatureFacts(document._path), keyName(*_pPrivateKey)};
     }
 }
 
@@ -253,19 +247,40 @@ void hoSigningJob::test(const hoDocument& document, hoIProgress& progress, hoSig
     }
 
     std::vector<const hoKey*> keys;
-    for (const hoKey* pKey : {_keys._pPublicKey.get(), _keys._pPrivateKey.get()})
+    for (const hoTestingKey& key : _testingKeys)
     {
-        if (pKey != nullptr)
-        {
-            keys.push_back(pKey);
-        }
+        keys.push_back(key._pKey.get());
     }
     outcome._signing = hoTestFile(document._path, keys, signature.asStringView(), &progress);
     outcome._verdict._file = outcome._signing._file;
     outcome._verdict._signature = signatureBefore;
-    const hoKey* const pMine = _keys._pPrivateKey.get();
-    outcome._verdict._state =
-        outcome._signing.isOk() && signatureFacts(document._path) != signatureBefore
-            ? hoDocumentState::Changed
-            : stateOf(outcome._signing, pMine != nullptr && isSameModulus(*keys[outcome._signing._key], *pMine));
+    if (outcome._signing.isOk() && signatureFacts(document._path) != signatureBefore)
+    {
+        outcome._verdict._state = hoDocumentState::Changed;
+        return;
+    }
+    const hoKey& key = *keys[outcome._signing._key];
+    outcome._verdict._state = stateOf(outcome._signing, _pPrivateKey != nullptr && hoIsSamePair(key, *_pPrivateKey));
+    switch (outcome._signing._verdict)
+    {
+    case hoVerdict::Good:
+    case hoVerdict::Weak:
+    case hoVerdict::Bad:
+        outcome._verdict._keyName = keyName(key);
+        break;
+    default:
+        break;
+    }
+}
+
+gtString hoSigningJob::keyName(const hoKey& key) const
+{
+    for (const hoTestingKey& testing : _testingKeys)
+    {
+        if (_testingKeys.size() > 1 && hoIsSamePair(*testing._pKey, key))
+        {
+            return testing._name;
+        }
+    }
+    return gtString();
 }

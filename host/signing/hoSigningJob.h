@@ -8,6 +8,7 @@
 #ifndef COUNTERSIGN_HO_SIGNING_JOB_H
 #define COUNTERSIGN_HO_SIGNING_JOB_H
 
+#include "host/keys/hoKeyRing.h"
 #include "host/signing/hoDocument.h"
 #include "host/signing/hoFileSigning.h"
 #include "host/signing/hoOrderedWork.h"
@@ -37,14 +38,6 @@ public:
         Test
     };
 
-    // Private: signs, and tells which signatures are one's own. Public: tests; where it is missing, or the signature is
-    // not its, the public half of the private key is tried. Either may be null, the private one not for signing.
-    struct Keys
-    {
-        std::shared_ptr<const hoKey> _pPrivateKey;
-        std::shared_ptr<const hoKey> _pPublicKey;
-    };
-
     struct Progress
     {
         std::uint64_t _bytesDone;   // including the documents that are done
@@ -53,12 +46,14 @@ public:
         gtString _path;  // the first that is not done; empty at the end
     };
 
+    // keys: the private one signs, and tells which signatures are one's own; the testing ones test. There is one at
+    // least, a private one for signing.
     // mayOverwrite: signatures that are there are replaced; otherwise such a document's outcome has the signature
     // file's problem Exists. Throws std::bad_alloc, and std::system_error where the system gives no thread.
     // onChange: called on the threads inside, on several at once, after each change of what the functions below give,
     // and a last time when isFinished has become true; it may neither throw nor call this object.
     // lines: what a signature gets. threads: at most so many, at least 1.
-    hoSigningJob(Kind kind, const std::vector<hoDocument>& documents, const Keys& keys, bool mayOverwrite,
+    hoSigningJob(Kind kind, const std::vector<hoDocument>& documents, const hoKeyRing& keys, bool mayOverwrite,
                  std::function<void()> onChange = nullptr, hoSignatureLines lines = hoSignatureLines::Both,
                  unsigned int threads = hoOrderedWork::amountOfProcessors());
     // Cancels, and waits for the threads.
@@ -92,10 +87,13 @@ private:
     // What is found goes into the outcome, which has its path already.
     void sign(const hoDocument& document, hoIProgress& progress, hoSigningOutcome& outcome) const;
     void test(const hoDocument& document, hoIProgress& progress, hoSigningOutcome& outcome) const;
+    // The name of the key that the verdict came from, where there are several.
+    gtString keyName(const hoKey& key) const;
 
     const Kind _kind;
     const std::vector<hoDocument> _documents;
-    const Keys _keys;
+    const std::shared_ptr<const hoKey> _pPrivateKey;  // null where there is none
+    const std::vector<hoTestingKey> _testingKeys;
     const bool _mayOverwrite;
     const hoSignatureLines _lines;
     const std::function<void()> _onChange;

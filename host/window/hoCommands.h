@@ -8,6 +8,11 @@
 
 #include <wx/defs.h>
 
+#include <cstddef>
+
+// So many keys have an entry of their own under Key > Forget one key.
+constexpr std::size_t hoMostKeysToForget = 100;
+
 enum hoCommand
 {
     ID_CLOSE_DOCUMENTS = wxID_HIGHEST + 1,
@@ -36,7 +41,9 @@ enum hoCommand
     ID_RECENT_FIRST,
     ID_RECENT_LAST = ID_RECENT_FIRST + static_cast<int>(hoRecentDocuments::mostDocuments) - 1,
     ID_RECENT_KEY_FIRST,
-    ID_RECENT_KEY_LAST = ID_RECENT_KEY_FIRST + static_cast<int>(hoRecentDocuments::mostDocuments) - 1
+    ID_RECENT_KEY_LAST = ID_RECENT_KEY_FIRST + static_cast<int>(hoRecentDocuments::mostDocuments) - 1,
+    ID_FORGET_KEY_FIRST,
+    ID_FORGET_KEY_LAST = ID_FORGET_KEY_FIRST + static_cast<int>(hoMostKeysToForget) - 1
 };
 
 #endif

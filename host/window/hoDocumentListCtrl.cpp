@@ -36,6 +36,7 @@ const int lastColumn = static_cast<int>(std::size(columns)) - 1;
 const std::int64_t wideTime = 1796068800;  // seconds since 1970: the last day of a November
 const int columnPadding = 20;
 const int stateIconWidth = 18;
+const int mostStateWidth = 240;
 const int leastColumnWidth = 20;
 const int mostColumnWidth = 4000;
 
@@ -176,6 +177,19 @@ void hoDocumentListCtrl::setColumnWidths(const std::vector<int>& widths)
     widenLastColumn();
 }
 
+void hoDocumentListCtrl::makeRoomForState(const wxString& text)
+{
+    for (int column = 0; column < lastColumn; ++column)
+    {
+        const int width = GetTextExtent(text).GetWidth() + FromDIP(stateIconWidth) + FromDIP(columnPadding);
+        if (columns[column]._column == hoDocumentList::Column::State && GetColumnWidth(column) < width)
+        {
+            SetColumnWidth(column, std::min(width, std::max(GetColumnWidth(column), FromDIP(mostStateWidth))));
+            widenLastColumn();
+        }
+    }
+}
+
 hoDocumentList::Column hoDocumentListCtrl::columnAt(int column)
 {
     return columns[column]._column;
@@ -186,10 +200,9 @@ wxString hoDocumentListCtrl::tooltipOf(std::size_t row) const
     const hoDocument& document = _documents[row];
     return hoDisplayText(document._path) + "\n" +
            // The state, the size and the time of a document.
-           hoFilledText(_("%1$s, %2$s, modified %3$s"),
-                        {gtTextFromBytes(hoStateText(document._verdict._state, _canTest)),
-                         gtTextFromBytes(hoExactSizeText(document._facts._size)),
-                         hoTimeText(document._facts._modifiedSeconds, true)});
+           hoFilledText(_("%1$s, %2$s, modified %3$s"), {hoVerdictWords(document._verdict, _canTest),
+                                                         gtTextFromBytes(hoExactSizeText(document._facts._size)),
+                                                         hoTimeText(document._facts._modifiedSeconds, true)});
 }
 
 wxString hoDocumentListCtrl::OnGetItemText(long row, long column) const
@@ -205,7 +218,7 @@ wxString hoDocumentListCtrl::OnGetItemText(long row, long column) const
     case hoDocumentList::Column::Name:
         return hoDisplayText(document.name());
     case hoDocumentList::Column::State:
-        return gtTextFromBytes(hoStateText(document._verdict._state, _canTest));
+        return hoVerdictWords(document._verdict, _canTest);
     case hoDocumentList::Column::Size:
         return gtTextFromBytes(hoSizeText(document._facts._size));
     case hoDocumentList::Column::Modified:

@@ -34,6 +34,9 @@ public:
     std::vector<int> columnWidths() const;
     void setColumnWidths(const std::vector<int>& widths);
 
+    // Makes the column of the states wide enough for this one, if it is not too long and the column is narrower.
+    void makeRoomForState(const wxString& text);
+
     // The column that a header belongs to.
     static hoDocumentList::Column columnAt(int column);
 

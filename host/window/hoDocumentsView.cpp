@@ -7,6 +7,7 @@
 #include "host/window/hoDocumentListCtrl.h"
 #include "host/window/hoIcons.h"
 #include "host/window/hoMenuBar.h"
+#include "host/window/hoSummary.h"
 #include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
 
@@ -45,7 +46,7 @@ wxPanel* makeEmptyPage(wxWindow* pParent)
     const Step steps[] = {
         {wxTRANSLATE("1.  Load a key: a private one to sign, a public one to test."), ID_LOAD_PRIVATE_KEY,
          wxTRANSLATE("Load &private key...")},
-        {"", ID_LOAD_PUBLIC_KEY, wxTRANSLATE("Load p&ublic key...")},
+        {"", ID_LOAD_PUBLIC_KEY, wxTRANSLATE("Load p&ublic keys...")},
         {"", ID_NEW_KEY_PAIR, wxTRANSLATE("&New key pair...")},
         {wxTRANSLATE("2.  Drop documents here, or choose File > Open (Ctrl+O)."), wxID_OPEN,
          wxTRANSLATE("&Open documents...")},
@@ -312,11 +313,20 @@ void hoDocumentsView::watchFolders()
 
 void hoDocumentsView::showOutcomes(const std::vector<hoSigningOutcome>& outcomes)
 {
+    wxString longest;
+    gtString lastKey;
     for (const hoSigningOutcome& outcome : outcomes)
     {
         _documents.setVerdict(outcome._path, outcome._verdict);
+        if (outcome._verdict._keyName != lastKey)
+        {
+            lastKey = outcome._verdict._keyName;
+            const wxString words = hoVerdictWords(outcome._verdict, _canTest);
+            longest = words.length() > longest.length() ? words : longest;
+        }
     }
     sortAgain();
+    list().makeRoomForState(longest);
     list().showChanges();
 }
 

@@ -32,7 +32,7 @@ wxString keysText(const hoKeyRing& keys)
         return _("Load a key to encrypt or decrypt.");
     }
     const wxString privateKey = hoKeyText(keys._private, true);
-    const wxString publicKey = hoKeyText(keys._public, false);
+    const wxString publicKey = keys._publics.empty() ? wxString() : hoKeyText(keys._publics.back(), false);
     return (publicKey.empty() ? hoFilledText(_("Encrypts with the partner of the %s."), {privateKey})
                               : hoFilledText(_("Encrypts with the %s."), {publicKey})) +
            "\n" +
@@ -146,7 +146,7 @@ hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
 const crRSAEncryptionKey* hoEncryptionDialog::encryptingKey() const
 {
     const std::shared_ptr<const hoKey>& pKey =
-        _keys._public._pKey != nullptr ? _keys._public._pKey : _keys._private._pKey;
+        _keys._publics.empty() ? _keys._private._pKey : _keys._publics.back()._pKey;
     return pKey == nullptr ? nullptr : &pKey->publicKey();
 }
 

@@ -42,6 +42,15 @@ void hoKeyController::bindCommands(wxEvtHandler& handler)
     hoBindCommand(handler, ID_TEXTS, [this] { hoEncryptionDialog(&_parent, _keys).ShowModal(); });
     hoBindCommand(handler, ID_KEY_INFORMATION, [this] { hoKeyInformationDialog(&_parent, _keys).ShowModal(); });
     hoBindCommand(handler, ID_FORGET_KEYS, [this] { setKeys(hoKeyRing()); });
+    handler.Bind(
+        wxEVT_MENU,
+        [this](wxCommandEvent& event)
+        {
+            hoKeyRing keys = _keys;
+            keys.forget(static_cast<std::size_t>(event.GetId() - ID_FORGET_KEY_FIRST));
+            setKeys(keys);
+        },
+        ID_FORGET_KEY_FIRST, ID_FORGET_KEY_LAST);
 }
 
 void hoKeyController::setKeys(const hoKeyRing& keys)
@@ -52,12 +61,20 @@ void hoKeyController::setKeys(const hoKeyRing& keys)
 
 void hoKeyController::chooseKey(Half half)
 {
-    wxFileDialog dialog(&_parent, half == Half::Private ? _("Load a private key") : _("Load a public key"),
+    const bool isPrivate = half == Half::Private;
+    wxFileDialog dialog(&_parent, isPrivate ? _("Load a private key") : _("Load public keys"),
                         gtPathTextFromBytes(_settings.text(folderSetting)), wxString(),
-                        _("PEM files (*.pem)|*.pem;*.PEM|All files|*"), wxFD_OPEN | wxFD_FILE_MUST_EXIST);
-    if (dialog.ShowModal() == wxID_OK)
+                        _("PEM files (*.pem)|*.pem;*.PEM|All files|*"),
+                        wxFD_OPEN | wxFD_FILE_MUST_EXIST | (isPrivate ? 0 : wxFD_MULTIPLE));
+    if (dialog.ShowModal() != wxID_OK)
     {
-        loadKey(gtPathBytesFromText(dialog.GetPath()), half);
+        return;
+    }
+    wxArrayString pathTexts;
+    dialog.GetPaths(pathTexts);
+    for (const wxString& pathText : pathTexts)
+    {
+        loadKey(gtPathBytesFromText(pathText), half);
     }
 }
 
@@ -86,12 +103,16 @@ void hoKeyController::loadKey(const gtString& path, Half half)
     _settings.setText(folderSetting, bytes.substr(0, bytes.rfind('/') + 1));
     hoKeyRing keys = _keys;
     const bool isPrivate = half == Half::Private || (half == Half::Any && loaded._pKey->hasPrivateKey());
-    if (!isPrivate)
+    if (isPrivate)
+    {
+        keys._private = loaded;
+    }
+    else
     {
         // The private half is not needed and does not stay in memory.
         loaded._pKey = loaded._pKey->publicHalf();
+        keys.addPublic(loaded);
     }
-    (isPrivate ? keys._private : keys._public) = loaded;
     setKeys(keys);
     if (_callbacks._onLoaded)
     {

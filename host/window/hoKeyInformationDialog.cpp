@@ -11,6 +11,7 @@
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/button.h>
+#include <wx/choicdlg.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
@@ -21,18 +22,9 @@ const wxSize usualSize(590, 300);
 const wxSize leastTextSize(200, 80);
 const unsigned int rightsOfPublicFile = 0644;
 
-const hoLoadedKey& exportedKey(const hoKeyRing& keys)
-{
-    return keys._private._pKey != nullptr ? keys._private : keys._public;
-}
-
 // heading: with a place for the key's size.
 wxString informationOf(const hoLoadedKey& key, const wxString& heading)
 {
-    if (key._pKey == nullptr)
-    {
-        return wxString();
-    }
     const wxString indent = "    ";
     return hoFilledText(heading, {hoPlainNumber(key._pKey->bits())}) + "\n" + indent +
            hoFilledText(_("File: %s"), {hoDisplayText(key._path)}) + "\n" + indent +
@@ -44,8 +36,13 @@ wxString informationOf(const hoLoadedKey& key, const wxString& heading)
 // A few lines for each key that is loaded.
 wxString informationOf(const hoKeyRing& keys)
 {
-    return informationOf(keys._private, _("Private key of %s bits")) +
-           informationOf(keys._public, _("Public key of %s bits"));
+    wxString text;
+    std::size_t number = 0;
+    for (const hoLoadedKey& key : keys.keys())
+    {
+        text += informationOf(key, keys.isPrivate(number++) ? _("Private key of %s bits") : _("Public key of %s bits"));
+    }
+    return text;
 }
 }  // namespace
 
@@ -89,7 +86,13 @@ hoKeyInformationDialog::hoKeyInformationDialog(wxWindow* pParent, const hoKeyRin
 
 void hoKeyInformationDialog::exportPublicHalf()
 {
-    const hoLoadedKey& key = exportedKey(_keys);
+    const std::vector<hoLoadedKey> keys = _keys.keys();
+    const std::size_t number = chooseKey();
+    if (number >= keys.size())
+    {
+        return;
+    }
+    const hoLoadedKey& key = keys[number];
     const wxString file = hoDisplayText(hoLastComponent(key._path), 60);
     const wxString stem = file.BeforeLast('.');
     hoSaveFileQuestion question;
@@ -98,6 +101,24 @@ void hoKeyInformationDialog::exportPublicHalf()
     question._types = _("PEM files (*.pem)|*.pem|All files|*");
     question._failure = _("Cannot export to %s: %s.");
     question._rights = rightsOfPublicFile;
-    question._filesOfKeys = {_keys._private._path, _keys._public._path};
+    for (const hoLoadedKey& loaded : keys)
+    {
+        question._filesOfKeys.push_back(loaded._path);
+    }
     hoSaveFile(*this, question, hoPublicKeyPem(*key._pKey));
+}
+
+std::size_t hoKeyInformationDialog::chooseKey()
+{
+    if (_keys.canSign() || _keys._publics.size() == 1)
+    {
+        return 0;
+    }
+    wxArrayString choices;
+    for (const hoLoadedKey& key : _keys._publics)
+    {
+        choices.push_back(hoKeyText(key, false));
+    }
+    wxSingleChoiceDialog dialog(this, _("Which key is to be exported?"), _("Export the public key"), choices);
+    return dialog.ShowModal() == wxID_OK ? static_cast<std::size_t>(dialog.GetSelection()) : choices.size();
 }

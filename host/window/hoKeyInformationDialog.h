@@ -11,11 +11,13 @@
 class hoKeyInformationDialog : public wxDialog
 {
 public:
-    // One key at least is loaded. With both, the private one's partner is exported.
+    // One key at least is loaded. With a private one its partner is exported; of several public ones the user chooses.
     hoKeyInformationDialog(wxWindow* pParent, const hoKeyRing& keys);
 
 private:
     void exportPublicHalf();
+    // The number of the key, or a number that no key has when the user cancels.
+    std::size_t chooseKey();
 
     const hoKeyRing _keys;
 };

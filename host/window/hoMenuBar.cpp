@@ -3,9 +3,12 @@
 
 #include "host/window/hoCommands.h"
 #include "host/window/hoDisplayText.h"
+#include "host/window/hoSummary.h"
 #include "host/window/hoTexts.h"
 
 #include <wx/frame.h>
+
+#include <algorithm>
 
 namespace
 {
@@ -47,13 +50,13 @@ wxMenu* makeViewMenu()
     return pMenu;
 }
 
-wxMenu* makeKeyMenu(wxMenu* pRecentMenu)
+wxMenu* makeKeyMenu(wxMenu* pRecentMenu, wxMenu* pForgetMenu)
 {
     auto* pMenu = new wxMenu;
     pMenu->Append(ID_LOAD_PRIVATE_KEY, _("Load p&rivate key...\tCtrl+K"),
                   _("Load the key that signs, from a PEM file"));
-    pMenu->Append(ID_LOAD_PUBLIC_KEY, _("Load p&ublic key...\tCtrl+Shift+K"),
-                  _("Load the key that tests somebody's signatures, from a PEM file"));
+    pMenu->Append(ID_LOAD_PUBLIC_KEY, _("Load p&ublic keys...\tCtrl+Shift+K"),
+                  _("Load keys that test somebody's signatures, from PEM files"));
     pMenu->AppendSubMenu(pRecentMenu, _("Load r&ecent key"), _("Load a key that was loaded before"));
     pMenu->Append(ID_KEY_INFORMATION, _("&Information...\tCtrl+I"),
                   _("Show size and fingerprint of the loaded keys, and export the public half"));
@@ -61,7 +64,8 @@ wxMenu* makeKeyMenu(wxMenu* pRecentMenu)
     pMenu->Append(ID_NEW_KEY_PAIR, _("&New key pair..."), _("Make a private key and its public partner"));
     pMenu->Append(ID_TEXTS, _("&Texts...\tCtrl+E"), _("Encrypt and decrypt short texts with the loaded keys"));
     pMenu->AppendSeparator();
-    pMenu->Append(ID_FORGET_KEYS, _("&Forget keys"), _("Take the loaded keys out of memory; their files stay"));
+    pMenu->AppendSubMenu(pForgetMenu, _("F&orget one key"), _("Take one of the loaded keys out of memory"));
+    pMenu->Append(ID_FORGET_KEYS, _("&Forget all keys"), _("Take the loaded keys out of memory; their files stay"));
     return pMenu;
 }
 
@@ -96,12 +100,26 @@ wxMenu* makeHelpMenu()
     return pMenu;
 }
 
-void fill(wxMenu& menu, const std::vector<gtString>& paths, int firstId, int clearId, const wxString& clearHelp)
+void empty(wxMenu& menu)
 {
     while (menu.GetMenuItemCount() > 0)
     {
         menu.Destroy(menu.FindItemByPosition(0));
     }
+}
+
+// The mnemonic of an entry in a list, from 0 on.
+wxString numbered(int number, const wxString& label)
+{
+    const wxString mnemonic = number < 9    ? wxString::Format("&%d  ", number + 1)
+                              : number == 9 ? wxString("1&0  ")
+                                            : wxString::Format("%d  ", number + 1);
+    return mnemonic + wxControl::EscapeMnemonics(label);
+}
+
+void fill(wxMenu& menu, const std::vector<gtString>& paths, int firstId, int clearId, const wxString& clearHelp)
+{
+    empty(menu);
     if (paths.empty())
     {
         menu.Append(clearId, _("None yet"))->Enable(false);
@@ -110,9 +128,7 @@ void fill(wxMenu& menu, const std::vector<gtString>& paths, int firstId, int cle
     int number = 0;
     for (const gtString& path : paths)
     {
-        const wxString label = hoDisplayText(path, mostPathCharacters);
-        const wxString mnemonic = number < 9 ? wxString::Format("&%d  ", number + 1) : wxString("1&0  ");
-        menu.Append(firstId + number, mnemonic + wxControl::EscapeMnemonics(label));
+        menu.Append(firstId + number, numbered(number, hoDisplayText(path, mostPathCharacters)));
         ++number;
     }
     menu.AppendSeparator();
@@ -120,16 +136,34 @@ void fill(wxMenu& menu, const std::vector<gtString>& paths, int firstId, int cle
 }
 }  // namespace
 
-hoMenuBar::hoMenuBar() : _pRecentMenu(new wxMenu), _pRecentKeysMenu(new wxMenu)
+hoMenuBar::hoMenuBar() : _pRecentMenu(new wxMenu), _pRecentKeysMenu(new wxMenu), _pForgetMenu(new wxMenu)
 {
     Append(makeFileMenu(_pRecentMenu), _("&File"));
     Append(makeEditMenu(), _("&Edit"));
     Append(makeViewMenu(), _("&View"));
-    Append(makeKeyMenu(_pRecentKeysMenu), _("&Key"));
+    Append(makeKeyMenu(_pRecentKeysMenu, _pForgetMenu), _("&Key"));
     Append(makeSignatureMenu(), _("&Signature"));
     Append(makeDeveloperMenu(), _("&Developer"));
     Append(makeHelpMenu(), _("&Help"));
     showRecentPaths({}, {});
+    showKeys(hoKeyRing());
+}
+
+void hoMenuBar::showKeys(const hoKeyRing& keys)
+{
+    empty(*_pForgetMenu);
+    const std::vector<hoLoadedKey> all = keys.keys();
+    const std::size_t listed = std::min(all.size(), hoMostKeysToForget);
+    for (std::size_t number = 0; number < listed; ++number)
+    {
+        const int position = static_cast<int>(number);
+        _pForgetMenu->Append(ID_FORGET_KEY_FIRST + position,
+                             numbered(position, hoKeyText(all[number], keys.isPrivate(number))));
+    }
+    if (all.empty())
+    {
+        _pForgetMenu->Append(ID_FORGET_KEY_FIRST, _("No key"))->Enable(false);
+    }
 }
 
 void hoMenuBar::showRecentPaths(const std::vector<gtString>& documents, const std::vector<gtString>& keys)

@@ -5,6 +5,7 @@
 #define COUNTERSIGN_HO_MENU_BAR_H
 
 #include "host/documents/hoRecentDocuments.h"
+#include "host/keys/hoKeyRing.h"
 
 #include <wx/menu.h>
 
@@ -35,6 +36,10 @@ public:
     // ID_RECENT_KEY_FIRST on. At most hoRecentDocuments::mostDocuments of each.
     void showRecentPaths(const std::vector<gtString>& documents, const std::vector<gtString>& keys);
 
+    // Fills Key > Forget one key, where the key with this number (hoKeyRing) has the id ID_FORGET_KEY_FIRST + number;
+    // at most hoMostKeysToForget. Not to be called while an event of this menu is dealt with.
+    void showKeys(const hoKeyRing& keys);
+
     // From now on the commands of this frame are enabled and checked as the conditions say.
     static void followConditions(wxFrame& frame, const Conditions& conditions);
 
@@ -46,8 +51,9 @@ public:
                                   const std::function<void()>& onClear);
 
 private:
-    wxMenu* _pRecentMenu;  // these two belong to the bar
+    wxMenu* _pRecentMenu;  // these three belong to the bar
     wxMenu* _pRecentKeysMenu;
+    wxMenu* _pForgetMenu;
 };
 
 // What a right click on the documents brings up.

@@ -26,10 +26,11 @@ const int leastValueWidth = 200;
 const int gaugeRange = 1000;
 const int bitsPerDigit = 32;
 
-// Whose size the exclusive-or digest depends on; null when there is none.
-const std::shared_ptr<const hoKey>& digestKey(const hoKeyRing& keys)
+// Whose size the exclusive-or digest depends on: the private one, or else the public one that was loaded last; null
+// when there is none.
+std::shared_ptr<const hoKey> digestKey(const hoKeyRing& keys)
 {
-    return keys._private._pKey != nullptr ? keys._private._pKey : keys._public._pKey;
+    return keys.canSign() || !keys.canTest() ? keys._private._pKey : keys._publics.back()._pKey;
 }
 }  // namespace
 
@@ -49,7 +50,7 @@ hoPropertiesDialog::hoPropertiesDialog(wxWindow* pParent, const hoDocument& docu
 {
     const wxString wait = _("Reading...");
     const bool isThere = _document._verdict._state != hoDocumentState::Missing;
-    const hoKey* const pKey = digestKey(_keys).get();
+    const std::shared_ptr<const hoKey> pKey = digestKey(_keys);
     auto* pGrid = new wxFlexGridSizer(2, FromDIP(wxSize(12, 4)));
     addRow(*pGrid, _("&Name:"), "name", hoDisplayText(_document.name()));
     addRow(*pGrid, _("&Path:"), "path", hoDisplayText(_document._path));
@@ -57,7 +58,7 @@ hoPropertiesDialog::hoPropertiesDialog(wxWindow* pParent, const hoDocument& docu
     addRow(*pGrid, _("&Modified:"), "modified", hoTimeText(_document._facts._modifiedSeconds, true));
     addRow(*pGrid, _("Ch&anged:"), "changed", hoTimeText(_document._facts._changedSeconds, true))
         ->SetToolTip(_("When the file's contents, name or permissions were last changed, by the system's clock"));
-    addRow(*pGrid, _("S&tate:"), "state", gtTextFromBytes(hoStateText(_document._verdict._state, _keys.canTest())));
+    addRow(*pGrid, _("S&tate:"), "state", hoVerdictWords(_document._verdict, _keys.canTest()));
     _pSignature = addRow(*pGrid, _("Si&gnature:"), "signature", wait);
     _pSigner = addRow(*pGrid, _("&Key:"), "key", wait);
     _pSigned = addRow(*pGrid, _("Sign&ed:"), "signed", wait);
@@ -205,12 +206,12 @@ wxString hoPropertiesDialog::signerText(const hoSignatureText& signature) const
         return hoFilledText(_("%s bits"), {bits});
     }
     const wxString fingerprint = gtTextFromBytes(signature._fingerprint);
-    for (const hoLoadedKey* pLoaded : {&_keys._private, &_keys._public})
+    for (const hoLoadedKey& loaded : _keys.keys())
     {
-        if (pLoaded->_pKey != nullptr && hoShortFingerprint(*pLoaded->_pKey) == signature._fingerprint)
+        if (hoShortFingerprint(*loaded._pKey) == signature._fingerprint)
         {
             return hoFilledText(_("%s bits, %s, %s"),
-                                {bits, fingerprint, hoDisplayText(hoLastComponent(pLoaded->_path))});
+                                {bits, fingerprint, hoDisplayText(hoLastComponent(loaded._path))});
         }
     }
     return hoFilledText(_("%s bits, %s, not loaded"), {bits, fingerprint});

@@ -18,10 +18,6 @@ namespace
 const int patienceWithJob = 500;   // milliseconds until a progress dialog appears
 const int pauseAfterShowing = 50;  // milliseconds: a job of many small documents must not keep the window from painting
 
-bool isSameKey(const hoLoadedKey& left, const hoLoadedKey& right)
-{
-    return left._pKey == right._pKey;
-}
 }  // namespace
 
 hoSigningController::hoSigningController(wxWindow& parent, const hoKeyRing& keys, Callbacks callbacks)
@@ -85,8 +81,7 @@ void hoSigningController::begin(hoSigningJob::Kind kind, const std::vector<hoDoc
     try
     {
         _pJob = std::make_unique<hoSigningJob>(
-            kind, documents, hoSigningJob::Keys{_keys._private._pKey, _keys._public._pKey}, mayOverwrite,
-            [pCall = _pCall.get()] { pCall->request(); }, lines);
+            kind, documents, _keys, mayOverwrite, [pCall = _pCall.get()] { pCall->request(); }, lines);
     }
     catch (const std::system_error& error)
     {
@@ -201,7 +196,7 @@ void hoSigningController::follow()
     const bool isFinished = _pJob->isFinished();
     const std::vector<hoSigningOutcome> outcomes = _pJob->takeOutcomes();
     _outcomes.insert(_outcomes.end(), outcomes.begin(), outcomes.end());
-    if (!outcomes.empty() && isSameKey(_jobKeys._private, _keys._private) && isSameKey(_jobKeys._public, _keys._public))
+    if (!outcomes.empty() && hoIsSameRing(_jobKeys, _keys))
     {
         _callbacks._onOutcomes(outcomes);
     }

@@ -19,7 +19,7 @@ enum Field
 
 // Negative: shares of the width.
 const int usualWidths[FIELD_COUNT] = {-4, -5, -4};
-const int widthsWithBothKeys[FIELD_COUNT] = {-3, -7, -4};
+const int widthsWithSeveralKeys[FIELD_COUNT] = {-3, -7, -4};
 const int textMargin = 4;  // of a field, on each side
 
 wxString bitsOf(const hoLoadedKey& key)
@@ -32,25 +32,48 @@ wxString fingerprintOf(const hoLoadedKey& key)
     return gtTextFromBytes(hoShortFingerprint(*key._pKey));
 }
 
+// The same where there is more than one public key: how many, and which as long as there is room.
+std::vector<wxString> textsOfMany(const hoKeyRing& keys)
+{
+    const wxString amount = hoCounted("%s public key", "%s public keys", keys._publics.size());
+    std::vector<wxString> names;
+    for (const hoLoadedKey& key : keys._publics)
+    {
+        names.push_back(hoDisplayText(hoLastComponent(key._path), 40));
+    }
+    const wxString listed = hoFilledText(_("%s: %s"), {amount, hoListed(names)});
+    if (!keys.canSign())
+    {
+        return {listed, amount};
+    }
+    const wxString privateKey = hoKeyText(keys._private, true);
+    return {hoFilledText(_("%s; %s"), {privateKey, listed}), hoFilledText(_("%s; %s"), {privateKey, amount}),
+            // The fingerprint of the private key, and the number of public ones.
+            hoFilledText(_("Private %s; %s"), {fingerprintOf(keys._private), amount})};
+}
+
 // What is said of the keys, the longest text first.
 std::vector<wxString> keyTexts(const hoKeyRing& keys)
 {
-    const bool hasPrivate = keys._private._pKey != nullptr;
-    const bool hasPublic = keys._public._pKey != nullptr;
-    if (hasPrivate && hasPublic)
+    if (keys._publics.size() > 1)
     {
+        return textsOfMany(keys);
+    }
+    if (keys.canSign() && !keys._publics.empty())
+    {
+        const hoLoadedKey& other = keys._publics.front();
         const wxString privateKey = fingerprintOf(keys._private);
-        const wxString publicKey = fingerprintOf(keys._public);
+        const wxString publicKey = fingerprintOf(other);
         // The private key and the public one.
-        return {hoFilledText(_("%s; %s"), {hoKeyText(keys._private, true), hoKeyText(keys._public, false)}),
+        return {hoFilledText(_("%s; %s"), {hoKeyText(keys._private, true), hoKeyText(other, false)}),
                 hoFilledText(_("%s-bit private key %s; %s-bit public key %s"),
-                             {bitsOf(keys._private), privateKey, bitsOf(keys._public), publicKey}),
+                             {bitsOf(keys._private), privateKey, bitsOf(other), publicKey}),
                 hoFilledText(_("Private %s; public %s"), {privateKey, publicKey})};
     }
-    if (hasPrivate || hasPublic)
+    if (keys.canTest())
     {
         // Its end, the name of the file, may be cut.
-        return {hoKeyText(hasPrivate ? keys._private : keys._public, hasPrivate)};
+        return {hoKeyText(keys.canSign() ? keys._private : keys._publics.front(), keys.canSign())};
     }
     return {_("No key")};
 }
@@ -91,8 +114,7 @@ void hoStatusBar::endReason()
 void hoStatusBar::showKeys(const hoKeyRing& keys)
 {
     _keyTexts = keyTexts(keys);
-    const bool areBoth = keys._private._pKey != nullptr && keys._public._pKey != nullptr;
-    SetStatusWidths(FIELD_COUNT, areBoth ? widthsWithBothKeys : usualWidths);
+    SetStatusWidths(FIELD_COUNT, keys.keys().size() > 1 ? widthsWithSeveralKeys : usualWidths);
     fitKeys();
 }
 

@@ -21,7 +21,8 @@ public:
     // The same for why something cannot be done now; endReason takes it away, if it is still there.
     void showReason(const wxString& text);
     void endReason();
-    // In as many words as there is room for; both keys at any width, by their fingerprints.
+    // In as many words as there is room for; both keys at any width, by their fingerprints. Of several public keys the
+    // number, and their names where there is room.
     void showKeys(const hoKeyRing& keys);
     void showDocuments(const hoDocumentList& documents, std::size_t amountSelected);
 

@@ -47,6 +47,26 @@ wxString stateInDetails(hoDocumentState state)
     return wxString();
 }
 
+// With the key that the state came from, where several were loaded.
+wxString withKey(const wxString& state, const hoDocumentVerdict& verdict)
+{
+    switch (verdict._state)
+    {
+    case hoDocumentState::SignedByMe:
+    case hoDocumentState::Good:
+    case hoDocumentState::Weak:
+    case hoDocumentState::Bad:
+    {
+        const wxUniChar middleDot(0xB7);
+        return verdict._keyName.isEmpty()
+                   ? state
+                   : state + " " + wxString(middleDot) + " " + hoDisplayText(verdict._keyName, 40);
+    }
+    default:
+        return state;
+    }
+}
+
 wxString outcomeText(const hoSigningOutcome& outcome)
 {
     if (!outcome._signing.isOk())
@@ -58,7 +78,7 @@ wxString outcomeText(const hoSigningOutcome& outcome)
         return withReason(hoDisplayText(hoLastComponent(hoSignaturePath(outcome._path)), 60),
                           gtTextFromBytes(hoSignatureFileReason(outcome._signatureFile)));
     }
-    const wxString state = stateInDetails(outcome._verdict._state);
+    const wxString state = withKey(stateInDetails(outcome._verdict._state), outcome._verdict);
     // What was found is not what there is by now.
     const bool isChanged = outcome._verdict._state == hoDocumentState::Changed;
     const wxString reason = isChanged ? wxString() : gtTextFromBytes(hoVerdictReason(outcome._signing));
@@ -154,6 +174,11 @@ wxString hoKeyProblemText(const gtString& path, const hoKeyFileFacts& facts)
     return facts._problem == hoKeyFileProblem::WrongPassphrase
                ? hoFilledText(_("Wrong passphrase for %s."), {name})
                : hoFilledText(_("Cannot load %s: %s."), {name, gtTextFromBytes(hoKeyFileReason(facts))});
+}
+
+wxString hoVerdictWords(const hoDocumentVerdict& verdict, bool canTest)
+{
+    return withKey(gtTextFromBytes(hoStateText(verdict._state, canTest)), verdict);
 }
 
 wxString hoKeyText(const hoLoadedKey& key, bool isPrivate)

@@ -145,7 +145,9 @@ protected:
     {
         _outcomes.clear();
         // On one thread, so that the calls come in the same order each time.
-        hoSigningJob worker(kind, _documents, {pKey, nullptr}, true, nullptr, hoSignatureLines::Both, 1);
+        hoKeyRing keys;
+        keys._private._pKey = pKey;
+        hoSigningJob worker(kind, _documents, keys, true, nullptr, hoSignatureLines::Both, 1);
         while (!worker.isFinished())
         {
             std::this_thread::yield();

@@ -5,6 +5,7 @@
 
 #include "host/documents/hoDocumentList.h"
 #include "host/keys/hoKeyRing.h"
+#include "host/messages/hoMessages.h"
 #include "host/signing/hoSigningJob.h"
 
 #include <gtest/gtest.h>
@@ -50,7 +51,7 @@ protected:
         return documents;
     }
 
-    std::vector<hoSigningOutcome> perform(Kind kind, const hoSigningJob::Keys& keys, bool mayOverwrite = false)
+    std::vector<hoSigningOutcome> perform(Kind kind, const hoKeyRing& keys, bool mayOverwrite = false)
     {
         hoSigningJob work(kind, all(), keys, mayOverwrite);
         while (!work.isFinished())
@@ -70,6 +71,23 @@ protected:
         return outcomes;
     }
 
+    // The keys' files are key0, key1 and so on.
+    static hoKeyRing ring(const std::shared_ptr<const hoKey>& pPrivate,
+                          const std::vector<std::shared_ptr<const hoKey>>& publics = {})
+    {
+        hoKeyRing keys;
+        keys._private._pKey = pPrivate;
+        keys._private._path = "/keys/mine";
+        for (const std::shared_ptr<const hoKey>& pKey : publics)
+        {
+            hoLoadedKey key;
+            key._pKey = pKey;
+            key._path = "/keys/key" + std::to_string(keys._publics.size());
+            keys._publics.push_back(key);
+        }
+        return keys;
+    }
+
     hoDocumentState state(std::size_t position) const { return _list[position]._verdict._state; }
 
     static std::shared_ptr<const hoKey> mine;
@@ -86,36 +104,73 @@ TEST_F(DocumentWork, SignsAndTests)
     open("a", "some text");
     open("b", std::string(3000000, 'b'));
     EXPECT_EQ(state(0), hoDocumentState::NotSigned);
-    perform(Kind::Test, {mine, nullptr});
+    perform(Kind::Test, ring(mine));
     EXPECT_EQ(state(0), hoDocumentState::NotSigned);
     EXPECT_EQ(state(1), hoDocumentState::NotSigned);
 
-    perform(Kind::Sign, {mine, nullptr});
+    perform(Kind::Sign, ring(mine));
     EXPECT_EQ(state(0), hoDocumentState::SignedByMe);
     EXPECT_EQ(state(1), hoDocumentState::SignedByMe);
     EXPECT_TRUE(std::filesystem::exists(_folder.path("a.sig")));
 
     _list.forgetStates();
     EXPECT_EQ(state(0), hoDocumentState::NotTested);
-    perform(Kind::Test, {nullptr, mine});
+    perform(Kind::Test, ring(nullptr, {mine}));
     EXPECT_EQ(state(0), hoDocumentState::Good);
-    perform(Kind::Test, {mine, nullptr});
+    perform(Kind::Test, ring(mine));
     EXPECT_EQ(state(0), hoDocumentState::SignedByMe);
-    perform(Kind::Test, {mine, theirs});
+    perform(Kind::Test, ring(mine, {theirs}));
     EXPECT_EQ(state(1), hoDocumentState::SignedByMe);
-    perform(Kind::Test, {nullptr, theirs});
+    perform(Kind::Test, ring(nullptr, {theirs}));
     EXPECT_EQ(state(0), hoDocumentState::AnotherKey);
     EXPECT_EQ(state(1), hoDocumentState::AnotherKey);
+}
+
+TEST_F(DocumentWork, SaysWhichOfSeveralKeysAVerdictCameFrom)
+{
+    const std::shared_ptr<const hoKey> pOther = newKey(1024);
+    const auto name = [this](std::size_t position) { return _list[position]._verdict._keyName.asStdString(); };
+    open("a", "some text");
+    open("b", "other text");
+    perform(Kind::Sign, ring(mine));
+    EXPECT_EQ(name(0), "") << "there is no other key";
+    std::filesystem::remove(_folder.path("b.sig"));
+    ASSERT_TRUE(_list.refresh(1));
+    perform(Kind::Sign, ring(theirs, {mine}));
+    EXPECT_EQ(name(1), "mine");
+
+    perform(Kind::Test, ring(nullptr, {mine, theirs, pOther}));
+    EXPECT_EQ(state(0), hoDocumentState::Good);
+    EXPECT_EQ(name(0), "key0");
+    EXPECT_EQ(state(1), hoDocumentState::Good);
+    EXPECT_EQ(name(1), "key1");
+    perform(Kind::Test, ring(mine, {theirs, pOther}));
+    EXPECT_EQ(state(0), hoDocumentState::SignedByMe);
+    EXPECT_EQ(name(0), "mine");
+    EXPECT_EQ(name(1), "key0");
+    perform(Kind::Test, ring(mine, {mine}));
+    EXPECT_EQ(state(0), hoDocumentState::SignedByMe);
+    EXPECT_EQ(name(0), "") << "both halves of a pair are one key";
+
+    _folder.write("a", "some test");
+    const std::vector<hoSigningOutcome> outcomes = perform(Kind::Test, ring(nullptr, {pOther, mine}));
+    EXPECT_EQ(state(0), hoDocumentState::Bad);
+    EXPECT_EQ(name(0), "key1");
+    EXPECT_EQ(state(1), hoDocumentState::AnotherKey);
+    EXPECT_EQ(name(1), "");
+    EXPECT_EQ(hoVerdictReason(outcomes[1]._signing).asStdString(), "the signature was made with the key " +
+                                                                       hoShortFingerprint(*theirs).asStdString() +
+                                                                       ", which is none of those given");
 }
 
 TEST_F(DocumentWork, TellsAnAlteredDocument)
 {
     open("a", "some text");
-    perform(Kind::Sign, {mine, nullptr});
+    perform(Kind::Sign, ring(mine));
     _folder.write("a", "some test");
     EXPECT_TRUE(_list.refresh(0));
     EXPECT_EQ(state(0), hoDocumentState::Changed);
-    perform(Kind::Test, {mine, nullptr});
+    perform(Kind::Test, ring(mine));
     EXPECT_EQ(state(0), hoDocumentState::Bad);
     EXPECT_FALSE(_list.refresh(0));
 }
@@ -123,7 +178,7 @@ TEST_F(DocumentWork, TellsAnAlteredDocument)
 TEST_F(DocumentWork, AGoodStateDoesNotOutliveItsBytes)
 {
     open("a", "some text");
-    perform(Kind::Sign, {mine, nullptr});
+    perform(Kind::Sign, ring(mine));
     const hoDocumentVerdict good = _list[0]._verdict;
 
     // The same size and time, other bytes.
@@ -136,7 +191,7 @@ TEST_F(DocumentWork, AGoodStateDoesNotOutliveItsBytes)
     EXPECT_EQ(state(0), hoDocumentState::Changed);
 
     // Nor that of the signature.
-    perform(Kind::Sign, {mine, nullptr}, true);
+    perform(Kind::Sign, ring(mine), true);
     EXPECT_EQ(state(0), hoDocumentState::SignedByMe);
     _folder.write("a.sig", "00000000");
     EXPECT_TRUE(_list.refresh(0));
@@ -145,7 +200,7 @@ TEST_F(DocumentWork, AGoodStateDoesNotOutliveItsBytes)
     std::filesystem::remove(_folder.path("a"));
     EXPECT_TRUE(_list.refresh(0));
     EXPECT_EQ(state(0), hoDocumentState::Missing);
-    perform(Kind::Test, {mine, nullptr});
+    perform(Kind::Test, ring(mine));
     EXPECT_EQ(state(0), hoDocumentState::Missing);
     _folder.write("a", "some text");
     EXPECT_TRUE(_list.refresh(0));
@@ -156,11 +211,11 @@ TEST_F(DocumentWork, OverwritesNothingUnasked)
 {
     open("a", "some text");
     _folder.write("a.sig", anOldSignature);
-    const std::vector<hoSigningOutcome> kept = perform(Kind::Sign, {mine, nullptr});
+    const std::vector<hoSigningOutcome> kept = perform(Kind::Sign, ring(mine));
     ASSERT_EQ(kept.size(), 1U);
     EXPECT_EQ(kept[0]._signatureFile._problem, hoSignatureFileProblem::Exists);
     EXPECT_EQ(std::filesystem::file_size(_folder.path("a.sig")), anOldSignature.size());
-    perform(Kind::Sign, {mine, nullptr}, true);
+    perform(Kind::Sign, ring(mine), true);
     EXPECT_EQ(state(0), hoDocumentState::SignedByMe);
 }
 
@@ -172,12 +227,12 @@ TEST_F(DocumentWork, OverwritesNothingOfOthers)
         _folder.write("a.sig", pContents);
         for (const bool mayOverwrite : {false, true})
         {
-            const std::vector<hoSigningOutcome> kept = perform(Kind::Sign, {mine, nullptr}, mayOverwrite);
+            const std::vector<hoSigningOutcome> kept = perform(Kind::Sign, ring(mine), mayOverwrite);
             ASSERT_EQ(kept.size(), 1U);
             EXPECT_EQ(kept[0]._signatureFile._problem, hoSignatureFileProblem::NotOurs);
             EXPECT_EQ(_folder.read("a.sig"), pContents);
         }
-        perform(Kind::Test, {mine, nullptr});
+        perform(Kind::Test, ring(mine));
         EXPECT_EQ(state(0), hoDocumentState::NotASignature);
         EXPECT_FALSE(_list.refresh(0));
     }
@@ -186,19 +241,19 @@ TEST_F(DocumentWork, OverwritesNothingOfOthers)
 TEST_F(DocumentWork, SignsWeaklyWhereAskedTo)
 {
     open("a", "some text");
-    hoSigningJob work(Kind::Sign, all(), {mine, nullptr}, false, nullptr, hoSignatureLines::DigestOnly);
+    hoSigningJob work(Kind::Sign, all(), ring(mine), false, nullptr, hoSignatureLines::DigestOnly);
     while (!work.isFinished())
     {
         std::this_thread::yield();
     }
     EXPECT_EQ(_folder.read("a.sig").size(), anOldSignature.size());
-    perform(Kind::Test, {mine, nullptr});
+    perform(Kind::Test, ring(mine));
     EXPECT_EQ(state(0), hoDocumentState::Weak);
     EXPECT_FALSE(_list.refresh(0));
     _folder.write("a", "other text");
     EXPECT_TRUE(_list.refresh(0));
     EXPECT_EQ(state(0), hoDocumentState::Changed);
-    perform(Kind::Test, {mine, nullptr});
+    perform(Kind::Test, ring(mine));
     EXPECT_EQ(state(0), hoDocumentState::Bad);
 }
 
@@ -207,7 +262,7 @@ TEST_F(DocumentWork, GoesOnAfterADocumentThatCannotBeRead)
     open("a", "1");
     open("b", "2");
     std::filesystem::remove(_folder.path("a"));
-    const std::vector<hoSigningOutcome> outcomes = perform(Kind::Sign, {mine, nullptr});
+    const std::vector<hoSigningOutcome> outcomes = perform(Kind::Sign, ring(mine));
     ASSERT_EQ(outcomes.size(), 2U);
     EXPECT_EQ(outcomes[0]._signing._problem, hoSigningProblem::FileCannotBeRead);
     EXPECT_EQ(state(0), hoDocumentState::Missing);
@@ -227,7 +282,7 @@ TEST_F(DocumentWork, IsTheSameOnAnyAmountOfThreads)
     }
     for (const unsigned int threads : {1U, 2U, 8U, 100U})
     {
-        hoSigningJob work(Kind::Sign, all(), {mine, nullptr}, true, nullptr, hoSignatureLines::Both, threads);
+        hoSigningJob work(Kind::Sign, all(), ring(mine), true, nullptr, hoSignatureLines::Both, threads);
         std::vector<hoSigningOutcome> outcomes;
         while (outcomes.size() < 20)
         {
@@ -258,7 +313,7 @@ TEST_F(DocumentWork, CancelsAllThatAreBeingRead)
         std::filesystem::resize_file(_folder.path(pName), 64ULL << 30);
         ASSERT_TRUE(_list.refresh(_list.size() - 1));
     }
-    hoSigningJob work(Kind::Sign, all(), {mine, nullptr}, false, nullptr, hoSignatureLines::Both, 2);
+    hoSigningJob work(Kind::Sign, all(), ring(mine), false, nullptr, hoSignatureLines::Both, 2);
     while (work.progress()._bytesDone == 0)
     {
         std::this_thread::yield();
@@ -279,7 +334,7 @@ TEST_F(DocumentWork, CanBeCancelled)
     open("huge", "");
     std::filesystem::resize_file(_folder.path("huge"), 64ULL << 30);
     ASSERT_TRUE(_list.refresh(0));
-    hoSigningJob work(Kind::Sign, all(), {mine, nullptr}, false);
+    hoSigningJob work(Kind::Sign, all(), ring(mine), false);
     while (work.progress()._bytesDone == 0)
     {
         std::this_thread::yield();
@@ -301,7 +356,7 @@ TEST_F(DocumentWork, EndsWhenItIsDestroyed)
     std::filesystem::resize_file(_folder.path("huge"), 64ULL << 30);
     _list.refresh(0);
     {
-        const hoSigningJob work(Kind::Sign, all(), {mine, nullptr}, false);
+        const hoSigningJob work(Kind::Sign, all(), ring(mine), false);
     }
     EXPECT_FALSE(std::filesystem::exists(_folder.path("huge.sig")));
 }

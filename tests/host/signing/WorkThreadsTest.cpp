@@ -71,7 +71,13 @@ protected:
             const auto kind = number % 2 == 0 ? hoSigningJob::Kind::Sign : hoSigningJob::Kind::Test;
             std::size_t outcomes = 0;
             {
-                hoSigningJob work(kind, documents, {pKey, number % 3 == 0 ? pKey : nullptr}, true);
+                hoKeyRing keys;
+                keys._private._pKey = pKey;
+                if (number % 3 == 0)
+                {
+                    keys._publics.push_back(keys._private);
+                }
+                hoSigningJob work(kind, documents, keys, true);
                 const Clock::time_point end = Clock::now() + std::chrono::microseconds(moments(random));
                 while (Clock::now() < end)
                 {

@@ -114,14 +114,14 @@ TEST_F(DocumentsMenu, SaysWhyCommandsAreGrey)
     };
     EXPECT_EQ(tooltip("alt+f", "File", "Close all"), "No document is open.");
     EXPECT_EQ(tooltip("alt+e", "Edit", "Copy path"), "No document is open.");
-    EXPECT_EQ(tooltip("alt+k", "Key", "Forget keys"), "No key is loaded.");
+    EXPECT_EQ(tooltip("alt+k", "Key", "Forget all keys"), "No key is loaded.");
     EXPECT_EQ(tooltip("alt+s", "Signature", "Test all"), "Nothing to sign or test: open documents first.");
     openAskedFor(_folder.write("a.txt", "x"));
     EXPECT_EQ(tooltip("alt+s", "Signature", "Test"), "Signing and testing take a key: load one first.");
     dropNewKey();
     EXPECT_EQ(tooltip("alt+s", "Signature", "Sign"), "");
     EXPECT_EQ(tooltip("alt+f", "File", "Close"), "");
-    EXPECT_EQ(tooltip("alt+k", "Key", "Forget keys"), "");
+    EXPECT_EQ(tooltip("alt+k", "Key", "Forget all keys"), "");
     list().SetItemState(0, 0, wxLIST_STATE_SELECTED);
     settle();
     EXPECT_EQ(tooltip("alt+e", "Edit", "Copy path"), "No document is selected.");
@@ -149,7 +149,7 @@ TEST_F(DocumentsMenu, ShowsTheTooltipOfAGreyCommand)
         return isUp;
     };
     EXPECT_FALSE(isTooltipUp());
-    // The last entry, Forget keys.
+    // The last entry, Forget all keys.
     for (const int distance : {0, 3})
     {
         tsRunProgram({"xdotool", "mousemove", std::to_string(menu.x + menu.width / 2 + distance),

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Loading of keys without a main window.
+#include "tests/host/NewKey.h"
 #include "tests/host/SlowKey.h"
 #include "tests/host/window/BareFrame.h"
 
@@ -46,9 +47,9 @@ TEST_F(KeyController, LoadsTheHalfThatIsWanted)
 {
     _pController->loadKey(_folder.path("private"), Half::Any);
     EXPECT_TRUE(_pController->keys().canSign());
-    EXPECT_EQ(_pController->keys()._public._pKey, nullptr);
+    EXPECT_TRUE(_pController->keys()._publics.empty());
     _pController->loadKey(_folder.path("public"), Half::Any);
-    EXPECT_NE(_pController->keys()._public._pKey, nullptr);
+    EXPECT_EQ(_pController->keys()._publics.size(), 1U);
     EXPECT_EQ(_changes, 2);
     EXPECT_TRUE(_warnings.empty());
     EXPECT_EQ(_settings.text("keyFolder"), _folder.path() + "/");
@@ -56,8 +57,21 @@ TEST_F(KeyController, LoadsTheHalfThatIsWanted)
     _pController->setKeys(hoKeyRing());
     _pController->loadKey(_folder.path("private"), Half::Public);
     EXPECT_FALSE(_pController->keys().canSign());
-    ASSERT_NE(_pController->keys()._public._pKey, nullptr);
-    EXPECT_FALSE(_pController->keys()._public._pKey->hasPrivateKey()) << "the private half stays in memory";
+    ASSERT_EQ(_pController->keys()._publics.size(), 1U);
+    EXPECT_FALSE(_pController->keys()._publics[0]._pKey->hasPrivateKey()) << "the private half stays in memory";
+}
+
+TEST_F(KeyController, AddsAPublicKeyToTheOthers)
+{
+    _folder.write("other", newKeyText(512, true));
+    _pController->loadKey(_folder.path("public"), Half::Public);
+    _pController->loadKey(_folder.path("other"), Half::Any);
+    ASSERT_EQ(_pController->keys()._publics.size(), 2U);
+    _pController->loadKey(_folder.path("private"), Half::Public);
+    ASSERT_EQ(_pController->keys()._publics.size(), 2U) << "the same key twice";
+    EXPECT_EQ(_pController->keys()._publics[0]._path, gtString(_folder.path("other").c_str()));
+    EXPECT_EQ(_pController->keys()._publics[1]._path, gtString(_folder.path("private").c_str()));
+    EXPECT_EQ(_changes, 3);
 }
 
 TEST_F(KeyController, WarnsOfAPrivateKeyThatOthersMayRead)
@@ -80,7 +94,7 @@ TEST_F(KeyController, LoadsThePublicKeyOfAFileWithBothWithoutAPassphrase)
     ASSERT_EQ(pair.writePrivateKey(_folder.path("encrypted"), "sesame", false)._problem, osWritingProblem::None);
     _folder.write("both", _folder.read("encrypted") + _folder.read("public"));
     _pController->loadKey(_folder.path("both"), Half::Public);
-    EXPECT_NE(_pController->keys()._public._pKey, nullptr);
+    EXPECT_EQ(_pController->keys()._publics.size(), 1U);
     EXPECT_EQ(_changes, 1);
 }
 

@@ -3,6 +3,7 @@
 #include "tests/host/MainFrameFixture.h"
 
 #include "host/keys/hoPublicKey.h"
+#include "host/signing/hoFileSigning.h"
 #include "host/window/hoKeyInformationDialog.h"
 
 #include <gmock/gmock.h>
@@ -12,6 +13,7 @@
 
 namespace
 {
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 class KeyMenu : public MainFrameFixture
@@ -21,6 +23,38 @@ protected:
     {
         const auto* pDialog = dynamic_cast<hoKeyInformationDialog*>(tsTopModalDialog());
         return pDialog != nullptr && tsHasKeyboard(*pDialog);
+    }
+
+    // What the information says.
+    std::string readInformation()
+    {
+        std::string text;
+        tsScript script;
+        script.waitUntil("the information has the keyboard", isInformationUp)
+            .perform("read and close it",
+                     [&]
+                     {
+                         const wxWindow* const pText = wxWindow::FindWindowByName("keyInformation", tsTopModalDialog());
+                         text = dynamic_cast<const wxTextCtrl*>(pText)->GetValue().utf8_string();
+                         tsPressKeys("Escape");
+                     })
+            .start();
+        tsPressKeys("ctrl+i");
+        tsRunUntil("the information is closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+        return text;
+    }
+
+    // Makes a document and its signature by a key of its own, whose public half is in keys/NAME.pub.pem.
+    std::string writeSigned(const std::string& document, const std::string& name) const
+    {
+        const std::shared_ptr<const hoKey> pKey = newKey(1024);
+        const std::string path = _folder.write(document, "text of " + document);
+        gtString signature;
+        EXPECT_TRUE(hoSignFile(path.c_str(), *pKey, hoSignatureLines::Both, nullptr, signature).isOk());
+        _folder.write(document + ".sig", signature.asStdString());
+        std::filesystem::create_directories(_folder.path("keys"));
+        _folder.write("keys/" + name + ".pub.pem", hoPublicKeyPem(*pKey).asStdString());
+        return path;
     }
 };
 }  // namespace
@@ -125,6 +159,55 @@ TEST_F(KeyMenu, ExportsNothingOverTheFileOfAKey)
     EXPECT_EQ(_folder.read("link.pem"), before);
 }
 
+TEST_F(KeyMenu, TestsWithSeveralPublicKeysAndForgetsOne)
+{
+    start({"countersign-desktop", writeSigned("a.txt", "lab"), writeSigned("b.txt", "office"),
+           _folder.write("c.txt", "unsigned")});
+    const std::string uris =
+        "file://" + _folder.path("keys/lab.pub.pem") + "\r\nfile://" + _folder.path("keys/office.pub.pem") + "\r\n";
+    static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())->drop(uris);
+    tsRunUntil("both keys are loaded", [this] { return _pFrame->keys()._publics.size() == 2; });
+    settle();
+    EXPECT_THAT(status(1), HasSubstr("2 public keys"));
+    const std::string information = readInformation();
+    EXPECT_THAT(information, HasSubstr("File: " + _folder.path("keys/lab.pub.pem")));
+    EXPECT_THAT(information, HasSubstr("File: " + _folder.path("keys/office.pub.pem")));
+
+    work("ctrl+shift+t");
+    EXPECT_THAT(rows(1), ElementsAre("Good \u00b7 lab.pub.pem", "Good \u00b7 office.pub.pem", "Not signed"));
+    EXPECT_GE(list().GetColumnWidth(1), list().GetTextExtent(wxString::FromUTF8(rows(1)[1])).GetWidth());
+    EXPECT_THAT(_pFrame->workMessage()._details.utf8_string(), HasSubstr("\n    good \u00b7 office.pub.pem\n"));
+
+    openMenu("alt+k");
+    openSubmenu("o");
+    tsPressKeys("1");
+    tsRunUntil("the first key is gone", [this] { return _pFrame->keys()._publics.size() == 1; });
+    settle();
+    EXPECT_THAT(rows(1), ElementsAre("Not tested", "Not tested", "Not signed"));
+    work("ctrl+shift+t");
+    EXPECT_THAT(rows(1), ElementsAre("Another key", "Good", "Not signed"));
+}
+
+TEST_F(KeyMenu, LoadsSeveralPublicKeysThatAreChosenAtOnce)
+{
+    writeSigned("a.txt", "lab");
+    writeSigned("b.txt", "office");
+    std::filesystem::create_directories(_folder.path("config/countersign"));
+    _folder.write("config/countersign/settings", "keyFolder=" + _folder.path("keys/") + "\n");
+    start();
+    tsScript script;
+    script.waitUntil("the file dialog is up", [] { return isActive("Load public keys"); })
+        .perform("choose all files",
+                 []
+                 {
+                     tsPressKeys("ctrl+a");
+                     tsPressKeys("Return");
+                 })
+        .start();
+    tsPressKeys("ctrl+shift+k");
+    tsRunUntil("both keys are loaded", [this] { return _pFrame->keys()._publics.size() == 2; });
+}
+
 TEST_F(KeyMenu, RemembersTheFilesOfKeys)
 {
     start();
@@ -156,7 +239,7 @@ TEST_F(KeyMenu, IsTheFirstStepOfTheEmptyWindow)
         const char* _window;
     };
     for (const Step& step :
-         {Step{"Load private key...", "Load a private key"}, Step{"Load public key...", "Load a public key"},
+         {Step{"Load private key...", "Load a private key"}, Step{"Load public keys...", "Load public keys"},
           Step{"New key pair...", "New key pair"}, Step{"Open documents...", "Open documents"}})
     {
         const wxWindow* pButton = nullptr;

@@ -36,6 +36,25 @@ TEST_F(MenuBar, ListsRecentDocuments)
     EXPECT_EQ(pBar->FindItem(ID_RECENT_FIRST), nullptr);
 }
 
+TEST_F(MenuBar, ListsTheKeysToForget)
+{
+    auto* pBar = new hoMenuBar;
+    _pFrame->SetMenuBar(pBar);
+    EXPECT_EQ(label(*pBar, ID_FORGET_KEY_FIRST), "No key");
+    EXPECT_FALSE(pBar->FindItem(ID_FORGET_KEY_FIRST)->IsEnabled());
+    hoKeyRing keys;
+    keys._private._pKey = newKey(512);
+    keys._private._path = "/keys/mine.pem";
+    keys._publics.resize(hoMostKeysToForget, keys._private);
+    keys._publics[0]._path = "/keys/a&b.pem";
+    pBar->showKeys(keys);
+    const std::string fingerprint = hoShortFingerprint(*keys._private._pKey).asStdString();
+    EXPECT_EQ(label(*pBar, ID_FORGET_KEY_FIRST), "1  512-bit private key " + fingerprint + ", mine.pem");
+    EXPECT_EQ(label(*pBar, ID_FORGET_KEY_FIRST + 1), "2  512-bit public key " + fingerprint + ", a&b.pem");
+    EXPECT_EQ(label(*pBar, ID_FORGET_KEY_LAST), "100  512-bit public key " + fingerprint + ", mine.pem");
+    EXPECT_EQ(pBar->FindItem(ID_FORGET_KEY_LAST + 1), nullptr);
+}
+
 TEST_F(MenuBar, EnablesCommandsAsTheConditionsSay)
 {
     auto* pBar = new hoMenuBar;
@@ -121,8 +140,9 @@ TEST_F(StatusBar, ShowsBothKeysAtAnyWidth)
     hoKeyRing keys;
     keys._private._pKey = newKey(512);
     keys._private._path = "/keys/mine.pem";
-    keys._public._pKey = newKey(512);
-    keys._public._path = "/keys/her.pem";
+    keys._publics.resize(1);
+    keys._publics[0]._pKey = newKey(512);
+    keys._publics[0]._path = "/keys/her.pem";
     pBar->showKeys(keys);
     std::size_t longest = 0;
     for (const int width : {1200, 900, 640, 520})
@@ -139,7 +159,7 @@ TEST_F(StatusBar, ShowsBothKeysAtAnyWidth)
                        return pBar->GetTextExtent(pBar->GetStatusText(1)).GetWidth() < field.GetWidth();
                    });
         const std::string text = pBar->GetStatusText(1).utf8_string();
-        for (const hoLoadedKey* pKey : {&keys._private, &keys._public})
+        for (const hoLoadedKey* pKey : {&keys._private, &keys._publics[0]})
         {
             EXPECT_NE(text.find(hoShortFingerprint(*pKey->_pKey).asStdString()), std::string::npos) << text;
         }
@@ -148,4 +168,31 @@ TEST_F(StatusBar, ShowsBothKeysAtAnyWidth)
     EXPECT_GT(longest, pBar->GetStatusText(1).length()) << "a wide window tells more";
     _pFrame->SetSize(1200, 400);
     tsRunUntil("the names are back", [&] { return pBar->GetStatusText(1).Contains("her.pem"); });
+}
+
+TEST_F(StatusBar, CountsSeveralPublicKeys)
+{
+    auto* pBar = new hoStatusBar(_pFrame);
+    _pFrame->SetStatusBar(pBar);
+    showWith(new wxPanel(_pFrame));
+    hoKeyRing keys;
+    for (const char* pPath : {"/keys/lab.pem", "/keys/office.pem"})
+    {
+        hoLoadedKey key;
+        key._pKey = newKey(512);
+        key._path = pPath;
+        keys._publics.push_back(key);
+    }
+    _pFrame->SetSize(1200, 400);
+    pBar->showKeys(keys);
+    tsRunUntil("there is room for the names",
+               [&] { return pBar->GetStatusText(1) == "2 public keys: lab.pem, office.pem"; });
+    _pFrame->SetSize(520, 400);
+    tsRunUntil("the number is left", [&] { return pBar->GetStatusText(1) == "2 public keys"; });
+    keys._private._pKey = newKey(512);
+    keys._private._path = "/keys/mine.pem";
+    pBar->showKeys(keys);
+    const wxString fingerprint = hoShortFingerprint(*keys._private._pKey).asCharArray();
+    tsRunUntil("the private key is there, too",
+               [&] { return pBar->GetStatusText(1) == "Private " + fingerprint + "; 2 public keys"; });
 }

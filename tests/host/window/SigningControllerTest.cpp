@@ -123,6 +123,17 @@ TEST_F(SigningController, ReportsNoOutcomeOfKeysThatAreGone)
     EXPECT_EQ(_outcomes, 0U);
 }
 
+TEST_F(SigningController, ReportsNoOutcomeAfterAnotherKeyHasCome)
+{
+    _keys._private._pKey = newKey(1024);
+    _pController->begin(Kind::Sign, documents(3));
+    hoLoadedKey other;
+    other._pKey = newKey(512);
+    _keys._publics.push_back(other);
+    waitForEnd(1);
+    EXPECT_EQ(_outcomes, 0U);
+}
+
 TEST_F(SigningController, HoldsTheProgressBackUntilItMayAppear)
 {
     _keys._private._pKey = newKey(1024);

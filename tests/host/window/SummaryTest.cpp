@@ -79,10 +79,11 @@ TEST(WhyNoJob, NamesTheFirstThingThatIsMissing)
     documents.open("/proc/self/exe");
     ASSERT_FALSE(documents.isEmpty());
     EXPECT_EQ(hoWhyNoJob(documents, 0, keys, false), "Signing and testing take a key: load one first.");
-    keys._public._pKey = std::make_shared<hoKey>();
+    keys._publics.resize(1);
+    keys._publics[0]._pKey = std::make_shared<hoKey>();
     EXPECT_EQ(hoWhyNoJob(documents, 0, keys, true), "Documents are being signed or tested.");
     EXPECT_EQ(hoWhyNoJob(documents, 0, keys, false), "Signing takes a private key.");
-    keys._private._pKey = keys._public._pKey;
+    keys._private._pKey = keys._publics[0]._pKey;
     EXPECT_EQ(hoWhyNoJob(documents, 0, keys, false), "No document is selected.");
     EXPECT_EQ(hoWhyNoJob(documents, 1, keys, false), "");
 }

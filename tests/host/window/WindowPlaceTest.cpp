@@ -97,7 +97,7 @@ TEST_F(WindowPlace, IsEnoughOnASmallScreen)
     };
     hoKeyRing keys;
     keys._private = key;
-    keys._public = key;
+    keys._publics = {key, key};
     expectSmall(*new hoEncryptionDialog(_pFrame, keys), "texts");
     expectSmall(*new hoNewKeyDialog(_pFrame, gtString("/home/somebody/" + std::string(100, 'n'))), "new key pair");
     expectSmall(*new hoDetailsDialog(_pFrame, "Details", wxString('n', 1000), "text"), "details");
