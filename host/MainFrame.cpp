@@ -14,11 +14,14 @@
 #include "host/window/hoHelp.h"
 #include "host/window/hoIcons.h"
 #include "host/window/hoMenuBar.h"
+#include "host/window/hoPreferencesDialog.h"
 #include "host/window/hoStatusBar.h"
+#include "host/window/hoTexts.h"
 #include "platform/osWrappers/osProcess.h"
 #include "platform/toolkit/gtComeToFront.h"
 #include "platform/toolkit/gtTextConversion.h"
 #include "platform/toolkit/gtTextDirection.h"
+#include "platform/toolkit/gtTextSize.h"
 
 #include <wx/sizer.h>
 
@@ -28,6 +31,7 @@ namespace
 {
 const wxSize usualClientSize(900, 450);
 const wxSize leastSize(520, 320);
+const std::size_t mostKeyNameCharacters = 40;
 }  // namespace
 
 MainFrame::MainFrame()
@@ -35,13 +39,14 @@ MainFrame::MainFrame()
       _pView(nullptr),
       _pStatusBar(nullptr),
       _messageBar(*this),
-      _memory([this](const wxString& text) { _pStatusBar->showNotice(text); }),
+      // It is read before there is a status bar.
+      _memory([this](const wxString& text) { CallAfter([this, text] { _pStatusBar->showNotice(text); }); }),
       _keys(*this, _memory.settings(),
             {[this] { onKeysChanged(); }, [this](const hoSummary& warning) { onKeyWarning(warning); },
              [this](const wxString& text) { _pStatusBar->showNotice(text); },
              [this](const gtString& path)
              {
-                 _memory.recentKeys().add(path);
+                 _memory.noteKey(path);
                  rememberSoon();
              }}),
       _signing(*this, _keys.keys(),
@@ -53,7 +58,8 @@ MainFrame::MainFrame()
                     showChangesSoon();
                 },
                 [this] { return !_assertions.isDeciding(); },
-                [](const hoSummary& summary) { hoNotify(gtBytesFromText(summary._line)); }}),
+                [](const hoSummary& summary) { hoNotify(gtBytesFromText(summary._line)); },
+                [this] { return _memory.preferences(); }}),
       _assertions(*this, {[this](const wxString& text) { _pStatusBar->showNotice(text); },
                           [this]
                           {
@@ -90,6 +96,7 @@ MainFrame::MainFrame()
         });
     _pDisplayLoss = std::make_unique<hoDisplayLoss>([this] { _signing.abandon(); });
     CallAfter([this] { _toolBar.showIfWanted(); });
+    CallAfter([this] { offerRecentKey(); });
     CallAfter([this] { _pView->openAndSelect(hoApplicationDocuments()); });
 }
 
@@ -108,6 +115,8 @@ void MainFrame::openFilePath(const gtString& path, bool isAskedFor)
 
 void MainFrame::makeWindow()
 {
+    _memory.load();
+    gtSetTextSize(_memory.preferences()._textPoints);
     Create(nullptr, wxID_ANY, "Countersign", wxDefaultPosition, usualClientSize);
     gtTakeDirection(*this);
     SetIcons(hoApplicationIcons());
@@ -122,7 +131,7 @@ void MainFrame::makeWindow()
                                   },
                                   [this](const hoDocument& document)
                                   {
-                                      _memory.recentDocuments().add(document._path);
+                                      _memory.noteDocument(document._path);
                                       _isRecentChanged = true;
                                       _memory.settings().setText("folder", document.folder());
                                   },
@@ -135,7 +144,6 @@ void MainFrame::makeWindow()
         *this, [this](const hoUriList& list) { openDropped(list); },
         [pDropFrame](bool isOver) { pDropFrame->showBorder(isOver); }));
 
-    _memory.load();
     _pMenuBar->showRecentPaths(_memory.recentDocuments().paths(), _memory.recentKeys().paths());
     _pView->setColumnWidths(_memory.columnWidths());
     _pStatusBar->showKeys(keys());
@@ -161,6 +169,7 @@ void MainFrame::bindCommands()
     on(wxID_EXIT, [this] { Close(); });
     on(ID_COPY_PATH, [this] { _pStatusBar->showNotice(hoCopiedText(_pView->copySelectedPaths())); });
     on(wxID_SELECTALL, [this] { _pView->selectAll(); });
+    on(wxID_PREFERENCES, [this] { choosePreferences(); });
 
     _keys.bindCommands(*this);
     on(ID_SIGN, [this] { _signing.begin(Kind::Sign, _pView->documentsToProcess(false)); });
@@ -242,6 +251,7 @@ void MainFrame::onKeysChanged()
 {
     _messageBar.setKeyWarning(hoSummary());
     _messageBar.setResult(hoSummary());
+    _messageBar.setOffer(wxString());
     _pView->forgetStates(keys().canTest());
     // The event may be the menu's own.
     CallAfter([this] { _pMenuBar->showKeys(keys()); });
@@ -253,6 +263,39 @@ void MainFrame::onKeyWarning(const hoSummary& warning)
     _messageBar.clear();
     _messageBar.setKeyWarning(warning);
     showChangesSoon();
+}
+
+void MainFrame::offerRecentKey()
+{
+    const std::vector<gtString>& recent = _memory.recentKeys().paths();
+    osFileFacts facts;
+    if (!_memory.preferences()._isKeyOffered || keys().canTest() || recent.empty() ||
+        !osReadFileFacts(recent.front(), facts).isOk())
+    {
+        return;
+    }
+    // A copy: what is loaded moves to the front of the list.
+    const gtString path = recent.front();
+    const wxString name = hoDisplayText(hoLastComponent(path), mostKeyNameCharacters);
+    _messageBar.setOffer(hoFilledText(_("No key is loaded. The last one was %s."), {hoQuotedText(name)}),
+                         hoFilledText(_("Load %s"), {name}),
+                         [this, path] { _keys.loadKey(path, hoKeyController::Half::Any); });
+    _messageBar.show();
+}
+
+void MainFrame::choosePreferences()
+{
+    hoPreferencesDialog dialog(this, _memory.preferences());
+    if (dialog.ShowModal() != wxID_OK)
+    {
+        return;
+    }
+    _memory.setPreferences(dialog.preferences());
+    if (!dialog.preferences()._isKeyOffered || !dialog.preferences()._areRecentRemembered)
+    {
+        _messageBar.setOffer(wxString());
+    }
+    rememberSoon();
 }
 
 wxString MainFrame::whyGrey(int command) const

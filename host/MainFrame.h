@@ -56,6 +56,7 @@ public:
     wxString refusalMessage() const { return _messageBar.refusalText(); }
     const hoSummary& workMessage() const { return _messageBar.result(); }
     const hoSummary& keyWarning() const { return _messageBar.keyWarning(); }
+    const wxString& offer() const { return _messageBar.offer(); }
 
     // The keys that are loaded. What was found with other ones is no longer shown.
     const hoKeyRing& keys() const { return _keys.keys(); }
@@ -80,6 +81,9 @@ private:
     void openDropped(const hoUriList& list);
     void onKeysChanged();
     void onKeyWarning(const hoSummary& warning);
+    // Offers the key that was loaded last, if its file is there and the preferences do not say otherwise.
+    void offerRecentKey();
+    void choosePreferences();
     wxString whyGrey(int command) const;
 
     // Rows and states are shown at once. Messages, status and recent documents are shown once the present event is

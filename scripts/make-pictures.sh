@@ -28,7 +28,9 @@ export XDG_CONFIG_HOME=$files/config
 export LC_ALL=C.UTF-8
 unset LANGUAGE
 documents=$files/Documents
-mkdir -p "$documents"
+mkdir -p "$documents" "$files/config/countersign"
+# The offer of the last key would be in every picture.
+echo offerKey=0 >"$files/config/countersign/settings"
 head -c 48213 /dev/zero >"$documents/contract.pdf"
 head -c 1520 /dev/zero >"$documents/letter to the council.odt"
 head -c 2411724 /dev/zero >"$documents/recording.flac"
@@ -66,6 +68,7 @@ rm "$documents/backup.img"
 COUNTERSIGN_PICTURE_KEYS="alt+d a alt+d f Return alt+d f alt+d r" mainWindow assertion-report
 
 COUNTERSIGN_PICTURE_KEYS="alt+h a" mainWindow about
+COUNTERSIGN_PICTURE_KEYS="ctrl+comma" mainWindow preferences
 COUNTERSIGN_PICTURE_KEYS="$keys ctrl+e type:Meet-me-at-noon. alt+e" mainWindow texts
 
 COUNTERSIGN_PICTURE_KEYS="alt+k n" mainWindow new-key-pair

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <system_error>
 
@@ -61,6 +62,16 @@ void hoSettings::setTexts(const gtString& name, const std::vector<gtString>& val
     for (std::size_t i = 0; i < values.size(); ++i)
     {
         _values[listName(name, i + 1)] = values[i];
+    }
+}
+
+void hoSettings::remove(const gtString& beginning)
+{
+    const std::string_view wanted = beginning.asStringView();
+    for (auto setting = _values.begin(); setting != _values.end();)
+    {
+        const bool isMeant = setting->first.asStringView().substr(0, wanted.size()) == wanted;
+        setting = isMeant ? _values.erase(setting) : std::next(setting);
     }
 }
 

@@ -29,6 +29,9 @@ public:
     // Takes the place of all values of that list, so that a shorter list leaves none behind.
     void setTexts(const gtString& name, const std::vector<gtString>& values);
 
+    // Takes away all settings whose names begin so.
+    void remove(const gtString& beginning);
+
     // Replaces all settings by those of the file. A file that is missing, unreadable, larger than a mebibyte or not a
     // regular file leaves no settings and gives false; lines that make no sense are passed over.
     bool load(const gtString& path);

@@ -37,6 +37,7 @@ struct hoDocument
     gtString _path;      // absolute
     osFileFacts _facts;  // the file's at the last look
     hoDocumentVerdict _verdict;
+    bool _isSignatureKept = false;  // a job does not replace it, whatever may be overwritten
 
     // The last component of the path, which is not empty.
     gtString name() const;

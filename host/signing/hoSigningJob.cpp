@@ -202,7 +202,8 @@ void hoSigningJob::sign(const hoDocument& document, hoIProgress& progress, hoSig
 {
     outcome._verdict = document._verdict;
     const gtString signaturePath = hoSignaturePath(document._path);
-    outcome._signatureFile = hoCheckSignaturePath(signaturePath, _mayOverwrite);
+    const bool mayOverwrite = _mayOverwrite && !document._isSignatureKept;
+    outcome._signatureFile = hoCheckSignaturePath(signaturePath, mayOverwrite);
     if (!outcome._signatureFile.isOk())
     {
         return;
@@ -218,7 +219,7 @@ void hoSigningJob::sign(const hoDocument& document, hoIProgress& progress, hoSig
         }
         return;
     }
-    outcome._signatureFile = hoWriteSignatureFile(signaturePath, signature, _mayOverwrite);
+    outcome._signatureFile = hoWriteSignatureFile(signaturePath, signature, mayOverwrite);
     if (outcome._signatureFile._problem == hoSignatureFileProblem::None)
     {
         // What holds by its digest alone is weak, whoever has signed it.

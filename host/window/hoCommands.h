@@ -38,6 +38,7 @@ enum hoCommand
     ID_FAIL_ASSERTION,
     ID_ASSERTION_REPORT,
     ID_SHOW_DETAILS,
+    ID_ACCEPT_OFFER,
     ID_RECENT_FIRST,
     ID_RECENT_LAST = ID_RECENT_FIRST + static_cast<int>(hoRecentDocuments::mostDocuments) - 1,
     ID_RECENT_KEY_FIRST,

@@ -40,6 +40,9 @@ wxMenu* makeEditMenu()
     auto* pMenu = new wxMenu;
     pMenu->Append(ID_COPY_PATH, _("&Copy path\tCtrl+C"), _("Copy the paths of the selected documents, one a line"));
     pMenu->Append(wxID_SELECTALL, _("Select &all\tCtrl+A"), _("Select all documents"));
+    pMenu->AppendSeparator();
+    pMenu->Append(wxID_PREFERENCES, _("&Preferences...\tCtrl+,"),
+                  _("Choose what is remembered, what Sign does, and the size of the text"));
     return pMenu;
 }
 

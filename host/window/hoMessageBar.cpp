@@ -35,9 +35,21 @@ void hoMessageBar::clear()
     _keyWarning = hoSummary();
 }
 
+void hoMessageBar::setOffer(const wxString& text, const wxString& button, std::function<void()> accept)
+{
+    _offer = text;
+    _offerButton = button;
+    _acceptOffer = std::move(accept);
+}
+
 void hoMessageBar::dismiss()
 {
+    const bool isOfferShown = !_shownButton.empty();
     clear();
+    if (isOfferShown)
+    {
+        setOffer(wxString());
+    }
     show();
 }
 
@@ -61,6 +73,10 @@ void hoMessageBar::show()
     {
         say(gtBarColour::Brown, wxString(wxUniChar(0x26A0)) + " " + _keyWarning._line, wxICON_WARNING);
     }
+    else if (!_offer.empty())
+    {
+        say(gtBarColour::Blue, _offer, wxICON_INFORMATION);
+    }
     else if (_pBar != nullptr && _pBar->IsShown())
     {
         _pBar->Dismiss();
@@ -69,6 +85,7 @@ void hoMessageBar::show()
 
 void hoMessageBar::say(gtBarColour colour, const wxString& text, int icon)
 {
+    setFirstButton(colour == gtBarColour::Blue ? _offerButton : wxString());
     gtColourBar(bar(), colour);
     bar().ShowMessage(text, icon);
 }
@@ -99,12 +116,48 @@ wxInfoBar& hoMessageBar::bar()
         _pBar->AddButton(wxID_CLOSE, _("Dismiss"));
         _pBar->Bind(wxEVT_BUTTON, &hoMessageBar::OnDetails, this, ID_SHOW_DETAILS);
         _pBar->Bind(
+            wxEVT_BUTTON,
+            // The button may go with the offer, but not in its own event.
+            [this](wxCommandEvent&) { _frame.CallAfter([this] { acceptOffer(); }); }, ID_ACCEPT_OFFER);
+        _pBar->Bind(
             wxEVT_BUTTON, [this](wxCommandEvent&) { dismiss(); }, wxID_CLOSE);
         _frame.GetSizer()->Insert(0, _pBar, wxSizerFlags().Expand());
         // The keyboard reaches it before the documents, because it stands above them.
         _pBar->MoveBeforeInTabOrder(pBelow);
     }
     return *_pBar;
+}
+
+void hoMessageBar::setFirstButton(const wxString& offer)
+{
+    if (offer == _shownButton)
+    {
+        return;
+    }
+    wxInfoBar& native = bar();
+    native.RemoveButton(_shownButton.empty() ? ID_SHOW_DETAILS : ID_ACCEPT_OFFER);
+    native.RemoveButton(wxID_CLOSE);
+    if (offer.empty())
+    {
+        native.AddButton(ID_SHOW_DETAILS, _("Details..."));
+    }
+    else
+    {
+        native.AddButton(ID_ACCEPT_OFFER, wxControl::EscapeMnemonics(offer));
+    }
+    native.AddButton(wxID_CLOSE, _("Dismiss"));
+    _shownButton = offer;
+}
+
+void hoMessageBar::acceptOffer()
+{
+    const std::function<void()> accept = _acceptOffer;
+    setOffer(wxString());
+    show();
+    if (accept)
+    {
+        accept();
+    }
 }
 
 void hoMessageBar::showRefusals()

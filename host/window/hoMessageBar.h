@@ -3,7 +3,7 @@
 // blocks.
 //
 // Documents that could not be opened come first, then the result of the last signing or testing, then a warning about a
-// private key. What is set here is shown by show(), so that many changes of one event are one message. The native bar
+// private key, then an offer, which has a button of its own instead of Details. What is set here is shown by show(), so that many changes of one event are one message. The native bar
 // is made when there is something to show. Main thread only.
 #ifndef COUNTERSIGN_HO_MESSAGE_BAR_H
 #define COUNTERSIGN_HO_MESSAGE_BAR_H
@@ -11,6 +11,7 @@
 #include "host/window/hoSummary.h"
 #include "platform/toolkit/gtColours.h"
 
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -30,8 +31,12 @@ public:
     void addRefusal(const gtString& path, const osFileResult& result);
     void setResult(const hoSummary& result) { _result = result; }
     void setKeyWarning(const hoSummary& warning) { _keyWarning = warning; }
+    // Something that the user may want, with the words of its button. It stays while other messages come and go, until
+    // it is accepted, or taken back by an empty text.
+    void setOffer(const wxString& text, const wxString& button = wxString(), std::function<void()> accept = {});
+    // All but the offer.
     void clear();
-    // Forgets every message, and takes the bar away.
+    // Forgets every message, the offer only if it is what the bar shows, and takes the bar away if nothing is left.
     void dismiss();
 
     // Shows the message that comes first, or takes the bar away when there is none.
@@ -41,10 +46,14 @@ public:
     wxString refusalText() const;
     const hoSummary& result() const { return _result; }
     const hoSummary& keyWarning() const { return _keyWarning; }
+    const wxString& offer() const { return _offer; }
 
 private:
     wxInfoBar& bar();
     void say(gtBarColour colour, const wxString& text, int icon);
+    // The buttons of the bar: an empty one means Details.
+    void setFirstButton(const wxString& offer);
+    void acceptOffer();
     void showRefusals();
     void OnDetails(wxCommandEvent& event);
 
@@ -53,6 +62,10 @@ private:
     std::vector<std::pair<gtString, osFileResult>> _refusals;  // the documents that could not be opened
     hoSummary _result;
     hoSummary _keyWarning;
+    wxString _offer;
+    wxString _offerButton;
+    std::function<void()> _acceptOffer;
+    wxString _shownButton;  // the offer's, while the bar has it instead of Details
 };
 
 #endif

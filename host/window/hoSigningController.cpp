@@ -18,6 +18,10 @@ namespace
 const int patienceWithJob = 500;   // milliseconds until a progress dialog appears
 const int pauseAfterShowing = 50;  // milliseconds: a job of many small documents must not keep the window from painting
 
+bool isKnownToBeGood(const hoDocument& document)
+{
+    return document._verdict._state == hoDocumentState::Good || document._verdict._state == hoDocumentState::SignedByMe;
+}
 }  // namespace
 
 hoSigningController::hoSigningController(wxWindow& parent, const hoKeyRing& keys, Callbacks callbacks)
@@ -66,8 +70,9 @@ void hoSigningController::begin(hoSigningJob::Kind kind, const std::vector<hoDoc
 {
     bool mayOverwrite = false;
     hoSignatureLines lines = hoSignatureLines::Both;
+    std::vector<hoDocument> marked = documents;
     const bool isSigning = kind == hoSigningJob::Kind::Sign;
-    if (!canBegin(kind) || (isSigning && (!askAboutSmallKey(lines) || !askAboutSignatures(documents, mayOverwrite))))
+    if (!canBegin(kind) || (isSigning && (!askAboutSmallKey(lines) || !askAboutSignatures(marked, mayOverwrite))))
     {
         return;
     }
@@ -78,10 +83,12 @@ void hoSigningController::begin(hoSigningJob::Kind kind, const std::vector<hoDoc
     }
     _outcomes.clear();
     _jobKeys = _keys;
+    const int jobs = preferences()._jobs;
     try
     {
         _pJob = std::make_unique<hoSigningJob>(
-            kind, documents, _keys, mayOverwrite, [pCall = _pCall.get()] { pCall->request(); }, lines);
+            kind, marked, _keys, mayOverwrite, [pCall = _pCall.get()] { pCall->request(); }, lines,
+            jobs > 0 ? static_cast<unsigned int>(jobs) : hoOrderedWork::amountOfProcessors());
     }
     catch (const std::system_error& error)
     {
@@ -115,12 +122,27 @@ bool hoSigningController::askAboutSmallKey(hoSignatureLines& lines)
     return question.ShowModal() == wxID_YES && canBegin(hoSigningJob::Kind::Sign);
 }
 
-bool hoSigningController::askAboutSignatures(const std::vector<hoDocument>& documents, bool& mayOverwrite)
+hoPreferences hoSigningController::preferences() const
 {
-    std::vector<hoDocument> alreadySigned;
-    for (const hoDocument& document : documents)
+    return _callbacks._preferences ? _callbacks._preferences() : hoPreferences();
+}
+
+bool hoSigningController::askAboutSignatures(std::vector<hoDocument>& documents, bool& mayOverwrite)
+{
+    const hoSignedDocuments wanted = preferences()._signedDocuments;
+    if (wanted == hoSignedDocuments::KeepAll)
     {
-        if (hoCheckSignaturePath(hoSignaturePath(document._path), false)._problem == hoSignatureFileProblem::Exists)
+        return true;
+    }
+    std::vector<hoDocument> alreadySigned;
+    for (hoDocument& document : documents)
+    {
+        if (hoCheckSignaturePath(hoSignaturePath(document._path), false)._problem != hoSignatureFileProblem::Exists)
+        {
+            continue;
+        }
+        document._isSignatureKept = wanted == hoSignedDocuments::KeepGood && isKnownToBeGood(document);
+        if (!document._isSignatureKept)
         {
             alreadySigned.push_back(document);
         }

@@ -4,6 +4,7 @@
 #ifndef COUNTERSIGN_HO_SIGNING_CONTROLLER_H
 #define COUNTERSIGN_HO_SIGNING_CONTROLLER_H
 
+#include "host/documents/hoPreferences.h"
 #include "host/keys/hoKeyRing.h"
 #include "host/signing/hoSigningJob.h"
 #include "host/window/hoSummary.h"
@@ -31,6 +32,8 @@ public:
         std::function<bool()> _mayShowProgress = {};
         // After _onEnd, of a job that took long enough to show its progress, when no window of the program is in front.
         std::function<void(const hoSummary& summary)> _onUnseenEnd = {};
+        // Empty: nothing has been chosen.
+        std::function<hoPreferences()> _preferences = {};
     };
 
     // The parent of the dialogs must outlive this object, and so must the keys, which may change at any time.
@@ -43,7 +46,7 @@ public:
     bool isAtWork() const { return _pJob != nullptr; }
     bool canBegin(hoSigningJob::Kind kind) const;
 
-    // Asks whether signatures that are there are to be replaced, and begins. Nothing happens if canBegin is false, or
+    // Asks whether signatures that are there are to be replaced, unless the preferences say so, and begins. Nothing happens if canBegin is false, or
     // if the user cancels. Where the system gives no thread a message says so: after _onBegin, and no _onEnd comes.
     void begin(hoSigningJob::Kind kind, const std::vector<hoDocument>& documents);
 
@@ -58,8 +61,9 @@ public:
     void abandon() { _pJob.reset(); }
 
 private:
-    // Whether to go on, and whether signatures are to be replaced.
-    bool askAboutSignatures(const std::vector<hoDocument>& documents, bool& mayOverwrite);
+    // Whether to go on, and whether signatures are to be replaced; those that are kept all the same are marked.
+    bool askAboutSignatures(std::vector<hoDocument>& documents, bool& mayOverwrite);
+    hoPreferences preferences() const;
     // Whether to go on with a private key that is too small to countersign.
     bool askAboutSmallKey(hoSignatureLines& lines);
     void onJobChange();

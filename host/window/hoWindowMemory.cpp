@@ -17,6 +17,8 @@ namespace
 {
 const std::size_t mostColumns = 20;
 const int mostColumnWidth = 10000;
+const char* const folderSetting = "folder";
+const char* const keyFolderSetting = "keyFolder";
 const int screenMargin = 60;  // what the desktop may keep of a screen for itself, or the window's borders take
 
 gtString placeSetting(const wxString& name)
@@ -94,6 +96,32 @@ void hoWindowMemory::load()
     };
     fill(_recent, "recent");
     fill(_recentKeys, "recentKey");
+}
+
+void hoWindowMemory::setPreferences(const hoPreferences& preferences)
+{
+    preferences.writeTo(_settings);
+    if (!preferences._areRecentRemembered)
+    {
+        _recent.clear();
+        _recentKeys.clear();
+    }
+}
+
+void hoWindowMemory::noteDocument(const gtString& path)
+{
+    if (preferences()._areRecentRemembered)
+    {
+        _recent.add(path);
+    }
+}
+
+void hoWindowMemory::noteKey(const gtString& path)
+{
+    if (preferences()._areRecentRemembered)
+    {
+        _recentKeys.add(path);
+    }
 }
 
 std::vector<int> hoWindowMemory::columnWidths() const
@@ -210,8 +238,20 @@ void hoWindowMemory::save(const wxFrame& frame, const std::vector<int>& columnWi
             keepPlace(before);
         }
     }
+    // The rest of this run goes on with what is in memory.
+    hoSettings written = _settings;
+    if (!preferences()._isPlaceRemembered)
+    {
+        written.remove("window.");
+        written.remove("column.");
+    }
+    if (!preferences()._areRecentRemembered)
+    {
+        written.remove(folderSetting);
+        written.remove(keyFolderSetting);
+    }
     const gtString file = hoUserSettingsPath();
-    if (!file.isEmpty() && _canSave && !_settings.save(file))
+    if (!file.isEmpty() && _canSave && !written.save(file))
     {
         _onProblem(hoFilledText(_("What to remember could not be written to %s"), {hoDisplayText(file)}));
     }

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the main window remembers between runs: its place, the widths of its columns, the recent documents and key
-// files (their paths alone), the last folders. In hoUserSettingsPath(). A file that cannot be read is left as it is.
+// files (their paths alone), the last folders, each as far as the preferences let it. In hoUserSettingsPath(). A file
+// that cannot be read is left as it is.
 // Main thread only.
 #ifndef COUNTERSIGN_HO_WINDOW_MEMORY_H
 #define COUNTERSIGN_HO_WINDOW_MEMORY_H
 
+#include "host/documents/hoPreferences.h"
 #include "host/documents/hoRecentDocuments.h"
 #include "host/documents/hoSettings.h"
 
@@ -25,9 +27,16 @@ public:
 
     void load();
     hoSettings& settings() { return _settings; }
+    hoPreferences preferences() const { return hoPreferences::from(_settings); }
+    // What is no longer to be remembered is forgotten at once; the file follows with save().
+    void setPreferences(const hoPreferences& preferences);
+
     hoRecentDocuments& recentDocuments() { return _recent; }
     // The files that keys were loaded from.
     hoRecentDocuments& recentKeys() { return _recentKeys; }
+    // These two come first in their list, if such lists are kept.
+    void noteDocument(const gtString& path);
+    void noteKey(const gtString& path);
     // Of the columns from the first on; 0 where nothing sensible is remembered.
     std::vector<int> columnWidths() const;
 

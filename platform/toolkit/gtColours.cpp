@@ -31,7 +31,19 @@ const BarFace& faceOf(gtBarColour colour)
     static const BarFace green = {"gtGreenBar", "#1b5e20"};
     static const BarFace red = {"gtRedBar", "#9b1c1c"};
     static const BarFace brown = {"gtBrownBar", "#6b4400"};
-    return colour == gtBarColour::Green ? green : colour == gtBarColour::Red ? red : brown;
+    static const BarFace blue = {"gtBlueBar", "#174a7e"};
+    switch (colour)
+    {
+    case gtBarColour::Green:
+        return green;
+    case gtBarColour::Red:
+        return red;
+    case gtBarColour::Brown:
+        return brown;
+    case gtBarColour::Blue:
+        return blue;
+    }
+    return brown;
 }
 
 double luminance(const wxColour& colour)
@@ -79,7 +91,8 @@ void addBarStyles(GtkWidget* pWidget)
     if (!areThere)
     {
         areThere = true;
-        addStyle(pWidget, barStyle(gtBarColour::Green) + barStyle(gtBarColour::Red) + barStyle(gtBarColour::Brown));
+        addStyle(pWidget, barStyle(gtBarColour::Green) + barStyle(gtBarColour::Red) + barStyle(gtBarColour::Brown) +
+                              barStyle(gtBarColour::Blue));
     }
 }
 

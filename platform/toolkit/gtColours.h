@@ -13,7 +13,8 @@ enum class gtBarColour
 {
     Green,
     Red,
-    Brown
+    Brown,
+    Blue
 };
 
 // Gives the bar this background, and white text and buttons, whatever the theme. Where the toolkit draws bars by

@@ -240,3 +240,53 @@ TEST_F(Bars, GiveDetailsToCopyAndToSave)
     EXPECT_EQ(afterRefusing, "kept");
     EXPECT_EQ(_folder.read("details.txt"), details);
 }
+
+TEST_F(Bars, OfferTheLastKeyAtTheNextStart)
+{
+    startWithKey();
+    EXPECT_FALSE(isBarShown()) << "there has been no key before";
+    closeWindow();
+    wxGetApp().OnExit();
+    start();
+    tsRunUntil("the key is offered", [this] { return isBarShown() && !seen().empty(); });
+    EXPECT_EQ(seen(), "No key is loaded. The last one was \u201cmine.pem\u201d.");
+    // Another message comes first and leaves it.
+    openAskedFor(_folder.path("missing.txt"));
+    tsRunUntil("the bar tells of it", [this] { return seen().find("missing") != std::string::npos; });
+    clickButton("Dismiss");
+    clickButton("Load mine.pem");
+    tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
+    tsRunUntil("the bar is gone", [this] { return !isBarShown(); });
+    // The bar has its usual buttons again.
+    openAskedFor(_folder.path("a.txt"));
+    work("ctrl+s");
+    tsScript script;
+    script.waitUntil("the details have the keyboard", areDetailsUp)
+        .perform("close them", [] { tsPressKeys("Escape"); })
+        .start();
+    clickButton("Details...");
+    tsRunUntil("the details are closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+}
+
+TEST_F(Bars, OfferNoKeyThatIsGoneOrNotWanted)
+{
+    const std::string key = _folder.write("mine.pem", newKeyText(1024));
+    const std::string folder = "config/countersign";
+    std::filesystem::create_directories(_folder.path(folder));
+    _folder.write(folder + "/settings", "offerKey=0\nrecentKey.1=" + key + "\n");
+    start();
+    EXPECT_EQ(_pFrame->offer(), "");
+    closeWindow();
+    wxGetApp().OnExit();
+    _folder.write(folder + "/settings", "recentKey.1=" + key + ".gone\n");
+    start();
+    EXPECT_EQ(_pFrame->offer(), "");
+    closeWindow();
+    wxGetApp().OnExit();
+    _folder.write(folder + "/settings", "recentKey.1=" + key + "\n");
+    start();
+    EXPECT_NE(_pFrame->offer(), "");
+    clickButton("Dismiss");
+    tsRunUntil("the bar is gone", [this] { return !isBarShown(); });
+    EXPECT_EQ(_pFrame->offer(), "");
+}

@@ -176,7 +176,7 @@ TEST_F(StatusBar, CountsSeveralPublicKeys)
     _pFrame->SetStatusBar(pBar);
     showWith(new wxPanel(_pFrame));
     hoKeyRing keys;
-    for (const char* pPath : {"/keys/lab.pem", "/keys/office.pem"})
+    for (const char* pPath : {"/keys/laboratory of the south.pem", "/keys/head office.pem"})
     {
         hoLoadedKey key;
         key._pKey = newKey(512);
@@ -186,7 +186,7 @@ TEST_F(StatusBar, CountsSeveralPublicKeys)
     _pFrame->SetSize(1200, 400);
     pBar->showKeys(keys);
     tsRunUntil("there is room for the names",
-               [&] { return pBar->GetStatusText(1) == "2 public keys: lab.pem, office.pem"; });
+               [&] { return pBar->GetStatusText(1) == "2 public keys: laboratory of the south.pem, head office.pem"; });
     _pFrame->SetSize(520, 400);
     tsRunUntil("the number is left", [&] { return pBar->GetStatusText(1) == "2 public keys"; });
     keys._private._pKey = newKey(512);

@@ -3,6 +3,7 @@
 #include "tests/host/window/BareFrame.h"
 
 #include "host/messages/hoMessages.h"
+#include "host/window/hoCommands.h"
 #include "host/window/hoMessageBar.h"
 
 #include <wx/infobar.h>
@@ -78,4 +79,34 @@ TEST_F(MessageBar, ForgetsEveryKindOfMessage)
     EXPECT_TRUE(bar.refusalText().empty());
     EXPECT_TRUE(bar.result()._line.empty());
     EXPECT_TRUE(bar.keyWarning()._line.empty());
+}
+
+TEST_F(MessageBar, ShowsAnOfferWhereThereIsNothingElse)
+{
+    showWith(new wxPanel(_pFrame));
+    hoMessageBar bar(*_pFrame);
+    bool isAccepted = false;
+    bar.setOffer("A key?", "Load a&b", [&] { isAccepted = true; });
+    bar.show();
+    ASSERT_NE(nativeBar(), nullptr);
+    const auto buttons = [this] { return std::vector<int>{nativeBar()->GetButtonId(0), nativeBar()->GetButtonId(1)}; };
+    EXPECT_EQ(nativeBar()->GetButtonCount(), 2U);
+    EXPECT_EQ(buttons(), (std::vector<int>{ID_ACCEPT_OFFER, wxID_CLOSE}));
+    bar.setResult({"1 document: 1 signed.", "details", true});
+    bar.show();
+    EXPECT_EQ(nativeBar()->GetButtonCount(), 2U);
+    EXPECT_EQ(buttons(), (std::vector<int>{ID_SHOW_DETAILS, wxID_CLOSE}));
+    bar.dismiss();
+    EXPECT_EQ(buttons(), (std::vector<int>{ID_ACCEPT_OFFER, wxID_CLOSE})) << "the offer is back";
+    EXPECT_FALSE(isAccepted);
+    wxCommandEvent click(wxEVT_BUTTON, ID_ACCEPT_OFFER);
+    nativeBar()->HandleWindowEvent(click);
+    EXPECT_FALSE(isAccepted) << "not in the button's own event";
+    tsRunUntil("it is accepted", [&] { return isAccepted; });
+    EXPECT_FALSE(nativeBar()->IsShown());
+    bar.setOffer("A key?", "Load", {});
+    bar.show();
+    bar.dismiss();
+    EXPECT_FALSE(nativeBar()->IsShown());
+    EXPECT_EQ(bar.offer(), "");
 }

@@ -32,7 +32,8 @@ protected:
                                                ++_progressQuestions;
                                                return _mayShowProgress;
                                            },
-                                           [this](const hoSummary& summary) { _unseenEnds.push_back(summary); }});
+                                           [this](const hoSummary& summary) { _unseenEnds.push_back(summary); },
+                                           [this] { return _preferences; }});
     }
     void TearDown() override
     {
@@ -83,6 +84,7 @@ protected:
     std::size_t _outcomes = 0;
     std::vector<hoSummary> _ends;
     std::vector<hoSummary> _unseenEnds;
+    hoPreferences _preferences;
 };
 }  // namespace
 
@@ -163,6 +165,49 @@ TEST_F(SigningController, TellsAnUnseenEndOfLongWork)
     waitForEnd(1);
     ASSERT_EQ(_unseenEnds.size(), 1U);
     EXPECT_EQ(_unseenEnds[0]._line, _ends[0]._line);
+}
+
+TEST_F(SigningController, KeepsSignaturesAsThePreferencesSay)
+{
+    _keys._private._pKey = newKey(1024);
+    std::vector<hoDocument> three = documents(3);
+    _pController->begin(Kind::Sign, {three[0], three[1]});
+    waitForEnd(1);
+    const std::string before = _folder.read("document0.sig");
+
+    // Nobody is asked.
+    _preferences._signedDocuments = hoSignedDocuments::KeepAll;
+    _pController->begin(Kind::Sign, three);
+    waitForEnd(2);
+    EXPECT_EQ(_ends[1]._line, "3 documents: 1 signed, 2 kept as they were.");
+    EXPECT_EQ(_folder.read("document0.sig"), before);
+
+    // The two that are known to be good are kept, and the user is asked about the third.
+    _preferences._signedDocuments = hoSignedDocuments::KeepGood;
+    three[0]._verdict._state = hoDocumentState::SignedByMe;
+    three[1]._verdict._state = hoDocumentState::Good;
+    three[2]._verdict._state = hoDocumentState::Bad;
+    showWith(new wxWindow(_pFrame, wxID_ANY));
+    const auto isQuestionUp = []
+    {
+        std::string title;
+        tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &title);
+        return title == "Countersign\n";
+    };
+    tsScript script;
+    script.waitUntil("the question is up", isQuestionUp).perform("replace", [] { tsPressKeys("alt+r"); }).start();
+    const std::string bad = _folder.read("document2.sig");
+    _pController->begin(Kind::Sign, three);
+    waitForEnd(3);
+    EXPECT_TRUE(script.isFinished());
+    EXPECT_EQ(_ends[2]._line, "3 documents: 1 signed, 2 kept as they were.");
+    EXPECT_EQ(_folder.read("document0.sig"), before);
+    EXPECT_NE(_folder.read("document2.sig"), bad) << "a countersignature has salt";
+
+    three.pop_back();
+    _pController->begin(Kind::Sign, three);
+    waitForEnd(4);
+    EXPECT_EQ(_ends[3]._line, "2 documents: 2 kept as they were.");
 }
 
 TEST_F(SigningController, TellsTheEndOnceWhereItIsSeen)

@@ -9,6 +9,8 @@
 namespace
 {
 using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
 
 class WindowMemory : public BareFrame
 {
@@ -58,6 +60,46 @@ TEST_F(WindowMemory, KeepsWidthsOfARunWithoutAList)
     hoWindowMemory memory(onProblem());
     memory.load();
     EXPECT_EQ(memory.columnWidths()[0], 100);
+}
+
+TEST_F(WindowMemory, ForgetsWhatThePreferencesDoNotWant)
+{
+    _pFrame->Show();
+    hoWindowMemory memory(onProblem());
+    memory.load();
+    memory.noteDocument("/document");
+    memory.noteKey("/key");
+    memory.settings().setText("folder", "/somewhere");
+    memory.settings().setText("keyFolder", "/elsewhere");
+    memory.save(*_pFrame, {100, 50});
+    const std::string before = _folder.read("countersign/settings");
+    for (const char* pSetting : {"recent.1=", "recentKey.1=", "folder=", "keyFolder=", "column.1=", "window."})
+    {
+        EXPECT_THAT(before, HasSubstr(pSetting));
+    }
+
+    hoPreferences preferences;
+    preferences._isPlaceRemembered = false;
+    memory.setPreferences(preferences);
+    memory.save(*_pFrame, {100, 50});
+    const std::string withoutPlace = _folder.read("countersign/settings");
+    EXPECT_THAT(withoutPlace, Not(HasSubstr("column.")));
+    EXPECT_THAT(withoutPlace, Not(HasSubstr("window.")));
+    EXPECT_THAT(withoutPlace, HasSubstr("recent.1="));
+
+    preferences._areRecentRemembered = false;
+    memory.setPreferences(preferences);
+    memory.noteDocument("/other");
+    memory.noteKey("/other");
+    memory.save(*_pFrame, {100, 50});
+    EXPECT_THAT(memory.recentDocuments().paths(), ElementsAre());
+    EXPECT_THAT(memory.recentKeys().paths(), ElementsAre());
+    EXPECT_EQ(memory.settings().text("folder"), "/somewhere") << "this run goes on with it";
+    const std::string withoutLists = _folder.read("countersign/settings");
+    for (const char* pSetting : {"recent.1=", "recentKey.", "folder=", "keyFolder="})
+    {
+        EXPECT_THAT(withoutLists, Not(HasSubstr(pSetting)));
+    }
 }
 
 TEST_F(WindowMemory, LeavesAFileThatItCannotReadAsItIs)

@@ -7,8 +7,10 @@
 #include "host/window/hoDetailsDialog.h"
 #include "host/window/hoDocumentDropTarget.h"
 #include "host/window/hoEncryptionDialog.h"
+#include "host/window/hoKeyInformationDialog.h"
 #include "host/window/hoNewKeyDialog.h"
 #include "host/window/hoPassphraseDialog.h"
+#include "host/window/hoPreferencesDialog.h"
 
 #include <gmock/gmock.h>
 #include <wx/settings.h>
@@ -100,6 +102,8 @@ TEST_F(WindowPlace, IsEnoughOnASmallScreen)
     keys._publics = {key, key};
     expectSmall(*new hoEncryptionDialog(_pFrame, keys), "texts");
     expectSmall(*new hoNewKeyDialog(_pFrame, gtString("/home/somebody/" + std::string(100, 'n'))), "new key pair");
+    expectSmall(*new hoPreferencesDialog(_pFrame, hoPreferences()), "preferences");
+    expectSmall(*new hoKeyInformationDialog(_pFrame, keys), "key information");
     expectSmall(*new hoDetailsDialog(_pFrame, "Details", wxString('n', 1000), "text"), "details");
     expectSmall(*new hoPassphraseDialog(_pFrame, "Passphrase of " + wxString('n', 60)), "passphrase");
 }
