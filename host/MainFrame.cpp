@@ -59,6 +59,7 @@ MainFrame::MainFrame()
                 },
                 [this] { return !_assertions.isDeciding(); },
                 [](const hoSummary& summary) { hoNotify(gtBytesFromText(summary._line)); },
+                [this](double part) { _taskbarProgress.show(part); }, [this] { _taskbarProgress.end(); },
                 [this] { return _memory.preferences(); }}),
       _assertions(*this, {[this](const wxString& text) { _pStatusBar->showNotice(text); },
                           [this]

@@ -20,6 +20,7 @@
 #include "host/desktop/hoDisplayLoss.h"
 #include "host/desktop/hoEndSignals.h"
 #include "host/desktop/hoSingleInstance.h"
+#include "host/desktop/hoTaskbarProgress.h"
 #include "host/window/hoAssertionController.h"
 #include "host/window/hoDocumentCommands.h"
 #include "host/window/hoDocumentsView.h"
@@ -101,6 +102,7 @@ private:
     hoMessageBar _messageBar;
     hoWindowMemory _memory;
     hoKeyController _keys;
+    hoTaskbarProgress _taskbarProgress;
     hoSigningController _signing;
     hoAssertionController _assertions;
     hoDocumentCommands _documentCommands;

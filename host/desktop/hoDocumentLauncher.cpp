@@ -2,6 +2,7 @@
 #include "host/desktop/hoDocumentLauncher.h"
 
 #include "host/desktop/hoBusAddress.h"
+#include "host/desktop/hoBusConnection.h"
 
 #include <gio/gio.h>
 
@@ -105,10 +106,8 @@ public:
             openFolders(std::move(pRequest));
             return;
         }
-        const int flags =
-            G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION;
-        g_dbus_connection_new_for_address(address.asCharArray(), static_cast<GDBusConnectionFlags>(flags), nullptr,
-                                          nullptr, &Request::onConnected, pRequest.release());
+        g_dbus_connection_new_for_address(address.asCharArray(), hoBusConnectionFlags(), nullptr, nullptr,
+                                          &Request::onConnected, pRequest.release());
     }
 
 private:

@@ -2,6 +2,7 @@
 #include "host/desktop/hoNotification.h"
 
 #include "host/desktop/hoBusAddress.h"
+#include "host/desktop/hoBusConnection.h"
 
 #include <gio/gio.h>
 
@@ -55,7 +56,6 @@ void hoNotify(const gtString& line)
     {
         return;
     }
-    const int flags = G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION;
-    g_dbus_connection_new_for_address(address.asCharArray(), static_cast<GDBusConnectionFlags>(flags), nullptr, nullptr,
-                                      &onConnected, std::make_unique<gtString>(line).release());
+    g_dbus_connection_new_for_address(address.asCharArray(), hoBusConnectionFlags(), nullptr, nullptr, &onConnected,
+                                      std::make_unique<gtString>(line).release());
 }

@@ -2,6 +2,7 @@
 #include "host/desktop/hoSessionBus.h"
 
 #include "host/desktop/hoBusAddress.h"
+#include "host/desktop/hoBusConnection.h"
 #include "host/desktop/hoUriList.h"
 
 #include <gio/gio.h>
@@ -119,10 +120,8 @@ public:
         {
             return false;
         }
-        const int flags =
-            G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION;
-        _pBus.reset(g_dbus_connection_new_for_address_sync(
-            address.asCharArray(), static_cast<GDBusConnectionFlags>(flags), nullptr, nullptr, nullptr));
+        _pBus.reset(g_dbus_connection_new_for_address_sync(address.asCharArray(), hoBusConnectionFlags(), nullptr,
+                                                           nullptr, nullptr));
         return _pBus != nullptr;
     }
 

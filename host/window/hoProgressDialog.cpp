@@ -20,6 +20,13 @@ const int gaugeRange = 1000;
 const int width = 420;
 }  // namespace
 
+double hoDonePart(const hoSigningJob::Progress& progress)
+{
+    return progress._bytesInAll == 0
+               ? 0
+               : static_cast<double>(progress._bytesDone) / static_cast<double>(progress._bytesInAll);
+}
+
 hoProgressDialog::hoProgressDialog(wxWindow* pParent, hoSigningJob& work)
     : wxDialog(pParent, wxID_ANY,
                work.kind() == hoSigningJob::Kind::Sign ? _("Signing documents") : _("Testing documents")),
@@ -54,10 +61,7 @@ void hoProgressDialog::showProgress()
         hoFilledText(_("%1$s of %2$s: %3$s"),
                      {hoNumber(std::min(progress._documentsDone + 1, _work.amountOfDocuments())),
                       hoNumber(_work.amountOfDocuments()), hoDisplayText(hoLastComponent(progress._path), 80)}));
-    const double part = progress._bytesInAll == 0
-                            ? 0
-                            : static_cast<double>(progress._bytesDone) / static_cast<double>(progress._bytesInAll);
-    _pGauge->SetValue(static_cast<int>(part * gaugeRange));
+    _pGauge->SetValue(static_cast<int>(hoDonePart(progress) * gaugeRange));
     _pBytes->SetLabelText(_work.isCancelled()
                               ? _("Cancelling...")
                               : hoFilledText(_("%1$s of %2$s"), {gtTextFromBytes(hoSizeText(progress._bytesDone)),

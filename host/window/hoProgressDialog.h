@@ -10,6 +10,9 @@
 class wxGauge;
 class wxStaticText;
 
+// How much of the bytes is done, from 0 to 1.
+double hoDonePart(const hoSigningJob::Progress& progress);
+
 class hoProgressDialog : public wxDialog
 {
 public:

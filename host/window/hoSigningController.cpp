@@ -55,6 +55,7 @@ hoSigningController::hoSigningController(wxWindow& parent, const hoKeyRing& keys
                        {
                            _pProgressDialog = new hoProgressDialog(&_parent, *_pJob);
                            _pProgressDialog->Show();
+                           showProgress();
                        }
                    });
 }
@@ -228,7 +229,7 @@ void hoSigningController::follow()
     }
     else if (_pProgressDialog != nullptr)
     {
-        _pProgressDialog->showProgress();
+        showProgress();
     }
 }
 
@@ -244,11 +245,24 @@ void hoSigningController::end()
     }
 }
 
+void hoSigningController::showProgress()
+{
+    _pProgressDialog->showProgress();
+    if (_callbacks._onProgress)
+    {
+        _callbacks._onProgress(hoDonePart(_pJob->progress()));
+    }
+}
+
 void hoSigningController::closeProgressDialog()
 {
     if (_pProgressDialog != nullptr)
     {
         _pProgressDialog->Destroy();
         _pProgressDialog = nullptr;
+        if (_callbacks._onProgressEnd)
+        {
+            _callbacks._onProgressEnd();
+        }
     }
 }

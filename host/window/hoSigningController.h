@@ -32,6 +32,10 @@ public:
         std::function<bool()> _mayShowProgress = {};
         // After _onEnd, of a job that took long enough to show its progress, when no window of the program is in front.
         std::function<void(const hoSummary& summary)> _onUnseenEnd = {};
+        // How far a job is that takes long enough to show its progress, from 0 to 1; and that it no longer runs. The
+        // second comes before _onEnd, and alone where the job is given up.
+        std::function<void(double part)> _onProgress = {};
+        std::function<void()> _onProgressEnd = {};
         // Empty: nothing has been chosen.
         std::function<hoPreferences()> _preferences = {};
     };
@@ -69,6 +73,7 @@ private:
     void onJobChange();
     void follow();
     void end();
+    void showProgress();
     void closeProgressDialog();
 
     wxWindow& _parent;

@@ -4,6 +4,8 @@
 #ifndef COUNTERSIGN_TESTS_RECORDING_BUS_H
 #define COUNTERSIGN_TESTS_RECORDING_BUS_H
 
+#include "host/desktop/hoBusConnection.h"
+
 #include <gio/gio.h>
 #include <gtest/gtest.h>
 
@@ -12,6 +14,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 inline void runMainContextUntil(const std::function<bool()>& condition)
 {
@@ -33,18 +36,9 @@ public:
     RecordingBus(const std::string& path, const std::string& interface, const std::string& answer)
         : _pBus(g_test_dbus_new(G_TEST_DBUS_NONE)), _answer(answer)
     {
-        // It takes the display away, which windows need.
-        const char* const pDisplay = std::getenv("DISPLAY");
-        const std::string display = pDisplay == nullptr ? "" : pDisplay;
-        g_test_dbus_up(_pBus);
-        if (pDisplay != nullptr)
-        {
-            setenv("DISPLAY", display.c_str(), 1);
-        }
-        const int flags =
-            G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION;
-        _pService = g_dbus_connection_new_for_address_sync(
-            g_test_dbus_get_bus_address(_pBus), static_cast<GDBusConnectionFlags>(flags), nullptr, nullptr, nullptr);
+        keepDisplay([this] { g_test_dbus_up(_pBus); });
+        _pService = g_dbus_connection_new_for_address_sync(g_test_dbus_get_bus_address(_pBus), hoBusConnectionFlags(),
+                                                           nullptr, nullptr, nullptr);
         _pNode = g_dbus_node_info_new_for_xml(("<node>" + interface + "</node>").c_str(), nullptr);
         g_dbus_connection_register_object(_pService, path.c_str(), _pNode->interfaces[0], &_table, this, nullptr,
                                           nullptr);
@@ -58,7 +52,7 @@ public:
         g_dbus_connection_close_sync(_pService, nullptr, nullptr);
         g_object_unref(_pService);
         g_dbus_node_info_unref(_pNode);
-        g_test_dbus_down(_pBus);
+        keepDisplay([this] { g_test_dbus_down(_pBus); });
         g_object_unref(_pBus);
     }
     RecordingBus(const RecordingBus&) = delete;
@@ -76,7 +70,22 @@ public:
     // The methods with their arguments, as GVariant prints them.
     const std::string& calls() const { return _calls; }
 
+protected:
+    GDBusConnection* service() const { return _pService; }
+
 private:
+    // GLib's bus takes the display away, which windows need.
+    static void keepDisplay(const std::function<void()>& action)
+    {
+        const char* const pDisplay = std::getenv("DISPLAY");
+        const std::string display = pDisplay == nullptr ? "" : pDisplay;
+        action();
+        if (!display.empty())
+        {
+            setenv("DISPLAY", display.c_str(), 1);
+        }
+    }
+
     static void onCall(GDBusConnection*, const char*, const char*, const char*, const char* pMethod,
                        GVariant* pArguments, GDBusMethodInvocation* pCall, void* pBus)
     {
@@ -94,6 +103,36 @@ private:
     guint _name = 0;
     const std::string _answer;
     std::string _calls;
+};
+
+// What a sender tells of its launcher's entry, as a task bar hears it.
+class TaskbarBus : public RecordingBus
+{
+public:
+    TaskbarBus() : RecordingBus("/unused", "<interface name='org.example.Unused'/>", "()")
+    {
+        g_dbus_connection_signal_subscribe(service(), nullptr, "com.canonical.Unity.LauncherEntry", "Update", nullptr,
+                                           nullptr, G_DBUS_SIGNAL_FLAGS_NONE, &onSignal, this, nullptr);
+        // The bus has the subscription before anything that is sent from now on.
+        GVariant* const pAnswer = g_dbus_connection_call_sync(
+            service(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId", nullptr,
+            nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+        g_variant_unref(pAnswer);
+    }
+
+    // The arguments, as GVariant prints them.
+    const std::vector<std::string>& updates() const { return _updates; }
+
+private:
+    static void onSignal(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant* pArguments,
+                         void* pBus)
+    {
+        char* const pText = g_variant_print(pArguments, FALSE);
+        static_cast<TaskbarBus*>(pBus)->_updates.emplace_back(pText);
+        g_free(pText);
+    }
+
+    std::vector<std::string> _updates;
 };
 
 // The one that shows notifications.

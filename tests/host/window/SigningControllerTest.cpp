@@ -33,6 +33,7 @@ protected:
                                                return _mayShowProgress;
                                            },
                                            [this](const hoSummary& summary) { _unseenEnds.push_back(summary); },
+                                           [this](double part) { _parts.push_back(part); }, [this] { ++_progressEnds; },
                                            [this] { return _preferences; }});
     }
     void TearDown() override
@@ -84,6 +85,8 @@ protected:
     std::size_t _outcomes = 0;
     std::vector<hoSummary> _ends;
     std::vector<hoSummary> _unseenEnds;
+    std::vector<double> _parts;
+    int _progressEnds = 0;
     hoPreferences _preferences;
 };
 }  // namespace
@@ -165,6 +168,25 @@ TEST_F(SigningController, TellsAnUnseenEndOfLongWork)
     waitForEnd(1);
     ASSERT_EQ(_unseenEnds.size(), 1U);
     EXPECT_EQ(_unseenEnds[0]._line, _ends[0]._line);
+}
+
+TEST_F(SigningController, TellsHowFarLongWorkIs)
+{
+    signUntilProgress();
+    tsRunUntil("it is told", [this] { return !_parts.empty(); });
+    EXPECT_EQ(_progressEnds, 0);
+    _pController->stop();
+    EXPECT_EQ(_progressEnds, 1);
+    for (const double part : _parts)
+    {
+        EXPECT_GE(part, 0);
+        EXPECT_LE(part, 1);
+    }
+    const std::size_t told = _parts.size();
+    _pController->begin(Kind::Sign, documents(1));
+    waitForEnd(1);
+    EXPECT_EQ(_parts.size(), told) << "short work";
+    EXPECT_EQ(_progressEnds, 1);
 }
 
 TEST_F(SigningController, KeepsSignaturesAsThePreferencesSay)
