@@ -68,7 +68,7 @@ rm "$documents/backup.img"
 COUNTERSIGN_PICTURE_KEYS="alt+d a alt+d f Return alt+d f alt+d r" mainWindow assertion-report
 
 COUNTERSIGN_PICTURE_KEYS="alt+h a" mainWindow about
-COUNTERSIGN_PICTURE_KEYS="ctrl+comma" mainWindow preferences
+XDG_CONFIG_HOME=$files/usual COUNTERSIGN_PICTURE_KEYS="ctrl+comma" mainWindow preferences
 COUNTERSIGN_PICTURE_KEYS="$keys ctrl+e type:Meet-me-at-noon. alt+e" mainWindow texts
 
 COUNTERSIGN_PICTURE_KEYS="alt+k n" mainWindow new-key-pair

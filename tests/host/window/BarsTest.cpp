@@ -91,6 +91,11 @@ protected:
                      }
                      GtkAllocation place;
                      gtk_widget_get_allocation(pWidget, &place);
+                     if (place.width <= 1)
+                     {
+                         // It is new and has no place yet.
+                         return;
+                     }
                      int x = 0;
                      int y = 0;
                      gdk_window_get_origin(gtk_widget_get_window(pWidget), &x, &y);
