@@ -3,6 +3,7 @@
 
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoTexts.h"
+#include "platform/toolkit/gtTakeNewSize.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/display.h>
@@ -227,6 +228,8 @@ void hoWindowMemory::save(const wxFrame& frame, const std::vector<int>& columnWi
     {
         _settings.setNumber(columnSetting(++column), width);
     }
+    // Whoever closes a window right after giving it another size finds it in that size.
+    gtTakeNewSize(frame);
     // In its first moments on the screen a window may be smaller than its least size.
     const bool hasItsSize = frame.GetSize().x >= frame.GetMinSize().x && frame.GetSize().y >= frame.GetMinSize().y;
     if (frame.IsShown() && !frame.IsIconized() && hasItsSize)
