@@ -295,7 +295,7 @@ END
             '(mp|sp)[A-Z][A-Za-z0-9]*$|conv_to_base$|ceilToUnsigned$|copyright_notice$'
         # Digit functions and new keys are for our own libraries and programs.
         expectOnlyPublicSymbols "$libraries/libcountersign-crypto.so" 'cr[A-Z]'
-        expectOnlyPublicSymbols "$libraries/libcountersign-keys.so" 'ho(Load|Key|Is(KeyFile|LibcryptoMemoryWiped)|NewKeyPair|IPassphraseSource|FixedWidthText|(Short)?Fingerprint|PublicKeyPem|TryKeyFolder)'
+        expectOnlyPublicSymbols "$libraries/libcountersign-keys.so" 'ho(Load|Key|Is(KeyFile|LibcryptoMemoryWiped|SamePair|SameRing)|NewKeyPair|IPassphraseSource|FixedWidthText|(Short)?Fingerprint|PublicKeyPem|TryKeyFolder)'
         # And the package of shared libraries: whoever links it needs nothing of what they stand on.
         installed=$moved
         moved="$here/third place"
