@@ -12,6 +12,7 @@
 #include "tests/support/tsProcess.h"
 
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 namespace
 {
@@ -61,6 +62,8 @@ TEST_F(DocumentNames, OfAFolderAreSortedAndWithoutSignatures)
     fs::create_symlink("a", _folder / "tree/inside");
     ASSERT_EQ(mkfifo((_folder / "tree/pipe").c_str(), 0600), 0);
     _folder.write("tree/.countersign-12-0.tmp", "half a signature");
+    // Also one whose document has gone.
+    _folder.write("tree/gone.sig", "a signature");
     const tsOutcome outcome = run({"sign", "-r", "-k", "private.pem", "tree"});
     EXPECT_EQ(outcome._exitStatus, 0) << outcome._errors;
     EXPECT_EQ(outcome._errors, "");
@@ -77,6 +80,9 @@ TEST_F(DocumentNames, OfAFolderAreSortedAndWithoutSignatures)
         EXPECT_THAT(test._output, HasSubstr("/b/deep/two\\nlines: good\n"));
     }
     EXPECT_EQ(run({"test", "-r", "-k", "public.pem", "tree"})._output, goodTree);
+    const tsOutcome digests = run({"digest", "-r", "-k", "public.pem", "tree"});
+    EXPECT_THAT(digests._output, HasSubstr("  tree/b/one\n"));
+    EXPECT_THAT(digests._output, Not(HasSubstr(".sig")));
     EXPECT_EQ(run({"test", "-r", "-k", "public.pem", "tree/c", "tree/b"})._output,
               "tree/c: good\ntree/b/deep/two\\nlines: good\ntree/b/one: good\n");
     // A link that is named is followed.

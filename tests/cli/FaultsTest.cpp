@@ -275,3 +275,24 @@ TEST_F(Faults, OfTheParserAreTold)
         17);
     EXPECT_GT(number, 100);
 }
+
+TEST_F(Faults, OfAWrittenPairLeaveBothKeysOrNone)
+{
+    const std::vector<std::string> before = _folder.names();
+    for (const Fault& fault : {Fault{"fsync", EIO, false}, Fault{"link", EACCES, false}})
+    {
+        const int failed = failEach(fault, {"keygen", "--bits", "512", "--no-passphrase", "-o", "new"}, "",
+                                    [&](const tsOutcome& outcome)
+                                    {
+                                        const bool isMade = outcome._exitStatus == 0;
+                                        EXPECT_EQ(_folder.has("new.pem"), isMade);
+                                        EXPECT_EQ(_folder.has("new.pub.pem"), isMade);
+                                        EXPECT_EQ(_folder.names().size(), before.size() + (isMade ? 3U : 1U));
+                                        static_cast<void>(unlink((_folder / "new.pem").c_str()));
+                                        static_cast<void>(unlink((_folder / "new.pub.pem").c_str()));
+                                    });
+        EXPECT_GE(failed, 2) << fault.call << ", for each of the two files";
+        static_cast<void>(unlink((_folder / "new.pem").c_str()));
+        static_cast<void>(unlink((_folder / "new.pub.pem").c_str()));
+    }
+}

@@ -5,7 +5,11 @@
 // repeats them.
 #include <algorithm>
 #include <chrono>
+#include <csignal>
+#include <cstddef>
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <random>
 #include <sstream>
 #include <string>
@@ -129,6 +133,73 @@ TEST_F(Jobs, TakePipesOneAfterTheOther)
 {
     ASSERT_EQ(mkfifo((_folder / "pipe").c_str(), 0600), 0);
     expectSame({"digest", "-k", "public.pem"}, {"d110", "/dev/null", "d111"});
+}
+
+TEST_F(Jobs, AreThatManyThreads)
+{
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the thread sanitizer's runtime has a thread of its own";
+#endif
+    Arguments documents;
+    for (const char* pName : {"large 1", "large 2", "large 3", "large 4", "large 5"})
+    {
+        // Holes, which take no room on the disk, and are read for longer than it takes until the progress appears.
+        _folder.write(pName, "");
+        ASSERT_EQ(truncate((_folder / pName).c_str(), off_t{1} << 36), 0);
+        documents.emplace_back(pName);
+    }
+    struct Case
+    {
+        const char* _pJobs;
+        std::ptrdiff_t _threads;  // the first one prints; a single job is its own
+    };
+    for (const Case& wanted : {Case{"1", 1}, Case{"3", 4}, Case{"4", 5}})
+    {
+        std::ptrdiff_t threads = 0;
+        tsCommand sign = command(with({"sign", "-k", "private.pem"}, wanted._pJobs, documents));
+        sign._hasTerminal = true;
+        sign._type = [&threads](const std::string& printed, pid_t process)
+        {
+            if (threads != 0 || printed.find(" % of ") == std::string::npos)
+            {
+                return "";
+            }
+            const std::filesystem::path folder = "/proc/" + std::to_string(process) + "/task";
+            threads = std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
+            return "\x03";
+        };
+        EXPECT_EQ(tsRun(sign)._signal, SIGINT);
+        EXPECT_EQ(threads, wanted._threads) << wanted._pJobs;
+    }
+}
+
+TEST_F(Jobs, LetFewSignaturesWaitForALongDocument)
+{
+    Arguments documents = {"large"};
+    _folder.write("large", "");
+    ASSERT_EQ(truncate((_folder / "large").c_str(), off_t{1} << 36), 0);
+    for (int number = 0; number < 200; ++number)
+    {
+        documents.push_back("s" + std::to_string(number));
+        _folder.write(documents.back(), "short");
+    }
+    const std::size_t namesBefore = _folder.names().size();
+    std::size_t mostNames = 0;
+    tsCommand sign = command(with({"sign", "-k", "private.pem"}, "2", documents));
+    sign._hasTerminal = true;
+    std::size_t looks = 0;
+    sign._type = [&](const std::string& printed, pid_t)
+    {
+        // The progress comes a second after the beginning, and then again and again.
+        const bool isAtWork = printed.find(" % of ") != std::string::npos;
+        mostNames = std::max(mostNames, isAtWork ? _folder.names().size() : 0);
+        looks += isAtWork ? 1U : 0U;
+        return looks == 10 ? "\x03" : "";
+    };
+    EXPECT_EQ(tsRun(sign)._signal, SIGINT);
+    EXPECT_GE(looks, 10U);
+    EXPECT_GT(mostNames, namesBefore) << "signatures of the short ones";
+    EXPECT_LE(mostNames, namesBefore + 32) << "sixteen for each job";
 }
 
 TEST_F(Jobs, AreANumber)

@@ -16,6 +16,7 @@
 
 #include "cliTestSupport.h"
 #include "host/keys/hoKeyFile.h"
+#include "tests/support/tsProcess.h"
 
 namespace
 {
@@ -78,6 +79,23 @@ protected:
         }
     }
 
+    // The names of the secrets that are in the process's memory.
+    std::vector<std::string> namesFoundIn(pid_t process) const
+    {
+        std::vector<std::string> found;
+        for (const std::string& bytes : memoryOf(process))
+        {
+            for (const Secret& secret : _secrets)
+            {
+                if (bytes.find(secret.bytes) != std::string::npos)
+                {
+                    found.push_back(secret.name);
+                }
+            }
+        }
+        return found;
+    }
+
     // Runs the program, and gives the names of the secrets that are in its memory at its end.
     std::vector<std::string> leftBy(const std::vector<std::string>& arguments, const std::string& input)
     {
@@ -112,16 +130,7 @@ protected:
             if (WIFSTOPPED(status) && (status >> 8) == (SIGTRAP | (PTRACE_EVENT_EXIT << 8)))
             {
                 isSeen = true;
-                for (const std::string& bytes : memoryOf(process))
-                {
-                    for (const Secret& secret : _secrets)
-                    {
-                        if (bytes.find(secret.bytes) != std::string::npos)
-                        {
-                            found.push_back(secret.name);
-                        }
-                    }
-                }
+                found = namesFoundIn(process);
             }
             EXPECT_EQ(ptrace(PTRACE_CONT, process, nullptr, nullptr), 0);
             if (waitpid(process, &status, 0) != process)
@@ -157,6 +166,45 @@ TEST_F(MemoryAtExit, HoldsNoPrivateKey)
     _folder.write("second", "s");
     EXPECT_EQ(leftBy({"sign", "-f", "-j", "2", "-k", "private.pem", "report", "second"}, ""), Names());
     EXPECT_EQ(leftBy({"encrypt", "-p", "-k", "private.pem"}, "x"), Names());
+}
+
+TEST_F(MemoryAtExit, HoldsNoPrivateKeyWhileItTests)
+{
+    _folder.write("huge", "");
+    ASSERT_EQ(truncate((_folder / "huge").c_str(), off_t{1} << 36), 0);
+    tsCommand sign;
+    sign._arguments = {COUNTERSIGN_PROGRAM, "sign", "-k", "private.pem", "report"};
+    sign._folder = _folder.path();
+    _folder.write("report", "contents");
+    ASSERT_EQ(tsRun(sign)._exitStatus, 0);
+    _folder.write("huge.sig", _folder.read("report.sig"));
+    for (const char* pCommand : {"test", "sign"})
+    {
+        std::vector<std::string> found;
+        bool isSeen = false;
+        tsCommand work;
+        work._arguments = {COUNTERSIGN_PROGRAM, pCommand, "-k", "private.pem", "huge"};
+        if (std::string(pCommand) == "sign")
+        {
+            work._arguments.insert(work._arguments.begin() + 2, "--force");
+        }
+        work._folder = _folder.path();
+        work._hasTerminal = true;
+        work._type = [&](const std::string& printed, pid_t process)
+        {
+            if (isSeen || printed.find(" % of ") == std::string::npos)
+            {
+                return "";
+            }
+            isSeen = true;
+            found = namesFoundIn(process);
+            return "\x03";
+        };
+        tsRun(work);
+        EXPECT_TRUE(isSeen);
+        // The search finds the key where it is needed.
+        EXPECT_EQ(found.empty(), std::string(pCommand) == "test") << pCommand;
+    }
 }
 
 TEST_F(MemoryAtExit, HoldsNoText)

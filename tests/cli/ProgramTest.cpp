@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 // The program from outside: what it prints where, how it ends, and what it leaves on the disk.
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <sched.h>
+#include <sstream>
 #include <string>
 #include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
@@ -16,6 +19,7 @@
 
 #include "Program.h"
 #include "cliTestSupport.h"
+#include "tests/host/SlowKey.h"
 #include "tests/support/tsProcess.h"
 
 using ::testing::EndsWith;
@@ -32,6 +36,20 @@ const std::string oldSignature = "00000078" + std::string(256, '0') + "\n";
 const std::vector<std::string> names = {"plain",    "with blanks", "two\nlines", "tab\t",     "-dash", "--key",
                                         "[a,b]",    "[]",          "*",          "quote's\"", "$HOME", "back\\slash",
                                         "\xff\xfe", "\xC3\xA4",    "%s%n",       "~",         "a;b",   ".hidden"};
+
+// The time of the processor that a process has taken for itself, of its "stat" file: the twelfth field behind its name.
+unsigned long ticksOfProcessor(const std::string& facts)
+{
+    std::istringstream fields(facts.substr(facts.rfind(')') + 1));
+    std::string ignored;
+    for (int i = 0; i < 11; ++i)
+    {
+        fields >> ignored;
+    }
+    unsigned long ticks = 0;
+    fields >> ticks;
+    return ticks;
+}
 
 }  // namespace
 
@@ -653,6 +671,64 @@ TEST_F(Program, TellsWhatOfItsStandardStreamsIsClosed)
 }
 
 // The second document is so large that the program is still at it when the first one's line is read.
+TEST_F(Program, EndsAtOnceByASecondInterrupt)
+{
+    // libcrypto does not let anybody end the derivation of its key, which the first interrupt waits for.
+    const std::string key = slowKey();
+    ASSERT_NE(key, "");
+    _folder.write("slow.pem", key);
+    _folder.write("passphrase", "sesame\n");
+    const pid_t program = fork();
+    if (program == 0)
+    {
+        const char* const arguments[] = {COUNTERSIGN_PROGRAM, "key",        "-k",   "slow.pem",
+                                         "--passphrase-file", "passphrase", nullptr};
+        if (chdir(_folder.path().c_str()) == 0)
+        {
+            execv(COUNTERSIGN_PROGRAM, const_cast<char* const*>(arguments));
+        }
+        _exit(99);
+    }
+    ASSERT_GT(program, 0);
+    const std::string folder = "/proc/" + std::to_string(program);
+    const auto patience = std::chrono::steady_clock::now() + std::chrono::minutes(2);
+    int status = 0;
+    bool hasEnded = false;
+    for (bool isAtWork = false; !hasEnded && std::chrono::steady_clock::now() < patience;)
+    {
+        // It is at work on the key once it has taken so much time of the processor.
+        isAtWork = isAtWork || ticksOfProcessor(readFile(folder + "/stat")) > 20;
+        if (isAtWork)
+        {
+            kill(program, SIGINT);
+        }
+        usleep(10000);
+        hasEnded = waitpid(program, &status, WNOHANG) == program;
+    }
+    if (!hasEnded)
+    {
+        kill(program, SIGKILL);
+        waitpid(program, &status, 0);
+    }
+    EXPECT_TRUE(hasEnded);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
+}
+
+TEST_F(Program, SaysWhatIsWrongWithAFileInFrontOfItsLine)
+{
+    for (const char* pName : {"good", "unsigned", "also good"})
+    {
+        _folder.write(pName, "contents");
+    }
+    outputOf({"sign", "-k", "private.pem", "good", "also good"});
+    tsCommand toOnePlace = command({"test", "-k", "public.pem", "good", "unsigned", "also good"});
+    toOnePlace._arguments.insert(toOnePlace._arguments.begin(), {"/bin/sh", "-c", "exec \"$0\" \"$@\" 2>&1"});
+    const tsOutcome outcome = tsRun(toOnePlace);
+    EXPECT_EQ(outcome._exitStatus, 2);
+    EXPECT_THAT(outcome._output, ::testing::MatchesRegex("good: good\ncountersign: unsigned.sig: [^\n]*\n"
+                                                         "unsigned: not signed\nalso good: good\n"));
+}
+
 TEST_F(Program, PrintsEachLineWhenItIsDone)
 {
     _folder.write("first", "contents");

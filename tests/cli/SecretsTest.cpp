@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 // After a key is used and gone, nothing of it stands anywhere in the process's memory: not in freed blocks, not in
 // libcrypto's, not on the stack.
+#include <fcntl.h>
 #include <memory>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "cli/clStandardStreams.h"
 #include "cliTestSupport.h"
 #include "host/keys/hoKeyFile.h"
 #include "host/signing/hoFileSigning.h"
 #include "host/signing/hoTextEncryption.h"
+#include "platform/baseTools/gtWipe.h"
 #include "tests/support/tsSecrets.h"
 
 namespace
@@ -64,5 +68,22 @@ TEST_F(Secrets, OfAKeyAreGoneWithIt)
         {
             EXPECT_EQ(tsTimesInMemory(secret), 0) << pName << ": " << secret._name;
         }
+    }
+}
+
+TEST_F(Secrets, OfAnInputAreGoneWithItsText)
+{
+    const std::vector<tsSecret> secrets = tsSecretsOfPassphrase();
+    const int input = open((_folder / "passphrase").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(input, 0);
+    {
+        gtWipedText text;
+        ASSERT_EQ(clReadDescriptor(input, text._text, 4096), 0);
+        EXPECT_EQ(tsTimesInMemory(secrets.front()), 1) << "the text, and no buffer";
+    }
+    close(input);
+    for (const tsSecret& secret : secrets)
+    {
+        EXPECT_EQ(tsTimesInMemory(secret), 0) << secret._name;
     }
 }

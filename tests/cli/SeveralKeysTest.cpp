@@ -69,6 +69,12 @@ TEST_F(SeveralKeys, ComeFromAFolder)
     ASSERT_EQ(symlink("../public.pem", (_folder / "more/by link").c_str()), 0);
     EXPECT_EQ(outputOf({"test", "--key-dir", "keys", "--key-dir", "more", "a", "b"}),
               "a: good, more/by link\nb: good, keys/bob.pub\n");
+    // The same key under several names has the first of them.
+    for (const char* pName : {"z", "a", "m"})
+    {
+        ASSERT_EQ(symlink("../public.pem", (_folder / (std::string("more/") + pName)).c_str()), 0);
+    }
+    EXPECT_EQ(outputOf({"test", "--key-dir", "more", "a"}), "a: good, more/a\n");
 }
 
 TEST_F(SeveralKeys, OfAFolderAreTriedWithoutItsOtherFiles)

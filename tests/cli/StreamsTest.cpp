@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Documents and keys from standard input and pipes.
+#include <chrono>
+#include <csignal>
 #include <string>
 #include <sys/stat.h>
 
 #include "Program.h"
+#include "tests/support/tsSignalled.h"
 
 using ::testing::HasSubstr;
 
@@ -172,4 +175,10 @@ TEST_F(Streams, ThatAreWaitedForCanBeInterrupted)
     const tsOutcome outcome = runInShell("\"$0\" digest -k public.pem pipe & kill -TERM $!; wait $!");
     EXPECT_EQ(outcome._exitStatus, 128 + 15);
     EXPECT_EQ(outcome._output, "");
+    // The same once it waits, which it does after the first line.
+    _folder.write("first", "contents");
+    const tsOutcome waiting = tsRunSignalled(command({"digest", "-k", "public.pem", "first", "pipe"}), SIGTERM,
+                                             std::chrono::milliseconds(100), true);
+    EXPECT_EQ(waiting._signal, SIGTERM);
+    EXPECT_THAT(waiting._output, ::testing::EndsWith("  first\n"));
 }
