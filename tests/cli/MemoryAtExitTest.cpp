@@ -39,8 +39,10 @@ std::vector<std::string> memoryOf(pid_t process)
     {
         unsigned long begin = 0;
         unsigned long end = 0;
-        char rights[5] = {};
-        if (sscanf(line.c_str(), "%lx-%lx %4s", &begin, &end, rights) != 3 || rights[1] != 'w')
+        char dash = '\0';
+        std::string rights;
+        std::istringstream fields(line);
+        if (!(fields >> std::hex >> begin >> dash >> end >> rights) || rights[1] != 'w')
         {
             continue;
         }
