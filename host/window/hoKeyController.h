@@ -46,8 +46,8 @@ public:
 
     // Asks for a file, or for several with public keys, and loads what is in it.
     void chooseKey(Half half);
-    // Loads a key, and asks for its passphrase. Says in a message what is wrong with it. A private key takes the place of
-    // the one before; a public one comes to the others.
+    // Loads a key, and asks for its passphrase. Says in a message what is wrong with it. A private key takes the place
+    // of the one before; a public one comes to the others.
     void loadKey(const gtString& path, Half half);
     // Makes a new pair and loads its private key.
     void makeKeyPair();

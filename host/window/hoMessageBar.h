@@ -3,8 +3,9 @@
 // blocks.
 //
 // Documents that could not be opened come first, then the result of the last signing or testing, then a warning about a
-// private key, then an offer, which has a button of its own instead of Details. What is set here is shown by show(), so that many changes of one event are one message. The native bar
-// is made when there is something to show. Main thread only.
+// private key, then an offer, which has a button of its own instead of Details. What is set here is shown by show(), so
+// that many changes of one event are one message. The native bar is made when there is something to show. Main thread
+// only.
 #ifndef COUNTERSIGN_HO_MESSAGE_BAR_H
 #define COUNTERSIGN_HO_MESSAGE_BAR_H
 

@@ -50,8 +50,9 @@ public:
     bool isAtWork() const { return _pJob != nullptr; }
     bool canBegin(hoSigningJob::Kind kind) const;
 
-    // Asks whether signatures that are there are to be replaced, unless the preferences say so, and begins. Nothing happens if canBegin is false, or
-    // if the user cancels. Where the system gives no thread a message says so: after _onBegin, and no _onEnd comes.
+    // Asks whether signatures that are there are to be replaced, unless the preferences say so, and begins. Nothing
+    // happens if canBegin is false, or if the user cancels. Where the system gives no thread a message says so: after
+    // _onBegin, and no _onEnd comes.
     void begin(hoSigningJob::Kind kind, const std::vector<hoDocument>& documents);
 
     // Whether the window is to be closed though a job runs: asks, above the parent. A second call while the question is

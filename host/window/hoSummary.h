@@ -14,8 +14,8 @@
 // Why a key file was not loaded, as a sentence with the file's name.
 wxString hoKeyProblemText(const gtString& path, const hoKeyFileFacts& facts);
 
-// A document's state; where several keys were loaded, with the one that it came from: "Good", a dot in the middle of the
-// line, "alice.pem".
+// A document's state; where several keys were loaded, with the one that it came from: "Good", a dot in the middle of
+// the line, "alice.pem".
 wxString hoVerdictWords(const hoDocumentVerdict& verdict, bool canTest);
 
 // "2048-bit private key 1a2b3c4d, alice.pem"; empty when there is no key.

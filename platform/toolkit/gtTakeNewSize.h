@@ -4,8 +4,8 @@
 
 class wxTopLevelWindow;
 
-// Takes over the size that the window manager has given to the window a moment ago. Without that the toolkit does it when
-// it paints next, and tells the size from before until then. Main thread only.
+// Takes over the size that the window manager has given to the window a moment ago. Without that the toolkit does it
+// when it paints next, and tells the size from before until then. Main thread only.
 void gtTakeNewSize(const wxTopLevelWindow& window);
 
 #endif
