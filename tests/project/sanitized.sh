@@ -43,7 +43,7 @@ status=0
 ctest --test-dir "$build" --output-on-failure --no-tests=error -LE '^(window|project)$' "${tests[@]}" -j "$(nproc)" || status=1
 
 # Of the session bus a process sees one; the program itself is started by a script.
-singly='SessionBus|NotificationWindow|host\.program'
+singly='SessionBus|NotificationWindow|TaskbarWindow|host\.program'
 if [ "$preset" = asan ]; then
     ctest --test-dir "$build" --output-on-failure --no-tests=error -L '^window$' -R "$singly" -j "$(nproc)" || status=1
 fi
