@@ -5,7 +5,7 @@
 #   sanitized.sh asan|tsan SOURCE-FOLDER
 #
 # asan: everything, windows too. tsan: what has threads. Tests with windows run as one process a program, with one display
-# for all of its tests; a program with many of them as several, which wait for their windows at the same time.
+# for all of its tests.
 set -u
 preset=$1 source=$2
 build=$source/build/sanitized-$preset
@@ -47,29 +47,23 @@ singly='SessionBus|NotificationWindow|TaskbarWindow|host\.program'
 if [ "$preset" = asan ]; then
     ctest --test-dir "$build" --output-on-failure --no-tests=error -L '^window$' -R "$singly" -j "$(nproc)" || status=1
 fi
-# A line for each process: its number, how many share the program's tests, the program.
-programs=$(ctest --test-dir "$build" -N -V -L '^window$' -E "$singly" | sed -n 's/.*Test command: \([^ ]*\).*/\1/p' |
-    sort | uniq -c | awk -v isSplit="$([ "$preset" = asan ] && echo 1)" '{
-        amount = isSplit ? int(($1 + 39) / 40) : 1
-        for (i = 0; i < amount; ++i) print i, amount, $2
-    }')
+programs=$(ctest --test-dir "$build" -N -V -L '^window$' -E "$singly" | sed -n 's/.*Test command: \([^ ]*\).*/\1/p' | sort -u)
 [ -n "$programs" ] || status=1
 
 # Moments of the windows' end are tried often enough without sanitizers.
 export COUNTERSIGN_SHUTDOWNS=8
 runOne() {
-    export GTEST_SHARD_INDEX=$1 GTEST_TOTAL_SHARDS=$2
-    local program=$3
+    local program=$1
     # Some tests catch standard error.
-    local found=$program.$1.found log=$program.$1.log
+    local found=$program.found
     rm -f "$found".*
     export ASAN_OPTIONS=log_path=$found UBSAN_OPTIONS=log_path=$found TSAN_OPTIONS=$TSAN_OPTIONS:log_path=$found
-    if ! "$program" --gtest_brief=1 >"$log" 2>&1 || grep -q '^\[=*\] 0 tests' "$log"; then
-        echo "FAILED: $program, part $1 of $2"
-        cat "$log" "$found".* 2>/dev/null
+    if ! "$program" --gtest_brief=1 >"$program.log" 2>&1 || grep -q '^\[=*\] 0 tests' "$program.log"; then
+        echo "FAILED: $program"
+        cat "$program.log" "$found".* 2>/dev/null
         return 1
     fi
-    echo "passed: $program, part $1 of $2"
+    echo "passed: $program"
 }
 export -f runOne
 if [ "$preset" = tsan ]; then
@@ -77,5 +71,5 @@ if [ "$preset" = tsan ]; then
     assertions="AssertionThreads.*:MainThreadCall.*:HostileAssertions.*:AssertionReportWindow.HoldsWhatFails*"
     export GTEST_FILTER=$work:Shutdown.OfTheWindowWhileItWorks:$assertions
 fi
-xargs -r -n 3 -P "$(($(nproc) + 1))" bash -c 'runOne "$0" "$1" "$2"' <<<"$programs" || status=1
+xargs -r -n 1 -P "$(nproc)" bash -c 'runOne "$0"' <<<"$programs" || status=1
 exit "$status"
