@@ -48,7 +48,7 @@ protected:
     std::string writeSigned(const std::string& document, const std::string& name) const
     {
         const std::shared_ptr<const hoKey> pKey = newKey(1024);
-        const std::string path = _folder.write(document, "text of " + document);
+        std::string path = _folder.write(document, "text of " + document);
         gtString signature;
         EXPECT_TRUE(hoSignFile(path.c_str(), *pKey, hoSignatureLines::Both, nullptr, signature).isOk());
         _folder.write(document + ".sig", signature.asStdString());
