@@ -92,6 +92,18 @@ protected:
         tsPressKeys(itemKeys);
     }
 
+    // Signs a document in a new window, which takes longer than any test; endLongWork ends it.
+    void beginLongWork()
+    {
+        start({"countersign-desktop", _folder.write("huge", "")});
+        dropNewKey();
+        // Of holes alone.
+        std::filesystem::resize_file(_folder.path("huge"), 1ULL << 40);
+        settle();
+        tsPressKeys("ctrl+shift+s");
+    }
+    void endLongWork() const { std::filesystem::resize_file(_folder.path("huge"), 10); }
+
     // Whether a window other than the main one has the keyboard, also one that the toolkit does not count among its
     // own: the desktop's file and message dialogs.
     bool isAnotherWindowActive() const

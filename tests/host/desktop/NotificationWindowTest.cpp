@@ -13,19 +13,14 @@ using NotificationWindow = MainFrameFixture;
 TEST_F(NotificationWindow, TellsTheResultOfWorkThatEndsUnseen)
 {
     NotificationsBus bus;
-    start({"countersign-desktop", _folder.write("huge", "")});
-    dropNewKey();
-    // Of holes alone: it takes longer than the test.
-    std::filesystem::resize_file(_folder.path("huge"), 1ULL << 40);
-    settle();
-    tsPressKeys("ctrl+shift+s");
+    beginLongWork();
     tsRunUntil("the progress is in front", [] { return isActive("Signing documents"); });
     for (wxWindow* const pWindow : wxTopLevelWindows)
     {
         dynamic_cast<wxTopLevelWindow&>(*pWindow).Iconize();
     }
     tsRunUntil("nothing of the program is in front", [] { return !wxTheApp->IsActive(); });
-    std::filesystem::resize_file(_folder.path("huge"), 10);
+    endLongWork();
     tsRunUntil("it is told", [&] { return !bus.calls().empty(); });
     EXPECT_THAT(bus.calls(), testing::HasSubstr("'" + _pFrame->workMessage()._line.utf8_string() + "'"));
 }

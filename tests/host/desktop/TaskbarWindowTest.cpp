@@ -13,15 +13,10 @@ using TaskbarWindow = MainFrameFixture;
 TEST_F(TaskbarWindow, ShowsLongWorkUntilItEnds)
 {
     TaskbarBus bus;
-    start({"countersign-desktop", _folder.write("huge", "")});
-    dropNewKey();
-    // Of holes alone: it takes longer than the test.
-    std::filesystem::resize_file(_folder.path("huge"), 1ULL << 40);
-    settle();
-    tsPressKeys("ctrl+shift+s");
+    beginLongWork();
     tsRunUntil("it is shown", [&] { return !bus.updates().empty(); });
     EXPECT_THAT(bus.updates().front(), testing::HasSubstr("'progress-visible': <true>"));
-    std::filesystem::resize_file(_folder.path("huge"), 10);
+    endLongWork();
     tsRunUntil("it is taken away",
                [&] { return bus.updates().back().find("'progress-visible': <false>") != std::string::npos; });
     EXPECT_FALSE(_pFrame->isAtWork());

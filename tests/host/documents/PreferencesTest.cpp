@@ -3,6 +3,19 @@
 
 #include <gtest/gtest.h>
 
+namespace
+{
+void expectSame(const hoPreferences& preferences, const hoPreferences& wanted)
+{
+    EXPECT_EQ(preferences._isPlaceRemembered, wanted._isPlaceRemembered);
+    EXPECT_EQ(preferences._areRecentRemembered, wanted._areRecentRemembered);
+    EXPECT_EQ(preferences._isKeyOffered, wanted._isKeyOffered);
+    EXPECT_EQ(preferences._signedDocuments, wanted._signedDocuments);
+    EXPECT_EQ(preferences._jobs, wanted._jobs);
+    EXPECT_EQ(preferences._textPoints, wanted._textPoints);
+}
+}  // namespace
+
 TEST(Preferences, ComeBackFromTheSettings)
 {
     hoPreferences written;
@@ -14,13 +27,7 @@ TEST(Preferences, ComeBackFromTheSettings)
     written._textPoints = 14;
     hoSettings settings;
     written.writeTo(settings);
-    const hoPreferences read = hoPreferences::from(settings);
-    EXPECT_FALSE(read._isPlaceRemembered);
-    EXPECT_FALSE(read._areRecentRemembered);
-    EXPECT_FALSE(read._isKeyOffered);
-    EXPECT_EQ(read._signedDocuments, hoSignedDocuments::KeepAll);
-    EXPECT_EQ(read._jobs, 3);
-    EXPECT_EQ(read._textPoints, 14);
+    expectSame(hoPreferences::from(settings), written);
 }
 
 TEST(Preferences, AreTheUsualOnesWhereTheSettingsMakeNoSense)
@@ -30,13 +37,14 @@ TEST(Preferences, AreTheUsualOnesWhereTheSettingsMakeNoSense)
     {
         settings.setText(pName, "1000");
     }
-    const hoPreferences read = hoPreferences::from(settings);
-    EXPECT_TRUE(read._isPlaceRemembered);
-    EXPECT_TRUE(read._areRecentRemembered);
-    EXPECT_TRUE(read._isKeyOffered);
-    EXPECT_EQ(read._signedDocuments, hoSignedDocuments::Ask);
-    EXPECT_EQ(read._jobs, 0);
-    EXPECT_EQ(read._textPoints, 0);
+    hoPreferences usual;
+    usual._isPlaceRemembered = true;
+    usual._areRecentRemembered = true;
+    usual._isKeyOffered = true;
+    usual._signedDocuments = hoSignedDocuments::Ask;
+    usual._jobs = 0;
+    usual._textPoints = 0;
+    expectSame(hoPreferences::from(settings), usual);
 }
 
 TEST(Settings, AreTakenAwayByTheBeginningsOfTheirNames)

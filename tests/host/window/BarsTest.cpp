@@ -130,6 +130,15 @@ protected:
         const auto* pDialog = dynamic_cast<hoDetailsDialog*>(tsTopModalDialog());
         return pDialog != nullptr && tsHasKeyboard(*pDialog);
     }
+    void openAndCloseDetails() const
+    {
+        tsScript script;
+        script.waitUntil("the details have the keyboard", areDetailsUp)
+            .perform("close them", [] { tsPressKeys("Escape"); })
+            .start();
+        clickButton("Details...");
+        tsRunUntil("the details are closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+    }
 };
 }  // namespace
 
@@ -167,12 +176,7 @@ TEST_F(Bars, StayWhenTheirDetailsAreClosed)
     startWithKey();
     work("ctrl+shift+s");
     const std::string before = seen();
-    tsScript script;
-    script.waitUntil("the details have the keyboard", areDetailsUp)
-        .perform("close them", [] { tsPressKeys("Escape"); })
-        .start();
-    clickButton("Details...");
-    tsRunUntil("the details are closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+    openAndCloseDetails();
     settle();
     EXPECT_TRUE(isBarShown());
     EXPECT_EQ(seen(), before);
@@ -265,12 +269,7 @@ TEST_F(Bars, OfferTheLastKeyAtTheNextStart)
     // The bar has its usual buttons again.
     openAskedFor(_folder.path("a.txt"));
     work("ctrl+s");
-    tsScript script;
-    script.waitUntil("the details have the keyboard", areDetailsUp)
-        .perform("close them", [] { tsPressKeys("Escape"); })
-        .start();
-    clickButton("Details...");
-    tsRunUntil("the details are closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+    openAndCloseDetails();
 }
 
 TEST_F(Bars, OfferNoKeyThatIsGoneOrNotWanted)
