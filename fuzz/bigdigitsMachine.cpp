@@ -9,49 +9,15 @@
 
 #include "bigdigits.h"
 #include "fuzzInput.h"
+#include "fuzzNumbers.h"
 
 namespace
 {
 
 constexpr std::size_t amountOfRegisters = 8;
-// Enough for the ways that long numbers go: columns, limbs, and quotients by both.
+// Enough for columns and the shortest limbs; bigdigitsLong takes longer numbers.
 constexpr std::uint32_t mostDigits = 48;
 constexpr int mostInstructions = 60;
-
-// A number of the stranger.
-class Number
-{
-public:
-    Number() { mpz_init(_number); }
-    ~Number() { mpz_clear(_number); }
-    Number(const Number&) = delete;
-    Number& operator=(const Number&) = delete;
-    mpz_ptr get() { return _number; }
-    mpz_srcptr get() const { return _number; }
-
-private:
-    mpz_t _number;
-};
-
-using Digits = std::vector<mpDigit>;
-
-void toNumber(Number& number, const Digits& digits)
-{
-    mpz_import(number.get(), digits.size(), -1, sizeof(mpDigit), 0, 0, digits.data());
-}
-
-// Modulo 2^(32n), as the module has it.
-void cutTo(Number& number, std::uint32_t amountOfDigits)
-{
-    mpz_fdiv_r_2exp(number.get(), number.get(), amountOfDigits * 32UL);
-}
-
-bool agree(const Digits& digits, const Number& number)
-{
-    Number other;
-    toNumber(other, digits);
-    return mpz_cmp(other.get(), number.get()) == 0;
-}
 
 class Machine
 {

@@ -30,6 +30,8 @@ done
 "$root/scripts/install-dependencies.sh" test || exit
 compiler=$(fuzzingCompiler)
 [ -n "$compiler" ] || fail "looking for a clang with its runtime (packages clang and libclang-rt-dev)"
+# ccache would not keep what is compiled with precompiled headers.
+export CCACHE_SLOPPINESS=pch_defines,time_macros
 cmakeArguments=(-DCMAKE_C_COMPILER="${compiler/++/}" -DCMAKE_CXX_COMPILER="$compiler")
 configureAndBuild fuzz fuzzers
 
