@@ -2212,8 +2212,8 @@ MP_INLINE void squareByUnitsWith(mpDigit w[], const mpDigit x[], size_t n)
     unsigned char* to = octets;
     constexpr uint64_t mask = (uint64_t{1} << 2 * unitBits) - 1;
     // Each unit takes its share of three columns, so that what is carried is short.
-    const auto unit = [sums](size_t i)
-    { return (sums[i] & unitMask) + (sums[i - 1] >> unitBits & unitMask) + (sums[i - 2] >> 2 * unitBits); };
+    const auto unit = [&room](size_t i)
+    { return (room[i + 2] & unitMask) + (room[i + 1] >> unitBits & unitMask) + (room[i] >> 2 * unitBits); };
     uint64_t carry = 0;
     for (size_t i = 0; i < 2 * count; i += 4, to += octetsPerGroup)
     {
