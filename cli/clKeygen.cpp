@@ -130,7 +130,14 @@ bool canBeWritten(const gtString& path)
 class FinishedPipe
 {
 public:
-    FinishedPipe() { _isOpen = ::pipe2(_ends, O_CLOEXEC) == 0; }
+    FinishedPipe()
+    {
+        _isOpen = ::pipe(_ends) == 0;
+        for (const int end : _ends)
+        {
+            static_cast<void>(::fcntl(end, F_SETFD, FD_CLOEXEC));
+        }
+    }
     ~FinishedPipe()
     {
         if (_isOpen)
