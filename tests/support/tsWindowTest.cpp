@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <fcntl.h>
 #include <set>
 #include <spawn.h>
@@ -65,14 +66,34 @@ private:
     std::chrono::steady_clock::time_point _end;
 };
 
+// Again and again, each time that long after the last one: a condition that takes a picture is slow, and a timer that
+// is always due leaves the toolkit no time to paint.
 class Timer : public wxTimer
 {
 public:
     explicit Timer(std::function<void()> notify) : _notify(std::move(notify)) {}
-    void Notify() override { _notify(); }
+    void begin()
+    {
+        _isWanted = true;
+        StartOnce(pollInterval);
+    }
+    void end()
+    {
+        _isWanted = false;
+        Stop();
+    }
+    void Notify() override
+    {
+        _notify();
+        if (_isWanted)
+        {
+            StartOnce(pollInterval);
+        }
+    }
 
 private:
     std::function<void()> _notify;
+    bool _isWanted = false;
 };
 
 std::set<wxDialog*> modalDialogs()
@@ -117,12 +138,23 @@ bool tsRunUntil(const std::string& what, const std::function<bool()>& condition)
     const Deadline deadline;
     const std::set<wxDialog*> below = modalDialogs();
     bool holds = false;
+    std::exception_ptr pThrown;
     wxGUIEventLoop loop;
     Timer timer(
         [&]
         {
-            holds = condition();
-            if (holds || deadline.isOver())
+            // Nothing may be thrown through the toolkit's own loop.
+            try
+            {
+                // Dialogs that came within this loop end before it does. Until then the condition is asked on, as it may
+                // end them itself, and what has held once need not hold any more.
+                holds = condition() || holds;
+            }
+            catch (...)
+            {
+                pThrown = std::current_exception();
+            }
+            if (holds || pThrown || deadline.isOver())
             {
                 loop.ScheduleExit();
             }
@@ -131,9 +163,13 @@ bool tsRunUntil(const std::string& what, const std::function<bool()>& condition)
                 endModalDialogsBut(below);
             }
         });
-    timer.Start(pollInterval);
+    timer.begin();
     loop.Run();
-    timer.Stop();
+    timer.end();
+    if (pThrown)
+    {
+        std::rethrow_exception(pThrown);
+    }
     if (!holds)
     {
         ADD_FAILURE() << "waited in vain until " << what;
@@ -169,7 +205,7 @@ public:
     void start()
     {
         _deadline = Deadline();
-        _timer.Start(pollInterval);
+        _timer.begin();
     }
 
     bool isFinished() const { return _next == _steps.size() && !_isActionPending; }
@@ -185,7 +221,7 @@ private:
         }
         if (_next == _steps.size())
         {
-            _timer.Stop();
+            _timer.end();
             return;
         }
         const Step& step = _steps[_next];
@@ -193,7 +229,7 @@ private:
         {
             if (_deadline.isOver())
             {
-                _timer.Stop();
+                _timer.end();
                 ADD_FAILURE() << "waited in vain until " << step.what;
                 endAllLoops();
             }
