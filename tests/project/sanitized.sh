@@ -5,9 +5,11 @@
 #   sanitized.sh asan|tsan SOURCE-FOLDER
 #
 # asan: everything, windows too. tsan: what has threads. Tests with windows run as one process a program, with one display
-# for all of its tests.
+# for all of its tests. For asan the compiler is clang where it is there with its sanitizers, as the other tests are gcc's;
+# its thread sanitizer does not let tests bring an operator new of their own.
 set -u
 preset=$1 source=$2
+. "$source/scripts/lib.sh"
 build=$source/build/sanitized-$preset
 suppressions=$source/tests/project/suppressions
 
@@ -22,6 +24,10 @@ fi
 export LSAN_OPTIONS=suppressions=$suppressions/leaks.txt:print_suppressions=0
 export TSAN_OPTIONS=suppressions=$suppressions/threads.txt
 
+compiler=()
+clang=
+[ "$preset" != asan ] || clang=$(fuzzingCompiler)
+[ -z "$clang" ] || compiler=(-DCMAKE_C_COMPILER="${clang/++/}" -DCMAKE_CXX_COMPILER="$clang")
 launcher=()
 if command -v ccache >/dev/null 2>&1; then
     launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
@@ -31,9 +37,9 @@ export CCACHE_SLOPPINESS=pch_defines,time_macros
 cd "$source" || exit 1
 mkdir -p "$build" || exit 1
 log=$build/made.log
-if ! cmake --preset "$preset" -B "$build" -DCOUNTERSIGN_WITH_TOOLKIT=ON -DCOUNTERSIGN_BUILD_DESKTOP=ON \
+if ! cmake --fresh --preset "$preset" -B "$build" -DCOUNTERSIGN_WITH_TOOLKIT=ON -DCOUNTERSIGN_BUILD_DESKTOP=ON \
     -DCOUNTERSIGN_BUILD_TESTS=ON -DCOUNTERSIGN_WINDOW_TESTS=ON -DCOUNTERSIGN_PRECOMPILE=ON -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1" \
-    "${launcher[@]}" >"$log" 2>&1 || ! cmake --build "$build" "${targets[@]}" >>"$log" 2>&1; then
+    "${compiler[@]}" "${launcher[@]}" >"$log" 2>&1 || ! cmake --build "$build" "${targets[@]}" >>"$log" 2>&1; then
     tail -n 60 "$log" >&2
     exit 1
 fi
