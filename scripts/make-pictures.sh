@@ -54,7 +54,7 @@ COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+s" mainWindow main-window "$documents
 printf x >>"$documents/minutes.txt"
 COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t Down" mainWindow main-window \
     "$documents"/*.pdf "$documents"/*.odt "$documents"/*.txt "$documents"/*.flac
-COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t shift+Tab shift+Tab space" mainWindow details \
+COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t shift+Tab shift+Tab shift+Tab space" mainWindow details \
     "$documents"/*.pdf "$documents"/*.odt "$documents"/*.txt "$documents"/*.flac
 
 COUNTERSIGN_PICTURE_KEYS="$keys ctrl+shift+t alt+Return" mainWindow properties "$documents/contract.pdf"

@@ -250,7 +250,7 @@ void hoDocumentList::closeAll()
     _positions.clear();
 }
 
-void hoDocumentList::sort(Column column, bool isAscending)
+std::vector<std::size_t> hoDocumentList::sort(Column column, bool isAscending)
 {
     std::vector<SortKey> keys;
     keys.reserve(_documents.size());
@@ -268,12 +268,16 @@ void hoDocumentList::sort(Column column, bool isAscending)
               { return isAscending ? isBefore(left, right) : isBefore(right, left); });
 
     std::vector<hoDocument> ordered;
+    std::vector<std::size_t> before;
     ordered.reserve(_documents.size());
+    before.reserve(_documents.size());
     for (const SortKey& key : keys)
     {
         ordered.push_back(_documents[key._position]);
+        before.push_back(key._position);
     }
     replaceBy(ordered);
+    return before;
 }
 
 std::uint64_t hoDocumentList::totalSize() const

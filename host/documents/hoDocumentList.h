@@ -70,8 +70,9 @@ public:
 
     // Orders the documents by one column; those that are equal in it by name and path, so that the result does not
     // depend on the order before. Names and paths are compared byte by byte, but for the case of A to Z and numbers in
-    // them, which are compared by their values. Documents that are opened later come at the end.
-    void sort(Column column, bool isAscending);
+    // them, which are compared by their values. Documents that are opened later come at the end. Gives where each
+    // document was before, in their new order.
+    std::vector<std::size_t> sort(Column column, bool isAscending);
 
     // All sizes together, in bytes.
     std::uint64_t totalSize() const;

@@ -4,16 +4,17 @@
 #include "host/messages/hoMessages.h"
 #include "host/messages/hoNumbers.h"
 #include "host/window/hoDisplayText.h"
-#include "host/window/hoStateIcons.h"
+#include "host/window/hoDocumentRows.h"
 #include "host/window/hoSummary.h"
 #include "host/window/hoTexts.h"
 #include "platform/toolkit/gtColours.h"
+#include "platform/toolkit/gtListRows.h"
+#include "platform/toolkit/gtReaders.h"
 #include "platform/toolkit/gtTextConversion.h"
-
-#include <wx/headerctrl.h>
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace
 {
@@ -22,23 +23,26 @@ struct ColumnFace
     const char* _title;
     const char* _widestText;  // the column is as wide as this at first; null: as its contents are
     hoDocumentList::Column _column;
-    wxListColumnFormat _format;
+    wxAlignment _alignment;
 };
 
 const ColumnFace columns[] = {
-    {wxTRANSLATE("Name"), "A name of usual length.document", hoDocumentList::Column::Name, wxLIST_FORMAT_LEFT},
-    {wxTRANSLATE("State"), nullptr, hoDocumentList::Column::State, wxLIST_FORMAT_LEFT},
-    {wxTRANSLATE("Size"), nullptr, hoDocumentList::Column::Size, wxLIST_FORMAT_RIGHT},
-    {wxTRANSLATE("Modified"), nullptr, hoDocumentList::Column::Modified, wxLIST_FORMAT_LEFT},
-    {wxTRANSLATE("Path"), "/home/somebody", hoDocumentList::Column::Path, wxLIST_FORMAT_LEFT},
+    {wxTRANSLATE("Name"), "A name of usual length.document", hoDocumentList::Column::Name, wxALIGN_LEFT},
+    {wxTRANSLATE("State"), nullptr, hoDocumentList::Column::State, wxALIGN_LEFT},
+    {wxTRANSLATE("Size"), nullptr, hoDocumentList::Column::Size, wxALIGN_RIGHT},
+    {wxTRANSLATE("Modified"), nullptr, hoDocumentList::Column::Modified, wxALIGN_LEFT},
+    {wxTRANSLATE("Path"), "/home/somebody", hoDocumentList::Column::Path, wxALIGN_LEFT},
 };
-const int lastColumn = static_cast<int>(std::size(columns)) - 1;
+const unsigned int lastColumn = static_cast<unsigned int>(std::size(columns)) - 1;
 const std::int64_t wideTime = 1796068800;  // seconds since 1970: the last day of a November
 const int columnPadding = 20;
 const int stateIconWidth = 18;
-const int mostStateWidth = 240;
 const int leastColumnWidth = 20;
 const int mostColumnWidth = 4000;
+const int leastLastWidth = 200;
+const int mostStateWidth = 240;
+// More than these are taken out of the rows together, which makes the rows anew.
+const std::size_t mostClosedOneByOne = 200;
 
 int widthOf(const wxWindow& window, const ColumnFace& column)
 {
@@ -62,212 +66,247 @@ int widthOf(const wxWindow& window, const ColumnFace& column)
 }
 }  // namespace
 
-hoDocumentListCtrl::hoDocumentListCtrl(wxWindow* pParent, const hoDocumentList& documents)
-    : wxListCtrl(pParent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_VIRTUAL | wxBORDER_NONE),
+hoDocumentListCtrl::hoDocumentListCtrl(wxWindow* pParent, const hoDocumentList& documents, Callbacks callbacks)
+    : wxDataViewCtrl(pParent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxDV_MULTIPLE | wxBORDER_NONE),
       _documents(documents),
-      _pRows(this),
-      _tooltipRow(wxNOT_FOUND),
-      _canTest(false)
+      _callbacks(std::move(callbacks)),
+      _pRows(new hoDocumentRows(documents)),
+      _amountSelected(0),
+      _isAmountKnown(false)
 {
     SetName("documents");
-    SetSmallImages(hoStateIcons());
-    for (int column = 0; column <= lastColumn; ++column)
-    {
-        const int picture = columns[column]._column == hoDocumentList::Column::State ? FromDIP(stateIconWidth) : 0;
-        AppendColumn(wxGetTranslation(columns[column]._title), columns[column]._format,
-                     widthOf(*this, columns[column]) + picture + FromDIP(columnPadding));
-    }
-    for (wxWindow* pChild : GetChildren())
-    {
-        if (dynamic_cast<const wxHeaderCtrl*>(pChild) == nullptr && pChild->GetName() != "wxlistctrlcolumntitles")
-        {
-            _pRows = pChild;
-        }
-    }
-    gtColourAlternateRows(*this);
+    gtNameForReaders(*this, _("Documents"));
+    AssociateModel(_pRows);
+    _pRows->DecRef();
+    gtSearchColumn(*this, static_cast<int>(hoDocumentList::Column::Name));
+    addColumns();
+    takeColours();
     gtMakeSelectedRowsLegible(*this);
+    gtMakeColumnHeadsLegible(*this);
+    gtRepaintWhenResized(*this);
 
-    _pRows->Bind(wxEVT_SIZE, &hoDocumentListCtrl::OnSize, this);
-    Bind(wxEVT_LIST_COL_END_DRAG,
-         [this](wxListEvent& event)
+    gtFollowSorting(*this, [this](int column, bool isAscending)
+                    { _callbacks._onSort(static_cast<hoDocumentList::Column>(column), isAscending); });
+    gtShowRowTooltips(*this, [this](std::size_t row) { return _pRows->tooltipOf(row); });
+    Bind(wxEVT_DATAVIEW_SELECTION_CHANGED, [this](wxDataViewEvent&) { onSelection(); });
+    Bind(wxEVT_SYS_COLOUR_CHANGED,
+         [this](wxSysColourChangedEvent& event)
          {
-             CallAfter(&hoDocumentListCtrl::widenLastColumn);
+             takeColours();
+             Refresh();
              event.Skip();
          });
-    _pRows->Bind(wxEVT_MOTION, &hoDocumentListCtrl::OnMotion, this);
 }
 
-void hoDocumentListCtrl::setCanTest(bool canTest)
+void hoDocumentListCtrl::addColumns()
 {
-    _canTest = canTest;
-    Refresh();
-}
-
-void hoDocumentListCtrl::showChanges()
-{
-    // A new amount leaves the rows unpainted until the program is idle, which it is not while a job reports.
-    if (GetItemCount() != static_cast<int>(_documents.size()))
+    const int flags = wxDATAVIEW_COL_RESIZABLE | wxDATAVIEW_COL_SORTABLE;
+    for (const ColumnFace& column : columns)
     {
-        SetItemCount(static_cast<long>(_documents.size()));
+        const bool isState = column._column == hoDocumentList::Column::State;
+        const int width = widthOf(*this, column) + FromDIP(columnPadding) + (isState ? FromDIP(stateIconWidth) : 0);
+        // A fixed width, without which the list would measure every row.
+        const wxString title = wxGetTranslation(column._title);
+        const unsigned int number = static_cast<unsigned int>(column._column);
+        wxDataViewColumn* const pColumn =
+            isState ? AppendIconTextColumn(title, number, wxDATAVIEW_CELL_INERT, width, column._alignment, flags)
+                    : AppendTextColumn(title, number, wxDATAVIEW_CELL_INERT, width, column._alignment, flags);
+        pColumn->GetRenderer()->EnableEllipsize(wxELLIPSIZE_END);
     }
-    _tooltipRow = wxNOT_FOUND;
-    _pRows->UnsetToolTip();
-    Refresh();
+    GetColumn(lastColumn)->SetMinWidth(FromDIP(leastLastWidth));
+}
+
+void hoDocumentListCtrl::takeColours()
+{
+    _pRows->setAlternateColour(gtAlternateRowColour());
+}
+
+void hoDocumentListCtrl::onSelection()
+{
+    _isAmountKnown = false;
+    _callbacks._onSelection();
+}
+
+void hoDocumentListCtrl::showNew()
+{
+    while (_pRows->GetCount() < _documents.size())
+    {
+        _pRows->RowAppended();
+    }
+}
+
+void hoDocumentListCtrl::showClosed(const std::vector<std::size_t>& rows)
+{
+    if (rows.size() > mostClosedOneByOne)
+    {
+        _pRows->Reset(static_cast<unsigned int>(_documents.size()));
+        gtSearchColumn(*this, static_cast<int>(hoDocumentList::Column::Name));
+    }
+    else
+    {
+        std::for_each(rows.rbegin(), rows.rend(),
+                      [this](std::size_t row) { _pRows->RowDeleted(static_cast<unsigned int>(row)); });
+    }
+    onSelection();
+}
+
+void hoDocumentListCtrl::makeRoomForState(const wxString& text)
+{
+    for (unsigned int number = 0; number < lastColumn; ++number)
+    {
+        wxDataViewColumn* const pColumn = GetColumn(number);
+        const int now = gtColumnWidth(*pColumn);
+        const int width = GetTextExtent(text).GetWidth() + FromDIP(stateIconWidth) + FromDIP(columnPadding);
+        if (columns[number]._column == hoDocumentList::Column::State && now < width)
+        {
+            pColumn->SetWidth(std::min(width, std::max(now, FromDIP(mostStateWidth))));
+        }
+    }
+}
+
+void hoDocumentListCtrl::showOrder(const std::vector<std::size_t>& before)
+{
+    std::size_t row = 0;
+    while (row < before.size() && before[row] == row)
+    {
+        ++row;
+    }
+    if (row < before.size())
+    {
+        gtReorderRows(*this, before);
+    }
+}
+
+void hoDocumentListCtrl::showChanged(const std::vector<std::size_t>& rows)
+{
+    for (const std::size_t row : rows)
+    {
+        if (row < _documents.size())
+        {
+            gtRowChanged(*this, row);
+        }
+    }
+}
+
+void hoDocumentListCtrl::showStates(bool canTest)
+{
+    _pRows->setCanTest(canTest);
+    for (std::size_t row = 0; row < _documents.size(); ++row)
+    {
+        gtRowChanged(*this, row);
+    }
 }
 
 std::vector<std::size_t> hoDocumentListCtrl::selected() const
 {
+    wxDataViewItemArray items;
+    GetSelections(items);
     std::vector<std::size_t> rows;
-    long row = GetNextItem(wxNOT_FOUND, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED);
-    while (row != wxNOT_FOUND)
+    rows.reserve(items.size());
+    for (const wxDataViewItem& item : items)
     {
-        rows.push_back(static_cast<std::size_t>(row));
-        row = GetNextItem(row, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED);
+        rows.push_back(_pRows->GetRow(item));
     }
     return rows;
 }
 
+std::size_t hoDocumentListCtrl::amountSelected() const
+{
+    if (!_isAmountKnown)
+    {
+        _amountSelected = static_cast<std::size_t>(GetSelectedItemsCount());
+        _isAmountKnown = true;
+    }
+    return _amountSelected;
+}
+
+std::size_t hoDocumentListCtrl::current() const
+{
+    const wxDataViewItem item = GetCurrentItem();
+    return item.IsOk() ? _pRows->GetRow(item) : hoDocumentList::nowhere;
+}
+
+wxRect hoDocumentListCtrl::placeOf(std::size_t row) const
+{
+    return GetItemRect(_pRows->GetItem(static_cast<unsigned int>(row)));
+}
+
 void hoDocumentListCtrl::select(const std::vector<std::size_t>& rows)
 {
-    SetItemState(wxNOT_FOUND, 0, wxLIST_STATE_SELECTED);
-    bool isFirst = true;
+    wxDataViewItemArray items;
     for (const std::size_t row : rows)
     {
-        if (row >= _documents.size())
+        if (row < _documents.size())
         {
-            continue;
+            items.push_back(_pRows->GetItem(static_cast<unsigned int>(row)));
         }
-        const long item = static_cast<long>(row);
-        SetItemState(item, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
-        if (isFirst)
-        {
-            SetItemState(item, wxLIST_STATE_FOCUSED, wxLIST_STATE_FOCUSED);
-            EnsureVisible(item);
-        }
-        isFirst = false;
+    }
+    if (!items.empty())
+    {
+        SetCurrentItem(items.front());
+    }
+    if (!items.empty() && items.size() == _documents.size())
+    {
+        SelectAll();
+    }
+    else
+    {
+        SetSelections(items);
+    }
+    if (!items.empty())
+    {
+        gtScrollToRow(*this, _pRows->GetRow(items.front()));
+    }
+    // The toolkit tells only of what the user selects.
+    onSelection();
+}
+
+void hoDocumentListCtrl::selectAllRows()
+{
+    SelectAll();
+    onSelection();
+}
+
+void hoDocumentListCtrl::toggleCurrent()
+{
+    const wxDataViewItem item = GetCurrentItem();
+    if (item.IsOk())
+    {
+        IsSelected(item) ? Unselect(item) : Select(item);
+        onSelection();
     }
 }
 
-void hoDocumentListCtrl::selectAll()
+void hoDocumentListCtrl::removeSortIndicator()
 {
-    SetItemState(wxNOT_FOUND, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
+    for (unsigned int column = 0; column <= lastColumn; ++column)
+    {
+        if (GetColumn(column)->IsSortKey())
+        {
+            GetColumn(column)->UnsetAsSortKey();
+        }
+    }
 }
 
 std::vector<int> hoDocumentListCtrl::columnWidths() const
 {
     std::vector<int> widths;
-    widths.reserve(static_cast<std::size_t>(lastColumn));
-    for (int column = 0; column < lastColumn; ++column)
+    widths.reserve(lastColumn);
+    for (unsigned int column = 0; column < lastColumn; ++column)
     {
-        widths.push_back(GetColumnWidth(column));
+        widths.push_back(gtColumnWidth(*GetColumn(column)));
     }
     return widths;
 }
 
 void hoDocumentListCtrl::setColumnWidths(const std::vector<int>& widths)
 {
-    for (int column = 0; column < std::min(lastColumn, static_cast<int>(widths.size())); ++column)
+    for (unsigned int column = 0; column < std::min<std::size_t>(lastColumn, widths.size()); ++column)
     {
-        const int width = widths[static_cast<std::size_t>(column)];
+        const int width = widths[column];
         if (width >= leastColumnWidth && width <= mostColumnWidth)
         {
-            SetColumnWidth(column, width);
+            GetColumn(column)->SetWidth(width);
         }
     }
-    widenLastColumn();
-}
-
-void hoDocumentListCtrl::makeRoomForState(const wxString& text)
-{
-    for (int column = 0; column < lastColumn; ++column)
-    {
-        const int width = GetTextExtent(text).GetWidth() + FromDIP(stateIconWidth) + FromDIP(columnPadding);
-        if (columns[column]._column == hoDocumentList::Column::State && GetColumnWidth(column) < width)
-        {
-            SetColumnWidth(column, std::min(width, std::max(GetColumnWidth(column), FromDIP(mostStateWidth))));
-            widenLastColumn();
-        }
-    }
-}
-
-hoDocumentList::Column hoDocumentListCtrl::columnAt(int column)
-{
-    return columns[column]._column;
-}
-
-wxString hoDocumentListCtrl::tooltipOf(std::size_t row) const
-{
-    const hoDocument& document = _documents[row];
-    return hoDisplayText(document._path) + "\n" +
-           // The state, the size and the time of a document.
-           hoFilledText(_("%1$s, %2$s, modified %3$s"), {hoVerdictWords(document._verdict, _canTest),
-                                                         gtTextFromBytes(hoExactSizeText(document._facts._size)),
-                                                         hoTimeText(document._facts._modifiedSeconds, true)});
-}
-
-wxString hoDocumentListCtrl::OnGetItemText(long row, long column) const
-{
-    const std::size_t position = static_cast<std::size_t>(row);
-    if (position >= _documents.size())
-    {
-        return wxString();
-    }
-    const hoDocument& document = _documents[position];
-    switch (columns[column]._column)
-    {
-    case hoDocumentList::Column::Name:
-        return hoDisplayText(document.name());
-    case hoDocumentList::Column::State:
-        return hoVerdictWords(document._verdict, _canTest);
-    case hoDocumentList::Column::Size:
-        return gtTextFromBytes(hoSizeText(document._facts._size));
-    case hoDocumentList::Column::Modified:
-        return hoTimeText(document._facts._modifiedSeconds);
-    case hoDocumentList::Column::Path:
-        return hoDisplayText(document._path);
-    }
-    return wxString();
-}
-
-int hoDocumentListCtrl::OnGetItemColumnImage(long row, long column) const
-{
-    const std::size_t position = static_cast<std::size_t>(row);
-    const bool isState = columns[column]._column == hoDocumentList::Column::State && position < _documents.size();
-    return isState ? static_cast<int>(_documents[position]._verdict._state) : -1;
-}
-
-void hoDocumentListCtrl::OnSize(wxSizeEvent& event)
-{
-    widenLastColumn();
-    event.Skip();
-}
-
-void hoDocumentListCtrl::OnMotion(wxMouseEvent& event)
-{
-    event.Skip();
-    int where = 0;
-    const long row = event.Dragging() ? wxNOT_FOUND : HitTest(event.GetPosition(), where);
-    if (row == _tooltipRow)
-    {
-        return;
-    }
-    _tooltipRow = row;
-    if (row >= 0 && static_cast<std::size_t>(row) < _documents.size())
-    {
-        _pRows->SetToolTip(tooltipOf(static_cast<std::size_t>(row)));
-    }
-    else
-    {
-        _pRows->UnsetToolTip();
-    }
-}
-
-void hoDocumentListCtrl::widenLastColumn()
-{
-    int width = _pRows->GetClientSize().GetWidth();
-    for (int column = 0; column < lastColumn; ++column)
-    {
-        width -= GetColumnWidth(column);
-    }
-    SetColumnWidth(lastColumn, std::max(width, FromDIP(200)));
 }

@@ -21,6 +21,7 @@
 #include <wx/wupdlock.h>
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace
@@ -90,7 +91,8 @@ hoDocumentsView::hoDocumentsView(wxWindow* pParent, Callbacks callbacks)
       _watcher([this] { refreshDocuments(); }),
       _pList(nullptr),
       _canTest(false),
-      _sortedColumn(wxNOT_FOUND),
+      _isSorted(false),
+      _sortedColumn(hoDocumentList::Column::Name),
       _isAscending(true)
 {
     AddPage(makeEmptyPage(this), "empty");
@@ -126,10 +128,11 @@ std::size_t hoDocumentsView::open(const gtString& path)
         if (opening._isNew)
         {
             // New documents come last, so the rows are no longer in the order of a column.
-            list().RemoveSortIndicator();
-            _sortedColumn = wxNOT_FOUND;
+            list().removeSortIndicator();
+            _isSorted = false;
         }
-        list().showChanges();
+        list().showNew();
+        list().showChanged({opening._position});
         _callbacks._onOpened(_documents[opening._position]);
     }
     _callbacks._onChange();
@@ -175,6 +178,11 @@ void hoDocumentsView::select(const std::vector<std::size_t>& rows)
 
 void hoDocumentsView::selectPaths(const std::vector<gtString>& absolutePaths)
 {
+    select(rowsOf(absolutePaths));
+}
+
+std::vector<std::size_t> hoDocumentsView::rowsOf(const std::vector<gtString>& absolutePaths) const
+{
     std::vector<std::size_t> rows;
     for (const gtString& path : absolutePaths)
     {
@@ -184,7 +192,7 @@ void hoDocumentsView::selectPaths(const std::vector<gtString>& absolutePaths)
             rows.push_back(row);
         }
     }
-    select(rows);
+    return rows;
 }
 
 void hoDocumentsView::selectAll()
@@ -192,15 +200,13 @@ void hoDocumentsView::selectAll()
     if (_pList != nullptr)
     {
         _pList->SetFocus();
-        _pList->selectAll();
-        // The toolkit tells of one row, if any.
-        _callbacks._onChange();
+        _pList->selectAllRows();
     }
 }
 
 std::size_t hoDocumentsView::amountSelected() const
 {
-    return _pList == nullptr ? 0 : static_cast<std::size_t>(_pList->GetSelectedItemCount());
+    return _pList == nullptr ? 0 : _pList->amountSelected();
 }
 
 std::vector<gtString> hoDocumentsView::selectedPaths() const
@@ -254,7 +260,7 @@ void hoDocumentsView::closeSelected()
         return;
     }
     _documents.close(rows);
-    list().showChanges();
+    list().showClosed(rows);
     // The row that takes the place of the closed one is selected, so that a key pressed again closes the next.
     list().select(_documents.isEmpty() ? std::vector<std::size_t>()
                                        : std::vector<std::size_t>{std::min(rows.front(), _documents.size() - 1)});
@@ -263,8 +269,10 @@ void hoDocumentsView::closeSelected()
 
 void hoDocumentsView::closeAll()
 {
+    std::vector<std::size_t> rows(_documents.size());
+    std::iota(rows.begin(), rows.end(), std::size_t(0));
     _documents.closeAll();
-    list().showChanges();
+    list().showClosed(rows);
     onClosed();
 }
 
@@ -280,22 +288,25 @@ void hoDocumentsView::onClosed()
 
 void hoDocumentsView::refreshDocuments()
 {
-    bool isChanged = false;
+    std::vector<gtString> changed;
     bool isOutdated = false;
     for (std::size_t position = 0; position < _documents.size(); ++position)
     {
         const hoDocumentState before = _documents[position]._verdict._state;
-        isChanged = _documents.refresh(position) || isChanged;
+        if (_documents.refresh(position))
+        {
+            changed.push_back(_documents[position]._path);
+        }
         isOutdated = _documents[position]._verdict._state != before || isOutdated;
     }
     if (isOutdated && _callbacks._onOutdated)
     {
         _callbacks._onOutdated();
     }
-    if (isChanged)
+    if (!changed.empty())
     {
         sortAgain();
-        list().showChanges();
+        list().showChanged(rowsOf(changed));
         _callbacks._onChange();
     }
     watchFolders();
@@ -315,9 +326,12 @@ void hoDocumentsView::showOutcomes(const std::vector<hoSigningOutcome>& outcomes
 {
     wxString longest;
     gtString lastKey;
+    std::vector<gtString> paths;
+    paths.reserve(outcomes.size());
     for (const hoSigningOutcome& outcome : outcomes)
     {
         _documents.setVerdict(outcome._path, outcome._verdict);
+        paths.push_back(outcome._path);
         if (outcome._verdict._keyName != lastKey)
         {
             lastKey = outcome._verdict._keyName;
@@ -327,7 +341,7 @@ void hoDocumentsView::showOutcomes(const std::vector<hoSigningOutcome>& outcomes
     }
     sortAgain();
     list().makeRoomForState(longest);
-    list().showChanges();
+    list().showChanged(rowsOf(paths));
 }
 
 void hoDocumentsView::forgetStates(bool canTest)
@@ -336,8 +350,8 @@ void hoDocumentsView::forgetStates(bool canTest)
     _documents.forgetStates();
     if (_pList != nullptr)
     {
-        _pList->setCanTest(canTest);
-        _pList->showChanges();
+        sortAgain();
+        _pList->showStates(canTest);
     }
     _callbacks._onChange();
 }
@@ -375,11 +389,14 @@ hoDocumentListCtrl& hoDocumentsView::list()
 {
     if (_pList == nullptr)
     {
-        _pList = new hoDocumentListCtrl(this, _documents);
+        _pList = new hoDocumentListCtrl(this, _documents,
+                                        {[this] { _callbacks._onChange(); },
+                                         [this](hoDocumentList::Column column, bool isAscending)
+                                         { sort(column, isAscending); }});
         AddPage(_pList, "documents");
         // The rows scroll: the window may be narrower than all columns together.
         _pList->SetMinSize(wxSize(1, 1));
-        _pList->setCanTest(_canTest);
+        _pList->showStates(_canTest);
         _pList->setColumnWidths(_columnWidths);
         bindList();
     }
@@ -388,36 +405,46 @@ hoDocumentListCtrl& hoDocumentsView::list()
 
 void hoDocumentsView::bindList()
 {
-    _pList->Bind(wxEVT_LIST_COL_CLICK, &hoDocumentsView::OnColumnClick, this);
-    _pList->Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent&) { _callbacks._onChange(); });
-    _pList->Bind(wxEVT_LIST_ITEM_DESELECTED, [this](wxListEvent&) { _callbacks._onChange(); });
     // By Return or a double click.
-    _pList->Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](wxListEvent&)
+    _pList->Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED, [this](wxDataViewEvent&)
                  { GetParent()->GetEventHandler()->QueueEvent(new wxCommandEvent(wxEVT_MENU, ID_VIEW_DOCUMENTS)); });
-    _pList->Bind(wxEVT_LIST_KEY_DOWN,
-                 [this](wxListEvent& event)
-                 {
-                     if (event.GetKeyCode() == WXK_DELETE || event.GetKeyCode() == WXK_NUMPAD_DELETE)
-                     {
-                         GetParent()->GetEventHandler()->QueueEvent(new wxCommandEvent(wxEVT_MENU, ID_CLOSE_DOCUMENTS));
-                     }
-                     event.Skip();
-                 });
-    _pList->Bind(wxEVT_CONTEXT_MENU, [this](wxContextMenuEvent& event) { popUpMenu(event); });
+    _pList->Bind(wxEVT_KEY_DOWN, &hoDocumentsView::OnKeyDown, this);
+    _pList->Bind(wxEVT_CONTEXT_MENU, &hoDocumentsView::OnContextMenu, this);
+    _pList->Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [this](wxDataViewEvent&) { popUpMenu(wxDefaultPosition); });
 }
 
-void hoDocumentsView::popUpMenu(const wxContextMenuEvent& event)
+void hoDocumentsView::OnKeyDown(wxKeyEvent& event)
+{
+    if (event.GetKeyCode() == WXK_SPACE && !event.HasAnyModifiers() && !event.ShiftDown())
+    {
+        // The list's own meaning of it is that of Return.
+        list().toggleCurrent();
+        return;
+    }
+    if (event.GetKeyCode() == WXK_DELETE || event.GetKeyCode() == WXK_NUMPAD_DELETE)
+    {
+        GetParent()->GetEventHandler()->QueueEvent(new wxCommandEvent(wxEVT_MENU, ID_CLOSE_DOCUMENTS));
+    }
+    event.Skip();
+}
+
+void hoDocumentsView::OnContextMenu(wxContextMenuEvent& event)
+{
+    if (event.GetPosition() != wxDefaultPosition)
+    {
+        // By the mouse: the list selects the row first, and calls by an event of its own.
+        event.Skip();
+        return;
+    }
+    const std::size_t row = list().current();
+    const wxRect place = row == hoDocumentList::nowhere ? wxRect() : list().placeOf(row);
+    popUpMenu(place.IsEmpty() ? wxDefaultPosition : place.GetBottomLeft());
+}
+
+void hoDocumentsView::popUpMenu(const wxPoint& where)
 {
     wxMenu menu;
     hoFillContextMenu(menu);
-    wxPoint where = wxDefaultPosition;
-    const long row = list().GetNextItem(wxNOT_FOUND, wxLIST_NEXT_ALL, wxLIST_STATE_FOCUSED);
-    wxRect rect;
-    // Called by the keyboard it has no position; it opens at the row that the keyboard is on.
-    if (event.GetPosition() == wxDefaultPosition && row >= 0 && list().GetItemRect(row, rect))
-    {
-        where = rect.GetBottomLeft();
-    }
     if (_callbacks._onMenu)
     {
         _callbacks._onMenu();
@@ -425,38 +452,18 @@ void hoDocumentsView::popUpMenu(const wxContextMenuEvent& event)
     list().PopupMenu(&menu, where);
 }
 
-void hoDocumentsView::OnColumnClick(wxListEvent& event)
+void hoDocumentsView::sort(hoDocumentList::Column column, bool isAscending)
 {
-    const int column = event.GetColumn();
-    if (column < 0)
-    {
-        return;
-    }
+    _isSorted = true;
     _sortedColumn = column;
-    _isAscending = list().GetUpdatedAscendingSortIndicator(column);
-    list().ShowSortIndicator(column, _isAscending);
+    _isAscending = isAscending;
     sortAgain();
 }
 
 void hoDocumentsView::sortAgain()
 {
-    if (_sortedColumn == wxNOT_FOUND)
+    if (_isSorted)
     {
-        return;
-    }
-    const std::vector<gtString> paths = selectedPaths();
-    _documents.sort(hoDocumentListCtrl::columnAt(_sortedColumn), _isAscending);
-    list().showChanges();
-
-    std::vector<std::size_t> rows;
-    rows.reserve(paths.size());
-    for (const gtString& path : paths)
-    {
-        rows.push_back(_documents.positionOf(path));
-    }
-    std::sort(rows.begin(), rows.end());
-    if (rows != list().selected())
-    {
-        list().select(rows);
+        list().showOrder(_documents.sort(_sortedColumn, _isAscending));
     }
 }

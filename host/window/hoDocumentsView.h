@@ -18,7 +18,8 @@
 #include <vector>
 
 class hoDocumentListCtrl;
-class wxListEvent;
+class wxContextMenuEvent;
+class wxKeyEvent;
 
 class hoDocumentsView : public wxSimplebook
 {
@@ -84,9 +85,12 @@ private:
     void watchFolders();
     std::vector<gtString> selectedPaths() const;
     void selectPaths(const std::vector<gtString>& absolutePaths);
-    void OnColumnClick(wxListEvent& event);
+    void OnKeyDown(wxKeyEvent& event);
+    void OnContextMenu(wxContextMenuEvent& event);
+    void sort(hoDocumentList::Column column, bool isAscending);
     void sortAgain();
-    void popUpMenu(const wxContextMenuEvent& event);
+    std::vector<std::size_t> rowsOf(const std::vector<gtString>& absolutePaths) const;
+    void popUpMenu(const wxPoint& where);
 
     const Callbacks _callbacks;
     hoDocumentList _documents;
@@ -95,7 +99,8 @@ private:
     std::vector<int> _columnWidths;
     std::vector<gtString> _askedFor;  // absolute paths that are to be selected
     bool _canTest;
-    int _sortedColumn;  // wxNOT_FOUND: the rows are in the order in which they came
+    bool _isSorted;  // else the rows are in the order in which they came
+    hoDocumentList::Column _sortedColumn;
     bool _isAscending;
 };
 

@@ -7,6 +7,7 @@
 #include "host/window/hoSummary.h"
 #include "host/window/hoTexts.h"
 #include "host/window/hoTypedSecret.h"
+#include "platform/toolkit/gtReaders.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <wx/button.h>
@@ -102,6 +103,7 @@ hoNewKeyDialog::hoNewKeyDialog(wxWindow* pParent, const gtString& folder)
     _pBits->SetValue(sizeText(hoPlainNumber(hoUsualNewKeyBits)));
     _pBits->SetToolTip(sizesAllowed());
     _pBits->SetName("bits");
+    gtNameForReaders(*_pBits, wxControl::RemoveMnemonics(pBitsLabel->GetLabel()));
     _pFile->SetName("file");
     _pBrowse->SetName("browse");
     _pPublicFile->SetName("publicFile");

@@ -5,6 +5,7 @@
 #include "host/window/hoDisplayText.h"
 #include "host/window/hoSummary.h"
 #include "host/window/hoTexts.h"
+#include "platform/toolkit/gtReaders.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 namespace
@@ -116,6 +117,19 @@ void hoStatusBar::showKeys(const hoKeyRing& keys)
     _keyTexts = keyTexts(keys);
     SetStatusWidths(FIELD_COUNT, keys.keys().size() > 1 ? widthsWithSeveralKeys : usualWidths);
     fitKeys();
+}
+
+void hoStatusBar::DoUpdateStatusText(int field)
+{
+    wxStatusBar::DoUpdateStatusText(field);
+    // The toolkit draws the fields, and a reader sees nothing of them.
+    wxString all;
+    for (int each = 0; each < GetFieldsCount(); ++each)
+    {
+        const wxString text = GetStatusText(each);
+        all += (all.empty() || text.empty() ? "" : "; ") + text;
+    }
+    gtReadAsStatusBar(*this, all);
 }
 
 void hoStatusBar::fitKeys()

@@ -27,6 +27,7 @@ public:
     void showDocuments(const hoDocumentList& documents, std::size_t amountSelected);
 
 private:
+    void DoUpdateStatusText(int field) override;
     void fitKeys();
 
     wxString _reason;

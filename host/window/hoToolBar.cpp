@@ -5,7 +5,9 @@
 #include "host/window/hoCommands.h"
 #include "host/window/hoTexts.h"
 #include "host/window/hoThemeIcon.h"
+#include "platform/toolkit/gtReaders.h"
 
+#include <wx/control.h>
 #include <wx/frame.h>
 #include <wx/settings.h>
 #include <wx/toolbar.h>
@@ -69,6 +71,7 @@ void hoToolBar::show(bool isWanted)
         }
         drawIcons();
         _pBar->Realize();
+        gtNameForReaders(*_pBar, wxControl::RemoveMnemonics(_("&Tool bar")));
         _pBar->Bind(wxEVT_SYS_COLOUR_CHANGED,
                     [this](wxSysColourChangedEvent& event)
                     {

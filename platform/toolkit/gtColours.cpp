@@ -6,8 +6,8 @@
 #include <string>
 
 #include <wx/infobar.h>
-#include <wx/listctrl.h>
 #include <wx/settings.h>
+#include <wx/window.h>
 
 #ifdef __WXGTK__
 #include <gtk/gtk.h>
@@ -111,13 +111,13 @@ void gtColourBar(wxInfoBar& bar, gtBarColour colour)
 #endif
 }
 
-void gtColourAlternateRows(wxListCtrl& list)
+wxColour gtAlternateRowColour()
 {
-    list.EnableAlternateRowColours();
-    list.SetAlternateRowColour(mixed(list.GetBackgroundColour(), list.GetForegroundColour(), alternateRowPart));
+    return mixed(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX),
+                 wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOXTEXT), alternateRowPart);
 }
 
-void gtMakeSelectedRowsLegible(wxListCtrl& list)
+void gtMakeSelectedRowsLegible(wxWindow& list)
 {
 #ifdef __WXGTK__
     const wxColour text = wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOXHIGHLIGHTTEXT);
@@ -134,6 +134,19 @@ void gtMakeSelectedRowsLegible(wxListCtrl& list)
         addStyle(list.GetHandle(), row + ", " + row + ":focus, " + row + ":backdrop { background-color: " +
                                        legible.GetAsString(wxC2S_HTML_SYNTAX).utf8_string() + "; }\n");
     }
+#else
+    static_cast<void>(list);
+#endif
+}
+
+void gtMakeColumnHeadsLegible(wxWindow& list)
+{
+#ifdef __WXGTK__
+    const std::string head = "treeview.view header button";
+    addStyle(list.GetHandle(),
+             head + ", " + head + ":hover, " + head + ":backdrop { color: " +
+                 wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOXTEXT).GetAsString(wxC2S_HTML_SYNTAX).utf8_string() +
+                 "; }\n");
 #else
     static_cast<void>(list);
 #endif

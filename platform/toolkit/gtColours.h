@@ -7,7 +7,7 @@
 #include <wx/colour.h>
 
 class wxInfoBar;
-class wxListCtrl;
+class wxWindow;
 
 enum class gtBarColour
 {
@@ -21,12 +21,16 @@ enum class gtBarColour
 // itself, the buttons stay as they are.
 void gtColourBar(wxInfoBar& bar, gtBarColour colour);
 
-// Gives every other row a background of its own, on which the list's text stays legible.
-void gtColourAlternateRows(wxListCtrl& list);
+// The background of every other row of a list, on which the list's text stays legible.
+wxColour gtAlternateRowColour();
 
 // Makes the selected rows of this list, and of all others, legible where the theme's colours are not: their background
 // becomes darker under a light text, and lighter under a dark one.
-void gtMakeSelectedRowsLegible(wxListCtrl& list);
+void gtMakeSelectedRowsLegible(wxWindow& list);
+
+// Writes the heads of the columns of this list, and of all others, in the colour of the list's text: themes make them
+// pale.
+void gtMakeColumnHeadsLegible(wxWindow& list);
 
 // By WCAG 2.1, from 1 to 21.
 double gtContrast(const wxColour& one, const wxColour& other);

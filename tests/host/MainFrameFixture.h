@@ -8,11 +8,11 @@
 #include "app/ApplicationShell.h"
 #include "host/MainFrame.h"
 #include "host/window/hoDocumentDropTarget.h"
+#include "tests/host/DocumentRows.h"
 #include "tests/host/NewKey.h"
 #include "tests/support/tsWindowTest.h"
 
 #include <gtest/gtest.h>
-#include <wx/listctrl.h>
 #include <wx/menu.h>
 #include <wx/statusbr.h>
 
@@ -138,8 +138,8 @@ protected:
     }
 
     // Null as long as there has been no document.
-    wxListCtrl* findList() const { return dynamic_cast<wxListCtrl*>(wxWindow::FindWindowByName("documents", _pFrame)); }
-    wxListCtrl& list() const
+    hoDocumentListCtrl* findList() const { return findDocumentRows(_pFrame); }
+    hoDocumentListCtrl& list() const
     {
         if (findList() == nullptr)
         {
@@ -147,23 +147,22 @@ protected:
         }
         return *findList();
     }
-    int rowCount() const { return findList() != nullptr ? findList()->GetItemCount() : 0; }
+    int rowCount() const { return findList() != nullptr ? static_cast<int>(amountOfRows(*findList())) : 0; }
     std::vector<std::string> rows(int column = 0) const
     {
         std::vector<std::string> texts;
         for (int row = 0; row < rowCount(); ++row)
         {
-            texts.push_back(list().GetItemText(row, column).utf8_string());
+            texts.push_back(textOfRow(list(), row, column));
         }
         return texts;
     }
     std::vector<std::string> selectedRows() const
     {
         std::vector<std::string> texts;
-        long row = -1;
-        while (findList() != nullptr && (row = list().GetNextItem(row, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED)) >= 0)
+        for (const std::size_t row : findList() != nullptr ? findList()->selected() : std::vector<std::size_t>())
         {
-            texts.push_back(list().GetItemText(row).utf8_string());
+            texts.push_back(textOfRow(list(), static_cast<int>(row), 0));
         }
         return texts;
     }

@@ -4,12 +4,12 @@
 #include "app/ApplicationShell.h"
 #include "host/MainFrame.h"
 #include "host/desktop/hoSessionBus.h"
+#include "tests/host/DocumentRows.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/tsWindowTest.h"
 
 #include <gio/gio.h>
 #include <gmock/gmock.h>
-#include <wx/listctrl.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -177,8 +177,8 @@ TEST_F(SessionBusWindowTest, ASecondStartHandsItsDocumentsToTheFirstAndEndsWell)
     tsRunUntil("the documents are selected",
                [&]
                {
-                   const auto* pList = dynamic_cast<wxListCtrl*>(wxWindow::FindWindowByName("documents", _pFrame));
-                   return pList != nullptr && pList->GetSelectedItemCount() == static_cast<int>(paths.size());
+                   const auto* pList = findDocumentRows(_pFrame);
+                   return pList != nullptr && pList->amountSelected() == paths.size();
                });
 }
 

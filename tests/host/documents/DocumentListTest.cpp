@@ -144,9 +144,9 @@ TEST_F(DocumentList, SortsByEveryColumn)
     openNew("a.txt", "22", 1000);
     openNew("C.txt", "22", 1000);
 
-    _list.sort(Column::Name, true);
+    EXPECT_THAT(_list.sort(Column::Name, true), ElementsAre(2, 1, 0, 3));
     EXPECT_THAT(namesOf(_list), ElementsAre("a.txt", "A.txt", "b.txt", "C.txt"));
-    _list.sort(Column::Name, false);
+    EXPECT_THAT(_list.sort(Column::Name, false), ElementsAre(3, 2, 1, 0));
     EXPECT_THAT(namesOf(_list), ElementsAre("C.txt", "b.txt", "A.txt", "a.txt"));
     _list.sort(Column::Size, true);
     EXPECT_THAT(namesOf(_list), ElementsAre("A.txt", "a.txt", "C.txt", "b.txt"));

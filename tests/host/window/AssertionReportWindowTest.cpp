@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <wx/button.h>
 #include <wx/clipbrd.h>
+#include <wx/listctrl.h>
 #include <wx/stattext.h>
 
 #include <thread>

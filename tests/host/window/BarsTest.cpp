@@ -3,12 +3,15 @@
 #include "tests/host/MainFrameFixture.h"
 
 #include "host/window/hoDetailsDialog.h"
+#include "tests/support/tsContrast.h"
 
 #include <gmock/gmock.h>
 #include <wx/clipbrd.h>
 #include <wx/infobar.h>
 #include <wx/textctrl.h>
 
+#include <cstddef>
+#include <cstring>
 #include <functional>
 
 #include <gtk/gtk.h>
@@ -115,6 +118,22 @@ protected:
                    });
         tsClickAt(middle);
     }
+    // Until nothing on the screen changes any more.
+    static void waitForRest()
+    {
+        wxImage last;
+        int same = 0;
+        tsRunUntil("the window is at rest",
+                   [&]
+                   {
+                       const wxImage now = tsPictureOfScreen();
+                       const std::size_t size =
+                           std::size_t(3) * std::size_t(now.GetWidth()) * std::size_t(now.GetHeight());
+                       same = last.IsOk() && std::memcmp(now.GetData(), last.GetData(), size) == 0 ? same + 1 : 0;
+                       last = now;
+                       return same > 5;
+                   });
+    }
     void startWithKey()
     {
         start({"countersign-desktop", _folder.write("a.txt", "first"), _folder.write("b.txt", "second")});
@@ -183,6 +202,27 @@ TEST_F(Bars, StayWhenTheirDetailsAreClosed)
 
     clickButton("Dismiss");
     tsRunUntil("the bar is gone", [this] { return !isBarShown(); });
+}
+
+TEST_F(Bars, LeaveTheirRoomToTheList)
+{
+    startWithKey();
+    waitForRest();
+    const wxRect whole = list().GetScreenRect();
+    const wxRect bottom(whole.x + 20, whole.GetBottom() - 20, whole.width - 40, 10);
+    const wxColour before = tsInkOf(tsPictureOfScreen(), bottom).ground;
+    work("ctrl+shift+t");
+    tsRunUntil("the list makes room", [&] { return list().GetScreenRect().height < whole.height; });
+    waitForRest();
+    EXPECT_EQ(tsInkOf(tsPictureOfScreen(), bottom).ground, before);
+    // To the button, past Details.
+    tsPressKeys("shift+Tab");
+    tsPressKeys("shift+Tab");
+    waitForRest();
+    tsPressKeys("space");
+    tsRunUntil("the list has its room again", [&] { return list().GetScreenRect() == whole; });
+    waitForRest();
+    EXPECT_EQ(tsInkOf(tsPictureOfScreen(), bottom).ground, before);
 }
 
 TEST_F(Bars, GiveDetailsToCopyAndToSave)

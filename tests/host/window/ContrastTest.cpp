@@ -43,11 +43,9 @@ protected:
             << ink.ground.GetAsString(wxC2S_HTML_SYNTAX).utf8_string();
     }
     // The text of a row's cell, without the state's picture.
-    wxRect cell(long row, int column) const
+    wxRect cell(int row, int column) const
     {
-        wxRect rect;
-        list().GetSubItemRect(row, column, rect);
-        rect.SetPosition(list().ClientToScreen(rect.GetPosition()));
+        const wxRect rect = placeOfCell(list(), row, column);
         const int picture = column == 1 ? 24 : 0;
         return wxRect(rect.x + picture + rowMargin, rect.y + rowMargin, rect.width - picture - 2 * rowMargin,
                       rect.height - 2 * rowMargin);
@@ -55,7 +53,7 @@ protected:
     void expectRowsLegible(const std::string& what) const
     {
         const wxImage screen = picture();
-        for (long row = 0; row < rowCount(); ++row)
+        for (int row = 0; row < rowCount(); ++row)
         {
             for (const int column : {0, 1, 2, 3})
             {

@@ -100,9 +100,7 @@ TEST_F(DocumentCommands, OpenInTheDesktopsPrograms)
     chooseInContextMenu("f");
     waitForView(_folder.path());
 
-    wxRect row;
-    list().GetItemRect(0, row);
-    row.SetPosition(list().ClientToScreen(row.GetPosition()));
+    const wxRect row = placeOfCell(list(), 0, 0);
     const std::string before = programs.viewed();
     tsDoubleClickAtUntil(row.GetTopLeft() + wxPoint(20, row.height / 2), "the program has the other document",
                          [&] { return programs.viewed().size() > before.size(); });
@@ -114,7 +112,7 @@ TEST_F(DocumentCommands, SayWhatCannotBeOpened)
     start({"countersign-desktop", _folder.write("a.txt", "some text\n")});
     std::filesystem::remove(_folder.path("a.txt"));
     tsRunUntil("the row says so", [this] { return rows(1).front() == "Missing"; });
-    list().SetItemState(0, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
+    list().select({0});
     tsScript script;
     script.waitUntil("the message is up", [this] { return isAnotherWindowActive(); })
         .perform("close it", [] { tsPressKeys("Escape"); })

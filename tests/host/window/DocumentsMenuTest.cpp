@@ -32,13 +32,6 @@ protected:
         g_list_free(pWindows);
         return place;
     }
-    wxRect rowPlace(long row) const
-    {
-        wxRect rect;
-        list().GetItemRect(row, rect);
-        rect.SetPosition(list().ClientToScreen(rect.GetPosition()));
-        return rect;
-    }
 };
 }  // namespace
 
@@ -66,7 +59,7 @@ TEST_F(DocumentsMenu, OpensAtTheRowWhenTheKeyboardCallsIt)
             .start();
         tsPressKeys(pKeys);
         tsRunUntil("the menu is closed", [&] { return script.isFinished() && menuPlace().IsEmpty(); });
-        const wxRect row = rowPlace(2);
+        const wxRect row = placeOfCell(list(), 2, 0);
         // Give or take a border and the head of the columns.
         EXPECT_NEAR(menu.y, row.GetBottom(), 32) << pKeys;
         EXPECT_NEAR(menu.x, row.x, 16) << pKeys;
@@ -80,7 +73,7 @@ TEST_F(DocumentsMenu, KeepsTheOrderTrueWhileStatesChange)
     dropNewKey();
     const wxRect head = list().GetScreenRect();
     // By state, then by name.
-    tsClickAt(head.GetTopLeft() + wxPoint(list().GetColumnWidth(0) + 30, 10));
+    tsClickAt(head.GetTopLeft() + wxPoint(list().GetColumn(0)->GetWidth() + 30, 10));
     tsRunUntil("the rows are sorted", [this] { return rows().front() == "file-1"; });
     EXPECT_THAT(rows(), ElementsAre("file-1", "file-2", "file-10"));
     openAskedFor(_folder.path("file-1"));
@@ -122,7 +115,7 @@ TEST_F(DocumentsMenu, SaysWhyCommandsAreGrey)
     EXPECT_EQ(tooltip("alt+s", "Signature", "Sign"), "");
     EXPECT_EQ(tooltip("alt+f", "File", "Close"), "");
     EXPECT_EQ(tooltip("alt+k", "Key", "Forget all keys"), "");
-    list().SetItemState(0, 0, wxLIST_STATE_SELECTED);
+    list().select({});
     settle();
     EXPECT_EQ(tooltip("alt+e", "Edit", "Copy path"), "No document is selected.");
     EXPECT_EQ(tooltip("alt+s", "Signature", "Sign"), "No document is selected.");

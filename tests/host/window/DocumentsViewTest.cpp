@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // The view of the documents, and what it reports.
+#include "tests/host/DocumentRows.h"
 #include "tests/host/window/BareFrame.h"
 
 #include "host/window/hoDocumentsView.h"
 
 #include <gmock/gmock.h>
-#include <wx/listctrl.h>
 
 namespace
 {
@@ -25,7 +25,7 @@ protected:
         showWith(_pView);
     }
 
-    wxListCtrl* list() const { return dynamic_cast<wxListCtrl*>(wxWindow::FindWindowByName("documents", _pView)); }
+    hoDocumentListCtrl* list() const { return findDocumentRows(_pView); }
     std::vector<gtString> selected() const
     {
         std::vector<gtString> paths;
@@ -145,11 +145,7 @@ TEST_F(DocumentsView, StaysPaintedWhileOutcomesCome)
     // Painted before the program is idle.
     _pView->showOutcomes({});
     list()->Refresh();
-    for (wxWindow* pChild : list()->GetChildren())
-    {
-        pChild->Refresh();
-        pChild->Update();
-    }
+    list()->Update();
     EXPECT_GT(ink(), 100);
 }
 

@@ -133,7 +133,7 @@ TEST_F(HostileDocuments, TenThousandAreOpenedWorkedOnAndClosed)
     {
         std::filesystem::remove_all(_many.path(std::to_string(folder)));
     }
-    tsRunUntil("all are gone", [this] { return list().GetItemText(0, 1) == "Missing"; });
+    tsRunUntil("all are gone", [this] { return textOfRow(list(), 0, 1) == "Missing"; });
     EXPECT_THAT(rows(1), Each("Missing"));
     drop(paths);
     tsRunUntil("all are refused", [this] { return !_pFrame->refusalMessage().empty(); });
@@ -153,7 +153,7 @@ TEST_F(HostileDocuments, TenThousandMayBeInAsManyFolders)
     _many.write("1/1.txt", "longer");
     wxActivateEvent activation(wxEVT_ACTIVATE, true);
     _pFrame->ProcessWindowEvent(activation);
-    tsRunUntil("a change is seen", [this] { return list().GetItemText(1, 2) == "6 bytes"; });
+    tsRunUntil("a change is seen", [this] { return textOfRow(list(), 1, 2) == "6 bytes"; });
 }
 
 TEST_F(HostileDocuments, OnAFolderThatDisappearsAreSaidToBeGone)
@@ -191,7 +191,7 @@ TEST_F(HostileDocuments, MayDisappearJustBeforeTheWindow)
 {
     start();
     drop(manyDocuments(20, 2));
-    tsRunUntil("all are open", [&] { return list().GetItemCount() == 20; });
+    tsRunUntil("all are open", [&] { return rowCount() == 20; });
     settle();
     std::filesystem::remove_all(_many.path("0"));
     _many.write("1/1.txt", "longer");

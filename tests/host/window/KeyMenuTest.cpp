@@ -175,7 +175,7 @@ TEST_F(KeyMenu, TestsWithSeveralPublicKeysAndForgetsOne)
 
     work("ctrl+shift+t");
     EXPECT_THAT(rows(1), ElementsAre("Good \u00b7 lab.pub.pem", "Good \u00b7 office.pub.pem", "Not signed"));
-    EXPECT_GE(list().GetColumnWidth(1), list().GetTextExtent(wxString::FromUTF8(rows(1)[1])).GetWidth());
+    EXPECT_GE(list().columnWidths().at(1), list().GetTextExtent(wxString::FromUTF8(rows(1)[1])).GetWidth());
     EXPECT_THAT(_pFrame->workMessage()._details.utf8_string(), HasSubstr("\n    good \u00b7 office.pub.pem\n"));
 
     openMenu("alt+k");

@@ -206,7 +206,7 @@ TEST_F(Signing, ReplacesNoSignatureByReturnWhereAllAreSigned)
 TEST_F(Signing, DoesNothingByTheSelectionsCommandWhenNothingIsSelected)
 {
     startWithKey();
-    list().SetItemState(-1, 0, wxLIST_STATE_SELECTED);
+    list().select({});
     tsRunUntil("nothing is selected", [this] { return selectedRows().empty(); });
     tsPressKeys("ctrl+s");
     // Comes after it.
