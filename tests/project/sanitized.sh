@@ -64,7 +64,8 @@ runOne() {
     local found=$program.found
     rm -f "$found".*
     export ASAN_OPTIONS=log_path=$found UBSAN_OPTIONS=log_path=$found TSAN_OPTIONS=$TSAN_OPTIONS:log_path=$found
-    # A program that waits for ever would take the names of all other failures with it. At rest none takes three minutes.
+    # A program that waits for ever would take the names of all other failures with it. At rest none takes three
+    # minutes.
     if ! timeout --kill-after=30 1800 "$program" >"$program.log" 2>&1 || grep -q '^\[=*\] 0 tests' "$program.log"; then
         echo "FAILED: $program"
         cat "$program.log" "$found".* 2>/dev/null

@@ -146,8 +146,8 @@ bool tsRunUntil(const std::string& what, const std::function<bool()>& condition)
             // Nothing may be thrown through the toolkit's own loop.
             try
             {
-                // Dialogs that came within this loop end before it does. Until then the condition is asked on, as it may
-                // end them itself, and what has held once need not hold any more.
+                // Dialogs that came within this loop end before it does. Until then the condition is asked on, as it
+                // may end them itself, and what has held once need not hold any more.
                 holds = condition() || holds;
             }
             catch (...)
