@@ -5,9 +5,9 @@
 #   scripts/cross-test.sh [--fetch] [MACHINE...]      for example: scripts/cross-test.sh s390x riscv64
 #
 # MACHINE is s390x (the low octet comes last), aarch64, arm (32 bits) or riscv64; without one, all are taken. Compilers
-# that are installed are used. --fetch unpacks Debian's into build/cross/root, without installing anything: the installed
-# ones and g++-multilib exclude each other. A machine that cannot be built for is left out and named; the status is 77
-# when none is left.
+# that are installed are used. --fetch unpacks Debian's, and qemu, into build/cross/root, without installing anything: the
+# installed compilers and g++-multilib exclude each other. A machine that cannot be built for is left out and named; the
+# status is 77 when none is left.
 #
 # COUNTERSIGN_TEST_PERCENT: how many of the random cases are run (5).
 set -u
@@ -29,22 +29,27 @@ describe() {
     esac
 }
 
-# fetch MACHINE...: the packages of the cross compilers, GMP for the machines that Debian has, and GMP's source, whose
-# small variant serves the others. apt-get keeps its lists in the build folder, so the system's are not changed.
+# fetch MACHINE...: the packages of the cross compilers and of qemu, GMP for the machines that Debian has, and GMP's
+# source, whose small variant serves the others. apt-get keeps its lists in the build folder, so the system's are not
+# changed. A list that it cannot get need not be one that is needed: a package that is missing is an error.
 fetch() {
     local machine packages lists=$build/lists sourceLists=$build/sourceLists
     local options=(-o Dir::Cache="$build/cache" -o Debug::NoLocking=1 -o APT::Sandbox::User="" -o APT::Architectures::=amd64)
     local sources=(-o Dir::Etc::sourcelist="$build/source.list" -o Dir::Etc::sourceparts=/dev/null
         -o Dir::State::lists="$sourceLists")
     mkdir -p "$lists/partial" "$sourceLists/partial" "$build/cache/archives/partial" "$build/packages" "$fetched"
-    for machine in s390x arm64 armhf; do
-        options+=(-o "APT::Architectures::=$machine")
+    for machine in "$@"; do
+        describe "$machine"
+        [ "$architecture" = riscv64 ] || options+=(-o "APT::Architectures::=$architecture")
     done
     echo "deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] http://deb.debian.org/debian bookworm main" \
         >"$build/source.list"
-    apt-get "${options[@]}" -o Dir::State::lists="$lists" update || return
+    apt-get "${options[@]}" -o Dir::State::lists="$lists" update || say "not all lists of packages could be got"
     apt-get "${options[@]}" "${sources[@]}" update || return
     cd "$build/packages" || return
+    if ! command -v qemu-aarch64-static >/dev/null 2>&1; then
+        apt-get "${options[@]}" -o Dir::State::lists="$lists" download qemu-user-static || return
+    fi
     apt-get "${options[@]}" "${sources[@]}" source --download-only gmp || return
     tar xf gmp_*.orig.tar.* -C "$build" || return
     for machine in "$@"; do
@@ -69,7 +74,7 @@ compile() {
         "${gmpInclude[@]}" -c "$source" -o "$folder/$object" || fail "compiling $source for $machine"
 }
 
-# Sets "compiler", "gmpInclude" and "gmp", or says why it cannot and fails.
+# Sets "compiler", "emulator", "gmpInclude" and "gmp", or says why it cannot and fails.
 prepare() {
     local name found=
     for name in "$triplet-g++" "$triplet-g++-12"; do
@@ -82,8 +87,9 @@ prepare() {
         say "left out: $machine: there is no compiler $triplet-g++ (scripts/cross-test.sh --fetch $machine gets one)"
         return 1
     fi
-    if ! command -v "qemu-$machine-static" >/dev/null 2>&1; then
-        say "left out: $machine: there is no qemu-$machine-static (package qemu-user-static)"
+    emulator=$(command -v "qemu-$machine-static") || emulator=$fetched/usr/bin/qemu-$machine-static
+    if [ ! -x "$emulator" ]; then
+        say "left out: $machine: there is no qemu-$machine-static (package qemu-user-static, or --fetch $machine)"
         return 1
     fi
     compiler=("$found")
@@ -119,7 +125,7 @@ prepare() {
 run() {
     local program=$1
     shift
-    COUNTERSIGN_TEST_PERCENT=${COUNTERSIGN_TEST_PERCENT:-5} "qemu-$machine-static" "$folder/$program" \
+    COUNTERSIGN_TEST_PERCENT=${COUNTERSIGN_TEST_PERCENT:-5} "$emulator" "$folder/$program" \
         --gtest_brief=1 "$@" >"$folder/$program.log" 2>&1 && return 0
     tail -n 60 "$folder/$program.log" >&2
     return 1
@@ -171,7 +177,7 @@ testOne() {
     run tests --gtest_filter='-OutOfMemoryDeathTest.EndsTheProcessWhen*:OutOfMemoryDeathTest.EndsTheProcessInTheConverters' ||
         fail "testing on $machine"
     run columns || fail "testing the fast forms on $machine"
-    digest=$("qemu-$machine-static" "$folder/digest") || fail "computing the digest on $machine"
+    digest=$("$emulator" "$folder/digest") || fail "computing the digest on $machine"
     [ "$digest" = "$expected" ] || fail "the digest on $machine is $digest, here it is $expected"
 }
 

@@ -108,10 +108,11 @@ TEST(Stack, IsSearchedWithSuccess)
     stack.run(
         [&secret]
         {
-            volatile uint64_t room[40];
-            for (size_t i = 0; i < 20; ++i)
+            // Many times: the end of the thread takes the upper part of the stack for itself.
+            volatile uint64_t room[1000];
+            for (size_t i = 0; i < 1000; ++i)
             {
-                room[i] = secret[i];
+                room[i] = secret[i % 20];
             }
             (void)room[0];
         });
