@@ -70,7 +70,7 @@ MainFrame::MainFrame()
       _documentCommands(*this, _keys.keys(),
                         {[this] { return _pView->documentsToProcess(false); },
                          [this](const wxString& text) { _pStatusBar->showNotice(text); }}),
-      _toolBar(*this, _memory.settings()),
+      _toolBar(*this, _memory.settings(), [this](int command) { return whyGrey(command); }),
       _areChangesPending(false),
       _isRecentChanged(false),
       _isFrontWanted(false)

@@ -12,6 +12,8 @@
 #include <wx/settings.h>
 #include <wx/toolbar.h>
 
+#include <utility>
+
 namespace
 {
 const char* const setting = "toolBar";
@@ -37,7 +39,8 @@ const Tool tools[] = {
 };
 }  // namespace
 
-hoToolBar::hoToolBar(wxFrame& frame, hoSettings& settings) : _frame(frame), _settings(settings), _pBar(nullptr)
+hoToolBar::hoToolBar(wxFrame& frame, hoSettings& settings, std::function<wxString(int command)> whyGrey)
+    : _frame(frame), _settings(settings), _whyGrey(std::move(whyGrey)), _pBar(nullptr)
 {
     hoBindCommand(frame, ID_SHOW_TOOL_BAR,
                   [this]
@@ -72,6 +75,13 @@ void hoToolBar::show(bool isWanted)
         drawIcons();
         _pBar->Realize();
         gtNameForReaders(*_pBar, wxControl::RemoveMnemonics(_("&Tool bar")));
+        // The toolkit asks here for each tool, whenever it asks whether that is grey.
+        _pBar->Bind(wxEVT_UPDATE_UI,
+                    [this](wxUpdateUIEvent& event)
+                    {
+                        explain(event.GetId());
+                        event.Skip();
+                    });
         _pBar->Bind(wxEVT_SYS_COLOUR_CHANGED,
                     [this](wxSysColourChangedEvent& event)
                     {
@@ -92,5 +102,22 @@ void hoToolBar::drawIcons()
     for (const Tool& tool : tools)
     {
         _pBar->SetToolNormalBitmap(tool._command, hoThemeIcon(*_pBar, tool._icon, colour, tool._fallback));
+    }
+}
+
+void hoToolBar::explain(int command)
+{
+    for (const Tool& tool : tools)
+    {
+        if (tool._command == command)
+        {
+            const wxString reason = _whyGrey(command);
+            const wxString help = wxGetTranslation(tool._help) + (reason.empty() ? reason : "\n" + reason);
+            // A tooltip that is up would be shown anew.
+            if (_pBar->GetToolShortHelp(command) != help)
+            {
+                _pBar->SetToolShortHelp(command, help);
+            }
+        }
     }
 }

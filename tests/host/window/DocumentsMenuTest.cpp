@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The list of the documents: its menu, why commands are grey, and its order while states change.
 #include "tests/host/MainFrameFixture.h"
+#include "tests/host/Tooltip.h"
 
 #include <gmock/gmock.h>
 
@@ -128,20 +129,7 @@ TEST_F(DocumentsMenu, ShowsTheTooltipOfAGreyCommand)
     openMenu("alt+k");
     tsRunUntil("the menu is up", [] { return !menuPlace().IsEmpty(); });
     const wxRect menu = menuPlace();
-    const auto isTooltipUp = []
-    {
-        bool isUp = false;
-        GList* const pWindows = gtk_window_list_toplevels();
-        for (GList* pWindow = pWindows; pWindow != nullptr; pWindow = pWindow->next)
-        {
-            GtkWidget* const pWidget = GTK_WIDGET(pWindow->data);
-            isUp = isUp || (gtk_window_get_type_hint(GTK_WINDOW(pWidget)) == GDK_WINDOW_TYPE_HINT_TOOLTIP &&
-                            gtk_widget_get_mapped(pWidget) != FALSE);
-        }
-        g_list_free(pWindows);
-        return isUp;
-    };
-    EXPECT_FALSE(isTooltipUp());
+    EXPECT_EQ(shownTooltip(), "");
     // The last entry, Forget all keys.
     for (const int distance : {0, 3})
     {
@@ -149,7 +137,7 @@ TEST_F(DocumentsMenu, ShowsTheTooltipOfAGreyCommand)
                       std::to_string(menu.GetBottom() - 18)});
         tsRunEvents();
     }
-    tsRunUntil("the tooltip is up", isTooltipUp);
+    tsRunUntil("the tooltip is up", [] { return shownTooltip() == "No key is loaded."; });
     tsPressKeys("Escape");
     tsPressKeys("Escape");
     settle();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The tool bar: real clicks, grey like the menus, and gone where it is not wanted.
 #include "tests/host/MainFrameFixture.h"
+#include "tests/host/Tooltip.h"
 
 #include "host/window/hoCommands.h"
 #include "host/window/hoThemeIcon.h"
@@ -70,6 +71,7 @@ protected:
         clickTool(command);
         tsRunUntil("it is closed", [&] { return script.isFinished() && tsHasKeyboard(*_pFrame); });
     }
+    std::string help(int command) const { return bar().GetToolShortHelp(command).utf8_string(); }
     std::vector<bool> enabled() const
     {
         std::vector<bool> answers;
@@ -102,7 +104,45 @@ TEST_F(ToolBar, DoesWhatTheMenusDo)
     tsRunUntil("it has changed", [this] { return rows(1).front() != "Signed by me"; });
     clickTool(ID_TEST);
     tsRunUntil("it is tested", [this] { return rows(1).front() == "Bad"; });
-    EXPECT_THAT(bar().GetToolShortHelp(ID_SIGN).utf8_string(), HasSubstr("Ctrl+S"));
+    EXPECT_THAT(help(ID_SIGN), HasSubstr("Ctrl+S"));
+}
+
+TEST_F(ToolBar, SaysWhyAToolIsGrey)
+{
+    const std::string sign = "Sign the selected documents (Ctrl+S)";
+    const std::string test = "Test the signatures of the selected documents (Ctrl+T)";
+    const auto waitForHelp = [this](int command, const std::string& expected)
+    {
+        const bool isFound = tsRunUntil("the tool says " + expected, [&] { return help(command) == expected; });
+        EXPECT_TRUE(isFound) << "it says " << help(command);
+    };
+    start();
+    waitForHelp(ID_SIGN, sign + "\nNothing to sign or test: open documents first.");
+    waitForHelp(ID_TEST, test + "\nNothing to sign or test: open documents first.");
+    EXPECT_EQ(help(wxID_OPEN), "Open documents, several at once (Ctrl+O)");
+    openAskedFor(_folder.write("a.txt", "x"));
+    waitForHelp(ID_SIGN, sign + "\nSigning and testing take a key: load one first.");
+    dropNewKey();
+    waitForHelp(ID_SIGN, sign);
+    waitForHelp(ID_TEST, test);
+    list().select({});
+    waitForHelp(ID_SIGN, sign + "\nNo document is selected.");
+}
+
+// Also one that takes no click.
+TEST_F(ToolBar, ShowsTheTooltipOfAGreyTool)
+{
+    start();
+    waitForEnabled({true, true, false, false});
+    EXPECT_EQ(shownTooltip(), "");
+    const wxPoint place = toolPlaces().at(static_cast<std::size_t>(bar().GetToolPos(ID_SIGN))).GetTopLeft();
+    for (const int distance : {16, 19})
+    {
+        tsRunProgram({"xdotool", "mousemove", std::to_string(place.x + distance), std::to_string(place.y + 16)});
+        tsRunEvents();
+    }
+    tsRunUntil("the tooltip is up", [] { return !shownTooltip().empty(); });
+    EXPECT_THAT(shownTooltip(), HasSubstr("open documents first"));
 }
 
 TEST_F(ToolBar, GoesWhereItIsNotWanted)
