@@ -888,6 +888,9 @@ void divideByRows(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size
 // Where a row has to carry from digit to digit, columns have nothing to carry until they are summed up, and the sums
 // of neighbouring columns are independent of each other: that suits vector units. The products are still formed from
 // 16-bit halves, whose products are summed in 32-bit lanes.
+//
+// Loops over a few vectors are unrolled, here and below, so that these stay in registers: compilers do so by themselves
+// only where they are told to optimise most.
 
 #if defined(__GNUC__) && defined(__SIZEOF_INT128__) && !defined(MP_WITHOUT_COLUMNS)
 
@@ -1008,6 +1011,7 @@ struct ProductsOfRows
 template <class Vector>
 MP_INLINE void addRow(Lanes<Vector>& lanes, const mpDigit a[], mpDigit d)
 {
+#pragma GCC unroll 4
     for (size_t i = 0; i < Lanes<Vector>::parts; i++)
     {
         ProductsOfRows<Vector> row = {};
@@ -1058,6 +1062,7 @@ MP_INLINE void addWidened(uint64_t sums[2][columnCount / 2], const Vector& lanes
 template <class Vector>
 MP_INLINE void addLanes(Columns& sums, const Lanes<Vector>& lanes)
 {
+#pragma GCC unroll 4
     for (size_t i = 0; i < Lanes<Vector>::parts; i++)
     {
         const Vector lower = lanes.lower[i] << bitsPerHalf;
@@ -1075,6 +1080,7 @@ MP_INLINE void addRows(ProductsOfRows<Vector> rows[], const mpDigit* a, const mp
 {
     for (size_t j = begin; j < end; j++)
     {
+#pragma GCC unroll 4
         for (size_t i = 0; i < Lanes<Vector>::parts; i++)
         {
             rows[i].addRow(a - (j - begin), v[j], i);
@@ -1110,6 +1116,7 @@ MP_INLINE void addColumns(Columns& sums, const Slices& u, const mpDigit v[], siz
             addRows(rows, u.lowEnd + (columnCount + first - endOfWhole), v, endOfWhole, stop);
         }
         Lanes<Vector> lanes = {};
+#pragma GCC unroll 4
         for (size_t i = 0; i < Lanes<Vector>::parts; i++)
         {
             rows[i].addTo(lanes, i);
@@ -1122,6 +1129,7 @@ MP_INLINE void addColumns(Columns& sums, const Slices& u, const mpDigit v[], siz
 // The digits of the columns, with what is carried from the columns below them.
 MP_INLINE void takeDigits(mpDigit digits[columnCount], uint64_t& carry, const Columns& sums)
 {
+#pragma GCC unroll 8
     for (size_t i = 0; i < columnCount / 2; i++)
     {
         const uint64_t even = carry + sums.low[0][i];
@@ -1499,6 +1507,7 @@ struct LimbColumns
 
     MP_INLINE void clear()
     {
+#pragma GCC unroll 4
         for (size_t k = 0; k < blocks; k++)
         {
             evenLow[k] = evenHigh[k] = oddLow[k] = oddHigh[k] = even[k] = odd[k] = Vector{};
@@ -1510,6 +1519,7 @@ struct LimbColumns
     {
         constexpr auto mask = static_cast<mpDigit>(shortLimbMask);
         constexpr auto bits = static_cast<mpDigit>(shortLimbBits);
+#pragma GCC unroll 4
         for (size_t k = 0; k < blocks; k++)
         {
             evenLow[k] += even[k] & mask;
@@ -1533,6 +1543,7 @@ struct LimbColumns
             // Copies, which the compiler keeps in registers.
             Vector evens[blocks];
             Vector odds[blocks];
+#pragma GCC unroll 4
             for (size_t k = First; k < End; k++)
             {
                 evens[k] = even[k];
@@ -1544,6 +1555,7 @@ struct LimbColumns
                 Vector ownLimbs;
                 Pairs::load(belowLimbs, u - j - 1);
                 Pairs::load(ownLimbs, u - j);
+#pragma GCC unroll 4
                 for (size_t k = First; k < End; k++)
                 {
                     Vector everywhere;
@@ -1552,6 +1564,7 @@ struct LimbColumns
                     Pairs::multiplyAdd(odds[k], ownLimbs, everywhere);
                 }
             }
+#pragma GCC unroll 4
             for (size_t k = First; k < End; k++)
             {
                 even[k] = evens[k];
@@ -1601,6 +1614,7 @@ struct LimbColumns
     MP_INLINE void addTo(uint64_t units[]) const
     {
         using Wide = typename Widened<Vector>::Type;
+#pragma GCC unroll 4
         for (size_t k = 0; k < blocks; k++)
         {
             const Vector between = evenHigh[k] + oddLow[k];
@@ -1619,6 +1633,7 @@ struct LimbColumns
     // above[0] is left alone.
     MP_INLINE void put(LimbSums& sums, size_t first) const
     {
+#pragma GCC unroll 4
         for (size_t k = 0; k < blocks; k++)
         {
             const size_t i = first / 2 + lanes * k;
