@@ -6,6 +6,7 @@
 #include "host/window/hoScreenFit.h"
 #include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
+#include "platform/toolkit/gtTextDirection.h"
 
 #include <wx/button.h>
 #include <wx/sizer.h>
@@ -58,6 +59,7 @@ hoDetailsDialog::hoDetailsDialog(wxWindow* pParent, const wxString& title, const
     pTop->Add(pHeading, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxTOP));
     pTop->Add(pText, wxSizerFlags(1).Expand().DoubleBorder());
     pTop->Add(pButtons, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxBOTTOM));
+    gtAlignTexts(*this);
     SetSizer(pTop);
     hoFitOnScreen(*this, FromDIP(usualSize));
     CentreOnParent();

@@ -12,6 +12,7 @@
 #include "host/window/hoTexts.h"
 #include "platform/baseTools/gtWipe.h"
 #include "platform/toolkit/gtTextConversion.h"
+#include "platform/toolkit/gtTextDirection.h"
 #include "platform/toolkit/gtTextLayout.h"
 
 #include <wx/button.h>
@@ -137,6 +138,7 @@ hoEncryptionDialog::hoEncryptionDialog(wxWindow* pParent, const hoKeyRing& keys)
     pTop->Add(_pSaid, row);
     pTop->Add(pKeys, row);
     pTop->Add(pButtons, wxSizerFlags().Expand().DoubleBorder());
+    gtAlignTexts(*this);
     SetSizer(pTop);
     hoFitOnScreen(*this, FromDIP(usualSize));
     CentreOnParent();

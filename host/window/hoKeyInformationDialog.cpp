@@ -9,6 +9,7 @@
 #include "host/window/hoSummary.h"
 #include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
+#include "platform/toolkit/gtTextDirection.h"
 
 #include <wx/button.h>
 #include <wx/choicdlg.h>
@@ -77,6 +78,7 @@ hoKeyInformationDialog::hoKeyInformationDialog(wxWindow* pParent, const hoKeyRin
     pTop->Add(pLabel, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxTOP));
     pTop->Add(pText, wxSizerFlags(1).Expand().DoubleBorder());
     pTop->Add(pButtons, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxBOTTOM));
+    gtAlignTexts(*this);
     SetSizer(pTop);
     hoFitOnScreen(*this, FromDIP(usualSize));
     CentreOnParent();

@@ -9,6 +9,7 @@
 #include "host/window/hoTypedSecret.h"
 #include "platform/toolkit/gtReaders.h"
 #include "platform/toolkit/gtTextConversion.h"
+#include "platform/toolkit/gtTextDirection.h"
 
 #include <wx/button.h>
 #include <wx/checkbox.h>
@@ -157,6 +158,7 @@ hoNewKeyDialog::hoNewKeyDialog(wxWindow* pParent, const gtString& folder)
     pTop->Add(_pSaid, wxSizerFlags(1).Expand().DoubleBorder(wxLEFT | wxRIGHT));
     pTop->Add(_pGauge, wxSizerFlags().Expand().DoubleBorder());
     pTop->Add(pButtons, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxBOTTOM));
+    gtAlignTexts(*this);
     SetSizerAndFit(pTop);
     CentreOnParent();
     say(_("Without a passphrase the private key is not encrypted in its file."));

@@ -6,6 +6,7 @@
 #include "host/window/hoSummary.h"
 #include "host/window/hoTexts.h"
 #include "platform/toolkit/gtTextConversion.h"
+#include "platform/toolkit/gtTextDirection.h"
 
 #include <algorithm>
 
@@ -48,6 +49,7 @@ hoProgressDialog::hoProgressDialog(wxWindow* pParent, hoSigningJob& work)
     pTop->Add(_pGauge, wxSizerFlags().Expand().DoubleBorder());
     pTop->Add(_pBytes, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT));
     pTop->Add(pCancel, wxSizerFlags().Right().DoubleBorder());
+    gtAlignTexts(*this);
     SetSizerAndFit(pTop);
     CentreOnParent();
     pCancel->SetFocus();

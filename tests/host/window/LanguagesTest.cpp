@@ -13,8 +13,10 @@
 #include "host/window/hoKeyInformationDialog.h"
 #include "host/window/hoMenuBar.h"
 #include "host/window/hoNewKeyDialog.h"
+#include "host/window/hoPassphraseDialog.h"
 #include "host/window/hoPropertiesDialog.h"
 #include "host/window/hoTexts.h"
+#include "platform/toolkit/gtTextDirection.h"
 
 #include <wx/button.h>
 #include <wx/checkbox.h>
@@ -22,8 +24,13 @@
 
 #include <algorithm>
 #include <clocale>
+#include <cstdlib>
 #include <fstream>
 #include <map>
+
+#ifdef __WXGTK__
+#include <gtk/gtk.h>
+#endif
 
 namespace
 {
@@ -110,6 +117,49 @@ void expectReadable(wxDialog& dialog)
     expectEachOnce(labelsOf);
     EXPECT_LE(dialog.GetSize().x, 800) << dialog.GetTitle();
 }
+
+#ifdef __WXGTK__
+// Of the windows that are made while it lives.
+class Direction
+{
+public:
+    explicit Direction(bool isToTheLeft) : _before(gtk_widget_get_default_direction())
+    {
+        gtk_widget_set_default_direction(isToTheLeft ? GTK_TEXT_DIR_RTL : GTK_TEXT_DIR_LTR);
+    }
+    ~Direction() { gtk_widget_set_default_direction(_before); }
+
+private:
+    const GtkTextDirection _before;
+};
+
+// How far the texts begin from the side where reading begins.
+void expectBegin(wxDialog& dialog, bool isToTheLeft)
+{
+    dialog.Show();
+    tsRunEvents();
+    int amount = 0;
+    for (const wxWindow* pChild : dialog.GetChildren())
+    {
+        if (dynamic_cast<const wxStaticText*>(pChild) == nullptr || pChild->GetLabel().empty())
+        {
+            continue;
+        }
+        ++amount;
+        GtkAllocation place;
+        gtk_widget_get_allocation(pChild->GetHandle(), &place);
+        int begin = 0;
+        gtk_label_get_layout_offsets(GTK_LABEL(pChild->GetHandle()), &begin, nullptr);
+        PangoRectangle text;
+        pango_layout_get_pixel_extents(gtk_label_get_layout(GTK_LABEL(pChild->GetHandle())), nullptr, &text);
+        begin += text.x;
+        const int gap = isToTheLeft ? place.x + place.width - (begin + text.width) : begin - place.x;
+        EXPECT_LE(std::abs(gap), 2) << dialog.GetTitle() << ": " << pChild->GetLabel();
+    }
+    EXPECT_GT(amount, 0) << dialog.GetTitle();
+    dialog.Hide();
+}
+#endif
 
 class Languages : public MainFrameFixture
 {
@@ -285,6 +335,32 @@ TEST_F(Languages, DialogsAreReadable)
         expectReadable(details);
     }
 }
+
+#ifdef __WXGTK__
+TEST_F(Languages, TextsBeginAtTheSideOfTheirLanguage)
+{
+    hoKeyRing keys;
+    keys._private._pKey = newKey(512);
+    keys._private._path = "/keys/mine.pem";
+    for (const bool isToTheLeft : {false, true})
+    {
+        SCOPED_TRACE(isToTheLeft ? "right to left" : "left to right");
+        const Direction direction(isToTheLeft);
+        wxFrame frame(nullptr, wxID_ANY, "parent");
+        gtTakeDirection(frame);
+        hoEncryptionDialog texts(&frame, keys);
+        expectBegin(texts, isToTheLeft);
+        hoDetailsDialog details(&frame, "Details", "heading", "text");
+        expectBegin(details, isToTheLeft);
+        hoKeyInformationDialog information(&frame, keys);
+        expectBegin(information, isToTheLeft);
+        hoNewKeyDialog newKeyPair(&frame, "/keys/");
+        expectBegin(newKeyPair, isToTheLeft);
+        hoPassphraseDialog passphrase(&frame, "Passphrase");
+        expectBegin(passphrase, isToTheLeft);
+    }
+}
+#endif
 
 // On a small screen.
 TEST_F(Languages, TheEmptyPageFits)
