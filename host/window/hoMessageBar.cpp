@@ -60,9 +60,13 @@ void hoMessageBar::show()
     {
         say(gtBarColour::Brown, wxString(wxUniChar(0x26A0)) + " " + refusalText(), wxICON_WARNING);
     }
-    else if (!_result._line.empty() && _result._isAllWell)
+    else if (!_result._line.empty() && _result._tone == hoSummaryTone::AllWell)
     {
         say(gtBarColour::Green, wxString(wxUniChar(0x2713)) + " " + _result._line, wxICON_INFORMATION);
+    }
+    else if (!_result._line.empty() && _result._tone == hoSummaryTone::NotAllSigned)
+    {
+        say(gtBarColour::Brown, wxString(wxUniChar(0x26A0)) + " " + _result._line, wxICON_WARNING);
     }
     else if (!_result._line.empty())
     {

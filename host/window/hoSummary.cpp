@@ -195,7 +195,8 @@ wxString hoKeyText(const hoLoadedKey& key, bool isPrivate)
 
 hoSummary hoKeyWarning(const hoLoadedKey& key)
 {
-    hoSummary warning = {wxString(), hoDisplayText(key._path) + "\n", false};
+    hoSummary warning;
+    warning._details = hoDisplayText(key._path) + "\n";
     const wxString name = hoQuotedText(hoDisplayText(hoLastComponent(key._path), 60));
     if (key._isInMemoryForGood)
     {
@@ -220,6 +221,7 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
     Counts counts;
     const bool isSigning = kind == hoSigningJob::Kind::Sign;
     hoSummary summary;
+    wxString notSigned;
     wxString withoutFailure;
     for (const hoSigningOutcome& outcome : outcomes)
     {
@@ -240,15 +242,20 @@ hoSummary hoSummaryOf(hoSigningJob::Kind kind, const std::vector<hoSigningOutcom
         }
         const bool isHarmless = isKept || state == hoDocumentState::NotSigned || isGood(state) ||
                                 (isSigning && state == hoDocumentState::Weak);
-        (isFailed || !isHarmless ? summary._details : withoutFailure) +=
-            hoDisplayText(outcome._path) + "\n    " + outcomeText(outcome) + "\n";
+        wxString& details = isFailed || !isHarmless               ? summary._details
+                            : state == hoDocumentState::NotSigned ? notSigned
+                                                                  : withoutFailure;
+        details += hoDisplayText(outcome._path) + "\n    " + outcomeText(outcome) + "\n";
     }
 
-    summary._details += withoutFailure;
+    summary._details += notSigned + withoutFailure;
 
     summary._line = summaryLine(outcomes.size(), countsText(counts, isSigning), isCancelled);
-    summary._isAllWell =
-        counts._bad + counts._weak + counts._anothers + counts._noSignatures + counts._failed == 0 && !isCancelled;
+    const std::size_t failures = counts._bad + counts._weak + counts._anothers + counts._noSignatures + counts._failed;
+    if (failures == 0 && !isCancelled)
+    {
+        summary._tone = counts._unsignedOnes == 0 ? hoSummaryTone::AllWell : hoSummaryTone::NotAllSigned;
+    }
     return summary;
 }
 

@@ -21,12 +21,19 @@ wxString hoVerdictWords(const hoDocumentVerdict& verdict, bool canTest);
 // "2048-bit private key 1a2b3c4d, alice.pem"; empty when there is no key.
 wxString hoKeyText(const hoLoadedKey& key, bool isPrivate);
 
-// What the bar above the list says: one line, what its Details show, and whether nothing of it needs looking at.
+enum class hoSummaryTone
+{
+    AllWell,       // nothing of it needs looking at
+    NotAllSigned,  // nothing failed; but tested documents have no signature, and somebody may have taken it away
+    NotWell
+};
+
+// What the bar above the list says: one line, what its Details show, and how it is said.
 struct hoSummary
 {
     wxString _line;
     wxString _details;
-    bool _isAllWell;
+    hoSummaryTone _tone = hoSummaryTone::NotWell;
 };
 
 // A warning if others can get at a private key through its file, its folder or this program's memory; an empty line if

@@ -164,6 +164,8 @@ protected:
 TEST_F(Bars, TellGoodBadAndWhatCannotBeOpenedApart)
 {
     startWithKey();
+    work("ctrl+shift+t");
+    EXPECT_EQ(seen(), warning + std::string("2 documents: 2 not signed."));
     work("ctrl+shift+s");
     EXPECT_EQ(seen(), good + std::string("2 documents: 2 signed."));
     _folder.write("b.txt", "changed");

@@ -42,7 +42,7 @@ TEST_F(MessageBar, ComesAndGoesAboveTheRest)
     auto* pPanel = new wxPanel(_pFrame);
     showWith(pPanel);
     hoMessageBar bar(*_pFrame);
-    bar.setResult({"1 document: 1 signed.", "details", true});
+    bar.setResult({"1 document: 1 signed.", "details", hoSummaryTone::AllWell});
     EXPECT_EQ(nativeBar(), nullptr) << "only show() shows";
     bar.show();
     ASSERT_NE(nativeBar(), nullptr);
@@ -72,8 +72,8 @@ TEST_F(MessageBar, ForgetsEveryKindOfMessage)
 {
     hoMessageBar bar(*_pFrame);
     bar.addRefusal("/a", osFileProblem::NotThere);
-    bar.setResult({"result", "", false});
-    bar.setKeyWarning({"warning", "", false});
+    bar.setResult({"result", "", hoSummaryTone::NotWell});
+    bar.setKeyWarning({"warning", "", hoSummaryTone::NotWell});
     EXPECT_EQ(bar.keyWarning()._line, "warning");
     bar.clear();
     EXPECT_TRUE(bar.refusalText().empty());
@@ -92,7 +92,7 @@ TEST_F(MessageBar, ShowsAnOfferWhereThereIsNothingElse)
     const auto buttons = [this] { return std::vector<int>{nativeBar()->GetButtonId(0), nativeBar()->GetButtonId(1)}; };
     EXPECT_EQ(nativeBar()->GetButtonCount(), 2U);
     EXPECT_EQ(buttons(), (std::vector<int>{ID_ACCEPT_OFFER, wxID_CLOSE}));
-    bar.setResult({"1 document: 1 signed.", "details", true});
+    bar.setResult({"1 document: 1 signed.", "details", hoSummaryTone::AllWell});
     bar.show();
     EXPECT_EQ(nativeBar()->GetButtonCount(), 2U);
     EXPECT_EQ(buttons(), (std::vector<int>{ID_SHOW_DETAILS, wxID_CLOSE}));

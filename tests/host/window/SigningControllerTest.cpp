@@ -111,7 +111,7 @@ TEST_F(SigningController, ReportsEveryDocumentAndTheEnd)
     EXPECT_FALSE(_pController->isAtWork());
     EXPECT_EQ(_outcomes, 50U);
     ASSERT_EQ(_ends.size(), 1U);
-    EXPECT_TRUE(_ends[0]._isAllWell);
+    EXPECT_EQ(_ends[0]._tone, hoSummaryTone::AllWell);
     EXPECT_TRUE(std::filesystem::exists(_folder.path("document49.sig")));
 
     _pController->begin(Kind::Test, documents(50));

@@ -73,7 +73,7 @@ TEST_F(Signing, SignsAndTestsByKeys)
     pressAndWait("ctrl+shift+t");
     EXPECT_THAT(rows(1), ElementsAre("Signed by me", "Bad", "Signed by me", "Not signed"));
     EXPECT_EQ(message(), "4 documents: 2 good, 1 bad, 1 not signed.");
-    EXPECT_FALSE(_pFrame->workMessage()._isAllWell);
+    EXPECT_EQ(_pFrame->workMessage()._tone, hoSummaryTone::NotWell);
     EXPECT_THAT(_pFrame->workMessage()._details.utf8_string(),
                 HasSubstr(_folder.path("b.txt") + "\n    bad: the document is not the one"));
 
@@ -93,7 +93,7 @@ TEST_F(Signing, TellsWeakSignaturesThoseOfOthersAndNone)
     pressAndWait("ctrl+shift+t");
     EXPECT_THAT(rows(1), ElementsAre("Weak", "Not a signature", "Not a signature"));
     EXPECT_EQ(message(), "3 documents: 1 weak, 2 without a signature that can be read.");
-    EXPECT_FALSE(_pFrame->workMessage()._isAllWell);
+    EXPECT_EQ(_pFrame->workMessage()._tone, hoSummaryTone::NotWell);
     const std::string details = _pFrame->workMessage()._details.utf8_string();
     EXPECT_THAT(details, HasSubstr("weak: its exclusive-or digest holds"));
     EXPECT_THAT(details, HasSubstr("not a signature: it is a signature of signify"));

@@ -37,9 +37,24 @@ TEST(Summary, TellsFailuresFirst)
     const auto at = [&](const char* pPath) { return details.find(pPath); };
     ASSERT_NE(at("/other"), std::string::npos);
     EXPECT_LT(at("/bad"), at("/other"));
-    EXPECT_LT(at("/other"), at("/good"));
-    EXPECT_LT(at("/good"), at("/unsigned"));
-    EXPECT_LT(at("/unsigned"), at("/mine"));
+    EXPECT_LT(at("/other"), at("/unsigned"));
+    EXPECT_LT(at("/unsigned"), at("/good"));
+    EXPECT_LT(at("/good"), at("/mine"));
+}
+
+// Who takes a signature away must not get the answer that all is well.
+TEST(Summary, OfDocumentsThatAreNotSignedIsNotThatAllIsWell)
+{
+    using State = hoDocumentState;
+    using Kind = hoSigningJob::Kind;
+    const std::vector<hoSigningOutcome> good = {outcome("/good", State::Good)};
+    EXPECT_EQ(hoSummaryOf(Kind::Test, good, false)._tone, hoSummaryTone::AllWell);
+    const std::vector<hoSigningOutcome> some = {outcome("/good", State::Good), outcome("/unsigned", State::NotSigned)};
+    EXPECT_EQ(hoSummaryOf(Kind::Test, some, false)._tone, hoSummaryTone::NotAllSigned);
+    EXPECT_EQ(hoSummaryOf(Kind::Test, some, true)._tone, hoSummaryTone::NotWell);
+    const std::vector<hoSigningOutcome> bad = {outcome("/unsigned", State::NotSigned), outcome("/bad", State::Bad)};
+    EXPECT_EQ(hoSummaryOf(Kind::Test, bad, false)._tone, hoSummaryTone::NotWell);
+    EXPECT_EQ(hoSummaryOf(Kind::Test, {}, true)._tone, hoSummaryTone::NotWell);
 }
 
 TEST(ReplacementQuestion, TellsWhatSpeaksAgainstIt)
