@@ -18,6 +18,7 @@
 #include "host/window/hoStatusBar.h"
 #include "host/window/hoTexts.h"
 #include "platform/osWrappers/osProcess.h"
+#include "platform/toolkit/gtApplicationId.h"
 #include "platform/toolkit/gtComeToFront.h"
 #include "platform/toolkit/gtTextConversion.h"
 #include "platform/toolkit/gtTextDirection.h"
@@ -117,6 +118,7 @@ void MainFrame::openFilePath(const gtString& path, bool isAskedFor)
 void MainFrame::makeWindow()
 {
     _memory.load();
+    gtSetApplicationId(hoSessionBus::NAME);
     gtSetTextSize(_memory.preferences()._textPoints);
     Create(nullptr, wxID_ANY, "Countersign", wxDefaultPosition, usualClientSize);
     gtTakeDirection(*this);

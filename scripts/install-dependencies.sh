@@ -32,6 +32,8 @@ testOptional=(
     desktop-file-utils appstream shared-mime-info xdg-utils python3-yaml python3-jsonschema
     # A screen reader's view of the window.
     at-spi2-core gir1.2-atspi-2.0 python3-pyatspi
+    # A Wayland compositor and its keyboard.
+    sway wtype
     # What makes the package, and what reads the manual pages.
     dpkg-dev file man-db
     # The fuzzers' compiler.
