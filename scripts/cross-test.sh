@@ -4,10 +4,11 @@
 #
 #   scripts/cross-test.sh [--fetch] [MACHINE...]      for example: scripts/cross-test.sh s390x riscv64
 #
-# MACHINE is s390x (the low octet comes last), aarch64, arm (32 bits) or riscv64; without one, all are taken. Compilers
-# that are installed are used. --fetch unpacks Debian's, and qemu, into build/cross/root, without installing anything: the
-# installed compilers and g++-multilib exclude each other. A machine that cannot be built for is left out and named; the
-# status is 77 when none is left.
+# MACHINE is s390x (the low octet comes last), aarch64, arm (32 bits), arm-neon (with vector registers, which Debian's
+# compiler does not take for granted) or riscv64; without one, all are taken. Compilers that are installed are used.
+# --fetch unpacks Debian's, and qemu, into build/cross/root, without installing anything: the installed compilers and
+# g++-multilib exclude each other. A machine that cannot be built for is left out and named; the status is 77 when none is
+# left.
 #
 # COUNTERSIGN_TEST_PERCENT: how many of the random cases are run (5).
 set -u
@@ -16,14 +17,20 @@ set -u
 build=$root/build/cross
 fetched=$build/root
 googletest=/usr/src/googletest/googletest
-allMachines=(s390x aarch64 arm riscv64)
+allMachines=(s390x aarch64 arm arm-neon riscv64)
 
-# Sets "triplet" and "architecture" (Debian's name) for a machine.
+# Sets "triplet", "architecture" (Debian's name), "processor" (qemu's name) and "flags" of the compiler for a machine.
 describe() {
+    processor=$1
+    flags=()
     case $1 in
         s390x) triplet=s390x-linux-gnu architecture=s390x ;;
         aarch64) triplet=aarch64-linux-gnu architecture=arm64 ;;
         arm) triplet=arm-linux-gnueabihf architecture=armhf ;;
+        arm-neon)
+            triplet=arm-linux-gnueabihf architecture=armhf processor=arm
+            flags=(-march=armv7-a+simd -mfpu=neon)
+            ;;
         riscv64) triplet=riscv64-linux-gnu architecture=riscv64 ;;
         *) fail "unknown machine '$1': ${allMachines[*]}" ;;
     esac
@@ -70,7 +77,7 @@ fetch() {
 compile() {
     local source=$1 object=$2
     shift 2
-    "${compiler[@]}" -std=c++17 "$@" -I"$root/src" -I"$root/tests/bigdigits" -isystem "$googletest/include" \
+    "${compiler[@]}" "${flags[@]}" -std=c++17 "$@" -I"$root/src" -I"$root/tests/bigdigits" -isystem "$googletest/include" \
         "${gmpInclude[@]}" -c "$source" -o "$folder/$object" || fail "compiling $source for $machine"
 }
 
@@ -87,9 +94,9 @@ prepare() {
         say "left out: $machine: there is no compiler $triplet-g++ (scripts/cross-test.sh --fetch $machine gets one)"
         return 1
     fi
-    emulator=$(command -v "qemu-$machine-static") || emulator=$fetched/usr/bin/qemu-$machine-static
+    emulator=$(command -v "qemu-$processor-static") || emulator=$fetched/usr/bin/qemu-$processor-static
     if [ ! -x "$emulator" ]; then
-        say "left out: $machine: there is no qemu-$machine-static (package qemu-user-static, or --fetch $machine)"
+        say "left out: $machine: there is no qemu-$processor-static (package qemu-user-static, or --fetch $machine)"
         return 1
     fi
     compiler=("$found")

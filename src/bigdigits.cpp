@@ -8,13 +8,13 @@
 //   Shifts         by less than a digit
 //   Division       of two digits by one in halves, of a number by one digit, of a number by rows
 //   Columns        products and quotients, sixteen columns of digits at once
-//   Short limbs    products and quotients by limbs of 13 bits, two products at once
+//   Short limbs    products and quotients by limbs of 13 bits, as processors multiply many at once
 //   Octets and text, Modular arithmetic, Primality
 //   The functions of the interface
 //
-// A product (multiply) goes by rows when both factors have fewer than 16 digits; else by short limbs where the
-// processor multiplies and adds pairs of them and both factors are long enough for that (ShortLimbForms); else by
-// columns.
+// A product (multiply) goes by short limbs where the processor multiplies and adds several of them at once and both
+// factors are long enough for that (ShortLimbForms); else by columns; by rows when both factors have fewer than 16
+// digits.
 //
 // A square (square) is free in its method: limbs of 52 bits in vectors where the processor multiplies those, else words
 // of 64 bits, else rows.
@@ -46,6 +46,10 @@
 #include <ctime>
 #include <type_traits>
 #include <utility>
+
+#if defined(__ARM_NEON)
+#include <arm_neon.h>
+#endif
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -892,7 +896,8 @@ void divideByRows(mpDigit q[], mpDigit r[], mpDigit top, const mpDigit v[], size
 // Loops over a few vectors are unrolled, here and below, so that these stay in registers: compilers do so by themselves
 // only where they are told to optimise most.
 
-#if defined(__GNUC__) && defined(__SIZEOF_INT128__) && !defined(MP_WITHOUT_COLUMNS)
+// Vectors that the compiler puts together from words, as it may on other processors of 32 bits, are slower than rows.
+#if defined(__GNUC__) && (defined(__SIZEOF_INT128__) || defined(__ARM_NEON)) && !defined(MP_WITHOUT_COLUMNS)
 
 #define MP_HAS_COLUMNS 1
 
@@ -1174,7 +1179,8 @@ MP_INLINE void multiplyByColumnsWith(mpDigit w[], const mpDigit u[], size_t un, 
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Short limbs: numbers cut into pieces of 13 bits, two of which a processor multiplies and adds in one lane of 32 bits.
+// Short limbs: numbers cut into pieces of 13 bits, whose products are summed up in lanes of 32 bits. Processors either
+// multiply and add two limbs in each lane, or all limbs of a register by the same one.
 //
 // Thirteen digits are 32 limbs. A product of two limbs has 26 bits, so a lane takes the sum of 64 products before it is
 // split. The limbs are as good as half-digits: no product is wider than the product of two of these.
@@ -1316,6 +1322,7 @@ struct ShortLimbs
 template <class Vector>
 struct PlainPairs
 {
+    static constexpr bool isByRows = false;
     using Type = Vector;
     static MP_INLINE void load(Vector& lanes, const uint16_t limbs[]) { memcpy(&lanes, limbs, sizeof(Vector)); }
     static MP_INLINE void repeat(Vector& lanes, const uint16_t limbs[])
@@ -1332,6 +1339,73 @@ struct PlainPairs
     using Wide = typename Widened<Vector>::Type;
     static MP_INLINE void multiplyAddWide(Wide& sums, const Wide& a, const Wide& b) { sums += a * b; }
 };
+
+// For processors that multiply limbs by one and the same limb and add the products to sums of twice the width: load
+// takes eight limbs, loadPair two, and multiplyAdd adds the products of the lower four to low and of the upper four to
+// high. The factor is limb "row" of v, where pairs are swapped.
+struct PlainRows
+{
+    static constexpr bool isByRows = true;
+    using Type = Vector16;
+    using Limbs __attribute__((vector_size(16))) = uint16_t;
+    static MP_INLINE void load(Limbs& limbs, const uint16_t from[]) { memcpy(&limbs, from, sizeof(Limbs)); }
+    static MP_INLINE void loadPair(Limbs& limbs, const uint16_t from[])
+    {
+        mpDigit pair = 0;
+        memcpy(&pair, from, sizeof(pair));
+        limbs = reinterpret_cast<Limbs>(Vector16{pair});
+    }
+    template <size_t row>
+    static MP_INLINE void multiplyAdd(Vector16& low, Vector16& high, const Limbs& u, const Limbs& v)
+    {
+        const mpDigit factor = v[row ^ 1];
+        low += Vector16{u[0], u[1], u[2], u[3]} * factor;
+        high += Vector16{u[4], u[5], u[6], u[7]} * factor;
+    }
+    using Wide = PlainPairs<Vector16>::Wide;
+    static MP_INLINE void multiplyAddWide(Wide& sums, const Wide& a, const Wide& b)
+    {
+        PlainPairs<Vector16>::multiplyAddWide(sums, a, b);
+    }
+};
+
+#if defined(MP_EMULATED)
+
+#define MP_HAS_NEON 1
+
+using PairsNeon = PlainRows;
+
+#elif defined(__ARM_NEON) && !defined(__ARM_BIG_ENDIAN)
+
+#define MP_HAS_NEON 1
+
+struct PairsNeon : PlainRows
+{
+    template <size_t row>
+    static MP_INLINE void multiplyAdd(Vector16& low, Vector16& high, const Limbs& u, const Limbs& v)
+    {
+        const auto limbs = reinterpret_cast<uint16x8_t>(u);
+        const auto factors = reinterpret_cast<uint16x8_t>(v);
+        constexpr size_t lane = row ^ 1;
+        const uint16x4_t four = lane < 4 ? vget_low_u16(factors) : vget_high_u16(factors);
+        low = reinterpret_cast<Vector16>(
+            vmlal_lane_u16(reinterpret_cast<uint32x4_t>(low), vget_low_u16(limbs), four, lane % 4));
+        high = reinterpret_cast<Vector16>(
+            vmlal_lane_u16(reinterpret_cast<uint32x4_t>(high), vget_high_u16(limbs), four, lane % 4));
+    }
+    static MP_INLINE void multiplyAddWide(Wide& sums, const Wide& a, const Wide& b)
+    {
+        const uint32x2_t first = vmovn_u64(reinterpret_cast<uint64x2_t>(a));
+        const uint32x2_t second = vmovn_u64(reinterpret_cast<uint64x2_t>(b));
+        sums = reinterpret_cast<Wide>(vmlal_u32(reinterpret_cast<uint64x2_t>(sums), first, second));
+    }
+};
+
+#else
+
+#define MP_HAS_NEON 0
+
+#endif
 
 #if defined(__x86_64__)
 
@@ -1392,6 +1466,7 @@ struct __attribute__((may_alias)) Octets
 
 struct Pairs256Bits
 {
+    static constexpr bool isByRows = false;
     using Type = Vector32;
     static MP_INLINE void load(Vector32& lanes, const uint16_t limbs[])
     {
@@ -1418,6 +1493,7 @@ struct Pairs256Bits
 
 struct Pairs512Bits
 {
+    static constexpr bool isByRows = false;
     using Type = Vector64;
     static MP_INLINE void load(Vector64& lanes, const uint16_t limbs[])
     {
@@ -1500,7 +1576,8 @@ struct LimbColumns
     Vector evenHigh[blocks];
     Vector oddLow[blocks];
     Vector oddHigh[blocks];
-    // Sums that are not split yet, and how many pairs of products they still have room for.
+    // Sums that are not split yet, and how many pairs of products they still have room for. Where pairs go by rows,
+    // "even" has the lower half of the block's columns and "odd" the upper half.
     Vector even[blocks];
     Vector odd[blocks];
     size_t pairsLeft;
@@ -1522,6 +1599,12 @@ struct LimbColumns
 #pragma GCC unroll 4
         for (size_t k = 0; k < blocks; k++)
         {
+            if constexpr (Pairs::isByRows)
+            {
+                const Vector low = even[k];
+                even[k] = __builtin_shufflevector(low, odd[k], 0, 2, 4, 6);
+                odd[k] = __builtin_shufflevector(low, odd[k], 1, 3, 5, 7);
+            }
             evenLow[k] += even[k] & mask;
             evenHigh[k] += even[k] >> bits;
             oddLow[k] += odd[k] & mask;
@@ -1529,6 +1612,72 @@ struct LimbColumns
             even[k] = odd[k] = Vector{};
         }
         pairsLeft = pairsPerLane;
+    }
+
+    // What addRows does, for rows that the sums have room for.
+    template <size_t First, size_t End>
+    static MP_INLINE void addPairsOfRows(Vector evens[], Vector odds[], const uint16_t* u, const uint16_t* v,
+                                         std::ptrdiff_t& j, std::ptrdiff_t stop)
+    {
+        for (; j < stop; j += 2)
+        {
+            Vector belowLimbs;
+            Vector ownLimbs;
+            Pairs::load(belowLimbs, u - j - 1);
+            Pairs::load(ownLimbs, u - j);
+#pragma GCC unroll 4
+            for (size_t k = First; k < End; k++)
+            {
+                Vector everywhere;
+                Pairs::repeat(everywhere, v + j + static_cast<std::ptrdiff_t>(2 * lanes * k));
+                Pairs::multiplyAdd(evens[k], belowLimbs, everywhere);
+                Pairs::multiplyAdd(odds[k], ownLimbs, everywhere);
+            }
+        }
+    }
+
+    // Rows "row" to rows - 1. factors are the limbs of v for each block.
+    template <size_t First, size_t End, size_t row, size_t rows, class Limbs>
+    static MP_INLINE void multiplyRows(Vector lows[], Vector highs[], const uint16_t* u, const Limbs factors[])
+    {
+        Limbs limbs;
+        Pairs::load(limbs, u - row);
+#pragma GCC unroll 4
+        for (size_t k = First; k < End; k++)
+        {
+            Pairs::template multiplyAdd<row>(lows[k], highs[k], limbs, factors[k]);
+        }
+        if constexpr (row + 1 < rows)
+        {
+            multiplyRows<First, End, row + 1, rows>(lows, highs, u, factors);
+        }
+    }
+
+    // The same where pairs go by rows. Eight at a time, so that a limb of v need not be loaded for itself.
+    template <size_t First, size_t End>
+    static MP_INLINE void addSingleRows(Vector lows[], Vector highs[], const uint16_t* u, const uint16_t* v,
+                                        std::ptrdiff_t& j, std::ptrdiff_t stop)
+    {
+        constexpr std::ptrdiff_t atOnce = 8;
+        typename Pairs::Limbs factors[blocks];
+        for (; j + atOnce <= stop; j += atOnce)
+        {
+#pragma GCC unroll 4
+            for (size_t k = First; k < End; k++)
+            {
+                Pairs::load(factors[k], v + j + static_cast<std::ptrdiff_t>(2 * lanes * k));
+            }
+            multiplyRows<First, End, 0, atOnce>(lows, highs, u - j, factors);
+        }
+        for (; j < stop; j += 2)
+        {
+#pragma GCC unroll 4
+            for (size_t k = First; k < End; k++)
+            {
+                Pairs::loadPair(factors[k], v + j + static_cast<std::ptrdiff_t>(2 * lanes * k));
+            }
+            multiplyRows<First, End, 0, 2>(lows, highs, u - j, factors);
+        }
     }
 
     // Adds rows j to end - 1 in blocks First to End - 1. u is where the limbs for row 0 of the first column are. Leaves
@@ -1549,20 +1698,13 @@ struct LimbColumns
                 evens[k] = even[k];
                 odds[k] = odd[k];
             }
-            for (; j < stop; j += 2)
+            if constexpr (Pairs::isByRows)
             {
-                Vector belowLimbs;
-                Vector ownLimbs;
-                Pairs::load(belowLimbs, u - j - 1);
-                Pairs::load(ownLimbs, u - j);
-#pragma GCC unroll 4
-                for (size_t k = First; k < End; k++)
-                {
-                    Vector everywhere;
-                    Pairs::repeat(everywhere, v + j + static_cast<std::ptrdiff_t>(2 * lanes * k));
-                    Pairs::multiplyAdd(evens[k], belowLimbs, everywhere);
-                    Pairs::multiplyAdd(odds[k], ownLimbs, everywhere);
-                }
+                addSingleRows<First, End>(evens, odds, u, v, j, stop);
+            }
+            else
+            {
+                addPairsOfRows<First, End>(evens, odds, u, v, j, stop);
             }
 #pragma GCC unroll 4
             for (size_t k = First; k < End; k++)
@@ -2117,7 +2259,7 @@ MP_INLINE bool divideByBothWith(mpDigit q[], mpDigit r[], mpDigit top, const mpD
 constexpr size_t mostUnitsToSquare = mostShortLimbs / 2;
 constexpr size_t unitRowsAtOnce = 4;
 // A column has the doubled products of half as many pairs as there are units.
-static_assert(mostUnitsToSquare << 2 * unitBits <= uint64_t{1} << 61, "sums of a column stay below 2^61");
+static_assert(uint64_t{mostUnitsToSquare} << 2 * unitBits <= uint64_t{1} << 61, "sums of a column stay below 2^61");
 
 template <class Pairs>
 MP_INLINE void multiplyAddUnits(typename Pairs::Wide& sum, const typename Pairs::Wide& factor, const uint64_t units[])
@@ -2597,8 +2739,9 @@ struct ShortLimbForms
     {                                                                                                                  \
         powerByShortLimbsWith<ProductPairs, BlockPairs>(y, x, e, bits, v, n);                                          \
     }                                                                                                                  \
-    constexpr ShortLimbForms shortLimbForms##Name = {multiplyShortLimbsBy##Name, powerShortLimbsBy##Name,              \
-                                                     divideShortLimbsBy##Name, divideBothBy##Name, __VA_ARGS__};
+    [[maybe_unused]] constexpr ShortLimbForms shortLimbForms##Name = {                                                 \
+        multiplyShortLimbsBy##Name, powerShortLimbsBy##Name, divideShortLimbsBy##Name, divideBothBy##Name,             \
+        __VA_ARGS__};
 // NOLINTEND(bugprone-macro-parentheses)
 
 MP_SHORT_LIMBS(128Bits, Vector16, Pairs128Bits, Pairs128Bits, Pairs128Bits, , 24, 56, 20, 48)
@@ -2609,6 +2752,12 @@ MP_SHORT_LIMBS(256Bits, Vector32, Pairs256Bits, Pairs256Bits, Pairs256Bits, MP_F
                192, 72, 40)
 MP_SHORT_LIMBS(512Bits, Vector64, Pairs512Bits, Pairs512Bits, Pairs256Bits,
                MP_FOR_PROCESSORS_WITH("avx512f,avx512bw,avx512dq,avx512vl,bmi2"), 16, 192, 40, 24)
+
+#endif
+
+#if MP_HAS_NEON
+
+MP_SHORT_LIMBS(Neon, Vector16, PairsNeon, PairsNeon, PairsNeon, , 12, 104, 17, 17)
 
 #endif
 
@@ -2668,6 +2817,8 @@ const ShortLimbForms* shortLimbForms()
     return has512Bits() ? &shortLimbForms512Bits : has256Bits() ? &shortLimbForms256Bits : &shortLimbForms128Bits;
 #elif defined(__x86_64__)
     return &shortLimbForms128Bits;
+#elif MP_HAS_NEON
+    return &shortLimbFormsNeon;
 #else
     return nullptr;
 #endif
@@ -2838,6 +2989,7 @@ Divisor normalise(mpDigit v[], size_t n)
 void scale(Divisor& divisor, mpDigit room[], mpDigit shortRoom[shortestForLeavingOut])
 {
     const size_t n = divisor.size;
+    // Without columns there is no such n. NOLINTNEXTLINE(misc-redundant-expression)
     if (n >= shortestForColumns && n <= longestForColumns)
     {
         const bool isShort = n < shortestForLeavingOut;
@@ -3287,7 +3439,8 @@ MP_OWN_FRAME void halvePieces(mpDigit pieces[], size_t leaves, size_t half, mpDi
 MP_OWN_FRAME void writeDecimalByHalving(unsigned char digits[], size_t count, mpDigit a[], size_t n)
 {
     const size_t leaves = (count + mostLeafCharacters - 1) / mostLeafCharacters;
-    auto* pieces = reinterpret_cast<mpDigit*>(digits);
+    // Allocated memory is aligned for anything.
+    auto* pieces = static_cast<mpDigit*>(static_cast<void*>(digits));
     setEqual(pieces, a, n);
     size_t half = 1;
     while (2 * half < leaves)

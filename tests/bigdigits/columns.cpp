@@ -5,7 +5,7 @@
 #include "emulatedVectors.h"
 #endif
 
-#include "bigdigits.cpp"
+#include "bigdigits.cpp"  // NOLINT(bugprone-suspicious-include)
 
 #include "Digits.h"
 #include "RandomNumbers.h"
@@ -103,6 +103,14 @@ bool isAlwaysThere()
     return true;
 }
 
+#if MP_HAS_COLUMNS && MP_HAS_NEON
+// The compiler knows: a function of its own, so that what is emulated is told from it.
+bool hasNeon()
+{
+    return true;
+}
+#endif
+
 #if defined(MP_EMULATED)
 constexpr bool isEmulated = true;
 #else
@@ -148,6 +156,7 @@ const Form forms[] = {
     {"PlainLimbs128Bits", isAlwaysThere, columnForms, divideByShortLimbsWith<Vector16, PlainPairs<Vector16>>},
     {"PlainLimbs256Bits", isAlwaysThere, columnForms, divideByShortLimbsWith<Vector32, PlainPairs<Vector32>>},
     {"PlainLimbs512Bits", isAlwaysThere, columnForms, divideByShortLimbsWith<Vector64, PlainPairs<Vector64>>},
+    {"PlainLimbRows", isAlwaysThere, columnForms, divideByShortLimbsWith<Vector16, PlainRows>},
     {"PlainBoth256Bits", isAlwaysThere, columnForms, divideByBothWith<Vector32, PlainPairs<Vector32>>},
     {"PlainBoth512Bits", isAlwaysThere, columnForms, divideByBothWith<Vector64, PlainPairs<Vector64>>},
     {"Limbs128Bits", isAlwaysThere, columnForms, shortLimbForms128Bits.divide},
@@ -157,6 +166,10 @@ const Form forms[] = {
     {"Both256Bits", has256Bits, columnForms, shortLimbForms256Bits.divideByBoth},
     {"Limbs512Bits", has512Bits, columnForms, shortLimbForms512Bits.divide},
     {"Both512Bits", has512Bits, columnForms, shortLimbForms512Bits.divideByBoth},
+#endif
+#if MP_HAS_NEON
+    {"LimbsNeon", hasNeon, columnForms, shortLimbFormsNeon.divide},
+    {"BothNeon", hasNeon, columnForms, shortLimbFormsNeon.divideByBoth},
 #endif
 #endif
 };
@@ -408,10 +421,14 @@ const NamedShortLimbForm namedShortLimbForms[] = {
     {"Plain128Bits", isAlwaysThere, multiplyByShortLimbsWith<PlainPairs<Vector16>>},
     {"Plain256Bits", isAlwaysThere, multiplyByShortLimbsWith<PlainPairs<Vector32>>},
     {"Plain512Bits", isAlwaysThere, multiplyByShortLimbsWith<PlainPairs<Vector64>>},
+    {"PlainRows", isAlwaysThere, multiplyByShortLimbsWith<PlainRows>},
     {"Pairs128Bits", isAlwaysThere, shortLimbForms128Bits.multiply},
 #if MP_HAS_WIDE_PAIRS
     {"Pairs256Bits", has256Bits, shortLimbForms256Bits.multiply},
     {"Pairs512Bits", has512Bits, shortLimbForms512Bits.multiply},
+#endif
+#if MP_HAS_NEON
+    {"PairsNeon", hasNeon, shortLimbFormsNeon.multiply},
 #endif
 };
 
@@ -512,10 +529,14 @@ const NamedPowerForm namedPowerForms[] = {
     {"Plain256Bits", isAlwaysThere, powerByShortLimbsWith<PlainPairs<Vector32>, PlainPairs<Vector32>>},
     {"Plain512And256Bits", isAlwaysThere, powerByShortLimbsWith<PlainPairs<Vector64>, PlainPairs<Vector32>>},
     {"Plain512Bits", isAlwaysThere, powerByShortLimbsWith<PlainPairs<Vector64>, PlainPairs<Vector64>>},
+    {"PlainRows", isAlwaysThere, powerByShortLimbsWith<PlainRows, PlainRows>},
     {"Pairs128Bits", isAlwaysThere, shortLimbForms128Bits.power},
 #if MP_HAS_WIDE_PAIRS
     {"Pairs256Bits", has256Bits, shortLimbForms256Bits.power},
     {"Pairs512Bits", has512Bits, shortLimbForms512Bits.power},
+#endif
+#if MP_HAS_NEON
+    {"PairsNeon", hasNeon, shortLimbFormsNeon.power},
 #endif
 };
 
