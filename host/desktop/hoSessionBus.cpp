@@ -18,7 +18,10 @@ namespace
 const gint64 ACCEPTANCE_MICROSECONDS = 5000000;
 const int ANSWER_TIMEOUT_MILLISECONDS = 6500;
 
-// In the request's platform data: by the system's monotonic clock, in microseconds.
+// In the request's platform data.
+const char ACTIVATION_KEY[] = "activation-token";
+const char STARTUP_KEY[] = "desktop-startup-id";
+// By the system's monotonic clock, in microseconds.
 const char DEADLINE_KEY[] = "countersign-deadline";
 const char TOO_LATE_ERROR[] = "org.countersign.Countersign.TooLate";
 
@@ -68,11 +71,16 @@ GVariant* platformData()
 {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE("a{sv}"));
-    const char* pStartup = std::getenv("DESKTOP_STARTUP_ID");
-    if (pStartup != nullptr && g_utf8_validate(pStartup, -1, nullptr) != FALSE)
+    const auto add = [&builder](const char* pVariable, const char* pKey)
     {
-        g_variant_builder_add(&builder, "{sv}", "desktop-startup-id", g_variant_new_string(pStartup));
-    }
+        const char* const pValue = std::getenv(pVariable);
+        if (pValue != nullptr && g_utf8_validate(pValue, -1, nullptr) != FALSE)
+        {
+            g_variant_builder_add(&builder, "{sv}", pKey, g_variant_new_string(pValue));
+        }
+    };
+    add("XDG_ACTIVATION_TOKEN", ACTIVATION_KEY);
+    add("DESKTOP_STARTUP_ID", STARTUP_KEY);
     g_variant_builder_add(&builder, "{sv}", DEADLINE_KEY,
                           g_variant_new_int64(g_get_monotonic_time() + ACCEPTANCE_MICROSECONDS));
     return g_variant_builder_end(&builder);
@@ -87,6 +95,20 @@ bool isTooLate(GVariant* pArguments)
     const bool isLimited = g_variant_lookup(pData, DEADLINE_KEY, "x", &deadline) != FALSE;
     g_variant_unref(pData);
     return isLimited && g_get_monotonic_time() > deadline;
+}
+
+// Empty where the request says nothing of it.
+gtString startupIdOf(GVariant* pArguments)
+{
+    GVariant* pData = g_variant_get_child_value(pArguments, g_variant_n_children(pArguments) - 1);
+    const gchar* pId = "";
+    if (g_variant_lookup(pData, ACTIVATION_KEY, "&s", &pId) == FALSE)
+    {
+        g_variant_lookup(pData, STARTUP_KEY, "&s", &pId);
+    }
+    gtString id(pId);
+    g_variant_unref(pData);
+    return id;
 }
 }  // namespace
 
@@ -126,8 +148,9 @@ public:
     }
 
     // The object must be there before the name is, since requests may come the moment after.
-    bool serve(OpenFunction onOpen, ActivateFunction onActivate)
+    bool serve(OpenFunction onOpen, ActivateFunction onActivate, StartupIdFunction onStartupId)
     {
+        _onStartupId = std::move(onStartupId);
         _onOpen = std::move(onOpen);
         _onActivate = std::move(onActivate);
         GDBusNodeInfo* pNode = g_dbus_node_info_new_for_xml(INTROSPECTION, nullptr);
@@ -217,7 +240,12 @@ private:
             }
             g_variant_iter_free(pUris);
         }
+        const gtString startupId = startupIdOf(pArguments);
         g_dbus_method_invocation_return_value(pInvocation, nullptr);
+        if (pSelf->_onStartupId && !startupId.isEmpty())
+        {
+            pSelf->_onStartupId(startupId);
+        }
 
         // Copies, since the function called may end this connection.
         if (!paths.empty())
@@ -234,6 +262,7 @@ private:
 
     std::unique_ptr<GDBusConnection, Unreference> _pBus;
     guint _registration = 0;
+    StartupIdFunction _onStartupId;
     OpenFunction _onOpen;
     ActivateFunction _onActivate;
 };
@@ -250,7 +279,7 @@ hoSessionBus::Outcome hoSessionBus::start(const std::vector<gtString>& paths, Op
                                           ActivateFunction onActivate)
 {
     _pConnection = std::make_unique<Connection>();
-    if (!_pConnection->open() || !_pConnection->serve(std::move(onOpen), std::move(onActivate)))
+    if (!_pConnection->open() || !_pConnection->serve(std::move(onOpen), std::move(onActivate), _onStartupId))
     {
         _pConnection.reset();
         return Outcome::NoBus;

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class hoSessionBus
@@ -26,12 +27,17 @@ public:
 
     using OpenFunction = std::function<void(const std::vector<gtString>& paths)>;
     using ActivateFunction = std::function<void()>;
+    using StartupIdFunction = std::function<void(const gtString& id)>;
 
     hoSessionBus();
     // Gives the name back; no function is called any more.
     ~hoSessionBus();
     hoSessionBus(const hoSessionBus&) = delete;
     hoSessionBus& operator=(const hoSessionBus&) = delete;
+
+    // onStartupId is called before one of the two functions of start(), when the desktop or the later start says by
+    // what the window may come to the front: an activation token, or a startup id. To be set before start().
+    void setOnStartupId(StartupIdFunction onStartupId) { _onStartupId = std::move(onStartupId); }
 
     // Claims the name. Where another process has it, that one is asked to open the paths, or to come to the front if
     // there are none; relative paths are taken from the current folder. Blocks until the bus has answered:
@@ -54,6 +60,7 @@ public:
 
 private:
     class Connection;
+    StartupIdFunction _onStartupId;
     std::unique_ptr<Connection> _pConnection;
 };
 

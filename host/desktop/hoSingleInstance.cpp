@@ -2,6 +2,7 @@
 #include "host/desktop/hoSingleInstance.h"
 
 #include "app/ApplicationShell.h"
+#include "platform/toolkit/gtComeToFront.h"
 #include "platform/toolkit/gtTextConversion.h"
 
 #include <utility>
@@ -15,5 +16,6 @@ bool hoSingleInstance::handOver(const std::vector<gtString>& documents, std::fun
             wxGetApp().MacOpenFile(gtPathTextFromBytes(path));
         }
     };
+    _bus.setOnStartupId([](const gtString& id) { gtTakeStartupId(id); });
     return _bus.start(documents, onOpen, std::move(onActivate)) == hoSessionBus::Outcome::HandedOver;
 }

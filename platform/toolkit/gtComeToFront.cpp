@@ -3,6 +3,16 @@
 
 #include <wx/toplevel.h>
 
+#ifdef __WXGTK__
+#include <gtk/gtk.h>
+#ifdef GDK_WINDOWING_WAYLAND
+#include <gdk/gdkwayland.h>
+#endif
+#ifdef GDK_WINDOWING_X11
+#include <gdk/gdkx.h>
+#endif
+#endif
+
 void gtComeToFront(wxTopLevelWindow& window)
 {
     if (window.IsIconized())
@@ -12,3 +22,28 @@ void gtComeToFront(wxTopLevelWindow& window)
     window.Show();
     window.Raise();
 }
+
+#ifdef __WXGTK__
+
+void gtTakeStartupId(const gtString& id)
+{
+    GdkDisplay* const pDisplay = gdk_display_get_default();
+#ifdef GDK_WINDOWING_WAYLAND
+    if (GDK_IS_WAYLAND_DISPLAY(pDisplay))
+    {
+        gdk_wayland_display_set_startup_notification_id(pDisplay, id.asCharArray());
+    }
+#endif
+#ifdef GDK_WINDOWING_X11
+    if (GDK_IS_X11_DISPLAY(pDisplay))
+    {
+        gdk_x11_display_set_startup_notification_id(pDisplay, id.asCharArray());
+    }
+#endif
+}
+
+#else
+
+void gtTakeStartupId(const gtString& /*id*/) {}
+
+#endif

@@ -133,6 +133,23 @@ def look_at_menus(program):
     until("the dialog is closed", lambda: window("Open documents") is None and has_keyboard(TITLE))
 
 
+def look_at_second_starts(program, path):
+    """The window asks for the front with the token that came with the request."""
+
+    def asks_with(token):
+        return program.messages(rf'xdg_activation_v1[@#]\d+\.activate\("{token}"')
+
+    for token, arguments in (("of-documents", ["two.txt"]), ("of-nothing", [])):
+        pathlib.Path("two.txt").write_text("x")
+        second = subprocess.run([path, *arguments], env={**os.environ, "XDG_ACTIVATION_TOKEN": token}, timeout=PATIENCE)
+        expect("the second start's status", second.returncode, 0)
+        until(f"the window asks with the token {token}", lambda: asks_with(token))
+    call = ["gdbus", "call", "--session", "--dest", APPLICATION, "--object-path", "/org/countersign/Countersign"]
+    call += ["--method", "org.freedesktop.Application.Open", f"['{pathlib.Path('two.txt').resolve().as_uri()}']"]
+    subprocess.run([*call, "{'activation-token': <'of-a-file-manager'>}"], stdout=subprocess.DEVNULL, check=True)
+    until("the window asks with the file manager's token", lambda: asks_with("of-a-file-manager"))
+
+
 def quit_by_key(program):
     press("ctrl+q")
     until("the program has ended", lambda: program.process.poll() is not None)
@@ -147,6 +164,7 @@ def main():
         with keyboard():
             look_at_window(program)
             look_at_menus(program)
+            look_at_second_starts(program, path)
             quit_by_key(program)
     except Failed as failure:
         print(failure, *program.complaints(), *(str(each) for each in windows()), sep="\n", file=sys.stderr)
