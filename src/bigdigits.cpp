@@ -1345,7 +1345,8 @@ struct PlainPairs
 // high. The factor is limb "row" of v, where pairs are swapped.
 struct PlainRows
 {
-    static constexpr bool isByRows = true;
+    // Unused where no other form asks for it, of which clang warns.
+    [[maybe_unused]] static constexpr bool isByRows = true;
     using Type = Vector16;
     using Limbs __attribute__((vector_size(16))) = uint16_t;
     static MP_INLINE void load(Limbs& limbs, const uint16_t from[]) { memcpy(&limbs, from, sizeof(Limbs)); }
