@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The list of the documents under the mouse and the keyboard.
 #include "tests/host/MainFrameFixture.h"
+#include "tests/host/Tooltip.h"
 
 #include <gmock/gmock.h>
 
@@ -53,39 +54,6 @@ protected:
     {
         tsPressKeys(pKeys);
         waitForSelection(selectedThen);
-    }
-    // What the tooltip says that is up; empty when there is none.
-    static std::string tooltip()
-    {
-        std::string text;
-        GList* const pWindows = gtk_window_list_toplevels();
-        for (GList* pWindow = pWindows; pWindow != nullptr; pWindow = pWindow->next)
-        {
-            GtkWidget* const pWidget = GTK_WIDGET(pWindow->data);
-            if (gtk_window_get_type_hint(GTK_WINDOW(pWidget)) == GDK_WINDOW_TYPE_HINT_TOOLTIP &&
-                gtk_widget_get_mapped(pWidget) != FALSE)
-            {
-                addLabels(pWidget, text);
-            }
-        }
-        g_list_free(pWindows);
-        return text;
-    }
-    static void addLabels(GtkWidget* pWidget, std::string& text)
-    {
-        if (GTK_IS_LABEL(pWidget))
-        {
-            text += gtk_label_get_text(GTK_LABEL(pWidget));
-        }
-        else if (GTK_IS_CONTAINER(pWidget))
-        {
-            GList* const pChildren = gtk_container_get_children(GTK_CONTAINER(pWidget));
-            for (GList* pChild = pChildren; pChild != nullptr; pChild = pChild->next)
-            {
-                addLabels(GTK_WIDGET(pChild->data), text);
-            }
-            g_list_free(pChildren);
-        }
     }
 };
 }  // namespace
@@ -202,12 +170,12 @@ TEST_F(DocumentRows, TellAllInATooltip)
     tsRunUntil("the tooltip is up",
                [&]
                {
-                   if (tooltip().empty() && ++distance % 200 == 1)
+                   if (shownTooltip().empty() && ++distance % 200 == 1)
                    {
                        const wxPoint where = pointOn(1) + wxPoint(distance % 7, 0);
                        tsRunProgram({"xdotool", "mousemove", std::to_string(where.x), std::to_string(where.y)});
                    }
-                   return !tooltip().empty();
+                   return !shownTooltip().empty();
                });
-    EXPECT_THAT(tooltip(), HasSubstr(_folder.path("b") + "\nNot signed, 1 byte, modified "));
+    EXPECT_THAT(shownTooltip(), HasSubstr(_folder.path("b") + "\nNot signed, 1 byte, modified "));
 }
