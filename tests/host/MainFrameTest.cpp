@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/host/MainFrameFixture.h"
 
+#include "host/desktop/hoUriList.h"
+#include "host/window/hoCommands.h"
 #include "host/window/hoDocumentDropTarget.h"
 
 #include <gmock/gmock.h>
@@ -22,6 +24,7 @@ namespace
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 wxString clipboardText()
 {
@@ -229,8 +232,10 @@ TEST_F(MainWindow, OpensWhatIsDropped)
     ASSERT_NE(pTarget, nullptr);
     _folder.write("a b.txt", "x");
     _folder.write("\xff.txt", "x");
-    pTarget->drop("file://" + _folder.path("a%20b.txt") + "\r\nfile://" + _folder.path("%ff.txt") +
-                  "\r\nhttp://example.org/c\r\n");
+    pTarget->drop("file://" + _folder.path("a%20b.txt") + "\r\nfile://" + hoThisHost().asStdString() +
+                  _folder.path("%ff.txt") + "\r\nhttp://example.org/c\r\n");
+    EXPECT_EQ(rowCount(), 0) << "the other program waits";
+    EXPECT_EQ(_pFrame->refusalMessage(), "");
     settle();
     EXPECT_THAT(rows(), ElementsAre("a b.txt", "\xc3\xbf.txt"));
     EXPECT_EQ(selectedRows().size(), 2U);
@@ -264,10 +269,11 @@ TEST_F(MainWindow, OpensWhatIsInADroppedFolder)
         script.waitUntil("the question is there", [this] { return isAnotherWindowActive(); })
             .perform("answer", [&] { tsPressKeys(pAnswer); })
             .start();
-        pTarget->drop("file://" + _folder.path("many") + "\r\n");
+        pTarget->drop("file://" + _folder.path("many") + "\r\nhttp://example.org/c\r\n");
         tsRunUntil("the question is answered", [&] { return script.isFinished() && !isAnotherWindowActive(); });
         settle();
         EXPECT_EQ(rowCount(), pAnswer == std::string("alt+o") ? 203 : 2) << pAnswer;
+        EXPECT_THAT(_pFrame->refusalMessage().utf8_string(), HasSubstr("it is not on this machine")) << pAnswer;
     }
 }
 
@@ -291,6 +297,66 @@ TEST_F(MainWindow, OpensWhatTheFileDialogGives)
     tsPressKeys("ctrl+o");
     tsRunUntil("the document is open", [this] { return rows().size() == 1; });
     EXPECT_THAT(selectedRows(), ElementsAre("chosen.txt"));
+}
+
+TEST_F(MainWindow, OpensSeveralOfTheLastFolder)
+{
+    std::filesystem::create_directory(_folder.path("documents"));
+    start({"countersign-desktop", _folder.write("documents/one.txt", "x")});
+    closeWindow();
+    wxGetApp().OnExit();
+    _folder.write("documents/two.txt", "x");
+    start();
+    tsScript script;
+    script.waitUntil("the file dialog is up", [] { return isActive("Open documents"); })
+        .perform("choose all files",
+                 []
+                 {
+                     tsPressKeys("ctrl+a");
+                     tsPressKeys("Return");
+                 })
+        .start();
+    tsPressKeys("ctrl+o");
+    tsRunUntil("documents are open", [this] { return rowCount() > 0; });
+    settle();
+    EXPECT_THAT(rows(), testing::UnorderedElementsAre("one.txt", "two.txt"));
+}
+
+TEST_F(MainWindow, ForgetsRecentDocuments)
+{
+    startWithDocuments();
+    closeWindow();
+    wxGetApp().OnExit();
+    std::filesystem::remove(_folder.path("a.txt"));
+    const auto settings = [this] { return _folder.read("config/countersign/settings"); };
+    start();
+    EXPECT_THAT(settings(), HasSubstr("recent.2=" + _folder.path("a.txt") + "\n"));
+    openMenu("alt+f");
+    openSubmenu("r");
+    tsPressKeys("2");
+    tsRunUntil("it is told that it is gone", [this] { return !_pFrame->refusalMessage().empty(); });
+    settle();
+    EXPECT_THAT(settings(), Not(HasSubstr("a.txt")));
+    EXPECT_THAT(settings(), HasSubstr("recent.2=" + _folder.path("b.txt") + "\n"));
+    const auto entry = [this](int id)
+    {
+        const wxMenuItem* const pItem = _pFrame->GetMenuBar()->FindItem(id);
+        return pItem == nullptr ? std::string() : pItem->GetItemLabelText().utf8_string();
+    };
+    EXPECT_EQ(entry(ID_RECENT_FIRST + 1), "2  " + _folder.path("b.txt"));
+    EXPECT_EQ(entry(ID_RECENT_FIRST + 2), "");
+
+    openMenu("alt+f");
+    openSubmenu("r");
+    tsPressKeys("c");
+    // Comes after it.
+    tsPressKeys("F10");
+    tsPressKeys("Escape");
+    tsRunUntil("the main window has the keyboard", [this] { return tsHasKeyboard(*_pFrame); });
+    settle();
+    EXPECT_THAT(settings(), Not(HasSubstr("recent.1=")));
+    EXPECT_EQ(entry(ID_RECENT_FIRST), "");
+    EXPECT_EQ(entry(ID_CLEAR_RECENT), "None yet");
 }
 
 TEST_F(MainWindow, RemembersRecentDocuments)
@@ -418,6 +484,70 @@ TEST_F(MainWindow, StartsWithoutReadableSettings)
     openAskedFor(_folder.write("a.txt", "x"));
     EXPECT_THAT(rows(), ElementsAre("a.txt"));
     EXPECT_THAT(status(0), HasSubstr("cannot be read and stays as it is"));
+}
+
+TEST_F(MainWindow, EnablesCommandsThatCanWork)
+{
+    const auto enabled = [this]
+    {
+        std::vector<std::string> names;
+        for (const auto& [id, pName] :
+             std::initializer_list<std::pair<int, const char*>>{{ID_VIEW_DOCUMENTS, "open in program"},
+                                                                {ID_SHOW_IN_FOLDER, "show in folder"},
+                                                                {ID_PROPERTIES, "properties"},
+                                                                {ID_CLOSE_DOCUMENTS, "close"},
+                                                                {ID_CLOSE_ALL_DOCUMENTS, "close all"},
+                                                                {ID_COPY_PATH, "copy path"},
+                                                                {wxID_SELECTALL, "select all"},
+                                                                {ID_KEY_INFORMATION, "information"},
+                                                                {ID_FORGET_KEYS, "forget"},
+                                                                {ID_SIGN, "sign"},
+                                                                {ID_TEST, "test"},
+                                                                {ID_SIGN_ALL, "sign all"},
+                                                                {ID_TEST_ALL, "test all"}})
+        {
+            wxUpdateUIEvent event(id);
+            _pFrame->ProcessWindowEvent(event);
+            EXPECT_TRUE(event.GetSetEnabled()) << pName;
+            if (event.GetEnabled())
+            {
+                names.emplace_back(pName);
+            }
+        }
+        return names;
+    };
+    const auto load = [this](const std::string& name, const std::string& text)
+    {
+        static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
+            ->drop("file://" + _folder.write(name, text) + "\r\n");
+        settle();
+    };
+    start();
+    EXPECT_THAT(enabled(), IsEmpty());
+    _folder.write("a", "x");
+    openAskedFor(_folder.path("a"));
+    EXPECT_THAT(enabled(), ElementsAre("open in program", "show in folder", "properties", "close", "close all",
+                                       "copy path", "select all"));
+    openAskedFor(_folder.write("b", "x"));
+    list().select({0, 1});
+    EXPECT_THAT(enabled(),
+                ElementsAre("open in program", "show in folder", "close", "close all", "copy path", "select all"));
+    list().select({});
+    EXPECT_THAT(enabled(), ElementsAre("close all", "select all"));
+    load("hers.pem", newKeyText(512, true));
+    EXPECT_THAT(enabled(), ElementsAre("close all", "select all", "information", "forget", "test all"));
+    list().select({0});
+    EXPECT_THAT(enabled(), ElementsAre("open in program", "show in folder", "properties", "close", "close all",
+                                       "copy path", "select all", "information", "forget", "test", "test all"));
+    dropNewKey();
+    list().select({});
+    EXPECT_THAT(enabled(), ElementsAre("close all", "select all", "information", "forget", "sign all", "test all"));
+    list().select({0, 1});
+    EXPECT_THAT(enabled(), ElementsAre("open in program", "show in folder", "close", "close all", "copy path",
+                                       "select all", "information", "forget", "sign", "test", "sign all", "test all"));
+    tsPressKeys("ctrl+shift+w");
+    tsRunUntil("all are closed", [this] { return rowCount() == 0; });
+    EXPECT_THAT(enabled(), ElementsAre("information", "forget"));
 }
 
 TEST_F(MainWindow, ClosesDocumentsByKey)

@@ -247,28 +247,59 @@ TEST_F(AssertionReportWindow, IsSaved)
     window()->Raise();
     tsRunUntil("the report has the keyboard again", [this] { return tsHasKeyboard(*window()); });
     const std::string path = _folder.path("report.tsv");
-    tsScript script;
-    script
-        .waitUntil("the file dialog has the keyboard",
-                   []
-                   {
-                       std::string title;
-                       tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &title);
-                       return title == "Save the assertion report\n";
-                   })
-        .perform("choose the whole name", [] { tsPressKeys("ctrl+a"); })
-        .perform("type the path", [&] { tsType(path); })
-        .perform("press Return", [] { tsPressKeys("Return"); })
-        .start();
-    tsPressKeys("ctrl+s");
-    tsRunUntil("the file is there", [&] { return std::filesystem::exists(path); });
+    const auto isFileDialogUp = [] { return isActive("Save the assertion report"); };
+    {
+        tsScript script;
+        script.waitUntil("the file dialog has the keyboard", isFileDialogUp)
+            .perform("choose the whole name", [] { tsPressKeys("ctrl+a"); })
+            .perform("type the path", [&] { tsType(path); })
+            .perform("press Return", [] { tsPressKeys("Return"); })
+            .start();
+        tsPressKeys("ctrl+s");
+        tsRunUntil("the file is there", [&] { return std::filesystem::exists(path); });
+    }
     EXPECT_THAT(_folder.read("report.tsv"), StartsWith("File\tLine\t"));
     EXPECT_THAT(_folder.read("report.tsv"), HasSubstr("\n/source/aFile.cpp\t7\t1\t"));
+
+    // Not in the place of another file, unless that is wanted. The dialog begins in the current folder, with this name.
+    _folder.write("assertions.tsv", "kept");
+    const std::filesystem::path folderBefore = std::filesystem::current_path();
+    std::filesystem::current_path(_folder.path());
+    const auto isReplaced = [this] { return _folder.read("assertions.tsv") != "kept"; };
+    tsRunUntil("the report has the keyboard again", [this] { return tsHasKeyboard(*window()); });
+    {
+        tsScript script;
+        script.waitUntil("the file dialog has the keyboard", isFileDialogUp)
+            .perform("press Return", [] { tsPressKeys("Return"); })
+            .waitUntil("the question is up, or the file is replaced", [&] { return isActive("") || isReplaced(); })
+            .perform("refuse", [] { tsPressKeys("Escape"); })
+            .waitUntil("it has gone back", [&] { return isFileDialogUp() || isReplaced(); })
+            .perform("cancel", [] { tsPressKeys("Escape"); })
+            .start();
+        tsPressKeys("ctrl+s");
+        tsRunUntil("the dialog is closed", [&] { return script.isFinished() && !isFileDialogUp(); });
+    }
+    std::filesystem::current_path(folderBefore);
+    EXPECT_EQ(_folder.read("assertions.tsv"), "kept");
 
     fail(7, "not \xff UTF-8");
     settle();
     EXPECT_TRUE(window()->saveAs(path));
     EXPECT_THAT(_folder.read("report.tsv"), HasSubstr("\tnot \xc3\xbf UTF-8\t"));
+}
+
+TEST_F(AssertionReportWindow, SaysHowManyAreNotListed)
+{
+    start();
+    const auto pReport = std::make_shared<arAssertionReport>();
+    const int most = static_cast<int>(arAssertionReport::mostRows);
+    for (int line = 1; line <= most + 3; ++line)
+    {
+        pReport->record("aFunction", "/source/aFile.cpp", line, "Assertion failure (x != 0)", 1, 1);
+    }
+    const arAssertionReportWindow full(_pFrame, pReport);
+    EXPECT_EQ(wxWindow::FindWindowByName("assertionReportHeading", &full)->GetLabel(),
+              "10,003 failures at 10,000 places, 3 of them elsewhere and not listed.");
 }
 
 TEST_F(AssertionReportWindow, SaysWhyItCannotBeSaved)

@@ -3,6 +3,7 @@
 #include "tests/host/MainFrameFixture.h"
 
 #include "host/window/hoDetailsDialog.h"
+#include "host/window/hoPreferencesDialog.h"
 #include "tests/support/tsContrast.h"
 
 #include <gmock/gmock.h>
@@ -290,6 +291,98 @@ TEST_F(Bars, GiveDetailsToCopyAndToSave)
     EXPECT_EQ(afterSaving, details);
     EXPECT_EQ(afterRefusing, "kept");
     EXPECT_EQ(_folder.read("details.txt"), details);
+}
+
+TEST_F(Bars, HaveTheColourOfWhatTheyTell)
+{
+    startWithKey();
+    const auto ground = [this]
+    {
+        waitForRest();
+        const wxRect place = bar()->GetScreenRect();
+        return tsInkOf(tsPictureOfScreen(), wxRect(place.x + 6, place.y + 8, 300, place.height - 16)).ground;
+    };
+    const wxColour green(0x1B, 0x5E, 0x20);
+    const wxColour red(0x9B, 0x1C, 0x1C);
+    const wxColour brown(0x6B, 0x44, 0x00);
+    work("ctrl+shift+t");
+    EXPECT_EQ(ground(), brown) << "not signed";
+    work("ctrl+shift+s");
+    EXPECT_EQ(ground(), green);
+    _folder.write("b.txt", "changed");
+    work("ctrl+shift+t");
+    EXPECT_EQ(ground(), red);
+    openAskedFor(_folder.path("missing.txt"));
+    EXPECT_EQ(ground(), brown) << "cannot be opened";
+    closeWindow();
+    wxGetApp().OnExit();
+    start();
+    tsRunUntil("the key is offered", [this] { return isBarShown() && !seen().empty(); });
+    EXPECT_EQ(ground(), wxColour(0x17, 0x4A, 0x7E)) << "the offer of a key";
+}
+
+TEST_F(Bars, WarnOfAPrivateKeyThatOthersMayRead)
+{
+    start();
+    std::filesystem::permissions(_folder.path(), std::filesystem::perms::owner_all);
+    const std::string key = _folder.write("mine.pem", newKeyText(1024));
+    std::filesystem::permissions(key, std::filesystem::perms(0644));
+    static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())->drop("file://" + key + "\r\n");
+    tsRunUntil("the key is loaded", [this] { return _pFrame->keys().canSign(); });
+    settle();
+    ASSERT_TRUE(isBarShown());
+    EXPECT_EQ(seen(), warning + std::string("Others may read or change the private key \u201cmine.pem\u201d."));
+    std::string details;
+    tsScript script;
+    script.waitUntil("the details have the keyboard", areDetailsUp)
+        .perform("read and close them",
+                 [&]
+                 {
+                     for (const wxWindow* pChild : tsTopModalDialog()->GetChildren())
+                     {
+                         const auto* pText = dynamic_cast<const wxTextCtrl*>(pChild);
+                         details += pText == nullptr ? std::string() : pText->GetValue().utf8_string();
+                     }
+                     tsPressKeys("Escape");
+                 })
+        .start();
+    clickButton("Details...");
+    tsRunUntil("the details are closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+    EXPECT_THAT(details, StartsWith(key + "\n"));
+    EXPECT_THAT(details, HasSubstr("chmod 600"));
+}
+
+TEST_F(Bars, OfferTheLastKeyAsLongAsItIsWanted)
+{
+    const std::string key = _folder.write("old.pem", newKeyText(1024));
+    std::filesystem::create_directories(_folder.path("config/countersign"));
+    _folder.write("config/countersign/settings", "recentKey.1=" + key + "\n");
+    start();
+    tsRunUntil("the key is offered", [this] { return isBarShown() && !seen().empty(); });
+    dropNewKey();
+    EXPECT_EQ(_pFrame->offer(), "") << "there is another one";
+    EXPECT_FALSE(isBarShown());
+    closeWindow();
+    wxGetApp().OnExit();
+
+    start();
+    tsRunUntil("the key is offered", [this] { return isBarShown() && !seen().empty(); });
+    tsScript script;
+    script
+        .waitUntil("the preferences have the keyboard",
+                   []
+                   {
+                       const auto* pDialog = dynamic_cast<hoPreferencesDialog*>(tsTopModalDialog());
+                       return pDialog != nullptr && tsHasKeyboard(*pDialog);
+                   })
+        .perform("do not want it", [] { tsPressKeys("alt+f"); })
+        .perform("agree", [] { tsPressKeys("alt+o"); })
+        .start();
+    tsPressKeys("ctrl+comma");
+    tsRunUntil("the preferences are closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+    settle();
+    EXPECT_EQ(_pFrame->offer(), "");
+    EXPECT_FALSE(isBarShown());
 }
 
 TEST_F(Bars, OfferTheLastKeyAtTheNextStart)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Documents in the desktop's programs and folders, which here write down what they get, and their properties.
 #include "tests/host/MainFrameFixture.h"
+#include "tests/host/Question.h"
 
 #include "host/signing/hoFileSigning.h"
 #include "host/window/hoPropertiesDialog.h"
@@ -119,6 +120,47 @@ TEST_F(DocumentCommands, SayWhatCannotBeOpened)
         .start();
     tsPressKeys("ctrl+Return");
     tsRunUntil("the message is closed", [&] { return script.isFinished() && tsHasKeyboard(*_pFrame); });
+}
+
+TEST_F(DocumentCommands, AskBeforeManyProgramsAreStarted)
+{
+    std::vector<std::string> arguments = {"countersign-desktop"};
+    for (int number = 0; number < 11; ++number)
+    {
+        arguments.push_back(_folder.write(std::to_string(number) + ".txt", "some text\n"));
+    }
+    start(arguments);
+    const auto amountViewed = [this]
+    {
+        const std::string lines = programs.viewed().substr(_viewedBefore.size());
+        return std::count(lines.begin(), lines.end(), '\n');
+    };
+    // Return takes the button that the keyboard is on at first.
+    for (const char* pAnswer : {"Return", "Escape", "alt+o"})
+    {
+        std::string asked;
+        tsScript script;
+        script
+            .waitUntil("it is asked, or they are opened",
+                       [&]
+                       {
+                           asked = shownQuestion();
+                           return !asked.empty() || amountViewed() > 0;
+                       })
+            .perform("answer", [=] { tsPressKeys(pAnswer); })
+            .start();
+        tsPressKeys("ctrl+Return");
+        tsRunUntil("it is answered", [&] { return script.isFinished() && tsHasKeyboard(*_pFrame); });
+        settle();
+        EXPECT_EQ(asked, "Open 11 documents in their programs?") << pAnswer;
+    }
+    tsRunUntil("they are opened", [&] { return amountViewed() >= 11; });
+    EXPECT_EQ(amountViewed(), 11);
+    // Ten need no question.
+    list().select({0, 1, 2, 3, 4, 5, 6, 7, 8, 9});
+    settle();
+    tsPressKeys("ctrl+Return");
+    tsRunUntil("ten more are opened", [&] { return amountViewed() >= 21; });
 }
 
 TEST_F(DocumentCommands, ShowTheProperties)

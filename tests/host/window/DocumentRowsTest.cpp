@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include <gtk/gtk.h>
 
 namespace
@@ -129,6 +131,15 @@ TEST_F(DocumentRows, KeepTheirSelectionInAnotherOrder)
     EXPECT_THAT(rows(), ElementsAre("d", "c", "b", "a", "z"));
     EXPECT_FALSE(list().GetColumn(0)->IsSortKey());
     EXPECT_THAT(selectedRows(), ElementsAre("z"));
+    // Also when something changes later.
+    _folder.write("a", "longer");
+    tsRunUntil("it is seen",
+               [this]
+               {
+                   const std::vector<std::string> sizes = rows(2);
+                   return std::count(sizes.begin(), sizes.end(), "6 bytes") == 1;
+               });
+    EXPECT_THAT(rows(), ElementsAre("d", "c", "b", "a", "z"));
 }
 
 TEST_F(DocumentRows, AreClosedOneByOneAndManyTogether)

@@ -89,6 +89,40 @@ TEST_F(DocumentsMenu, KeepsTheOrderTrueWhileStatesChange)
     EXPECT_THAT(selectedRows(), ElementsAre("file-2"));
 }
 
+TEST_F(DocumentsMenu, WorksOnTheSelectedDocuments)
+{
+    start({"countersign-desktop", _folder.write("a.txt", "x"), _folder.write("b.txt", "x")});
+    dropNewKey();
+    openAskedFor(_folder.path("a.txt"));
+    const auto chooseThere = [](const std::string& key)
+    {
+        tsScript script;
+        script.waitUntil("the menu is up", [] { return !menuPlace().IsEmpty(); })
+            .perform("choose", [&] { tsPressKeys(key); })
+            .waitUntil("the menu is closed", [] { return menuPlace().IsEmpty(); })
+            .start();
+        tsPressKeys("Menu");
+        tsRunUntil("it is chosen", [&] { return script.isFinished(); });
+    };
+    const auto waitForWork = [this] {
+        tsRunUntil("the work is done",
+                   [this] { return !_pFrame->isAtWork() && !_pFrame->workMessage()._line.empty(); });
+    };
+    chooseThere("s");
+    waitForWork();
+    EXPECT_THAT(rows(1), ElementsAre("Signed by me", "Not signed"));
+    _folder.write("a.txt", "y");
+    tsRunUntil("the change is seen", [this] { return rows(1)[0] == "Changed since"; });
+    chooseThere("t");
+    waitForWork();
+    EXPECT_THAT(rows(1), ElementsAre("Bad", "Not signed"));
+    chooseThere("c");
+    tsRunUntil("its path is copied", [this] { return status(0) == "1 path copied"; });
+    chooseThere("l");
+    tsRunUntil("one is closed", [this] { return rowCount() < 2; });
+    EXPECT_THAT(rows(), ElementsAre("b.txt"));
+}
+
 TEST_F(DocumentsMenu, SaysWhyCommandsAreGrey)
 {
     start();
@@ -112,6 +146,13 @@ TEST_F(DocumentsMenu, SaysWhyCommandsAreGrey)
     EXPECT_EQ(tooltip("alt+s", "Signature", "Test all"), "Nothing to sign or test: open documents first.");
     openAskedFor(_folder.write("a.txt", "x"));
     EXPECT_EQ(tooltip("alt+s", "Signature", "Test"), "Signing and testing take a key: load one first.");
+    static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
+        ->drop("file://" + _folder.write("hers.pem", newKeyText(512, true)) + "\r\n");
+    tsRunUntil("the public key is loaded", [this] { return _pFrame->keys().canTest(); });
+    settle();
+    EXPECT_EQ(tooltip("alt+s", "Signature", "Sign"), "Signing takes a private key.");
+    EXPECT_EQ(tooltip("alt+s", "Signature", "Test"), "");
+    EXPECT_EQ(tooltip("alt+s", "Signature", "Test all"), "");
     dropNewKey();
     EXPECT_EQ(tooltip("alt+s", "Signature", "Sign"), "");
     EXPECT_EQ(tooltip("alt+f", "File", "Close"), "");

@@ -159,6 +159,113 @@ TEST_F(DocumentsView, TellsWhenAVerdictNoLongerHolds)
     EXPECT_EQ(_outdated, 1);
 }
 
+TEST_F(DocumentsView, LooksAtFilesBeforeTheyAreWorkedOn)
+{
+    _pView->open(_folder.write("a", "text"));
+    _folder.write("a", "a longer text");
+    const std::vector<hoDocument> documents = _pView->documentsToProcess(true);
+    ASSERT_EQ(documents.size(), 1U);
+    EXPECT_EQ(documents[0]._facts._size, 13U);
+}
+
+TEST_F(DocumentsView, ShowsTheIconAndTheWordsOfEachState)
+{
+    using State = hoDocumentState;
+    enum Colour
+    {
+        Blue,
+        Green,
+        Red,
+        Amber,
+        Grey  // none of the others
+    };
+    struct Face
+    {
+        const char* _file;
+        const char* _words;
+        State _state;
+        Colour _colour;
+    };
+    const Face faces[] = {{"01", "Not signed", State::NotSigned, Grey},
+                          {"02", "Not tested", State::NotTested, Grey},
+                          {"03", "Signed by me", State::SignedByMe, Blue},
+                          {"04", "Good", State::Good, Green},
+                          {"05", "Weak", State::Weak, Amber},
+                          {"06", "Bad", State::Bad, Red},
+                          {"07", "Another key", State::AnotherKey, Grey},
+                          {"08", "Not a signature", State::NotASignature, Grey},
+                          {"09", "Changed since", State::Changed, Amber},
+                          {"10", "Cannot be read", State::CannotBeRead, Grey},
+                          {"11", "Missing", State::Missing, Grey}};
+    const wxColour colours[] = {wxColour(0x1F, 0x5F, 0xBF), wxColour(0x1B, 0x7F, 0x3B), wxColour(0xC0, 0x1C, 0x28),
+                                wxColour(0xB3, 0x6B, 0x00)};
+    std::vector<hoSigningOutcome> outcomes;
+    for (const Face& face : faces)
+    {
+        const std::size_t row = _pView->open(_folder.write(face._file, "text"));
+        hoSigningOutcome& outcome = outcomes.emplace_back();
+        outcome._path = _pView->documents()[row]._path;
+        outcome._verdict._state = face._state;
+        outcome._verdict._file = _pView->documents()[row]._facts;
+    }
+    _pView->showChanges();
+    _pView->forgetStates(true);
+    _pView->showOutcomes(outcomes);
+    _folder.write("02.sig", "00");
+    std::filesystem::remove(_folder.path("10"));
+    std::filesystem::create_directory(_folder.path("10"));
+    std::filesystem::remove(_folder.path("11"));
+    _pView->refreshDocuments();
+    tsRunUntil("the rows are painted", [this]
+               { return list()->GetSize() == _pView->GetClientSize() && !placeOfCell(*list(), 10, 1).IsEmpty(); });
+    // Away from the rows.
+    tsRunProgram({"xdotool", "mousemove", "1270", "890"});
+    // How many of the picture's pixels have which of the colours.
+    const auto amounts = [&](const wxImage& screen, int row)
+    {
+        const wxRect cell = placeOfCell(*list(), row, 1);
+        std::vector<int> found(std::size(colours), 0);
+        for (int y = cell.GetTop(); y <= cell.GetBottom(); ++y)
+        {
+            for (int x = cell.GetLeft(); x < cell.GetLeft() + 24; ++x)
+            {
+                for (std::size_t i = 0; i < std::size(colours); ++i)
+                {
+                    const bool isIt = std::abs(screen.GetRed(x, y) - colours[i].Red()) < 10 &&
+                                      std::abs(screen.GetGreen(x, y) - colours[i].Green()) < 10 &&
+                                      std::abs(screen.GetBlue(x, y) - colours[i].Blue()) < 10;
+                    found[i] += isIt ? 1 : 0;
+                }
+            }
+        }
+        return found;
+    };
+    tsRunUntil("they can be read",
+               [&]
+               {
+                   const wxImage now = tsPictureOfScreen();
+                   const wxRect cell = placeOfCell(*list(), 10, 1);
+                   int dark = 0;
+                   for (int x = cell.GetLeft(); x < cell.GetRight(); ++x)
+                   {
+                       dark += now.GetGreen(x, cell.GetTop() + cell.GetHeight() / 2) < 100 ? 1 : 0;
+                   }
+                   return dark > 5;
+               });
+    const wxImage screen = tsPictureOfScreen();
+    for (int row = 0; row < static_cast<int>(std::size(faces)); ++row)
+    {
+        const Face& face = faces[row];
+        EXPECT_EQ(textOfRow(*list(), row, 1), face._words);
+        const std::vector<int> found = amounts(screen, row);
+        for (std::size_t i = 0; i < found.size(); ++i)
+        {
+            const bool isExpected = static_cast<std::size_t>(face._colour) == i;
+            EXPECT_EQ(found[i] > 20, isExpected) << face._words << ", colour " << i << ": " << found[i];
+        }
+    }
+}
+
 TEST_F(DocumentsView, OpensTheDocumentOfASignatureFile)
 {
     const gtString a = _folder.write("a", "text");

@@ -310,6 +310,28 @@ TEST_F(TextsDialog, ShowsBytesWhereThereIsNoText)
     EXPECT_THAT(dump.utf8_string(), HasSubstr("00000000  61 ff fe"));
 }
 
+TEST_F(TextsDialog, EncryptsWithThePublicKeyThatCameLast)
+{
+    startWithKey(newKeyText(512, true));
+    static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
+        ->drop("file://" + _folder.write("hers.pem", newKeyText(1024, true)) + "\r\n");
+    settle();
+    tsScript script;
+    script.waitUntil("the dialog has the keyboard", &isUp)
+        .perform("look at it, and put a text in",
+                 []
+                 {
+                     EXPECT_THAT(label("keys"), HasSubstr("Encrypts with the 1024-bit public key "));
+                     EXPECT_EQ(label("count"), "0 of 127 bytes");
+                     box("plain").SetValue("x");
+                 })
+        .waitUntil("it can be encrypted", [] { return button("Encrypt").IsEnabled(); })
+        .perform("encrypt", [] { tsPressKeys("alt+e"); })
+        .waitUntil("it is encrypted", [] { return !box("cipher").IsEmpty(); })
+        .perform("look", [] { EXPECT_EQ(box("cipher").GetValue().length(), 8U + 256U); });
+    inDialog(script);
+}
+
 TEST_F(TextsDialog, OfAPublicKeyOnlyEncrypts)
 {
     startWithKey(newKeyText(512, true));

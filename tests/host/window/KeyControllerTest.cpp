@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Loading of keys without a main window.
 #include "tests/host/NewKey.h"
+#include "tests/host/Question.h"
 #include "tests/host/SlowKey.h"
 #include "tests/host/window/BareFrame.h"
 
@@ -96,6 +97,43 @@ TEST_F(KeyController, LoadsThePublicKeyOfAFileWithBothWithoutAPassphrase)
     _pController->loadKey(_folder.path("both"), Half::Public);
     EXPECT_EQ(_pController->keys()._publics.size(), 1U);
     EXPECT_EQ(_changes, 1);
+}
+
+TEST_F(KeyController, SaysNothingOfAPassphraseThatIsNotGiven)
+{
+    _folder.write("locked.pem", newKeyText(512, false, "sesame"));
+    showWith(new wxWindow(_pFrame, wxID_ANY));
+    bool hasReturned = false;
+    std::string said;
+    tsScript script;
+    script
+        .waitUntil("it is asked for the passphrase",
+                   []
+                   {
+                       const auto* pDialog = dynamic_cast<const wxDialog*>(tsTopModalDialog());
+                       return pDialog != nullptr && tsHasKeyboard(*pDialog);
+                   })
+        .perform("give none", [] { tsPressKeys("Escape"); })
+        .waitUntil("it has ended or says something",
+                   [&]
+                   {
+                       said = shownQuestion();
+                       return hasReturned || !said.empty();
+                   })
+        .perform("leave the message",
+                 [&]
+                 {
+                     if (!said.empty())
+                     {
+                         tsPressKeys("Escape");
+                     }
+                 })
+        .start();
+    _pController->loadKey(_folder.path("locked.pem"), Half::Private);
+    hasReturned = true;
+    tsRunUntil("the script has seen it", [&] { return script.isFinished(); });
+    EXPECT_EQ(said, "");
+    EXPECT_EQ(_changes, 0);
 }
 
 TEST_F(KeyController, CancelsAKeyThatTakesHours)

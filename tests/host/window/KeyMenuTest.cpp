@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the Key menu tells of keys and remembers of them, and the steps that the empty window names.
 #include "tests/host/MainFrameFixture.h"
+#include "tests/host/Question.h"
 
 #include "host/keys/hoPublicKey.h"
 #include "host/signing/hoFileSigning.h"
@@ -8,6 +9,7 @@
 
 #include <gmock/gmock.h>
 #include <wx/button.h>
+#include <wx/choicdlg.h>
 #include <wx/clipbrd.h>
 #include <wx/textctrl.h>
 
@@ -206,6 +208,120 @@ TEST_F(KeyMenu, LoadsSeveralPublicKeysThatAreChosenAtOnce)
         .start();
     tsPressKeys("ctrl+shift+k");
     tsRunUntil("both keys are loaded", [this] { return _pFrame->keys()._publics.size() == 2; });
+}
+
+TEST_F(KeyMenu, LoadsTheHalfThatItIsAskedFor)
+{
+    const std::string privateKey = _folder.write("private.pem", newKeyText(512));
+    const std::string publicKey = _folder.write("public.pem", newKeyText(512, true));
+    start();
+    // Until a key is loaded or a message is left.
+    const auto load = [this](const char* pKeys, const char* pTitle, const std::string& path)
+    {
+        std::string said;
+        tsScript script;
+        script.waitUntil("the file dialog is up", [=] { return isActive(pTitle); })
+            .perform("type the path", [&] { tsType(path); })
+            .perform("choose it", [] { tsPressKeys("Return"); })
+            .waitUntil("a key is loaded, or a message is up",
+                       [&]
+                       {
+                           said = shownQuestion();
+                           return _pFrame->keys().canTest() || !said.empty();
+                       })
+            .perform("leave the message",
+                     [&]
+                     {
+                         if (!said.empty())
+                         {
+                             tsPressKeys("Escape");
+                         }
+                     })
+            .start();
+        tsPressKeys(pKeys);
+        tsRunUntil("it is done", [&] { return script.isFinished() && tsHasKeyboard(*_pFrame); });
+        settle();
+        return said;
+    };
+    EXPECT_EQ(load("ctrl+k", "Load a private key", publicKey),
+              "\u201cpublic.pem\u201d holds a public key, which cannot sign. Load it as a public key to test with it.");
+    EXPECT_FALSE(_pFrame->keys().canTest());
+
+    _pFrame->setKeys(hoKeyRing());
+    EXPECT_EQ(load("ctrl+shift+k", "Load public keys", privateKey), "");
+    EXPECT_FALSE(_pFrame->keys().canSign());
+    ASSERT_EQ(_pFrame->keys()._publics.size(), 1U);
+    EXPECT_FALSE(_pFrame->keys()._publics[0]._pKey->hasPrivateKey());
+
+    _pFrame->setKeys(hoKeyRing());
+    EXPECT_EQ(load("ctrl+shift+k", "Load public keys", publicKey), "");
+    EXPECT_EQ(_pFrame->keys()._publics.size(), 1U);
+
+    _pFrame->setKeys(hoKeyRing());
+    EXPECT_EQ(load("ctrl+k", "Load a private key", privateKey), "");
+    EXPECT_TRUE(_pFrame->keys().canSign());
+    EXPECT_TRUE(_pFrame->keys()._publics.empty());
+}
+
+TEST_F(KeyMenu, AsksWhichPublicKeyIsToBeExported)
+{
+    writeSigned("a.txt", "lab");
+    writeSigned("b.txt", "office");
+    start();
+    static_cast<hoDocumentDropTarget*>(_pFrame->GetDropTarget())
+        ->drop("file://" + _folder.path("keys/lab.pub.pem") + "\r\nfile://" + _folder.path("keys/office.pub.pem") +
+               "\r\n");
+    tsRunUntil("both keys are loaded", [this] { return _pFrame->keys()._publics.size() == 2; });
+    settle();
+    const std::filesystem::path folderBefore = std::filesystem::current_path();
+    std::filesystem::current_path(_folder.path());
+    const auto isChoiceUp = []
+    {
+        const auto* pDialog = dynamic_cast<const wxSingleChoiceDialog*>(tsTopModalDialog());
+        return pDialog != nullptr && tsHasKeyboard(*pDialog);
+    };
+    const auto isFileDialogUp = []
+    {
+        return dynamic_cast<const wxSingleChoiceDialog*>(tsTopModalDialog()) == nullptr &&
+               isActive("Export the public key");
+    };
+    std::vector<std::string> exported;
+    const auto findExported = [&]
+    {
+        exported.clear();
+        for (const auto& entry : std::filesystem::directory_iterator("."))
+        {
+            if (entry.path().extension() == ".pem")
+            {
+                exported.push_back(entry.path().filename().string());
+            }
+        }
+        return !exported.empty();
+    };
+    tsScript script;
+    script.waitUntil("the information has the keyboard", isInformationUp)
+        .perform("export", [] { tsPressKeys("alt+e"); })
+        .waitUntil("it is asked which key, or where to", [=] { return isChoiceUp() || isFileDialogUp(); })
+        .perform("choose the second key",
+                 [=]
+                 {
+                     if (isChoiceUp())
+                     {
+                         tsPressKeys("Down");
+                         tsPressKeys("Return");
+                     }
+                 })
+        .waitUntil("the file dialog is up", isFileDialogUp)
+        .perform("press Return", [] { tsPressKeys("Return"); })
+        .waitUntil("the file is written", findExported)
+        .waitUntil("the information has the keyboard", isInformationUp)
+        .perform("close it", [] { tsPressKeys("Escape"); })
+        .start();
+    tsPressKeys("ctrl+i");
+    tsRunUntil("the information is closed", [&] { return script.isFinished() && tsTopModalDialog() == nullptr; });
+    std::filesystem::current_path(folderBefore);
+    ASSERT_THAT(exported, ElementsAre("office.pub.pub.pem"));
+    EXPECT_EQ(_folder.read(exported[0]), _folder.read("keys/office.pub.pem"));
 }
 
 TEST_F(KeyMenu, RemembersTheFilesOfKeys)

@@ -107,6 +107,36 @@ TEST_F(MenuBar, EnablesCommandsAsTheConditionsSay)
     EXPECT_TRUE(event.GetChecked());
 }
 
+// The commands for documents, so that none of them needs a way to the menu bar.
+TEST_F(MenuBar, HasAContextMenu)
+{
+    wxMenu menu;
+    hoFillContextMenu(menu);
+    std::vector<int> commands;
+    for (const wxMenuItem* const pItem : menu.GetMenuItems())
+    {
+        if (!pItem->IsSeparator())
+        {
+            commands.push_back(pItem->GetId());
+        }
+    }
+    EXPECT_EQ(commands, (std::vector<int>{ID_VIEW_DOCUMENTS, ID_SHOW_IN_FOLDER, ID_SIGN, ID_TEST, ID_COPY_PATH,
+                                          ID_CLOSE_DOCUMENTS, ID_PROPERTIES}));
+}
+
+TEST_F(StatusBar, KeepsANoticeThatCameAfterAReason)
+{
+    auto* pBar = new hoStatusBar(_pFrame);
+    _pFrame->SetStatusBar(pBar);
+    pBar->showReason("nothing is selected");
+    pBar->endReason();
+    EXPECT_EQ(pBar->GetStatusText(0), "");
+    pBar->showReason("nothing is selected");
+    pBar->showNotice("1 path copied");
+    pBar->endReason();
+    EXPECT_EQ(pBar->GetStatusText(0), "1 path copied");
+}
+
 TEST_F(StatusBar, SaysWhatThereIs)
 {
     auto* pBar = new hoStatusBar(_pFrame);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Which message comes first, and what becomes of the others.
+#include "tests/host/Tooltip.h"
 #include "tests/host/window/BareFrame.h"
 
 #include "host/messages/hoMessages.h"
@@ -79,6 +80,28 @@ TEST_F(MessageBar, ForgetsEveryKindOfMessage)
     EXPECT_TRUE(bar.refusalText().empty());
     EXPECT_TRUE(bar.result()._line.empty());
     EXPECT_TRUE(bar.keyWarning()._line.empty());
+}
+
+TEST_F(MessageBar, ShowsTheFirstOfSeveralMessages)
+{
+    showWith(new wxPanel(_pFrame));
+    hoMessageBar bar(*_pFrame);
+    const auto expectShown = [&](const std::string& text)
+    {
+        bar.show();
+        ASSERT_NE(nativeBar(), nullptr);
+        EXPECT_NE(textOfLabels(nativeBar()->GetHandle()).find(text), std::string::npos)
+            << textOfLabels(nativeBar()->GetHandle());
+    };
+    bar.setOffer("an offer", "Load", {});
+    bar.setKeyWarning({"a warning", "", hoSummaryTone::NotWell});
+    expectShown("a warning");
+    bar.setResult({"a result", "", hoSummaryTone::AllWell});
+    expectShown("a result");
+    bar.addRefusal("/a", osFileProblem::NotThere);
+    expectShown("Cannot open");
+    bar.clear();
+    expectShown("an offer");
 }
 
 TEST_F(MessageBar, ShowsAnOfferWhereThereIsNothingElse)

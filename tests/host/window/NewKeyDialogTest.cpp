@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The dialog that makes key pairs, by keys and mouse.
+#include "tests/host/Question.h"
 #include "tests/host/window/BareFrame.h"
 
 #include "host/keys/hoKeyFile.h"
@@ -16,6 +17,7 @@
 namespace
 {
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 class NewKeyDialog : public BareFrame
 {
@@ -143,6 +145,120 @@ TEST_F(NewKeyDialog, CanBeCancelledByEscapeWhileItWorks)
     // The key may have been quicker.
     EXPECT_EQ(isFile("countersign-key.pem"), answer == wxID_OK);
     EXPECT_EQ(isFile("countersign-key.pub.pem"), answer == wxID_OK);
+}
+
+TEST_F(NewKeyDialog, CanBeCancelledAsSoonAsItWorks)
+{
+    _script.perform("create a key, and cancel before it can be made",
+                    [this]
+                    {
+                        setSize("4096");
+                        create();
+                        EXPECT_THAT(enabled(), ElementsAre());
+                        wxCommandEvent press(wxEVT_BUTTON, wxID_CANCEL);
+                        _pDialog->FindWindow(wxID_CANCEL)->ProcessWindowEvent(press);
+                    });
+    EXPECT_EQ(show(), wxID_CANCEL);
+    EXPECT_TRUE(std::filesystem::is_empty(_folder.path()));
+}
+
+// About each of the two for itself.
+TEST_F(NewKeyDialog, AsksBeforeItReplacesAFile)
+{
+    _folder.write("countersign-key.pem", "private");
+    _folder.write("countersign-key.pub.pem", "public");
+    const auto expectNothingDone = [this]
+    {
+        EXPECT_EQ(enabled().size(), 6U) << "nothing has begun";
+        EXPECT_EQ(_folder.read("countersign-key.pem"), "private");
+        EXPECT_EQ(_folder.read("countersign-key.pub.pem"), "public");
+    };
+    const auto isPrivateAsked = []
+    { return shownQuestion().find("countersign-key.pem is there") != std::string::npos; };
+    const auto isPublicAsked = []
+    { return shownQuestion().find("countersign-key.pub.pem is there") != std::string::npos; };
+    const auto isAnswered = [this] { return tsHasKeyboard(*_pDialog); };
+    // Return takes the button that the keyboard is on at first.
+    for (const char* pAnswer : {"Return", "Escape", "alt+k"})
+    {
+        _script.perform("create", [this] { create(); })
+            .waitUntil("the private file is asked about", isPrivateAsked)
+            .perform("keep it", [=] { tsPressKeys(pAnswer); })
+            .waitUntil("it is answered", isAnswered)
+            .perform("look", expectNothingDone)
+            .perform("create", [this] { create(); })
+            .waitUntil("the private file is asked about", isPrivateAsked)
+            .perform("replace it", [] { tsPressKeys("alt+r"); })
+            .waitUntil("the public file is asked about", isPublicAsked)
+            .perform("keep it", [=] { tsPressKeys(pAnswer); })
+            .waitUntil("it is answered", isAnswered)
+            .perform("look", expectNothingDone);
+    }
+    _script
+        .perform("create",
+                 [this]
+                 {
+                     setSize("512");
+                     create();
+                 })
+        .waitUntil("the private file is asked about", isPrivateAsked)
+        .perform("replace it", [] { tsPressKeys("alt+r"); })
+        .waitUntil("the public file is asked about", isPublicAsked)
+        .perform("replace it, too", [] { tsPressKeys("alt+r"); });
+    EXPECT_EQ(show(), wxID_OK);
+    EXPECT_THAT(_folder.read("countersign-key.pem"), HasSubstr("PRIVATE KEY"));
+    EXPECT_THAT(_folder.read("countersign-key.pub.pem"), HasSubstr("PUBLIC KEY"));
+}
+
+TEST_F(NewKeyDialog, ReplacesNoFileThatCameAfterTheQuestion)
+{
+    _folder.write("countersign-key.pub.pem", "public");
+    _script
+        .perform("create, and let another private key come",
+                 [this]
+                 {
+                     setSize("512");
+                     create();
+                     _folder.write("countersign-key.pem", "came meanwhile");
+                 })
+        .waitUntil("the public file is asked about", [] { return !shownQuestion().empty(); })
+        .perform("replace it", [] { tsPressKeys("alt+r"); })
+        .waitUntil("it has ended, or another place is asked for",
+                   [this] { return !_pDialog->IsModal() || said().find("made and not saved") != std::string::npos; })
+        .perform("look, and leave",
+                 [this]
+                 {
+                     EXPECT_EQ(_folder.read("countersign-key.pem"), "came meanwhile");
+                     if (_pDialog->IsModal())
+                     {
+                         tsPressKeys("Escape");
+                     }
+                 })
+        .waitUntil("it has ended, or it is asked whether the key is not wanted",
+                   [this] { return !_pDialog->IsModal() || !shownQuestion().empty(); })
+        .perform("throw it away", [] { tsPressKeys("alt+t"); });
+    EXPECT_EQ(show(), wxID_CANCEL);
+}
+
+TEST_F(NewKeyDialog, RefusesAFolderForItsFile)
+{
+    std::filesystem::create_directory(_folder.path("countersign-key.pem"));
+    _script.perform("create", [this] { create(); })
+        .waitUntil("it is refused or asked about",
+                   [this] { return said().find("Name a file.") != std::string::npos || !shownQuestion().empty(); })
+        .perform("look",
+                 [this]
+                 {
+                     EXPECT_THAT(said(), testing::EndsWith("countersign-key.pem is a folder. Name a file."));
+                     EXPECT_EQ(enabled().size(), 6U) << "nothing has begun";
+                     if (!shownQuestion().empty())
+                     {
+                         tsPressKeys("Escape");
+                     }
+                 })
+        .waitUntil("the dialog has the keyboard", [this] { return tsHasKeyboard(*_pDialog); })
+        .perform("leave", [] { tsPressKeys("Escape"); });
+    EXPECT_EQ(show(), wxID_CANCEL);
 }
 
 TEST_F(NewKeyDialog, TriesTheFolderBeforeItMakesAKey)

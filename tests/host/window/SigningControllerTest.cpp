@@ -230,6 +230,56 @@ TEST_F(SigningController, KeepsSignaturesAsThePreferencesSay)
     _pController->begin(Kind::Sign, three);
     waitForEnd(4);
     EXPECT_EQ(_ends[3]._line, "2 documents: 2 kept as they were.");
+
+    // A weak one is asked about.
+    three[0]._verdict._state = hoDocumentState::Weak;
+    bool isAsked = false;
+    tsScript again;
+    again
+        .waitUntil("the question is up, or the job has ended",
+                   [&]
+                   {
+                       isAsked = isQuestionUp();
+                       return isAsked || _ends.size() > 4;
+                   })
+        .perform("leave it",
+                 [&]
+                 {
+                     if (isAsked)
+                     {
+                         tsPressKeys("Escape");
+                     }
+                 })
+        .start();
+    _pController->begin(Kind::Sign, {three[0]});
+    tsRunUntil("it is answered", [&] { return again.isFinished(); });
+    EXPECT_TRUE(isAsked);
+    EXPECT_FALSE(_pController->isAtWork());
+}
+
+TEST_F(SigningController, WorksOnAsManyDocumentsAsThePreferencesSay)
+{
+    const auto amountOfThreads = []
+    {
+        const std::filesystem::directory_iterator threads("/proc/self/task");
+        return std::distance(begin(threads), end(threads));
+    };
+    _keys._private._pKey = newKey(1024);
+    const int jobs = static_cast<int>(hoOrderedWork::amountOfProcessors()) + 3;
+    const std::vector<hoDocument> many = documents(jobs);
+    for (int number = 0; number < jobs; ++number)
+    {
+        // Of holes alone: they take longer than the test.
+        std::filesystem::resize_file(_folder.path("document" + std::to_string(number)), 1ULL << 40);
+    }
+    for (const int wanted : {jobs, 1})
+    {
+        _preferences._jobs = wanted;
+        const auto before = amountOfThreads();
+        _pController->begin(Kind::Sign, many);
+        EXPECT_EQ(amountOfThreads() - before, wanted);
+        _pController->stop();
+    }
 }
 
 TEST_F(SigningController, TellsTheEndOnceWhereItIsSeen)

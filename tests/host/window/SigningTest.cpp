@@ -10,10 +10,12 @@
 
 #include <gmock/gmock.h>
 #include <wx/combobox.h>
+#include <wx/gauge.h>
 #include <wx/msgdlg.h>
+#include <wx/stattext.h>
 #include <wx/textctrl.h>
 
-#include <set>
+#include <algorithm>
 
 namespace
 {
@@ -137,21 +139,44 @@ TEST_F(Signing, TellsStatesByShapesToo)
     const wxVector<wxBitmapBundle> icons = hoStateIcons();
     ASSERT_EQ(icons.size(), 11U);
     // What is left of a picture without its colours: where it is opaque, and how bright.
-    std::set<std::string> shapes;
+    std::vector<std::string> shapes;
     for (const wxBitmapBundle& icon : icons)
     {
         const wxImage image = icon.GetBitmap(wxSize(16, 16)).ConvertToImage();
         ASSERT_TRUE(image.HasAlpha());
+        const auto darkest = [&](int i)
+        {
+            const unsigned char* const pPixel = image.GetData() + 3 * i;
+            return static_cast<int>(std::min({pPixel[0], pPixel[1], pPixel[2]}));
+        };
+        // How white a pixel is between the colour and white, whatever the colour.
+        int colour = 255;
+        for (int i = 0; i < 16 * 16; ++i)
+        {
+            colour = image.GetAlpha(i % 16, i / 16) < 128 ? colour : std::min(colour, darkest(i));
+        }
         std::string shape;
         for (int i = 0; i < 16 * 16; ++i)
         {
             const int alpha = image.GetAlpha(i % 16, i / 16);
-            shape += alpha < 128 ? ' ' : image.GetRed(i % 16, i / 16) > 230 ? '#' : '+';
+            shape += alpha < 128 ? ' ' : 2 * (darkest(i) - colour) > 255 - colour ? '#' : '+';
         }
         EXPECT_NE(shape, std::string(16 * 16, ' '));
-        shapes.insert(shape);
+        shapes.push_back(shape);
     }
-    EXPECT_EQ(shapes.size(), icons.size());
+    for (std::size_t one = 0; one < shapes.size(); ++one)
+    {
+        for (std::size_t other = 0; other < one; ++other)
+        {
+            int different = 0;
+            for (std::size_t i = 0; i < shapes[one].size(); ++i)
+            {
+                different += shapes[one][i] != shapes[other][i] ? 1 : 0;
+            }
+            // Not by a rounding at their edges.
+            EXPECT_GT(different, 12) << one << " and " << other;
+        }
+    }
 }
 
 TEST_F(Signing, AsksBeforeItReplacesSignatures)
@@ -377,6 +402,62 @@ TEST_F(Signing, ShowsProgressOfLongWorkAndCanBeCancelled)
                    return pProgress != nullptr && tsHasKeyboard(*pProgress);
                });
     tsPressKeys("Escape");
+    tsRunUntil("the work has ended", [this] { return !_pFrame->isAtWork(); });
+    EXPECT_EQ(message(), "Cancelled after 0 documents.");
+    EXPECT_FALSE(std::filesystem::exists(_folder.path("huge.sig")));
+}
+
+TEST_F(Signing, ShowsHowFarLongWorkIs)
+{
+    startWithKey();
+    _folder.write("huge", "");
+    std::filesystem::resize_file(_folder.path("huge"), 64ULL << 30);
+    openAskedFor(_folder.path("huge"));
+    const auto findProgress = [this]() -> hoProgressDialog*
+    {
+        for (wxWindow* pWindow : _pFrame->GetChildren())
+        {
+            auto* pProgress = dynamic_cast<hoProgressDialog*>(pWindow);
+            if (pProgress != nullptr && !pProgress->IsBeingDeleted() && tsHasKeyboard(*pProgress))
+            {
+                return pProgress;
+            }
+        }
+        return nullptr;
+    };
+    const auto begin = [&]
+    {
+        tsPressKeys("ctrl+s");
+        tsRunUntil("the progress is shown", [&] { return findProgress() != nullptr; });
+    };
+    begin();
+    hoProgressDialog* pProgress = findProgress();
+    const wxGauge* pGauge = nullptr;
+    std::vector<const wxStaticText*> lines;
+    for (const wxWindow* pChild : pProgress->GetChildren())
+    {
+        pGauge = pGauge == nullptr ? dynamic_cast<const wxGauge*>(pChild) : pGauge;
+        if (const auto* pLine = dynamic_cast<const wxStaticText*>(pChild))
+        {
+            lines.push_back(pLine);
+        }
+    }
+    ASSERT_NE(pGauge, nullptr);
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0]->GetLabel(), "1 of 1: huge");
+    const int before = pGauge->GetValue();
+    const wxString bytesBefore = lines[1]->GetLabel();
+    EXPECT_THAT(bytesBefore.utf8_string(), testing::EndsWith(" of 68.7 GB"));
+    tsRunUntil("it has moved", [&] { return pGauge->GetValue() > before && lines[1]->GetLabel() != bytesBefore; });
+    wxCommandEvent press(wxEVT_BUTTON, wxID_CANCEL);
+    pProgress->FindWindow(wxID_CANCEL)->ProcessWindowEvent(press);
+    EXPECT_EQ(lines[1]->GetLabel(), "Cancelling...");
+    tsRunUntil("the work has ended", [this] { return !_pFrame->isAtWork(); });
+    EXPECT_EQ(message(), "Cancelled after 0 documents.");
+
+    // The close box cancels, too.
+    begin();
+    findProgress()->Close();
     tsRunUntil("the work has ended", [this] { return !_pFrame->isAtWork(); });
     EXPECT_EQ(message(), "Cancelled after 0 documents.");
     EXPECT_FALSE(std::filesystem::exists(_folder.path("huge.sig")));

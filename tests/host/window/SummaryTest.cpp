@@ -57,6 +57,19 @@ TEST(Summary, OfDocumentsThatAreNotSignedIsNotThatAllIsWell)
     EXPECT_EQ(hoSummaryOf(Kind::Test, {}, true)._tone, hoSummaryTone::NotWell);
 }
 
+TEST(Summary, CountsAChangedDocumentAsFailed)
+{
+    using State = hoDocumentState;
+    const std::vector<hoSigningOutcome> outcomes = {outcome("/good", State::Good), outcome("/changed", State::Changed)};
+    const hoSummary tested = hoSummaryOf(hoSigningJob::Kind::Test, outcomes, false);
+    EXPECT_EQ(tested._line, "2 documents: 1 good, 1 could not be tested.");
+    EXPECT_EQ(tested._tone, hoSummaryTone::NotWell);
+    EXPECT_LT(tested._details.find("/changed"), tested._details.find("/good"));
+    const hoSummary signedOnes = hoSummaryOf(hoSigningJob::Kind::Sign, outcomes, false);
+    EXPECT_EQ(signedOnes._line, "2 documents: 1 signed, 1 could not be signed.");
+    EXPECT_EQ(signedOnes._tone, hoSummaryTone::NotWell);
+}
+
 TEST(ReplacementQuestion, TellsWhatSpeaksAgainstIt)
 {
     using State = hoDocumentState;
