@@ -2,6 +2,8 @@
 // Digit arrays and basic arithmetic at the edges.
 #include "Digits.h"
 
+#include <sys/mman.h>
+
 #include <algorithm>
 
 namespace
@@ -125,6 +127,26 @@ TEST(Comparison, BitLength)
     const Digits more{allOnes, 1, 0};
     EXPECT_EQ(mpBitLength(more, 3), 33U);
     EXPECT_EQ(mpSizeof(more, 3), 2U);
+}
+
+TEST(Comparison, BitLengthIsTakenModulo2To32)
+{
+    constexpr uint32_t n = 1U << 27;
+    constexpr size_t size = (size_t{n} + 1) * sizeof(mpDigit);
+    // Half a gigabyte of zeros, of which the system has only the pages that are written to.
+    void* pMemory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (pMemory == MAP_FAILED)
+    {
+        GTEST_SKIP() << "there is no room for half a gigabyte";
+    }
+    auto* a = static_cast<mpDigit*>(pMemory);
+    a[n - 1] = allOnes >> 1;
+    EXPECT_EQ(mpBitLength(a, n), allOnes);
+    a[n - 1] = allOnes;
+    EXPECT_EQ(mpBitLength(a, n), 0U);
+    a[n] = 2;
+    EXPECT_EQ(mpBitLength(a, n + 1), 2U);
+    munmap(pMemory, size);
 }
 
 TEST(Addition, OfAllOnesAndOneCarriesOut)

@@ -165,6 +165,16 @@ TEST(Text, OfNoDigitsIsEmpty)
     EXPECT_EQ(mpConvToHex(nothing, 0, nullptr, 0), 0U);
 }
 
+TEST(Text, IsMeasuredAnewWhenTheNumberHasChanged)
+{
+    Digits a{5, 0};
+    EXPECT_EQ(mpConvToDecimal(a, 2, nullptr, 0), 1U);
+    EXPECT_EQ(mpConvToHex(a, 2, nullptr, 0), 1U);
+    a[1] = 1;
+    EXPECT_EQ(mpConvToHex(a, 2, nullptr, 0), 9U);
+    EXPECT_EQ(mpConvToDecimal(a, 2, nullptr, 0), 10U);
+}
+
 TEST(Text, InOtherBasesIsNotWritten)
 {
     const Digits a{12345};

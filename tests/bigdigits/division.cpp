@@ -241,6 +241,11 @@ TEST(Division, GivesTheDivisorBack)
         EXPECT_EQ(mpDivide(q, r, u, 4, v, 4), 0);
         EXPECT_EQ(v.vector(), before.vector());
         EXPECT_EQ(q.value(), u.value() / before.value());
+        // Also when nothing remains.
+        const Digits multiple(q.value() * before.value(), 4);
+        EXPECT_EQ(mpDivide(q, r, multiple, 4, v, 4), 0);
+        EXPECT_EQ(v.vector(), before.vector());
+        EXPECT_TRUE(r.value().isZero());
     }
 }
 

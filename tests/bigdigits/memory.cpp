@@ -30,6 +30,20 @@ TEST(Memory, IsZeroAndReleasedOnce)
     mpFree(nullptr);
 }
 
+TEST(Memory, IsZeroWhereOtherDigitsWere)
+{
+    for (const uint32_t n : {1U, 5U, 100U, 1000U})
+    {
+        mpDigit* a = mpAlloc(n);
+        std::fill_n(a, n, 0xA5A5A5A5U);
+        mpFree(&a);
+        // It may well be the same memory.
+        a = mpAlloc(n);
+        EXPECT_TRUE(std::all_of(a, a + n, [](mpDigit digit) { return digit == 0; })) << n;
+        mpFree(&a);
+    }
+}
+
 TEST(Memory, OfNoDigitsIsNotNull)
 {
     mpDigit* a = mpAlloc(0);

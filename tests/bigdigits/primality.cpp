@@ -80,9 +80,12 @@ TEST(RandBetween, StaysInItsRangeAndReachesAllOfIt)
 // with others it holds as well, since only this one uses the function.
 TEST(SimpleRand, SeedsOnlyTheFirstTime)
 {
-    const Generator generator({}, 1234567);
+    Generator generator({}, 1234567);
+    // That one seeds for itself.
+    EXPECT_EQ(passesRabinMiller(Natural(1009), 0), 1);
+    generator.tellTime(7654321);
     EXPECT_EQ(spSimpleRand(9, 9), 9U);
-    EXPECT_EQ(generator.seeds(), (std::vector<unsigned int>{1234567}));
+    EXPECT_EQ(generator.seeds(), (std::vector<unsigned int>{1234567, 7654321}));
     EXPECT_EQ(generator.callsOfRand(), 0U);
     for (int i = 0; i < 100; ++i)
     {
@@ -90,7 +93,7 @@ TEST(SimpleRand, SeedsOnlyTheFirstTime)
         EXPECT_GE(value, 3U);
         EXPECT_LE(value, 7U);
     }
-    EXPECT_EQ(generator.seeds().size(), 1U);
+    EXPECT_EQ(generator.seeds().size(), 2U);
     EXPECT_GE(generator.callsOfRand(), 400U);
 }
 
@@ -206,6 +209,14 @@ TEST(RabinMiller, WitnessesOfOneDigitNumbersEndBelowThem)
     // For 11 the bound is 9: 2 plus a word of up to 7.
     const Generator generator({0x0F, 0, 0, 0});
     EXPECT_EQ(passesRabinMiller(Natural(11), 1), 1);
+    EXPECT_EQ(generator.callsOfRand(), 4U);
+}
+
+TEST(RabinMiller, WitnessesAreBelowANumberWithZerosAtItsTop)
+{
+    // 65537 has a bound of 65535, for which 16 bits of the word are taken.
+    const Generator generator({0x34, 0x12, 0xFF, 0xFF});
+    EXPECT_EQ(passesRabinMiller(Natural(65537), 1), 1);
     EXPECT_EQ(generator.callsOfRand(), 4U);
 }
 

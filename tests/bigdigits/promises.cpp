@@ -165,7 +165,6 @@ TEST(Wiping, OfQuotientsOfEveryKind)
     {
         const Digits x(random.uniformNumber(n));
         Digits e(n);
-        mpSetDigit(e, 13, n);
         for (const uint32_t size : {0U, 1U, 2U, n / 2, n})
         {
             SCOPED_TRACE(std::to_string(n) + " digits, modulus of " + std::to_string(size));
@@ -177,7 +176,12 @@ TEST(Wiping, OfQuotientsOfEveryKind)
             }
             Digits y(n);
             const Memory memory;
-            mpModExp(y, x, e, m, n);
+            // The last quotient is as long as a number, or twice as long.
+            for (const mpDigit exponent : {13U, 2U})
+            {
+                mpSetDigit(e, exponent, n);
+                mpModExp(y, x, e, m, n);
+            }
             mpModMult(y, x, x, m, n);
             mpModInv(y, x, m, n);
             mpGcd(y, x, m, n);
@@ -187,7 +191,7 @@ TEST(Wiping, OfQuotientsOfEveryKind)
             {
                 mpModulo(y, x, n, m, std::min(size, n));
             }
-            expectAllWiped(memory, 15);
+            expectAllWiped(memory, 20);
         }
     }
 }
@@ -374,6 +378,78 @@ TEST(ModExp, SquaresByTheFunctionThatIsMadeForIt)
     const long expected = product - square;
     EXPECT_LT(std::abs((stepWithProduct - stepWithSquare) - expected), std::abs(expected) / 2)
         << "square " << square << ", product " << product << ", steps " << stepWithSquare << " and " << stepWithProduct;
+}
+
+// ---- How a product is computed
+
+// Instructions for a product.
+long instructionsOfProduct(const Digits& u, const Digits& v)
+{
+    Digits wide(size_t{2} * u.size());
+    return instructionsOf([&] { mpMultiply(wide, u, v, u.size()); });
+}
+
+Digits withoutZeros(RandomNumbers& random, uint32_t n)
+{
+    Digits result(random.uniformNumber(n));
+    for (uint32_t i = 0; i < n; ++i)
+    {
+        result[i] |= 0x80000000U;
+    }
+    return result;
+}
+
+TEST(Products, ZerosAtTheTopCostNextToNothing)
+{
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    // Of both factors, where these are multiplied digit by digit and where they are not.
+    for (const uint32_t n : {15U, 60U})
+    {
+        const Digits u = withoutZeros(random, n);
+        const Digits v = withoutZeros(random, n);
+        const long product = instructionsOfProduct(u, v);
+        if (product == 0)
+        {
+            GTEST_SKIP() << "a process may not be followed here";
+        }
+        const Digits longU(u.value(), size_t{2} * n);
+        const Digits longV(v.value(), size_t{2} * n);
+        EXPECT_LT(instructionsOfProduct(longU, longV), product / 2 * 3) << n;
+    }
+    // Of either.
+    const Digits u = withoutZeros(random, 15);
+    const Digits v(withoutZeros(random, 5).value(), 15);
+    const long product = instructionsOfProduct(u, u);
+    EXPECT_LT(instructionsOfProduct(u, v), product / 3 * 2);
+    EXPECT_LT(instructionsOfProduct(v, u), product / 3 * 2);
+}
+
+TEST(Products, ZeroDigitsAreSkippedBetweenShortFactorsOnly)
+{
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    for (const uint32_t n : {15U, 16U})
+    {
+        const Digits u = withoutZeros(random, n);
+        const Digits v = withoutZeros(random, n);
+        Digits holed(v);
+        mpSetZero(holed + 1, n - 2);
+        const long whole = instructionsOfProduct(u, v);
+        if (whole == 0)
+        {
+            GTEST_SKIP() << "a process may not be followed here";
+        }
+        const long rest = instructionsOfProduct(u, holed);
+        if (n < 16)
+        {
+            EXPECT_LT(rest, whole / 3) << "two digits are left of fifteen";
+        }
+        else
+        {
+            EXPECT_GT(rest, whole / 10 * 9);
+        }
+    }
 }
 
 #endif

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// Several threads at once on shared operands.
+// Several threads at once.
 #include "Digits.h"
+#include "RandomNumbers.h"
 
 #include <array>
+#include <functional>
 #include <thread>
 
 namespace
@@ -57,6 +59,36 @@ std::string compute(const Digits& x, const Digits& e, const Digits& m)
     return result;
 }
 
+// What threads get that call it many times at once, each with its number, is what one gets alone.
+void expectTheSameAtOnce(const std::function<std::string(size_t number)>& work)
+{
+    std::array<std::string, threadCount> expected;
+    std::array<std::string, threadCount> results;
+    for (size_t number = 0; number < threadCount; ++number)
+    {
+        expected[number] = work(number);
+    }
+    std::vector<std::thread> threads;
+    threads.reserve(threadCount);
+    for (size_t number = 0; number < threadCount; ++number)
+    {
+        threads.emplace_back(
+            [&, number]
+            {
+                results[number] = work(number);
+                for (int i = 1; i < rounds && results[number] == expected[number]; ++i)
+                {
+                    results[number] = work(number);
+                }
+            });
+    }
+    for (std::thread& thread : threads)
+    {
+        thread.join();
+    }
+    EXPECT_EQ(results, expected);
+}
+
 TEST(Threads, ComputeAtOnceWithSharedOperands)
 {
     Digits x(n);
@@ -69,31 +101,48 @@ TEST(Threads, ComputeAtOnceWithSharedOperands)
         m[i] = 0x7F4A7C15U * (i + 3);
     }
     m[0] |= 1;
-    const std::string expected = compute(x, e, m);
+    expectTheSameAtOnce([&](size_t) { return compute(x, e, m); });
+}
 
-    std::array<std::string, threadCount> results;
-    std::vector<std::thread> threads;
-    threads.reserve(threadCount);
-    for (std::string& result : results)
+// What one thread sees of another's numbers would not be the same as its own.
+TEST(Threads, ComputeAtOnceWithOperandsOfTheirOwn)
+{
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    std::vector<Digits> x;
+    std::vector<Digits> e;
+    std::vector<Digits> m;
+    for (int i = 0; i < threadCount; ++i)
     {
-        threads.emplace_back(
-            [&]
-            {
-                result = compute(x, e, m);
-                for (int i = 1; i < rounds && result == expected; ++i)
-                {
-                    result = compute(x, e, m);
-                }
-            });
+        x.emplace_back(random.uniformNumber(n));
+        e.emplace_back(Natural(0xF0F0F0F1U), n);
+        m.emplace_back(random.uniformNumber(n));
+        m.back()[0] |= 1;
+        m.back()[n - 1] |= 0x80000000U;
     }
-    for (std::thread& thread : threads)
+    expectTheSameAtOnce([&](size_t number) { return compute(x[number], e[number], m[number]); });
+}
+
+// Long enough to be halved.
+TEST(Threads, WriteAndReadLongTextsAtOnce)
+{
+    constexpr uint32_t length = 2500;
+    RandomNumbers random;
+    SCOPED_TRACE(random.trace());
+    std::vector<Digits> numbers;
+    for (int i = 0; i < threadCount; ++i)
     {
-        thread.join();
+        numbers.emplace_back(random.uniformNumber(length));
     }
-    for (const std::string& result : results)
-    {
-        EXPECT_EQ(result, expected);
-    }
+    expectTheSameAtOnce(
+        [&](size_t number)
+        {
+            std::string text(size_t{10} * length, '#');
+            mpConvToDecimal(numbers[number], length, text.data(), static_cast<uint32_t>(text.size()));
+            Digits back(length);
+            mpConvFromDecimal(back, length, text.c_str());
+            return text + (back.vector() == numbers[number].vector() ? "" : " is read as another number");
+        });
 }
 
 }  // namespace
