@@ -256,7 +256,7 @@ TEST(Operands, OfModularArithmeticMayBeInMemoryThatCannotBeWritten)
 
 void sayGoodbye()
 {
-    fputs("exit function\n", stderr);
+    (void)fputs("exit function\n", stderr);
 }
 
 TEST(FailDeathTest, LeavesThroughExit)
@@ -267,9 +267,9 @@ TEST(FailDeathTest, LeavesThroughExit)
     close(descriptor);
     EXPECT_EXIT(
         {
-            atexit(sayGoodbye);
+            (void)atexit(sayGoodbye);
             FILE* pFile = fopen(name, "w");
-            fputs("buffered", pFile);
+            (void)fputs("buffered", pFile);
             errno = ENOMEM;
             mpFail("the end");
         },
@@ -278,7 +278,7 @@ TEST(FailDeathTest, LeavesThroughExit)
     char text[20] = "";
     EXPECT_NE(fgets(text, sizeof(text), pFile), nullptr);
     EXPECT_STREQ(text, "buffered");
-    fclose(pFile);
+    (void)fclose(pFile);
     unlink(name);
 }
 
@@ -308,9 +308,9 @@ long instructionsOf(const std::function<void()>& work)
         {
             _exit(1);
         }
-        raise(SIGSTOP);
+        (void)raise(SIGSTOP);
         work();
-        raise(SIGSTOP);
+        (void)raise(SIGSTOP);
         _exit(0);
     }
     long count = -1;
