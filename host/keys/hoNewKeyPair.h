@@ -44,9 +44,9 @@ public:
     // Once it is finished: whether there is a key.
     bool isMade() const { return _isFinished && _pKey != nullptr; }
 
-    // Writes the private key (PKCS#8; encrypted if the passphrase is not empty), readable and writable by its owner
-    // alone, or the public one, with rights 644. Both write as osWriteFileAtomically does. Too little memory is
-    // CannotBeWritten with ENOMEM. isMade() must be true.
+    // Writes the private key (PKCS#8; encrypted by AES-256 in CBC mode if the passphrase is not empty), readable and
+    // writable by its owner alone, or the public one, with rights 644. Both write as osWriteFileAtomically does. Too
+    // little memory is CannotBeWritten with ENOMEM. isMade() must be true.
     osWritingResult writePrivateKey(const gtString& path, std::string_view passphrase, bool mayOverwrite) const;
     osWritingResult writePublicKey(const gtString& path, bool mayOverwrite) const;
 

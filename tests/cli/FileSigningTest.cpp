@@ -222,6 +222,15 @@ TEST_F(FileSigning, ReportsItsProgress)
     EXPECT_EQ(progress.done, threeMegabytes);
     EXPECT_EQ(progress.inAll, threeMegabytes);
     EXPECT_EQ(progress.calls, 3);
+    // Not of the moment for which the reading of a young file waits.
+    for (int round = 0; round < 200; ++round)
+    {
+        _folder.write("young", std::to_string(round));
+        Progress once;
+        gtString digest;
+        EXPECT_EQ(hoDigestOfFile(path("young"), *_pPublic, &once, digest)._problem, hoSigningProblem::None);
+        EXPECT_EQ(once.calls, 1);
+    }
 }
 
 TEST_F(FileSigning, CanBeCancelled)

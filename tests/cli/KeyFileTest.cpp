@@ -5,6 +5,7 @@
 #include <cstring>
 #include <sstream>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 #include <openssl/bn.h>
@@ -178,7 +179,16 @@ TEST_F(KeyFile, ThatCannotBeUsedIsNamed)
     }
     _folder.write("wide.pem", wide);
     _folder.write("bare wide.pem", wide.substr(2));
+    std::string turned = wide;
+    for (std::size_t i = 0; i + 1 < wide.size(); i += 2)
+    {
+        std::swap(turned[i], turned[i + 1]);
+    }
+    _folder.write("turned.pem", turned);
+    _folder.write("bare turned.pem", turned.substr(2));
     _folder.write("id_rsa.pub", "ssh-rsa AAAAB3NzaC1yc2E= me@here\n");
+    _folder.write("id_ed25519.pub", "ssh-ed25519 AAAAC3NzaC1lZDI1NTE5 me@here\n");
+    _folder.write("id_ecdsa.pub", "ecdsa-sha2-nistp256 AAAAE2VjZHNhLXNoYTItbmlzdHAyNTY me@here\n");
     _folder.write("ssh2.pub", "---- BEGIN SSH2 PUBLIC KEY ----\nAAAA\n---- END SSH2 PUBLIC KEY ----\n");
     _folder.write("key.ppk", "PuTTY-User-Key-File-3: ssh-rsa\n");
     _folder.write("key.asc", "-----BEGIN PGP PUBLIC KEY BLOCK-----\n\nAAAA\n-----END PGP PUBLIC KEY BLOCK-----\n");
@@ -188,7 +198,11 @@ TEST_F(KeyFile, ThatCannotBeUsedIsNamed)
                                                               {"pss.pem", hoKeyFileProblem::RsaPss},
                                                               {"wide.pem", hoKeyFileProblem::Utf16},
                                                               {"bare wide.pem", hoKeyFileProblem::Utf16},
+                                                              {"turned.pem", hoKeyFileProblem::Utf16},
+                                                              {"bare turned.pem", hoKeyFileProblem::Utf16},
                                                               {"id_rsa.pub", hoKeyFileProblem::SshPublicKey},
+                                                              {"id_ed25519.pub", hoKeyFileProblem::SshPublicKey},
+                                                              {"id_ecdsa.pub", hoKeyFileProblem::SshPublicKey},
                                                               {"ssh2.pub", hoKeyFileProblem::SshPublicKey},
                                                               {"key.ppk", hoKeyFileProblem::PuttyFormat},
                                                               {"key.asc", hoKeyFileProblem::OpenPgpKey}};
@@ -261,6 +275,7 @@ TEST_F(KeyFile, ThatIsEncryptedTakesItsPassphrase)
         EXPECT_EQ(problemOf(pName, &empty), hoKeyFileProblem::WrongPassphrase) << pName;
         FixedPassphrase none(nullptr);
         EXPECT_EQ(problemOf(pName, &none), hoKeyFileProblem::PassphraseNeeded) << pName;
+        EXPECT_EQ(none.questions, 1) << "who has none is not asked again";
         EXPECT_EQ(problemOf(pName), hoKeyFileProblem::PassphraseNeeded) << pName;
     }
     FixedPassphrase unasked("x");
@@ -322,12 +337,18 @@ TEST_F(KeyFile, ThatIsNoneIsRefused)
     }
     _folder.write("large.pem", std::string(static_cast<std::size_t>(hoLargestKeyFile) + 1, 'x'));
     EXPECT_EQ(problemOf("large.pem"), hoKeyFileProblem::TooLarge);
+    _folder.write("largest.pem", std::string(static_cast<std::size_t>(hoLargestKeyFile), 'x'));
+    EXPECT_EQ(problemOf("largest.pem"), hoKeyFileProblem::NoKey);
 }
 
 TEST_F(KeyFile, ThatCannotBeReadIsRefused)
 {
+    makeKeys(_folder, 512);
+    ASSERT_NE(load("private.pem"), nullptr);
     EXPECT_EQ(problemOf("missing.pem"), hoKeyFileProblem::CannotBeRead);
     EXPECT_EQ(_facts._systemError, ENOENT);
+    EXPECT_EQ(_facts._bits, 0) << "these are facts of the file before";
+    EXPECT_FALSE(_facts._isPrivate);
     ASSERT_EQ(mkdir((_folder / "folder.pem").c_str(), 0700), 0);
     EXPECT_EQ(problemOf("folder.pem"), hoKeyFileProblem::IsFolder);
     ASSERT_EQ(mkfifo((_folder / "pipe.pem").c_str(), 0600), 0);
@@ -464,6 +485,44 @@ TEST_F(KeyFile, WithAFactorThatIsNoPrimeIsRefused)
     EXPECT_EQ(problemOf("key.der"), hoKeyFileProblem::Damaged);
 }
 
+TEST_F(KeyFile, OfManyBitsIsCheckedButForPrimes)
+{
+    const std::unique_ptr<BN_CTX, decltype(&BN_CTX_free)> pContext(BN_CTX_new(), &BN_CTX_free);
+    const int bits = 4128;
+    Factors factors;
+    std::vector<Number> numbers;
+    do
+    {
+        for (BIGNUM* pFactor : {factors._p.get(), factors._q.get()})
+        {
+            const Factors halves = makeFactors(bits / 4);
+            BN_mul(pFactor, halves._p.get(), halves._q.get(), pContext.get());
+        }
+        numbers = numbersOf(factors);
+    } while (BN_num_bits(numbers[0].get()) != bits);
+    _folder.write("key.der", privateKeyOf(numbers));
+    EXPECT_EQ(problemOf("key.der"), hoKeyFileProblem::None) << "the tests for primes take minutes";
+    EXPECT_EQ(_facts._bits, bits);
+    for (const std::size_t number : {2U, 5U, 7U})
+    {
+        BN_add_word(numbers[number].get(), 2);
+        _folder.write("key.der", privateKeyOf(numbers));
+        EXPECT_EQ(problemOf("key.der"), hoKeyFileProblem::Damaged) << number;
+        BN_sub_word(numbers[number].get(), 2);
+    }
+    const std::unique_ptr<char, void (*)(char*)> pModulus(BN_bn2hex(numbers[0].get()),
+                                                          [](char* pText) { OPENSSL_free(pText); });
+    for (const int exponent : {1, 2, 3})
+    {
+        std::ostringstream description;
+        description << "asn1=SEQUENCE:key\n[key]\nn=INTEGER:0x" << pModulus.get() << "\ne=INTEGER:" << exponent << "\n";
+        _folder.write("numbers.txt", description.str());
+        runOpenSSL(_folder, {"asn1parse", "-genconf", "numbers.txt", "-noout", "-out", "numbers.der"});
+        EXPECT_EQ(problemOf("numbers.der"), exponent < 3 ? hoKeyFileProblem::Unsafe : hoKeyFileProblem::None)
+            << exponent;
+    }
+}
+
 TEST_F(KeyFile, MayHaveThreePrimes)
 {
     runOpenSSL(_folder, {"genrsa", "-primes", "3", "-out", "three.pem", "1024"});
@@ -500,6 +559,48 @@ TEST_F(KeyFile, TellsWhoElseMayReadIt)
         EXPECT_NE(load("private.pem"), nullptr);
         EXPECT_TRUE(_facts._isOpenToOthers) << mode;
     }
+}
+
+TEST_F(KeyFile, TellsWhoElseMayReplaceIt)
+{
+    makeKeys(_folder, 512);
+    const std::string shared = _folder / "shared";
+    ASSERT_EQ(mkdir(shared.c_str(), 0700), 0);
+    _folder.write("shared/private.pem", _folder.read("private.pem"));
+    const auto isOpen = [&](unsigned int rights)
+    {
+        EXPECT_EQ(chmod(shared.c_str(), rights), 0);
+        EXPECT_NE(load("shared/private.pem"), nullptr);
+        return _facts._isFolderOpenToOthers;
+    };
+    EXPECT_FALSE(isOpen(0755));
+    EXPECT_TRUE(isOpen(0757));
+    EXPECT_FALSE(isOpen(01777)) << "as /tmp is";
+    ASSERT_EQ(chown(shared.c_str(), static_cast<uid_t>(-1), getegid()), 0);
+    EXPECT_FALSE(isOpen(0775)) << "the group is the process's own";
+    if (geteuid() != 0)
+    {
+        GTEST_SKIP() << "only root gives files away";
+    }
+    const uid_t somebody = 12345;
+    ASSERT_EQ(chown(shared.c_str(), 0, somebody), 0);
+    EXPECT_TRUE(isOpen(0775)) << "another group";
+    EXPECT_FALSE(isOpen(0755));
+    EXPECT_FALSE(isOpen(01775));
+    ASSERT_EQ(chown(shared.c_str(), somebody, 0), 0);
+    EXPECT_TRUE(isOpen(0755)) << "another owner";
+    EXPECT_TRUE(isOpen(01777)) << "whom the sticky bit does not keep away";
+
+    // For everybody else root is as good as they are.
+    ASSERT_EQ(chown(shared.c_str(), 0, 0), 0);
+    ASSERT_EQ(chown((shared + "/private.pem").c_str(), somebody, 0), 0);
+    ASSERT_EQ(chmod(shared.c_str(), 0755), 0);
+    ASSERT_EQ(chmod(_folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(seteuid(somebody), 0);
+    const bool isLoaded = load("shared/private.pem") != nullptr;
+    ASSERT_EQ(seteuid(0), 0);
+    EXPECT_TRUE(isLoaded);
+    EXPECT_FALSE(_facts._isFolderOpenToOthers);
 }
 
 TEST(FixedWidthText, HasTheHighestDigitFirst)

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <openssl/crypto.h>
 
 #include "cli/clStandardStreams.h"
 #include "cliTestSupport.h"
@@ -68,6 +69,27 @@ TEST_F(Secrets, OfAKeyAreGoneWithIt)
         {
             EXPECT_EQ(tsTimesInMemory(secret), 0) << pName << ": " << secret._name;
         }
+    }
+}
+
+TEST_F(Secrets, OfLibcryptoAreGoneWhereTheyWere)
+{
+    const std::vector<tsSecret> secrets = tsSecretsOfPassphrase();
+    const int size = 1024;
+    char* pMemory = static_cast<char*>(OPENSSL_malloc(static_cast<std::size_t>(size)));
+    ASSERT_NE(pMemory, nullptr);
+    EXPECT_GT(tsPassphraseSource().getPassphrase(pMemory, size), 0);
+    EXPECT_EQ(tsTimesInMemory(secrets.front()), 1) << "the search finds what is there";
+    // It moves: something else has what is behind it.
+    void* const pBehind = OPENSSL_malloc(static_cast<std::size_t>(size));
+    pMemory = static_cast<char*>(OPENSSL_realloc(pMemory, static_cast<std::size_t>(size) * 100));
+    ASSERT_NE(pMemory, nullptr);
+    EXPECT_EQ(tsTimesInMemory(secrets.front()), 1) << "it is not overwritten where it was";
+    OPENSSL_free(pMemory);
+    OPENSSL_free(pBehind);
+    for (const tsSecret& secret : secrets)
+    {
+        EXPECT_EQ(tsTimesInMemory(secret), 0) << secret._name;
     }
 }
 

@@ -38,6 +38,12 @@ TEST_F(SignatureFile, StandsBesideTheFile)
 {
     EXPECT_EQ(hoSignaturePath("report.pdf"), gtString("report.pdf.sig"));
     EXPECT_EQ(hoSignaturePath("/a/b"), gtString("/a/b.sig"));
+    EXPECT_EQ(hoDocumentOfSignature("/a/b.sig"), gtString("/a/b"));
+    EXPECT_EQ(hoDocumentOfSignature("b.sig"), gtString("b"));
+    for (const char* pNone : {"", "/a/b", ".sig", "/a/.sig", "./.sig", "sig", "b.sig/"})
+    {
+        EXPECT_TRUE(hoDocumentOfSignature(pNone).isEmpty()) << pNone;
+    }
 }
 
 TEST_F(SignatureFile, ComesBack)
@@ -134,6 +140,25 @@ TEST_F(SignatureFile, ReplacesNothingOfOthers)
         EXPECT_EQ(_folder.read("a.sig"), content);
     }
     EXPECT_EQ(_folder.names(), std::vector<std::string>{"a.sig"});
+}
+
+TEST_F(SignatureFile, IsPreparedOnlyWhereItMayBeWritten)
+{
+    _folder.write("other.sig", "precious");
+    _folder.write("old.sig", oldSignature);
+    for (const bool mayOverwrite : {false, true})
+    {
+        EXPECT_FALSE(hoPreparedSignature().prepare(path("other.sig"), newSignature, mayOverwrite));
+        EXPECT_FALSE(hoPreparedSignature().prepare(path("missing/a.sig"), newSignature, mayOverwrite));
+    }
+    EXPECT_FALSE(hoPreparedSignature().prepare(path("old.sig"), newSignature, false));
+    EXPECT_EQ(_folder.names(), (std::vector<std::string>{"old.sig", "other.sig"})) << "nothing is left behind";
+    hoPreparedSignature prepared;
+    ASSERT_TRUE(prepared.prepare(path("old.sig"), newSignature, true));
+    EXPECT_EQ(_folder.read("old.sig"), oldSignature);
+    EXPECT_TRUE(prepared.giveName().isOk());
+    EXPECT_EQ(_folder.read("old.sig"), newSignature);
+    EXPECT_EQ(_folder.read("other.sig"), "precious");
 }
 
 TEST_F(SignatureFile, ReplacesNothingButFiles)

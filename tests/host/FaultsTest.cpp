@@ -19,6 +19,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -26,6 +27,28 @@
 #include <set>
 #include <system_error>
 #include <thread>
+
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace
+{
+// The rights that files have had when they were given others, as long as a test wants to know.
+std::atomic<bool> areRightsWanted{false};
+std::atomic<unsigned int> rightsBefore{0};
+}  // namespace
+
+// In front of the system's.
+extern "C" int fchmod(int descriptor, mode_t rights)
+{
+    struct stat status = {};
+    if (areRightsWanted && ::fstat(descriptor, &status) == 0)
+    {
+        rightsBefore |= status.st_mode & 0777U;
+    }
+    return static_cast<int>(syscall(SYS_fchmod, descriptor, rights));
+}
 
 namespace
 {
@@ -44,6 +67,23 @@ const std::vector<Fault> faults = {
     {"close", EIO},   {"close", EINTR},  {"link", EPERM},  {"link", EIO},        {"rename", EIO}, {"rename", EACCES},
     {"stat", EIO},    {"stat", EACCES},  {"fstat", EIO},   {"realpath", EACCES},
 };
+
+// How often each call goes wrong where something is made that is not there, or made anew.
+const std::map<std::string, int> callsOfSigning = {{"close", 10}, {"fstat", 10}, {"fsync", 4},    {"link", 2},
+                                                   {"open", 10},  {"read", 8},   {"realpath", 4}, {"rename", 0},
+                                                   {"stat", 10},  {"write", 2}};
+const std::map<std::string, int> callsOfSigningAnew = {{"close", 14}, {"fstat", 14}, {"fsync", 4},    {"link", 0},
+                                                       {"open", 14},  {"read", 16},  {"realpath", 6}, {"rename", 2},
+                                                       {"stat", 10},  {"write", 2}};
+const std::map<std::string, int> callsOfSettings = {{"close", 2}, {"fstat", 0}, {"fsync", 2},    {"link", 0},
+                                                    {"open", 2},  {"read", 0},  {"realpath", 1}, {"rename", 1},
+                                                    {"stat", 1},  {"write", 1}};
+const std::map<std::string, int> callsOfAKey = {{"close", 2}, {"fstat", 0}, {"fsync", 2},    {"link", 1},
+                                                {"open", 2},  {"read", 0},  {"realpath", 0}, {"rename", 0},
+                                                {"stat", 1},  {"write", 1}};
+const std::map<std::string, int> callsOfAKeyAnew = {{"close", 2}, {"fstat", 0}, {"fsync", 2},    {"link", 0},
+                                                    {"open", 2},  {"read", 0},  {"realpath", 1}, {"rename", 1},
+                                                    {"stat", 1},  {"write", 1}};
 
 // What is in the files of a folder, by their names.
 std::map<std::string, std::string> contentsOf(const TemporaryFolder& folder)
@@ -205,18 +245,19 @@ protected:
 
 TEST_F(WindowEngineFaults, LeaveAWholeSignatureOrTheOneBefore)
 {
-    int amount = 0;
+    // Two documents, in two pieces and in one.
     for (const std::string& before : {std::string(), anOldSignature})
     {
+        std::map<std::string, int> met;
         for (const Fault& fault : faults)
         {
-            amount += failEach(
+            met[fault._call] = failEach(
                 _folder.path(), fault, [&] { resetSignatures(before); },
                 [this] { work(hoSigningJob::Kind::Sign, _key); }, [&] { checkSigning(before); });
         }
+        // Fewer would mean that calls are not met any more, and that nothing is tried in their place.
+        EXPECT_EQ(met, before.empty() ? callsOfSigning : callsOfSigningAnew);
     }
-    // Fewer would mean that the calls are not met any more.
-    EXPECT_GT(amount, 200);
 }
 
 TEST_F(WindowEngineFaults, MakeNothingGoodAndNothingBad)
@@ -331,6 +372,47 @@ TEST_F(WindowEngineFaults, DocumentsThatChangeWithinTheirTimeStampAreNotSigned)
     }
 }
 
+TEST_F(WindowEngineFaults, SignaturesThatAreExchangedWhileTheyAreTestedAreChanged)
+{
+    gtString anothers;
+    ASSERT_TRUE(hoSignFile(_folder.path("large"), *_otherKey, hoSignatureLines::Both, nullptr, anothers).isOk());
+    const std::vector<std::function<void()>> changes = {
+        [&] { _folder.write("large.sig", anothers.asStdString()); },
+        [&] { std::ofstream(_folder.path("large.sig"), std::ios::app) << "more"; },
+        [&]
+        {
+            _folder.write("another", _signed["large.sig"]);
+            std::filesystem::rename(_folder.path("another"), _folder.path("large.sig"));
+        },
+        [&] { std::filesystem::remove(_folder.path("large.sig")); },
+    };
+    for (const std::function<void()>& change : changes)
+    {
+        _folder.write("large.sig", _signed["large.sig"]);
+        // By then the signature is read, and the document is not.
+        const tsSystemFault meanwhile(_folder.path(), "read", 4, change);
+        work(hoSigningJob::Kind::Test, _key);
+        ASSERT_TRUE(meanwhile.hasHappened());
+        ASSERT_EQ(_outcomes.size(), 2U);
+        EXPECT_TRUE(_outcomes[0]._signing.isOk());
+        EXPECT_EQ(_outcomes[0]._verdict._state, hoDocumentState::Changed);
+        EXPECT_EQ(_outcomes[1]._verdict._state, hoDocumentState::SignedByMe);
+    }
+}
+
+// Nobody has looked whose it is, and it is not overwritten, although signatures may be.
+TEST_F(WindowEngineFaults, WhatComesAfterTheCheckIsNotReplaced)
+{
+    resetSignatures("");
+    const tsSystemFault meanwhile(_folder.path(), "fsync", 1, [this] { _folder.write("large.sig", "precious"); });
+    work(hoSigningJob::Kind::Sign, _key);
+    ASSERT_TRUE(meanwhile.hasHappened());
+    ASSERT_EQ(_outcomes.size(), 2U);
+    EXPECT_EQ(_outcomes[0]._signatureFile._problem, hoSignatureFileProblem::Exists);
+    EXPECT_EQ(_folder.read("large.sig"), "precious");
+    EXPECT_EQ(_outcomes[1]._verdict._state, hoDocumentState::SignedByMe);
+}
+
 TEST_F(WindowEngineFaults, MissingMemoryLeavesAWholeSignatureOrTheOneBefore)
 {
     bool isThrown = false;
@@ -379,6 +461,26 @@ TEST_F(WindowEngineFaults, WithoutAThreadWorkIsNotBegun)
         EXPECT_THROW(hoNewKeyPair pair(512), std::system_error);
     }
     EXPECT_TRUE(contentsOf(_folder) == _signed);
+}
+
+TEST_F(WindowEngineFaults, FewerThreadsDoAsWell)
+{
+    resetSignatures("");
+    hoKeyRing keys;
+    keys._private._pKey = _key;
+    const tsSystemFault broken(_folder.path(), "thread", 2, EAGAIN);
+    hoSigningJob worker(hoSigningJob::Kind::Sign, _documents, keys, false, nullptr, hoSignatureLines::Both, 2);
+    EXPECT_TRUE(broken.hasHappened());
+    while (!worker.isFinished())
+    {
+        std::this_thread::yield();
+    }
+    const std::vector<hoSigningOutcome> outcomes = worker.takeOutcomes();
+    ASSERT_EQ(outcomes.size(), 2U);
+    for (const hoSigningOutcome& outcome : outcomes)
+    {
+        EXPECT_EQ(outcome._verdict._state, hoDocumentState::SignedByMe);
+    }
 }
 
 TEST_F(WindowEngineFaults, MissingMemoryLeavesTheListAsItWas)
@@ -555,11 +657,11 @@ TEST_F(WindowEngineFaults, LeaveWholeSettings)
     before.setText("name", "before");
     hoSettings after;
     after.setText("name", std::string(5000, 'a'));
-    int amount = 0;
+    std::map<std::string, int> met;
     for (const Fault& fault : faults)
     {
         bool isSaved = false;
-        amount += failEach(
+        met[fault._call] = failEach(
             _folder.path(), fault, [&] { ASSERT_TRUE(before.save(path)); }, [&] { isSaved = after.save(path); },
             [&]
             {
@@ -569,7 +671,7 @@ TEST_F(WindowEngineFaults, LeaveWholeSettings)
                 EXPECT_EQ(contentsOf(_folder).size(), 5U);
             });
     }
-    EXPECT_GT(amount, 8);
+    EXPECT_EQ(met, callsOfSettings);
     failEachAllocation([&] { ASSERT_TRUE(before.save(path)); }, [&] { after.save(path); },
                        [&](bool)
                        {
@@ -614,13 +716,13 @@ TEST_F(WindowEngineFaults, LeaveAWholeKeyOrTheOneBefore)
     ASSERT_TRUE(pair.isMade());
     ASSERT_EQ(pair.writePrivateKey(_folder.path("key.pem").c_str(), "", false)._problem, osWritingProblem::None);
     const std::string whole = _folder.read("key.pem");
-    int amount = 0;
     for (const std::string& before : {std::string(), std::string("old")})
     {
+        std::map<std::string, int> met;
         for (const Fault& fault : faults)
         {
             osWritingResult writing;
-            amount += failEach(
+            met[fault._call] = failEach(
                 _folder.path(), fault,
                 [&]
                 {
@@ -640,6 +742,64 @@ TEST_F(WindowEngineFaults, LeaveAWholeKeyOrTheOneBefore)
                     EXPECT_LE(contentsOf(_folder).size(), 5U);
                 });
         }
+        EXPECT_EQ(met, before.empty() ? callsOfAKey : callsOfAKeyAnew);
     }
-    EXPECT_GT(amount, 20);
+}
+
+namespace
+{
+// What the writing of a private key asks of the system.
+class KeyFileCalls : public testing::Test
+{
+protected:
+    KeyFileCalls() : _umask(::umask(0))
+    {
+        while (!_pair.isFinished())
+        {
+            std::this_thread::yield();
+        }
+    }
+    ~KeyFileCalls() override { ::umask(_umask); }
+
+    bool hasName() const { return std::filesystem::exists(_folder.path("keys/key.pem")); }
+    osWritingResult write(bool mayOverwrite) { return _pair.writePrivateKey(_path, "", mayOverwrite); }
+
+    const TemporaryFolder _folder;
+    const bool _isFolderMade = std::filesystem::create_directory(_folder.path("keys"));
+    const gtString _path = _folder.path("keys/key.pem");
+    hoNewKeyPair _pair{512};
+
+private:
+    const mode_t _umask;
+};
+}  // namespace
+
+TEST_F(KeyFileCalls, BringTheFileAndItsNameToTheDisk)
+{
+    for (const bool mayOverwrite : {false, true})
+    {
+        std::filesystem::remove(_folder.path("keys/key.pem"));
+        std::vector<bool> hadName;
+        hadName.reserve(10);
+        tsFault eachCall{"fsync", std::vector<long>(10, tsWorks)};
+        eachCall._folder = _folder.path();
+        eachCall._before = [&](const char*) { hadName.push_back(hasName()); };
+        const tsSystemFault watch(eachCall);
+        ASSERT_TRUE(write(mayOverwrite).isOk());
+        EXPECT_EQ(hadName, (std::vector<bool>{false, true})) << "the file, and then the folder with its name";
+    }
+}
+
+TEST_F(KeyFileCalls, GiveTheRightsFromTheBeginning)
+{
+    for (const bool mayOverwrite : {false, true})
+    {
+        rightsBefore = 0;
+        areRightsWanted = true;
+        const osWritingResult writing = write(mayOverwrite);
+        areRightsWanted = false;
+        ASSERT_TRUE(writing.isOk());
+        EXPECT_EQ(rightsBefore, 0600U);
+        EXPECT_EQ(std::filesystem::status(_folder.path("keys/key.pem")).permissions(), std::filesystem::perms(0600));
+    }
 }

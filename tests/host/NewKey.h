@@ -43,4 +43,14 @@ inline std::shared_ptr<const hoKey> newKey(int bits)
     return hoLoadKey(text.data(), static_cast<int>(text.size()), nullptr, facts);
 }
 
+// A public key of 64 bits, which is too small for files.
+inline std::shared_ptr<const hoKey> tinyKey()
+{
+    // A product of two primes, with the exponent 65537: SEQUENCE { n, e }.
+    const unsigned char der[] = {0x30, 0x10, 0x02, 0x09, 0x00, 0xFF, 0xFF, 0xFF, 0xEA,
+                                 0x00, 0x00, 0x00, 0x55, 0x02, 0x03, 0x01, 0x00, 0x01};
+    hoKeyFileFacts facts;
+    return hoLoadKey(reinterpret_cast<const char*>(der), sizeof der, nullptr, facts);
+}
+
 #endif

@@ -2,7 +2,12 @@
 // Several keys that are loaded at once.
 #include "tests/host/NewKey.h"
 
+#include "host/keys/hoHexText.h"
 #include "host/keys/hoKeyRing.h"
+#include "host/keys/hoPublicKey.h"
+
+#include <openssl/evp.h>
+#include <openssl/x509.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -109,4 +114,57 @@ TEST_F(KeyRing, TellsAnotherRing)
     other = _keys;
     other.addPublic(key("/lab.pem"));
     EXPECT_FALSE(hoIsSameRing(_keys, other)) << "its file holds another key by now";
+}
+
+// The same numbers, loaded twice: what was found with one was not found with the other.
+TEST_F(KeyRing, IsAnotherWithAnEqualKey)
+{
+    const std::string text = newKeyText(512);
+    const auto load = [&text]
+    {
+        hoKeyFileFacts facts;
+        return std::shared_ptr<const hoKey>(hoLoadKey(text.data(), static_cast<int>(text.size()), nullptr, facts));
+    };
+    _keys.addPublic(key("/lab.pem", load()));
+    hoKeyRing other;
+    other.addPublic(key("/lab.pem", load()));
+    ASSERT_TRUE(hoIsSamePair(*_keys._publics[0]._pKey, *other._publics[0]._pKey));
+    EXPECT_FALSE(hoIsSameRing(_keys, other));
+    other._publics[0]._pKey = _keys._publics[0]._pKey;
+    EXPECT_TRUE(hoIsSameRing(_keys, other));
+}
+
+TEST(PublicHalf, HasNothingOfThePrivateOne)
+{
+    const auto pKey = newKey(512);
+    const auto pHalf = pKey->publicHalf();
+    EXPECT_FALSE(pHalf->hasPrivateKey());
+    EXPECT_EQ(pHalf->libcryptoPrivateKey(), nullptr);
+    EXPECT_NE(pHalf->libcryptoPublicKey(), nullptr);
+    EXPECT_EQ(pHalf->bits(), 512);
+    EXPECT_TRUE(hoIsSamePair(*pKey, *pHalf));
+}
+
+TEST(PublicHalf, HasTheFingerprintOfItsDer)
+{
+    const auto pKey = newKey(512);
+    unsigned char* pDer = nullptr;
+    const int length = i2d_PUBKEY(pKey->libcryptoPublicKey(), &pDer);
+    ASSERT_GT(length, 0);
+    unsigned char digest[EVP_MAX_MD_SIZE] = {};
+    ASSERT_EQ(EVP_Digest(pDer, static_cast<std::size_t>(length), digest, nullptr, EVP_sha256(), nullptr), 1);
+    OPENSSL_free(pDer);
+    EXPECT_EQ(hoFingerprint(*pKey), hoHexText(digest, 32));
+    EXPECT_EQ(hoFingerprint(*pKey->publicHalf()), hoFingerprint(*pKey));
+}
+
+TEST_F(KeyRing, HasShortFingerprintsOfTheText)
+{
+    const auto pKey = newKey(512);
+    const crRSAEncryptionKey& half = pKey->publicKey();
+    const gtString text = hoFixedWidthText(half.productDigits(), half.amountOfProductDigits());
+    ASSERT_EQ(text.length(), 128);
+    unsigned char digest[EVP_MAX_MD_SIZE] = {};
+    ASSERT_EQ(EVP_Digest(text.asCharArray(), 128, digest, nullptr, EVP_sha256(), nullptr), 1);
+    EXPECT_EQ(hoShortFingerprint(*pKey), hoHexText(digest, 4));
 }

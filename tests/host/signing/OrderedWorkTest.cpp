@@ -8,6 +8,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <csignal>
+#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <sched.h>
@@ -96,6 +97,46 @@ TEST(OrderedWorkThreads, AreAllAtWorkAtATime)
         EXPECT_TRUE(work.waitForFirst());
         work.takeFirst();
     }
+}
+
+TEST(OrderedWorkThreads, AreNoMoreThanThePieces)
+{
+    const auto amountOfThreads = []
+    {
+        const std::filesystem::directory_iterator tasks("/proc/self/task");
+        return std::distance(begin(tasks), end(tasks));
+    };
+    const auto before = amountOfThreads();
+    Gate mayEnd;
+    {
+        hoOrderedWork work(2, 50, 2, [&](std::size_t) { mayEnd.wait(); });
+        EXPECT_LE(amountOfThreads(), before + 2);
+        mayEnd.open();
+        EXPECT_TRUE(work.waitForFirst());
+    }
+}
+
+TEST(OrderedWorkThreads, TellTheEndOnce)
+{
+    std::atomic<int> performed = 0;
+    std::atomic<int> performedAtTheEnd = 0;
+    std::atomic<int> ends = 0;
+    {
+        hoOrderedWork work(
+            8, 4, 8, [&](std::size_t) { ++performed; },
+            [&]
+            {
+                performedAtTheEnd = performed.load();
+                ++ends;
+            });
+        for (int piece = 0; piece < 8; ++piece)
+        {
+            EXPECT_TRUE(work.waitForFirst());
+            work.takeFirst();
+        }
+    }
+    EXPECT_EQ(ends, 1);
+    EXPECT_EQ(performedAtTheEnd, 8);
 }
 
 TEST(OrderedWorkThreads, BeginNothingThatThereIsNoRoomFor)

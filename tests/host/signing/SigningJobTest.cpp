@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 
 #include <fcntl.h>
@@ -247,6 +248,9 @@ TEST_F(DocumentWork, SignsWeaklyWhereAskedTo)
         std::this_thread::yield();
     }
     EXPECT_EQ(_folder.read("a.sig").size(), anOldSignature.size());
+    const std::vector<hoSigningOutcome> outcomes = work.takeOutcomes();
+    ASSERT_EQ(outcomes.size(), 1U);
+    EXPECT_EQ(outcomes[0]._verdict._state, hoDocumentState::Weak) << "whoever has signed it";
     perform(Kind::Test, ring(mine));
     EXPECT_EQ(state(0), hoDocumentState::Weak);
     EXPECT_FALSE(_list.refresh(0));
@@ -255,6 +259,56 @@ TEST_F(DocumentWork, SignsWeaklyWhereAskedTo)
     EXPECT_EQ(state(0), hoDocumentState::Changed);
     perform(Kind::Test, ring(mine));
     EXPECT_EQ(state(0), hoDocumentState::Bad);
+}
+
+TEST_F(DocumentWork, KeepsASignatureThatIsToBeKept)
+{
+    open("a", "some text");
+    open("b", "other text");
+    _folder.write("a.sig", anOldSignature);
+    _folder.write("b.sig", anOldSignature);
+    std::vector<hoDocument> documents = all();
+    documents[0]._isSignatureKept = true;
+    hoSigningJob work(Kind::Sign, documents, ring(mine), true);
+    while (!work.isFinished())
+    {
+        std::this_thread::yield();
+    }
+    const std::vector<hoSigningOutcome> outcomes = work.takeOutcomes();
+    ASSERT_EQ(outcomes.size(), 2U);
+    EXPECT_EQ(outcomes[0]._signatureFile._problem, hoSignatureFileProblem::Exists);
+    EXPECT_EQ(_folder.read("a.sig"), anOldSignature);
+    EXPECT_EQ(outcomes[1]._verdict._state, hoDocumentState::SignedByMe);
+}
+
+TEST_F(DocumentWork, TellsItsEnd)
+{
+    std::atomic<int> changes{0};
+    {
+        const hoSigningJob work(Kind::Test, {}, ring(mine), false, [&] { ++changes; });
+        while (!work.isFinished())
+        {
+            std::this_thread::yield();
+        }
+    }
+    EXPECT_EQ(changes, 1) << "of no document there is nothing else to tell";
+}
+
+TEST_F(DocumentWork, NeverHasMoreDoneThanThereIs)
+{
+    open("huge", "small");
+    std::filesystem::resize_file(_folder.path("huge"), 64ULL << 30);
+    ASSERT_EQ(_list[0]._facts._size, 5U) << "it has grown since the list looked at it";
+    hoSigningJob work(Kind::Sign, all(), ring(mine), false);
+    hoSigningJob::Progress progress = work.progress();
+    while (progress._bytesDone <= 5)
+    {
+        EXPECT_EQ(progress._bytesInAll, 5U);
+        std::this_thread::yield();
+        progress = work.progress();
+    }
+    EXPECT_EQ(progress._bytesInAll, progress._bytesDone);
+    work.cancel();
 }
 
 TEST_F(DocumentWork, GoesOnAfterADocumentThatCannotBeRead)

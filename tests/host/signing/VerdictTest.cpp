@@ -228,7 +228,7 @@ void addCountersignatures(std::vector<Sample>& samples)
     ofKind("WithTheOlderPadding", RSA_PKCS1_PADDING, EVP_sha256(), nullptr, 0);
 
     const auto line =
-        [&](const char* pName, Verdict verdict, Form form, std::function<std::string(const Materials&)> make)
+        [&](const char* pName, Verdict verdict, Form form, const std::function<std::string(const Materials&)>& make)
     { add(pName, verdict, form, [=](const Materials& all) { return all.weak + make(all); }); };
     const auto changed = [&](const char* pName, const char* pWhat, const char* pWith, Form form)
     {
@@ -512,4 +512,49 @@ TEST(Countersignatures, LoseTheirGoodVerdictWithAnyByte)
             expectNotGood(all.good.substr(0, i), i);
         }
     }
+}
+
+// Not the last one's: a key of another size knows less of it.
+TEST(NearestKey, GivesTheVerdict)
+{
+    const Materials& all = materials();
+    const std::string signature = all.sign(all.document, *all.pOtherKey, hoSignatureLines::DigestOnly);
+    const std::vector<std::vector<const hoKey*>> orders = {{all.pKey.get(), all.pLargeKey.get()},
+                                                           {all.pLargeKey.get(), all.pKey.get()}};
+    for (std::size_t order = 0; order < orders.size(); ++order)
+    {
+        const hoTestFacts facts = hoTestFile(all.document, orders[order], signature, nullptr);
+        EXPECT_EQ(facts._verdict, hoVerdict::AnotherKey) << order;
+        EXPECT_EQ(facts._key, order);
+        EXPECT_EQ(facts._keyBits, 1024);
+        EXPECT_EQ(facts._amountOfKeys, 2U);
+    }
+}
+
+TEST(SignatureText, OfNoSignatureIsEmpty)
+{
+    const Materials& all = materials();
+    EXPECT_EQ(hoParseSignature(all.good)._digits, 32);
+    for (const std::string& spoilt :
+         {all.weak + "countersignature: of another kind\n", all.good + "more", all.good.substr(0, all.good.size() - 1)})
+    {
+        const hoSignatureText text = hoParseSignature(spoilt);
+        EXPECT_FALSE(text.isSignature());
+        EXPECT_TRUE(text._digestLine.isEmpty()) << spoilt;
+        EXPECT_EQ(text._digits, 0);
+        EXPECT_TRUE(text._fingerprint.isEmpty());
+        EXPECT_TRUE(text._countersignature.empty());
+    }
+}
+
+TEST(TinyKeys, TestNothing)
+{
+    const Materials& all = materials();
+    const auto pTiny = tinyKey();
+    ASSERT_NE(pTiny, nullptr);
+    const hoTestFacts facts = hoTestFile(all.document, {pTiny.get()}, all.good, nullptr);
+    EXPECT_EQ(facts._problem, hoSigningProblem::KeyTooSmall);
+    EXPECT_EQ(facts._verdict, hoVerdict::NotTested);
+    // They keep no other key away.
+    EXPECT_EQ(hoTestFile(all.document, {pTiny.get(), all.pKey.get()}, all.good, nullptr)._verdict, hoVerdict::Good);
 }

@@ -129,6 +129,8 @@ TEST_F(NewKeyDialog, FreezesWhatIsAgreedAtCreate)
     EXPECT_TRUE(isFile("agreed.pem"));
     EXPECT_TRUE(isFile("agreed.pub.pem"));
     EXPECT_EQ(_folder.read("other.pem"), "stays");
+    const std::filesystem::directory_iterator entries(_folder.path());
+    EXPECT_EQ(std::distance(begin(entries), end(entries)), 4) << "what the folder was tried by is still there";
 }
 
 TEST_F(NewKeyDialog, CanBeCancelledByEscapeWhileItWorks)
