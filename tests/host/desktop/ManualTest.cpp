@@ -26,6 +26,18 @@ TEST(Manual, IsFoundInTheSources)
     EXPECT_EQ(hoManualPath(folder.path("build/release/bin/program")), manual);
 }
 
+TEST(Manual, IsTheNearest)
+{
+    const TemporaryFolder folder;
+    for (const char* pFolder : {"share/doc/countersign", "inner/share/doc/countersign"})
+    {
+        std::filesystem::create_directories(folder.path(pFolder));
+    }
+    folder.write("share/doc/countersign/manual.html", "far");
+    const std::string near = folder.write("inner/share/doc/countersign/manual.html", "near");
+    EXPECT_EQ(hoManualPath(folder.path("inner/bin/program")), near);
+}
+
 TEST(Manual, IsNowhere)
 {
     const TemporaryFolder folder;

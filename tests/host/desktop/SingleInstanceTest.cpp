@@ -10,11 +10,15 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <future>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
+
+// The last one: what it includes makes words of its own of "None" and others.
+#include <gdk/gdkx.h>
 
 namespace
 {
@@ -142,6 +146,19 @@ TEST_F(SingleInstance, ComesToTheFrontForALaterStartWithoutDocuments)
     EXPECT_EQ(startAnother({}), Outcome::HandedOver);
     tsRunUntil("it is called to the front", [&] { return activations == 1; });
     EXPECT_TRUE(MainFrame::openedPaths().empty());
+}
+
+// By which the window manager lets the window come to the front.
+TEST_F(SingleInstance, TakesTheStartupIdOfALaterStart)
+{
+    int activations = 0;
+    hoSingleInstance instance;
+    EXPECT_FALSE(instance.handOver({}, [&] { ++activations; }));
+    setenv("DESKTOP_STARTUP_ID", "of the later start_TIME1", 1);
+    EXPECT_EQ(startAnother({}), Outcome::HandedOver);
+    unsetenv("DESKTOP_STARTUP_ID");
+    tsRunUntil("it is called to the front", [&] { return activations == 1; });
+    EXPECT_STREQ(gdk_x11_display_get_startup_notification_id(gdk_display_get_default()), "of the later start_TIME1");
 }
 
 TEST_F(SingleInstance, HandsItsDocumentsToTheFirst)

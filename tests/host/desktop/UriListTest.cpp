@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <sys/utsname.h>
+
 namespace
 {
 using testing::ElementsAre;
@@ -54,4 +57,16 @@ TEST(UriList, PathsOfThisMachineAreTheSameForTheBus)
     EXPECT_EQ(hoPathOfUri("file://THISHOST/a", "thishost"), "/a");
     EXPECT_TRUE(hoPathOfUri("file://elsewhere/a", "thishost").isEmpty());
     EXPECT_FALSE(hoThisHost().isEmpty());
+}
+
+TEST(UriList, KnowsThisHost)
+{
+    struct utsname names = {};
+    ASSERT_EQ(uname(&names), 0);
+    // A shell's own idea of it does not count.
+    const char* const pBefore = std::getenv("HOSTNAME");
+    const std::string before = pBefore == nullptr ? "" : pBefore;
+    setenv("HOSTNAME", "elsewhere.invalid", 1);
+    EXPECT_EQ(hoThisHost(), names.nodename);
+    setenv("HOSTNAME", before.c_str(), 1);
 }

@@ -102,5 +102,14 @@ TEST(EndSignalsDeathTest, EndTheProcessAsIfNeverCaught)
             }
         };
         EXPECT_EXIT(receiveAndEnd(), testing::KilledBySignal(number), "");
+        // As in a thread that takes no signals.
+        const auto blockAndEnd = [number]
+        {
+            sigset_t all;
+            sigfillset(&all);
+            pthread_sigmask(SIG_SETMASK, &all, nullptr);
+            hoEndSignals::endBy(number);
+        };
+        EXPECT_EXIT(blockAndEnd(), testing::KilledBySignal(number), "");
     }
 }

@@ -5,6 +5,7 @@
 #include <gio/gio.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <functional>
@@ -195,6 +196,58 @@ TEST_F(SessionBusTest, ASecondStartWithoutDocumentsActivatesTheFirst)
     EXPECT_TRUE(runUntil([&] { return first.activations == 1; }));
 }
 
+TEST_F(SessionBusTest, ASecondStartHandsItsStartupIdOver)
+{
+    std::vector<std::string> seen;
+    hoSessionBus bus;
+    bus.setOnStartupId([&](const gtString& id) { seen.push_back("id " + id.asStdString()); });
+    ASSERT_EQ(bus.start(
+                  {}, [&](const std::vector<gtString>&) { seen.emplace_back("open"); },
+                  [&] { seen.emplace_back("activate"); }),
+              Outcome::First);
+    Requests second;
+    setenv("DESKTOP_STARTUP_ID", "by the desktop_TIME1", 1);
+    EXPECT_EQ(startAnother({"/a"}, second), Outcome::HandedOver);
+    EXPECT_TRUE(runUntil([&] { return !seen.empty() && seen.back() == "open"; }));
+    // A token is for the desktops of today.
+    setenv("XDG_ACTIVATION_TOKEN", "a token", 1);
+    EXPECT_EQ(startAnother({}, second), Outcome::HandedOver);
+    EXPECT_TRUE(runUntil([&] { return seen.back() == "activate"; }));
+    unsetenv("DESKTOP_STARTUP_ID");
+    unsetenv("XDG_ACTIVATION_TOKEN");
+    EXPECT_EQ(startAnother({"/b"}, second), Outcome::HandedOver);
+    EXPECT_TRUE(runUntil([&] { return seen.back() == "open"; }));
+    EXPECT_EQ(seen, (std::vector<std::string>{"id by the desktop_TIME1", "open", "id a token", "activate", "open"}));
+}
+
+// The first one may take its time over them: open a dialog, for one.
+TEST_F(SessionBusTest, ALaterStartHasItsAnswerBeforeItsDocumentsAreOpened)
+{
+    std::atomic<bool> isAnswered{false};
+    int opened = 0;
+    hoSessionBus bus;
+    ASSERT_EQ(bus.start(
+                  {},
+                  [&](const std::vector<gtString>&)
+                  {
+                      EXPECT_TRUE(waitUntil([&] { return isAnswered.load(); }));
+                      ++opened;
+                  },
+                  [] {}),
+              Outcome::First);
+    Requests second;
+    Outcome outcome = Outcome::NoBus;
+    meanwhile(
+        [&]
+        {
+            hoSessionBus other;
+            outcome = other.start({"/a"}, second.onOpen(), second.onActivate());
+            isAnswered = true;
+        });
+    EXPECT_EQ(outcome, Outcome::HandedOver);
+    EXPECT_EQ(opened, 1);
+}
+
 TEST_F(SessionBusTest, TheNameIsFreeAgainAfterTheFirstOneHasEnded)
 {
     Requests requests;
@@ -300,6 +353,103 @@ TEST_F(SessionBusTest, WhatNoMessageHoldsIsNotHandedOver)
     EXPECT_EQ(startAnother(paths, second), Outcome::NoBus);
     EXPECT_TRUE(first.opened.empty());
     EXPECT_TRUE(second.opened.empty());
+}
+
+namespace
+{
+// A bus on which somebody has the name and is gone when the documents come.
+class StagedBus
+{
+public:
+    StagedBus()
+    {
+        char* const pGuid = g_dbus_generate_guid();
+        _pServer =
+            g_dbus_server_new_sync("unix:tmpdir=/tmp", G_DBUS_SERVER_FLAGS_NONE, pGuid, nullptr, nullptr, nullptr);
+        g_free(pGuid);
+        g_signal_connect(_pServer, "new-connection", G_CALLBACK(&onConnection), this);
+        g_dbus_server_start(_pServer);
+        setenv("DBUS_SESSION_BUS_ADDRESS", g_dbus_server_get_client_address(_pServer), 1);
+    }
+    ~StagedBus()
+    {
+        if (_pConnection != nullptr)
+        {
+            g_dbus_connection_close_sync(_pConnection, nullptr, nullptr);
+            g_object_unref(_pConnection);
+        }
+        g_dbus_server_stop(_pServer);
+        g_object_unref(_pServer);
+        unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    }
+    StagedBus(const StagedBus&) = delete;
+    StagedBus& operator=(const StagedBus&) = delete;
+
+    int amountOfRequests() const { return _amountOfRequests; }
+    bool wasToActivate() const { return _wasToActivate; }
+
+private:
+    static gboolean onConnection(GDBusServer*, GDBusConnection* pConnection, gpointer pSelf)
+    {
+        static_cast<StagedBus*>(pSelf)->_pConnection = G_DBUS_CONNECTION(g_object_ref(pConnection));
+        g_dbus_connection_add_filter(pConnection, &onMessage, pSelf, nullptr);
+        return TRUE;
+    }
+
+    // On GLib's own thread.
+    static GDBusMessage* onMessage(GDBusConnection* pConnection, GDBusMessage* pMessage, gboolean isIncoming,
+                                   gpointer pSelf)
+    {
+        if (isIncoming == FALSE || g_dbus_message_get_message_type(pMessage) != G_DBUS_MESSAGE_TYPE_METHOD_CALL)
+        {
+            return pMessage;
+        }
+        StagedBus& self = *static_cast<StagedBus*>(pSelf);
+        const std::string member = g_dbus_message_get_member(pMessage);
+        GDBusMessage* pAnswer = nullptr;
+        if (member == "Hello")
+        {
+            pAnswer = g_dbus_message_new_method_reply(pMessage);
+            g_dbus_message_set_body(pAnswer, g_variant_new("(s)", ":1.1"));
+        }
+        else if (member == "RequestName")
+        {
+            pAnswer = g_dbus_message_new_method_reply(pMessage);
+            const guint32 exists = 3;
+            g_dbus_message_set_body(pAnswer, g_variant_new("(u)", exists));
+        }
+        else
+        {
+            const unsigned int flags = g_dbus_message_get_flags(pMessage);
+            self._wasToActivate = (flags & G_DBUS_MESSAGE_FLAGS_NO_AUTO_START) == 0;
+            ++self._amountOfRequests;
+            pAnswer = g_dbus_message_new_method_error_literal(pMessage, "org.freedesktop.DBus.Error.NameHasNoOwner",
+                                                              "it is gone");
+        }
+        g_dbus_connection_send_message(pConnection, pAnswer, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
+        g_object_unref(pAnswer);
+        g_object_unref(pMessage);
+        return nullptr;
+    }
+
+    GDBusServer* _pServer = nullptr;
+    GDBusConnection* _pConnection = nullptr;
+    std::atomic<int> _amountOfRequests{0};
+    std::atomic<bool> _wasToActivate{false};
+};
+}  // namespace
+
+// An owner that ends meanwhile is not started anew by the bus: this process opens its documents itself.
+TEST(StagedBusTest, ALaterStartActivatesNoService)
+{
+    for (const std::vector<gtString>& paths : {std::vector<gtString>{"/a"}, std::vector<gtString>()})
+    {
+        const StagedBus staged;
+        Requests requests;
+        EXPECT_EQ(startAnother(paths, requests), Outcome::NoBus);
+        EXPECT_EQ(staged.amountOfRequests(), 2) << "the name may be free the second time";
+        EXPECT_FALSE(staged.wasToActivate());
+    }
 }
 
 TEST(NoSessionBusTest, WithoutABusTheApplicationIsAlone)

@@ -109,6 +109,7 @@ TEST_F(DocumentList, KeepsADocumentWhoseFileWentAway)
     EXPECT_EQ(_list.open(_folder.path("a").c_str())._result._problem, osFileProblem::NotThere);
     EXPECT_EQ(_list.size(), 1U);
     EXPECT_EQ(_list[0]._facts._size, 5U);
+    EXPECT_EQ(_list[0]._verdict._state, hoDocumentState::NotSigned) << "it stays as it is until it is looked at";
 }
 
 TEST_F(DocumentList, TakesAnyName)
@@ -157,6 +158,54 @@ TEST_F(DocumentList, SortsByEveryColumn)
     EXPECT_EQ(_list.find(_folder.path("x/A.txt").c_str()), 3U);
 }
 
+TEST_F(DocumentList, SortsByStateAndTime)
+{
+    // All of one size and, but for a part of a second, of one time.
+    const std::vector<std::string> names = {"a", "b", "c", "d"};
+    const std::vector<long> nanoseconds = {300, 100, 400, 200};
+    const std::vector<hoDocumentState> states = {hoDocumentState::Good, hoDocumentState::Bad, hoDocumentState::Good,
+                                                 hoDocumentState::Good};
+    const std::vector<const char*> keys = {"office", "", "lab", "lab"};
+    for (std::size_t i = 0; i < names.size(); ++i)
+    {
+        const std::string path = _folder.write(names[i], "x");
+        const struct timespec times[2] = {{1000, nanoseconds[i]}, {1000, nanoseconds[i]}};
+        ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+        ASSERT_TRUE(_list.open(path.c_str())._isNew);
+        hoDocumentVerdict verdict;
+        verdict._state = states[i];
+        verdict._file = _list[i]._facts;
+        verdict._keyName = keys[i];
+        _list.setVerdict(path.c_str(), verdict);
+        ASSERT_EQ(_list[i]._verdict._state, states[i]);
+    }
+    _list.sort(Column::Modified, true);
+    EXPECT_THAT(namesOf(_list), ElementsAre("b", "d", "a", "c"));
+    _list.sort(Column::State, true);
+    EXPECT_THAT(namesOf(_list), ElementsAre("c", "d", "a", "b"));
+    _list.sort(Column::State, false);
+    EXPECT_THAT(namesOf(_list), ElementsAre("b", "a", "d", "c"));
+}
+
+TEST_F(DocumentList, ForgetsWhatAKeyHasFound)
+{
+    openNew("gone");
+    openNew("good");
+    hoDocumentVerdict verdict;
+    verdict._state = hoDocumentState::Good;
+    verdict._file = _list[1]._facts;
+    verdict._keyName = "lab";
+    _list.setVerdict(_list[1]._path, verdict);
+    ASSERT_EQ(_list[1]._verdict._state, hoDocumentState::Good);
+    std::filesystem::remove(_folder.path("gone"));
+    ASSERT_TRUE(_list.refresh(0));
+    ASSERT_EQ(_list[0]._verdict._state, hoDocumentState::Missing);
+    _list.forgetStates();
+    EXPECT_EQ(_list[0]._verdict._state, hoDocumentState::Missing) << "whichever key is used";
+    EXPECT_EQ(_list[1]._verdict._state, hoDocumentState::NotSigned);
+    EXPECT_TRUE(_list[1]._verdict._keyName.isEmpty());
+}
+
 TEST_F(DocumentList, HoldsTenThousandDocuments)
 {
     const int amount = 10000;
@@ -173,8 +222,9 @@ TEST_F(DocumentList, HoldsTenThousandDocuments)
 
 TEST_F(DocumentList, OrdersNumbersInNamesByTheirValues)
 {
-    const std::vector<std::string> ordered = {"file", "file-1", "File-2", "file-02b", "file-10", "file-100", "file-a"};
-    for (const std::size_t i : {4U, 2U, 1U, 3U, 5U, 0U, 6U})
+    const std::vector<std::string> ordered = {"file",      "file-1",  "File-2",   "file-02b",
+                                              "file-0003", "file-10", "file-100", "file-a"};
+    for (const std::size_t i : {5U, 2U, 1U, 4U, 3U, 6U, 0U, 7U})
     {
         openNew(ordered[i]);
     }

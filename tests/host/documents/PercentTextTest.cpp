@@ -19,6 +19,8 @@ TEST(PercentText, ComesBackForEveryByte)
         EXPECT_TRUE(byte > ' ' && byte < 0x7f && byte != '=');
     }
     EXPECT_EQ(hoToPercentText("/a b~"), "/a%20b~");
+    EXPECT_EQ(hoToPercentText("\xff=\n"), "%FF%3D%0A");
+    EXPECT_EQ(hoFromPercentText("%ff%3d"), "\xff=");
     EXPECT_EQ(hoFromPercentText("%"), "%");
     EXPECT_EQ(hoFromPercentText("%4"), "%4");
     EXPECT_EQ(hoFromPercentText("%4g%2F"), "%4g/");

@@ -47,6 +47,26 @@ TEST(Preferences, AreTheUsualOnesWhereTheSettingsMakeNoSense)
     expectSame(hoPreferences::from(settings), usual);
 }
 
+TEST(Preferences, TakeWhatLiesInTheirRanges)
+{
+    hoSettings settings;
+    for (const auto& [points, taken] : {std::pair(5, 0), {6, 6}, {48, 48}, {49, 0}, {-6, 0}})
+    {
+        settings.setNumber("textPoints", points);
+        EXPECT_EQ(hoPreferences::from(settings)._textPoints, taken) << points;
+    }
+    for (const auto& [jobs, taken] : {std::pair(0, 0), {1, 1}, {256, 256}, {257, 0}, {-1, 0}})
+    {
+        settings.setNumber("jobs", jobs);
+        EXPECT_EQ(hoPreferences::from(settings)._jobs, taken) << jobs;
+    }
+    for (const int choice : {0, 1, 2})
+    {
+        settings.setNumber("signedDocuments", choice);
+        EXPECT_EQ(static_cast<int>(hoPreferences::from(settings)._signedDocuments), choice);
+    }
+}
+
 TEST(Settings, AreTakenAwayByTheBeginningsOfTheirNames)
 {
     hoSettings settings;

@@ -27,8 +27,9 @@ TEST(RecentDocuments, HaveTheNewestFirstAndEachOnce)
         recent.add(path);
     }
     EXPECT_THAT(plain(recent), testing::ElementsAre("/b", "/c", "/a"));
-    recent.remove("/c");
-    recent.remove("/nothing");
+    EXPECT_TRUE(recent.remove("/c"));
+    EXPECT_FALSE(recent.remove("/c"));
+    EXPECT_FALSE(recent.remove("/nothing"));
     EXPECT_THAT(plain(recent), testing::ElementsAre("/b", "/a"));
     recent.add(recent.paths()[1]);
     EXPECT_THAT(plain(recent), testing::ElementsAre("/a", "/b"));

@@ -6,13 +6,67 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <optional>
+
 #include <sys/stat.h>
 
 namespace
 {
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+// Where the settings are with these variables; null: it is not set.
+gtString settingsPath(const char* pConfigHome, const char* pHome)
+{
+    std::vector<std::pair<const char*, std::optional<std::string>>> before;
+    const auto set = [](const char* pName, const char* pValue)
+    {
+        if (pValue == nullptr)
+        {
+            unsetenv(pName);
+        }
+        else
+        {
+            setenv(pName, pValue, 1);
+        }
+    };
+    for (const auto& [pName, pValue] : {std::pair("XDG_CONFIG_HOME", pConfigHome), std::pair("HOME", pHome)})
+    {
+        const char* const pOld = std::getenv(pName);
+        before.emplace_back(pName, pOld == nullptr ? std::nullopt : std::optional<std::string>(pOld));
+        set(pName, pValue);
+    }
+    gtString path = hoUserSettingsPath();
+    for (const auto& [pName, value] : before)
+    {
+        set(pName, value.has_value() ? value->c_str() : nullptr);
+    }
+    return path;
+}
 }  // namespace
+
+TEST(SettingsPath, IsInTheFolderForThem)
+{
+    EXPECT_EQ(settingsPath("/config of mine", "/home/me"), "/config of mine/countersign/settings");
+    EXPECT_EQ(settingsPath("/config", nullptr), "/config/countersign/settings");
+    EXPECT_EQ(settingsPath(nullptr, "/home/me"), "/home/me/.config/countersign/settings");
+}
+
+TEST(SettingsPath, IsInTheHomeFolderWhereNoAbsoluteOneIsSaid)
+{
+    for (const char* pFolder : {"", "config", "./config", "~/config"})
+    {
+        EXPECT_EQ(settingsPath(pFolder, "/home/me"), "/home/me/.config/countersign/settings") << pFolder;
+    }
+}
+
+TEST(SettingsPath, IsNoneWithoutAHomeFolder)
+{
+    EXPECT_TRUE(settingsPath(nullptr, nullptr).isEmpty());
+    EXPECT_TRUE(settingsPath("config", "").isEmpty());
+    EXPECT_TRUE(settingsPath("", "home").isEmpty());
+}
 
 TEST(Settings, ComeBackFromTheFile)
 {
@@ -64,6 +118,24 @@ TEST(Settings, AShorterListLeavesNothingBehind)
     EXPECT_THAT(settings.texts("recent"), ElementsAre("d"));
     settings.setTexts("recent", {});
     EXPECT_THAT(settings.texts("recent"), IsEmpty());
+}
+
+// More than nine, whose names are in another order than their numbers.
+TEST(Settings, ListsKeepTheirOrder)
+{
+    const TemporaryFolder folder;
+    std::vector<gtString> values;
+    for (int i = 0; i < 12; ++i)
+    {
+        values.emplace_back("/document " + std::to_string(i));
+    }
+    hoSettings settings;
+    settings.setTexts("recent", values);
+    settings.setText("recent.14", "behind a gap");
+    settings.setText("recent.of", "no number");
+    ASSERT_TRUE(settings.save(folder.path("settings")));
+    ASSERT_TRUE(settings.load(folder.path("settings")));
+    EXPECT_EQ(settings.texts("recent"), values);
 }
 
 TEST(Settings, AnUnreadableFileIsNoError)

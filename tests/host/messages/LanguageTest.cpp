@@ -35,6 +35,7 @@ TEST(FilledText, PutsValuesInTheirPlaces)
 {
     EXPECT_EQ(hoFilledText("%s of %s", {"1", "2"}), "1 of 2");
     EXPECT_EQ(hoFilledText("%2$s, %1$s", {"1", "2"}), "2, 1");
+    EXPECT_EQ(hoFilledText("%3$s, %s, %1$s, %s", {"1", "2", "3"}), "3, 1, 1, 2");
     EXPECT_EQ(hoFilledText("100 %% of %s", {"it"}), "100 % of it");
     // What stands in a value is no place.
     EXPECT_EQ(hoFilledText("%s %s", {"%s", "%1$s"}), "%s %1$s");
@@ -68,12 +69,15 @@ TEST_F(Language, TranslatesWholeSentences)
     // What scripts read stays as it is.
     EXPECT_EQ(hoVerdictText(hoVerdict::Good), "good");
     EXPECT_EQ(hoAmountText(2, "file", "files"), "2 files");
+    EXPECT_EQ(hoPrivateEncryptionWarning(),
+              "everybody with the public key can read what is encrypted with the private one");
 }
 
 TEST_F(Language, HasMarksOfItsOwnInNumbers)
 {
     use({".", ",", "\3"});
     EXPECT_EQ(hoNumberText(1234567), "1.234.567");
+    EXPECT_EQ(hoAmountText(1234567, "file", "files"), "1,234,567 files") << "as scripts read it";
     EXPECT_EQ(hoSizeText(1234), "<1,23 kB>");
     use({"'", ".", "\3\2"});
     EXPECT_EQ(hoNumberText(123456789), "12'34'56'789");

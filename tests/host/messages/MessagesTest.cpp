@@ -102,6 +102,28 @@ TEST(Messages, TellTextProblemsApart)
     }
     EXPECT_EQ(hoEncryptionReason(hoTextProblem::TooLong, pKey->publicKey(), 64),
               "the text has 64 bytes, and a key of 512 bits takes 63 at most");
+    EXPECT_EQ(hoEncryptionReason(hoTextProblem::TooLong, pKey->publicKey(), 126),
+              "the text has 126 bytes, and a key of 512 bits takes 63 at most");
+    // Nobody has read on.
+    EXPECT_EQ(hoEncryptionReason(hoTextProblem::TooLong, pKey->publicKey(), 127),
+              "the text has 127 bytes or more, and a key of 512 bits takes 63 at most");
+}
+
+TEST(Messages, TellWhoseASignatureIs)
+{
+    hoTestFacts facts;
+    facts._verdict = hoVerdict::Good;
+    EXPECT_TRUE(hoVerdictReason(facts).isEmpty());
+    facts._verdict = hoVerdict::AnotherKey;
+    facts._amountOfKeys = 1;
+    facts._keyFingerprint = "aaaaaaaa";
+    EXPECT_EQ(hoVerdictReason(facts), "the signature was made with another key, or is damaged");
+    facts._fingerprint = "aaaaaaaa";
+    EXPECT_EQ(hoVerdictReason(facts), "the signature was made with another key, or is damaged");
+    facts._fingerprint = "bbbbbbbb";
+    EXPECT_EQ(hoVerdictReason(facts), "the signature was made with the key bbbbbbbb, and the one given is aaaaaaaa");
+    facts._amountOfKeys = 2;
+    EXPECT_EQ(hoVerdictReason(facts), "the signature was made with the key bbbbbbbb, which is none of those given");
 }
 
 TEST(Messages, NameEveryState)
