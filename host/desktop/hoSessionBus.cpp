@@ -67,20 +67,19 @@ gtString uriOfPath(const gtString& path)
 }
 
 // What the desktop said about the start, so that the window that answers may come to the front.
-GVariant* platformData()
+GVariant* platformData(const gtString& startupId)
 {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE("a{sv}"));
-    const auto add = [&builder](const char* pVariable, const char* pKey)
+    const auto add = [&builder](const char* pValue, const char* pKey)
     {
-        const char* const pValue = std::getenv(pVariable);
         if (pValue != nullptr && g_utf8_validate(pValue, -1, nullptr) != FALSE)
         {
             g_variant_builder_add(&builder, "{sv}", pKey, g_variant_new_string(pValue));
         }
     };
-    add("XDG_ACTIVATION_TOKEN", ACTIVATION_KEY);
-    add("DESKTOP_STARTUP_ID", STARTUP_KEY);
+    add(std::getenv("XDG_ACTIVATION_TOKEN"), ACTIVATION_KEY);
+    add(startupId.isEmpty() ? std::getenv("DESKTOP_STARTUP_ID") : startupId.asCharArray(), STARTUP_KEY);
     g_variant_builder_add(&builder, "{sv}", DEADLINE_KEY,
                           g_variant_new_int64(g_get_monotonic_time() + ACCEPTANCE_MICROSECONDS));
     return g_variant_builder_end(&builder);
@@ -186,12 +185,12 @@ public:
     }
 
     // False when the owner is gone or does not answer in time; "isSlow" tells the second.
-    bool handOver(const std::vector<gtString>& paths, bool& isSlow)
+    bool handOver(const std::vector<gtString>& paths, const gtString& startupId, bool& isSlow)
     {
         GVariant* pArguments = nullptr;
         if (paths.empty())
         {
-            pArguments = g_variant_new("(@a{sv})", platformData());
+            pArguments = g_variant_new("(@a{sv})", platformData(startupId));
         }
         else
         {
@@ -201,7 +200,7 @@ public:
             {
                 g_variant_builder_add(&uris, "s", uriOfPath(path).asCharArray());
             }
-            pArguments = g_variant_new("(as@a{sv})", &uris, platformData());
+            pArguments = g_variant_new("(as@a{sv})", &uris, platformData(startupId));
         }
         GError* pError = nullptr;
         GVariant* pAnswer = g_dbus_connection_call_sync(
@@ -293,7 +292,7 @@ hoSessionBus::Outcome hoSessionBus::start(const std::vector<gtString>& paths, Op
         {
             return Outcome::First;
         }
-        if (taken && _pConnection->handOver(paths, isSlow))
+        if (taken && _pConnection->handOver(paths, _startupId, isSlow))
         {
             _pConnection.reset();
             return Outcome::HandedOver;

@@ -39,6 +39,10 @@ public:
     // what the window may come to the front: an activation token, or a startup id. To be set before start().
     void setOnStartupId(StartupIdFunction onStartupId) { _onStartupId = std::move(onStartupId); }
 
+    // What the desktop said about this start, for the window that answers; without it, what the environment says
+    // (DESKTOP_STARTUP_ID). To be set before start().
+    void setStartupId(const gtString& id) { _startupId = id; }
+
     // Claims the name. Where another process has it, that one is asked to open the paths, or to come to the front if
     // there are none; relative paths are taken from the current folder. Blocks until the bus has answered:
     // some seconds at the most where it and the owner of the name work, half a minute where neither answers any more,
@@ -61,6 +65,7 @@ public:
 private:
     class Connection;
     StartupIdFunction _onStartupId;
+    gtString _startupId;
     std::unique_ptr<Connection> _pConnection;
 };
 

@@ -17,5 +17,6 @@ bool hoSingleInstance::handOver(const std::vector<gtString>& documents, std::fun
         }
     };
     _bus.setOnStartupId([](const gtString& id) { gtTakeStartupId(id); });
+    _bus.setStartupId(gtStartupId());
     return _bus.start(documents, onOpen, std::move(onActivate)) == hoSessionBus::Outcome::HandedOver;
 }

@@ -42,8 +42,26 @@ void gtTakeStartupId(const gtString& id)
 #endif
 }
 
+gtString gtStartupId()
+{
+    const char* pId = nullptr;
+#ifdef GDK_WINDOWING_X11
+    GdkDisplay* const pDisplay = gdk_display_get_default();
+    if (GDK_IS_X11_DISPLAY(pDisplay))
+    {
+        pId = gdk_x11_display_get_startup_notification_id(pDisplay);
+    }
+#endif
+    return pId == nullptr ? gtString() : gtString(pId);
+}
+
 #else
 
 void gtTakeStartupId(const gtString& /*id*/) {}
+
+gtString gtStartupId()
+{
+    return gtString();
+}
 
 #endif

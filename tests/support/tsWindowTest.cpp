@@ -36,6 +36,12 @@ const int pauseAfterDoubleClick = 5000;  // milliseconds
 // The window manager tells everybody which window is active a moment after that one has got the keyboard.
 bool isActiveForEverybody(const wxTopLevelWindow& window)
 {
+    // Other systems than X11 tell nobody.
+    GdkDisplay* const pDisplay = gtk_widget_get_display(window.GetHandle());
+    if (std::string(G_OBJECT_TYPE_NAME(pDisplay)) != "GdkX11Display")
+    {
+        return true;
+    }
     GdkWindow* const pWindow = gtk_widget_get_window(window.GetHandle());
     G_GNUC_BEGIN_IGNORE_DEPRECATIONS
     GdkWindow* const pActive = gdk_screen_get_active_window(gtk_widget_get_screen(window.GetHandle()));
