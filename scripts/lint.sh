@@ -184,30 +184,24 @@ done
 mapfile -t tidied < <(printf '%s\n' "${tidied[@]}" | sed '/^$/d' | sort -u)
 
 runClangTidy() {
-    local build=build/lint commands output targets=() known=() unknown=() file arguments
+    local build=build/lint headers known=() unknown=() file arguments
     arguments=(-DCOUNTERSIGN_BUILD_TESTS=ON -DCOUNTERSIGN_BUILD_FUZZERS=ON
         -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++)
     if pkg-config --exists benchmark libtommath x11; then
         arguments+=(-DCOUNTERSIGN_BUILD_BENCHMARKS=ON)
     fi
     step "configuring ($build)" cmake --preset release -B "$build" "${arguments[@]}"
-    # A line for each source: the file and the object that it becomes.
-    commands=$(sed -n 's/\\"//g; s/^ *"command": ".* -o \(.*\) -c \(.*\)",$/\2\t\1/p' "$build/compile_commands.json")
     for file; do
-        if output=$(grep -m 1 -F -- "$root/$file"$'\t' <<<"$commands"); then
+        if grep -qF -- "\"file\": \"$root/$file\"" "$build/compile_commands.json"; then
             known+=("$file")
-            output=${output#*$'\t'}
-            output=${output%%.dir/*}
-            # Ninja's name for what has to be there before a target's sources are compiled: generated headers.
-            targets+=("cmake_object_order_depends_target_${output##*/}")
         else
             unknown+=("$file")
         fi
     done
     [ "${#unknown[@]}" -eq 0 ] || say "no build compiles these, so clang-tidy leaves them out: ${unknown[*]}"
     [ "${#known[@]}" -gt 0 ] || return 0
-    mapfile -t targets < <(printf '%s\n' "${targets[@]}" | sort -u)
-    step "building generated headers ($build)" ninja -C "$build" "${targets[@]}"
+    mapfile -t headers < <(ninja -C "$build" -t targets all | sed -n 's/^\([^/].*\.h\): CUSTOM_COMMAND$/\1/p')
+    [ "${#headers[@]}" -eq 0 ] || step "building generated headers ($build)" ninja -C "$build" "${headers[@]}"
     printf '%s\0' "${known[@]}" | xargs -0 -P "$(nproc)" -n 1 "$tidy" --quiet -p "$build" 2>"$build/tidy.log"
 }
 if [ -n "$tidy" ] && ! command -v clang++ >/dev/null 2>&1; then
