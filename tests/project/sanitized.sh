@@ -4,8 +4,9 @@
 #
 #   sanitized.sh asan|tsan SOURCE-FOLDER
 #
-# asan: everything, windows too. tsan: what has threads. Tests with windows run as one process a program, with one display
-# for all of its tests. For asan the compiler is clang where it is there with its sanitizers, as the other tests are gcc's;
+# asan: everything, windows too; tests without windows run as one process a suite, as a sanitized program takes long to
+# start. tsan: what has threads. Tests with windows run as one process a program, with one display for all of its tests.
+# For asan the compiler is clang where it is there with its sanitizers, as the other tests are gcc's;
 # its thread sanitizer does not let tests bring an operator new of their own.
 set -u
 preset=$1 source=$2
@@ -45,15 +46,37 @@ if ! cmake --fresh --preset "$preset" -B "$build" -DCOUNTERSIGN_WITH_TOOLKIT=ON 
 fi
 
 status=0
-# The project's scripts are the same in every build.
-ctest --test-dir "$build" --output-on-failure --no-tests=error -LE '^(window|project)$' "${tests[@]}" -j "$(nproc)" || status=1
-
-# Of the session bus a process sees one; the program itself is started by a script.
-singly='SessionBus|NotificationWindow|TaskbarWindow|host\.program'
-if [ "$preset" = asan ]; then
-    ctest --test-dir "$build" --output-on-failure --no-tests=error -L '^window$' -R "$singly" -j "$(nproc)" || status=1
+if [ "$preset" = tsan ]; then
+    ctest --test-dir "$build" --output-on-failure --no-tests=error -LE '^(window|project)$' "${tests[@]}" -j "$(nproc)" || status=1
 fi
-programs=$(ctest --test-dir "$build" -N -V -L '^window$' -E "$singly" | sed -n 's/.*Test command: \([^ ]*\).*/\1/p' | sort -u)
+# The programs of the tests that ctest's arguments choose.
+programsOf() {
+    ctest --test-dir "$build" -N -V "$@" | sed -n 's/.*Test command: \([^ ]*\).*/\1/p' | sort -u
+}
+runSuite() {
+    local program=$1 suite=$2 log
+    log=$program.$(tr / _ <<<"$suite").log
+    if ! timeout --kill-after=30 1800 "$program" --gtest_filter="$suite*" >"$log" 2>&1 </dev/null ||
+        grep -q '^\[=*\] 0 tests' "$log"; then
+        echo "FAILED: $program $suite"
+        cat "$log"
+        return 1
+    fi
+    echo "passed: ${program##*/} $suite"
+}
+export -f runSuite
+# Of the session bus a process sees one; the program itself is started by a script.
+singly='SessionBus|NotificationWindow|Taskbar|host\.program|host\.wayland'
+if [ "$preset" = asan ]; then
+    ctest --test-dir "$build" --output-on-failure --no-tests=error -LE '^project$' -R "$singly" -j "$(nproc)" || status=1
+    # The project's scripts are the same in every build.
+    suites=$(programsOf -LE '^(window|project)$' -E "$singly" | while read -r program; do
+        found=$("$program" --gtest_list_tests | sed -n 's/^\([^ ]*\.\)\( *#.*\)\{0,1\}$/\1/p' | grep -vE "$singly")
+        printf '%s\n' "${found:-$program has no tests}" | sed "s|^|$program |"
+    done)
+    xargs -r -L 1 -P "$(nproc)" bash -c 'runSuite "$0" "$1"' <<<"$suites" || status=1
+fi
+programs=$(programsOf -L '^window$' -E "$singly")
 [ -n "$programs" ] || status=1
 
 # Moments of the windows' end are tried often enough without sanitizers.
