@@ -8,6 +8,8 @@
 # run meanwhile. COUNTERSIGN_BENCHMARK_REPETITIONS sets how often each figure is taken (3).
 # COUNTERSIGN_BENCHMARK_FILTER chooses by a regular expression of names, <operation>/<size>/<who>.
 # COUNTERSIGN_BENCHMARK_WITHOUT_AVX512=yes measures bigdigits alone as on a processor that has AVX2 and no AVX-512.
+# COUNTERSIGN_BENCHMARK_INSTRUCTIONS=yes prints how many instructions bigdigits and its peers take instead, for the names
+# that COUNTERSIGN_BENCHMARK_FILTER finds (by default those of docs/performance.md); nothing else need rest.
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
@@ -21,6 +23,8 @@ if [ -n "${COUNTERSIGN_BENCHMARK_WITHOUT_AVX512:-}" ]; then
     # The same for libcrypto: without AVX-512 F, DQ, IFMA, CD, BW and VL.
     export OPENSSL_ia32cap=:~0xD0230000
     set -- bigdigits
+    rooms=(bigdigits)
+elif [ -n "${COUNTERSIGN_BENCHMARK_INSTRUCTIONS:-}" ]; then
     rooms=(bigdigits)
 elif [ "${#rooms[@]}" -eq 0 ]; then
     rooms=(bigdigits crypto signing cli platform host)
@@ -41,6 +45,10 @@ step "configuring (${build#"$root/"})" cmake -S "$root" -B "$build" -G Ninja -DC
     -DCOUNTERSIGN_BUILD_CLI=ON "${cache[@]}"
 step "building (${build#"$root/"})" cmake --build "$build" "${targets[@]}"
 
+if [ -n "${COUNTERSIGN_BENCHMARK_INSTRUCTIONS:-}" ]; then
+    names='(mpMultiply/(64|128)|mpSquare/(32|64)|mpDivide/64) digits/(ours|GMP)|64 bits/(1024|2048|4096) bits/(ours|OpenSSL)'
+    exec "$build/bin/benchmark_bigdigits" "--count-instructions=${COUNTERSIGN_BENCHMARK_FILTER:-$names}"
+fi
 files=()
 for room in "${rooms[@]}"; do
     say "measuring $room (some minutes)"

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The multiple-precision module beside OpenSSL, GMP, libtommath and a plain transcription of its own algorithms.
-// Names are <operation>/<size>/<who>; "ours" is the module.
+// Names are <operation>/<size>/<who>; "ours" is the module. With --count-instructions=REGEX the operations whose
+// names the regular expression finds are not measured: what they take in instructions is printed.
+#include "instructions.h"
 #include "plain.h"
 
 #include <benchmark/benchmark.h>
@@ -13,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <random>
+#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -92,13 +95,14 @@ struct Operands
         }
     }
 
-    void useExponent(mpDigit exponent)
+    void useExponent(uint64_t exponent)
     {
         e.assign(n, 0);
-        e[0] = exponent;
-        mpz_set_ui(gmp[1], exponent);
+        e[0] = static_cast<mpDigit>(exponent);
+        e[1] = static_cast<mpDigit>(exponent >> 32);
+        mpz_import(gmp[1], 1, -1, sizeof exponent, 0, 0, &exponent);
         BN_set_word(bn[1], exponent);
-        mp_set_ul(&tom[1], exponent);
+        mp_set_u64(&tom[1], exponent);
     }
 
     // What the peer has found must be what the module has found.
@@ -120,9 +124,22 @@ struct Operands
     mp_int tom[4], tomResult, tomOther;
 };
 
+struct Operation
+{
+    std::string _name;
+    std::function<void()> _run;
+};
+
+std::vector<Operation>& operations()
+{
+    static std::vector<Operation> all;
+    return all;
+}
+
 // The time that counts is the processor's, which other programs disturb less; with more than one thread, the clock's.
 benchmark::internal::Benchmark* add(const std::string& name, const std::function<void()>& operation)
 {
+    operations().push_back({name, operation});
     return benchmark::RegisterBenchmark(name.c_str(),
                                         [operation](benchmark::State& state)
                                         {
@@ -135,15 +152,28 @@ benchmark::internal::Benchmark* add(const std::string& name, const std::function
 
 using Shared = std::shared_ptr<Operands>;
 
-void addModExp(uint32_t bits, bool isFull)
+enum class Exponent
+{
+    Full,
+    Of64Bits,  // long enough for the steps to outweigh what stands around them, short enough to be stepped through
+    F4
+};
+
+void addModExp(uint32_t bits, Exponent exponent)
 {
     const Shared a = std::make_shared<Operands>(bits / 32);
-    if (!isFull)
+    std::string kind = "full exponent";
+    if (exponent == Exponent::F4)
     {
+        kind = "exponent 65537";
         a->useExponent(65537);
     }
-    const std::string name = std::string("mpModExp, ") + (isFull ? "full exponent" : "exponent 65537") + "/" +
-                             std::to_string(bits) + " bits/";
+    else if (exponent == Exponent::Of64Bits)
+    {
+        kind = "exponent of 64 bits";
+        a->useExponent(0xB5C0FBCFEC4D3B2FU);
+    }
+    const std::string name = "mpModExp, " + kind + "/" + std::to_string(bits) + " bits/";
     mpModExp(a->y.data(), a->x.data(), a->e.data(), a->m.data(), a->n);
     mpz_powm(a->gmpResult, a->gmp[0], a->gmp[1], a->gmp[2]);
     a->compareWithGmp(a->y);
@@ -252,17 +282,36 @@ void addThreads()
         ->UseRealTime();
 }
 
+void countInstructions(const std::string& names)
+{
+    const std::regex wanted(names);
+    for (const Operation& operation : operations())
+    {
+        if (std::regex_search(operation._name, wanted))
+        {
+            std::printf("%s %llu\n", operation._name.c_str(),
+                        static_cast<unsigned long long>(instructionsOf(operation._run)));
+            Operands::check(std::fflush(stdout) == 0);
+        }
+    }
+}
 }  // namespace
 
-int main(int argc, char** argv)
+int main(int argc, char** argv)  // NOLINT(bugprone-exception-escape): a wrong regular expression ends the program
 {
-    for (const uint32_t bits : {512U, 1024U, 2048U, 4096U, 8192U})
+    const std::string countOption = "--count-instructions=";
+    const bool isCounting = argc == 2 && std::string(argv[1]).compare(0, countOption.size(), countOption) == 0;
+    std::vector<Exponent> exponents{Exponent::Full, Exponent::F4};
+    if (isCounting)
     {
-        addModExp(bits, true);
+        exponents.push_back(Exponent::Of64Bits);
     }
-    for (const uint32_t bits : {512U, 1024U, 2048U, 4096U, 8192U})
+    for (const Exponent exponent : exponents)
     {
-        addModExp(bits, false);
+        for (const uint32_t bits : {512U, 1024U, 2048U, 4096U, 8192U})
+        {
+            addModExp(bits, exponent);
+        }
     }
     for (const uint32_t n : {1U, 4U, 8U, 16U, 32U, 64U, 128U, 256U, 1024U, 10000U})
     {
@@ -278,6 +327,11 @@ int main(int argc, char** argv)
         addText(characters, 16);
     }
     addThreads();
+    if (isCounting)
+    {
+        countInstructions(std::string(argv[1]).substr(countOption.size()));
+        return 0;
+    }
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
     {
