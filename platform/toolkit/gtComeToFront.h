@@ -14,8 +14,8 @@ void gtComeToFront(wxTopLevelWindow& window);
 // only.
 void gtTakeStartupId(const gtString& id);
 
-// The startup id that the desktop gave this program with its start, empty where it gave none. Under X11: the toolkit takes
-// it out of the environment (DESKTOP_STARTUP_ID) before main is reached. Main thread only, once the toolkit is
+// The startup id that the desktop gave this program with its start, empty where it gave none. Under X11: the toolkit
+// takes it out of the environment (DESKTOP_STARTUP_ID) before main is reached. Main thread only, once the toolkit is
 // initialised.
 gtString gtStartupId();
 

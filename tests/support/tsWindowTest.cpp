@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <exception>
 #include <fcntl.h>
+#include <iostream>
 #include <set>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -368,7 +369,7 @@ int tsRunProgram(const std::initializer_list<std::string>& arguments, std::strin
     if (!isOnX11() && std::set<std::string>{"xdotool", "import", "xprop", "wmctrl"}.count(texts[0]) > 0)
     {
         // It would fail again and again, and the test wait for what it does until the end of its time.
-        std::fprintf(stderr, "this test runs %s, which takes X11\n", texts[0].c_str());
+        std::cerr << "this test runs " << texts[0] << ", which takes X11\n";
         std::_Exit(1);
     }
     std::vector<char*> pointers;
