@@ -42,6 +42,9 @@ else
     step "unpacking the base of $release" tar --extract --file="$base" --numeric-owner -C "$system"
 fi
 
+# Everybody enters a system's root.
+chmod 755 "$system" || fail "opening the folder $system"
+
 # How this system reaches the mirror, it does too.
 cp -L /etc/resolv.conf /etc/hosts "$system/etc/" || fail "copying the network's configuration"
 apt-config dump | grep -E '^Acquire::(http|https|Check|Retries|ForceIPv)' >"$system/etc/apt/apt.conf.d/00host"

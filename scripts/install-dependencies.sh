@@ -41,7 +41,7 @@ testOptional=(
     # What changes the sources for scripts/mutate.sh.
     python3-clang
     # The shells that completion is tried with, and the programs that the manual compares with.
-    zsh fish minisign signify-openbsd gpg
+    zsh fish minisign signify-openbsd gpg gpg-agent
 )
 developOptional=(
     clang-format clang-tidy gcovr shellcheck mandoc doxygen

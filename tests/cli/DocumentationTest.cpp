@@ -316,7 +316,8 @@ TEST_P(CompletionIn, OffersTheSameOptions)
         EXPECT_EQ(offers(command + " -"), optionsOfHelp({command})) << command;
     }
     EXPECT_EQ(offers("s"), Options{"sign"});
-    EXPECT_EQ(offers("sign --fo"), Options{"--force"});
+    // Some versions of fish also offer what has these letters in this order.
+    EXPECT_EQ(offers("sign --for"), Options{"--force"});
     EXPECT_EQ(offers("keygen --bits "), Options{});
 }
 

@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cli/clProgressLine.h"
+#include "cli/clTerminal.h"
 
 #include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace
 {
@@ -21,6 +27,17 @@ struct Stage
 };
 
 const std::string away = "\r\033[K";
+
+// The columns when this is standard error.
+int columnsWith(int descriptor)
+{
+    const int kept = dup(STDERR_FILENO);
+    EXPECT_TRUE(kept >= 0 && dup2(descriptor, STDERR_FILENO) >= 0);
+    const int columns = clColumnsOfStandardError();
+    EXPECT_GE(dup2(kept, STDERR_FILENO), 0);
+    close(kept);
+    return columns;
+}
 
 }  // namespace
 
@@ -97,4 +114,25 @@ TEST(ProgressLine, NeedsNoWriter)
         "file", 0, [&] { return stage.now; }, nullptr, [] { return false; });
     stage.now += std::chrono::milliseconds(2000);
     EXPECT_TRUE(line.onProgress(1, 4));
+}
+
+TEST(ColumnsOfStandardError, AreThoseOfTheTerminal)
+{
+    const int master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_TRUE(master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0);
+    const int terminal = open(ptsname(master), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_GE(terminal, 0);
+    struct winsize size = {};
+    size.ws_col = 43;
+    ASSERT_EQ(ioctl(terminal, TIOCSWINSZ, &size), 0);
+    EXPECT_EQ(columnsWith(terminal), 43);
+    size.ws_col = 0;
+    ASSERT_EQ(ioctl(terminal, TIOCSWINSZ, &size), 0);
+    EXPECT_EQ(columnsWith(terminal), 80) << "the terminal does not say";
+    close(terminal);
+    close(master);
+
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    EXPECT_EQ(columnsWith(nowhere), 0) << "no terminal";
+    close(nowhere);
 }
