@@ -197,7 +197,7 @@ Parser::Parser()
     _app.footer(clFillParagraphs(mainFooter));
 
     CLI::App* pSign = addCommand(clCommand::Sign, "sign", "Sign files: write FILE.sig beside each FILE", signFooter,
-                                 "The private key, a PEM file");
+                                 "The private key, a PEM or DER file");
     _pOutput =
         pSign->add_option("-o,--output", _values._outputPath,
                           "Where the signature of a single FILE goes instead; - for standard output, also of many");
@@ -211,7 +211,7 @@ Parser::Parser()
 
     CLI::App* pTest =
         addCommand(clCommand::Test, "test", "Test files against FILE.sig beside each FILE (also: verify)", testFooter,
-                   "A public key, a PEM file (of a private key the public half); of several the line "
+                   "A public key, a PEM or DER file (of a private key the public half); of several the line "
                    "names the one that holds");
     _pSignature = pTest->add_option("-s,--signature", _values._signaturePath,
                                     "Where the signature of a single FILE is instead; - for standard input");
@@ -222,16 +222,16 @@ Parser::Parser()
     addFiles(pTest, "The files to test; - for standard input");
 
     CLI::App* pEncrypt = addCommand(clCommand::Encrypt, "encrypt", "Encrypt a short text", encryptFooter,
-                                    "The public key, a PEM file (of a private key the public half is taken)");
+                                    "The public key, a PEM or DER file (of a private key the public half is taken)");
     pEncrypt->add_flag("-p,--private", _isPrivateWanted,
                        "Encrypt with the private exponent; everybody with the public key can read it");
     addText(pEncrypt, "The text; standard input without it");
     addText(addCommand(clCommand::Decrypt, "decrypt", "Decrypt a text", decryptFooter,
-                       "The partner of the key that encrypted, a PEM file, private or public"),
+                       "The partner of the key that encrypted, a PEM or DER file, private or public"),
             "The cipher text; standard input without it");
 
     CLI::App* pKey = addCommand(clCommand::Key, "key", "Show a key, or print its public half", keyFooter,
-                                "The key, a PEM file, private or public");
+                                "The key, a PEM or DER file, private or public");
     pKey->add_flag("-p,--private", _isPrivateWanted, "Print the numbers, with the private exponent");
     pKey->add_flag("-P,--public", _isPublicWanted, "Print the public half as PEM, and nothing else");
     pKey->add_flag("-n,--numbers", _areNumbersWanted, "Print modulus and exponent, too");
@@ -240,7 +240,7 @@ Parser::Parser()
     addKeygen();
 
     CLI::App* pDigest = addCommand(clCommand::Digest, "digest", "Print the digest text of files", digestFooter,
-                                   "A key of the size that shall sign, a PEM file, private or public");
+                                   "A key of the size that shall sign, a PEM or DER file, private or public");
     addJson(pDigest);
     addFiles(pDigest, "The files to read; - for standard input");
 }
