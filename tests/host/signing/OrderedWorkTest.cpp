@@ -12,6 +12,7 @@
 #include <memory>
 #include <mutex>
 #include <sched.h>
+#include <thread>
 #include <vector>
 
 namespace
