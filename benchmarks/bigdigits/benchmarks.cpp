@@ -2,8 +2,9 @@
 // The multiple-precision module beside OpenSSL, GMP, libtommath and a plain transcription of its own algorithms.
 // Names are <operation>/<size>/<who>; "ours" is the module. With --count-instructions=REGEX the operations whose
 // names the regular expression finds are not measured: what they take in instructions is printed.
-#include "instructions.h"
 #include "plain.h"
+
+#include "tests/support/instructions.h"
 
 #include <benchmark/benchmark.h>
 #include <gmp.h>
@@ -289,8 +290,9 @@ void countInstructions(const std::string& names)
     {
         if (std::regex_search(operation._name, wanted))
         {
-            std::printf("%s %llu\n", operation._name.c_str(),
-                        static_cast<unsigned long long>(instructionsOf(operation._run)));
+            const long instructions = tsInstructionsOf(operation._run);
+            Operands::check(instructions > 0);
+            std::printf("%s %ld\n", operation._name.c_str(), instructions);
             Operands::check(std::fflush(stdout) == 0);
         }
     }

@@ -5,16 +5,14 @@
 #include "RandomNumbers.h"
 #include "watching.h"
 
+#include "tests/support/instructions.h"
+
 #include <sys/mman.h>
-#include <sys/ptrace.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 
 namespace
 {
@@ -297,51 +295,6 @@ TEST(Printing, OfOneLineIsOneLineHoweverLong)
 
 #if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
-// How many instructions the work takes, counted one after the other in a process of its own; 0 when that is not
-// allowed.
-long instructionsOf(const std::function<void()>& work)
-{
-    const pid_t child = fork();
-    if (child == 0)
-    {
-        if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0)
-        {
-            _exit(1);
-        }
-        (void)raise(SIGSTOP);
-        work();
-        (void)raise(SIGSTOP);
-        _exit(0);
-    }
-    long count = -1;
-    int status = 0;
-    while (waitpid(child, &status, 0) == child && WIFSTOPPED(status))
-    {
-        if (WSTOPSIG(status) == SIGSTOP)
-        {
-            ++count;
-            if (count > 0)
-            {
-                break;
-            }
-        }
-        else
-        {
-            ++count;
-        }
-        if (ptrace(PTRACE_SINGLESTEP, child, nullptr, nullptr) != 0)
-        {
-            break;
-        }
-    }
-    if (WIFSTOPPED(status))
-    {
-        kill(child, SIGKILL);
-        waitpid(child, &status, 0);
-    }
-    return std::max(count, 0L);
-}
-
 TEST(ModExp, SquaresByTheFunctionThatIsMadeForIt)
 {
     // A longer power keeps its value in another form than digits, and squares it in that.
@@ -356,20 +309,20 @@ TEST(ModExp, SquaresByTheFunctionThatIsMadeForIt)
     Digits wide(size_t{2} * n);
     // Three squarings more, and nothing else.
     mpSetDigit(e, 2, n);
-    const long few = instructionsOf([&] { mpModExp(y, x, e, m, n); });
+    const long few = tsInstructionsOf([&] { mpModExp(y, x, e, m, n); });
     if (few == 0)
     {
         GTEST_SKIP() << "a process may not be followed here";
     }
     mpSetDigit(e, 16, n);
-    const long many = instructionsOf([&] { mpModExp(y, x, e, m, n); });
-    const long square = instructionsOf([&] { mpSquare(wide, x, n); });
-    const long product = instructionsOf([&] { mpMultiply(wide, x, x, n); });
+    const long many = tsInstructionsOf([&] { mpModExp(y, x, e, m, n); });
+    const long square = tsInstructionsOf([&] { mpSquare(wide, x, n); });
+    const long product = tsInstructionsOf([&] { mpMultiply(wide, x, x, n); });
     // The same steps, with multiplications: an exponent of four ones has three of them more than 8 has.
     mpSetDigit(e, 8, n);
-    const long squares = instructionsOf([&] { mpModExp(y, x, e, m, n); });
+    const long squares = tsInstructionsOf([&] { mpModExp(y, x, e, m, n); });
     mpSetDigit(e, 15, n);
-    const long both = instructionsOf([&] { mpModExp(y, x, e, m, n); });
+    const long both = tsInstructionsOf([&] { mpModExp(y, x, e, m, n); });
     ASSERT_GT(many, few);
     ASSERT_NE(square, product);
     // A step with a square and a step with a product differ as the two functions do.
@@ -386,7 +339,7 @@ TEST(ModExp, SquaresByTheFunctionThatIsMadeForIt)
 long instructionsOfProduct(const Digits& u, const Digits& v)
 {
     Digits wide(size_t{2} * u.size());
-    return instructionsOf([&] { mpMultiply(wide, u, v, u.size()); });
+    return tsInstructionsOf([&] { mpMultiply(wide, u, v, u.size()); });
 }
 
 Digits withoutZeros(RandomNumbers& random, uint32_t n)
