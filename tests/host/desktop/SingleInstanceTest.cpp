@@ -151,14 +151,21 @@ TEST_F(SingleInstance, ComesToTheFrontForALaterStartWithoutDocuments)
 // By which the window manager lets the window come to the front.
 TEST_F(SingleInstance, TakesTheStartupIdOfALaterStart)
 {
-    int activations = 0;
+    // GTK 3.24.49 has forgotten it a moment later.
+    std::vector<std::string> idsAtActivation;
     hoSingleInstance instance;
-    EXPECT_FALSE(instance.handOver({}, [&] { ++activations; }));
+    EXPECT_FALSE(instance.handOver({},
+                                   [&]
+                                   {
+                                       const char* pId =
+                                           gdk_x11_display_get_startup_notification_id(gdk_display_get_default());
+                                       idsAtActivation.emplace_back(pId == nullptr ? "none" : pId);
+                                   }));
     setenv("DESKTOP_STARTUP_ID", "of the later start_TIME1", 1);
     EXPECT_EQ(startAnother({}), Outcome::HandedOver);
     unsetenv("DESKTOP_STARTUP_ID");
-    tsRunUntil("it is called to the front", [&] { return activations == 1; });
-    EXPECT_STREQ(gdk_x11_display_get_startup_notification_id(gdk_display_get_default()), "of the later start_TIME1");
+    tsRunUntil("it is called to the front", [&] { return !idsAtActivation.empty(); });
+    EXPECT_EQ(idsAtActivation, std::vector<std::string>{"of the later start_TIME1"});
 }
 
 TEST_F(SingleInstance, HandsItsDocumentsToTheFirst)
