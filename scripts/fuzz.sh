@@ -40,6 +40,10 @@ mkdir -p "$findings" || fail "making the folder $findings"
 
 tryOne() {
     local name=$1 corpus=build/fuzz/corpus/$1 log=build/fuzz/$1.log
+    if [ ! -x "build/fuzz/bin/fuzz_$name" ]; then
+        say "$name: not for this processor"
+        return 0
+    fi
     mkdir -p "$corpus" || fail "making the folder $corpus"
     local arguments=(-artifact_prefix="$findings/$name-" -timeout=25 -rss_limit_mb=2560 -print_final_stats=1 -verbosity=0)
     [ -z "${COUNTERSIGN_FUZZ_SEED:-}" ] || arguments+=(-seed="$COUNTERSIGN_FUZZ_SEED")

@@ -12,7 +12,10 @@
 #include <cstring>
 
 #define MP_FOR_PROCESSORS_WITH(features)
+// A fuzzer tries one processor after the other.
+#if !defined(MP_PROCESSOR_HAS)
 #define MP_PROCESSOR_HAS(feature) true
+#endif
 
 namespace emulated
 {
