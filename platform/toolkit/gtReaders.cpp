@@ -15,8 +15,9 @@ const char* const nameProperty = "accessible-name";
 AtkObject* readableOf(wxWindow& window)
 {
     GtkWidget* pWidget = window.GetHandle();
-    // A list is inside of what scrolls it, and a tool bar inside of what gets its events.
-    if (GTK_IS_BIN(pWidget) && gtk_bin_get_child(GTK_BIN(pWidget)) != nullptr)
+    // A list is inside of what scrolls it, and a tool bar inside of what gets its events. What is inside of a combo box
+    // has its label already.
+    if (GTK_IS_BIN(pWidget) && !GTK_IS_COMBO_BOX(pWidget) && gtk_bin_get_child(GTK_BIN(pWidget)) != nullptr)
     {
         pWidget = gtk_bin_get_child(GTK_BIN(pWidget));
     }

@@ -168,6 +168,7 @@ def look_at_new_key(application, frame):
     until("the open menu", lambda: is_in(item, pyatspi.STATE_SHOWING))
     press("n")
     dialog = expect(application, pyatspi.ROLE_FRAME, "New key pair")
+    expect(dialog, pyatspi.ROLE_COMBO_BOX, "Size")
     expect(dialog, pyatspi.ROLE_TEXT, "Size")
     expect(dialog, pyatspi.ROLE_TEXT, "Private key file")
     expect(dialog, pyatspi.ROLE_PASSWORD_TEXT, "Passphrase")
