@@ -77,7 +77,7 @@ fetch() {
 compile() {
     local source=$1 object=$2
     shift 2
-    "${compiler[@]}" "${flags[@]}" -std=c++17 "$@" -I"$root/src" -I"$root/tests/bigdigits" -isystem "$googletest/include" \
+    "${compiler[@]}" "${flags[@]}" -std=c++17 "$@" -I"$root/src" -I"$root/tests/bigdigits" -I"$root" -isystem "$googletest/include" \
         "${gmpInclude[@]}" -c "$source" -o "$folder/$object" || fail "compiling $source for $machine"
 }
 
