@@ -158,9 +158,10 @@ arAssertionReportWindow::arAssertionReportWindow(wxWindow* pParent, std::shared_
       _isChanged(false),
       _pFollow(std::make_unique<gtMainThreadCall>([this] { followReport(); }))
 {
-    auto* pCopy = new wxButton(this, wxID_COPY);
+    // The toolkit would say its own words in the user's language, beside our English ones.
+    auto* pCopy = new wxButton(this, wxID_COPY, "&Copy");
     auto* pSave = new wxButton(this, wxID_SAVEAS, "&Save...");
-    auto* pClose = new wxButton(this, wxID_CLOSE);
+    auto* pClose = new wxButton(this, wxID_CLOSE, "&Close");
     pCopy->SetToolTip("Copy the selected rows, or all if none is selected (Ctrl+C)");
     pSave->SetToolTip("Write all rows to a file (Ctrl+S)");
     SetEscapeId(wxID_CLOSE);

@@ -3,6 +3,7 @@
 #include "tests/host/MainFrameFixture.h"
 #include "tests/host/NewKey.h"
 
+#include "assertionReporting/arAssertionReportWindow.h"
 #include "host/desktop/hoApplicationArguments.h"
 #include "host/messages/hoMessages.h"
 #include "host/messages/hoNumbers.h"
@@ -21,6 +22,7 @@
 #include <wx/button.h>
 #include <wx/checkbox.h>
 #include <wx/stattext.h>
+#include <wx/stockitem.h>
 
 #include <algorithm>
 #include <clocale>
@@ -334,6 +336,22 @@ TEST_F(Languages, DialogsAreReadable)
         hoDetailsDialog details(nullptr, "Details", "heading", "text");
         expectReadable(details);
     }
+}
+
+TEST_F(Languages, LeaveTheAssertionReportInEnglish)
+{
+    hoUseCatalogue(hoCatalogueFolder(hoApplicationPath()), {"de"});
+    ASSERT_NE(wxGetStockLabel(wxID_CLOSE), "&Close");
+    const arAssertionReportWindow window(nullptr, std::make_shared<arAssertionReport>());
+    std::vector<wxString> labels;
+    for (const wxWindow* pChild : window.GetChildren())
+    {
+        if (dynamic_cast<const wxButton*>(pChild) != nullptr)
+        {
+            labels.push_back(pChild->GetLabel());
+        }
+    }
+    EXPECT_EQ(labels, (std::vector<wxString>{"&Copy", "&Save...", "&Close"}));
 }
 
 #ifdef __WXGTK__
