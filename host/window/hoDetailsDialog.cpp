@@ -12,10 +12,17 @@
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 #include <wx/textctrl.h>
+#include <wx/tokenzr.h>
+
+#include <algorithm>
 
 namespace
 {
 const wxSize usualSize(584, 370);
+// Longer lines are scrolled.
+const int mostWidth = 880;
+// What is beside the lines: borders, and a bar to scroll.
+const int besideLines = 64;
 const wxSize leastTextSize(200, 80);
 
 void save(wxWindow& parent, const wxString& text)
@@ -26,6 +33,25 @@ void save(wxWindow& parent, const wxString& text)
     question._types = _("Text (*.txt)|*.txt|All files|*");
     question._failure = _("Cannot save %s: %s.");
     hoSaveFile(parent, question, gtBytesFromText(text));
+}
+
+// Lines are not broken, since a path may have blanks anywhere; so they get room where there is some.
+wxSize sizeFor(const wxWindow& dialog, const wxString& text)
+{
+    wxString longest;
+    for (wxStringTokenizer lines(text, "\n"); lines.HasMoreTokens();)
+    {
+        const wxString line = lines.GetNextToken();
+        if (line.length() > longest.length())
+        {
+            longest = line;
+        }
+    }
+    wxSize size = dialog.FromDIP(usualSize);
+    // Of a hostile line the beginning is enough.
+    const int width = dialog.GetTextExtent(longest.Left(static_cast<std::size_t>(mostWidth))).GetWidth();
+    size.IncTo(wxSize(std::min(width + dialog.FromDIP(besideLines), dialog.FromDIP(mostWidth)), -1));
+    return size;
 }
 }  // namespace
 
@@ -61,7 +87,7 @@ hoDetailsDialog::hoDetailsDialog(wxWindow* pParent, const wxString& title, const
     pTop->Add(pButtons, wxSizerFlags().Expand().DoubleBorder(wxLEFT | wxRIGHT | wxBOTTOM));
     gtAlignTexts(*this);
     SetSizer(pTop);
-    hoFitOnScreen(*this, FromDIP(usualSize));
+    hoFitOnScreen(*this, sizeFor(*this, text));
     CentreOnParent();
     pClose->SetDefault();
     pClose->SetFocus();

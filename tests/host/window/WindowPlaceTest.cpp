@@ -16,6 +16,7 @@
 #include <wx/settings.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
+#include <wx/textctrl.h>
 
 namespace
 {
@@ -106,6 +107,29 @@ TEST_F(WindowPlace, IsEnoughOnASmallScreen)
     expectSmall(*new hoKeyInformationDialog(_pFrame, keys), "key information");
     expectSmall(*new hoDetailsDialog(_pFrame, "Details", wxString('n', 1000), "text"), "details");
     expectSmall(*new hoPassphraseDialog(_pFrame, "Passphrase of " + wxString('n', 60)), "passphrase");
+}
+
+TEST_F(WindowPlace, HasRoomForTheLinesOfDetails)
+{
+    start();
+    const auto widthFor = [&](const wxString& line)
+    {
+        hoDetailsDialog dialog(_pFrame, "Details", "heading", "a.txt\n" + line + "\nb.txt");
+        dialog.Layout();
+        for (const wxWindow* pChild : dialog.GetChildren())
+        {
+            if (dynamic_cast<const wxTextCtrl*>(pChild) != nullptr)
+            {
+                return pChild->GetClientSize().x;
+            }
+        }
+        return 0;
+    };
+    const wxString line('n', 90);
+    EXPECT_GT(widthFor(line), _pFrame->GetTextExtent(line).x);
+    EXPECT_LT(widthFor("short"), _pFrame->GetTextExtent(line).x);
+    // It is scrolled.
+    EXPECT_LT(widthFor(wxString('n', 100000)), 1000);
 }
 
 TEST_F(WindowPlace, ShowsWhereADropGoes)
