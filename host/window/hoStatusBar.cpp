@@ -8,6 +8,8 @@
 #include "platform/toolkit/gtReaders.h"
 #include "platform/toolkit/gtTextConversion.h"
 
+#include <algorithm>
+
 namespace
 {
 enum Field
@@ -18,10 +20,19 @@ enum Field
     FIELD_COUNT
 };
 
-// Negative: shares of the width.
-const int usualWidths[FIELD_COUNT] = {-4, -5, -4};
-const int widthsWithSeveralKeys[FIELD_COUNT] = {-3, -7, -4};
+// Of the notice and the keys, of what the documents leave.
+struct Shares
+{
+    int _notice;
+    int _keys;
+};
+const Shares usualShares{4, 5};
+const Shares sharesWithSeveralKeys{3, 7};
+// The documents always have so much of the whole, a part of so many.
+const int leastPartOfDocuments = 4;
 const int textMargin = 4;  // of a field, on each side
+// The fields keep their places while a number grows by a figure.
+const int widthStep = 40;
 
 wxString bitsOf(const hoLoadedKey& key)
 {
@@ -80,15 +91,15 @@ std::vector<wxString> keyTexts(const hoKeyRing& keys)
 }
 }  // namespace
 
-hoStatusBar::hoStatusBar(wxWindow* pParent) : wxStatusBar(pParent)
+hoStatusBar::hoStatusBar(wxWindow* pParent) : wxStatusBar(pParent), _areSeveralKeys(false)
 {
-    SetFieldsCount(FIELD_COUNT, usualWidths);
+    SetFieldsCount(FIELD_COUNT);
     Bind(wxEVT_SIZE,
          [this](wxSizeEvent& event)
          {
              event.Skip();
-             // The fields have their new widths once this event is dealt with.
-             CallAfter(&hoStatusBar::fitKeys);
+             // The bar has its new width once this event is dealt with.
+             CallAfter(&hoStatusBar::fitFields);
          });
 }
 
@@ -115,8 +126,8 @@ void hoStatusBar::endReason()
 void hoStatusBar::showKeys(const hoKeyRing& keys)
 {
     _keyTexts = keyTexts(keys);
-    SetStatusWidths(FIELD_COUNT, keys.keys().size() > 1 ? widthsWithSeveralKeys : usualWidths);
-    fitKeys();
+    _areSeveralKeys = keys.keys().size() > 1;
+    fitFields();
 }
 
 void hoStatusBar::DoUpdateStatusText(int field)
@@ -132,6 +143,28 @@ void hoStatusBar::DoUpdateStatusText(int field)
     gtReadAsStatusBar(*this, all);
 }
 
+int hoStatusBar::roomFor(const wxString& text) const
+{
+    return GetTextExtent(text).GetWidth() + 2 * FromDIP(textMargin);
+}
+
+void hoStatusBar::fitFields()
+{
+    const Shares shares = _areSeveralKeys ? sharesWithSeveralKeys : usualShares;
+    // Beside the fields the window is resized, by something that is as wide as the bar is high.
+    const int all = GetClientSize().GetWidth() - GetClientSize().GetHeight();
+    const int borders = 2 * GetBorderX();
+    // The shortest text of several keys is always there; that of one key may be cut.
+    const int keys = _keyTexts.size() > 1 ? roomFor(_keyTexts.back()) + borders : 0;
+    const int most =
+        std::max(all / leastPartOfDocuments, all - keys * (shares._notice + shares._keys) / shares._keys - 1);
+    const int step = FromDIP(widthStep);
+    const int wanted = roomFor(GetStatusText(FIELD_DOCUMENTS)) + borders;
+    const int widths[FIELD_COUNT] = {-shares._notice, -shares._keys, std::min((wanted + step - 1) / step * step, most)};
+    SetStatusWidths(FIELD_COUNT, widths);
+    fitKeys();
+}
+
 void hoStatusBar::fitKeys()
 {
     wxRect field;
@@ -139,9 +172,8 @@ void hoStatusBar::fitKeys()
     {
         return;
     }
-    const int width = field.GetWidth() - 2 * FromDIP(textMargin);
     std::size_t fitting = 0;
-    while (fitting + 1 < _keyTexts.size() && GetTextExtent(_keyTexts[fitting]).GetWidth() > width)
+    while (fitting + 1 < _keyTexts.size() && roomFor(_keyTexts[fitting]) > field.GetWidth())
     {
         ++fitting;
     }
@@ -157,4 +189,5 @@ void hoStatusBar::showDocuments(const hoDocumentList& documents, std::size_t amo
                               : hoListed({hoCounted("%s document", "%s documents", documents.size()),
                                           gtTextFromBytes(hoSizeText(documents.totalSize())), selected});
     SetStatusText(text, FIELD_DOCUMENTS);
+    fitFields();
 }

@@ -24,12 +24,17 @@ public:
     // In as many words as there is room for; both keys at any width, by their fingerprints. Of several public keys the
     // number, and their names where there is room.
     void showKeys(const hoKeyRing& keys);
+    // Whole, as long as the keys keep room for their shortest words.
     void showDocuments(const hoDocumentList& documents, std::size_t amountSelected);
 
 private:
     void DoUpdateStatusText(int field) override;
+    // The width that a text takes in a field.
+    int roomFor(const wxString& text) const;
+    void fitFields();
     void fitKeys();
 
+    bool _areSeveralKeys;
     wxString _reason;
     std::vector<wxString> _keyTexts;  // the longest first; empty until there are some
 };

@@ -226,3 +226,38 @@ TEST_F(StatusBar, CountsSeveralPublicKeys)
     tsRunUntil("the private key is there, too",
                [&] { return pBar->GetStatusText(1) == "Private " + fingerprint + "; 2 public keys"; });
 }
+
+TEST_F(StatusBar, ShowsTheDocumentsWholeBesideSeveralKeys)
+{
+    auto* pBar = new hoStatusBar(_pFrame);
+    _pFrame->SetStatusBar(pBar);
+    showWith(new wxPanel(_pFrame));
+    hoKeyRing keys;
+    keys._publics.resize(2);
+    for (hoLoadedKey& key : keys._publics)
+    {
+        key._pKey = newKey(512);
+        key._path = "/keys/her.pem";
+    }
+    hoDocumentList documents;
+    for (int number = 0; number < 200; ++number)
+    {
+        documents.open(_folder.write(std::to_string(number), "text"));
+    }
+    _pFrame->SetSize(640, 400);
+    pBar->showKeys(keys);
+    pBar->showDocuments(documents, 200);
+    const auto hasRoom = [&](int number)
+    {
+        wxRect field;
+        return pBar->GetFieldRect(number, field) &&
+               pBar->GetTextExtent(pBar->GetStatusText(number)).GetWidth() < field.GetWidth();
+    };
+    EXPECT_EQ(pBar->GetStatusText(2), "200 documents, 800 bytes, 200 selected");
+    tsRunUntil("both have room", [&] { return hasRoom(1) && hasRoom(2); });
+    // The keys come first.
+    _pFrame->SetSize(330, 400);
+    tsRunUntil("the bar is small", [&] { return pBar->GetSize().GetWidth() < 340; });
+    tsRunUntil("the keys have room", [&] { return hasRoom(1) && !hasRoom(2); });
+    EXPECT_EQ(pBar->GetStatusText(1), "2 public keys");
+}
