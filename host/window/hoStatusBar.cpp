@@ -151,15 +151,17 @@ int hoStatusBar::roomFor(const wxString& text) const
 void hoStatusBar::fitFields()
 {
     const Shares shares = _areSeveralKeys ? sharesWithSeveralKeys : usualShares;
-    // Beside the fields the window is resized, by something that is as wide as the bar is high.
-    const int all = GetClientSize().GetWidth() - GetClientSize().GetHeight();
+    // What the window is resized by is as wide as the bar is high. The toolkit shares out the width without it, and yet
+    // it covers the end of the last field.
+    const int grip = GetClientSize().GetHeight();
+    const int all = GetClientSize().GetWidth() - grip;
     const int borders = 2 * GetBorderX();
     // The shortest text of several keys is always there; that of one key may be cut.
     const int keys = _keyTexts.size() > 1 ? roomFor(_keyTexts.back()) + borders : 0;
     const int most =
         std::max(all / leastPartOfDocuments, all - keys * (shares._notice + shares._keys) / shares._keys - 1);
     const int step = FromDIP(widthStep);
-    const int wanted = roomFor(GetStatusText(FIELD_DOCUMENTS)) + borders;
+    const int wanted = roomFor(GetStatusText(FIELD_DOCUMENTS)) + borders + grip;
     const int widths[FIELD_COUNT] = {-shares._notice, -shares._keys, std::min((wanted + step - 1) / step * step, most)};
     SetStatusWidths(FIELD_COUNT, widths);
     fitKeys();
