@@ -6,7 +6,7 @@
 #   scripts/make-pictures.sh FOLDER [LOOK...]       for example: scripts/make-pictures.sh /tmp/pictures dark german
 #
 # With FOLDER every window is taken in every look, into FOLDER/LOOK, to be looked at: light, dark, highContrast,
-# highContrastInverse, german, french.
+# highContrastInverse, german, french. COUNTERSIGN_WINDOWS names those that are wanted if not all are ("offer details").
 set -u
 . "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
@@ -100,8 +100,8 @@ take() {
         main-window-empty) mainWindow "$file" "" ;;
         main-window) mainWindow "$file" "$key ctrl+shift+t Down" "${all[@]}" ;;
         several-keys)
-            mainWindow "$file" "ctrl+shift+k type:$files/alice.pub.pem Return ctrl+shift+k type:$files/bob.pub.pem Return
-                ctrl+shift+t Down" "${all[@]}"
+            mainWindow "$file" "ctrl+shift+k type:$files/alice.pub.pem Return
+                ctrl+shift+k type:$files/bob.pub.pem Return ctrl+shift+t Down" "${all[@]}"
             ;;
         offer) XDG_CONFIG_HOME=$files/offer mainWindow "$file" "" "${all[@]}" ;;
         menu) mainWindow "$file" "$keys" "${all[@]}" ;;
@@ -149,8 +149,9 @@ for look in "${looks[@]}"; do
     folder=$top/$look
     mkdir -p "$folder" || fail "making the folder $folder"
     use "$look"
-    for name in assertion-dialog main-window-empty main-window several-keys offer menu details properties replace \
-        key-information progress assertion-report about preferences texts new-key-pair passphrase; do
+    for name in ${COUNTERSIGN_WINDOWS:-assertion-dialog main-window-empty main-window several-keys offer menu details \
+        properties replace key-information progress assertion-report about preferences texts new-key-pair \
+        passphrase}; do
         take "$name"
     done
 done
