@@ -214,20 +214,24 @@ int main(int argc, char** argv)
     argv += 2;
     argc -= 2;
 
+    bool areInstructionsCounted = true;
     {
         // The files are in the cache before anything is measured.
         WatchedScreen screen;
         for (const Program& program : programs)
         {
-            start(screen, program.command);
+            areInstructionsCounted = start(screen, program.command).instructions > 0 && areInstructionsCounted;
         }
     }
     for (const Program& program : programs)
     {
         add("start of the main window/until it is shown", program, &Start::secondsToWindow, 1);
         add("start of the main window/processor time until it rests", program, &Start::processorSeconds, 1);
-        // A nanosecond stands for an instruction.
-        add("start of the main window/instructions until it rests", program, &Start::instructions, 1e-9);
+        if (areInstructionsCounted)
+        {
+            // A nanosecond stands for an instruction.
+            add("start of the main window/instructions until it rests", program, &Start::instructions, 1e-9);
+        }
     }
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
