@@ -31,7 +31,7 @@ using Clock = std::chrono::steady_clock;
 
 [[noreturn]] void fail(const char* what)
 {
-    std::fprintf(stderr, "benchmark_host: %s: %s\n", what, std::strerror(errno));
+    static_cast<void>(std::fprintf(stderr, "benchmark_host: %s: %s\n", what, std::strerror(errno)));
     std::exit(1);
 }
 
@@ -137,6 +137,7 @@ Start start(WatchedScreen& screen, const std::vector<std::string>& command)
             close(gate[0]);
             close(gate[1]);
             std::vector<char*> arguments;
+            arguments.reserve(command.size() + 1);
             for (const std::string& argument : command)
             {
                 arguments.push_back(const_cast<char*>(argument.c_str()));
