@@ -28,7 +28,7 @@ struct Shares
 };
 const Shares usualShares{4, 5};
 const Shares sharesWithSeveralKeys{3, 7};
-// The documents always have so much of the whole, a part of so many.
+// One part of so many of the whole is always left to the documents.
 const int leastPartOfDocuments = 4;
 const int textMargin = 4;  // of a field, on each side
 // The fields keep their places while a number grows by a figure.
