@@ -187,9 +187,18 @@ protected:
     // Presses keys that sign or test, and waits for the result.
     void work(const std::string& keys)
     {
+        // The result of the work before is there until the key arrives.
+        bool isChosen = false;
+        const auto onMenu = [&](wxCommandEvent& event)
+        {
+            isChosen = true;
+            event.Skip();
+        };
+        _pFrame->Bind(wxEVT_MENU, onMenu);
         tsPressKeys(keys);
         tsRunUntil("the work is done",
-                   [this] { return !_pFrame->isAtWork() && !_pFrame->workMessage()._line.empty(); });
+                   [&] { return isChosen && !_pFrame->isAtWork() && !_pFrame->workMessage()._line.empty(); });
+        _pFrame->Unbind(wxEVT_MENU, onMenu);
     }
 
     // Whether the window with this title has the keyboard, also one of the desktop's own.

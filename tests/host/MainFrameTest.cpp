@@ -291,7 +291,7 @@ TEST_F(MainWindow, OpensWhatTheFileDialogGives)
                        tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &title);
                        return title == "Open documents\n";
                    })
-        .perform("type the path", [&] { tsType(path); })
+        .perform("paste the path", [&] { tsPaste(path); })
         .perform("press Return", [] { tsPressKeys("Return"); })
         .start();
     tsPressKeys("ctrl+o");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/tsWindowTest.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -8,6 +9,7 @@
 #include <exception>
 #include <fcntl.h>
 #include <iostream>
+#include <list>
 #include <set>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -16,6 +18,7 @@
 
 #include <gtest/gtest.h>
 #include <wx/app.h>
+#include <wx/clipbrd.h>
 #include <wx/dialog.h>
 #include <wx/evtloop.h>
 #include <wx/stopwatch.h>
@@ -69,6 +72,74 @@ bool isOnX11()
 bool isActiveForEverybody(const wxTopLevelWindow& /*window*/)
 {
     return true;
+}
+
+#endif
+
+#ifdef __WXGTK__
+
+// That a window has been through a whole frame, its sizes and its pixels, since this was made.
+class FrameOf
+{
+public:
+    explicit FrameOf(GtkWidget* pWindow)
+        : _pWindow(GTK_WIDGET(g_object_ref(pWindow))),
+          _pClock(GDK_FRAME_CLOCK(g_object_ref(gtk_widget_get_frame_clock(pWindow)))),
+          _handler(g_signal_connect(_pClock, "after-paint", G_CALLBACK(onPainted), this))
+    {
+        gtk_widget_queue_draw(pWindow);
+        gdk_frame_clock_request_phase(_pClock, GDK_FRAME_CLOCK_PHASE_AFTER_PAINT);
+    }
+    ~FrameOf()
+    {
+        g_signal_handler_disconnect(_pClock, _handler);
+        g_object_unref(_pClock);
+        g_object_unref(_pWindow);
+    }
+    FrameOf(const FrameOf&) = delete;
+    FrameOf& operator=(const FrameOf&) = delete;
+
+    // What is hidden meanwhile is painted no more.
+    bool isOver() const { return _isPainted || !gtk_widget_get_mapped(_pWindow); }
+
+private:
+    static void onPainted(GdkFrameClock* /*pClock*/, FrameOf* pThis) { pThis->_isPainted = true; }
+
+    GtkWidget* _pWindow;
+    GdkFrameClock* _pClock;
+    gulong _handler;
+    bool _isPainted = false;
+};
+
+// Menus and the like too.
+void waitForFrame()
+{
+    std::list<FrameOf> frames;
+    GList* const pWindows = gtk_window_list_toplevels();
+    for (GList* pItem = pWindows; pItem != nullptr; pItem = pItem->next)
+    {
+        auto* const pWindow = GTK_WIDGET(pItem->data);
+        if (gtk_widget_get_mapped(pWindow))
+        {
+            frames.emplace_back(pWindow);
+        }
+    }
+    g_list_free(pWindows);
+    tsRunUntil(
+        "the windows are painted",
+        [&] { return std::all_of(frames.begin(), frames.end(), [](const FrameOf& frame) { return frame.isOver(); }); });
+    gdk_display_sync(gdk_display_get_default());
+}
+
+#else
+
+void waitForFrame()
+{
+    for (wxWindow* pWindow : wxTopLevelWindows)
+    {
+        pWindow->Refresh();
+        pWindow->Update();
+    }
 }
 
 #endif
@@ -329,6 +400,14 @@ void tsType(const std::string& text)
     EXPECT_EQ(tsRunProgram({"xdotool", "type", "--clearmodifiers", "--", text}), 0);
 }
 
+void tsPaste(const std::string& text)
+{
+    const wxClipboardLocker lock;
+    // The clipboard takes it.
+    EXPECT_TRUE(wxTheClipboard->SetData(new wxTextDataObject(wxString::FromUTF8(text))));
+    tsPressKeys("ctrl+v");
+}
+
 void tsClick(const wxWindow& window)
 {
     const wxRect rect = window.GetScreenRect();
@@ -435,6 +514,25 @@ wxImage tsPictureOfScreen()
     }
     static_cast<void>(std::remove(name));
     return picture;
+}
+
+wxImage tsPictureAtRest()
+{
+    wxImage last;
+    tsRunUntil("nothing moves on the screen",
+               [&]
+               {
+                   // A busy program may take two equal pictures before it paints the first time.
+                   tsRunEvents();
+                   waitForFrame();
+                   const wxImage now = tsPictureOfScreen();
+                   const bool isAtRest =
+                       last.IsOk() && now.IsOk() && last.GetSize() == now.GetSize() &&
+                       std::equal(now.GetData(), now.GetData() + 3 * now.GetWidth() * now.GetHeight(), last.GetData());
+                   last = now;
+                   return isAtRest;
+               });
+    return last;
 }
 
 bool tsWritePicture(const wxRect& screenRect, const std::string& fileName)

@@ -75,6 +75,9 @@ void tsPressKeys(const std::string& keys);
 
 // Types the text (ASCII) key by key.
 void tsType(const std::string& text);
+// Pastes a text by the clipboard. For paths in the desktop's file dialogs: these complete what is typed letter by
+// letter, on a busy machine after the next letters have come.
+void tsPaste(const std::string& text);
 
 // A real click of the left button in the middle of the window, which must be visible and not covered.
 void tsClick(const wxWindow& window);
@@ -89,8 +92,12 @@ void tsDoubleClickAtUntil(const wxPoint& screenPosition, const std::string& what
 // What it writes to standard output goes to *pOutput.
 int tsRunProgram(const std::initializer_list<std::string>& arguments, std::string* pOutput = nullptr);
 
-// A picture of the whole screen as it is now, and one that is written to a PNG file.
+// A picture of the whole screen as it is now, and one that is written to a PNG file. What the toolkit has still to
+// paint is not in it.
 wxImage tsPictureOfScreen();
 bool tsWritePicture(const wxRect& screenRect, const std::string& fileName);
+
+// A picture of the whole screen once all windows have been painted as they now stand, and nothing moves any more.
+wxImage tsPictureAtRest();
 
 #endif

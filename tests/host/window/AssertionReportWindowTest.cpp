@@ -252,7 +252,7 @@ TEST_F(AssertionReportWindow, IsSaved)
         tsScript script;
         script.waitUntil("the file dialog has the keyboard", isFileDialogUp)
             .perform("choose the whole name", [] { tsPressKeys("ctrl+a"); })
-            .perform("type the path", [&] { tsType(path); })
+            .perform("paste the path", [&] { tsPaste(path); })
             .perform("press Return", [] { tsPressKeys("Return"); })
             .start();
         tsPressKeys("ctrl+s");

@@ -12,7 +12,6 @@
 #include <wx/textctrl.h>
 
 #include <cstddef>
-#include <cstring>
 #include <functional>
 
 #include <gtk/gtk.h>
@@ -119,22 +118,6 @@ protected:
                    });
         tsClickAt(middle);
     }
-    // Until nothing on the screen changes any more.
-    static void waitForRest()
-    {
-        wxImage last;
-        int same = 0;
-        tsRunUntil("the window is at rest",
-                   [&]
-                   {
-                       const wxImage now = tsPictureOfScreen();
-                       const std::size_t size =
-                           std::size_t(3) * std::size_t(now.GetWidth()) * std::size_t(now.GetHeight());
-                       same = last.IsOk() && std::memcmp(now.GetData(), last.GetData(), size) == 0 ? same + 1 : 0;
-                       last = now;
-                       return same > 5;
-                   });
-    }
     void startWithKey()
     {
         start({"countersign-desktop", _folder.write("a.txt", "first"), _folder.write("b.txt", "second")});
@@ -210,22 +193,20 @@ TEST_F(Bars, StayWhenTheirDetailsAreClosed)
 TEST_F(Bars, LeaveTheirRoomToTheList)
 {
     startWithKey();
-    waitForRest();
+    tsPictureAtRest();
     const wxRect whole = list().GetScreenRect();
     const wxRect bottom(whole.x + 20, whole.GetBottom() - 20, whole.width - 40, 10);
-    const wxColour before = tsInkOf(tsPictureOfScreen(), bottom).ground;
+    const wxColour before = tsInkOf(tsPictureAtRest(), bottom).ground;
     work("ctrl+shift+t");
     tsRunUntil("the list makes room", [&] { return list().GetScreenRect().height < whole.height; });
-    waitForRest();
-    EXPECT_EQ(tsInkOf(tsPictureOfScreen(), bottom).ground, before);
+    EXPECT_EQ(tsInkOf(tsPictureAtRest(), bottom).ground, before);
     // To the button, past Details.
     tsPressKeys("shift+Tab");
     tsPressKeys("shift+Tab");
-    waitForRest();
+    tsPictureAtRest();
     tsPressKeys("space");
     tsRunUntil("the list has its room again", [&] { return list().GetScreenRect() == whole; });
-    waitForRest();
-    EXPECT_EQ(tsInkOf(tsPictureOfScreen(), bottom).ground, before);
+    EXPECT_EQ(tsInkOf(tsPictureAtRest(), bottom).ground, before);
 }
 
 TEST_F(Bars, GiveDetailsToCopyAndToSave)
@@ -298,9 +279,9 @@ TEST_F(Bars, HaveTheColourOfWhatTheyTell)
     startWithKey();
     const auto ground = [this]
     {
-        waitForRest();
+        const wxImage picture = tsPictureAtRest();
         const wxRect place = bar()->GetScreenRect();
-        return tsInkOf(tsPictureOfScreen(), wxRect(place.x + 6, place.y + 8, 300, place.height - 16)).ground;
+        return tsInkOf(picture, wxRect(place.x + 6, place.y + 8, 300, place.height - 16)).ground;
     };
     const wxColour green(0x1B, 0x5E, 0x20);
     const wxColour red(0x9B, 0x1C, 0x1C);

@@ -21,19 +21,7 @@ protected:
     wxImage picture() const
     {
         tsRunProgram({"xdotool", "mousemove", "1270", "890"});
-        wxImage last;
-        tsRunUntil("the window is painted",
-                   [&]
-                   {
-                       const wxImage now = tsPictureOfScreen();
-                       const bool isAtRest =
-                           last.IsOk() && last.GetSize() == now.GetSize() &&
-                           std::equal(now.GetData(), now.GetData() + 3 * now.GetWidth() * now.GetHeight(),
-                                      last.GetData());
-                       last = now;
-                       return isAtRest;
-                   });
-        return last;
+        return tsPictureAtRest();
     }
     void expectLegible(const wxImage& screen, const wxRect& rect, const std::string& what) const
     {

@@ -138,7 +138,7 @@ TEST_F(KeyMenu, ExportsNothingOverTheFileOfAKey)
                  []
                  {
                      tsPressKeys("ctrl+a");
-                     tsType("link.pem");
+                     tsPaste("link.pem");
                      tsPressKeys("Return");
                  })
         .waitUntil("the question is up", isToolkitsQuestionUp)
@@ -224,7 +224,7 @@ TEST_F(KeyMenu, LoadsTheHalfThatItIsAskedFor)
         std::string said;
         tsScript script;
         script.waitUntil("the file dialog is up", [=] { return isActive(pTitle); })
-            .perform("type the path", [&] { tsType(path); })
+            .perform("paste the path", [&] { tsPaste(path); })
             .perform("choose it", [] { tsPressKeys("Return"); })
             .waitUntil("a key is loaded, or a message is up",
                        [&]

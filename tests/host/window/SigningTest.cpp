@@ -34,12 +34,7 @@ protected:
     {
         start({"countersign-desktop", _folder.write("a.txt", "first"), _folder.write("b.txt", "second"),
                _folder.write("c.txt", "third")});
-        drop(_folder.write("mine.pem", newKeyText(1024)));
-    }
-    void pressAndWait(const std::string& keys)
-    {
-        tsPressKeys(keys);
-        tsRunUntil("the work is done", [this] { return !_pFrame->isAtWork() && !message().empty(); });
+        dropNewKey();
     }
     std::string message() const { return _pFrame->workMessage()._line.utf8_string(); }
 };
@@ -64,7 +59,7 @@ TEST_F(Signing, SignsAndTestsByKeys)
 {
     startWithKey();
     EXPECT_THAT(status(1), testing::MatchesRegex("1024-bit private key [0-9a-f]{8}, mine.pem"));
-    pressAndWait("ctrl+s");
+    work("ctrl+s");
     EXPECT_THAT(rows(1), ElementsAre("Signed by me", "Signed by me", "Signed by me"));
     EXPECT_EQ(message(), "3 documents: 3 signed.");
 
@@ -72,7 +67,7 @@ TEST_F(Signing, SignsAndTestsByKeys)
     _folder.write("b.txt", "sedond");
     _folder.write("d.txt", "x");
     openAskedFor(_folder.path("d.txt"));
-    pressAndWait("ctrl+shift+t");
+    work("ctrl+shift+t");
     EXPECT_THAT(rows(1), ElementsAre("Signed by me", "Bad", "Signed by me", "Not signed"));
     EXPECT_EQ(message(), "4 documents: 2 good, 1 bad, 1 not signed.");
     EXPECT_EQ(_pFrame->workMessage()._tone, hoSummaryTone::NotWell);
@@ -80,19 +75,19 @@ TEST_F(Signing, SignsAndTestsByKeys)
                 HasSubstr(_folder.path("b.txt") + "\n    bad: the document is not the one"));
 
     openAskedFor(_folder.path("a.txt"));
-    pressAndWait("ctrl+t");
+    work("ctrl+t");
     EXPECT_EQ(message(), "1 document: 1 good.");
 }
 
 TEST_F(Signing, TellsWeakSignaturesThoseOfOthersAndNone)
 {
     startWithKey();
-    pressAndWait("ctrl+shift+s");
+    work("ctrl+shift+s");
     const std::string signature = _folder.read("a.txt.sig");
     _folder.write("a.txt.sig", signature.substr(0, signature.find('\n') + 1));
     _folder.write("b.txt.sig", "untrusted comment: of another program\nRWQ=\n");
     _folder.write("c.txt.sig", signature.substr(0, 300) + "\n");
-    pressAndWait("ctrl+shift+t");
+    work("ctrl+shift+t");
     EXPECT_THAT(rows(1), ElementsAre("Weak", "Not a signature", "Not a signature"));
     EXPECT_EQ(message(), "3 documents: 1 weak, 2 without a signature that can be read.");
     EXPECT_EQ(_pFrame->workMessage()._tone, hoSummaryTone::NotWell);
@@ -103,7 +98,7 @@ TEST_F(Signing, TellsWeakSignaturesThoseOfOthersAndNone)
 
     // What others have written is not replaced.
     std::filesystem::remove(_folder.path("a.txt.sig"));
-    pressAndWait("ctrl+shift+s");
+    work("ctrl+shift+s");
     EXPECT_THAT(_folder.read("b.txt.sig"), testing::StartsWith("untrusted"));
     EXPECT_THAT(_pFrame->workMessage()._details.utf8_string(), HasSubstr("never overwritten"));
 }
@@ -209,10 +204,10 @@ TEST_F(Signing, AsksBeforeItReplacesSignatures)
 TEST_F(Signing, ReplacesNoSignatureByReturnWhereAllAreSigned)
 {
     startWithKey();
-    pressAndWait("ctrl+shift+s");
+    work("ctrl+shift+s");
     const std::string signature = _folder.read("b.txt.sig");
     _folder.write("b.txt", "sedond");
-    pressAndWait("ctrl+shift+t");
+    work("ctrl+shift+t");
     for (const char* answer : {"Return", "Escape", "alt+r"})
     {
         tsScript script;
@@ -242,20 +237,20 @@ TEST_F(Signing, DoesNothingByTheSelectionsCommandWhenNothingIsSelected)
     EXPECT_FALSE(std::filesystem::exists(_folder.path("a.txt.sig")));
     tsPressKeys("ctrl+a");
     tsRunUntil("it is no longer said", [this] { return status(0).empty(); });
-    pressAndWait("ctrl+shift+s");
+    work("ctrl+shift+s");
     EXPECT_EQ(message(), "3 documents: 3 signed.");
 }
 
 TEST_F(Signing, TakesAResultBackThatIsNoLongerTrue)
 {
     startWithKey();
-    pressAndWait("ctrl+shift+s");
+    work("ctrl+shift+s");
     settle();
     EXPECT_NE(message(), "");
     _folder.write("a.txt", "other");
     tsRunUntil("the result is gone", [this] { return message().empty(); });
     EXPECT_EQ(rows(1)[0], "Changed since");
-    pressAndWait("ctrl+shift+t");
+    work("ctrl+shift+t");
     _pFrame->setKeys(hoKeyRing());
     EXPECT_EQ(message(), "") << "of another key";
 }
@@ -263,7 +258,7 @@ TEST_F(Signing, TakesAResultBackThatIsNoLongerTrue)
 TEST_F(Signing, APublicKeyTests)
 {
     startWithKey();
-    pressAndWait("ctrl+shift+s");
+    work("ctrl+shift+s");
     const std::string mine = newKeyText(512, true);
     drop(_folder.write("theirs.pem", mine));
     EXPECT_THAT(status(1), HasSubstr("1024-bit private key"));
@@ -273,14 +268,14 @@ TEST_F(Signing, APublicKeyTests)
     choose("alt+k", "f");
     tsRunUntil("the keys are gone", [this] { return !_pFrame->keys().canTest(); });
     drop(_folder.path("theirs.pem"));
-    pressAndWait("ctrl+shift+t");
+    work("ctrl+shift+t");
     EXPECT_THAT(rows(1), ElementsAre("Another key", "Another key", "Another key"));
 }
 
 TEST_F(Signing, SeesDocumentsChangeAndGoAndComeBack)
 {
     startWithKey();
-    pressAndWait("ctrl+shift+s");
+    work("ctrl+shift+s");
     _folder.write("a.txt", "other");
     tsRunUntil("a change is seen", [this] { return rows(1)[0] == "Changed since" && rows(2)[0] == "5 bytes"; });
     std::filesystem::remove(_folder.path("b.txt"));
@@ -341,7 +336,7 @@ TEST_F(Signing, AsksForThePassphraseUntilItFits)
                        tsRunProgram({"xdotool", "getactivewindow", "getwindowname"}, &title);
                        return title == "Load a private key\n";
                    })
-        .perform("type the path", [&] { tsType(path); })
+        .perform("paste the path", [&] { tsPaste(path); })
         .perform("choose it", [] { tsPressKeys("Return"); })
         .waitUntil("the passphrase is asked for", [&] { return isAsking("Passphrase of locked.pem"); })
         .perform("give a wrong one", [] { tsType("wrong"); })
@@ -565,7 +560,7 @@ TEST_F(Signing, WritesWhatTheCommandLineReadsAndReadsWhatItWrites)
     const std::string key = _folder.path("mine.pem");
     ASSERT_EQ(tsRunProgram({COUNTERSIGN_CLI, "sign", "--key", key, _folder.path("a.txt")}), 0);
     tsRunUntil("the signature is seen", [this] { return rows(1)[0] == "Not tested"; });
-    pressAndWait("ctrl+shift+t");
+    work("ctrl+shift+t");
     EXPECT_THAT(rows(1), ElementsAre("Signed by me", "Not signed", "Not signed"));
 
     openAskedFor(_folder.path("b.txt"));
@@ -699,7 +694,7 @@ TEST_F(Signing, WarnsOfPrivateKeysThatOthersCanGetAt)
     EXPECT_THAT(details(), testing::AllOf(HasSubstr("chmod 600"), HasSubstr("folder")));
 
     // The next thing that is begun takes the bar.
-    pressAndWait("ctrl+s");
+    work("ctrl+s");
     EXPECT_EQ(warning(), "");
     // Public keys are everybody's.
     load("g.pem", 0666, 0777);
