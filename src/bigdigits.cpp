@@ -187,7 +187,12 @@ void clearAndFree(unsigned char* characters, size_t n)
 // since. The sizes are more than any way through them takes, of which numbers of few digits take less.
 MP_OWN_FRAME void wipeDeepStack()
 {
+#if defined(__OPTIMIZE__)
     unsigned char room[49152];
+#else
+    // A compiler that keeps every operand of every operation on the stack may take nearly 80 KiB of it.
+    unsigned char room[98304];
+#endif
     wipe(room, 0, sizeof(room));
 }
 

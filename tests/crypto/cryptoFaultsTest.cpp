@@ -472,6 +472,13 @@ TEST_F(CryptoFaults, SignersThrowNothingButForTheirText)
                                        { results.push_back(signer.createFileMessageDigest(_file)); }));
     // The signer's own memory, then the file's, which does without.
     EXPECT_EQ(results, (std::vector<bool>{false, true, true}));
+    gtString text;
+    const unsigned long long before = amountOfAllocations();
+    signer.messageDigestToString(text);
+    if (amountOfAllocations() == before)
+    {
+        GTEST_SKIP() << "this C++ library keeps so short a text without memory of its own";
+    }
     gtString output("left over, and long enough to have memory of its own");
     bool hasThrown = false;
     {

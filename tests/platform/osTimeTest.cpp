@@ -246,6 +246,13 @@ TEST(osTime, LeavesTheTextAloneWithoutMemory)
 {
     gtString text("kept");
     const osTime moment(1700000000);
+    gtString other;
+    const unsigned long long before = amountOfAllocations();
+    moment.timeAsString(other, osTime::DATE_AND_TIME, osTime::UTC);
+    if (amountOfAllocations() == before)
+    {
+        GTEST_SKIP() << "this C++ library keeps so short a text without memory of its own";
+    }
     bool hasFailed = false;
     {
         const FailingAllocation failing(0);
