@@ -188,7 +188,8 @@ variant_offline() {
 # arm64Root FOLDER: an arm64 system's libraries and headers, unpacked and not installed, so that nothing here has to go.
 arm64Root() {
     local folder=$1 mirror codename package
-    [ ! -f "$folder/complete" ] || return 0
+    local packages=g++,libssl-dev,libgmp-dev,libcli11-dev,libbsd-dev,libglib2.0-dev,nlohmann-json3-dev,zlib1g-dev
+    [ "$(cat "$folder/complete" 2>/dev/null)" != "$packages" ] || return 0
     [ "$(id -u)" -eq 0 ] || skip "debootstrap takes root"
     need debootstrap debootstrap
     mirror=$(debianMirror)
@@ -196,7 +197,7 @@ arm64Root() {
     [ -n "$mirror" ] || skip "this system's package mirror is not known"
     rm -rf "$folder"
     debootstrap --arch=arm64 --foreign --variant=minbase \
-        --include=g++,libssl-dev,libgmp-dev,libcli11-dev,libbsd-dev,nlohmann-json3-dev,zlib1g-dev "$codename" "$folder" "$mirror" || return
+        --include="$packages" "$codename" "$folder" "$mirror" || return
     for package in "$folder"/var/cache/apt/archives/*.deb; do
         dpkg -x "$package" "$folder" || return
     done
@@ -204,7 +205,7 @@ arm64Root() {
     find "$folder/usr/lib" -type l -lname '/*' | while read -r package; do
         ln -sfn "$folder$(readlink "$package")" "$package"
     done
-    touch "$folder/complete"
+    echo "$packages" >"$folder/complete"
 }
 
 variant_arm64() {
@@ -218,6 +219,9 @@ variant_arm64() {
     fi
     arm64Root "$system" || return
     export QEMU_LD_PREFIX=$system
+    # Of that system's libraries, not of those here.
+    export PKG_CONFIG_SYSROOT_DIR=$system
+    export PKG_CONFIG_LIBDIR=$system/usr/lib/aarch64-linux-gnu/pkgconfig:$system/usr/share/pkgconfig
     cross=(-DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR=aarch64 -DCMAKE_SYSROOT="$system"
         -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++
         -DCMAKE_C_COMPILER_TARGET=aarch64-linux-gnu -DCMAKE_CXX_COMPILER_TARGET=aarch64-linux-gnu

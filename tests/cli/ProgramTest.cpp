@@ -311,7 +311,11 @@ TEST_F(Program, WarnsOfKeysThatLibcryptoDoesNotOverwrite)
     tsCommand sign = command({"sign", "-k", "private.pem", "report"});
     sign._prepare = []
     {
-        setenv("LD_PRELOAD", COUNTERSIGN_EARLY_USER, 1);
+        // The name alone, as blanks part the names in this variable.
+        const std::string library = COUNTERSIGN_EARLY_USER;
+        const std::size_t slash = library.rfind('/');
+        setenv("LD_PRELOAD", library.c_str() + slash + 1, 1);
+        setenv("LD_LIBRARY_PATH", library.substr(0, slash).c_str(), 1);
         // The address sanitizer wants to be loaded first, and what is taken this early is not given back.
         setenv("ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0", 1);
     };

@@ -85,6 +85,16 @@ const std::map<std::string, int> callsOfAKeyAnew = {{"close", 2}, {"fstat", 0}, 
                                                     {"open", 2},  {"read", 0},  {"realpath", 1}, {"rename", 1},
                                                     {"stat", 1},  {"write", 1}};
 
+// Whether a sticky folder keeps a file from being replaced is not asked for root: twice for each of two documents.
+std::map<std::string, int> ofThisUser(std::map<std::string, int> calls)
+{
+    if (geteuid() != 0)
+    {
+        calls["stat"] += 4;
+    }
+    return calls;
+}
+
 // What is in the files of a folder, by their names.
 std::map<std::string, std::string> contentsOf(const TemporaryFolder& folder)
 {
@@ -256,7 +266,7 @@ TEST_F(WindowEngineFaults, LeaveAWholeSignatureOrTheOneBefore)
                 [this] { work(hoSigningJob::Kind::Sign, _key); }, [&] { checkSigning(before); });
         }
         // Fewer would mean that calls are not met any more, and that nothing is tried in their place.
-        EXPECT_EQ(met, before.empty() ? callsOfSigning : callsOfSigningAnew);
+        EXPECT_EQ(met, ofThisUser(before.empty() ? callsOfSigning : callsOfSigningAnew));
     }
 }
 
