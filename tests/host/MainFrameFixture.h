@@ -85,6 +85,22 @@ protected:
         tsRunUntil("the menu is open", [&] { return isOpen; });
         _pFrame->Unbind(wxEVT_MENU_OPEN, onOpen);
     }
+    // Waits until the keys that were pressed have been handled, for those that are to do nothing: a menu opens after
+    // them, and is closed again.
+    void handleAllKeys()
+    {
+        openMenu("alt+f");
+        bool isClosed = false;
+        const auto onClose = [&](wxMenuEvent& event)
+        {
+            isClosed = true;
+            event.Skip();
+        };
+        _pFrame->Bind(wxEVT_MENU_CLOSE, onClose);
+        tsPressKeys("Escape");
+        tsRunUntil("the menu is closed", [&] { return isClosed; });
+        _pFrame->Unbind(wxEVT_MENU_CLOSE, onClose);
+    }
     // By the menu's key and the item's.
     void choose(const std::string& menuKeys, const std::string& itemKeys)
     {

@@ -205,9 +205,9 @@ TEST_F(DocumentCommands, ShowTheProperties)
     }
     // Two documents have none.
     tsPressKeys("ctrl+a");
-    settle();
+    tsRunUntil("both are selected", [this] { return selectedRows().size() == 2; });
     tsPressKeys("alt+Return");
-    settle();
+    handleAllKeys();
     EXPECT_EQ(tsTopModalDialog(), nullptr);
 }
 
