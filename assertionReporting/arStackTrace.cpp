@@ -140,7 +140,7 @@ std::string hexadecimal(std::uintptr_t value)
 std::string moduleAndOffset(std::uintptr_t address)
 {
     Dl_info info = {};
-    // The system's function takes a pointer.
+    // The system's function takes a pointer. NOLINTNEXTLINE(performance-no-int-to-ptr)
     if (dladdr(reinterpret_cast<const void*>(address), &info) == 0 || info.dli_fname == nullptr)
     {
         return hexadecimal(address);

@@ -217,7 +217,9 @@ void addFiles(const std::string& self, const std::string& folder, const KeyTexts
         {
             for (const std::string other : {"cat", "sha256sum", "cksum"})
             {
-                addProgram(operation + ending + other, {other, file});
+                std::string title = operation;
+                title.append(ending).append(other);
+                addProgram(title, {other, file});
             }
         }
     }

@@ -6,6 +6,7 @@
 #include "platform/baseTools/gtNumberText.h"
 
 #include <climits>
+#include <cmath>
 #include <string>
 
 gtString hoNumberText(std::uint64_t number)
@@ -60,7 +61,7 @@ gtString hoSizeText(std::uint64_t bytes)
     const int decimals = value < 9.995 ? 2 : (value < 99.95 ? 1 : 0);
     // Not printf, which takes the decimal point from the locale, whatever the language is.
     const std::uint64_t scale = decimals == 2 ? 100 : (decimals == 1 ? 10 : 1);
-    const auto scaled = static_cast<std::uint64_t>(value * static_cast<double>(scale) + 0.5);
+    const auto scaled = static_cast<std::uint64_t>(std::lround(value * static_cast<double>(scale)));
     gtString text(std::to_string(scaled / scale));
     if (decimals > 0)
     {
