@@ -58,40 +58,10 @@ TEST(Digits, OfAnyBytesAreReadAsSscanfReadsThem)
 
 TEST(Digits, AreScannedAsSscanfScansThem)
 {
-    const char* groups[] = {"00000003",
-                            "       3",
-                            "-0000003",
-                            "+0000003",
-                            " -3",
-                            "- 3",
-                            "-",
-                            "+",
-                            "",
-                            "        ",
-                            "        3",
-                            "-ffffffff",
-                            "-0x1",
-                            "0x",
-                            "-0x",
-                            "0xg",
-                            "+-3",
-                            "-+3",
-                            "--3",
-                            "\t\n\v\f\r 3",
-                            "\x0e"
-                            "3",
-                            "\x08"
-                            "3",
-                            "\xa0"
-                            "3",
-                            "\x85"
-                            "3",
-                            "       -3",
-                            "      -3",
-                            "x3",
-                            "g",
-                            "!3",
-                            "#3"};
+    const char* groups[] = {
+        "00000003",  "       3",  "-0000003", "+0000003", " -3",       "- 3",      "-",   "+",   "",    "        ",
+        "        3", "-ffffffff", "-0x1",     "0x",       "-0x",       "0xg",      "+-3", "-+3", "--3", "\t\n\v\f\r 3",
+        "\0163",     "\0103",     "\2403",    "\2053",    "       -3", "      -3", "x3",  "g",   "!3",  "#3"};
     for (const char* pGroup : groups)
     {
         const std::string group = std::string(pGroup).substr(0, 8);
