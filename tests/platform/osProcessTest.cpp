@@ -478,7 +478,8 @@ TEST_F(osOpenFileInSourceCodeEditorTest, WithoutAnyProgramItIsOneLine)
 
 TEST_F(osOpenFileInSourceCodeEditorTest, WithoutPathTheUsualFoldersAreLookedThrough)
 {
-    const std::string before = std::getenv("PATH");
+    const char* const pBefore = std::getenv("PATH");
+    const std::string before = pBefore == nullptr ? "" : pBefore;
     for (const char* pPath : {"", "/one:/two", static_cast<const char*>(nullptr)})
     {
         ::unsetenv("PATH");
